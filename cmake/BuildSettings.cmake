@@ -1,0 +1,49 @@
+# How everything of this project is compiled. Nothing here reaches those who use the installed package.
+
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(vexa_c_warnings -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wcast-qual
+    -Wformat=2 -Wundef)
+set(vexa_cxx_warnings ${vexa_c_warnings} -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wextra-semi)
+
+add_library(vexa_build_settings INTERFACE)
+target_compile_options(vexa_build_settings INTERFACE
+    "$<$<COMPILE_LANGUAGE:C>:${vexa_c_warnings}>"
+    "$<$<COMPILE_LANGUAGE:CXX>:${vexa_cxx_warnings}>"
+    $<$<BOOL:${VEXA_WARNINGS_AS_ERRORS}>:-Werror>)
+
+if(VEXA_SANITIZE)
+    # One sanitizer finding ends the program, so that no test passes over it.
+    add_compile_options(-fsanitize=${VEXA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${VEXA_SANITIZE})
+endif()
+if(VEXA_COVERAGE)
+    add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+    add_link_options(-fprofile-instr-generate)
+endif()
+
+# vexa_shared_library(TARGET NAME EXPORTS MAP)
+#   What every shared library of this project is built like. NAME is its name within the namespace vexa::, MAP the
+#   linker's list of what it exports: hidden visibility alone lets instantiations of the standard library out.
+function(vexa_shared_library target)
+    cmake_parse_arguments(arg "" "NAME;EXPORTS" "" ${ARGN})
+    add_library(vexa::${arg_NAME} ALIAS ${target})
+    target_compile_features(${target} PUBLIC cxx_std_17)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:vexa_build_settings>)
+    target_link_options(${target} PRIVATE -Wl,--version-script=${arg_EXPORTS} -Wl,-z,relro,-z,now)
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${arg_NAME}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH $ORIGIN
+        LINK_DEPENDS ${arg_EXPORTS})
+endfunction()

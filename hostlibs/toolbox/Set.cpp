@@ -1,0 +1,390 @@
+#include "vexa/toolbox/Set.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+#include <new>
+#include <numeric>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "vexa/InvalidArgumentException.h"
+#include "vexa/OutOfMemoryException.h"
+#include "vexa/VexaUtil.h"
+
+namespace vexa::toolbox {
+namespace {
+
+using Range = Set::Range;
+using Ranges = std::vector<Range>;
+
+constexpr char OPENBRACKET_token = '[';
+constexpr char CLOSEBRACKET_token = ']';
+constexpr char COMMA_token = ',';
+constexpr char DASH_token = '-';
+constexpr char COLON_token = ':';
+
+constexpr int64_t kHighestMember = std::numeric_limits<int64_t>::max();
+constexpr int64_t kMostSteppedMembers = int64_t{1} << 24;
+constexpr std::size_t kMostQuoted = 60;
+constexpr std::size_t kFewRanges = 256;
+constexpr int kRadixBits = 9;  // a seventh of a member's bits, which leaves digits small enough for the cache
+constexpr std::size_t kRadix = std::size_t{1} << kRadixBits;
+
+// Whether a range that begins at `first`, and not before `run`, overlaps it or goes on where it ends. (No member is
+// negative, so one less than a member cannot overflow, unlike one more.)
+bool continues(const Range& run, int64_t first) { return first - 1 <= run.last; }
+
+// One step of a radix sort: puts into `sorted` what `ranges` holds, in the order of the digit at `shift`.
+void sortByDigit(const Ranges& ranges, int shift, Ranges& sorted) {
+    const auto digitOf = [shift](const Range& range) {
+        return static_cast<std::size_t>(range.first >> shift) % kRadix;
+    };
+    std::array<std::size_t, kRadix + 1> begins{};
+    for (const Range& range : ranges) ++begins[digitOf(range) + 1];
+    std::partial_sum(begins.begin(), begins.end(), begins.begin());
+    for (const Range& range : ranges) sorted[begins[digitOf(range)]++] = range;
+}
+
+// Many ranges are sorted without comparing them, in time linear in their number: comparing would take longer than
+// all the rest of reading a set.
+void sortByFirst(Ranges& ranges) {
+    if (ranges.size() < kFewRanges) {
+        std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.first < b.first; });
+        return;
+    }
+    int64_t bits = 0;
+    for (const Range& range : ranges) bits |= range.first;
+    Ranges sorted(ranges.size());
+    for (int shift = 0; bits >> shift != 0; shift += kRadixBits) {
+        sortByDigit(ranges, shift, sorted);
+        ranges.swap(sorted);
+    }
+}
+
+// Puts ranges in any order into ascending runs.
+void normalize(Ranges& ranges) {
+    sortByFirst(ranges);
+    auto run = ranges.begin();
+    for (auto range = run + 1; range != ranges.end(); ++range) {
+        if (continues(*run, range->first)) {
+            run->last = std::max(run->last, range->last);
+        } else {
+            *++run = *range;
+        }
+    }
+    ranges.erase(run + 1, ranges.end());
+}
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Reads the text form of a set. Stands on a character of the text, or on the NUL behind it, which is no part of the
+// text form, so that no step has to ask whether the text is at its end.
+class Reader {
+public:
+    explicit Reader(const std::string& text) : m_text(text), m_at(text.c_str()) {}
+
+    Ranges read() {
+        if (!take(OPENBRACKET_token)) refuse("'['");
+        skipBlanks();
+        if (!take(CLOSEBRACKET_token)) readItems();
+        if (m_at != m_text.data() + m_text.size()) refuse("nothing after ']'");
+        if (!m_isAscending) normalize(m_ranges);
+        return std::move(m_ranges);
+    }
+
+private:
+    // Starts on the first item and ends after the closing bracket.
+    void readItems() {
+        for (;;) {
+            const char* const otherwise = readItem();
+            if (take(CLOSEBRACKET_token)) return;
+            if (!take(COMMA_token)) refuse(otherwise);
+            skipBlanks();
+        }
+    }
+
+    // Returns what may stand behind the item.
+    const char* readItem() {
+        const char* const begin = m_at;
+        const int64_t first = readNumber();
+        if (!takeSign(DASH_token)) {
+            append(first, first);
+            return "'-', ',' or ']'";
+        }
+        const int64_t last = readRangeEnd(first);
+        if (!takeSign(COLON_token)) {
+            append(first, last);
+            return "':', ',' or ']'";
+        }
+        appendStepped(first, last, readStep(), begin);
+        return "',' or ']'";
+    }
+
+    int64_t readRangeEnd(int64_t first) {
+        const char* const begin = m_at;
+        const int64_t last = readNumber();
+        if (last < first) refuseAt(begin, "a range end of " + std::to_string(first) + " or more");
+        return last;
+    }
+
+    int64_t readStep() {
+        const char* const begin = m_at;
+        const int64_t step = readNumber();
+        if (step == 0) refuseAt(begin, "a step of 1 or more");
+        return step;
+    }
+
+    // Reads a number and the blanks behind it.
+    int64_t readNumber() {
+        constexpr std::ptrdiff_t kDigitsThatAlwaysFit = std::numeric_limits<int64_t>::digits10;
+        const char* const begin = m_at;
+        const char* end = begin;
+        uint64_t digits = 0;
+        for (; isDigit(*end); ++end) digits = digits * 10 + static_cast<uint64_t>(*end - '0');
+        if (end == begin) refuse("a number");
+        auto number = static_cast<int64_t>(digits);
+        const bool mayOverflow = end - begin > kDigitsThatAlwaysFit;
+        if (mayOverflow && std::from_chars(begin, end, number).ec != std::errc()) {
+            refuse("a number up to " + std::to_string(kHighestMember));
+        }
+        m_at = end;
+        skipBlanks();
+        return number;
+    }
+
+    void append(int64_t first, int64_t last) {
+        if (!m_ranges.empty()) {
+            Range& run = m_ranges.back();
+            const bool ascends = first >= run.first;
+            if (ascends && continues(run, first)) {
+                run.last = std::max(run.last, last);
+                return;
+            }
+            m_isAscending = m_isAscending && ascends;
+        }
+        // Filled in place: copied from a temporary, every run would wait for the one before to reach the cache.
+        Range& added = m_ranges.emplace_back();
+        added.first = first;
+        added.last = last;
+    }
+
+    // `begin` is where the range is written.
+    void appendStepped(int64_t first, int64_t last, int64_t step, const char* begin) {
+        if (step == 1) {
+            append(first, last);
+            return;
+        }
+        const int64_t steps = (last - first) / step;
+        if (steps >= kMostSteppedMembers - m_steppedMembers) {
+            refuseAt(begin, "at most " + std::to_string(kMostSteppedMembers) + " members in stepped ranges");
+        }
+        m_steppedMembers += steps + 1;
+        for (int64_t i = 0; i <= steps; ++i) append(first + i * step, first + i * step);
+    }
+
+    bool take(char c) {
+        if (*m_at != c) return false;
+        ++m_at;
+        return true;
+    }
+
+    // As take(), with the blanks behind it.
+    bool takeSign(char c) {
+        if (!take(c)) return false;
+        skipBlanks();
+        return true;
+    }
+
+    void skipBlanks() {
+        while (*m_at == ' ' || *m_at == '\t') ++m_at;
+    }
+
+    [[noreturn]] void refuse(const std::string& expected) const { refuseAt(m_at, expected); }
+
+    [[noreturn]] void refuseAt(const char* at, const std::string& expected) const {
+        const auto offset = static_cast<std::size_t>(at - m_text.data());
+        throw InvalidArgumentException("Expected " + expected + " at column " + std::to_string(offset + 1) +
+                                       " of set: " + quote(offset));
+    }
+
+    // The text around `offset`.
+    std::string quote(std::size_t offset) const {
+        if (m_text.size() <= kMostQuoted) return m_text;
+        const std::size_t wanted = offset - std::min(offset, kMostQuoted / 2);
+        const std::size_t begin = std::min(wanted, m_text.size() - kMostQuoted);
+        const bool isCutBehind = begin + kMostQuoted < m_text.size();
+        return (begin > 0 ? "..." : "") + m_text.substr(begin, kMostQuoted) + (isCutBehind ? "..." : "");
+    }
+
+    const std::string& m_text;
+    const char* m_at;
+    Ranges m_ranges;
+    bool m_isAscending = true;
+    int64_t m_steppedMembers = 0;
+};
+
+// Text put together in a buffer of its own, which is quicker than growing a string by a few characters at a time.
+class Writer {
+public:
+    void put(char c) { *m_at++ = c; }
+    void put(int64_t number) { m_at = std::to_chars(m_at, end(), number).ptr; }
+
+    void put(const Range& run) {
+        if (end() - m_at < kLongestRun) flush();
+        put(run.first);
+        if (run.last != run.first) {
+            put(DASH_token);
+            put(run.last);
+        }
+    }
+
+    std::string take() {
+        flush();
+        return std::move(m_text);
+    }
+
+private:
+    // Two numbers of 19 digits, the dash between them, and the comma or bracket that follows.
+    static constexpr std::ptrdiff_t kLongestRun = 2 * 19 + 2;
+
+    char* end() { return m_chunk.data() + m_chunk.size(); }
+
+    void flush() {
+        m_text.append(m_chunk.data(), m_at);
+        m_at = m_chunk.data();
+    }
+
+    std::array<char, 4096> m_chunk;
+    char* m_at = m_chunk.data();
+    std::string m_text;
+};
+
+void requireMember(int64_t member) {
+    if (member >= 0) return;
+    throw InvalidArgumentException("Expected a set member of 0 or more, but got " + std::to_string(member));
+}
+
+void requireRange(int64_t first, int64_t last) {
+    requireMember(first);
+    requireMember(last);
+    if (first <= last) return;
+    throw InvalidArgumentException("Expected a range in ascending order, but got " + std::to_string(first) + " to " +
+                                   std::to_string(last));
+}
+
+// The first run from `begin` on that ends at `member` or above.
+template <typename Iterator>
+Iterator firstEndingFrom(Iterator begin, Iterator end, int64_t member) {
+    return std::partition_point(begin, end, [member](const Range& run) { return run.last < member; });
+}
+
+// The first run from `begin` on that begins above `member`.
+template <typename Iterator>
+Iterator firstBeginningAbove(Iterator begin, Iterator end, int64_t member) {
+    return std::partition_point(begin, end, [member](const Range& run) { return run.first <= member; });
+}
+
+}  // namespace
+
+Set::Set() = default;
+
+Set::Set(Set_s* handle) {
+    if (handle == nullptr) return;
+    Range run{0, -1};
+    while (run.last != kHighestMember && VexaUtilSetNextRange(handle, run.last + 1, &run.first, &run.last) != 0) {
+        m_ranges.push_back(run);
+    }
+}
+
+Set::Set(const Set&) = default;
+Set::Set(Set&&) noexcept = default;
+Set& Set::operator=(const Set&) = default;
+Set& Set::operator=(Set&&) noexcept = default;
+Set::~Set() = default;
+
+void Set::clear() { m_ranges.clear(); }
+
+void Set::assign(std::string text) {
+    try {
+        m_ranges = Reader(text).read();
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException("Out of memory");
+    } catch (const std::length_error&) {
+        throw OutOfMemoryException("Out of memory");
+    }
+}
+
+std::string Set::toString() const {
+    Writer writer;
+    writer.put(OPENBRACKET_token);
+    for (const Range& run : m_ranges) {
+        if (&run != &m_ranges.front()) writer.put(COMMA_token);
+        writer.put(run);
+    }
+    writer.put(CLOSEBRACKET_token);
+    return writer.take();
+}
+
+bool Set::isEmpty() const { return m_ranges.empty(); }
+
+uint64_t Set::size() const {
+    uint64_t size = 0;
+    for (const Range& run : m_ranges) size += static_cast<uint64_t>(run.last - run.first) + 1;
+    return size;
+}
+
+bool Set::contains(int64_t member) const {
+    const auto run = firstEndingFrom(m_ranges.begin(), m_ranges.end(), member);
+    return run != m_ranges.end() && run->first <= member;
+}
+
+void Set::insert(int64_t member) { insert(member, member); }
+
+void Set::insert(int64_t first, int64_t last) {
+    requireRange(first, last);
+    // From `begin` to `end` are the runs that the new range overlaps or adjoins; all become one.
+    const auto begin = firstEndingFrom(m_ranges.begin(), m_ranges.end(), first - 1);
+    const int64_t behind = last == kHighestMember ? last : last + 1;
+    const auto end = firstBeginningAbove(begin, m_ranges.end(), behind);
+    if (begin == end) {
+        m_ranges.insert(begin, {first, last});
+        return;
+    }
+    begin->first = std::min(begin->first, first);
+    begin->last = std::max(std::prev(end)->last, last);
+    m_ranges.erase(begin + 1, end);
+}
+
+void Set::erase(int64_t member) { erase(member, member); }
+
+void Set::erase(int64_t first, int64_t last) {
+    requireRange(first, last);
+    // From `begin` to `end` are the runs that lose members; the first and the last of them may keep some.
+    auto begin = firstEndingFrom(m_ranges.begin(), m_ranges.end(), first);
+    auto end = firstBeginningAbove(begin, m_ranges.end(), last);
+    if (begin == end) return;
+    const bool keepsFront = begin->first < first;
+    const bool keepsBack = std::prev(end)->last > last;
+    if (keepsFront && keepsBack && end - begin == 1) {
+        begin = std::prev(m_ranges.insert(end, {last + 1, begin->last}));
+        begin->last = first - 1;
+        return;
+    }
+    if (keepsFront) (begin++)->last = first - 1;
+    if (keepsBack) (--end)->first = last + 1;
+    m_ranges.erase(begin, end);
+}
+
+Set::const_iterator Set::begin() const { return {m_ranges.data(), m_ranges.data() + m_ranges.size()}; }
+
+Set::const_iterator Set::end() const {
+    const Range* const end = m_ranges.data() + m_ranges.size();
+    return {end, end};
+}
+
+const std::vector<Set::Range>& Set::ranges() const { return m_ranges; }
+
+}  // namespace vexa::toolbox
