@@ -1,0 +1,158 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "vexa/ExceptionBase.h"
+#include "vexastandin/Export.h"
+
+namespace vexa::standin {
+
+struct HostState;
+
+/// One call of a function of the host's C API.
+struct Call {
+    std::string function;  ///< for example "VexaUtilStringAlloc"
+    /// As in C, handles by number: `14, "error string"`, `mutex#1`, `null`. An add-on's identity is its id; a handle or
+    /// an identity that is none of the host's is `unknown`; where a number is to be stored is `address`.
+    std::string arguments;
+    std::string result;      ///< as in C; empty when the function returns nothing, threw, or has not returned yet
+    std::thread::id thread;  ///< who called
+};
+
+/// A command that an add-on had the host record.
+struct RecordedCommand {
+    std::string addOnId;  ///< the add-on
+    std::string command;  ///< the command's text, without the add-on
+};
+
+/// A command that an add-on added to the data-set journal.
+struct JournalEntry {
+    std::string addOnId;                     ///< the add-on
+    std::string command;                     ///< the command's text, without the add-on
+    std::optional<std::string> journalData;  ///< the add-on's own data, if it gave any
+};
+
+/// A loaded add-on.
+struct AddOnInfo {
+    std::string id;     ///< the name by which macros address it
+    std::string title;  ///< its title for people, may be empty
+    std::string path;   ///< the file it was loaded from
+};
+
+/// What came of one command.
+struct CommandResult {
+    bool accepted = false;  ///< whether the add-on reported success
+    std::string error;      ///< the add-on's message, or what escaped from it; empty on success
+    /// What the host had to put right after the command, a line each: a lock left open, an error string that is
+    /// none of the host's. Empty when all was well.
+    std::vector<std::string> warnings;
+};
+
+/// An add-on that cannot be loaded. The message is one line: the file, and why.
+class VEXASTANDIN_API LoadError : public ExceptionBase {
+public:
+    /// Keeps \p message.
+    explicit LoadError(const std::string& message);
+    LoadError(const LoadError&) = default;
+    LoadError& operator=(const LoadError&) = default;
+    ~LoadError() override;
+};
+
+/// A stand-in for the host application: it supplies the host's C functions to add-ons, and to the library.
+///
+///     vexa::standin::Host host;               // now the process's host
+///     host.setRecording(true);
+///     host.loadAddOn("./libprobe-stats.so");
+///     const CommandResult result = host.run("PROBESTATS", "LOAD FILE = 'wake.txt'");
+///     host.recordedCommands();                // what the add-on had recorded
+///
+/// Constructing a Host makes it the process's host; destroying it brings back the one before. With none alive the
+/// C functions do nothing, answer false and allocate nothing.
+///
+/// The C functions compare handles before they use them: a handle that is null, freed or of another host, also of
+/// the one before, is refused or ignored. So are a mutex locked twice, and one freed while it is locked. The lock
+/// goes by its identity alone, which may be any: it is given back under an identity it was taken under.
+///
+/// Ownership: the host owns its add-ons; it shuts them down and unloads them when it is destroyed, the last loaded
+///            first. What they allocated from it and did not release is released then.
+/// Threads:   the C functions may be called from any thread. Hosts are constructed, destroyed and told to load, run
+///            and unload from one thread, while no other thread is inside a C function.
+class VEXASTANDIN_API Host {
+public:
+    /// Becomes the process's host. Nothing is active: no recording, no playback, no batch mode.
+    Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+    /// Unloads the add-ons, and brings back the host before.
+    ~Host();
+
+    /// The process's host; null when none is alive.
+    static Host* current();
+
+    /// \name What the host answers
+    /// @{
+    void setBatchMode(bool active);          ///< whether a macro runs in batch mode
+    void setRecording(bool active);          ///< whether macro commands are recorded
+    void setProcessingJournal(bool active);  ///< whether a journal is played back
+    void setProcessingLayout(bool active);   ///< whether a layout is played back
+
+    /// Lets a coming call of \p function fail: it does nothing and returns \p result (null for pointers).
+    /// \param function the C function's name.
+    /// \param nth      which call from now on, counted from 1.
+    /// \param result   what it returns; ignored where it returns nothing or a pointer.
+    /// \throws vexa::InvalidArgumentException when the host has no such function, or for a \p nth of 0.
+    void failCall(const std::string& function, std::size_t nth = 1, int result = 0);
+    /// Lets a coming call of \p function throw `std::runtime_error`. Parameters and errors as in failCall().
+    void throwFromCall(const std::string& function, std::size_t nth = 1);
+    /// @}
+
+    /// \name What the host saw
+    /// @{
+    /// Every call so far, in order. A copy, so that it can be read while others call.
+    std::vector<Call> calls() const;
+    /// The names of the functions called so far, in order.
+    std::vector<std::string> calledFunctions() const;
+    /// Forgets the calls so far.
+    void clearCalls();
+    /// Whether calls are kept; they are, unless told otherwise. A program that runs for long keeps none.
+    void setKeepsCalls(bool keeps);
+    /// The commands recorded so far, while recording was on. What does not fit a line of a macro file is refused: an
+    /// empty command or one with a line break, an add-on id that is empty or has white space in it.
+    std::vector<RecordedCommand> recordedCommands() const;
+    /// The journal so far.
+    std::vector<JournalEntry> journalEntries() const;
+    /// The texts of the error dialogs so far.
+    std::vector<std::string> dialogs() const;
+    /// Has \p show called with the text of each dialog as it comes up, on the calling thread.
+    void onDialog(std::function<void(const std::string&)> show);
+    /// @}
+
+    /// \name Add-ons
+    /// @{
+    /// Loads an add-on and calls its entry. The host's lock is taken from it when its entry leaves it open.
+    /// \param path the shared object; a name without a slash is looked for in the current folder.
+    /// \return what the add-on says of itself.
+    /// \throws LoadError, "FILE: " and the reason; nothing stays loaded then, and shutdown is not called.
+    AddOnInfo loadAddOn(const std::string& path);
+    /// The loaded add-ons, in the order of their loading.
+    std::vector<AddOnInfo> addOns() const;
+    /// Shuts the add-ons down and unloads them, the last loaded first.
+    /// \return what went wrong on the way, a line each.
+    std::vector<std::string> unloadAddOns();
+    /// Runs one command of a loaded add-on. An exception that escapes from the add-on is its failure; the host's lock,
+    /// when the add-on left it open, is taken from it.
+    /// \throws vexa::InvalidArgumentException when no add-on \p addOnId is loaded.
+    CommandResult run(const std::string& addOnId, const std::string& command);
+    /// @}
+
+private:
+    std::unique_ptr<HostState> m_state;
+};
+
+}  // namespace vexa::standin

@@ -1,0 +1,119 @@
+#include "AddOn.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+
+#include "Text.h"
+
+namespace vexa::standin {
+namespace {
+
+constexpr char kEntryName[] = "vexaAddOn";
+
+// The loader looks a bare name up in the system's folders, where nobody expects it to look.
+std::string withFolder(const std::string& path) { return path.find('/') == std::string::npos ? "./" + path : path; }
+
+// Why the file cannot be a shared object; empty when it may be one.
+std::string whyNoFile(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::not_found) return "no such file";
+    if (error) return error.message();
+    return std::filesystem::is_regular_file(status) ? "" : "not a regular file";
+}
+
+bool hasObjectFormat(const std::string& path) {
+    constexpr std::array<char, 4> kMagic = {'\x7f', 'E', 'L', 'F'};
+    std::array<char, kMagic.size()> start{};
+    std::ifstream(path, std::ios::binary).read(start.data(), start.size());
+    return start == kMagic;
+}
+
+// The loader's own text begins with the path, and names a missing symbol at its end.
+std::string whyNotLoaded(const std::string& path, std::string_view loaderText) {
+    constexpr std::string_view kUndefined = "undefined symbol: ";
+    if (!hasObjectFormat(path)) return "not a shared object";
+    const std::string prefix = path + ": ";
+    if (loaderText.substr(0, prefix.size()) == prefix) loaderText.remove_prefix(prefix.size());
+    if (loaderText.substr(0, kUndefined.size()) == kUndefined) {
+        return "unresolved symbol " + std::string(loaderText.substr(kUndefined.size()));
+    }
+    return "it cannot be loaded: " + std::string(loaderText);
+}
+
+// Runs code of an add-on. What escapes from it is returned as text.
+template <class Action>
+std::optional<std::string> whatEscapes(const std::string& place, const Action& action) {
+    try {
+        action();
+        return std::nullopt;
+    } catch (const std::exception& exception) {
+        return "an exception escaped from " + place + ": " + exception.what();
+    } catch (...) {
+        return "an exception of unknown type escaped from " + place;
+    }
+}
+
+// Why the host does not take an add-on that describes itself so; empty when it does.
+std::string whyNotTaken(const VexaAddOn_s* description) {
+    if (description == nullptr) return "it refuses to be loaded (its entry returned null)";
+    if (description->apiVersion != VEXA_ADDON_API_VERSION) {
+        return "it was built for version " + std::to_string(description->apiVersion) +
+               " of the add-on interface, but the host has version " + std::to_string(VEXA_ADDON_API_VERSION);
+    }
+    if (isNullOrEmpty(description->id)) return "it has no id";
+    if (hasWhiteSpace(description->id)) return "its id has white space in it: \"" + std::string(description->id) + "\"";
+    if (description->execute == nullptr) return "it has no function to execute commands";
+    return "";
+}
+
+}  // namespace
+
+AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>()) {
+    m_info.path = withFolder(path);
+    const std::string noFile = whyNoFile(m_info.path);
+    if (!noFile.empty()) throw refusal(noFile);
+    m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
+    if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
+    m_entry = reinterpret_cast<decltype(m_entry)>(dlsym(m_object.get(), kEntryName));
+    if (m_entry == nullptr) throw refusal("it exports no function vexaAddOn, so it is no add-on");
+}
+
+void AddOn::enter() {
+    // Refusals are thrown outside every handler: an exception remembers the one being handled, and that may be the
+    // add-on's.
+    const std::optional<std::string> escaped =
+        whatEscapes("its entry vexaAddOn", [this] { m_description = m_entry(m_identity.get()); });
+    if (escaped) throw refusal(*escaped);
+    const std::string reason = whyNotTaken(m_description);
+    if (!reason.empty()) throw refusal(reason);
+    m_info.id = m_description->id;
+    if (m_description->title != nullptr) m_info.title = m_description->title;
+    m_identity->id = m_info.id;
+}
+
+std::optional<std::string> AddOn::execute(const std::string& command, bool& accepted, char*& errMsg) const {
+    return whatEscapes("the add-on", [&] { accepted = m_description->execute(command.c_str(), &errMsg) == 1; });
+}
+
+std::optional<std::string> AddOn::shutDown() const {
+    if (m_description->shutdown == nullptr) return std::nullopt;
+    return whatEscapes("its shutdown", m_description->shutdown);
+}
+
+LoadError AddOn::refusal(const std::string& reason) const {
+    std::string line = m_info.path + ": " + reason;
+    std::replace_if(line.begin(), line.end(), isLineBreak, ' ');
+    return LoadError(line);
+}
+
+void AddOn::Unload::operator()(void* object) const { dlclose(object); }
+
+}  // namespace vexa::standin

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "vexastandin/Host.h"
+
+namespace vexa::standin {
+
+/// The calls that add-ons made of the host's C functions.
+///
+/// A call enters when it begins, so that the order holds for calls that block, and for calls made within another.
+/// Threads: safe from any.
+class CallLog {
+public:
+    /// Whether calls are kept.
+    bool keeps() const { return m_keeps; }
+    void setKeeps(bool keeps) { m_keeps = keeps; }
+
+    /// Enters a call that begins.
+    /// \return its place, for end().
+    std::size_t begin(Call call);
+    /// Completes the call at \p place with its result, unless it was forgotten meanwhile.
+    void end(std::size_t place, std::string result);
+
+    std::vector<Call> all() const;
+    /// Forgets the calls so far.
+    void clear();
+
+private:
+    mutable std::mutex m_guard;
+    std::vector<Call> m_calls;
+    std::size_t m_forgotten = 0;  // places count on over a clear()
+    std::atomic<bool> m_keeps{true};
+};
+
+}  // namespace vexa::standin

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "HostFunction.h"
+
+namespace vexa::standin {
+
+/// How a call of a host function is to fail.
+struct Fault {
+    bool throws = false;  ///< by an exception
+    int result = 0;       ///< or else by this result
+};
+
+/// The faults asked for. Threads: safe from any.
+class FaultPlan {
+public:
+    /// Plans \p fault for the \p nth call of \p function from now on, counted from 1.
+    /// \throws vexa::InvalidArgumentException for a \p nth of 0.
+    void add(HostFunction function, std::size_t nth, Fault fault);
+    /// Counts a call of \p function.
+    /// \return how it is to fail; nothing when it is not. Of several faults due at once, the one asked for first.
+    std::optional<Fault> next(HostFunction function);
+
+private:
+    struct Planned {
+        HostFunction function;
+        std::size_t callsLeft;
+        Fault fault;
+    };
+
+    std::mutex m_guard;
+    std::vector<Planned> m_planned;
+};
+
+}  // namespace vexa::standin

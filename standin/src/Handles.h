@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace vexa::standin {
+
+/// The living objects of one kind, found by the handles that add-ons have.
+///
+/// A handle is compared, never looked into, so any will do. An object in use outlives its removal.
+/// Threads: safe from any.
+template <class Object, class Handle = Object>
+class Handles {
+public:
+    /// Adds \p object, known as \p handle.
+    void add(const Handle* handle, std::shared_ptr<Object> object) {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        m_entries.emplace(handle, Entry{std::move(object), m_added + 1});
+        ++m_added;
+    }
+
+    /// The object behind \p handle; null when that is no handle of a living one.
+    std::shared_ptr<Object> find(const Handle* handle) const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        const auto found = m_entries.find(handle);
+        return found == m_entries.end() ? nullptr : found->second.object;
+    }
+
+    /// The number of the object behind \p handle, counted from 1; 0 when that is no handle of a living one.
+    std::size_t numberOf(const Handle* handle) const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        const auto found = m_entries.find(handle);
+        return found == m_entries.end() ? 0 : found->second.number;
+    }
+
+    /// Removes the object behind \p handle.
+    /// \return false when that is no handle of a living one.
+    bool remove(const Handle* handle) {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_entries.erase(handle) != 0;
+    }
+
+private:
+    struct Entry {
+        std::shared_ptr<Object> object;
+        std::size_t number;
+    };
+
+    mutable std::mutex m_guard;
+    std::unordered_map<const Handle*, Entry> m_entries;
+    std::size_t m_added = 0;
+};
+
+}  // namespace vexa::standin

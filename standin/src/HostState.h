@@ -1,0 +1,78 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "AddOn.h"
+#include "CallLog.h"
+#include "FaultPlan.h"
+#include "Handles.h"
+#include "HostLock.h"
+#include "HostObjects.h"
+
+namespace vexa::standin {
+
+/// A value for several threads, which see it by copy.
+template <class Value>
+class Shared {
+public:
+    Value copy() const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_value;
+    }
+    /// The value before is destroyed unguarded: that may run code of others.
+    void set(Value value) {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        std::swap(m_value, value);
+    }
+    /// Adds to a value that is a list.
+    template <class Item>
+    void append(Item item) {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        m_value.push_back(std::move(item));
+    }
+
+private:
+    mutable std::mutex m_guard;
+    Value m_value;
+};
+
+/// The inside of a Host: what its C functions work on.
+///
+/// Each part guards itself, and none is locked while code of others runs: an add-on's, or what shows a dialog.
+struct HostState {
+    explicit HostState(Host& itsHost) : host(itsHost) {}
+
+    /// The state of the innermost living host; null when none lives.
+    static HostState* current();
+
+    Host& host;
+    HostState* outer = nullptr;  ///< the host before, while this is one of the living
+
+    std::atomic<bool> isBatchMode{false};
+    std::atomic<bool> isRecording{false};
+    std::atomic<bool> isProcessingJournal{false};
+    std::atomic<bool> isProcessingLayout{false};
+
+    CallLog calls;
+    FaultPlan faults;
+    Shared<std::vector<RecordedCommand>> recorded;
+    Shared<std::vector<JournalEntry>> journal;
+    Shared<std::vector<std::string>> dialogs;
+    Shared<std::function<void(const std::string&)>> showDialog;
+
+    HostLock lock;
+    Handles<ThreadMutex_s> mutexes;
+    Handles<ArgList_s> argLists;
+    Handles<Set_s> sets;
+    Handles<HostString, char> strings;
+
+    Shared<std::vector<std::shared_ptr<const AddOn>>> addOns;  ///< in the order of their loading
+};
+
+}  // namespace vexa::standin
