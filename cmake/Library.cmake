@@ -1,0 +1,24 @@
+# The library itself. Its sources lie in the folders of its parts; a new header or source is listed here.
+
+add_library(vexautilutil_utils SHARED
+    macro/BooleanMacroOption.cpp
+    macro/MacroCommandAbstract.cpp
+    macro/MacroCommandError.cpp
+    macro/MacroOptionInterface.cpp
+    macro/MacroOptionPerformer.cpp
+    macro/MacroTokens.cpp
+    macro/SetMacroOption.cpp)
+target_sources(vexautilutil_utils PUBLIC FILE_SET HEADERS BASE_DIRS include FILES
+    include/vexautilutil/BooleanMacroOption.h
+    include/vexautilutil/Export.h
+    include/vexautilutil/MacroCommandAbstract.h
+    include/vexautilutil/MacroCommandError.h
+    include/vexautilutil/MacroOptionInterface.h
+    include/vexautilutil/MacroOptionPerformer.h
+    include/vexautilutil/MacroTokens.h
+    include/vexautilutil/SetMacroOption.h
+    include/vexautilutil/vexautilutil.h)
+vexa_shared_library(vexautilutil_utils NAME vexautilutil
+    EXPORTS ${PROJECT_SOURCE_DIR}/cmake/vexautilutil_utils.map)
+target_include_directories(vexautilutil_utils PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(vexautilutil_utils PUBLIC vexa::hostapi vexa::hostlibs Boost::headers)

@@ -1,0 +1,12 @@
+/// \file
+/// Includes every public header of the library.
+#pragma once
+
+#include "vexautilutil/BooleanMacroOption.h"
+#include "vexautilutil/Export.h"
+#include "vexautilutil/MacroCommandAbstract.h"
+#include "vexautilutil/MacroCommandError.h"
+#include "vexautilutil/MacroOptionInterface.h"
+#include "vexautilutil/MacroOptionPerformer.h"
+#include "vexautilutil/MacroTokens.h"
+#include "vexautilutil/SetMacroOption.h"
