@@ -7,12 +7,16 @@ add_library(vexautilutil_utils SHARED
     macro/MacroOptionInterface.cpp
     macro/MacroOptionPerformer.cpp
     macro/MacroTokens.cpp
-    macro/SetMacroOption.cpp)
+    macro/SetMacroOption.cpp
+    processor/MacroCommandProcessorAbstract.cpp
+    processor/NameValueAssignment.cpp
+    text/NumberText.cpp)
 target_sources(vexautilutil_utils PUBLIC FILE_SET HEADERS BASE_DIRS include FILES
     include/vexautilutil/BooleanMacroOption.h
     include/vexautilutil/Export.h
     include/vexautilutil/MacroCommandAbstract.h
     include/vexautilutil/MacroCommandError.h
+    include/vexautilutil/MacroCommandProcessorAbstract.h
     include/vexautilutil/MacroOptionInterface.h
     include/vexautilutil/MacroOptionPerformer.h
     include/vexautilutil/MacroTokens.h

@@ -6,6 +6,7 @@
 #include "vexautilutil/Export.h"
 #include "vexautilutil/MacroCommandAbstract.h"
 #include "vexautilutil/MacroCommandError.h"
+#include "vexautilutil/MacroCommandProcessorAbstract.h"
 #include "vexautilutil/MacroOptionInterface.h"
 #include "vexautilutil/MacroOptionPerformer.h"
 #include "vexautilutil/MacroTokens.h"
