@@ -1,0 +1,36 @@
+#include "Console.h"
+
+#include <cstdio>
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kBlanksAndLineEnds = " \t\r\n";
+constexpr std::string_view kIndentation = "    ";
+
+std::string withFollowingLinesIndented(std::string_view text) {
+    std::string lines;
+    for (const char c : text) {
+        lines += c;
+        if (c == '\n') lines += kIndentation;
+    }
+    return lines;
+}
+
+}  // namespace
+
+void tell(const std::string& place, std::string_view text) { tell(place + ": " + std::string(text)); }
+
+void tell(std::string_view message) {
+    const std::string lines = withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n';
+    // Add-ons print through the same buffer: a terminal, or a log of both outputs, shows things in their order.
+    std::fflush(stdout);
+    std::fputs(lines.c_str(), stderr);
+}
+
+std::string_view withoutTrailingBlanks(std::string_view text) {
+    // With no other character in the text, npos + 1 is 0.
+    return text.substr(0, text.find_last_not_of(kBlanksAndLineEnds) + 1);
+}
+
+}  // namespace vexa::runner

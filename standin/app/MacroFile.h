@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vexa::runner {
+
+/// One command of a macro file.
+struct MacroCommand {
+    std::size_t line = 0;  ///< where it stands, counted from 1
+    std::string addOnId;   ///< the add-on it is for
+    std::string text;      ///< the command, as written
+};
+
+/// A macro file, read and checked.
+struct MacroFile {
+    std::string name;                    ///< as messages show it
+    std::vector<MacroCommand> commands;  ///< in the order of the file
+    std::vector<std::string> problems;   ///< what is wrong with it, a message each; empty when it can be run
+
+    /// `FILE:LINE`, the form that editors jump to.
+    std::string place(std::size_t line) const;
+};
+
+/// Reads the macro file \p path, or the standard input if \p path is `-`, and checks every line of it.
+///
+///     # a comment                 skipped, like a blank line
+///     STATS LOAD FILE = 'a b'     the command "LOAD FILE = 'a b'" of the add-on STATS
+///       STATS   LOAD              the command "LOAD"
+///     STATS                       refused: no command
+///     OTHER LOAD                  refused, unless OTHER is one of the add-ons
+///
+/// Lines end with LF or CRLF; the last one may end with the file. A byte-order mark at the start is skipped, and a
+/// line with a NUL byte refused.
+/// \param addOnIds the loaded add-ons.
+MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds);
+
+}  // namespace vexa::runner

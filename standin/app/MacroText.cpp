@@ -1,0 +1,48 @@
+#include "MacroText.h"
+
+#include <string_view>
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kDataMark = "#   ";
+
+std::string asComments(std::string_view data) {
+    std::string comments(kDataMark);
+    for (const char c : data) {
+        comments += c;
+        if (c == '\n') comments += kDataMark;
+    }
+    return comments + '\n';
+}
+
+// The host takes any text for the journal, one with line breaks included, which no macro file can hold.
+bool fitsOneLine(const standin::JournalEntry& entry) {
+    return !entry.addOnId.empty() && !entry.command.empty() && entry.command.find_first_of("\r\n") == std::string::npos;
+}
+
+std::string commandText(const standin::JournalEntry& entry) {
+    const std::string text = entry.addOnId + ' ' + entry.command;
+    return fitsOneLine(entry) ? text + '\n' : "# No macro command:\n" + asComments(text);
+}
+
+}  // namespace
+
+std::string recordingText(const std::vector<standin::RecordedCommand>& commands) {
+    std::string text = "# Macro commands as the add-ons recorded them. vexa-standin runs this file.\n";
+    for (const standin::RecordedCommand& recorded : commands) {
+        text += recorded.addOnId + ' ' + recorded.command + '\n';
+    }
+    return text;
+}
+
+std::string journalText(const std::vector<standin::JournalEntry>& entries) {
+    std::string text = "# Data-set journal: commands, and the data that the add-ons keep with them.\n";
+    for (const standin::JournalEntry& entry : entries) {
+        text += commandText(entry);
+        if (entry.journalData) text += asComments(*entry.journalData);
+    }
+    return text;
+}
+
+}  // namespace vexa::runner

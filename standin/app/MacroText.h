@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+
+/// The macro file that runs \p commands again. The same commands give the same text.
+std::string recordingText(const std::vector<standin::RecordedCommand>& commands);
+
+/// \p entries for people to read: each command, then its journal data as comments. It is a macro file, too.
+///
+///     STATS LOAD FILE = 'wake.txt'
+///     #   rows=128
+///     #   columns=3
+///
+/// A command that does not fit one line of a macro file becomes a comment, too.
+std::string journalText(const std::vector<standin::JournalEntry>& entries);
+
+}  // namespace vexa::runner

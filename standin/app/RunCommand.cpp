@@ -1,0 +1,138 @@
+#include "RunCommand.h"
+
+#include <atomic>
+#include <cstddef>
+#include <set>
+
+#include "AddOns.h"
+#include "AtomicFile.h"
+#include "Console.h"
+#include "MacroFile.h"
+#include "MacroText.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kFailedSilently = "the command failed without a message";
+
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+class MacroRun {
+public:
+    explicit MacroRun(const RunOptions& options) : m_options(options) {
+        m_host.setKeepsCalls(false);
+        m_host.setBatchMode(options.batch);
+        m_host.setRecording(options.record.has_value());
+        m_host.onDialog([this](const std::string& text) { showDialog(text); });
+    }
+
+    ExitStatus_e execute() {
+        const bool ready = openOutputs() && loadAddOns(m_host, m_options.addOns) && readMacro();
+        bool written = false;
+        if (ready) {
+            runCommands();
+            written = writeOutputs();
+        }
+        unloadAddOns(m_host);
+        if (ready && m_options.verbose) tell(m_summary);
+        if (!written) return ExitStatus_e::BadUsageOrInput;
+        return m_failed == 0 ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    }
+
+private:
+    bool openOutputs() {
+        try {
+            if (m_options.record) m_record.emplace(*m_options.record);
+            if (m_options.journal) m_journal.emplace(*m_options.journal);
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return false;
+        }
+        const bool same = m_record && m_journal && m_record->target() == m_journal->target();
+        if (same) tell(*m_options.journal, "cannot hold both the recording and the journal");
+        return !same;
+    }
+
+    bool readMacro() {
+        std::set<std::string> addOnIds;
+        for (const standin::AddOnInfo& addOn : m_host.addOns()) addOnIds.insert(addOn.id);
+        m_macro = readMacroFile(m_options.macroFile, addOnIds);
+        for (const std::string& problem : m_macro.problems) tell(problem);
+        return m_macro.problems.empty();
+    }
+
+    void runCommands() {
+        for (const MacroCommand& command : m_macro.commands) {
+            m_current = &command;
+            runCommand(command);
+            if (m_failed > 0 && !m_options.keepGoing) break;
+        }
+        m_current = nullptr;
+        m_summary = counted(m_run, "command") + " run, " + std::to_string(m_failed) + " failed";
+    }
+
+    void runCommand(const MacroCommand& command) {
+        if (m_options.verbose) tell(m_macro.place(command.line), command.addOnId + ' ' + command.text);
+        const standin::CommandResult result = m_host.run(command.addOnId, command.text);
+        ++m_run;
+        for (const std::string& warning : result.warnings) tell(placeOf(command) + ": warning", warning);
+        if (result.accepted) return;
+        ++m_failed;
+        const std::string_view error = withoutTrailingBlanks(result.error);
+        tell(placeOf(command), error.empty() ? kFailedSilently : error);
+    }
+
+    bool writeOutputs() {
+        bool written = true;
+        if (m_record) {
+            const auto commands = m_host.recordedCommands();
+            written &= write(*m_record, recordingText(commands), commands.size(), "recorded");
+        }
+        if (m_journal) {
+            const auto entries = m_host.journalEntries();
+            written &= write(*m_journal, journalText(entries), entries.size(), "journaled");
+        }
+        return written;
+    }
+
+    bool write(AtomicFile& file, const std::string& text, std::size_t count, const std::string& how) {
+        try {
+            file.replace(text);
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return false;
+        }
+        m_summary += "; " + std::to_string(count) + ' ' + how + " in " + file.path();
+        return true;
+    }
+
+    void showDialog(const std::string& text) const {
+        const MacroCommand* command = m_current;
+        tell(std::string(command ? placeOf(*command) : kProgramName) + ": dialog", text);
+    }
+
+    std::string placeOf(const MacroCommand& command) const {
+        return m_macro.place(command.line) + ": " + command.addOnId;
+    }
+
+    const RunOptions& m_options;
+    MacroFile m_macro;
+    std::optional<AtomicFile> m_record;
+    std::optional<AtomicFile> m_journal;
+    std::size_t m_run = 0;
+    std::size_t m_failed = 0;
+    std::string m_summary;
+    // The command that runs, or null. A dialog may come from any thread of an add-on.
+    std::atomic<const MacroCommand*> m_current{nullptr};
+    // Last: while it is destroyed, its add-ons may still show dialogs.
+    standin::Host m_host;
+};
+
+}  // namespace
+
+ExitStatus_e runMacro(const RunOptions& options) { return MacroRun(options).execute(); }
+
+}  // namespace vexa::runner
