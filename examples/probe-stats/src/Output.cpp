@@ -1,0 +1,57 @@
+#include "Output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "ProbeError.h"
+
+namespace probestats {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const std::string& target, const std::error_code& reason) {
+    throw ProbeError("Cannot write " + target + ": " + reason.message());
+}
+
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+// Returns what went wrong, if anything did.
+std::error_code writeWhole(const std::string& fileName, const std::string& text) {
+    std::FILE* const out = std::fopen(fileName.c_str(), "wb");
+    if (out == nullptr) return lastError();
+    std::error_code failure;
+    if (std::fwrite(text.data(), 1, text.size(), out) != text.size()) failure = lastError();
+    if (std::fclose(out) != 0 && !failure) failure = lastError();
+    return failure;
+}
+
+}  // namespace
+
+void writeToScreen(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
+    const std::error_code failure = lastError();
+    std::clearerr(stdout);
+    fail("the standard output", failure);
+}
+
+void writeToFile(const std::string& fileName, const std::string& text) {
+    std::error_code failure;
+    // Renaming would put a file in the place of a device.
+    const fs::file_status status = fs::status(fileName, failure);
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        throw ProbeError("Cannot write " + fileName + ": it is no regular file");
+    }
+    const std::string temporary = fileName + '.' + std::to_string(getpid()) + ".part";
+    failure = writeWhole(temporary, text);
+    if (!failure) fs::rename(temporary, fileName, failure);
+    if (!failure) return;
+    std::remove(temporary.c_str());
+    fail(fileName, failure);
+}
+
+}  // namespace probestats

@@ -1,0 +1,153 @@
+#include "ProbeData.h"
+
+#include <cerrno>
+#include <cmath>
+#include <fstream>
+#include <system_error>
+
+#include "ProbeError.h"
+#include "vexa/Scanner.h"
+
+namespace probestats {
+namespace {
+
+constexpr char kComment = '#';
+constexpr double kTimeTolerance = 0.01;
+constexpr std::size_t kQuotedLength = 40;
+
+std::vector<std::string> wordsOf(const std::string& line) {
+    std::vector<std::string> words;
+    vexa::Scanner scanner;
+    scanner.reset(line);
+    while (scanner.hasNextToken()) words.push_back(scanner.nextToken());
+    return words;
+}
+
+bool isRow(const std::vector<std::string>& words) { return !words.empty() && words.front().front() != kComment; }
+
+// Infinities and not-a-number would spoil every statistic, so they count as no numbers.
+bool toNumber(const std::string& word, double& number) {
+    vexa::Scanner scanner;
+    scanner.reset(word);
+    if (!scanner.hasNextDoubleToken()) return false;
+    number = scanner.nextDoubleToken();
+    return std::isfinite(number);
+}
+
+std::string quoted(const std::string& word) {
+    return '"' + (word.size() > kQuotedLength ? word.substr(0, kQuotedLength) + "..." : word) + '"';
+}
+
+// Collects the rows of one file, whose first row settles how many columns there are.
+class RowCollector {
+public:
+    explicit RowCollector(const ProbeFileRequest& request) : m_request(request) {}
+
+    void add(const std::vector<std::string>& words, int64_t line) {
+        if (m_columnCount == 0) settleColumns(words.size());
+        if (words.size() != m_columnCount) {
+            throw ProbeError(place(line) + "expected " + std::to_string(m_columnCount) + " columns, found " +
+                             std::to_string(words.size()));
+        }
+        for (ProbeColumn& column : m_columns) column.values.push_back(numberAt(column.number, words, line));
+        if (m_request.timeColumn) m_times.push_back(numberAt(*m_request.timeColumn, words, line));
+        ++m_rowCount;
+    }
+
+    ProbeData finish() {
+        if (m_rowCount < kMinRows) {
+            throw ProbeError(m_request.fileName + ": expected at least " + std::to_string(kMinRows) + " rows, found " +
+                             std::to_string(m_rowCount));
+        }
+        ProbeData data{m_request.fileName, std::move(m_columns), std::nullopt};
+        if (m_request.timeColumn) data.sampleRate = sampleRate();
+        return data;
+    }
+
+private:
+    std::string place(int64_t line) const { return m_request.fileName + ':' + std::to_string(line) + ": "; }
+
+    void settleColumns(std::size_t count) {
+        const auto last = static_cast<int64_t>(count);
+        vexa::toolbox::Set wanted;
+        wanted.insert(1, last);
+        if (m_request.columns) wanted = *m_request.columns;
+        requireColumn("COLUMNS", wanted.ranges().front().first, last);
+        requireColumn("COLUMNS", wanted.ranges().back().last, last);
+        if (m_request.timeColumn) requireColumn("TIMECOLUMN", *m_request.timeColumn, last);
+        for (const int64_t number : wanted) m_columns.push_back({number, {}});
+        m_columnCount = count;
+    }
+
+    void requireColumn(const char* option, int64_t number, int64_t last) const {
+        if (number >= 1 && number <= last) return;
+        throw ProbeError(m_request.fileName + ": columns are 1 to " + std::to_string(last) + ", but " + option +
+                         " asks for " + std::to_string(number));
+    }
+
+    double numberAt(int64_t column, const std::vector<std::string>& words, int64_t line) const {
+        const std::string& word = words[static_cast<std::size_t>(column - 1)];
+        double number = 0.0;
+        if (toNumber(word, number)) return number;
+        throw ProbeError(place(line) + "column " + std::to_string(column) + " is no number: " + quoted(word));
+    }
+
+    double sampleRate() const {
+        const double duration = m_times.back() - m_times.front();
+        const auto steps = static_cast<double>(m_times.size() - 1);
+        const double step = duration / steps;
+        for (std::size_t row = 1; row < m_times.size(); ++row) {
+            const double deviation = std::abs(m_times[row] - m_times[row - 1] - step);
+            if (step > 0.0 && deviation <= kTimeTolerance * step) continue;
+            throw ProbeError(m_request.fileName + ": the times in column " + std::to_string(*m_request.timeColumn) +
+                             " do not advance evenly at row " + std::to_string(row + 1));
+        }
+        return steps / duration;
+    }
+
+    const ProbeFileRequest& m_request;
+    std::size_t m_columnCount = 0;
+    int64_t m_rowCount = 0;
+    std::vector<ProbeColumn> m_columns;
+    std::vector<double> m_times;
+};
+
+}  // namespace
+
+vexa::toolbox::Set ProbeData::columnNumbers() const {
+    vexa::toolbox::Set numbers;
+    for (const ProbeColumn& column : columns) numbers.insert(column.number);
+    return numbers;
+}
+
+ProbeData readProbeFile(const ProbeFileRequest& request) {
+    std::ifstream in(request.fileName);
+    if (!in) {
+        throw ProbeError("Cannot open " + request.fileName + ": " + std::generic_category().message(errno));
+    }
+    RowCollector rows(request);
+    std::string text;
+    int64_t toSkip = request.skipRows;
+    for (int64_t line = 1; std::getline(in, text); ++line) {
+        const std::vector<std::string> words = wordsOf(text);
+        if (!isRow(words)) continue;
+        if (toSkip > 0) {
+            --toSkip;
+        } else {
+            rows.add(words, line);
+        }
+    }
+    if (in.bad()) throw ProbeError(request.fileName + ": cannot be read");
+    return rows.finish();
+}
+
+std::vector<double> valuesIn(const RowWindow& window, const ProbeColumn& column) {
+    std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(window.count()));
+    for (int64_t i = 0; i < window.count(); ++i) {
+        values.push_back(column.values[static_cast<std::size_t>(window.first - 1 + i * window.stride)]);
+    }
+    return values;
+}
+
+}  // namespace probestats

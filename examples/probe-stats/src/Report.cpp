@@ -1,0 +1,77 @@
+#include "Report.h"
+
+#include <iomanip>
+#include <locale>
+#include <sstream>
+
+namespace probestats {
+namespace {
+
+constexpr int kColumnWidth = 6;
+constexpr int kCountWidth = 9;
+constexpr int kNumberWidth = 14;
+
+// Numbers go through streams like this one, so that the host's locale does not show.
+std::ostringstream classicStream() {
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    return out;
+}
+
+std::string describe(const RowWindow& window) {
+    std::string text = std::to_string(window.count()) + " rows, from " + std::to_string(window.first) + " to " +
+                       std::to_string(window.last);
+    if (window.stride != 1) text += " in steps of " + std::to_string(window.stride);
+    return text;
+}
+
+std::string describeRate(const std::optional<double>& rate, int32_t stride) {
+    std::ostringstream out = classicStream();
+    if (!rate) return "no sample rate";
+    out << *rate / stride << " Hz";
+    return out.str();
+}
+
+void writeHeading(std::ostream& out, FrequencyColumn frequencies) {
+    out << std::setw(kColumnWidth) << "column" << std::setw(kCountWidth) << "count";
+    for (const char* heading : {"mean", "deviation", "minimum", "maximum"}) out << std::setw(kNumberWidth) << heading;
+    if (frequencies == FrequencyColumn::Shown) out << std::setw(kNumberWidth) << "frequency";
+    out << '\n';
+}
+
+void writeRow(std::ostream& out, const SummaryRow& row, FrequencyColumn frequencies) {
+    const Summary& summary = row.summary;
+    out << std::setw(kColumnWidth) << row.column << std::setw(kCountWidth) << summary.count;
+    for (const double number : {summary.mean, summary.deviation, summary.minimum, summary.maximum}) {
+        out << std::setw(kNumberWidth) << number;
+    }
+    if (frequencies == FrequencyColumn::Shown) {
+        out << std::setw(kNumberWidth);
+        if (row.frequency) {
+            out << *row.frequency;
+        } else {
+            out << '-';
+        }
+    }
+    out << '\n';
+}
+
+}  // namespace
+
+std::string loadReport(const ProbeData& data) {
+    return "Loaded " + data.fileName + ": " + std::to_string(data.rowCount()) + " rows of columns " +
+           data.columnNumbers().toString() + ", " + describeRate(data.sampleRate, 1) + '\n';
+}
+
+std::string windowReport(const RowWindow& window) { return "Window: " + describe(window) + '\n'; }
+
+std::string summaryReport(const ProbeData& data, const RowWindow& window, const std::vector<SummaryRow>& rows,
+                          FrequencyColumn frequencies) {
+    std::ostringstream out = classicStream();
+    out << data.fileName << ": " << describe(window) << ", " << describeRate(data.sampleRate, window.stride) << '\n';
+    writeHeading(out, frequencies);
+    for (const SummaryRow& row : rows) writeRow(out, row, frequencies);
+    return out.str();
+}
+
+}  // namespace probestats

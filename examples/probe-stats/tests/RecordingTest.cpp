@@ -1,0 +1,107 @@
+#include "AddOnTest.h"
+
+namespace probestats {
+namespace {
+
+using Recording = AddOnTest;
+
+TEST_F(Recording, WritesTheOptionsGivenInOneOrderAndForm) {
+    run("load columns = [3,2] timecolumn = 1 skiprows = 0 file = \"probe.txt\"");
+    run("WINDOW STRIDE = +2 FIRST = 01");
+    run("WINDOW");
+    run("LOAD SAMPLERATE = 2.50e6 COLUMNS = [ 1 ] FILE = 'probe.txt'");
+    run("SUMMARIZE SPECTRUM = no FILE = 'out.txt' COLUMNS = [1]");
+    EXPECT_EQ(recorded(),
+              "LOAD FILE = 'probe.txt' COLUMNS = [2-3] SKIPROWS = 0 TIMECOLUMN = 1\n"
+              "WINDOW FIRST = 1 STRIDE = 2\n"
+              "WINDOW\n"
+              "LOAD FILE = 'probe.txt' COLUMNS = [1] SAMPLERATE = 2.5e+06\n"
+              "SUMMARIZE COLUMNS = [1] FILE = 'out.txt' SPECTRUM = F\n");
+}
+
+TEST_F(Recording, EscapesTexts) {
+    writeText("it's a\\b", "1\n2\n");
+    run("LOAD FILE = \"it's a\\\\b\"");
+    EXPECT_EQ(recorded(), "LOAD FILE = 'it\\'s a\\\\b'\n");
+}
+
+TEST_F(Recording, LeavesOutWhatFailed) {
+    refusalOf("LOAD FILE = 'nowhere.txt'");
+    refusalOf("WINDOW");
+    EXPECT_EQ(recorded(), "");
+}
+
+TEST_F(Recording, NamesTheAddOn) {
+    run("LOAD FILE = 'probe.txt' COLUMNS = [1]");
+    ASSERT_EQ(host.recordedCommands().size(), 1u);
+    EXPECT_EQ(host.recordedCommands()[0].addOnId, "PROBESTATS");
+}
+
+TEST_F(Recording, HappensOnlyWhenTheHostRecords) {
+    host.setRecording(false);
+    run("LOAD FILE = 'probe.txt' COLUMNS = [1]");
+    EXPECT_EQ(recorded(), "");
+}
+
+TEST_F(Recording, LeavesTheStateAsItWasWhenTheHostRefusesIt) {
+    run("LOAD FILE = 'probe.txt' COLUMNS = [1]");
+    const std::string before = run("SUMMARIZE");
+    host.failCall("VexaUtilMacroRecordExtCommand");
+    testing::internal::CaptureStdout();
+    const vexa::standin::CommandResult result = host.run("PROBESTATS", "WINDOW FIRST = 2");
+    testing::internal::GetCapturedStdout();
+    EXPECT_FALSE(result.accepted);
+    EXPECT_EQ(result.error, "Error: The host did not record the command");
+    EXPECT_EQ(run("SUMMARIZE"), before);
+}
+
+// What commands print, and what is recorded of them.
+struct Outcome {
+    std::string printed;
+    std::string recorded;
+};
+
+Outcome play(const std::vector<std::string>& commands) {
+    LoadedHost loaded;
+    Outcome outcome;
+    for (const std::string& command : commands) outcome.printed += loaded.run(command);
+    outcome.recorded = loaded.recorded();
+    return outcome;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = text.find('\n', begin);
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return lines;
+}
+
+class RecordedMacro : public FolderTest {};
+
+TEST_F(RecordedMacro, PlaysBackToTheSameOutcome) {
+    std::filesystem::copy(PROBESTATS_FOLDER "/data/wake-probe.txt", "it's.txt");
+    const Outcome first = play({
+        "LOAD FILE = 'it\\'s.txt' COLUMNS = [1-5] SKIPROWS = 3 SAMPLERATE = 1999.95",
+        "SUMMARIZE",
+        "LOAD TIMECOLUMN = 1 FILE = \"it's.txt\"",
+        "WINDOW STRIDE = 3 FIRST = 201 LAST = 2998",
+        "SUMMARIZE SPECTRUM = TRUE DETREND = YES MINFREQUENCY = 0.000123 COLUMNS = [2,3,4,5]",
+        "SUMMARIZE COLUMNS = [4] SPECTRUM = true FILE = 'summary.txt'",
+        "WINDOW",
+    });
+    const std::string summary = readText("summary.txt");
+    ASSERT_NE(summary, "");
+    std::filesystem::remove("summary.txt");
+
+    const Outcome second = play(linesOf(first.recorded));
+    EXPECT_EQ(linesOf(first.recorded).size(), 7u);
+    EXPECT_EQ(second.printed, first.printed);
+    EXPECT_EQ(second.recorded, first.recorded);
+    EXPECT_EQ(readText("summary.txt"), summary);
+}
+
+}  // namespace
+}  // namespace probestats
