@@ -2,9 +2,11 @@
 
 #include <execinfo.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <utility>
+#include <vector>
 
 namespace vexa {
 namespace {
@@ -18,11 +20,11 @@ void printLine(FILE* stream, const char* label, const char* text) {
     static_cast<void>(std::fprintf(stream, "%s%s\n", label, text));
 }
 
-// All but the first, which is in the constructor of ExceptionBase. With no memory left to look for names, the
-// addresses have to do.
-void printFrames(FILE* stream, void* const* frames, int count) {
-    const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames, count), &std::free);
-    for (int i = 1; i < count; ++i) {
+// With no memory left to look for names, the addresses have to do.
+void printFrames(FILE* stream, const std::vector<void*>& frames) {
+    const auto count = static_cast<int>(frames.size());
+    const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames.data(), count), &std::free);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
         if (names) {
             printLine(stream, "    at ", names.get()[i]);
         } else {
@@ -50,16 +52,19 @@ std::exception_ptr printCause(FILE* stream, const std::exception_ptr& cause) {
 }  // namespace
 
 struct ExceptionBase::StackTrace {
-    std::array<void*, kMostFrames> frames;
-    int count;
+    std::vector<void*> frames;
 };
 
 // NOLINTNEXTLINE(modernize-pass-by-value): by reference, as the class libraries' users compile it.
 ExceptionBase::ExceptionBase(const std::string& message, bool captureStackTrace)
     : m_message(message), m_cause(std::current_exception()) {
     if (!captureStackTrace) return;
+    // From where this constructor was called; what lies above that in the stack is no part of the caller's story.
+    std::array<void*, kMostFrames> frames{};
+    void** const end = frames.data() + backtrace(frames.data(), kMostFrames);
+    void** const caller = std::find(frames.data(), end, __builtin_return_address(0));
     auto stackTrace = std::make_shared<StackTrace>();
-    stackTrace->count = backtrace(stackTrace->frames.data(), kMostFrames);
+    stackTrace->frames.assign(caller == end ? frames.data() : caller, end);
     m_stackTrace = std::move(stackTrace);
 }
 
@@ -75,7 +80,7 @@ void ExceptionBase::printStackTrace() const { printStackTrace(stderr); }
 
 void ExceptionBase::printStackTrace(FILE* stream) const {
     printLine(stream, "", what());
-    if (m_stackTrace) printFrames(stream, m_stackTrace->frames.data(), m_stackTrace->count);
+    if (m_stackTrace) printFrames(stream, m_stackTrace->frames);
     std::exception_ptr next = cause();
     for (int i = 0; next && i < kMostCauses; ++i) next = printCause(stream, next);
     if (next) printLine(stream, "", "... and more causes");
