@@ -96,7 +96,6 @@ void AddOn::enter() {
     if (!reason.empty()) throw refusal(reason);
     m_info.id = m_description->id;
     if (m_description->title != nullptr) m_info.title = m_description->title;
-    m_identity->id = m_info.id;
 }
 
 std::optional<std::string> AddOn::execute(const std::string& command, bool& accepted, char*& errMsg) const {

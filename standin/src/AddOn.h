@@ -7,10 +7,8 @@
 #include "vexa/AddOn.h"
 #include "vexastandin/Host.h"
 
-/// An add-on's identity with the stand-in host.
-struct AddOnList_s {
-    std::string id;  ///< empty until the add-on has told it
-};
+/// An add-on's identity with the stand-in host: its address is all there is to it.
+struct AddOnList_s {};
 
 namespace vexa::standin {
 

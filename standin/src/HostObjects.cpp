@@ -11,7 +11,7 @@ void ThreadMutex_s::lock() {
     std::unique_lock<std::mutex> lock(m_guard);
     const std::thread::id caller = std::this_thread::get_id();
     if (m_owner == caller) return;
-    m_changed.wait(lock, [this] { return m_owner == std::thread::id() || m_isClosed; });
+    m_changed.wait(lock, [this] { return m_owner == std::thread::id(); });
     if (!m_isClosed) m_owner = caller;
 }
 
