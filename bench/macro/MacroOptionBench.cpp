@@ -1,0 +1,100 @@
+// Parsing options, against a bare walk of the same token stream; rendering them, against a plain append.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+
+#include "vexautilutil/BooleanMacroOption.h"
+#include "vexautilutil/MacroCommandAbstract.h"
+#include "vexautilutil/SetMacroOption.h"
+
+namespace vexa::vexautilutil {
+namespace {
+
+constexpr int kOptions = 1000;
+
+std::string booleanOptions() {
+    std::string text;
+    for (int i = 0; i < kOptions; ++i) text += "OPTION" + std::to_string(i) + (i % 2 == 0 ? "=TRUE " : "=FALSE ");
+    return text;
+}
+
+std::string setOptions() {
+    std::string text;
+    for (int i = 0; i < kOptions; ++i) {
+        text += "OPTION" + std::to_string(i) + "=[1-" + std::to_string(i + 1) + ",2000,3000-4000] ";
+    }
+    return text;
+}
+
+void walk(benchmark::State& state, const std::string& text) {
+    const MacroTokenizer tokens = MacroCommandAbstract::tokenize(text);
+    for (auto _ : state) {
+        std::size_t characters = 0;
+        const MacroTokenIterator end = tokens.end();
+        for (MacroTokenIterator current = tokens.begin(); current != end; ++current) characters += current->size();
+        benchmark::DoNotOptimize(characters);
+    }
+    state.SetItemsProcessed(state.iterations() * kOptions);
+}
+
+template <class ParseOne>
+void parse(benchmark::State& state, const std::string& text, ParseOne parseOne) {
+    const MacroTokenizer tokens = MacroCommandAbstract::tokenize(text);
+    for (auto _ : state) {
+        const MacroTokenIterator end = tokens.end();
+        for (MacroTokenIterator current = tokens.begin(); current != end; ++current) parseOne(current, end);
+    }
+    state.SetItemsProcessed(state.iterations() * kOptions);
+}
+
+void walkBooleans(benchmark::State& state) { walk(state, booleanOptions()); }
+void parseBooleans(benchmark::State& state) {
+    parse(state, booleanOptions(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
+        benchmark::DoNotOptimize(BooleanMacroOption(current, end, nullptr).value());
+    });
+}
+BENCHMARK(walkBooleans);
+BENCHMARK(parseBooleans);
+
+void walkSets(benchmark::State& state) { walk(state, setOptions()); }
+void parseSets(benchmark::State& state) {
+    parse(state, setOptions(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
+        benchmark::DoNotOptimize(SetMacroOption(current, end, false, nullptr).value().get());
+    });
+}
+BENCHMARK(walkSets);
+BENCHMARK(parseSets);
+
+class Command : public MacroCommandAbstract {
+public:
+    using MacroCommandAbstract::MacroCommandAbstract;
+    void execute() override {}
+};
+
+void appendPlainly(benchmark::State& state) {
+    const std::string names[] = {"AVERAGED", "CAPPED", "VISIBLE", "WRAPPED"};
+    for (auto _ : state) {
+        std::string text;
+        text.reserve(80);
+        text += "COMMAND";
+        for (const std::string& name : names) {
+            text += ' ';
+            text += name;
+            text += "=TRUE";
+        }
+        benchmark::DoNotOptimize(text.data());
+    }
+}
+void renderCommand(benchmark::State& state) {
+    Command command("COMMAND");
+    for (const char* name : {"AVERAGED", "CAPPED", "VISIBLE", "WRAPPED"}) {
+        command.addOption(std::make_shared<BooleanMacroOption>(name, true, nullptr));
+    }
+    for (auto _ : state) benchmark::DoNotOptimize(command.toString().data());
+}
+BENCHMARK(appendPlainly);
+BENCHMARK(renderCommand);
+
+}  // namespace
+}  // namespace vexa::vexautilutil

@@ -1,0 +1,10 @@
+# vexa_test_program(NAME SOURCES file... [LIBRARIES target...])
+#   A GoogleTest program over the stand-in host, with RapidCheck at hand.
+function(vexa_test_program name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE vexa_build_settings ${arg_LIBRARIES} vexa::standin
+        GTest::gtest_main rapidcheck)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+endfunction()

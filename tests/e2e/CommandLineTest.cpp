@@ -1,0 +1,110 @@
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+using CommandLine = RunnerTest;
+
+const std::string kHint = "run 'vexa-standin --help' for the usage\n";
+
+TEST_F(CommandLine, HelpGoesToTheStandardOutput) {
+    const ProgramResult result = runProgram(runner({"--help"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_NE(result.out.find("Run a macro file"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("List add-ons"), std::string::npos) << result.out;
+}
+
+TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
+    const ProgramResult result = runProgram(runner({"run", "--help"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const char* part :
+         {"vexa-standin run sweep.mcr --addon", "  0  all went well", "  1  a command failed",
+          "  2  wrong usage or input", "--record FILE", "--journal FILE", "--batch", "--keep-going", "--verbose"}) {
+        EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
+    }
+}
+
+TEST_F(CommandLine, VersionIsThatOfTheProject) {
+    const ProgramResult result = runProgram(runner({"--version"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "vexa-standin " VEXA_VERSION "\n");
+}
+
+TEST_F(CommandLine, WithoutSubcommandShowsTheHelpAsAnError) {
+    const ProgramResult result = runProgram(runner({}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, runProgram(runner({"--help"})).out);
+}
+
+TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
+    write("m.mcr", "ONE ECHO ran\n");
+    struct Case {
+        const char* why;
+        std::vector<std::string> arguments;
+        const char* part;
+    };
+    const Case cases[] = {
+        {"unknown subcommand", {"walk"}, "walk"},
+        {"unknown option", {"run", "m.mcr", "--addon", ADDON_ONE, "--fast"}, "--fast"},
+        {"no macro file", {"run", "--addon", ADDON_ONE}, "MACROFILE"},
+        {"no add-on to run with", {"run", "m.mcr"}, "--addon"},
+        {"no add-on to list", {"list"}, "--addon"},
+        {"option without its file", {"run", "m.mcr", "--addon", ADDON_ONE, "--record"}, "--record"},
+        {"option given twice", {"run", "m.mcr", "--addon", ADDON_ONE, "--record", "a", "--record", "b"}, "--record"},
+        {"two macro files", {"run", "m.mcr", "other.mcr", "--addon", ADDON_ONE}, "other.mcr"},
+        {"two subcommands", {"list", "--addon", ADDON_ONE, "run", "m.mcr", "--addon", ADDON_ONE}, "run"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = runProgram(runner(c.arguments));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err.rfind("vexa-standin: ", 0), 0U) << result.err;
+        EXPECT_NE(result.err.find(c.part), std::string::npos) << result.err;
+        ASSERT_GE(result.err.size(), kHint.size());
+        EXPECT_EQ(result.err.substr(result.err.size() - kHint.size()), kHint);
+    }
+}
+
+TEST_F(CommandLine, MacroFileMayFollowTheAddOns) {
+    write("m.mcr", "ONE ECHO ran\n");
+    const ProgramResult result = runProgram(runner({"run", "--addon", ADDON_ONE, "m.mcr"}));
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "ran\n");
+}
+
+TEST_F(CommandLine, AFullStandardOutputIsAnError) {
+    write("m.mcr", "ONE ECHO lost\n");
+    const std::string command = std::string(VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " > /dev/full");
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "vexa-standin: the standard output could not be written\n");
+}
+
+TEST_F(CommandLine, RunningOutOfMemoryIsToldInOneLine) {
+    const std::string limited = "ulimit -v 100000; exec " VEXA_STANDIN " ";
+    if (runProgram({{"sh", "-c", limited + "--version"}, folder(), "", false}).status != 0) {
+        GTEST_SKIP() << "built with a sanitizer, the program needs more address space than that";
+    }
+    write("m.mcr", "");
+    std::filesystem::resize_file(folder() / "m.mcr", 200'000'000);
+    const ProgramResult result =
+        runProgram({{"sh", "-c", limited + "run m.mcr --addon " ADDON_ONE}, folder(), "", false});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "vexa-standin: out of memory\n");
+}
+
+TEST_F(CommandLine, AClosedStandardOutputIsNotMixedUpWithARecording) {
+    write("m.mcr", "ONE SAY hello\n");
+    const std::string command = VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " --record r.mcr >&-";
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(read("r.mcr").find("\nhello\n"), std::string::npos) << read("r.mcr");
+    EXPECT_NE(read("r.mcr").find("\nONE SAY hello\n"), std::string::npos) << read("r.mcr");
+}
+
+}  // namespace
+}  // namespace vexa::e2e

@@ -1,0 +1,130 @@
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+using namespace std::string_literals;
+
+using MacroFile = RunnerTest;
+using UnprivilegedMacroFile = UnprivilegedRunnerTest;
+
+TEST_F(MacroFile, RunsEveryCommandLine) {
+    struct Case {
+        const char* why;
+        std::string macro;
+        const char* out;
+    };
+    const Case cases[] = {
+        {"one a line, in order", "ONE ECHO a\nONE ECHO b\n", "a\nb\n"},
+        {"the last line may lack its end", "ONE ECHO a\nONE ECHO b", "a\nb\n"},
+        {"CRLF is LF", "ONE ECHO a\r\n\r\nONE ECHO b\r\n", "a\nb\n"},
+        {"CRLF, the last line without LF", "ONE ECHO a\r", "a\n"},
+        {"leading blanks and tabs", " \tONE ECHO a\n", "a\n"},
+        {"blanks and tabs after the id", "ONE \t ECHO a\n", "a\n"},
+        {"the text is not trimmed", "ONE ECHO  a \t\n", " a \t\n"},
+        {"only one CR belongs to the line end", "ONE ECHO a\r\r\n", "a\r\n"},
+        {"comments and blank lines", "# one\n\n \t\n \t# two\nONE ECHO a # b\n", "a # b\n"},
+        {"byte-order mark", "\xEF\xBB\xBFONE ECHO a\n", "a\n"},
+        {"byte-order mark before a comment", "\xEF\xBB\xBF# one\nONE ECHO a\n", "a\n"},
+        {"UTF-8", "ONE ECHO Größe\n", "Größe\n"},
+        {"no line at all", "", ""},
+        {"only a comment", "# nothing", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = runMacro(c.macro);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.out, c.out);
+        EXPECT_EQ(result.err, "");
+    }
+}
+
+TEST_F(MacroFile, RefusesALine) {
+    struct Case {
+        const char* why;
+        std::string macro;
+        const char* err;
+    };
+    const Case cases[] = {
+        {"unknown id", "TWO ECHO a\n", "m.mcr:1: no add-on 'TWO' is loaded\n"},
+        {"ids differ by case", "one ECHO a\n", "m.mcr:1: no add-on 'one' is loaded\n"},
+        {"a second byte-order mark", "\n\xEF\xBB\xBFONE ECHO a\n", "m.mcr:2: no add-on '\xEF\xBB\xBFONE' is loaded\n"},
+        {"no command", "ONE\n", "m.mcr:1: a command of 'ONE' was expected after its name\n"},
+        {"no command, CRLF", "ONE\r\n", "m.mcr:1: a command of 'ONE' was expected after its name\n"},
+        {"only blanks for a command", "ONE \t \r\n", "m.mcr:1: a command of 'ONE' was expected after its name\n"},
+        {"NUL in a command", "ONE ECHO a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
+        {"NUL in a comment", "# a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
+        {"NUL at the very end", "\n\0"s, "m.mcr:2: the line holds a NUL byte\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = runMacro(c.macro);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, c.err);
+    }
+}
+
+TEST_F(MacroFile, AllProblemsAreToldAndNothingRuns) {
+    const ProgramResult result = runMacro("ONE ECHO ran\r\nTWO ECHO a\r\n# comment\r\n  ONE\r\nTHREE");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "m.mcr:2: no add-on 'TWO' is loaded\n"
+              "m.mcr:4: a command of 'ONE' was expected after its name\n"
+              "m.mcr:5: no add-on 'THREE' is loaded\n");
+}
+
+TEST_F(MacroFile, IsShownAsItWasNamed) {
+    write("m.mcr", "TWO ECHO a\n");
+    const std::string path = (folder() / "m.mcr").string();
+    const ProgramResult result = runProgram(runner({"run", path, "--addon", ADDON_ONE}));
+    EXPECT_EQ(result.err, path + ":1: no add-on 'TWO' is loaded\n");
+}
+
+TEST_F(MacroFile, ThatIsMissingIsRefused) {
+    const ProgramResult result = runProgram(macroRunner());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "m.mcr: cannot be read: No such file or directory\n");
+}
+
+TEST_F(MacroFile, ThatIsAFolderIsRefused) {
+    std::filesystem::create_directory(folder() / "m.mcr");
+    const ProgramResult result = runProgram(macroRunner());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "m.mcr: cannot be read: Is a directory\n");
+}
+
+TEST_F(UnprivilegedMacroFile, ThatMayNotBeReadIsRefused) {
+    write("m.mcr", "ONE ECHO a\n");
+    std::filesystem::permissions(folder() / "m.mcr", std::filesystem::perms(0));
+    const ProgramResult result = runUnprivileged(macroRunner());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "m.mcr: cannot be read: Permission denied\n");
+}
+
+TEST_F(MacroFile, MayComeFromTheStandardInput) {
+    Program program = runner({"run", "-", "--addon", ADDON_ONE});
+    program.input = "ONE ECHO a\nONE FAIL no\n";
+    const ProgramResult result = runProgram(program);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "a\n");
+    EXPECT_EQ(result.err, "<stdin>:2: ONE: no\n");
+}
+
+TEST_F(MacroFile, FromAClosedStandardInputIsRefused) {
+    const std::string command = VEXA_STANDIN " run - --addon " ADDON_ONE " <&-";
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "<stdin>: cannot be read: Bad file descriptor\n");
+}
+
+TEST_F(MacroFile, LongerThanAnyBufferIsRead) {
+    const std::string text(200000, 'x');
+    const ProgramResult result = runMacro("ONE ECHO " + text + "\nONE ECHO end\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, text + "\nend\n");
+}
+
+}  // namespace
+}  // namespace vexa::e2e

@@ -1,0 +1,238 @@
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+namespace fs = std::filesystem;
+
+using OutputFile = RunnerTest;
+using UnprivilegedOutputFile = UnprivilegedRunnerTest;
+
+const std::string kRecordingHead = "# Macro commands as the add-ons recorded them. vexa-standin runs this file.\n";
+const std::string kJournalHead = "# Data-set journal: commands, and the data that the add-ons keep with them.\n";
+
+TEST_F(OutputFile, HoldsTheRecordedCommandsInOrder) {
+    const ProgramResult result = runMacro("SECOND SAY b  c \nONE ECHO not recorded\nONE SAY a\n",
+                                          {"--addon", ADDON_SECOND, "--record", "r.mcr"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(read("r.mcr"), kRecordingHead + "SECOND SAY b  c \nONE SAY a\n");
+}
+
+TEST_F(OutputFile, IsAMacroFileThatDoesAndRecordsTheSame) {
+    const ProgramResult first = runMacro("# x\r\nONE SAY a \r\nSECOND   SAY  b\r\nONE SAY # c",
+                                         {"--addon", ADDON_SECOND, "--record", "r1.mcr"});
+    const ProgramResult second =
+        runProgram(runner({"run", "r1.mcr", "--addon", ADDON_ONE, "--addon", ADDON_SECOND, "--record", "r2.mcr"}));
+    EXPECT_EQ(first.out, "a \n b\n# c\n");
+    EXPECT_EQ(second.status, 0) << second.err;
+    EXPECT_EQ(second.out, first.out);
+    EXPECT_EQ(read("r2.mcr"), read("r1.mcr"));
+}
+
+TEST_F(OutputFile, MayBeTheMacroFileItself) {
+    const ProgramResult result = runMacro("ONE ECHO a\nONE SAY b\n", {"--record", "m.mcr"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "a\nb\n");
+    EXPECT_EQ(read("m.mcr"), kRecordingHead + "ONE SAY b\n");
+}
+
+TEST_F(OutputFile, WithoutCommandsIsWrittenAllTheSame) {
+    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--record", "r.mcr"}).status, 0);
+    EXPECT_EQ(read("r.mcr"), kRecordingHead);
+}
+
+TEST_F(OutputFile, RecordingIsOffUnlessAskedFor) {
+    EXPECT_EQ(runMacro("ONE RECORDING\n").out, "off\n");
+    EXPECT_EQ(fileNames(), std::vector<std::string>{"m.mcr"});
+    EXPECT_EQ(runMacro("ONE RECORDING\n", {"--journal", "j.mcr"}).out, "off\n");
+    EXPECT_EQ(runMacro("ONE RECORDING\n", {"--record", "r.mcr"}).out, "on\n");
+}
+
+TEST_F(OutputFile, AfterAFailureHoldsTheCommandsUpToThere) {
+    write("r.mcr", "old\n");
+    const ProgramResult result = runMacro("ONE SAY a\nONE FAIL no\nONE SAY b\n", {"--record", "r.mcr"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(read("r.mcr"), kRecordingHead + "ONE SAY a\n");
+}
+
+TEST_F(OutputFile, HoldsTheJournalWithItsDataAsComments) {
+    const ProgramResult result =
+        runMacro("ONE JOURNAL a\nONE JOURNALDATA rows=1|columns=2|\nONE JOURNALDATA \n", {"--journal", "j.mcr"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(read("j.mcr"), kJournalHead +
+                                 "ONE JOURNAL a\n"
+                                 "ONE JOURNALDATA\n"
+                                 "#   rows=1\n"
+                                 "#   columns=2\n"
+                                 "#   \n"
+                                 "ONE JOURNALDATA\n"
+                                 "#   \n");
+}
+
+TEST_F(OutputFile, HoldsTheJournalAsAMacroFile) {
+    runMacro("ONE JOURNAL a\nONE JOURNALDATA b|ONE FAIL c\nONE JOURNAL d|ONE FAIL e\n", {"--journal", "j1.mcr"});
+    const ProgramResult second =
+        runProgram(runner({"run", "j1.mcr", "--addon", ADDON_ONE, "--verbose", "--journal", "j2.mcr"}));
+    EXPECT_EQ(second.status, 0);
+    EXPECT_EQ(second.err,
+              "j1.mcr:2: ONE JOURNAL a\n"
+              "j1.mcr:3: ONE JOURNALDATA\n"
+              "2 commands run, 0 failed; 2 journaled in j2.mcr\n");
+    EXPECT_NE(read("j1.mcr").find("\n# No macro command:\n#   ONE JOURNAL d\n#   ONE FAIL e\n"), std::string::npos)
+        << read("j1.mcr");
+}
+
+TEST_F(OutputFile, CannotHoldBothRecordingAndJournal) {
+    fs::create_symlink("both.mcr", folder() / "link.mcr");
+    for (const char* journal : {"both.mcr", "./both.mcr", "link.mcr"}) {
+        SCOPED_TRACE(journal);
+        const ProgramResult result = runMacro("ONE ECHO a\n", {"--record", "both.mcr", "--journal", journal});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, std::string(journal) + ": cannot hold both the recording and the journal\n");
+        EXPECT_FALSE(fs::exists(folder() / "both.mcr"));
+    }
+}
+
+TEST_F(OutputFile, IsUntouchedWhenNothingRuns) {
+    write("r.mcr", "old\n");
+    EXPECT_EQ(runMacro("TWO ECHO a\n", {"--record", "r.mcr"}).status, 2);
+    EXPECT_EQ(read("r.mcr"), "old\n");
+    EXPECT_EQ(fileNames().size(), 2U) << "a temporary file is left";
+}
+
+TEST_F(OutputFile, IsUntouchedWhenTheRunIsKilled) {
+    write("r.mcr", "old\n");
+    const ProgramResult result = runMacro("ONE SAY a\nONE KILL now\n", {"--record", "r.mcr"});
+    EXPECT_EQ(result.status, -SIGKILL);
+    EXPECT_EQ(result.out, "a\n");
+    EXPECT_EQ(read("r.mcr"), "old\n");
+}
+
+TEST_F(OutputFile, LeavesNoTemporaryFile) {
+    EXPECT_EQ(runMacro("ONE FAIL a\n", {"--record", "r.mcr", "--journal", "j.mcr"}).status, 1);
+    EXPECT_EQ(fileNames().size(), 3U);
+}
+
+TEST_F(OutputFile, ThatIsNoRegularFileIsRefused) {
+    fs::create_directory(folder() / "folder");
+    fs::create_symlink("folder", folder() / "link");
+    ASSERT_EQ(mkfifo((folder() / "pipe").c_str(), 0600), 0);
+    for (const char* target : {"folder", "link", "pipe", "."}) {
+        for (const char* option : {"--record", "--journal"}) {
+            SCOPED_TRACE(std::string(option) + ' ' + target);
+            const ProgramResult result = runMacro("ONE ECHO a\n", {option, target});
+            EXPECT_EQ(result.status, 2);
+            EXPECT_EQ(result.out, "");
+            EXPECT_EQ(result.err, std::string(target) + ": cannot be written: it is no regular file\n");
+        }
+    }
+}
+
+// Without privileges: a runner that wrongly replaced the file would, as root, take the device from the machine.
+TEST_F(UnprivilegedOutputFile, ThatIsADeviceIsRefused) {
+    write("m.mcr", "ONE ECHO a\n");
+    fs::create_symlink("/dev/full", folder() / "link");
+    for (const char* target : {"/dev/full", "/dev/null", "link"}) {
+        for (const char* option : {"--record", "--journal"}) {
+            SCOPED_TRACE(std::string(option) + ' ' + target);
+            const ProgramResult result = runUnprivileged(macroRunner({option, target}));
+            EXPECT_EQ(result.status, 2);
+            EXPECT_EQ(result.out, "");
+            EXPECT_EQ(result.err, std::string(target) + ": cannot be written: it is no regular file\n");
+        }
+    }
+}
+
+TEST_F(OutputFile, InAMissingPlaceIsRefused) {
+    fs::create_symlink("loop", folder() / "loop");
+    struct Case {
+        const char* target;
+        const char* why;
+    };
+    const Case cases[] = {
+        {"gone/r.mcr", "No such file or directory"},
+        {"gone/", "No such file or directory"},
+        {"", "No such file or directory"},
+        {"m.mcr/r.mcr", "Not a directory"},
+        {"loop", "Too many levels of symbolic links"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.target);
+        const ProgramResult result = runMacro("ONE ECHO a\n", {"--record", c.target});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, std::string(c.target) + ": cannot be written: " + c.why + '\n');
+    }
+}
+
+TEST_F(OutputFile, BehindASymbolicLinkIsReplacedThere) {
+    fs::create_directory(folder() / "elsewhere");
+    write("elsewhere/old.mcr", "old\n");
+    fs::create_symlink("elsewhere/old.mcr", folder() / "link.mcr");
+    fs::create_symlink("elsewhere/new.mcr", folder() / "dangling.mcr");
+    EXPECT_EQ(runMacro("ONE SAY a\n", {"--record", "link.mcr", "--journal", "dangling.mcr"}).status, 0);
+    EXPECT_TRUE(fs::is_symlink(folder() / "link.mcr"));
+    EXPECT_TRUE(fs::is_symlink(folder() / "dangling.mcr"));
+    EXPECT_EQ(read("elsewhere/old.mcr"), kRecordingHead + "ONE SAY a\n");
+    EXPECT_EQ(read("elsewhere/new.mcr"), kJournalHead);
+}
+
+TEST_F(OutputFile, KeepsThePermissionsOfTheFileItReplaces) {
+    write("r.mcr", "old\n");
+    for (const unsigned mode : {0600U, 0664U, 0755U}) {
+        fs::permissions(folder() / "r.mcr", fs::perms(mode));
+        EXPECT_EQ(runMacro("ONE SAY a\n", {"--record", "r.mcr"}).status, 0);
+        EXPECT_EQ(fs::status(folder() / "r.mcr").permissions(), fs::perms(mode));
+    }
+}
+
+TEST_F(OutputFile, ThatIsNewHasThePermissionsThatTheUserGivesFiles) {
+    write("m.mcr", "ONE SAY a\n");
+    const std::string command = "umask 027; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " --record r.mcr";
+    EXPECT_EQ(runProgram({{"sh", "-c", command}, folder(), "", false}).status, 0);
+    EXPECT_EQ(fs::status(folder() / "r.mcr").permissions(), fs::perms(0640));
+}
+
+TEST_F(OutputFile, OnAFullDiskIsAnErrorAndLeavesTheOldOne) {
+    // A limit on the size of files stands for the full disk.
+    write("r.mcr", "old\n");
+    write("m.mcr", "ONE SAY " + std::string(4000, 'x') + '\n');
+    const std::string command =
+        "trap '' XFSZ; ulimit -f 1; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " --record r.mcr > /dev/null";
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "r.mcr: cannot be written: File too large\n");
+    EXPECT_EQ(read("r.mcr"), "old\n");
+    EXPECT_EQ(fileNames().size(), 2U) << "a temporary file is left";
+}
+
+TEST_F(UnprivilegedOutputFile, InAFolderWithoutPermissionIsRefusedBeforeAnythingRuns) {
+    write("m.mcr", "ONE ECHO a\n");
+    fs::permissions(folder(), fs::perms(0555));
+    const ProgramResult result = runUnprivileged(macroRunner({"--record", "r.mcr"}));
+    fs::permissions(folder(), fs::perms(0755));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "r.mcr: cannot be written: no file can be made in its folder: Permission denied\n");
+}
+
+TEST_F(UnprivilegedOutputFile, WithoutWritePermissionIsRefused) {
+    write("m.mcr", "ONE ECHO a\n");
+    write("r.mcr", "old\n");
+    fs::permissions(folder() / "r.mcr", fs::perms(0444));
+    fs::permissions(folder(), fs::perms(0777));
+    const ProgramResult result = runUnprivileged(macroRunner({"--record", "r.mcr"}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "r.mcr: cannot be written: Permission denied\n");
+    EXPECT_EQ(read("r.mcr"), "old\n");
+}
+
+}  // namespace
+}  // namespace vexa::e2e

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vexa::e2e {
+
+/// How to run a program.
+struct Program {
+    std::vector<std::string> arguments;  ///< the program's path first
+    std::filesystem::path folder;        ///< where it runs
+    std::string input;                   ///< what it reads from its standard input
+    bool asOneOutput = false;            ///< both outputs go to one place, as in a terminal: ProgramResult::out
+};
+
+/// What came of a program that has ended.
+struct ProgramResult {
+    int status = 0;  ///< its exit status; the negative signal number if one ended it
+    std::string out;
+    std::string err;
+};
+
+/// Runs \p program to its end.
+/// \throws std::system_error when it cannot be started.
+ProgramResult runProgram(const Program& program);
+
+}  // namespace vexa::e2e

@@ -1,0 +1,130 @@
+// An add-on that does what its commands say: `SAY hello` prints, `FAIL text` fails, and so on. A `|` in an argument
+// stands for a line feed. Its id and title are compiled in, so that several can be loaded side by side.
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "vexa/AddOn.h"
+
+namespace {
+
+AddOnList_s* identity = nullptr;
+bool throwsAtShutdown = false;
+bool showsDialogAtShutdown = false;
+
+bool fail(char** errMsg, const std::string& text) {
+    const std::size_t size = text.size() + 1;
+    *errMsg = VexaUtilStringAlloc(static_cast<int>(size), "error string");
+    if (*errMsg != nullptr) std::memcpy(*errMsg, text.c_str(), size);
+    return false;
+}
+
+bool say(const std::string& text, char**) {
+    std::printf("%s\n", text.c_str());
+    return true;
+}
+
+// Recorded by itself, so that a recording of a macro of SAYs says the same again.
+bool sayAndRecord(const std::string& text, char** errMsg) {
+    const std::string command = "SAY " + text;
+    const bool isLost =
+        VexaUtilMacroIsRecordingActive() == 1 && VexaUtilMacroRecordExtCommand(ADDON_ID, command.c_str()) != 1;
+    return isLost ? fail(errMsg, "not recorded") : say(text, errMsg);
+}
+
+bool answerBatch(const std::string&, char** errMsg) {
+    return say(VexaUtilMacroIsBatchModeActive() == 1 ? "batch" : "interactive", errMsg);
+}
+
+bool answerRecording(const std::string&, char** errMsg) {
+    return say(VexaUtilMacroIsRecordingActive() == 1 ? "on" : "off", errMsg);
+}
+
+bool showDialog(const std::string& text, char**) {
+    VexaUtilDialogErrMsg(text.c_str());
+    return true;
+}
+
+bool journal(const std::string& text, char**) {
+    const std::string command = "JOURNAL " + text;
+    return VexaUtilDataSetAddJournalCommand(ADDON_ID, command.c_str(), nullptr) == 1;
+}
+
+bool journalData(const std::string& data, char**) {
+    return VexaUtilDataSetAddJournalCommand(ADDON_ID, "JOURNALDATA", data.c_str()) == 1;
+}
+
+bool leaveLockOpen(const std::string&, char**) {
+    VexaUtilLockStart(identity);
+    return true;
+}
+
+bool failSilently(const std::string&, char**) { return false; }
+
+bool throwText(const std::string& text, char**) { throw std::runtime_error(text); }
+
+bool throwAtShutdown(const std::string&, char**) {
+    throwsAtShutdown = true;
+    return true;
+}
+
+bool showDialogAtShutdown(const std::string&, char**) {
+    showsDialogAtShutdown = true;
+    return true;
+}
+
+bool killProcess(const std::string&, char**) {
+    std::fflush(stdout);
+    return std::raise(SIGKILL) == 0;
+}
+
+struct Command {
+    const char* name;
+    bool (*run)(const std::string& argument, char** errMsg);
+};
+
+constexpr Command kCommands[] = {
+    {"SAY", sayAndRecord},
+    {"ECHO", say},
+    {"FAIL", [](const std::string& text, char** errMsg) { return fail(errMsg, text); }},
+    {"FAILSILENTLY", failSilently},
+    {"BATCH", answerBatch},
+    {"RECORDING", answerRecording},
+    {"DIALOG", showDialog},
+    {"JOURNAL", journal},
+    {"JOURNALDATA", journalData},
+    {"LEAVELOCKOPEN", leaveLockOpen},
+    {"THROW", throwText},
+    {"THROWATSHUTDOWN", throwAtShutdown},
+    {"DIALOGATSHUTDOWN", showDialogAtShutdown},
+    {"KILL", killProcess},
+};
+
+VexaBoolean execute(const char* text, char** errMsg) {
+    std::string argument(text);
+    const std::size_t nameEnd = std::min(argument.find(' '), argument.size());
+    const std::string name = argument.substr(0, nameEnd);
+    argument.erase(0, nameEnd + 1);
+    if (name != "ECHO") std::replace(argument.begin(), argument.end(), '|', '\n');
+    for (const Command& command : kCommands) {
+        if (name == command.name) return command.run(argument, errMsg) ? 1 : 0;
+    }
+    return fail(errMsg, "unknown command " + name) ? 1 : 0;
+}
+
+void shutdown() {
+    if (showsDialogAtShutdown) VexaUtilDialogErrMsg("goodbye");
+    if (throwsAtShutdown) throw std::runtime_error("no way out");
+}
+
+}  // namespace
+
+const VexaAddOn_s* vexaAddOn(AddOnList_s* self) {
+    static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, ADDON_ID, ADDON_TITLE, execute, shutdown};
+    identity = self;
+    return &description;
+}

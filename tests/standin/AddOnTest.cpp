@@ -1,0 +1,375 @@
+#include "vexa/AddOn.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "CallTrace.h"
+#include "vexa/InvalidArgumentException.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::standin {
+namespace {
+
+std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
+
+std::string refusalOf(Host& host, const std::string& path) {
+    try {
+        host.loadAddOn(path);
+    } catch (const LoadError& refusal) {
+        EXPECT_EQ(refusal.cause(), nullptr) << "it would outlive its code";
+        return refusal.what();
+    }
+    return "accepted";
+}
+
+bool isInMemory(const std::string& path) {
+    void* const object = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (object != nullptr) dlclose(object);
+    return object != nullptr;
+}
+
+// It would wait for ever if the lock were held.
+bool lockIsFree() {
+    std::thread([] {
+        VexaUtilLockStart(nullptr);
+        VexaUtilLockFinish(nullptr);
+    }).join();
+    return true;
+}
+
+// A folder of its own for a test, and the current one while it runs.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::string& path) : m_before(std::filesystem::current_path()) {
+        std::filesystem::current_path(path);
+    }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    ~CurrentFolder() { std::filesystem::current_path(m_before); }
+
+private:
+    std::filesystem::path m_before;
+};
+
+std::string writtenFile(const std::string& name, const std::string& content) {
+    std::string path = testing::TempDir() + name;
+    std::ofstream(path, std::ios::binary) << content;
+    return path;
+}
+
+// ---- Loading
+
+TEST(LoadAddOn, TellsWhatTheAddOnSaysOfItself) {
+    Host host;
+    const AddOnInfo info = host.loadAddOn(addOnFile("probe"));
+    EXPECT_EQ(info.id, "PROBE");
+    EXPECT_EQ(info.title, "A probe");
+    EXPECT_EQ(info.path, addOnFile("probe"));
+}
+
+TEST(LoadAddOn, NeedsNoTitle) {
+    Host host;
+    EXPECT_EQ(host.loadAddOn(addOnFile("plain")).title, "");
+}
+
+TEST(LoadAddOn, LooksForABareNameInTheCurrentFolder) {
+    const CurrentFolder here(VEXA_TEST_ADDONS);
+    Host host;
+    EXPECT_EQ(host.loadAddOn("probe.so").path, "./probe.so");
+}
+
+TEST(LoadAddOn, KeepsTheNamesOfAddOnsApart) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "vexaAddOn"), nullptr);
+}
+
+TEST(LoadAddOn, KeepsTheOrder) {
+    Host host;
+    EXPECT_TRUE(host.addOns().empty());
+    host.loadAddOn(addOnFile("second"));
+    host.loadAddOn(addOnFile("probe"));
+    const std::vector<AddOnInfo> addOns = host.addOns();
+    ASSERT_EQ(addOns.size(), 2U);
+    EXPECT_EQ(addOns[0].id, "SECOND");
+    EXPECT_EQ(addOns[0].path, addOnFile("second"));
+    EXPECT_EQ(addOns[1].id, "PROBE");
+}
+
+TEST(LoadAddOn, RefusesFilesThatAreNoAddOns) {
+    struct Case {
+        const char* why;
+        std::string path;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"missing", addOnFile("missing"), "no such file"},
+        {"in a missing folder", "/no/such/folder/probe.so", "no such file"},
+        {"below a file", addOnFile("probe") + "/probe.so", "no such file"},
+        {"a name too long", "/" + std::string(300, 'a'), "File name too long"},
+        {"a folder", VEXA_TEST_ADDONS, "not a regular file"},
+        {"text", writtenFile("standin-text.so", "I am an add-on.\n"), "not a shared object"},
+        {"nothing", writtenFile("standin-empty.so", ""), "not a shared object"},
+        {"cut off",
+         writtenFile("standin-cut-off.so",
+                     "\x7f"
+                     "ELF"),
+         "it cannot be loaded: file too short"},
+        {"needs what is not there", addOnFile("unresolved"), "unresolved symbol suppliedByNobody"},
+        {"another library", addOnFile("no-entry"), "it exports no function vexaAddOn, so it is no add-on"},
+    };
+    Host host;
+    for (const Case& c : cases) {
+        EXPECT_EQ(refusalOf(host, c.path), c.path + ": " + c.reason) << c.why;
+        EXPECT_FALSE(isInMemory(c.path)) << c.why;
+    }
+    EXPECT_TRUE(host.addOns().empty());
+}
+
+TEST(LoadAddOn, RefusesAddOnsThatDoNotKeepTheRules) {
+    struct Case {
+        const char* file;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"throwing", "an exception escaped from its entry vexaAddOn: no licence: ask for one"},
+        {"throwing-integer", "an exception of unknown type escaped from its entry vexaAddOn"},
+        {"refusing", "it refuses to be loaded (its entry returned null)"},
+        {"other-version", "it was built for version 7 of the add-on interface, but the host has version 1"},
+        {"null-id", "it has no id"},
+        {"empty-id", "it has no id"},
+        {"two-words-id", "its id has white space in it: \"TWO WORDS\""},
+        {"no-execute", "it has no function to execute commands"},
+    };
+    Host host;
+    for (const Case& c : cases) {
+        EXPECT_EQ(refusalOf(host, addOnFile(c.file)), addOnFile(c.file) + ": " + c.reason);
+        EXPECT_FALSE(isInMemory(addOnFile(c.file))) << c.file;
+    }
+    EXPECT_TRUE(host.addOns().empty());
+}
+
+TEST(LoadAddOn, RefusesAnIdThatIsTaken) {
+    Host host;
+    host.loadAddOn(addOnFile("second"));
+    host.loadAddOn(addOnFile("probe"));
+    EXPECT_EQ(refusalOf(host, addOnFile("same-id")),
+              addOnFile("same-id") + ": an add-on PROBE is already loaded, from " + addOnFile("probe"));
+    EXPECT_FALSE(isInMemory(addOnFile("same-id")));
+    EXPECT_EQ(host.addOns().size(), 2U);
+}
+
+TEST(LoadAddOn, DoesNotEnterAnAddOnTwice) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    const std::string otherName = testing::TempDir() + "standin-link.so";
+    std::filesystem::remove(otherName);
+    std::filesystem::create_symlink(addOnFile("probe"), otherName);
+    EXPECT_EQ(refusalOf(host, otherName),
+              otherName + ": an add-on PROBE is already loaded, from " + addOnFile("probe"));
+    EXPECT_TRUE(host.run("PROBE", "LOCK IN PAIRS").accepted);
+    EXPECT_EQ(traceOf(host), Lines({"VexaUtilLockStart(PROBE)", "VexaUtilLockFinish(PROBE)"}));
+}
+
+TEST(LoadAddOn, DoesNotShutDownWhatItRefuses) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    refusalOf(host, addOnFile("same-id"));
+    EXPECT_EQ(host.dialogs(), Lines({"PROBE is unloaded"}));  // the refused one
+}
+
+TEST(LoadAddOn, TakesBackALockThatTheEntryLeavesOpen) {
+    Host host;
+    host.loadAddOn(addOnFile("plain"));
+    EXPECT_TRUE(lockIsFree());
+}
+
+TEST(LoadAddOn, TakesBackALockOfAnAddOnItRefuses) {
+    Host host;
+    EXPECT_NE(refusalOf(host, addOnFile("no-execute")), "accepted");
+    EXPECT_TRUE(lockIsFree());
+}
+
+// ---- Running commands
+
+CommandResult runProbe(const std::string& command) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    return host.run("PROBE", command);
+}
+
+TEST(Run, TellsWhatCameOfTheCommand) {
+    struct Case {
+        const char* command;
+        bool accepted;
+        const char* error;
+        Lines warnings;
+    };
+    const char* const foreign = "the command's error string is none of the host's, so it was not released";
+    const char* const needless = "the command succeeded, and yet left an error string";
+    const Case cases[] = {
+        {"SUCCEED", true, "", {}},
+        {"FAIL", false, "it went wrong\n\n", {}},
+        {"FAIL SILENTLY", false, "", {}},
+        {"FAIL ODDLY", false, "", {}},
+        {"FAIL WITH A FOREIGN STRING", false, "my own text", {foreign}},
+        {"FAIL WITHOUT A ZERO", false, "no", {}},
+        {"SUCCEED WITH AN ERROR STRING", true, "", {needless}},
+        {"THROW", false, "an exception escaped from the add-on: no such zone", {}},
+        {"THROW AN INTEGER", false, "an exception of unknown type escaped from the add-on", {}},
+        {"THROW WITH AN ERROR STRING", false, "an exception escaped from the add-on: no such zone", {}},
+        {"LOCK IN PAIRS", true, "", {}},
+        {"LOCK", true, "", {"the command ended with the host's lock held 1 time too often"}},
+        {"LOCK TWICE", true, "", {"the command ended with the host's lock held 2 times too often"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.command);
+        const CommandResult result = runProbe(c.command);
+        EXPECT_EQ(result.accepted, c.accepted);
+        EXPECT_EQ(result.error, c.error);
+        EXPECT_EQ(result.warnings, c.warnings);
+    }
+}
+
+TEST(Run, NeedsALoadedAddOn) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    try {
+        host.run("probe", "SUCCEED");
+        FAIL() << "the id differs in case";
+    } catch (const InvalidArgumentException& refusal) {
+        EXPECT_STREQ(refusal.what(), "No add-on \"probe\" is loaded");
+    }
+}
+
+TEST(Run, AddressesTheAddOnById) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    host.loadAddOn(addOnFile("second"));
+    host.run("SECOND", "SHOW");
+    host.run("PROBE", "SHOW");
+    EXPECT_EQ(host.dialogs(), Lines({"shown by SECOND", "shown by PROBE"}));
+}
+
+TEST(Run, ReleasesTheErrorString) {
+    for (const char* command : {"FAIL", "SUCCEED WITH AN ERROR STRING", "THROW WITH AN ERROR STRING"}) {
+        SCOPED_TRACE(command);
+        Host host;
+        host.loadAddOn(addOnFile("probe"));
+        host.run("PROBE", command);
+        host.clearCalls();
+        host.run("PROBE", "FREE THE LAST STRING");
+        EXPECT_EQ(traceOf(host), Lines({"VexaUtilStringDealloc(unknown)"}));  // for it was released before
+    }
+}
+
+TEST(Run, TakesBackALockTheCommandLeavesOpen) {
+    for (const char* command : {"LOCK", "LOCK TWICE", "LOCK AND THROW"}) {
+        SCOPED_TRACE(command);
+        Host host;
+        host.loadAddOn(addOnFile("probe"));
+        EXPECT_EQ(host.run("PROBE", command).warnings.size(), 1U);
+        EXPECT_TRUE(lockIsFree());
+    }
+}
+
+TEST(Run, LeavesALockThatWasHeldBefore) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    VexaUtilLockStart(nullptr);
+    EXPECT_EQ(host.run("PROBE", "LOCK").warnings,
+              Lines({"the command ended with the host's lock held 1 time too often"}));
+    host.clearCalls();
+    bool isGivenBack = false;
+    std::thread other([&] {
+        VexaUtilLockStart(nullptr);
+        EXPECT_TRUE(isGivenBack);
+        VexaUtilLockFinish(nullptr);
+    });
+    while (host.calledFunctions().empty()) std::this_thread::yield();
+    isGivenBack = true;
+    VexaUtilLockFinish(nullptr);
+    other.join();
+}
+
+TEST(Run, SurvivesAnUnloadingFromWithin) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    host.onDialog([&](const std::string& text) {
+        if (text == "shown by PROBE") host.unloadAddOns();
+    });
+    EXPECT_TRUE(host.run("PROBE", "SHOW").accepted);
+    EXPECT_TRUE(host.addOns().empty());
+    EXPECT_FALSE(isInMemory(addOnFile("probe")));
+}
+
+// ---- Unloading
+
+TEST(UnloadAddOns, ShutsDownAndUnloadsTheLastLoadedFirst) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    host.loadAddOn(addOnFile("second"));
+    EXPECT_EQ(host.unloadAddOns(), Lines());
+    EXPECT_EQ(host.dialogs(),
+              Lines({"SECOND shuts down", "SECOND is unloaded", "PROBE shuts down", "PROBE is unloaded"}));
+    EXPECT_TRUE(host.addOns().empty());
+    EXPECT_FALSE(isInMemory(addOnFile("probe")));
+    EXPECT_FALSE(isInMemory(addOnFile("second")));
+}
+
+TEST(UnloadAddOns, NeedsNoShutdown) {
+    Host host;
+    host.loadAddOn(addOnFile("plain"));
+    EXPECT_EQ(host.unloadAddOns(), Lines());
+    EXPECT_FALSE(isInMemory(addOnFile("plain")));
+}
+
+TEST(UnloadAddOns, TellsWhatWentWrongAndGoesOn) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    host.loadAddOn(addOnFile("second"));
+    host.run("SECOND", "LET SHUTDOWN THROW");
+    host.run("SECOND", "LET SHUTDOWN LOCK");
+    EXPECT_EQ(host.unloadAddOns(), Lines({"SECOND: an exception escaped from its shutdown: busy",
+                                          "SECOND: its shutdown ended with the host's lock held 1 time too often"}));
+    EXPECT_EQ(host.dialogs().back(), "PROBE is unloaded");
+    EXPECT_TRUE(lockIsFree());
+}
+
+TEST(UnloadAddOns, MakesRoomForLoadingAgain) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    host.unloadAddOns();
+    host.loadAddOn(addOnFile("same-id"));
+    EXPECT_TRUE(host.run("PROBE", "SUCCEED").accepted);
+}
+
+TEST(UnloadAddOns, IsDoneByTheHostsEnd) {
+    Lines shown;
+    {
+        Host host;
+        host.onDialog([&](const std::string& text) { shown.push_back(text); });
+        host.loadAddOn(addOnFile("probe"));
+        host.loadAddOn(addOnFile("second"));
+        host.run("SECOND", "LET SHUTDOWN THROW");
+    }
+    EXPECT_EQ(shown, Lines({"SECOND shuts down", "SECOND is unloaded", "PROBE shuts down", "PROBE is unloaded"}));
+    EXPECT_FALSE(isInMemory(addOnFile("probe")));
+}
+
+TEST(UnloadAddOns, IsFollowedByTheReleaseOfWhatAddOnsLeft) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    EXPECT_TRUE(host.run("PROBE", "LEAK").accepted);
+    // What the host releases at its end is seen by the leak checker.
+}
+
+}  // namespace
+}  // namespace vexa::standin

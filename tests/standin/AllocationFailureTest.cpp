@@ -1,0 +1,65 @@
+// The host's C functions know no lack of memory but as a refusal: no exception leaves them for it.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "FailingAllocation.h"
+#include "vexa/VexaUtil.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::standin {
+namespace {
+
+// Calls \p function with its first allocation failing, then with its second, and so on until it needs no more.
+// Returns how often it answered 0 or null for want of memory.
+template <class Function>
+int refusals(Function function) {
+    int refused = 0;
+    for (long successes = 0;; ++successes) {
+        failAllocationAfter(successes);
+        const bool answered = function();
+        const bool failed = stopFailingAllocation();
+        if (!failed) {
+            EXPECT_TRUE(answered);
+            return refused;
+        }
+        if (!answered) ++refused;
+    }
+}
+
+TEST(WithoutMemory, NothingIsAllocated) {
+    const Host host;
+    EXPECT_GT(refusals([] { return VexaUtilThreadMutexAlloc() != nullptr; }), 0);
+    EXPECT_GT(refusals([] { return VexaUtilArgListAlloc() != nullptr; }), 0);
+    EXPECT_GT(refusals([] { return VexaUtilSetAlloc() != nullptr; }), 0);
+    EXPECT_GT(refusals([] { return VexaUtilStringAlloc(5, "text") != nullptr; }), 0);
+}
+
+TEST(WithoutMemory, NothingIsAppended) {
+    Host host;
+    host.setKeepsCalls(false);  // the log would take the failures
+    ArgList_s* const argList = VexaUtilArgListAlloc();
+    const std::string longText(100, 'x');
+    EXPECT_GT(refusals([&] { return VexaUtilArgListAppendString(argList, "P1", longText.c_str()) == 1; }), 0);
+    Set_s* const set = VexaUtilSetAlloc();
+    EXPECT_GT(refusals([&] { return VexaUtilSetInsert(set, 1, 2) == 1; }), 0);
+}
+
+TEST(WithoutMemory, NothingIsRecorded) {
+    Host host;
+    host.setRecording(true);
+    const std::string longText(100, 'x');
+    const int refused = refusals([&] { return VexaUtilMacroRecordExtCommand("PROBE", longText.c_str()) == 1; });
+    EXPECT_GT(refused, 0);
+    for (const RecordedCommand& recorded : host.recordedCommands()) EXPECT_EQ(recorded.command, longText);
+}
+
+TEST(WithoutMemory, CallsSucceedUnseen) {
+    const Host host;
+    EXPECT_EQ(refusals([] { return VexaUtilStatusCheckPercentDone(5) == 1; }), 0);
+    EXPECT_EQ(host.calls().back().result, "1");
+}
+
+}  // namespace
+}  // namespace vexa::standin

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <locale>
+#include <string>
+
+namespace vexa::tests {
+
+/// Makes a locale the global one, from construction to destruction.
+class GlobalLocale {
+public:
+    /// The classic locale with one facet replaced; the locale owns the facet.
+    template <class Facet>
+    explicit GlobalLocale(Facet* facet) : m_before(std::locale::global(std::locale(std::locale::classic(), facet))) {}
+    GlobalLocale(const GlobalLocale&) = delete;
+    GlobalLocale& operator=(const GlobalLocale&) = delete;
+    ~GlobalLocale() { std::locale::global(m_before); }
+
+private:
+    std::locale m_before;
+};
+
+/// Numbers as 1.234.567,5.
+struct GroupedNumbers : std::numpunct<char> {
+protected:
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+}  // namespace vexa::tests
