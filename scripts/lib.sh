@@ -1,0 +1,121 @@
+# What the scripts share. Source it first; it leads to the project's folder and says what failed, if something does.
+#
+# A script's help is the comment at its top.
+
+set -Eeuo pipefail
+shopt -s inherit_errexit
+
+root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd -P)
+script_file=$(realpath -- "$0")
+script=${script_file#"$root"/}
+jobs=$(nproc)
+step="starting"
+log=""
+cd -- "$root"
+
+# The Debian packages that each purpose takes.
+build_packages=(g++ cmake ninja-build libboost-dev libcli11-dev)
+test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang pkgconf)
+tidy_packages=("${test_packages[@]}" clang-tidy)
+bench_packages=("${build_packages[@]}" libbenchmark-dev)
+ci_packages=("${tidy_packages[@]}" clang-format libclang-rt-14-dev git)
+
+usage() {
+    sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"
+}
+
+# help_if_asked ARGUMENT...: prints the help and ends when the first argument asks for it.
+help_if_asked() {
+    if [[ ${1-} == --help || ${1-} == -h ]]; then
+        usage
+        exit 0
+    fi
+}
+
+# bad_usage MESSAGE: ends with the help.
+bad_usage() {
+    printf '%s: %s\n\n' "$script" "$1" >&2
+    usage >&2
+    trap - EXIT
+    exit 2
+}
+
+# fail MESSAGE: ends what was begun.
+fail() {
+    printf '%s\n' "$1" >&2
+    exit 1
+}
+
+# begin STEP: names what is done from here on, also when it fails.
+begin() {
+    step=$1
+    printf '\n==> %s\n' "$step"
+}
+
+# run COMMAND...: shows a command, on the standard error output, and runs it.
+run() {
+    printf '$ %s\n' "${*@Q}" | sed "s/'\([A-Za-z0-9_.,:=/@%+-]*\)'/\1/g" >&2
+    "$@"
+}
+
+# logged COMMAND...: runs a command whose output is of interest only when it fails.
+logged() {
+    mkdir -p build
+    log=build/$(basename -- "$script").log
+    run "$@" >"$log" 2>&1
+    log=""
+}
+
+explain_failure() {
+    local status=$?
+    [[ $status -ne 0 ]] || return 0
+    {
+        printf '\n%s failed, exit status %d, at: %s\n' "$script" "$status" "$step"
+        if [[ -n $log ]]; then
+            printf 'The end of %s:\n\n' "$root/$log"
+            tail -n 30 -- "$log"
+        else
+            printf 'The reason stands above. The lines that begin with $ can be run by hand, in %s.\n' "$root"
+        fi
+    } >&2
+}
+trap explain_failure EXIT
+
+is_installed() {
+    [[ $(dpkg-query --show --showformat '${db:Status-Status} ' "$1" 2>/dev/null) == *"installed "* ]]
+}
+
+# need PACKAGE...: installs those Debian packages that are missing.
+need() {
+    local missing=() become_root=() package
+    if ! command -v dpkg-query >/dev/null; then
+        printf 'This is no Debian system. Taken to be installed under their names here: %s\n' "$*"
+        return 0
+    fi
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    [[ ${#missing[@]} -gt 0 ]] || return 0
+
+    begin "Install what is missing: ${missing[*]}"
+    if [[ $(id -u) -ne 0 ]]; then
+        become_root=(sudo)
+        [[ -t 0 ]] || become_root+=(--non-interactive)
+    fi
+    if [[ ${#become_root[@]} -gt 0 ]] && ! command -v sudo >/dev/null; then
+        install_by_hand "This takes root, and there is no sudo." "${missing[@]}"
+    fi
+    run "${become_root[@]}" apt-get update --quiet=2 || echo "The lists of packages stay as they are; they may do." >&2
+    run "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet=2 \
+        --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" </dev/null ||
+        install_by_hand "apt-get install failed." "${missing[@]}"
+}
+
+# install_by_hand REASON PACKAGE...
+install_by_hand() {
+    printf '\n%s: %s These Debian packages are missing. Install them as root, with a network:\n' "$script" "$1" >&2
+    printf '    apt-get update && apt-get install --no-install-recommends %s\n' "${*:2}" >&2
+    printf 'and run %s again.\n' "$script" >&2
+    trap - EXIT
+    exit 1
+}
