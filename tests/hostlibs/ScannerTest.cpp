@@ -223,8 +223,10 @@ TEST(ScannerDelimitedToken, HasNoneWithoutADelimiterOrWithNothingBeforeIt) {
 }
 
 TEST(ScannerDelimitedToken, LooksOnlyAtWhatIsLeft) {
-    Scanner scanner = scannerOf("a]b");
+    Scanner scanner = scannerOf("a]bc]d");
     scanner.nextToken("]");
+    scanner.nextChar();
+    EXPECT_EQ(scanner.nextToken("]"), "bc");
     scanner.nextChar();
     EXPECT_FALSE(scanner.hasNextToken("]"));
 }
