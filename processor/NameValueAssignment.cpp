@@ -9,7 +9,6 @@ namespace {
 constexpr std::string_view kEquals = " = ";
 constexpr char kQuote = '\'';
 constexpr char kBlank = ' ';
-constexpr std::size_t kRoomForNumber = 24;
 
 // Begins an assignment whose value and what follows it take at most `room` characters.
 std::string beginAssignment(const std::string& name, std::size_t room) {
@@ -22,7 +21,7 @@ std::string beginAssignment(const std::string& name, std::size_t room) {
 
 template <class Number>
 std::string assignNumber(const std::string& name, Number value) {
-    std::string text = beginAssignment(name, kRoomForNumber);
+    std::string text = beginAssignment(name, kLongestNumber + 1);
     appendNumber(text, value);
     text += kBlank;
     return text;

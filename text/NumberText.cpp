@@ -8,8 +8,6 @@ namespace vexa::vexautilutil {
 namespace {
 
 constexpr int kSignificantDigits = 6;
-// Enough for the sign and digits of any 64-bit integer, and for any double of six significant digits.
-constexpr std::size_t kLongestNumber = 24;
 
 bool isGlobalLocaleClassic() { return std::locale() == std::locale::classic(); }
 
@@ -22,7 +20,8 @@ void appendByStream(std::string& text, Number value) {
 }
 
 template <class Number, class... Format>
-void appendByDigits(std::string& text, Number value, Format... format) {
+void appendInGlobalLocale(std::string& text, Number value, Format... format) {
+    if (!isGlobalLocaleClassic()) return appendByStream(text, value);
     char digits[kLongestNumber];
     const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, value, format...);
     text.append(digits, end.ptr);
@@ -30,20 +29,22 @@ void appendByDigits(std::string& text, Number value, Format... format) {
 
 }  // namespace
 
-void appendNumber(std::string& text, int64_t value) {
-    if (isGlobalLocaleClassic()) {
-        appendByDigits(text, value);
-    } else {
-        appendByStream(text, value);
-    }
-}
+void appendNumber(std::string& text, int64_t value) { appendInGlobalLocale(text, value); }
+
+void appendNumber(std::string& text, uint64_t value) { appendInGlobalLocale(text, value); }
 
 void appendNumber(std::string& text, double value) {
-    if (isGlobalLocaleClassic()) {
-        appendByDigits(text, value, std::chars_format::general, kSignificantDigits);
-    } else {
-        appendByStream(text, value);
-    }
+    appendInGlobalLocale(text, value, std::chars_format::general, kSignificantDigits);
+}
+
+bool readPlainDigits(const std::string& text, uint64_t& value) {
+    if (!isGlobalLocaleClassic()) return false;
+    const char* const end = text.data() + text.size();
+    uint64_t read = 0;
+    const std::from_chars_result result = std::from_chars(text.data(), end, read);
+    if (result.ec != std::errc() || result.ptr != end) return false;
+    value = read;
+    return true;
 }
 
 }  // namespace vexa::vexautilutil

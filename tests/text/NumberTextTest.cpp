@@ -62,6 +62,26 @@ RC_GTEST_PROP(AppendNumber, WritesIntegersAsAStreamDoes, (int64_t value)) {
     RC_ASSERT(rendered(value) == streamed(value));
 }
 
+RC_GTEST_PROP(AppendNumber, WritesUnsignedIntegersAsAStreamDoes, (uint64_t value)) {
+    RC_ASSERT(rendered(value) == streamed(value));
+}
+
+TEST(ReadPlainDigits, ReadsDigitsAndNothingElse) {
+    uint64_t value = 7;
+    for (const char* text : {"", "+1", "-1", " 1", "1 ", "1a", "0x1", "18446744073709551616"}) {
+        EXPECT_FALSE(readPlainDigits(text, value)) << text;
+        EXPECT_EQ(value, 7u) << text;
+    }
+    EXPECT_TRUE(readPlainDigits("0018446744073709551615", value));
+    EXPECT_EQ(value, std::numeric_limits<uint64_t>::max());
+}
+
+TEST(ReadPlainDigits, LeavesOtherLocalesToOthers) {
+    const tests::GlobalLocale locale(new tests::GroupedNumbers);
+    uint64_t value = 7;
+    EXPECT_FALSE(readPlainDigits("12", value));
+}
+
 TEST(AppendNumber, FollowsTheGlobalLocale) {
     const tests::GlobalLocale locale(new tests::GroupedNumbers);
     EXPECT_EQ(rendered(int64_t{-1234567}), "-1.234.567");
