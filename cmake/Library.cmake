@@ -8,6 +8,8 @@ add_library(vexautilutil_utils SHARED
     macro/MacroOptionPerformer.cpp
     macro/MacroTokens.cpp
     macro/SetMacroOption.cpp
+    macro/StringMacroOption.cpp
+    macro/UInt64MacroOption.cpp
     processor/MacroCommandProcessorAbstract.cpp
     processor/NameValueAssignment.cpp
     text/NumberText.cpp)
@@ -21,6 +23,8 @@ target_sources(vexautilutil_utils PUBLIC FILE_SET HEADERS BASE_DIRS include FILE
     include/vexautilutil/MacroOptionPerformer.h
     include/vexautilutil/MacroTokens.h
     include/vexautilutil/SetMacroOption.h
+    include/vexautilutil/StringMacroOption.h
+    include/vexautilutil/UInt64MacroOption.h
     include/vexautilutil/vexautilutil.h)
 vexa_shared_library(vexautilutil_utils NAME vexautilutil
     EXPORTS ${PROJECT_SOURCE_DIR}/cmake/vexautilutil_utils.map)

@@ -11,3 +11,5 @@
 #include "vexautilutil/MacroOptionPerformer.h"
 #include "vexautilutil/MacroTokens.h"
 #include "vexautilutil/SetMacroOption.h"
+#include "vexautilutil/StringMacroOption.h"
+#include "vexautilutil/UInt64MacroOption.h"

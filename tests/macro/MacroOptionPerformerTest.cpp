@@ -9,6 +9,8 @@
 #include "vexautilutil/BooleanMacroOption.h"
 #include "vexautilutil/MacroCommandAbstract.h"
 #include "vexautilutil/SetMacroOption.h"
+#include "vexautilutil/StringMacroOption.h"
+#include "vexautilutil/UInt64MacroOption.h"
 
 namespace vexa::vexautilutil {
 namespace {
@@ -52,16 +54,56 @@ TEST(MacroOptionPerformer, GetsASetOptionInTheActionForSets) {
     EXPECT_EQ(performer.visited, std::vector<SetMacroOption*>{&option});
 }
 
+// Which action was called, with which option.
+class ListActions : public MacroOptionPerformerInterface {
+public:
+    void action(BooleanMacroOption& option) override { calls += "Boolean " + option.name() + ";"; }
+    void action(StringMacroOption& option) override { calls += "String " + option.name() + ";"; }
+    void action(SetMacroOption& option) override { calls += "Set " + option.name() + ";"; }
+    void action(UInt64MacroOption& option) override { calls += "UInt64 " + option.name() + ";"; }
+    std::string calls;
+};
+
+class CommandOfAllTypes : public MacroCommandAbstract {
+public:
+    CommandOfAllTypes() : MacroCommandAbstract("CMD") {
+        const toolbox::Set set;
+        addOption(std::make_shared<BooleanMacroOption>("A", true, nullptr));
+        addOption(std::make_shared<StringMacroOption>("B", "text", nullptr));
+        addOption(std::make_shared<SetMacroOption>("C", &set, false, nullptr));
+        addOption(std::make_shared<UInt64MacroOption>("D", 1, nullptr));
+        addOption(std::make_shared<UInt64MacroOption>("E", 2, nullptr));
+    }
+    void execute() override {}
+};
+
+TEST(MacroOptionPerformer, GetsEveryTypeInItsOwnAction) {
+    CommandOfAllTypes command;
+    ListActions performer;
+    command.forEachOption(performer);
+    EXPECT_EQ(performer.calls, "Boolean A;String B;Set C;UInt64 D;UInt64 E;");
+}
+
+TEST(MacroOptionPerformerAbstract, IsCalledOncePerOptionOfTheTypeItHandles) {
+    class SumUp : public MacroOptionPerformerAbstract {
+    public:
+        SumUp() : MacroOptionPerformerAbstract(false) {}
+        using MacroOptionPerformerAbstract::action;
+        void action(UInt64MacroOption& option) override { values.push_back(option.value()); }
+        std::vector<uint64_t> values;
+    };
+    CommandOfAllTypes command;
+    SumUp performer;
+    command.forEachOption(performer);
+    EXPECT_EQ(performer.values, (std::vector<uint64_t>{1, 2}));
+}
+
 TEST(MacroOptionPerformerAbstract, LeavesEveryOptionUntouched) {
     for (const bool ignored : {true, false}) {
         MacroOptionPerformerAbstract performer(ignored);
-        const toolbox::Set set;
-        BooleanMacroOption boolean("A", true, nullptr);
-        SetMacroOption zones("B", &set, false, nullptr);
-        boolean.perform(performer);
-        zones.perform(performer);
-        EXPECT_EQ(boolean.toString(), "A=TRUE");
-        EXPECT_EQ(zones.toString(), "B=[]");
+        CommandOfAllTypes command;
+        command.forEachOption(performer);
+        EXPECT_EQ(command.toString(), "CMD A=TRUE B=\"text\" C=[] D=1 E=2");
     }
 }
 
