@@ -1,6 +1,9 @@
 # The library itself. Its sources lie in the folders of its parts; a new header or source is listed here.
 
 add_library(vexautilutil_utils SHARED
+    host/HostGuards.cpp
+    host/Mutex.cpp
+    host/TaskProgressBar.cpp
     macro/BooleanMacroOption.cpp
     macro/MacroCommandAbstract.cpp
     macro/MacroCommandError.cpp
@@ -16,14 +19,17 @@ add_library(vexautilutil_utils SHARED
 target_sources(vexautilutil_utils PUBLIC FILE_SET HEADERS BASE_DIRS include FILES
     include/vexautilutil/BooleanMacroOption.h
     include/vexautilutil/Export.h
+    include/vexautilutil/HostGuards.h
     include/vexautilutil/MacroCommandAbstract.h
     include/vexautilutil/MacroCommandError.h
     include/vexautilutil/MacroCommandProcessorAbstract.h
     include/vexautilutil/MacroOptionInterface.h
     include/vexautilutil/MacroOptionPerformer.h
     include/vexautilutil/MacroTokens.h
+    include/vexautilutil/Mutex.h
     include/vexautilutil/SetMacroOption.h
     include/vexautilutil/StringMacroOption.h
+    include/vexautilutil/TaskProgressBar.h
     include/vexautilutil/UInt64MacroOption.h
     include/vexautilutil/vexautilutil.h)
 vexa_shared_library(vexautilutil_utils NAME vexautilutil
