@@ -17,7 +17,7 @@ cd -- "$root"
 build_packages=(g++ cmake ninja-build libboost-dev libcli11-dev)
 test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang pkgconf)
 tidy_packages=("${test_packages[@]}" clang-tidy)
-bench_packages=("${build_packages[@]}" libbenchmark-dev)
+bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind)
 ci_packages=("${tidy_packages[@]}" clang-format libclang-rt-14-dev git)
 
 usage() {

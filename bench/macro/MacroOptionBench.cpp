@@ -7,6 +7,8 @@
 #include "vexautilutil/BooleanMacroOption.h"
 #include "vexautilutil/MacroCommandAbstract.h"
 #include "vexautilutil/SetMacroOption.h"
+#include "vexautilutil/StringMacroOption.h"
+#include "vexautilutil/UInt64MacroOption.h"
 
 namespace vexa::vexautilutil {
 namespace {
@@ -24,6 +26,20 @@ std::string setOptions() {
     for (int i = 0; i < kOptions; ++i) {
         text += "OPTION" + std::to_string(i) + "=[1-" + std::to_string(i + 1) + ",2000,3000-4000] ";
     }
+    return text;
+}
+
+std::string uint64Options() {
+    std::string text;
+    for (int i = 0; i < kOptions; ++i)
+        text += "OPTION" + std::to_string(i) + "=" + std::to_string(i * 123456789L) + " ";
+    return text;
+}
+
+std::string stringOptions() {
+    std::string text;
+    for (int i = 0; i < kOptions; ++i)
+        text += "OPTION" + std::to_string(i) + "=\"Pressure at inlet " + std::to_string(i) + "\" ";
     return text;
 }
 
@@ -65,6 +81,60 @@ void parseSets(benchmark::State& state) {
 }
 BENCHMARK(walkSets);
 BENCHMARK(parseSets);
+
+void walkUInt64(benchmark::State& state) { walk(state, uint64Options()); }
+void parseUInt64(benchmark::State& state) {
+    parse(state, uint64Options(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
+        benchmark::DoNotOptimize(UInt64MacroOption(current, end, nullptr).value());
+    });
+}
+BENCHMARK(walkUInt64);
+BENCHMARK(parseUInt64);
+
+void walkStrings(benchmark::State& state) { walk(state, stringOptions()); }
+void parseStrings(benchmark::State& state) {
+    parse(state, stringOptions(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
+        benchmark::DoNotOptimize(StringMacroOption(current, end, nullptr).value().data());
+    });
+}
+BENCHMARK(walkStrings);
+BENCHMARK(parseStrings);
+
+// One option of each type, against the same text by appending.
+void appendOption(benchmark::State& state, const std::string& value) {
+    const std::string name = "OPTION";
+    for (auto _ : state) {
+        std::string text;
+        text.reserve(name.size() + 1 + value.size());
+        text += name;
+        text += '=';
+        text += value;
+        benchmark::DoNotOptimize(text.data());
+    }
+}
+void renderOption(benchmark::State& state, const MacroOptionInterface& option) {
+    for (auto _ : state) benchmark::DoNotOptimize(option.toString().data());
+}
+const toolbox::Set& zones() {
+    static const toolbox::Set set = [] {
+        toolbox::Set members;
+        members.assign("[1-3,5,100-200]");
+        return members;
+    }();
+    return set;
+}
+const BooleanMacroOption kBoolean("OPTION", true, nullptr);
+const UInt64MacroOption kUInt64("OPTION", 1234567890123, nullptr);
+const StringMacroOption kString("OPTION", "Pressure at inlet", nullptr);
+const SetMacroOption kSet("OPTION", &zones(), false, nullptr);
+BENCHMARK_CAPTURE(appendOption, ofBoolean, std::string("TRUE"));
+BENCHMARK_CAPTURE(renderOption, ofBoolean, kBoolean);
+BENCHMARK_CAPTURE(appendOption, ofUInt64, std::string("1234567890123"));
+BENCHMARK_CAPTURE(renderOption, ofUInt64, kUInt64);
+BENCHMARK_CAPTURE(appendOption, ofString, std::string("\"Pressure at inlet\""));
+BENCHMARK_CAPTURE(renderOption, ofString, kString);
+BENCHMARK_CAPTURE(appendOption, ofSet, std::string("[1-3,5,100-200]"));
+BENCHMARK_CAPTURE(renderOption, ofSet, kSet);
 
 class Command : public MacroCommandAbstract {
 public:

@@ -28,8 +28,8 @@ void VexaUtilAuxDataEndAssign(void) {}
 void VexaUtilDataSetSuspendMarking(VexaBoolean suspend) { (void)suspend; }
 void VexaUtilZoneSolutionTimeModificationBegin(void) {}
 void VexaUtilZoneSolutionTimeModificationEnd(void) {}
-ThreadMutex_s* VexaUtilThreadMutexAlloc(void) { return NULL; }
-void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex) { (void)mutex; }
+ThreadMutex_s* VexaUtilThreadMutexAlloc(void) { return (ThreadMutex_s*)g_recorded; /* for one thread, any will do */ }
+void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex) { *mutex = NULL; }
 void VexaUtilThreadMutexLock(ThreadMutex_s* mutex) { (void)mutex; }
 void VexaUtilThreadMutexUnlock(ThreadMutex_s* mutex) { (void)mutex; }
 VexaBoolean VexaUtilMacroIsBatchModeActive(void) { return 1; }
@@ -65,9 +65,7 @@ GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList) {
 void VexaUtilDialogErrMsg(const char* message) { (void)message; }
 Set_s* VexaUtilSetAlloc(void) { return NULL; }
 void VexaUtilSetDealloc(Set_s** set) { (void)set; }
-VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last) {
-    return (void)set, (void)first, (void)last, 0;
-}
+VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last) { return (void)set, (void)first, (void)last, 0; }
 VexaBoolean VexaUtilSetNextRange(const Set_s* set, int64_t from, int64_t* first, int64_t* last) {
     return (void)set, (void)from, (void)first, (void)last, 0;
 }
