@@ -6,7 +6,6 @@
 #include <limits>
 #include <new>
 #include <numeric>
-#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -311,8 +310,6 @@ void Set::assign(std::string text) {
     try {
         m_ranges = Reader(text).read();
     } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("Out of memory");
-    } catch (const std::length_error&) {
         throw OutOfMemoryException("Out of memory");
     }
 }

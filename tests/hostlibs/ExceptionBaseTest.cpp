@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
@@ -85,6 +86,16 @@ TEST(ExceptionBasePrint, PrintsTheChainOfCauses) {
               "cannot save\nCaused by: cannot write\nCaused by: disk is full\n");
 }
 
+TEST(ExceptionBasePrint, PrintsALongChainOfCausesWhole) {
+    ExceptionBase exception("0", false);
+    std::string causes;
+    for (int i = 1; i <= 20; ++i) {
+        causes = "Caused by: " + exception.message() + "\n" + causes;
+        exception = causedBy(ExceptionBase(exception), std::to_string(i));
+    }
+    EXPECT_EQ(printed(exception), "20\n" + causes);
+}
+
 TEST(ExceptionBasePrint, PrintsACauseOfADerivedClass) {
     EXPECT_EQ(printed(causedBy(InvalidArgumentException("bad set"), "refused")), "refused\nCaused by: bad set\n");
 }
@@ -112,6 +123,7 @@ TEST(ExceptionBasePrint, PrintsFramesOnlyWhenAskedToCaptureThem) {
     const std::string text = printed(ExceptionBase("message", true));
     EXPECT_EQ(text.substr(0, 15), "message\n    at ");
     EXPECT_NE(text.find("hostlibs_tests"), std::string::npos) << text;
+    EXPECT_GT(std::count(text.begin(), text.end(), '\n'), 6) << "the stack of a test is deeper: " << text;
     EXPECT_EQ(text.find("libvexahostlibs"), std::string::npos) << "the caller's stack is wanted, not our own: " << text;
 }
 

@@ -199,6 +199,9 @@ TEST(SetAssign, QuotesALongSetOnlyAroundTheColumn) {
     const std::string sixty = "x" + repeated("1,2,3,4,5,", 6).substr(1);
     const std::string items = repeated("1,2,3,4,5,", 20);
     const Case cases[] = {
+        {"a short text is quoted whole wherever the column", "[" + items.substr(0, 50),
+         "52 of set: [" + items.substr(0, 50)},
+        {"cut by one byte in front", "[" + items.substr(0, 60), "62 of set: ..." + items.substr(0, 60)},
         {"sixty bytes are quoted whole", sixty, "1 of set: " + sixty},
         {"sixty-one are cut", sixty + "6", "1 of set: " + sixty + "..."},
         {"cut behind", "[x" + items, "2 of set: " + ("[x" + items).substr(0, 60) + "..."},
@@ -648,7 +651,9 @@ TEST(SetOfHostSet, LeavesTheHandleToItsOwner) {
 }
 
 TEST(SetOfHostSet, TakesANullHandleForTheEmptySet) {
+    const standin::Host host;
     EXPECT_TRUE(Set(static_cast<Set_s*>(nullptr)).isEmpty());
+    EXPECT_TRUE(host.calls().empty()) << "the host takes no null handles";
     EXPECT_FALSE((std::is_convertible_v<Set_s*, Set>));
 }
 
