@@ -3,16 +3,19 @@
 // standard fixes, so every run writes the same bytes.
 //
 //     make-wake-probe data/wake-probe.txt
+//     make-wake-probe build/large.txt 200000        # more rows; a further number is the seed of the noise
 
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <random>
 
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr int kRows = 3000;
+constexpr long kDefaultRows = 3000;
+constexpr long kDefaultSeed = 20;
 constexpr double kSampleRate = 2000.0;                        // Hz
 constexpr double kSpeed = 8.0;                                // m/s, of the free stream
 constexpr double kDiameter = 0.02;                            // m, of the cylinder
@@ -25,6 +28,8 @@ constexpr double kDrift = 40.0;                               // Pa/s, of the pr
 // About normally distributed, with standard deviation 1: the sum of twelve uniform numbers, less their mean.
 class Noise {
 public:
+    explicit Noise(long seed) : m_engine(static_cast<std::mt19937::result_type>(seed)) {}
+
     double operator()() {
         double sum = -6.0;
         for (int i = 0; i < 12; ++i) sum += static_cast<double>(m_engine()) / 4294967296.0;
@@ -32,7 +37,7 @@ public:
     }
 
 private:
-    std::mt19937 m_engine{20};  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same sequence every time is the point
+    std::mt19937 m_engine;
 };
 
 double wave(double frequency, double time, double phase) { return std::sin(2.0 * kPi * frequency * time + phase); }
@@ -47,8 +52,8 @@ void writeHeader(std::FILE* out) {
     std::fprintf(out, "# 5 velocity of the undisturbed stream [m/s]\n");
 }
 
-void writeRow(std::FILE* out, int row, Noise& noise) {
-    const double time = row / kSampleRate;
+void writeRow(std::FILE* out, long row, Noise& noise) {
+    const double time = static_cast<double>(row) / kSampleRate;
     const double shed = 1.0 - std::exp(-time / kStartUp);
     const double along = 5.9 + shed * (0.45 * wave(2.0 * kShedding, time, 0.3) + 0.15 * wave(kShedding, time, 0.0));
     const double across = 0.05 + shed * 1.4 * wave(kShedding, time, 0.0);
@@ -61,11 +66,21 @@ void writeRow(std::FILE* out, int row, Noise& noise) {
     std::fprintf(out, "%.4f %.4f %.4f %.3f %.4f\n", time, u, v, p, reference);
 }
 
+// The argument at \p index, or \p missing when there is none. What is no number above 0 gives 0.
+long numberAt(int index, int argc, char** argv, long missing) {
+    if (index >= argc) return missing;
+    char* end = nullptr;
+    const long number = std::strtol(argv[index], &end, 10);
+    return *end == '\0' && number > 0 ? number : 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: make-wake-probe FILE\n");
+    const long rows = numberAt(2, argc, argv, kDefaultRows);
+    const long seed = numberAt(3, argc, argv, kDefaultSeed);
+    if (argc < 2 || argc > 4 || rows == 0 || seed == 0) {
+        std::fprintf(stderr, "usage: make-wake-probe FILE [ROWS [SEED]]\n");
         return 2;
     }
     std::FILE* out = std::fopen(argv[1], "wb");
@@ -74,8 +89,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     writeHeader(out);
-    Noise noise;
-    for (int row = 0; row < kRows; ++row) writeRow(out, row, noise);
+    Noise noise(seed);
+    for (long row = 0; row < rows; ++row) writeRow(out, row, noise);
     const bool written = std::ferror(out) == 0;
     if (std::fclose(out) != 0 || !written) {
         std::perror(argv[1]);

@@ -43,9 +43,9 @@ constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, probestats::kAddOn
 
 }  // namespace
 
-const VexaAddOn_s* vexaAddOn(AddOnList_s*) {
+const VexaAddOn_s* vexaAddOn(AddOnList_s* self) {
     try {
-        processor = std::make_unique<probestats::ProbeProcessor>();
+        processor = std::make_unique<probestats::ProbeProcessor>(self);
         return &kDescription;
     } catch (...) {
         return nullptr;  // refuses to be loaded

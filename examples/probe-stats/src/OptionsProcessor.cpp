@@ -100,8 +100,6 @@ bool OptionsProcessor::parseCommandString(const char* commandString, char** errM
 }
 
 bool OptionsProcessor::processCommand() {
-    const std::size_t open = openQuote(m_text);
-    if (open != std::string::npos) return refuse("Missing closing quote of: " + m_text.substr(open));
     std::string word;
     getCommand(word);
     return runCommand(word);
@@ -113,6 +111,8 @@ bool OptionsProcessor::composeCommandString(std::string& command) const {
 }
 
 bool OptionsProcessor::readOptions(const std::string& command, const std::vector<Option>& options) {
+    const std::size_t open = openQuote(m_text);
+    if (open != std::string::npos) return refuse("Missing closing quote of: " + m_text.substr(open));
     std::string name;
     while (nextName(name)) {
         const auto option =
@@ -128,6 +128,13 @@ bool OptionsProcessor::readOptions(const std::string& command, const std::vector
     if (!name.empty()) return false;
     m_recordable = composed(command, options);
     return true;
+}
+
+std::string OptionsProcessor::optionsText() const {
+    const std::size_t word = m_text.find_first_not_of(kWhiteSpace);
+    const std::size_t wordEnd = m_text.find_first_of(kWhiteSpace, word);
+    const std::size_t options = m_text.find_first_not_of(kWhiteSpace, wordEnd);
+    return options == std::string::npos ? std::string() : m_text.substr(options);
 }
 
 bool OptionsProcessor::refuse(const std::string& reason) {

@@ -32,20 +32,27 @@ struct Option {
 /// Texts are read with escapes: `\'` is a quote, `\\` a backslash.
 class OptionsProcessor : public vexa::vexautilutil::MacroCommandProcessorAbstract {
 public:
-    /// Refuses a command with a quoted text that is never closed, which getStringValue() would wait for, for ever.
+    /// Keeps the command's text, too.
     bool parseCommandString(const char* commandString, char** errMsg) override;
     /// The hook for commands, called by processCommand() with the command word.
     virtual bool runCommand(const std::string& word) = 0;
 
     bool processCommand() final;
-    /// Writes the command that readOptions() read last: the options given, in the order of the table.
+    /// Writes the command that readOptions() read last: the options given, in the order of the table. Or the one of
+    /// recordAs().
     bool composeCommandString(std::string& command) const override;
 
 protected:
     /// Reads the options of \p command up to its end.
     /// \return false, with a message stored, when an option is unknown, given twice, without `=` or without a value of
-    ///         its kind; when a text or set is empty; when a double would be recorded as another one.
+    ///         its kind; when a text or set is empty; when a double would be recorded as another one; when a quoted
+    ///         text is never closed, which getStringValue() would wait for, for ever.
     bool readOptions(const std::string& command, const std::vector<Option>& options);
+
+    /// The text after the command word, as it came. For commands that are read in another way.
+    std::string optionsText() const;
+    /// Has \p command recorded, for such commands.
+    void recordAs(const std::string& command) { m_recordable = command; }
 
     /// Stores "Error: " and \p reason for the host, and returns false.
     bool refuse(const std::string& reason);

@@ -43,6 +43,11 @@ class RowCollector {
 public:
     explicit RowCollector(const ProbeFileRequest& request) : m_request(request) {}
 
+    void addHeader(const std::vector<std::string>& words) {
+        settleColumns(words.size());
+        for (ProbeColumn& column : m_columns) column.name = words[static_cast<std::size_t>(column.number - 1)];
+    }
+
     void add(const std::vector<std::string>& words, int64_t line) {
         if (m_columnCount == 0) settleColumns(words.size());
         if (words.size() != m_columnCount) {
@@ -50,7 +55,7 @@ public:
                              std::to_string(words.size()));
         }
         for (ProbeColumn& column : m_columns) column.values.push_back(numberAt(column.number, words, line));
-        if (m_request.timeColumn) m_times.push_back(numberAt(*m_request.timeColumn, words, line));
+        if (m_request.timeColumn) m_times.push_back(numberAt(static_cast<int64_t>(*m_request.timeColumn), words, line));
         ++m_rowCount;
     }
 
@@ -59,8 +64,8 @@ public:
             throw ProbeError(m_request.fileName + ": expected at least " + std::to_string(kMinRows) + " rows, found " +
                              std::to_string(m_rowCount));
         }
-        ProbeData data{m_request.fileName, std::move(m_columns), std::nullopt};
-        if (m_request.timeColumn) data.sampleRate = sampleRate();
+        ProbeData data{m_request.fileName, std::move(m_columns), m_request.sampleRate};
+        if (m_request.timeColumn) data.sampleRate = rateOfTimes();
         return data;
     }
 
@@ -68,18 +73,17 @@ private:
     std::string place(int64_t line) const { return m_request.fileName + ':' + std::to_string(line) + ": "; }
 
     void settleColumns(std::size_t count) {
-        const auto last = static_cast<int64_t>(count);
         vexa::toolbox::Set wanted;
-        wanted.insert(1, last);
+        wanted.insert(1, static_cast<int64_t>(count));
         if (m_request.columns) wanted = *m_request.columns;
-        requireColumn("COLUMNS", wanted.ranges().front().first, last);
-        requireColumn("COLUMNS", wanted.ranges().back().last, last);
-        if (m_request.timeColumn) requireColumn("TIMECOLUMN", *m_request.timeColumn, last);
+        requireColumn("COLUMNS", static_cast<uint64_t>(wanted.ranges().front().first), count);
+        requireColumn("COLUMNS", static_cast<uint64_t>(wanted.ranges().back().last), count);
+        if (m_request.timeColumn) requireColumn("TIMECOLUMN", *m_request.timeColumn, count);
         for (const int64_t number : wanted) m_columns.push_back({number, {}});
         m_columnCount = count;
     }
 
-    void requireColumn(const char* option, int64_t number, int64_t last) const {
+    void requireColumn(const char* option, uint64_t number, std::size_t last) const {
         if (number >= 1 && number <= last) return;
         throw ProbeError(m_request.fileName + ": columns are 1 to " + std::to_string(last) + ", but " + option +
                          " asks for " + std::to_string(number));
@@ -92,7 +96,7 @@ private:
         throw ProbeError(place(line) + "column " + std::to_string(column) + " is no number: " + quoted(word));
     }
 
-    double sampleRate() const {
+    double rateOfTimes() const {
         const double duration = m_times.back() - m_times.front();
         const auto steps = static_cast<double>(m_times.size() - 1);
         const double step = duration / steps;
@@ -127,11 +131,15 @@ ProbeData readProbeFile(const ProbeFileRequest& request) {
     }
     RowCollector rows(request);
     std::string text;
-    int64_t toSkip = request.skipRows;
+    bool headerIsNext = request.hasHeader;
+    uint64_t toSkip = request.skipRows;
     for (int64_t line = 1; std::getline(in, text); ++line) {
         const std::vector<std::string> words = wordsOf(text);
         if (!isRow(words)) continue;
-        if (toSkip > 0) {
+        if (headerIsNext) {
+            rows.addHeader(words);
+            headerIsNext = false;
+        } else if (toSkip > 0) {
             --toSkip;
         } else {
             rows.add(words, line);

@@ -16,14 +16,17 @@ constexpr int64_t kMinRows = 2;
 struct ProbeFileRequest {
     std::string fileName;                       ///< relative names start at the current folder
     std::optional<vexa::toolbox::Set> columns;  ///< not empty; none: all
-    int64_t skipRows = 0;                       ///< rows passed over unread at the start
-    std::optional<int32_t> timeColumn;          ///< the times in seconds, from which the sample rate is computed
+    uint64_t skipRows = 0;                      ///< rows passed over unread at the start, after the header
+    std::optional<uint64_t> timeColumn;         ///< the times in seconds, from which the sample rate is computed
+    std::optional<double> sampleRate;           ///< in Hz, above 0; not together with timeColumn
+    bool hasHeader = false;                     ///< whether the first row holds the names of the columns
 };
 
 /// One signal.
 struct ProbeColumn {
     int64_t number;
     std::vector<double> values;
+    std::string name = {};  ///< from the header; empty without one
 };
 
 /// The signals of one file: all columns have one value a row.

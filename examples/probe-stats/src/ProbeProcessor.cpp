@@ -1,19 +1,31 @@
 #include "ProbeProcessor.h"
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <utility>
 
+#include "LoadCommand.h"
 #include "Output.h"
 #include "ProbeError.h"
 #include "Report.h"
+#include "SpectrumRun.h"
 #include "Statistics.h"
+#include "vexautilutil/HostGuards.h"
+#include "vexautilutil/MacroCommandError.h"
 
 namespace probestats {
 namespace {
 
 using vexa::toolbox::Set;
+using vexa::vexautilutil::AddOnIdLock;
+using vexa::vexautilutil::AuxDataSuspendBroadcast;
+using vexa::vexautilutil::DataSetSuspendMarking;
+using vexa::vexautilutil::SolutionTimeNotificationDeferrer;
 
 constexpr const char* kNothingLoaded = "No data: LOAD comes first";
+constexpr int64_t kUsualSection = 256;
+constexpr double kMaxFrequencies = 1e6;
 
 RowWindow allRowsOf(const ProbeData& data) { return {1, data.rowCount(), 1}; }
 
@@ -34,6 +46,11 @@ void requireNotTheData(const std::string& fileName, const ProbeData& data) {
     }
 }
 
+double sampleRateIn(const RowWindow& window, const ProbeData& data) {
+    if (!data.sampleRate) throw ProbeError("SPECTRUM needs a sample rate: LOAD with SAMPLERATE or TIMECOLUMN");
+    return *data.sampleRate / window.stride;
+}
+
 // What SUMMARIZE asks of the spectrum.
 struct SpectrumRequest {
     double sampleRate;
@@ -42,12 +59,11 @@ struct SpectrumRequest {
 };
 
 SpectrumRequest spectrumRequest(const ProbeData& data, const RowWindow& window, bool detrend, double minFrequency) {
-    if (!data.sampleRate) throw ProbeError("SPECTRUM needs a sample rate: LOAD with SAMPLERATE or TIMECOLUMN");
+    const double sampleRate = sampleRateIn(window, data);
     if (static_cast<std::size_t>(window.count()) < kMinSpectrumValues) {
         throw ProbeError("SPECTRUM needs " + std::to_string(kMinSpectrumValues) + " rows or more, but the window has " +
                          std::to_string(window.count()));
     }
-    const double sampleRate = *data.sampleRate / window.stride;
     if (minFrequency < 0.0) throw ProbeError("MINFREQUENCY must be 0 or more");
     if (minFrequency > sampleRate / 2.0) throw ProbeError("MINFREQUENCY must be at most half the sample rate");
     return {sampleRate, detrend ? Baseline::Line : Baseline::Mean, minFrequency};
@@ -68,44 +84,105 @@ std::vector<SummaryRow> summaryRows(const ProbeData& data, const RowWindow& wind
     return rows;
 }
 
+// The options of the command SPECTRUM.
+struct SpectrumOptions {
+    std::optional<Set> columns;
+    std::optional<std::string> file;
+    std::optional<int64_t> section;
+    std::optional<int64_t> step;
+    std::optional<double> minFrequency;
+    std::optional<double> maxFrequency;
+    std::optional<double> frequencyStep;
+    std::optional<int64_t> peaks;
+};
+
+// Settles the sections of the plan; its frequencies follow.
+SpectrumPlan sectionPlan(const SpectrumOptions& options, double sampleRate, int64_t rows) {
+    const auto least = static_cast<int64_t>(kMinSpectrumValues);
+    const int64_t section = options.section.value_or(std::max(least, std::min(kUsualSection, rows)));
+    const int64_t step = options.step.value_or(section / 2);
+    if (section < least) throw ProbeError("SECTION must be " + std::to_string(least) + " or more");
+    if (section > rows) {
+        throw ProbeError("SECTION is " + std::to_string(section) + ", but the window has " + std::to_string(rows) +
+                         " rows");
+    }
+    if (step < 1) throw ProbeError("STEP must be 1 or more");
+    return {sampleRate, static_cast<std::size_t>(section), static_cast<std::size_t>(step), 0.0, 0.0, 0};
+}
+
+SpectrumPlan spectrumPlan(const SpectrumOptions& options, double sampleRate, int64_t rows) {
+    SpectrumPlan plan = sectionPlan(options, sampleRate, rows);
+    // Below it, not even one period fits into a section.
+    const double lowest = sampleRate / static_cast<double>(plan.section);
+    const double maxFrequency = options.maxFrequency.value_or(sampleRate / 2.0);
+    plan.minFrequency = options.minFrequency.value_or(lowest);
+    plan.frequencyStep = options.frequencyStep.value_or(lowest);
+    if (plan.minFrequency < 0.0) throw ProbeError("MINFREQUENCY must be 0 or more");
+    if (maxFrequency > sampleRate / 2.0) throw ProbeError("MAXFREQUENCY must be at most half the sample rate");
+    if (maxFrequency < plan.minFrequency) throw ProbeError("MAXFREQUENCY must be MINFREQUENCY or more");
+    if (plan.frequencyStep <= 0.0) throw ProbeError("FREQUENCYSTEP must be above 0");
+    // The little more makes up for rounding, when the steps fit exactly.
+    const double count = std::floor((maxFrequency - plan.minFrequency) / plan.frequencyStep + 1e-9) + 1.0;
+    if (!(count <= kMaxFrequencies)) throw ProbeError("FREQUENCYSTEP is too small: it makes over 1000000 frequencies");
+    plan.frequencyCount = static_cast<std::size_t>(count);
+    return plan;
+}
+
+std::string labelOf(const ProbeColumn& column) {
+    return "column " + std::to_string(column.number) + (column.name.empty() ? "" : " (" + column.name + ')');
+}
+
+std::vector<SpectrumRow> spectrumRows(const ProbeData& data, const RowWindow& window, const Set& columns,
+                                      const SpectrumPlan& plan, std::size_t peakCount) {
+    std::vector<Signal> signals;
+    std::vector<SpectrumRow> rows;
+    for (const ProbeColumn& column : data.columns) {
+        if (!columns.contains(column.number)) continue;
+        signals.push_back({labelOf(column), valuesIn(window, column)});
+        rows.push_back({column.number, column.name, {}});
+    }
+    std::vector<std::vector<Peak>> peaks = findPeaks(signals, plan, peakCount);
+    for (std::size_t i = 0; i < rows.size(); ++i) rows[i].peaks = std::move(peaks[i]);
+    return rows;
+}
+
+void writeReport(const std::optional<std::string>& file, const std::string& report) {
+    if (file) {
+        writeToFile(*file, report);
+    } else {
+        writeToScreen(report);
+    }
+}
+
 }  // namespace
 
 bool ProbeProcessor::runCommand(const std::string& word) {
+    // Commands share data and window, and talk to the host: no other thread of the host may come between.
+    const AddOnIdLock lock(m_self);
     try {
         if (word == "LOAD") return load();
         if (word == "WINDOW") return window();
         if (word == "SUMMARIZE") return summarize();
+        if (word == "SPECTRUM") return spectrum();
         return refuse((word.empty() ? "Missing command" : "Unknown command: " + word) +
-                      "; known are LOAD, WINDOW, SUMMARIZE");
+                      "; known are LOAD, WINDOW, SUMMARIZE, SPECTRUM");
     } catch (const ProbeError& failure) {
+        return refuse(failure.what());
+    } catch (const vexa::vexautilutil::MacroCommandError& failure) {
         return refuse(failure.what());
     }
 }
 
 bool ProbeProcessor::load() {
-    std::optional<std::string> file;
-    std::optional<Set> columns;
-    std::optional<int64_t> skipRows;
-    std::optional<double> sampleRate;
-    std::optional<int32_t> timeColumn;
-    if (!readOptions("LOAD", {{"FILE", &file},
-                              {"COLUMNS", &columns},
-                              {"SKIPROWS", &skipRows},
-                              {"SAMPLERATE", &sampleRate},
-                              {"TIMECOLUMN", &timeColumn}})) {
-        return false;
-    }
-    if (!file) return refuse("LOAD needs the option FILE");
-    if (skipRows.value_or(0) < 0) return refuse("SKIPROWS must be 0 or more");
-    if (sampleRate.value_or(1.0) <= 0.0) return refuse("SAMPLERATE must be above 0");
-    if (sampleRate && timeColumn) return refuse("SAMPLERATE and TIMECOLUMN exclude each other");
-
-    ProbeData data = readProbeFile({*file, columns, skipRows.value_or(0), timeColumn});
-    if (sampleRate) data.sampleRate = sampleRate;
-    writeToScreen(loadReport(data));
+    LoadCommand command(optionsText());
+    command.execute();
+    // Who follows the times hears of them when the new data and the window fit together.
+    const SolutionTimeNotificationDeferrer times;
+    writeToScreen(loadReport(command.data()));
+    recordAs(command.toString());
     if (!record()) return false;
-    m_window = allRowsOf(data);
-    m_data = std::move(data);
+    m_window = allRowsOf(command.data());
+    m_data = std::move(command.data());
     return true;
 }
 
@@ -127,6 +204,8 @@ bool ProbeProcessor::window() {
         return refuse("FIRST, LAST and STRIDE leave " + std::to_string(window.count()) + " rows, but " +
                       std::to_string(kMinRows) + " are needed");
     }
+    // Who follows the times hears of them when the new window is in force.
+    const SolutionTimeNotificationDeferrer times;
     writeToScreen(windowReport(window));
     if (!record()) return false;
     m_window = window;
@@ -159,11 +238,36 @@ bool ProbeProcessor::summarize() {
     const std::string report = summaryReport(
         *m_data, m_window, summaryRows(*m_data, m_window, columns.value_or(m_data->columnNumbers()), request),
         withSpectrum ? FrequencyColumn::Shown : FrequencyColumn::Hidden);
-    if (file) {
-        writeToFile(*file, report);
-    } else {
-        writeToScreen(report);
+    writeReport(file, report);
+    return record();
+}
+
+bool ProbeProcessor::spectrum() {
+    SpectrumOptions options;
+    if (!readOptions("SPECTRUM", {{"COLUMNS", &options.columns},
+                                  {"FILE", &options.file},
+                                  {"SECTION", &options.section},
+                                  {"STEP", &options.step},
+                                  {"MINFREQUENCY", &options.minFrequency},
+                                  {"MAXFREQUENCY", &options.maxFrequency},
+                                  {"FREQUENCYSTEP", &options.frequencyStep},
+                                  {"PEAKS", &options.peaks}})) {
+        return false;
     }
+    if (!m_data) return refuse(kNothingLoaded);
+    if (options.columns) requireColumns(*options.columns, *m_data);
+    if (options.file) requireNotTheData(*options.file, *m_data);
+    if (options.peaks.value_or(1) < 1) return refuse("PEAKS must be 1 or more");
+
+    const SpectrumPlan plan = spectrumPlan(options, sampleRateIn(m_window, *m_data), m_window.count());
+    const std::vector<SpectrumRow> rows =
+        spectrumRows(*m_data, m_window, options.columns.value_or(m_data->columnNumbers()), plan,
+                     static_cast<std::size_t>(options.peaks.value_or(1)));
+    // What is derived from the data does not change them.
+    const DataSetSuspendMarking unchanged;
+    // Who listens for results hears of them once, when all of them are out.
+    const AuxDataSuspendBroadcast quiet;
+    writeReport(options.file, spectrumReport(*m_data, m_window, plan, rows));
     return record();
 }
 

@@ -6,6 +6,8 @@
 #include "OptionsProcessor.h"
 #include "ProbeData.h"
 
+struct AddOnList_s;
+
 namespace probestats {
 
 /// The name by which macros address the add-on.
@@ -15,14 +17,19 @@ inline constexpr const char* kAddOnId = "PROBESTATS";
 /// that fails leaves both as they were.
 class ProbeProcessor : public OptionsProcessor {
 public:
+    /// \param self the add-on's identity, for the host's lock.
+    explicit ProbeProcessor(AddOnList_s* self) : m_self(self) {}
+
     bool runCommand(const std::string& word) override;
 
 private:
     bool load();
     bool window();
     bool summarize();
+    bool spectrum();
     bool record();
 
+    AddOnList_s* m_self;
     std::optional<ProbeData> m_data;
     RowWindow m_window;
 };

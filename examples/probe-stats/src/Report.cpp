@@ -56,6 +56,18 @@ void writeRow(std::ostream& out, const SummaryRow& row, FrequencyColumn frequenc
     out << '\n';
 }
 
+// One line for each peak; one that shows its lack when there is none.
+void writePeaks(std::ostream& out, const SpectrumRow& row) {
+    const std::string name = row.name.empty() ? "" : "  " + row.name;
+    for (const Peak& peak : row.peaks) {
+        out << std::setw(kColumnWidth) << row.column << std::setw(kNumberWidth) << peak.frequency
+            << std::setw(kNumberWidth) << peak.amplitude << name << '\n';
+    }
+    if (!row.peaks.empty()) return;
+    out << std::setw(kColumnWidth) << row.column << std::setw(kNumberWidth) << '-' << std::setw(kNumberWidth) << '-'
+        << name << '\n';
+}
+
 }  // namespace
 
 std::string loadReport(const ProbeData& data) {
@@ -71,6 +83,19 @@ std::string summaryReport(const ProbeData& data, const RowWindow& window, const 
     out << data.fileName << ": " << describe(window) << ", " << describeRate(data.sampleRate, window.stride) << '\n';
     writeHeading(out, frequencies);
     for (const SummaryRow& row : rows) writeRow(out, row, frequencies);
+    return out.str();
+}
+
+std::string spectrumReport(const ProbeData& data, const RowWindow& window, const SpectrumPlan& plan,
+                           const std::vector<SpectrumRow>& rows) {
+    std::ostringstream out = classicStream();
+    out << data.fileName << ": " << describe(window) << ", " << describeRate(data.sampleRate, window.stride) << '\n'
+        << "sections: " << plan.sectionCount(static_cast<std::size_t>(window.count())) << " of " << plan.section
+        << " rows; frequencies: " << plan.frequencyCount << ", from " << plan.minFrequency << " to "
+        << plan.frequency(plan.frequencyCount - 1) << " Hz\n";
+    out << std::setw(kColumnWidth) << "column" << std::setw(kNumberWidth) << "frequency" << std::setw(kNumberWidth)
+        << "amplitude" << '\n';
+    for (const SpectrumRow& row : rows) writePeaks(out, row);
     return out.str();
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ProbeData.h"
+#include "Spectrum.h"
 #include "Statistics.h"
 
 namespace probestats {
@@ -19,6 +20,13 @@ struct SummaryRow {
 /// Whether the table shows frequencies.
 enum class FrequencyColumn { Hidden, Shown };
 
+/// What was found in one signal.
+struct SpectrumRow {
+    int64_t column;
+    std::string name;         ///< of the column; may be empty
+    std::vector<Peak> peaks;  ///< may be empty
+};
+
 /// The texts below write numbers with six significant digits and are the same in every locale. Each ends in a line
 /// feed.
 
@@ -29,5 +37,8 @@ std::string windowReport(const RowWindow& window);
 /// The file and window, then a table with a line for each of \p rows.
 std::string summaryReport(const ProbeData& data, const RowWindow& window, const std::vector<SummaryRow>& rows,
                           FrequencyColumn frequencies);
+/// The file, window and plan, then a table with a line for each peak of \p rows.
+std::string spectrumReport(const ProbeData& data, const RowWindow& window, const SpectrumPlan& plan,
+                           const std::vector<SpectrumRow>& rows);
 
 }  // namespace probestats

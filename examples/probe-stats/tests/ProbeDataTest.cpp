@@ -34,9 +34,15 @@ ProbeFileRequest columns(const std::string& text) {
     return request;
 }
 
-ProbeFileRequest timeColumn(int32_t number) {
+ProbeFileRequest timeColumn(uint64_t number) {
     ProbeFileRequest request;
     request.timeColumn = number;
+    return request;
+}
+
+ProbeFileRequest withHeader() {
+    ProbeFileRequest request;
+    request.hasHeader = true;
     return request;
 }
 
@@ -71,6 +77,23 @@ TEST_F(ReadProbeFile, SkipsRowsUnread) {
     ProbeFileRequest request;
     request.skipRows = 2;
     EXPECT_EQ(read("# head\nvelocity pressure height\nm/s\n1\n2\n", request).columns[0].values, (Values{1, 2}));
+}
+
+TEST_F(ReadProbeFile, NamesTheColumnsAfterTheHeaderAndSkipsRowsBelowIt) {
+    ProbeFileRequest request = columns("[1,3]");
+    request.hasHeader = true;
+    request.skipRows = 1;
+    const ProbeData data = read("# units below\nu v p\nm/s m/s Pa\n1 2 3\n4 5 6\n", request);
+    ASSERT_EQ(data.columns.size(), 2u);
+    EXPECT_EQ(data.columns[0].name, "u");
+    EXPECT_EQ(data.columns[1].name, "p");
+    EXPECT_EQ(data.columns[1].values, (Values{3, 6}));
+}
+
+TEST_F(ReadProbeFile, TakesTheSampleRateGiven) {
+    ProbeFileRequest request;
+    request.sampleRate = 50.0;
+    EXPECT_EQ(read("1\n2\n", request).sampleRate, 50.0);
 }
 
 TEST_F(ReadProbeFile, TakesCrLfLineEndsAndALastLineWithoutOne) {
@@ -110,7 +133,9 @@ TEST_F(ReadProbeFile, SaysWhatIsWrongAndWhere) {
         {"a huge set", "1\n", columns("[1-9223372036854775807]"),
          "p.txt: columns are 1 to 1, but COLUMNS asks for 9223372036854775807"},
         {"no such time column", "1\n", timeColumn(2), "p.txt: columns are 1 to 1, but TIMECOLUMN asks for 2"},
-        {"negative time column", "1\n", timeColumn(-1), "p.txt: columns are 1 to 1, but TIMECOLUMN asks for -1"},
+        {"time column below the first", "1\n", timeColumn(0), "p.txt: columns are 1 to 1, but TIMECOLUMN asks for 0"},
+        {"header too short", "u\n1 2\n", withHeader(), "p.txt:2: expected 1 columns, found 2"},
+        {"header only", "u p\n", withHeader(), "p.txt: expected at least 2 rows, found 0"},
         {"time stands still", "1\n1\n", timeColumn(1), "p.txt: the times in column 1 do not advance evenly at row 2"},
         {"time runs backwards", "2\n1\n", timeColumn(1), "p.txt: the times in column 1 do not advance evenly at row 2"},
         {"time jumps", "0\n1\n2.03\n3\n", timeColumn(1), "p.txt: the times in column 1 do not advance evenly at row 3"},

@@ -50,6 +50,19 @@ TEST(SummaryReport, HidesTheFrequencies) {
               "    10  1000000             0             0             0             0\n");
 }
 
+TEST(SpectrumReport, ListsThePeaksOfEachColumn) {
+    const std::vector<SpectrumRow> rows = {
+        {2, "speed", {{78.5, 0.125}, {157.0, 1e-7}}}, {3, "", {}}, {5, "", {{50.0, 2.0}}}};
+    EXPECT_EQ(spectrumReport(kData, {1, 3, 1}, {2000.0, 2, 1, 10.0, 0.5, 21}, rows),
+              "p.txt: 3 rows, from 1 to 3, 2000 Hz\n"
+              "sections: 2 of 2 rows; frequencies: 21, from 10 to 20 Hz\n"
+              "column     frequency     amplitude\n"
+              "     2          78.5         0.125  speed\n"
+              "     2           157         1e-07  speed\n"
+              "     3             -             -\n"
+              "     5            50             2\n");
+}
+
 TEST(SummaryReport, IsTheSameInEveryLocale) {
     const std::string classic = summaryReport(kData, {1, 3, 1}, kRows, FrequencyColumn::Shown);
     const std::locale before = std::locale::global(std::locale(std::locale::classic(), new ForeignNumbers));

@@ -1,0 +1,30 @@
+# Checks what MAKE writes to the file OTHER for numbers of rows and seeds, compared with the data SHIPPED.
+
+# lines(VARIABLE ARGUMENT...): what MAKE writes with these arguments
+function(lines variable)
+    execute_process(COMMAND ${MAKE} ${OTHER} ${ARGN} RESULT_VARIABLE status)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "exit status ${status} with ${ARGN}")
+    endif()
+    file(STRINGS ${OTHER} written)
+    set(${variable} "${written}" PARENT_SCOPE)
+endfunction()
+
+file(STRINGS ${SHIPPED} shipped)
+list(SUBLIST shipped 0 106 beginning)
+lines(short 100)
+if(NOT short STREQUAL beginning)
+    message(FATAL_ERROR "100 rows are not the first 100 of those shipped, after 6 lines of comments")
+endif()
+lines(other 100 7)
+list(LENGTH other count)
+if(other STREQUAL short OR NOT count EQUAL 106)
+    message(FATAL_ERROR "another seed makes ${count} lines, or the same noise")
+endif()
+
+foreach(wrong IN ITEMS 0 -5 12x "100;0" "100;7;7")
+    execute_process(COMMAND ${MAKE} ${OTHER} ${wrong} RESULT_VARIABLE status ERROR_VARIABLE errors)
+    if(NOT status EQUAL 2 OR NOT errors STREQUAL "usage: make-wake-probe FILE [ROWS [SEED]]\n")
+        message(FATAL_ERROR "${wrong}: exit status ${status}: ${errors}")
+    endif()
+endforeach()
