@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "Descriptor.h"
+
 namespace vexa::runner {
 namespace {
 
@@ -37,15 +39,6 @@ std::string resolved(const std::string& path) {
 std::string temporaryName(const std::string& target, unsigned attempt) {
     const std::string name = ".vexa-standin-" + std::to_string(getpid()) + '-' + std::to_string(attempt);
     return fs::path(target).parent_path() / name;
-}
-
-int writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR) return -1;
-        if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
 }
 
 }  // namespace
@@ -85,7 +78,7 @@ void AtomicFile::createTemporary() {
 }
 
 void AtomicFile::replace(std::string_view text) {
-    if (writeAll(m_descriptor, text) != 0 || fsync(m_descriptor) != 0) refuse(m_path, lastError());
+    if (!writeAll(m_descriptor, text) || fsync(m_descriptor) != 0) refuse(m_path, lastError());
     const int closed = close(m_descriptor);
     m_descriptor = -1;
     if (closed != 0 || std::rename(m_temporary.c_str(), m_target.c_str()) != 0) refuse(m_path, lastError());

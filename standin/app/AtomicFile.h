@@ -34,6 +34,8 @@ public:
     const std::string& path() const { return m_path; }
     /// The file itself, symbolic links followed: equal for two ways to name one file.
     const std::string& target() const { return m_target; }
+    /// The temporary file, until it takes its place.
+    const std::string& temporary() const { return m_temporary; }
     /// Makes \p text the content of the file. To be called once.
     void replace(std::string_view text);
 

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "Screen.h"
+
 namespace vexa::runner {
 namespace {
 
@@ -23,6 +25,7 @@ void tell(const std::string& place, std::string_view text) { tell(place + ": " +
 
 void tell(std::string_view message) {
     const std::string lines = withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n';
+    if (Screen* const screen = Screen::current()) return screen->tell(lines);
     // Add-ons print through the same buffer: a terminal, or a log of both outputs, shows things in their order.
     std::fflush(stdout);
     std::fputs(lines.c_str(), stderr);

@@ -7,6 +7,7 @@ enum class ExitStatus_e : int {
     AllWell = 0,
     CommandFailed = 1,
     BadUsageOrInput = 2,
+    Stopped = 130,  ///< as shells say of a program that SIGINT ended
 };
 
 }  // namespace vexa::runner

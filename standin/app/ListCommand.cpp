@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "AddOns.h"
+#include "TextWidth.h"
 
 namespace vexa::runner {
 namespace {
@@ -12,12 +13,6 @@ constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
 
 std::string titleOf(const standin::AddOnInfo& addOn) { return addOn.title.empty() ? kNoTitle : addOn.title; }
-
-// Counts the characters of a UTF-8 text: all bytes but those that continue a character.
-std::size_t widthOf(const std::string& text) {
-    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), begins));
-}
 
 std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(width - widthOf(text), ' ');

@@ -1,14 +1,21 @@
 #include "RunCommand.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <cstddef>
 #include <set>
+#include <utility>
 
 #include "AddOns.h"
 #include "AtomicFile.h"
 #include "Console.h"
 #include "MacroFile.h"
 #include "MacroText.h"
+#include "PlainStatus.h"
+#include "Screen.h"
+#include "StopButton.h"
+#include "Terminal.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -27,7 +34,12 @@ public:
         m_host.setBatchMode(options.batch);
         m_host.setRecording(options.record.has_value());
         m_host.onDialog([this](const std::string& text) { showDialog(text); });
+        m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
+        if (!options.batch && isTerminal(STDERR_FILENO)) m_screen.emplace([this] { return m_stopButton.isPressed(); });
     }
+    MacroRun(const MacroRun&) = delete;
+    MacroRun& operator=(const MacroRun&) = delete;
+    ~MacroRun() { m_stopButton.disarm(); }
 
     ExitStatus_e execute() {
         const bool ready = openOutputs() && loadAddOns(m_host, m_options.addOns) && readMacro();
@@ -39,6 +51,7 @@ public:
         unloadAddOns(m_host);
         if (ready && m_options.verbose) tell(m_summary);
         if (!written) return ExitStatus_e::BadUsageOrInput;
+        if (m_isStopped) return ExitStatus_e::Stopped;
         return m_failed == 0 ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
     }
 
@@ -51,6 +64,11 @@ private:
             tell(error.what());
             return false;
         }
+        std::vector<std::string> incomplete;
+        for (const auto* file : {&m_record, &m_journal}) {
+            if (*file) incomplete.push_back((*file)->temporary());
+        }
+        m_stopButton.install(std::move(incomplete));
         const bool same = m_record && m_journal && m_record->target() == m_journal->target();
         if (same) tell(*m_options.journal, "cannot hold both the recording and the journal");
         return !same;
@@ -65,11 +83,14 @@ private:
     }
 
     void runCommands() {
+        m_stopButton.arm(m_host);
         for (const MacroCommand& command : m_macro.commands) {
             m_current = &command;
             runCommand(command);
-            if (m_failed > 0 && !m_options.keepGoing) break;
+            m_isStopped = m_stopButton.isPressed();
+            if (m_isStopped || (m_failed > 0 && !m_options.keepGoing)) break;
         }
+        if (m_isStopped) tell(currentPlace(), "stopped");
         m_current = nullptr;
         m_summary = counted(m_run, "command") + " run, " + std::to_string(m_failed) + " failed";
     }
@@ -109,9 +130,20 @@ private:
         return true;
     }
 
-    void showDialog(const std::string& text) const {
+    void showDialog(const std::string& text) const { tell(currentPlace() + ": dialog", text); }
+
+    void showStatus(const standin::StatusLine& line) {
+        if (m_options.batch) return;  // nobody is there to see it
+        if (m_screen) {
+            m_screen->show(line);
+        } else {
+            m_plainStatus.show(currentPlace(), line, m_stopButton.isPressed());
+        }
+    }
+
+    std::string currentPlace() const {
         const MacroCommand* command = m_current;
-        tell(std::string(command ? placeOf(*command) : kProgramName) + ": dialog", text);
+        return command ? placeOf(*command) : kProgramName;
     }
 
     std::string placeOf(const MacroCommand& command) const {
@@ -124,10 +156,14 @@ private:
     std::optional<AtomicFile> m_journal;
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
+    bool m_isStopped = false;
     std::string m_summary;
+    StopButton m_stopButton;
+    PlainStatus m_plainStatus;
+    std::optional<Screen> m_screen;
     // The command that runs, or null. A dialog may come from any thread of an add-on.
     std::atomic<const MacroCommand*> m_current{nullptr};
-    // Last: while it is destroyed, its add-ons may still show dialogs.
+    // Last: while it is destroyed, its add-ons may still show dialogs, and a status line.
     standin::Host m_host;
 };
 

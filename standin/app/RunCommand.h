@@ -19,7 +19,8 @@ struct RunOptions {
     bool verbose = false;                ///< show each command, and a summary
 };
 
-/// Runs a macro file. The standard output is left to the add-ons.
+/// Runs a macro file. The standard output is left to the add-ons. SIGINT stops the command that runs, and no other is
+/// begun; what was recorded is written all the same.
 ExitStatus_e runMacro(const RunOptions& options);
 
 }  // namespace vexa::runner

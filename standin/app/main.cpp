@@ -30,9 +30,10 @@ Example:
   vexa-standin run sweep.mcr --addon ./libstats.so --record recorded.mcr
 
 Exit status:
-  0  all went well
-  1  a command failed
-  2  wrong usage or input; a file could not be read or written)";
+  0    all went well
+  1    a command failed
+  2    wrong usage or input; a file could not be read or written
+  130  stopped by Ctrl-C; a second Ctrl-C ends the program at once)";
 
 constexpr const char* kListFooter = R"(Exit status:
   0  all went well

@@ -73,6 +73,12 @@ HostState* HostState::current() {
     return innermost;
 }
 
+bool HostState::showChange(const std::optional<StatusLine>& change) const {
+    if (!change) return false;
+    if (const auto show = showStatus.copy()) show(*change);
+    return true;
+}
+
 LoadError::LoadError(const std::string& message) : ExceptionBase(message, false) {}
 
 LoadError::~LoadError() = default;
@@ -99,6 +105,12 @@ void Host::setRecording(bool active) { m_state->isRecording = active; }
 void Host::setProcessingJournal(bool active) { m_state->isProcessingJournal = active; }
 
 void Host::setProcessingLayout(bool active) { m_state->isProcessingLayout = active; }
+
+void Host::pressStop() noexcept { m_state->isStopPressed = true; }
+
+void Host::releaseStop() noexcept { m_state->isStopPressed = false; }
+
+bool Host::isStopPressed() const noexcept { return m_state->isStopPressed; }
 
 void Host::failCall(const std::string& function, std::size_t nth, int result) {
     m_state->faults.add(hostFunction(function), nth, Fault{false, result});
@@ -127,6 +139,12 @@ std::vector<JournalEntry> Host::journalEntries() const { return m_state->journal
 std::vector<std::string> Host::dialogs() const { return m_state->dialogs.copy(); }
 
 void Host::onDialog(std::function<void(const std::string&)> show) { m_state->showDialog.set(std::move(show)); }
+
+StatusLine Host::statusLine() const { return m_state->status.line(); }
+
+std::vector<StatusLine> Host::statusHistory() const { return m_state->status.history(); }
+
+void Host::onStatus(std::function<void(const StatusLine&)> show) { m_state->showStatus.set(std::move(show)); }
 
 AddOnInfo Host::loadAddOn(const std::string& path) {
     const auto addOn = std::make_shared<AddOn>(path);
@@ -176,8 +194,12 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command) 
     CommandResult result;
     char* errMsg = nullptr;
     LockBalance balance(m_state->lock);
+    const bool statusWasUp = statusLine().active;
     const std::optional<std::string> escaped = addOn->execute(command, result.accepted, errMsg);
     if (const auto lockLeft = balance.restore("the command")) result.warnings.push_back(*lockLeft);
+    if (!statusWasUp && m_state->showChange(m_state->status.finish(m_state->calls.keeps()))) {
+        result.warnings.emplace_back("the command ended with the status line up");
+    }
     if (result.accepted && errMsg != nullptr) {
         result.warnings.emplace_back("the command succeeded, and yet left an error string");
     }

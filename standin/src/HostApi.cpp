@@ -200,6 +200,14 @@ VexaBoolean append(HostState& host, const ArgList_s* argList, const char* name, 
     return 1;
 }
 
+// Has a change of the status line shown. Nobody is told to stop for want of memory: the change is left out then.
+template <class Change>
+void changeStatus(HostState& host, const Change& change) {
+    try {
+        host.showChange(change(host.status, host.calls.keeps()));
+    } catch (const std::bad_alloc&) {}
+}
+
 }  // namespace
 }  // namespace vexa::standin
 
@@ -269,19 +277,40 @@ VexaBoolean VexaUtilMacroIsBatchModeActive() {
 }
 
 void VexaUtilStatusStartPercentDone(const char* text, VexaBoolean showStopButton, VexaBoolean showBar) {
-    answer(HostFunction::VexaUtilStatusStartPercentDone, takeNote, text, showStopButton, showBar);
+    answer(
+        HostFunction::VexaUtilStatusStartPercentDone,
+        [=](HostState& host) {
+            changeStatus(host, [=](Status& status, bool keeps) {
+                return status.start(orEmpty(text), showStopButton != 0, showBar != 0, keeps);
+            });
+        },
+        text, showStopButton, showBar);
 }
 
 VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
     return answer(
-        HostFunction::VexaUtilStatusCheckPercentDone, [](HostState&) -> VexaBoolean { return 1; }, percent);
+        HostFunction::VexaUtilStatusCheckPercentDone,
+        [=](HostState& host) -> VexaBoolean {
+            changeStatus(host, [=](Status& status, bool keeps) { return status.setPercent(percent, keeps); });
+            return !host.isStopPressed;
+        },
+        percent);
 }
 
 void VexaUtilStatusSetPercentDoneText(const char* text) {
-    answer(HostFunction::VexaUtilStatusSetPercentDoneText, takeNote, text);
+    answer(
+        HostFunction::VexaUtilStatusSetPercentDoneText,
+        [=](HostState& host) {
+            changeStatus(host, [=](Status& status, bool keeps) { return status.setText(orEmpty(text), keeps); });
+        },
+        text);
 }
 
-void VexaUtilStatusFinishPercentDone() { answer(HostFunction::VexaUtilStatusFinishPercentDone, takeNote); }
+void VexaUtilStatusFinishPercentDone() {
+    answer(HostFunction::VexaUtilStatusFinishPercentDone, [](HostState& host) {
+        changeStatus(host, [](Status& status, bool keeps) { return status.finish(keeps); });
+    });
+}
 
 VexaBoolean VexaUtilMacroIsRecordingActive() {
     return answer(HostFunction::VexaUtilMacroIsRecordingActive,

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "Handles.h"
 #include "HostLock.h"
 #include "HostObjects.h"
+#include "Status.h"
 
 namespace vexa::standin {
 
@@ -44,7 +46,8 @@ private:
 
 /// The inside of a Host: what its C functions work on.
 ///
-/// Each part guards itself, and none is locked while code of others runs: an add-on's, or what shows a dialog.
+/// Each part guards itself, and none is locked while code of others runs: an add-on's, or what shows a dialog or the
+/// status line.
 struct HostState {
     explicit HostState(Host& itsHost) : host(itsHost) {}
 
@@ -65,6 +68,16 @@ struct HostState {
     Shared<std::vector<JournalEntry>> journal;
     Shared<std::vector<std::string>> dialogs;
     Shared<std::function<void(const std::string&)>> showDialog;
+
+    Status status;
+    Shared<std::function<void(const StatusLine&)>> showStatus;
+    /// To be set in a signal handler, where a lock must not be taken.
+    std::atomic<bool> isStopPressed{false};
+    static_assert(std::atomic<bool>::is_always_lock_free);
+
+    /// Shows what came of a call of \ref status.
+    /// \return whether that was a change.
+    bool showChange(const std::optional<StatusLine>& change) const;
 
     HostLock lock;
     Handles<ThreadMutex_s> mutexes;

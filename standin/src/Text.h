@@ -9,6 +9,8 @@ namespace vexa::standin {
 
 inline bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
+inline const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
+
 inline bool isLineBreak(char c) { return c == '\n' || c == '\r'; }
 
 inline bool hasWhiteSpace(std::string_view text) { return text.find_first_of(" \t\n\v\f\r") != std::string_view::npos; }

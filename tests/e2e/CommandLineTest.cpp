@@ -19,9 +19,9 @@ TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
     const ProgramResult result = runProgram(runner({"run", "--help"}));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    for (const char* part :
-         {"vexa-standin run sweep.mcr --addon", "  0  all went well", "  1  a command failed",
-          "  2  wrong usage or input", "--record FILE", "--journal FILE", "--batch", "--keep-going", "--verbose"}) {
+    for (const char* part : {"vexa-standin run sweep.mcr --addon", "  0    all went well", "  1    a command failed",
+                             "  2    wrong usage or input", "  130  stopped by Ctrl-C", "--record FILE",
+                             "--journal FILE", "--batch", "--keep-going", "--verbose"}) {
         EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
     }
 }

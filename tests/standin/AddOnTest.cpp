@@ -226,6 +226,7 @@ TEST(Run, TellsWhatCameOfTheCommand) {
         {"THROW AN INTEGER", false, "an exception of unknown type escaped from the add-on", {}},
         {"THROW WITH AN ERROR STRING", false, "an exception escaped from the add-on: no such zone", {}},
         {"LOCK IN PAIRS", true, "", {}},
+        {"PROGRESS", true, "", {"the command ended with the status line up"}},
         {"LOCK", true, "", {"the command ended with the host's lock held 1 time too often"}},
         {"LOCK TWICE", true, "", {"the command ended with the host's lock held 2 times too often"}},
     };
@@ -278,6 +279,24 @@ TEST(Run, TakesBackALockTheCommandLeavesOpen) {
         EXPECT_EQ(host.run("PROBE", command).warnings.size(), 1U);
         EXPECT_TRUE(lockIsFree());
     }
+}
+
+TEST(Run, TakesDownAStatusLineThatTheCommandLeftUp) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    std::vector<bool> shown;
+    host.onStatus([&](const StatusLine& line) { shown.push_back(line.active); });
+    host.run("PROBE", "PROGRESS");
+    EXPECT_FALSE(host.statusLine().active);
+    EXPECT_EQ(shown, std::vector<bool>({true, false}));
+}
+
+TEST(Run, LeavesAStatusLineThatWasUpBefore) {
+    Host host;
+    host.loadAddOn(addOnFile("probe"));
+    VexaUtilStatusStartPercentDone("before", 1, 1);
+    EXPECT_EQ(host.run("PROBE", "SUCCEED").warnings, Lines());
+    EXPECT_TRUE(host.statusLine().active);
 }
 
 TEST(Run, LeavesALockThatWasHeldBefore) {

@@ -61,5 +61,14 @@ TEST(WithoutMemory, CallsSucceedUnseen) {
     EXPECT_EQ(host.calls().back().result, "1");
 }
 
+TEST(WithoutMemory, NoTaskIsToldToStop) {
+    Host host;
+    host.setKeepsCalls(false);
+    const std::string longText(100, 'x');
+    VexaUtilStatusStartPercentDone(longText.c_str(), 1, 1);
+    int percent = 0;
+    EXPECT_EQ(refusals([&] { return VexaUtilStatusCheckPercentDone(++percent) == 1; }), 0);
+}
+
 }  // namespace
 }  // namespace vexa::standin

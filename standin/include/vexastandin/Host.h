@@ -38,6 +38,20 @@ struct JournalEntry {
     std::optional<std::string> journalData;  ///< the add-on's own data, if it gave any
 };
 
+/// The host's status line, on which an add-on shows the progress of a task.
+struct StatusLine {
+    std::string text;             ///< what the task is doing; empty when the add-on gave none
+    int percent = 0;              ///< how much of it is done, 0 to 100; what is given beyond that counts as the limit
+    bool showStopButton = false;  ///< whether the user is offered to stop it
+    bool showBar = false;         ///< whether a progress bar is asked for
+    bool active = false;          ///< whether the line is up; when it is taken down the rest stays as it was
+};
+
+/// Whether two status lines show the same.
+VEXASTANDIN_API bool operator==(const StatusLine& left, const StatusLine& right);
+/// Whether two status lines show different things.
+VEXASTANDIN_API bool operator!=(const StatusLine& left, const StatusLine& right);
+
 /// A loaded add-on.
 struct AddOnInfo {
     std::string id;     ///< the name by which macros address it
@@ -49,8 +63,8 @@ struct AddOnInfo {
 struct CommandResult {
     bool accepted = false;  ///< whether the add-on reported success
     std::string error;      ///< the add-on's message, or what escaped from it; empty on success
-    /// What the host had to put right after the command, a line each: a lock left open, an error string that is
-    /// none of the host's. Empty when all was well.
+    /// What the host had to put right after the command, a line each: a lock left open, a status line left up, an
+    /// error string that is none of the host's. Empty when all was well.
     std::vector<std::string> warnings;
 };
 
@@ -102,6 +116,14 @@ public:
     void setProcessingJournal(bool active);  ///< whether a journal is played back
     void setProcessingLayout(bool active);   ///< whether a layout is played back
 
+    /// Presses the stop button of the status line: VexaUtilStatusCheckPercentDone() answers 0 from now on, whether or
+    /// not the task offers the button. May be called from any thread, and from a signal handler.
+    void pressStop() noexcept;
+    /// Lets go of the stop button. May be called from where pressStop() may.
+    void releaseStop() noexcept;
+    /// Whether the stop button is pressed. May be called from where pressStop() may.
+    bool isStopPressed() const noexcept;
+
     /// Lets a coming call of \p function fail: it does nothing and returns \p result (null for pointers).
     /// \param function the C function's name.
     /// \param nth      which call from now on, counted from 1.
@@ -120,7 +142,8 @@ public:
     std::vector<std::string> calledFunctions() const;
     /// Forgets the calls so far.
     void clearCalls();
-    /// Whether calls are kept; they are, unless told otherwise. A program that runs for long keeps none.
+    /// Whether calls, and the history of the status line, are kept; they are, unless told otherwise. A program that
+    /// runs for long keeps none.
     void setKeepsCalls(bool keeps);
     /// The commands recorded so far, while recording was on. What does not fit a line of a macro file is refused: an
     /// empty command or one with a line break, an add-on id that is empty or has white space in it.
@@ -131,6 +154,13 @@ public:
     std::vector<std::string> dialogs() const;
     /// Has \p show called with the text of each dialog as it comes up, on the calling thread.
     void onDialog(std::function<void(const std::string&)> show);
+    /// The status line as it is now.
+    StatusLine statusLine() const;
+    /// The status line after each of its changes, in order, while calls are kept; setKeepsCalls() says whether.
+    std::vector<StatusLine> statusHistory() const;
+    /// Has \p show called with the status line after each of its changes, on the calling thread. A call that changes
+    /// nothing is none: a percentage or a text shown already, and anything but a start while the line is down.
+    void onStatus(std::function<void(const StatusLine&)> show);
     /// @}
 
     /// \name Add-ons
@@ -146,7 +176,7 @@ public:
     /// \return what went wrong on the way, a line each.
     std::vector<std::string> unloadAddOns();
     /// Runs one command of a loaded add-on. An exception that escapes from the add-on is its failure; the host's lock,
-    /// when the add-on left it open, is taken from it.
+    /// when the add-on left it open, is taken from it, and a status line that it left up is taken down.
     /// \throws vexa::InvalidArgumentException when no add-on \p addOnId is loaded.
     CommandResult run(const std::string& addOnId, const std::string& command);
     /// @}

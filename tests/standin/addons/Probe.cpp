@@ -48,6 +48,7 @@ VexaBoolean execute(const char* command, char** errMsg) {
         throw std::runtime_error("no such zone");
     }
     if (verb == "LOCK IN PAIRS") return VexaUtilLockStart(identity), VexaUtilLockFinish(identity), 1;
+    if (verb == "PROGRESS") return VexaUtilStatusStartPercentDone("working", 1, 1), 1;
     if (verb == "SHOW") return VexaUtilDialogErrMsg("shown by " PROBE_ID), 1;
     if (verb == "LEAK") {
         VexaUtilThreadMutexAlloc();

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace vexa::runner {
+
+/// Writes all of \p text to \p descriptor.
+/// \return false, with errno set, when that fails.
+bool writeAll(int descriptor, std::string_view text);
+
+}  // namespace vexa::runner

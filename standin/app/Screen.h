@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "DrawnStatus.h"
+#include "StdoutRelay.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+
+/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print.
+///
+/// What the add-ons print comes through a relay when it goes to a terminal, too; a thread of the screen passes it on,
+/// and draws what was not due before.
+/// Threads: safe from any. It is made and destroyed while no add-on runs; there is one at a time.
+class Screen {
+public:
+    /// For the standard error output, which must be a terminal.
+    /// \param isStopping as for DrawnStatus
+    explicit Screen(std::function<bool()> isStopping);
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+    /// Takes the status line down, and puts out what was held back.
+    ~Screen();
+
+    /// The screen there is, or null.
+    static Screen* current();
+
+    /// Puts \p lines on the standard error output, after all that was printed so far.
+    void tell(const std::string& lines);
+    /// Shows the status line as it is now.
+    void show(const standin::StatusLine& line);
+    /// Clears the status line from a program that is about to end. May be called from a signal handler.
+    void clearAtOnce() const;
+
+private:
+    void watch();
+    void passOn();
+
+    std::mutex m_guard;
+    DrawnStatus m_status;
+    std::optional<StdoutRelay> m_relay;
+    int m_wakeUp;
+    std::thread m_watcher;
+};
+
+}  // namespace vexa::runner

@@ -1,0 +1,73 @@
+#include "StopButton.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <utility>
+
+#include "Screen.h"
+
+namespace vexa::runner {
+namespace {
+
+// A signal handler gets nothing but the signal's number, so here is the one it is for.
+std::atomic<StopButton*> theButton{nullptr};
+
+static_assert(std::atomic<void*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
+              "A signal handler must not wait");
+
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+void handle(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;  // an add-on's input and output go on
+    sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+StopButton::~StopButton() {
+    if (!m_isInstalled) return;
+    handle(SIGINT, SIG_DFL);
+    theButton = nullptr;
+}
+
+void StopButton::install(std::vector<std::string> incomplete) {
+    if (isIgnored(SIGINT)) return;
+    m_incomplete = std::move(incomplete);
+    m_isInstalled = true;
+    theButton = this;
+    handle(SIGINT, &StopButton::onSignal);
+}
+
+void StopButton::arm(standin::Host& host) { m_host = &host; }
+
+void StopButton::disarm() { m_host = nullptr; }
+
+void StopButton::onSignal(int) {
+    const int error = errno;  // which is that of the code that was interrupted
+    if (StopButton* const button = theButton) button->interrupt();
+    errno = error;
+}
+
+void StopButton::interrupt() {
+    standin::Host* const host = m_host.exchange(nullptr);
+    if (host == nullptr) return endProgram();
+    m_isPressed = true;
+    host->pressStop();
+}
+
+// The signal comes again when its handler ends, and then finds the default action: so the shell sees what happened.
+void StopButton::endProgram() const {
+    if (const Screen* const screen = Screen::current()) screen->clearAtOnce();
+    for (const std::string& file : m_incomplete) unlink(file.c_str());
+    std::signal(SIGINT, SIG_DFL);
+    std::raise(SIGINT);
+}
+
+}  // namespace vexa::runner

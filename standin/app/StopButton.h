@@ -1,0 +1,45 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+
+/// Ctrl-C, which is the stop button while commands run: SIGINT presses it in the host. Before arm(), after disarm() and
+/// the second time it ends the program at once: the status line is cleared, and incomplete files are removed.
+///
+/// Threads: one is used at a time, from one thread, where nothing else is said.
+class StopButton {
+public:
+    /// SIGINT keeps its meaning until install().
+    StopButton() = default;
+    StopButton(const StopButton&) = delete;
+    StopButton& operator=(const StopButton&) = delete;
+    /// Gives SIGINT its meaning back.
+    ~StopButton();
+
+    /// Takes over SIGINT, unless it is ignored: then it stays so. To be called once.
+    /// \param incomplete the files to remove when the program is ended
+    void install(std::vector<std::string> incomplete);
+    /// From now on the first SIGINT presses the stop button of \p host.
+    void arm(standin::Host& host);
+    /// From now on SIGINT ends the program.
+    void disarm();
+    /// Whether the stop button was pressed. From any thread.
+    bool isPressed() const { return m_isPressed; }
+
+private:
+    static void onSignal(int signal);
+    void interrupt();
+    void endProgram() const;
+
+    std::vector<std::string> m_incomplete;
+    std::atomic<standin::Host*> m_host{nullptr};  // null: not armed
+    std::atomic<bool> m_isPressed{false};
+    bool m_isInstalled = false;
+};
+
+}  // namespace vexa::runner

@@ -1,0 +1,70 @@
+#include "Status.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace vexa::standin {
+namespace {
+
+constexpr int kAllDone = 100;
+
+auto fieldsOf(const StatusLine& line) {
+    return std::tie(line.text, line.percent, line.showStopButton, line.showBar, line.active);
+}
+
+}  // namespace
+
+bool operator==(const StatusLine& left, const StatusLine& right) { return fieldsOf(left) == fieldsOf(right); }
+
+bool operator!=(const StatusLine& left, const StatusLine& right) { return !(left == right); }
+
+std::optional<StatusLine> Status::start(std::string text, bool showStopButton, bool showBar, bool keepsHistory) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return changed({std::move(text), 0, showStopButton, showBar, true}, keepsHistory);
+}
+
+std::optional<StatusLine> Status::setPercent(int percent, bool keepsHistory) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    percent = std::clamp(percent, 0, kAllDone);
+    if (!m_line.active || percent == m_line.percent) return std::nullopt;
+    StatusLine line = m_line;
+    line.percent = percent;
+    return changed(std::move(line), keepsHistory);
+}
+
+std::optional<StatusLine> Status::setText(std::string text, bool keepsHistory) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    if (!m_line.active || text == m_line.text) return std::nullopt;
+    StatusLine line = m_line;
+    line.text = std::move(text);
+    return changed(std::move(line), keepsHistory);
+}
+
+std::optional<StatusLine> Status::finish(bool keepsHistory) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    if (!m_line.active) return std::nullopt;
+    StatusLine line = m_line;
+    line.active = false;
+    return changed(std::move(line), keepsHistory);
+}
+
+StatusLine Status::line() const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_line;
+}
+
+std::vector<StatusLine> Status::history() const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_history;
+}
+
+// The copy first, so that a lack of memory leaves the line as it was.
+StatusLine Status::changed(StatusLine line, bool keepsHistory) {
+    StatusLine copy = line;
+    if (keepsHistory) m_history.push_back(line);
+    std::swap(m_line, line);
+    return copy;
+}
+
+}  // namespace vexa::standin
