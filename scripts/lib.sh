@@ -107,7 +107,7 @@ need() {
     fi
     run "${become_root[@]}" apt-get update --quiet=2 || echo "The lists of packages stay as they are; they may do." >&2
     run "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet=2 \
-        --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" </dev/null ||
+        --no-install-recommends -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0 "${missing[@]}" </dev/null ||
         install_by_hand "apt-get install failed." "${missing[@]}"
 }
 

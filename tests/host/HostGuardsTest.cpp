@@ -39,7 +39,7 @@ struct Lock : AddOnIdLock {
     Lock() : AddOnIdLock(nullptr) {}
 };
 using Guards = testing::Types<Lock, AuxDataSuspendBroadcast, DataSetSuspendMarking, SolutionTimeNotificationDeferrer>;
-TYPED_TEST_SUITE(EveryGuard, Guards);
+TYPED_TEST_SUITE(EveryGuard, Guards, );  // a macro wants each of its arguments, if only an empty one
 
 TYPED_TEST(EveryGuard, CallsTheHostOnceAtEachEnd) {
     const standin::Host host;

@@ -10,13 +10,13 @@ class Greeter : public vexa::vexautilutil::MacroCommandProcessorAbstract {
 public:
     bool processCommand() override {
         std::string word, name;
-        if (!getCommand(word) || word != "GREET") {
-            depositErrorMessage("Error: Expected GREET, but found " + word);
-            return false;
-        }
+        if (!getCommand(word) || word != "GREET") return refuse("Expected GREET, but found " + word);
         while (getNextName(name)) {
-            if (name != "TIMES" || !getInt64Value(m_times)) return false;
+            if (name != "TIMES") return refuse("Unknown option " + name);
+            if (!getInt64Value(m_times)) return false;
+            name.clear();
         }
+        if (!name.empty()) return false;  // the last name stands without its value
         for (int64_t time = 0; time < m_times; ++time) std::puts("Hello!");
         return true;
     }
@@ -26,6 +26,11 @@ public:
     }
 
 private:
+    bool refuse(const std::string& why) {
+        depositErrorMessage("Error: " + why);
+        return false;
+    }
+
     int64_t m_times = 1;
 };
 
