@@ -15,16 +15,11 @@ namespace {
 using Texts = std::vector<std::string>;
 
 BooleanMacroOption parsed(const std::string& text, const bool* defaultValue = nullptr) {
-    Tokens tokens(text);
-    return BooleanMacroOption(tokens.current, tokens.end, defaultValue);
+    return parsedAs<BooleanMacroOption>(text, defaultValue);
 }
 
-// What `text` is refused with, and the tokens that are left then.
 std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    Tokens tokens(text);
-    std::string message = refusalOf([&] { BooleanMacroOption(tokens.current, tokens.end, nullptr); });
-    if (rest != nullptr) *rest = tokens.rest();
-    return message;
+    return refusedAs<BooleanMacroOption>(text, rest, nullptr);
 }
 
 TEST(BooleanMacroOption, RendersTrueAndFalseInUpperCase) {

@@ -20,15 +20,11 @@ Set setOf(const std::string& text) {
 }
 
 SetMacroOption parsed(const std::string& text, bool hasDefault = false, const Set* defaultValue = nullptr) {
-    Tokens tokens(text);
-    return SetMacroOption(tokens.current, tokens.end, hasDefault, defaultValue);
+    return parsedAs<SetMacroOption>(text, hasDefault, defaultValue);
 }
 
 std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    Tokens tokens(text);
-    std::string message = refusalOf([&] { SetMacroOption(tokens.current, tokens.end, false, nullptr); });
-    if (rest != nullptr) *rest = tokens.rest();
-    return message;
+    return refusedAs<SetMacroOption>(text, rest, false, nullptr);
 }
 
 // What the set itself says of a text.

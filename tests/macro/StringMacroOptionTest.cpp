@@ -12,15 +12,11 @@ namespace {
 using Texts = std::vector<std::string>;
 
 StringMacroOption parsed(const std::string& text, const std::string* defaultValue = nullptr) {
-    Tokens tokens(text);
-    return StringMacroOption(tokens.current, tokens.end, defaultValue);
+    return parsedAs<StringMacroOption>(text, defaultValue);
 }
 
 std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    Tokens tokens(text);
-    std::string message = refusalOf([&] { StringMacroOption(tokens.current, tokens.end, nullptr); });
-    if (rest != nullptr) *rest = tokens.rest();
-    return message;
+    return refusedAs<StringMacroOption>(text, rest, nullptr);
 }
 
 std::string rendered(const std::string& value) { return StringMacroOption("T", value, nullptr).toString(); }

@@ -39,4 +39,20 @@ std::string refusalOf(Operation operation) {
     return "accepted";
 }
 
+/// Reads an option from the front of `text`; `more` are its constructor's arguments after the iterators.
+template <class Option, class... More>
+Option parsedAs(const std::string& text, More... more) {
+    Tokens tokens(text);
+    return Option(tokens.current, tokens.end, more...);
+}
+
+/// What `text` is refused with as an option, and in `rest`, if given, the tokens from the offending one on.
+template <class Option, class... More>
+std::string refusedAs(const std::string& text, std::vector<std::string>* rest, More... more) {
+    Tokens tokens(text);
+    std::string message = refusalOf([&] { Option(tokens.current, tokens.end, more...); });
+    if (rest != nullptr) *rest = tokens.rest();
+    return message;
+}
+
 }  // namespace vexa::vexautilutil

@@ -16,15 +16,11 @@ namespace {
 using Texts = std::vector<std::string>;
 
 UInt64MacroOption parsed(const std::string& text, const uint64_t* defaultValue = nullptr) {
-    Tokens tokens(text);
-    return UInt64MacroOption(tokens.current, tokens.end, defaultValue);
+    return parsedAs<UInt64MacroOption>(text, defaultValue);
 }
 
 std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    Tokens tokens(text);
-    std::string message = refusalOf([&] { UInt64MacroOption(tokens.current, tokens.end, nullptr); });
-    if (rest != nullptr) *rest = tokens.rest();
-    return message;
+    return refusedAs<UInt64MacroOption>(text, rest, nullptr);
 }
 
 TEST(UInt64MacroOption, RendersPlainDecimalDigits) {

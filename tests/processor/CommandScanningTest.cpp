@@ -119,7 +119,7 @@ TEST_F(CommandScanning, KeepsItsOwnCopyOfTheCommand) {
     std::string word;
     ScriptedProcessor processor([](Processor&) { return true; });
     outcomeOf(processor, command.c_str());
-    command = "XXX XXX";
+    command = "TWO ONE";
     ASSERT_TRUE(processor.getCommand(word));
     EXPECT_EQ(word, "ONE");
 }
