@@ -22,8 +22,9 @@ namespace vexa::vexautilutil {
 ///         }
 ///         while (getNextName(name)) {
 ///             if (name != "COUNT" || !getInt64Value(m_count)) return false;
+///             name.clear();
 ///         }
-///         return true;
+///         return name.empty();   // else a name stood without its `=`
 ///     }
 ///     bool composeCommandString(std::string& command) const override {
 ///         command = "SLICE " + toNameValueAssignment("COUNT", m_count);
@@ -85,6 +86,8 @@ public:
     /// \return false with "Missing = " stored when something else follows the name; false without a message when
     ///         nothing follows it, or when no name is left: the end of the command.
     /// \warning A name is a word between white space: `COUNT=12` is one word, and its `=` is not seen.
+    /// \warning The end of the command and a missing `=` both return false. They differ in \p name, which only the
+    ///          latter changes: empty it before each call to tell them apart.
     virtual bool getNextName(std::string& name);
 
     /// Reads T, TRUE or YES as 1 and F, FALSE or NO as 0, in any letter case.
