@@ -5,6 +5,7 @@
 
 #include <type_traits>
 
+#include "macro/OptionTests.h"
 #include "macro/Tokens.h"
 #include "support/GlobalLocale.h"
 #include "support/VirtualSlots.h"
@@ -18,9 +19,7 @@ BooleanMacroOption parsed(const std::string& text, const bool* defaultValue = nu
     return parsedAs<BooleanMacroOption>(text, defaultValue);
 }
 
-std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    return refusedAs<BooleanMacroOption>(text, rest, nullptr);
-}
+std::string refusal(const std::string& text) { return refusedAs<BooleanMacroOption>(text, nullptr, nullptr); }
 
 TEST(BooleanMacroOption, RendersTrueAndFalseInUpperCase) {
     EXPECT_EQ(BooleanMacroOption("ENABLED", true, nullptr).toString(), "ENABLED=TRUE");
@@ -93,13 +92,7 @@ TEST(BooleanMacroOption, LeavesTheIteratorPastTheValue) {
 }
 
 TEST(BooleanMacroOption, RefusesAnythingElseOnTheOffendingToken) {
-    struct Case {
-        const char* why;
-        const char* text;
-        const char* refusal;
-        Texts rest;
-    };
-    const Case cases[] = {
+    const std::vector<RefusalCase> cases = {
         {"longer than TRUE", "A=TRUEX", "Expected a Boolean operator, but found TRUEX", {"TRUEX"}},
         {"shorter than TRUE", "A=TRU", "Expected a Boolean operator, but found TRU", {"TRU"}},
         {"a number", "A=1", "Expected a Boolean operator, but found 1", {"1"}},
@@ -113,11 +106,7 @@ TEST(BooleanMacroOption, RefusesAnythingElseOnTheOffendingToken) {
         {"no name", "=TRUE", "Invalid macro identifier, =", {"=", "TRUE"}},
         {"nothing", "", "Invalid macro identifier, ", {}},
     };
-    for (const Case& c : cases) {
-        Texts rest;
-        EXPECT_EQ(refusal(c.text, &rest), c.refusal) << c.why;
-        EXPECT_EQ(rest, c.rest) << c.why;
-    }
+    expectRefusals<BooleanMacroOption>(cases, nullptr);
 }
 
 TEST(BooleanMacroOption, ComparesInTheGlobalLocalesUpperCase) {
@@ -137,13 +126,7 @@ RC_GTEST_PROP(BooleanMacroOption, IsReadBackFromItsText, (bool value)) {
     RC_ASSERT(readBack.value() == value);
 }
 
-TEST(BooleanMacroOption, KeepsTheSlotOrder) {
-    EXPECT_EQ(tests::slotOf(&BooleanMacroOption::perform), 0);
-    EXPECT_EQ(tests::slotOf(&BooleanMacroOption::name), 1);
-    EXPECT_EQ(tests::slotOf(&BooleanMacroOption::isDefaultValue), 2);
-    EXPECT_EQ(tests::slotOf(&BooleanMacroOption::toString), 3);
-    EXPECT_EQ(tests::slotOf(&BooleanMacroOption::value), 6) << "after the destructor's two slots";
-}
+TEST(BooleanMacroOption, KeepsTheSlotOrder) { expectOptionSlots<BooleanMacroOption>(); }
 
 TEST(BooleanMacroOption, KeepsTheFieldOrder) {
     const bool byDefault = true;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "macro/OptionTests.h"
 #include "macro/Tokens.h"
 #include "support/VirtualSlots.h"
 #include "vexa/InvalidArgumentException.h"
@@ -23,7 +24,7 @@ SetMacroOption parsed(const std::string& text, bool hasDefault = false, const Se
     return parsedAs<SetMacroOption>(text, hasDefault, defaultValue);
 }
 
-std::string refusal(const std::string& text, Texts* rest = nullptr) {
+std::string refusal(const std::string& text, Texts* rest) {
     return refusedAs<SetMacroOption>(text, rest, false, nullptr);
 }
 
@@ -150,13 +151,7 @@ TEST(SetMacroOption, StopsAtTheFirstClosingBracket) {
 }
 
 TEST(SetMacroOption, RefusesMalformedTextWhereItIsFound) {
-    struct Case {
-        const char* why;
-        const char* text;
-        const char* refusal;
-        Texts rest;
-    };
-    const Case cases[] = {
+    const std::vector<RefusalCase> cases = {
         {"no value", "ZONES=", "Expected set operator missing", {}},
         {"no bracket", "ZONES=1", "Expected opening set character, [", {"1"}},
         {"a blank before the bracket", "ZONES= [1]", "Expected opening set character, [", {" ", "[", "1", "]"}},
@@ -167,11 +162,7 @@ TEST(SetMacroOption, RefusesMalformedTextWhereItIsFound) {
         {"no name", "[1]", "Invalid macro identifier, [", {"[", "1", "]"}},
         {"nothing", "", "Invalid macro identifier, ", {}},
     };
-    for (const Case& c : cases) {
-        Texts rest;
-        EXPECT_EQ(refusal(c.text, &rest), c.refusal) << c.why;
-        EXPECT_EQ(rest, c.rest) << c.why;
-    }
+    expectRefusals<SetMacroOption>(cases, false, nullptr);
 }
 
 TEST(SetMacroOption, PassesOnWhatTheSetSaysOfItsText) {
@@ -203,13 +194,7 @@ RC_GTEST_PROP(SetMacroOption, IsReadBackFromItsText, ()) {
     RC_ASSERT(*readBack.value() == set);
 }
 
-TEST(SetMacroOption, KeepsTheSlotOrder) {
-    EXPECT_EQ(tests::slotOf(&SetMacroOption::perform), 0);
-    EXPECT_EQ(tests::slotOf(&SetMacroOption::name), 1);
-    EXPECT_EQ(tests::slotOf(&SetMacroOption::isDefaultValue), 2);
-    EXPECT_EQ(tests::slotOf(&SetMacroOption::toString), 3);
-    EXPECT_EQ(tests::slotOf(&SetMacroOption::value), 6) << "after the destructor's two slots";
-}
+TEST(SetMacroOption, KeepsTheSlotOrder) { expectOptionSlots<SetMacroOption>(); }
 
 TEST(SetMacroOption, KeepsTheFieldOrder) {
     const Set set = setOf("[1]");

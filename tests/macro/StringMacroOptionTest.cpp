@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "macro/OptionTests.h"
 #include "macro/Tokens.h"
 #include "support/VirtualSlots.h"
 
@@ -13,10 +14,6 @@ using Texts = std::vector<std::string>;
 
 StringMacroOption parsed(const std::string& text, const std::string* defaultValue = nullptr) {
     return parsedAs<StringMacroOption>(text, defaultValue);
-}
-
-std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    return refusedAs<StringMacroOption>(text, rest, nullptr);
 }
 
 std::string rendered(const std::string& value) { return StringMacroOption("T", value, nullptr).toString(); }
@@ -104,13 +101,7 @@ TEST(StringMacroOption, RendersBackWithTheQuotesItWasWrittenWith) {
 }
 
 TEST(StringMacroOption, RefusesMalformedTextWhereItIsFound) {
-    struct Case {
-        const char* why;
-        const char* text;
-        const char* refusal;
-        Texts rest;
-    };
-    const Case cases[] = {
+    const std::vector<RefusalCase> cases = {
         {"no value", "T=", "Expected string operator missing", {}},
         {"a bare word", "T=abc", "Expected single or double quoted string", {"abc"}},
         {"a blank before the quote", "T= \"abc\"", "Expected single or double quoted string", {" ", "\"", "abc", "\""}},
@@ -122,11 +113,7 @@ TEST(StringMacroOption, RefusesMalformedTextWhereItIsFound) {
         {"something for an operator", "T'x'", "Expected assignment operator, but found '", {"'", "x", "'"}},
         {"no name", "'x'", "Invalid macro identifier, '", {"'", "x", "'"}},
     };
-    for (const Case& c : cases) {
-        Texts rest;
-        EXPECT_EQ(refusal(c.text, &rest), c.refusal) << c.why;
-        EXPECT_EQ(rest, c.rest) << c.why;
-    }
+    expectRefusals<StringMacroOption>(cases, nullptr);
 }
 
 RC_GTEST_PROP(StringMacroOption, IsReadBackFromItsTextUnlessItHoldsBothQuotes, ()) {
@@ -138,13 +125,7 @@ RC_GTEST_PROP(StringMacroOption, IsReadBackFromItsTextUnlessItHoldsBothQuotes, (
     RC_ASSERT(readBack.toString() == rendered(value));
 }
 
-TEST(StringMacroOption, KeepsTheSlotOrder) {
-    EXPECT_EQ(tests::slotOf(&StringMacroOption::perform), 0);
-    EXPECT_EQ(tests::slotOf(&StringMacroOption::name), 1);
-    EXPECT_EQ(tests::slotOf(&StringMacroOption::isDefaultValue), 2);
-    EXPECT_EQ(tests::slotOf(&StringMacroOption::toString), 3);
-    EXPECT_EQ(tests::slotOf(&StringMacroOption::value), 6) << "after the destructor's two slots";
-}
+TEST(StringMacroOption, KeepsTheSlotOrder) { expectOptionSlots<StringMacroOption>(); }
 
 TEST(StringMacroOption, KeepsTheFieldOrder) {
     const std::string byDefault = "byDefault";

@@ -5,6 +5,7 @@
 
 #include <limits>
 
+#include "macro/OptionTests.h"
 #include "macro/Tokens.h"
 #include "support/GlobalLocale.h"
 #include "support/VirtualSlots.h"
@@ -19,9 +20,7 @@ UInt64MacroOption parsed(const std::string& text, const uint64_t* defaultValue =
     return parsedAs<UInt64MacroOption>(text, defaultValue);
 }
 
-std::string refusal(const std::string& text, Texts* rest = nullptr) {
-    return refusedAs<UInt64MacroOption>(text, rest, nullptr);
-}
+std::string refusal(const std::string& text) { return refusedAs<UInt64MacroOption>(text, nullptr, nullptr); }
 
 TEST(UInt64MacroOption, RendersPlainDecimalDigits) {
     EXPECT_EQ(UInt64MacroOption("COUNT", 0, nullptr).toString(), "COUNT=0");
@@ -89,13 +88,7 @@ TEST(UInt64MacroOption, LeavesTheIteratorPastTheValue) {
 }
 
 TEST(UInt64MacroOption, RefusesAnythingElseOnTheOffendingToken) {
-    struct Case {
-        const char* why;
-        const char* text;
-        const char* refusal;
-        Texts rest;
-    };
-    const Case cases[] = {
+    const std::vector<RefusalCase> cases = {
         {"one more than the largest",
          "C=18446744073709551616",
          "Invalid integer value 18446744073709551616",
@@ -120,11 +113,7 @@ TEST(UInt64MacroOption, RefusesAnythingElseOnTheOffendingToken) {
         {"something for an operator", "C 12", "Expected assignment operator, but found  ", {" ", "12"}},
         {"no name", "12", "Invalid macro identifier, 12", {"12"}},
     };
-    for (const Case& c : cases) {
-        Texts rest;
-        EXPECT_EQ(refusal(c.text, &rest), c.refusal) << c.why;
-        EXPECT_EQ(rest, c.rest) << c.why;
-    }
+    expectRefusals<UInt64MacroOption>(cases, nullptr);
 }
 
 // Tokens of another making may hold a minus sign. The conversion wraps them, as it does for unsigned targets.
@@ -154,13 +143,7 @@ RC_GTEST_PROP(UInt64MacroOption, IsReadBackFromItsText, (uint64_t value)) {
     RC_ASSERT(readBack.value() == value);
 }
 
-TEST(UInt64MacroOption, KeepsTheSlotOrder) {
-    EXPECT_EQ(tests::slotOf(&UInt64MacroOption::perform), 0);
-    EXPECT_EQ(tests::slotOf(&UInt64MacroOption::name), 1);
-    EXPECT_EQ(tests::slotOf(&UInt64MacroOption::isDefaultValue), 2);
-    EXPECT_EQ(tests::slotOf(&UInt64MacroOption::toString), 3);
-    EXPECT_EQ(tests::slotOf(&UInt64MacroOption::value), 6) << "after the destructor's two slots";
-}
+TEST(UInt64MacroOption, KeepsTheSlotOrder) { expectOptionSlots<UInt64MacroOption>(); }
 
 TEST(UInt64MacroOption, KeepsTheFieldOrder) {
     const uint64_t byDefault = 9;

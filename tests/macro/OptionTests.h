@@ -1,0 +1,41 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "macro/Tokens.h"
+#include "support/VirtualSlots.h"
+
+namespace vexa::vexautilutil {
+
+/// A text that is no option: what it is refused with, and the tokens from the offending one on.
+struct RefusalCase {
+    const char* why;
+    const char* text;
+    const char* refusal;
+    std::vector<std::string> rest;
+};
+
+/// Expects each case to be refused as it says; `more` are the option's constructor's arguments after the iterators.
+template <class Option, class... More>
+void expectRefusals(const std::vector<RefusalCase>& cases, More... more) {
+    for (const RefusalCase& c : cases) {
+        std::vector<std::string> rest;
+        EXPECT_EQ(refusedAs<Option>(c.text, &rest, more...), c.refusal) << c.why;
+        EXPECT_EQ(rest, c.rest) << c.why;
+    }
+}
+
+/// Expects the virtual operations that all options have in their slots.
+template <class Option>
+void expectOptionSlots() {
+    EXPECT_EQ(tests::slotOf(&Option::perform), 0);
+    EXPECT_EQ(tests::slotOf(&Option::name), 1);
+    EXPECT_EQ(tests::slotOf(&Option::isDefaultValue), 2);
+    EXPECT_EQ(tests::slotOf(&Option::toString), 3);
+    EXPECT_EQ(tests::slotOf(&Option::value), 6) << "after the destructor's two slots";
+}
+
+}  // namespace vexa::vexautilutil
