@@ -1,13 +1,21 @@
 #include "ListCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "AddOns.h"
 #include "TextWidth.h"
 
 namespace vexa::runner {
 namespace {
+
+constexpr const char* kListFooter = R"(Exit status:
+  0  all went well
+  2  wrong usage, or an add-on could not be loaded)";
 
 constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
@@ -33,8 +41,6 @@ std::string tableOf(const std::vector<standin::AddOnInfo>& addOns) {
     return table;
 }
 
-}  // namespace
-
 ExitStatus_e listAddOns(const std::vector<std::string>& files) {
     standin::Host host;
     host.setKeepsCalls(false);
@@ -42,6 +48,16 @@ ExitStatus_e listAddOns(const std::vector<std::string>& files) {
     if (allLoaded) std::fputs(tableOf(host.addOns()).c_str(), stdout);
     unloadAddOns(host);
     return allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
+}
+
+}  // namespace
+
+void addListCommand(CLI::App& app, Action& chosen) {
+    const auto files = std::make_shared<std::vector<std::string>>();
+    CLI::App& list = *app.add_subcommand("list", "List add-ons: id, title, file");
+    list.footer(kListFooter);
+    addAddOnOption(list, *files);
+    list.callback([files, &chosen] { chosen = [files] { return listAddOns(*files); }; });
 }
 
 }  // namespace vexa::runner

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
-#include "ExitStatus.h"
+#include "CommandLine.h"
 
 namespace vexa::runner {
 
-/// Prints a table of the add-ons \p files, in this order: id, title, file.
-ExitStatus_e listAddOns(const std::vector<std::string>& files);
+/// Adds `list`, which prints a table of add-ons in the order given: id, title, file.
+void addListCommand(CLI::App& app, Action& chosen);
 
 }  // namespace vexa::runner

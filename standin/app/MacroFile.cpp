@@ -3,81 +3,142 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <memory>
+#include <new>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "Spool.h"
+#include "WholeFile.h"
+#include "vexastandin/Host.h"
+#include "vexautilutil/AsciiFile.h"
+#include "vexautilutil/FileSystem.h"
+
 namespace vexa::runner {
 namespace {
+
+using vexautilutil::AsciiFile;
 
 constexpr char COMMENT_token = '#';
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kStandardInput = "-";
+constexpr std::string_view kNul("\0", 1);
+constexpr const char* kHoldsNul = "the line holds a NUL byte";
 
-struct FileCloser {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-
-std::string readToEnd(FILE* file) {
-    std::string text;
-    std::array<char, 65536> chunk{};
-    std::size_t count = 0;
-    while ((count = std::fread(chunk.data(), 1, chunk.size(), file)) > 0) text.append(chunk.data(), count);
-    if (std::ferror(file)) throw std::system_error(errno, std::generic_category());
-    return text;
+[[noreturn]] void throwLastError() {
+    if (errno == ENOMEM) throw std::bad_alloc();
+    throw std::system_error(errno, std::generic_category());
 }
 
-std::string readText(const std::string& path) {
-    if (path == kStandardInput) return readToEnd(stdin);
-    const std::unique_ptr<FILE, FileCloser> file(std::fopen(path.c_str(), "rbe"));
-    if (!file) throw std::system_error(errno, std::generic_category());
-    return readToEnd(file.get());
+// The reader takes the size of a file before it reads: a pipe has none, and of some devices it is 0.
+bool hasSize(const std::string& path) {
+    unsigned long size = 0;
+    return filesystem::fileStatus(path, true).type() == boost::filesystem::regular_file &&
+           filesystem::fileSize(path, size) && size > 0;
 }
+
+// The three bytes of a file behind the first `offset` ones, or fewer at its end: enough to see a line end, and whether
+// there is more.
+std::string bytesBehind(const std::string& path, std::ptrdiff_t offset) {
+    const auto close = [](FILE* file) { std::fclose(file); };
+    const std::unique_ptr<FILE, decltype(close)> file(filesystem::fileOpen(path, "rbe"), close);
+    if (!file || fseeko(file.get(), offset, SEEK_SET) != 0) throwLastError();
+    std::array<char, 3> bytes{};
+    return {bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get())};
+}
+
+bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
 }
 
-class LineTaker {
+class MacroReader {
 public:
-    LineTaker(MacroFile& macro, const std::set<std::string>& addOnIds) : m_macro(macro), m_addOnIds(addOnIds) {}
+    MacroReader(MacroFile& macro, const std::set<std::string>& addOnIds) : m_macro(macro), m_addOnIds(addOnIds) {}
 
-    void take(std::string_view line) {
-        ++m_line;
-        if (line.find('\0') != std::string_view::npos) return refuse("the line holds a NUL byte");
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        line = withoutLeadingBlanks(line);
-        if (!line.empty() && line.front() != COMMENT_token) takeCommand(line);
+    void read(const std::string& path) {
+        std::optional<Spool> spool;
+        if (path == kStandardInput) {
+            spool.emplace(readStandardInput());
+        } else if (!hasSize(path)) {
+            spool.emplace(readWholeFile(path));
+        }
+        if (!m_file.open(spool ? spool->path() : path)) throwLastError();
+        while (!m_file.isEOF()) takeLine();
+        checkEnd();
     }
 
 private:
-    void takeCommand(std::string_view line) {
+    void takeLine() {
+        const std::string behind = behindLine(m_file.currentLineNumber());
+        std::string_view line = m_file.readRawLine();
+        const std::size_t lineNumber = m_file.currentLineNumber();
+        if (startsWith(behind, kNul)) return;  // checkEnd() tells
+        if (startsWith(behind, "\r") && behind != "\r" && !startsWith(behind, "\r\n")) {
+            return refuse(lineNumber, "the line holds a carriage return");
+        }
+        if (lineNumber == 1 && startsWith(line, kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
+        line = withoutLeadingBlanks(line);
+        if (!line.empty() && line.front() != COMMENT_token) takeCommand(lineNumber, line);
+    }
+
+    void takeCommand(std::size_t lineNumber, std::string_view line) {
         const std::size_t idEnd = std::min(line.find_first_of(kBlanks), line.size());
         std::string addOnId(line.substr(0, idEnd));
         const std::string_view text = withoutLeadingBlanks(line.substr(idEnd));
-        if (m_addOnIds.count(addOnId) == 0) return refuse("no add-on '" + addOnId + "' is loaded");
-        if (text.empty()) return refuse("a command of '" + addOnId + "' was expected after its name");
-        m_macro.commands.push_back({m_line, std::move(addOnId), std::string(text)});
+        if (m_addOnIds.count(addOnId) == 0) return refuse(lineNumber, "no add-on '" + addOnId + "' is loaded");
+        if (text.empty()) return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
+        m_macro.commands.push_back({lineNumber, std::move(addOnId), std::string(text)});
     }
 
-    void refuse(const std::string& why) { m_macro.problems.push_back(m_macro.place(m_line) + ": " + why); }
+    // The reader ends the file at a NUL, so one can only be behind the last line that it found.
+    void checkEnd() {
+        const std::size_t lines = m_file.numLinesInFile();
+        const std::string behind = lines == 0 ? bytesBehind(m_file.fileName(), 0) : behindLine(lines - 1);
+        const std::size_t lineEnd = behind.find('\n');
+        if (startsWith(behind, kNul)) {
+            refuse(std::max<std::size_t>(lines, 1), kHoldsNul);
+        } else if (lineEnd != std::string::npos && lineEnd + 1 < behind.size()) {
+            refuse(lines + 1, kHoldsNul);
+        }
+    }
+
+    // What the file has behind the text that the reader shows of a line, which is the line's end unless the reader cut
+    // the line at a carriage return, or the file at a NUL. Three bytes tell; there may be fewer, and more.
+    std::string behindLine(std::uint64_t index) const {
+        const char* const line = m_file.readRawLineAtOffset(index);
+        const char* const end = line + std::strlen(line);
+        if (index + 1 == m_file.numLinesInFile()) {
+            return bytesBehind(m_file.fileName(), end - m_file.readRawLineAtOffset(0));
+        }
+        const std::ptrdiff_t count = m_file.readRawLineAtOffset(index + 1) - end;
+        return std::string(static_cast<std::size_t>(count - 1), '\r') + '\n';
+    }
+
+    // The reader reports in the dialog of the process's host, which is one of our own here: the host that runs the
+    // add-ons sees what they do, and no more. The reader puts the place behind the message, and names a copy by where
+    // it lies; here the place stands before it, where editors find it.
+    void refuse(std::size_t lineNumber, const std::string& why) {
+        const std::string readersPlace = " on line " + std::to_string(lineNumber) + " in file: " + m_file.fileName();
+        standin::Host host;
+        host.onDialog([&](const std::string& text) {
+            const std::string message = text.substr(0, text.rfind(readersPlace));
+            m_macro.problems.push_back(m_macro.place(lineNumber) + ": " + message);
+        });
+        m_file.error(why, lineNumber);
+    }
 
     MacroFile& m_macro;
     const std::set<std::string>& m_addOnIds;
-    std::size_t m_line = 0;
+    AsciiFile m_file;
 };
-
-void takeLines(std::string_view text, LineTaker taker) {
-    if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        taker.take(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-}
 
 }  // namespace
 
@@ -87,7 +148,7 @@ MacroFile readMacroFile(const std::string& path, const std::set<std::string>& ad
     MacroFile macro;
     macro.name = path == kStandardInput ? "<stdin>" : path;
     try {
-        takeLines(readText(path), LineTaker(macro, addOnIds));
+        MacroReader(macro, addOnIds).read(path);
     } catch (const std::system_error& error) {
         macro.problems.push_back(macro.name + ": cannot be read: " + error.code().message());
     }

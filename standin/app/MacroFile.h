@@ -32,9 +32,9 @@ struct MacroFile {
 ///     STATS                       refused: no command
 ///     OTHER LOAD                  refused, unless OTHER is one of the add-ons
 ///
-/// Lines end with LF or CRLF; the last one may end with the file. A byte-order mark at the start is skipped, and a
-/// line with a NUL byte refused.
-/// \param addOnIds the loaded add-ons.
+/// Lines end with LF or CRLF; the last one may end with the file. A byte-order mark at the start is skipped. Refused
+/// are a line with a carriage return before its end, and one with a NUL byte, behind which nothing is looked at. The
+/// file may be a pipe or a device. \param addOnIds the loaded add-ons.
 MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds);
 
 }  // namespace vexa::runner

@@ -2,10 +2,16 @@
 
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <atomic>
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <set>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "AddOns.h"
 #include "AtomicFile.h"
@@ -15,13 +21,40 @@
 #include "PlainStatus.h"
 #include "Screen.h"
 #include "StopButton.h"
+#include "StyleFile.h"
 #include "Terminal.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
 namespace {
 
+constexpr const char* kRunFooter = R"(Macro file: a command a line, the add-on's id first; blank lines and lines that
+begin with # are skipped:
+  # three zones
+  STATS LOAD FILE = 'wake.txt'
+  STATS MEAN ZONES = '1-3'
+
+Example:
+  vexa-standin run sweep.mcr --addon ./libstats.so --record recorded.mcr
+
+Exit status:
+  0    all went well
+  1    a command failed
+  2    wrong usage or input; a file could not be read or written
+  130  stopped by Ctrl-C; a second Ctrl-C ends the program at once)";
+
 constexpr std::string_view kFailedSilently = "the command failed without a message";
+
+struct RunOptions {
+    std::string macroFile;               // `-` is the standard input
+    std::vector<std::string> addOns;     // the files to load
+    std::optional<std::string> record;   // where the recorded commands go
+    std::optional<std::string> journal;  // where the journal goes
+    std::optional<std::string> style;    // the style file
+    bool batch = false;                  // the host says that it is in batch mode
+    bool keepGoing = false;              // run on after a failed command
+    bool verbose = false;                // show each command, and a summary
+};
 
 std::string counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
@@ -42,7 +75,7 @@ public:
     ~MacroRun() { m_stopButton.disarm(); }
 
     ExitStatus_e execute() {
-        const bool ready = openOutputs() && loadAddOns(m_host, m_options.addOns) && readMacro();
+        const bool ready = openOutputs() && loadStyle() && loadAddOns(m_host, m_options.addOns) && readMacro();
         bool written = false;
         if (ready) {
             runCommands();
@@ -73,6 +106,8 @@ private:
         if (same) tell(*m_options.journal, "cannot hold both the recording and the journal");
         return !same;
     }
+
+    bool loadStyle() { return !m_options.style || loadStyles(m_host, *m_options.style); }
 
     bool readMacro() {
         std::set<std::string> addOnIds;
@@ -169,6 +204,21 @@ private:
 
 }  // namespace
 
-ExitStatus_e runMacro(const RunOptions& options) { return MacroRun(options).execute(); }
+void addRunCommand(CLI::App& app, Action& chosen) {
+    const auto options = std::make_shared<RunOptions>();
+    CLI::App& run = *app.add_subcommand("run", "Run a macro file");
+    run.footer(kRunFooter);
+    run.add_option("MACROFILE", options->macroFile, "The macro file; - reads the standard input")
+        ->required()
+        ->type_name("");
+    addAddOnOption(run, options->addOns);
+    addStyleOption(run, options->style);
+    run.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
+    run.add_option("--journal", options->journal, "Write the data-set journal")->type_name("FILE");
+    run.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
+    run.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
+    run.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");
+    run.callback([options, &chosen] { chosen = [options] { return MacroRun(*options).execute(); }; });
+}
 
 }  // namespace vexa::runner

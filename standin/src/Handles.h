@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -40,7 +42,15 @@ public:
     /// \return false when that is no handle of a living one.
     bool remove(const Handle* handle) {
         const std::lock_guard<std::mutex> lock(m_guard);
-        return m_entries.erase(handle) != 0;
+        if (m_entries.erase(handle) == 0) return false;
+        m_removed[m_nextRemoved++ % m_removed.size()] = handle;
+        return true;
+    }
+
+    /// Whether \p handle is one of those removed lately, and given to no other object since.
+    bool isRemoved(const Handle* handle) const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_entries.count(handle) == 0 && std::find(m_removed.begin(), m_removed.end(), handle) != m_removed.end();
     }
 
 private:
@@ -52,6 +62,8 @@ private:
     mutable std::mutex m_guard;
     std::unordered_map<const Handle*, Entry> m_entries;
     std::size_t m_added = 0;
+    std::array<const Handle*, 256> m_removed{};  // a ring, so that removing needs no memory
+    std::size_t m_nextRemoved = 0;
 };
 
 }  // namespace vexa::standin

@@ -1,11 +1,15 @@
 #include "vexastandin/Host.h"
 
+#include <chrono>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <utility>
 
 #include "HostState.h"
 #include "vexa/InvalidArgumentException.h"
+#include "vexastandin/Finding.h"
+#include "vexastandin/Observer.h"
 
 namespace vexa::standin {
 namespace {
@@ -56,14 +60,82 @@ std::string takeErrorString(HostState& state, const char* errMsg, std::vector<st
     const std::shared_ptr<HostString> string = state.strings.find(errMsg);
     if (string == nullptr) {
         warnings.emplace_back("the command's error string is none of the host's, so it was not released");
-        return errMsg;
+        return state.strings.isRemoved(errMsg) ? "" : errMsg;  // what was freed cannot be read
     }
     state.strings.remove(errMsg);
     return string->text();
 }
 
+// The time that the host spends in an add-on. When it is not ended it ends with this, as a failure.
+class TimeInAddOn {
+public:
+    TimeInAddOn(HostState& state, Entry entry) : m_state(state) {
+        m_event.kind = entry.kind;
+        m_event.addOnId = entry.addOnId;
+        m_event.command = entry.command;
+        m_event.macroLine = entry.macroLine;
+        m_event.threadNumber = state.threads.mine();
+        m_event.thread = std::this_thread::get_id();
+        state.contract.enter(std::move(entry));
+        tell(&ObserverInterface::entryBegan);
+    }
+    TimeInAddOn(const TimeInAddOn&) = delete;
+    TimeInAddOn& operator=(const TimeInAddOn&) = delete;
+    ~TimeInAddOn() {
+        m_state.contract.leave();
+        tell(&ObserverInterface::entryEnded);
+    }
+
+    void setAddOn(const std::string& addOnId) {
+        m_state.contract.name(addOnId);
+        m_event.addOnId = addOnId;
+    }
+    void setOutcome(bool succeeded, const std::string& error) {
+        m_event.succeeded = succeeded;
+        m_event.error = error;
+    }
+
+private:
+    void tell(void (ObserverInterface::*what)(const EntryEvent&)) {
+        m_event.time = std::chrono::steady_clock::now();
+        m_state.audience.tell([&](ObserverInterface& observer) { (observer.*what)(m_event); });
+    }
+
+    HostState& m_state;
+    EntryEvent m_event;
+};
+
+// An exception is all there is to judge of a command that it ended.
+void judgeOutcome(HostState& state, const std::optional<std::string>& escaped, bool accepted, const char* errMsg) {
+    if (escaped) state.contract.judgeEscape(*escaped);
+    if (!escaped || errMsg != nullptr) state.contract.judgeErrorMessage(accepted, errMsg);
+}
+
+const Rule& knownRule(const std::string& name) {
+    const Rule* const rule = findRule(name);
+    if (rule == nullptr) throw InvalidArgumentException("There is no rule \"" + name + '"');
+    return *rule;
+}
+
 LoadError alreadyLoaded(const AddOn& refused, const AddOn& loaded) {
     return refused.refusal("an add-on " + loaded.info().id + " is already loaded, from " + loaded.info().path);
+}
+
+AddOnInfo load(HostState& state, const std::string& path) {
+    const auto addOn = std::make_shared<AddOn>(path);
+    const auto loaded = state.addOns.copy();
+    for (const auto& other : loaded) {
+        // Loaded a second time it is still the same object, which must not be entered again.
+        if (addOn->isSameObject(*other)) throw alreadyLoaded(*addOn, *other);
+    }
+    const LockBalance balance(state.lock);
+    state.contract.introduce(addOn->identity());
+    addOn->enter();
+    for (const auto& other : loaded) {
+        if (addOn->info().id == other->info().id) throw alreadyLoaded(*addOn, *other);
+    }
+    state.addOns.append(addOn);
+    return addOn->info();
 }
 
 }  // namespace
@@ -76,7 +148,21 @@ HostState* HostState::current() {
 bool HostState::showChange(const std::optional<StatusLine>& change) const {
     if (!change) return false;
     if (const auto show = showStatus.copy()) show(*change);
+    audience.tell([&](ObserverInterface& observer) { observer.statusChanged(*change); });
     return true;
+}
+
+void HostState::setStyle(const std::vector<std::string>& path, const StyleTree::Offsets& offsets,
+                         const StyleValue& value) {
+    const auto [added, replaced] = styles.set(path, offsets, value);
+    if (added != nullptr) {
+        styleSets.add(added.get(), added);
+        contract.lend(added.get());
+    }
+    if (replaced != nullptr) {
+        styleSets.remove(replaced.get());
+        contract.takeBack(replaced.get());
+    }
 }
 
 LoadError::LoadError(const std::string& message) : ExceptionBase(message, false) {}
@@ -105,6 +191,14 @@ void Host::setRecording(bool active) { m_state->isRecording = active; }
 void Host::setProcessingJournal(bool active) { m_state->isProcessingJournal = active; }
 
 void Host::setProcessingLayout(bool active) { m_state->isProcessingLayout = active; }
+
+void Host::setStyle(const std::vector<std::string>& path, const StyleValue& value) {
+    m_state->setStyle(path, std::nullopt, value);
+}
+
+void Host::setStyle(const std::vector<std::string>& path, long offset1, long offset2, const StyleValue& value) {
+    m_state->setStyle(path, std::pair(offset1, offset2), value);
+}
 
 void Host::pressStop() noexcept { m_state->isStopPressed = true; }
 
@@ -147,19 +241,16 @@ std::vector<StatusLine> Host::statusHistory() const { return m_state->status.his
 void Host::onStatus(std::function<void(const StatusLine&)> show) { m_state->showStatus.set(std::move(show)); }
 
 AddOnInfo Host::loadAddOn(const std::string& path) {
-    const auto addOn = std::make_shared<AddOn>(path);
-    const auto loaded = m_state->addOns.copy();
-    for (const auto& other : loaded) {
-        // Loaded a second time it is still the same object, which must not be entered again.
-        if (addOn->isSameObject(*other)) throw alreadyLoaded(*addOn, *other);
+    TimeInAddOn time(*m_state, {Entry_e::Loading, path, "", ""});
+    try {
+        const AddOnInfo info = load(*m_state, path);
+        time.setAddOn(info.id);
+        time.setOutcome(true, "");
+        return info;
+    } catch (const LoadError& refusal) {
+        time.setOutcome(false, refusal.message());
+        throw;
     }
-    const LockBalance balance(m_state->lock);
-    addOn->enter();
-    for (const auto& other : loaded) {
-        if (addOn->info().id == other->info().id) throw alreadyLoaded(*addOn, *other);
-    }
-    m_state->addOns.append(addOn);
-    return addOn->info();
 }
 
 std::vector<AddOnInfo> Host::addOns() const {
@@ -173,8 +264,11 @@ std::vector<std::string> Host::unloadAddOns() {
     auto loaded = m_state->addOns.copy();
     while (!loaded.empty()) {
         const std::string id = loaded.back()->info().id;
+        TimeInAddOn time(*m_state, {Entry_e::Unloading, id, "", ""});
         LockBalance balance(m_state->lock);
         const std::optional<std::string> escaped = loaded.back()->shutDown();
+        if (escaped) m_state->contract.judgeEscape(*escaped);
+        time.setOutcome(!escaped, escaped.value_or(""));
         const std::optional<std::string> lockLeft = balance.restore("its shutdown");
         if (escaped) problems.push_back(id + ": " + *escaped);
         if (lockLeft) problems.push_back(id + ": " + *lockLeft);
@@ -184,7 +278,7 @@ std::vector<std::string> Host::unloadAddOns() {
     return problems;
 }
 
-CommandResult Host::run(const std::string& addOnId, const std::string& command) {
+CommandResult Host::run(const std::string& addOnId, const std::string& command, const std::string& macroLine) {
     std::shared_ptr<const AddOn> addOn;
     for (const auto& loaded : m_state->addOns.copy()) {
         if (loaded->info().id == addOnId) addOn = loaded;
@@ -193,9 +287,11 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command) 
 
     CommandResult result;
     char* errMsg = nullptr;
+    TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine});
     LockBalance balance(m_state->lock);
     const bool statusWasUp = statusLine().active;
     const std::optional<std::string> escaped = addOn->execute(command, result.accepted, errMsg);
+    judgeOutcome(*m_state, escaped, result.accepted, errMsg);
     if (const auto lockLeft = balance.restore("the command")) result.warnings.push_back(*lockLeft);
     if (!statusWasUp && m_state->showChange(m_state->status.finish(m_state->calls.keeps()))) {
         result.warnings.emplace_back("the command ended with the status line up");
@@ -205,7 +301,29 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command) 
     }
     const std::string error = takeErrorString(*m_state, errMsg, result.warnings);
     if (!result.accepted) result.error = escaped ? *escaped : error;
+    time.setOutcome(result.accepted, result.error);
     return result;
 }
+
+void Host::setChecking(bool active) { m_state->contract.setOn(active); }
+
+std::vector<Finding> Host::violations() const { return m_state->contract.findings(); }
+
+void Host::suppress(const std::string& rule) { m_state->contract.suppress(knownRule(rule)); }
+
+std::vector<std::string> Host::unusedSuppressions() const { return m_state->contract.unusedSuppressions(); }
+
+void Host::report(Finding finding) {
+    finding.severity = knownRule(finding.rule).severity;
+    m_state->contract.report(std::move(finding));
+}
+
+Place Host::lastCall() const {
+    const std::size_t calls = m_state->callsBegun;
+    const auto function = calls == 0 ? std::nullopt : std::optional<HostFunction>(m_state->lastFunction);
+    return m_state->contract.placeNow(calls, function);
+}
+
+void Host::setObserver(ObserverInterface* observer) { m_state->audience.set(observer); }
 
 }  // namespace vexa::standin

@@ -1,175 +1,24 @@
-// The host's C functions. Each is written through answer(), which is where a call is logged and made to fail; what a
-// function does beyond that stands in its own few lines.
+// The host's C functions. Each is written through answer(); what a function does beyond that stands in its own few
+// lines.
 
+#include <cstddef>
 #include <cstdint>
-#include <exception>
+#include <memory>
 #include <new>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <thread>
 #include <type_traits>
 #include <utility>
 
+#include "Answer.h"
 #include "HostFunction.h"
 #include "HostState.h"
 #include "Text.h"
+#include "contract/ArgumentChecks.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
 namespace {
-
-// ---- A call's arguments and result as text
-
-std::string textOf(const HostState&, const char* text) {
-    if (text == nullptr) return "null";
-    std::string quoted = "\"";
-    for (; *text != '\0'; ++text) {
-        switch (*text) {
-            case '"': quoted += "\\\""; break;
-            case '\\': quoted += "\\\\"; break;
-            case '\n': quoted += "\\n"; break;
-            case '\r': quoted += "\\r"; break;
-            case '\t': quoted += "\\t"; break;
-            default: quoted += *text;
-        }
-    }
-    return quoted + '"';
-}
-
-std::string textOf(const HostState& host, const AddOnList_s* identity) {
-    if (identity == nullptr) return "null";
-    for (const auto& addOn : host.addOns.copy()) {
-        if (addOn->identity() == identity) return addOn->info().id;
-    }
-    return "unknown";
-}
-
-template <class Object, class Handle>
-std::string handleText(const std::string& kind, const Handles<Object, Handle>& handles, const Handle* handle) {
-    if (handle == nullptr) return "null";
-    const std::size_t number = handles.numberOf(handle);
-    return number == 0 ? "unknown" : kind + '#' + std::to_string(number);
-}
-
-std::string textOf(const HostState& host, const ThreadMutex_s* mutex) {
-    return handleText("mutex", host.mutexes, mutex);
-}
-
-std::string textOf(const HostState& host, const ArgList_s* argList) {
-    return handleText("arglist", host.argLists, argList);
-}
-
-std::string textOf(const HostState& host, const Set_s* set) { return handleText("set", host.sets, set); }
-
-std::string textOf(const HostState& host, char* string) {
-    return handleText<HostString, char>("string", host.strings, string);
-}
-
-std::string textOf(const HostState&, GetValueReturnCode_e code) {
-    switch (code) {
-        case GetValueReturnCode_Ok: return "GetValueReturnCode_Ok";
-        case GetValueReturnCode_OtherType: return "GetValueReturnCode_OtherType";
-        case GetValueReturnCode_UnknownPath: return "GetValueReturnCode_UnknownPath";
-        case GetValueReturnCode_NotAvailable: return "GetValueReturnCode_NotAvailable";
-    }
-    return std::to_string(static_cast<int>(code));
-}
-
-template <class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
-std::string textOf(const HostState&, Number number) {
-    return std::to_string(number);
-}
-
-// Where a result is to be stored. The address itself would differ from run to run.
-template <class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
-std::string textOf(const HostState&, Number* address) {
-    return address == nullptr ? "null" : "address";
-}
-
-// Where a handle is kept.
-template <class Handle>
-std::string textOf(const HostState& host, Handle** address) {
-    return address == nullptr ? "null" : textOf(host, *address);
-}
-
-template <class... Arguments>
-std::string listOf(const HostState& host, const Arguments&... arguments) {
-    std::string list;
-    ((list += (list.empty() ? "" : ", ") + textOf(host, arguments)), ...);
-    return list;
-}
-
-// One call in the log. A call for which there is no memory is left out, for it must not fail for being watched.
-class LoggedCall {
-public:
-    template <class... Arguments>
-    LoggedCall(HostState& host, HostFunction function, const Arguments&... arguments) : m_host(host) {
-        if (!host.calls.keeps()) return;
-        try {
-            m_place = host.calls.begin({nameOf(function), listOf(host, arguments...), "", std::this_thread::get_id()});
-        } catch (const std::bad_alloc&) {}
-    }
-
-    template <class Result>
-    void setResult(Result result) const {
-        if (!m_place) return;
-        try {
-            m_host.calls.end(*m_place, textOf(m_host, result));
-        } catch (const std::bad_alloc&) {}
-    }
-
-private:
-    HostState& m_host;
-    std::optional<std::size_t> m_place;
-};
-
-// ---- The one way through which every function goes
-
-template <class Result>
-Result failureOf(int code) {
-    if constexpr (std::is_pointer_v<Result>) {
-        return nullptr;
-    } else {
-        return static_cast<Result>(code);
-    }
-}
-
-// What a function answers when it cannot do its work.
-template <class Result>
-Result refusal() {
-    if constexpr (!std::is_void_v<Result>) {
-        return failureOf<Result>(std::is_enum_v<Result> ? GetValueReturnCode_UnknownPath : 0);
-    }
-}
-
-// Add-ons know no lack of memory but as a refusal.
-template <class Action>
-std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& host) {
-    try {
-        return action(host);
-    } catch (const std::bad_alloc&) {
-        return refusal<std::invoke_result_t<Action, HostState&>>();
-    }
-}
-
-template <class Action, class... Arguments>
-std::invoke_result_t<Action, HostState&> answer(HostFunction function, const Action& action,
-                                                const Arguments&... arguments) {
-    using Result = std::invoke_result_t<Action, HostState&>;
-    HostState* const host = HostState::current();
-    if (host == nullptr) return refusal<Result>();
-    const LoggedCall call(*host, function, arguments...);
-    const std::optional<Fault> fault = host->faults.next(function);
-    if (fault && fault->throws) throw std::runtime_error(std::string(nameOf(function)) + " was told to throw");
-    if constexpr (std::is_void_v<Result>) {
-        if (!fault) act(action, *host);
-    } else {
-        const Result result = fault ? failureOf<Result>(fault->result) : act(action, *host);
-        call.setResult(result);
-        return result;
-    }
-}
 
 // What functions do for which being called is all.
 void takeNote(HostState&) {}
@@ -214,38 +63,35 @@ void changeStatus(HostState& host, const Change& change) {
 using namespace vexa::standin;
 
 void VexaUtilLockStart(AddOnList_s* addOnId) {
-    answer(
-        HostFunction::VexaUtilLockStart, [=](HostState& host) { host.lock.start(addOnId); }, addOnId);
+    answer<HostFunction::VexaUtilLockStart>([=](HostState& host) { host.lock.start(addOnId); }, addOnId);
 }
 
 void VexaUtilLockFinish(AddOnList_s* addOnId) {
-    answer(
-        HostFunction::VexaUtilLockFinish, [=](HostState& host) { host.lock.finish(addOnId); }, addOnId);
+    answer<HostFunction::VexaUtilLockFinish>([=](HostState& host) { host.lock.finish(addOnId); }, addOnId);
 }
 
-void VexaUtilAuxDataBeginAssign() { answer(HostFunction::VexaUtilAuxDataBeginAssign, takeNote); }
+void VexaUtilAuxDataBeginAssign() { answer<HostFunction::VexaUtilAuxDataBeginAssign>(takeNote); }
 
-void VexaUtilAuxDataEndAssign() { answer(HostFunction::VexaUtilAuxDataEndAssign, takeNote); }
+void VexaUtilAuxDataEndAssign() { answer<HostFunction::VexaUtilAuxDataEndAssign>(takeNote); }
 
 void VexaUtilDataSetSuspendMarking(VexaBoolean suspend) {
-    answer(HostFunction::VexaUtilDataSetSuspendMarking, takeNote, suspend);
+    answer<HostFunction::VexaUtilDataSetSuspendMarking>(takeNote, suspend);
 }
 
 void VexaUtilZoneSolutionTimeModificationBegin() {
-    answer(HostFunction::VexaUtilZoneSolutionTimeModificationBegin, takeNote);
+    answer<HostFunction::VexaUtilZoneSolutionTimeModificationBegin>(takeNote);
 }
 
 void VexaUtilZoneSolutionTimeModificationEnd() {
-    answer(HostFunction::VexaUtilZoneSolutionTimeModificationEnd, takeNote);
+    answer<HostFunction::VexaUtilZoneSolutionTimeModificationEnd>(takeNote);
 }
 
 ThreadMutex_s* VexaUtilThreadMutexAlloc() {
-    return answer(HostFunction::VexaUtilThreadMutexAlloc, [](HostState& host) { return allocate(host.mutexes); });
+    return answer<HostFunction::VexaUtilThreadMutexAlloc>([](HostState& host) { return allocate(host.mutexes); });
 }
 
 void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex) {
-    answer(
-        HostFunction::VexaUtilThreadMutexDealloc,
+    answer<HostFunction::VexaUtilThreadMutexDealloc>(
         [=](HostState& host) {
             const auto found = mutex == nullptr ? nullptr : host.mutexes.find(*mutex);
             if (found != nullptr && found->close()) release(host.mutexes, mutex);
@@ -254,8 +100,7 @@ void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex) {
 }
 
 void VexaUtilThreadMutexLock(ThreadMutex_s* mutex) {
-    answer(
-        HostFunction::VexaUtilThreadMutexLock,
+    answer<HostFunction::VexaUtilThreadMutexLock>(
         [=](HostState& host) {
             if (const auto found = host.mutexes.find(mutex)) found->lock();
         },
@@ -263,8 +108,7 @@ void VexaUtilThreadMutexLock(ThreadMutex_s* mutex) {
 }
 
 void VexaUtilThreadMutexUnlock(ThreadMutex_s* mutex) {
-    answer(
-        HostFunction::VexaUtilThreadMutexUnlock,
+    answer<HostFunction::VexaUtilThreadMutexUnlock>(
         [=](HostState& host) {
             if (const auto found = host.mutexes.find(mutex)) found->unlock();
         },
@@ -272,24 +116,22 @@ void VexaUtilThreadMutexUnlock(ThreadMutex_s* mutex) {
 }
 
 VexaBoolean VexaUtilMacroIsBatchModeActive() {
-    return answer(HostFunction::VexaUtilMacroIsBatchModeActive,
-                  [](HostState& host) -> VexaBoolean { return host.isBatchMode; });
+    return answer<HostFunction::VexaUtilMacroIsBatchModeActive>(
+        [](HostState& host) -> VexaBoolean { return host.isBatchMode; });
 }
 
 void VexaUtilStatusStartPercentDone(const char* text, VexaBoolean showStopButton, VexaBoolean showBar) {
-    answer(
-        HostFunction::VexaUtilStatusStartPercentDone,
+    answer<HostFunction::VexaUtilStatusStartPercentDone>(
         [=](HostState& host) {
             changeStatus(host, [=](Status& status, bool keeps) {
                 return status.start(orEmpty(text), showStopButton != 0, showBar != 0, keeps);
             });
         },
-        text, showStopButton, showBar);
+        OptionalText{text}, showStopButton, showBar);
 }
 
 VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
-    return answer(
-        HostFunction::VexaUtilStatusCheckPercentDone,
+    return answer<HostFunction::VexaUtilStatusCheckPercentDone>(
         [=](HostState& host) -> VexaBoolean {
             changeStatus(host, [=](Status& status, bool keeps) { return status.setPercent(percent, keeps); });
             return !host.isStopPressed;
@@ -298,38 +140,35 @@ VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
 }
 
 void VexaUtilStatusSetPercentDoneText(const char* text) {
-    answer(
-        HostFunction::VexaUtilStatusSetPercentDoneText,
+    answer<HostFunction::VexaUtilStatusSetPercentDoneText>(
         [=](HostState& host) {
             changeStatus(host, [=](Status& status, bool keeps) { return status.setText(orEmpty(text), keeps); });
         },
-        text);
+        OptionalText{text});
 }
 
 void VexaUtilStatusFinishPercentDone() {
-    answer(HostFunction::VexaUtilStatusFinishPercentDone, [](HostState& host) {
-        changeStatus(host, [](Status& status, bool keeps) { return status.finish(keeps); });
-    });
+    answer<HostFunction::VexaUtilStatusFinishPercentDone>(
+        [](HostState& host) { changeStatus(host, [](Status& status, bool keeps) { return status.finish(keeps); }); });
 }
 
 VexaBoolean VexaUtilMacroIsRecordingActive() {
-    return answer(HostFunction::VexaUtilMacroIsRecordingActive,
-                  [](HostState& host) -> VexaBoolean { return host.isRecording; });
+    return answer<HostFunction::VexaUtilMacroIsRecordingActive>(
+        [](HostState& host) -> VexaBoolean { return host.isRecording; });
 }
 
 VexaBoolean VexaUtilStateIsProcessingJournal() {
-    return answer(HostFunction::VexaUtilStateIsProcessingJournal,
-                  [](HostState& host) -> VexaBoolean { return host.isProcessingJournal; });
+    return answer<HostFunction::VexaUtilStateIsProcessingJournal>(
+        [](HostState& host) -> VexaBoolean { return host.isProcessingJournal; });
 }
 
 VexaBoolean VexaUtilStateIsProcessingLayout() {
-    return answer(HostFunction::VexaUtilStateIsProcessingLayout,
-                  [](HostState& host) -> VexaBoolean { return host.isProcessingLayout; });
+    return answer<HostFunction::VexaUtilStateIsProcessingLayout>(
+        [](HostState& host) -> VexaBoolean { return host.isProcessingLayout; });
 }
 
 VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* command) {
-    return answer(
-        HostFunction::VexaUtilMacroRecordExtCommand,
+    return answer<HostFunction::VexaUtilMacroRecordExtCommand>(
         [=](HostState& host) -> VexaBoolean {
             // A macro line is the id, a blank and the command: what would not be read back so is not recorded.
             const bool fitsOneLine =
@@ -342,8 +181,7 @@ VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* comma
 }
 
 VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* command, const char* journalData) {
-    return answer(
-        HostFunction::VexaUtilDataSetAddJournalCommand,
+    return answer<HostFunction::VexaUtilDataSetAddJournalCommand>(
         [=](HostState& host) -> VexaBoolean {
             if (addOnId == nullptr || command == nullptr) return 0;
             JournalEntry entry{addOnId, command, std::nullopt};
@@ -351,12 +189,11 @@ VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* co
             host.journal.append(std::move(entry));
             return 1;
         },
-        addOnId, command, journalData);
+        addOnId, command, OptionalText{journalData});
 }
 
 char* VexaUtilStringAlloc(int size, const char* purpose) {
-    return answer(
-        HostFunction::VexaUtilStringAlloc,
+    return answer<HostFunction::VexaUtilStringAlloc>(
         [=](HostState& host) -> char* {
             if (size < 1) return nullptr;
             auto string = std::make_shared<HostString>(static_cast<std::size_t>(size));
@@ -364,26 +201,23 @@ char* VexaUtilStringAlloc(int size, const char* purpose) {
             host.strings.add(bytes, std::move(string));
             return bytes;
         },
-        size, purpose);
+        size, OptionalText{purpose});
 }
 
 void VexaUtilStringDealloc(char** string) {
-    answer(
-        HostFunction::VexaUtilStringDealloc, [=](HostState& host) { release(host.strings, string); }, string);
+    answer<HostFunction::VexaUtilStringDealloc>([=](HostState& host) { release(host.strings, string); }, string);
 }
 
 ArgList_s* VexaUtilArgListAlloc() {
-    return answer(HostFunction::VexaUtilArgListAlloc, [](HostState& host) { return allocate(host.argLists); });
+    return answer<HostFunction::VexaUtilArgListAlloc>([](HostState& host) { return allocate(host.argLists); });
 }
 
 void VexaUtilArgListDealloc(ArgList_s** argList) {
-    answer(
-        HostFunction::VexaUtilArgListDealloc, [=](HostState& host) { release(host.argLists, argList); }, argList);
+    answer<HostFunction::VexaUtilArgListDealloc>([=](HostState& host) { release(host.argLists, argList); }, argList);
 }
 
 void VexaUtilArgListClear(ArgList_s* argList) {
-    answer(
-        HostFunction::VexaUtilArgListClear,
+    answer<HostFunction::VexaUtilArgListClear>(
         [=](HostState& host) {
             if (const auto found = host.argLists.find(argList)) found->clear();
         },
@@ -391,37 +225,37 @@ void VexaUtilArgListClear(ArgList_s* argList) {
 }
 
 VexaBoolean VexaUtilArgListAppendString(ArgList_s* argList, const char* name, const char* value) {
-    return answer(
-        HostFunction::VexaUtilArgListAppendString, [=](HostState& host) { return append(host, argList, name, value); },
-        argList, name, value);
+    return answer<HostFunction::VexaUtilArgListAppendString>(
+        [=](HostState& host) { return append(host, argList, name, value); }, argList, name, value);
 }
 
 VexaBoolean VexaUtilArgListAppendInt(ArgList_s* argList, const char* name, long value) {
-    return answer(
-        HostFunction::VexaUtilArgListAppendInt, [=](HostState& host) { return append(host, argList, name, value); },
-        argList, name, value);
+    return answer<HostFunction::VexaUtilArgListAppendInt>(
+        [=](HostState& host) { return append(host, argList, name, value); }, argList, name, value);
 }
 
 VexaBoolean VexaUtilArgListAppendDoublePtr(ArgList_s* argList, const char* name, double* value) {
-    return answer(
-        HostFunction::VexaUtilArgListAppendDoublePtr,
+    return answer<HostFunction::VexaUtilArgListAppendDoublePtr>(
         [=](HostState& host) { return append(host, argList, name, value); }, argList, name, value);
 }
 
 VexaBoolean VexaUtilArgListAppendArbParamPtr(ArgList_s* argList, const char* name, VexaArbParam* value) {
-    return answer(
-        HostFunction::VexaUtilArgListAppendArbParamPtr,
+    return answer<HostFunction::VexaUtilArgListAppendArbParamPtr>(
         [=](HostState& host) { return append(host, argList, name, value); }, argList, name, value);
 }
 
 GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList) {
-    return answer(
-        HostFunction::VexaUtilStyleGetLowLevelX, [](HostState&) { return GetValueReturnCode_UnknownPath; }, argList);
+    return answer<HostFunction::VexaUtilStyleGetLowLevelX>(
+        [=](HostState& host) {
+            const auto list = host.argLists.find(argList);
+            const auto query = list == nullptr ? std::nullopt : styleQueryOf(list->all());
+            return query ? host.styles.answer(*query) : GetValueReturnCode_UnknownPath;
+        },
+        argList);
 }
 
 void VexaUtilDialogErrMsg(const char* message) {
-    answer(
-        HostFunction::VexaUtilDialogErrMsg,
+    answer<HostFunction::VexaUtilDialogErrMsg>(
         [=](HostState& host) {
             if (message == nullptr) return;
             host.dialogs.append(std::string(message));
@@ -431,17 +265,15 @@ void VexaUtilDialogErrMsg(const char* message) {
 }
 
 Set_s* VexaUtilSetAlloc() {
-    return answer(HostFunction::VexaUtilSetAlloc, [](HostState& host) { return allocate(host.sets); });
+    return answer<HostFunction::VexaUtilSetAlloc>([](HostState& host) { return allocate(host.sets); });
 }
 
 void VexaUtilSetDealloc(Set_s** set) {
-    answer(
-        HostFunction::VexaUtilSetDealloc, [=](HostState& host) { release(host.sets, set); }, set);
+    answer<HostFunction::VexaUtilSetDealloc>([=](HostState& host) { release(host.sets, set); }, set);
 }
 
 VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last) {
-    return answer(
-        HostFunction::VexaUtilSetInsert,
+    return answer<HostFunction::VexaUtilSetInsert>(
         [=](HostState& host) -> VexaBoolean {
             const auto found = host.sets.find(set);
             return found != nullptr && found->insert(first, last);
@@ -450,10 +282,10 @@ VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last) {
 }
 
 VexaBoolean VexaUtilSetNextRange(const Set_s* set, int64_t from, int64_t* first, int64_t* last) {
-    return answer(
-        HostFunction::VexaUtilSetNextRange,
+    return answer<HostFunction::VexaUtilSetNextRange>(
         [=](HostState& host) -> VexaBoolean {
-            const auto found = host.sets.find(set);
+            const auto own = host.sets.find(set);
+            const auto found = own == nullptr ? host.styleSets.find(set) : own;
             if (found == nullptr || first == nullptr || last == nullptr) return 0;
             return found->nextRange(from, *first, *last);
         },

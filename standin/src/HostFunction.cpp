@@ -8,20 +8,28 @@
 namespace vexa::standin {
 namespace {
 
-constexpr const char* kNames[] = {
-#define VEXASTANDIN_NAME(name) #name,
-    VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_NAME)
-#undef VEXASTANDIN_NAME
+constexpr HostFunctionInfo kFunctions[] = {
+#define VEXASTANDIN_INFO(name, role, scope, anyThread) {#name, ScopeRole_e::role, scope, anyThread},
+    VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_INFO)
+#undef VEXASTANDIN_INFO
 };
 
 }  // namespace
 
-const char* nameOf(HostFunction function) { return kNames[static_cast<std::size_t>(function)]; }
+const std::vector<HostFunctionInfo>& hostFunctions() {
+    static const std::vector<HostFunctionInfo> functions(std::begin(kFunctions), std::end(kFunctions));
+    return functions;
+}
+
+const HostFunctionInfo& infoOf(HostFunction function) { return kFunctions[static_cast<std::size_t>(function)]; }
+
+const char* nameOf(HostFunction function) { return infoOf(function).name; }
 
 HostFunction hostFunction(const std::string& name) {
-    const auto found = std::find(std::begin(kNames), std::end(kNames), name);
-    if (found == std::end(kNames)) throw InvalidArgumentException("The host has no function \"" + name + "\"");
-    return static_cast<HostFunction>(found - std::begin(kNames));
+    const auto found = std::find_if(std::begin(kFunctions), std::end(kFunctions),
+                                    [&](const HostFunctionInfo& info) { return info.name == name; });
+    if (found == std::end(kFunctions)) throw InvalidArgumentException("The host has no function \"" + name + "\"");
+    return static_cast<HostFunction>(found - std::begin(kFunctions));
 }
 
 }  // namespace vexa::standin

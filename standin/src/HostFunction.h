@@ -5,53 +5,59 @@
 #include <cstddef>
 #include <string>
 
-/// The one list of them: call recording and fault injection know a function by its entry here.
-#define VEXASTANDIN_HOST_FUNCTIONS(FUNCTION)            \
-    FUNCTION(VexaUtilLockStart)                         \
-    FUNCTION(VexaUtilLockFinish)                        \
-    FUNCTION(VexaUtilAuxDataBeginAssign)                \
-    FUNCTION(VexaUtilAuxDataEndAssign)                  \
-    FUNCTION(VexaUtilDataSetSuspendMarking)             \
-    FUNCTION(VexaUtilZoneSolutionTimeModificationBegin) \
-    FUNCTION(VexaUtilZoneSolutionTimeModificationEnd)   \
-    FUNCTION(VexaUtilThreadMutexAlloc)                  \
-    FUNCTION(VexaUtilThreadMutexDealloc)                \
-    FUNCTION(VexaUtilThreadMutexLock)                   \
-    FUNCTION(VexaUtilThreadMutexUnlock)                 \
-    FUNCTION(VexaUtilMacroIsBatchModeActive)            \
-    FUNCTION(VexaUtilStatusStartPercentDone)            \
-    FUNCTION(VexaUtilStatusCheckPercentDone)            \
-    FUNCTION(VexaUtilStatusSetPercentDoneText)          \
-    FUNCTION(VexaUtilStatusFinishPercentDone)           \
-    FUNCTION(VexaUtilMacroIsRecordingActive)            \
-    FUNCTION(VexaUtilStateIsProcessingJournal)          \
-    FUNCTION(VexaUtilStateIsProcessingLayout)           \
-    FUNCTION(VexaUtilMacroRecordExtCommand)             \
-    FUNCTION(VexaUtilDataSetAddJournalCommand)          \
-    FUNCTION(VexaUtilStringAlloc)                       \
-    FUNCTION(VexaUtilStringDealloc)                     \
-    FUNCTION(VexaUtilArgListAlloc)                      \
-    FUNCTION(VexaUtilArgListDealloc)                    \
-    FUNCTION(VexaUtilArgListClear)                      \
-    FUNCTION(VexaUtilArgListAppendString)               \
-    FUNCTION(VexaUtilArgListAppendInt)                  \
-    FUNCTION(VexaUtilArgListAppendDoublePtr)            \
-    FUNCTION(VexaUtilArgListAppendArbParamPtr)          \
-    FUNCTION(VexaUtilStyleGetLowLevelX)                 \
-    FUNCTION(VexaUtilDialogErrMsg)                      \
-    FUNCTION(VexaUtilSetAlloc)                          \
-    FUNCTION(VexaUtilSetDealloc)                        \
-    FUNCTION(VexaUtilSetInsert)                         \
-    FUNCTION(VexaUtilSetNextRange)
+#include "vexastandin/HostFunctions.h"
+
+/// The one list of them, each with its role in a scope, that scope, and whether it may be called from any thread. The
+/// log of calls, faults, the contract and observers know a function by its entry here, and none without.
+#define VEXASTANDIN_HOST_FUNCTIONS(FUNCTION)                                            \
+    FUNCTION(VexaUtilLockStart, Begins, "lock", false)                                  \
+    FUNCTION(VexaUtilLockFinish, Ends, "lock", false)                                   \
+    FUNCTION(VexaUtilAuxDataBeginAssign, Begins, "auxiliary data", false)               \
+    FUNCTION(VexaUtilAuxDataEndAssign, Ends, "auxiliary data", false)                   \
+    FUNCTION(VexaUtilDataSetSuspendMarking, BeginsOrEnds, "marking", false)             \
+    FUNCTION(VexaUtilZoneSolutionTimeModificationBegin, Begins, "solution time", false) \
+    FUNCTION(VexaUtilZoneSolutionTimeModificationEnd, Ends, "solution time", false)     \
+    FUNCTION(VexaUtilThreadMutexAlloc, None, "", true)                                  \
+    FUNCTION(VexaUtilThreadMutexDealloc, None, "", true)                                \
+    FUNCTION(VexaUtilThreadMutexLock, Begins, "mutex", true)                            \
+    FUNCTION(VexaUtilThreadMutexUnlock, Ends, "mutex", true)                            \
+    FUNCTION(VexaUtilMacroIsBatchModeActive, None, "", false)                           \
+    FUNCTION(VexaUtilStatusStartPercentDone, Begins, "status line", false)              \
+    FUNCTION(VexaUtilStatusCheckPercentDone, None, "", false)                           \
+    FUNCTION(VexaUtilStatusSetPercentDoneText, None, "", false)                         \
+    FUNCTION(VexaUtilStatusFinishPercentDone, Ends, "status line", false)               \
+    FUNCTION(VexaUtilMacroIsRecordingActive, None, "", false)                           \
+    FUNCTION(VexaUtilStateIsProcessingJournal, None, "", false)                         \
+    FUNCTION(VexaUtilStateIsProcessingLayout, None, "", false)                          \
+    FUNCTION(VexaUtilMacroRecordExtCommand, None, "", false)                            \
+    FUNCTION(VexaUtilDataSetAddJournalCommand, None, "", false)                         \
+    FUNCTION(VexaUtilStringAlloc, None, "", false)                                      \
+    FUNCTION(VexaUtilStringDealloc, None, "", false)                                    \
+    FUNCTION(VexaUtilArgListAlloc, None, "", false)                                     \
+    FUNCTION(VexaUtilArgListDealloc, None, "", false)                                   \
+    FUNCTION(VexaUtilArgListClear, None, "", false)                                     \
+    FUNCTION(VexaUtilArgListAppendString, None, "", false)                              \
+    FUNCTION(VexaUtilArgListAppendInt, None, "", false)                                 \
+    FUNCTION(VexaUtilArgListAppendDoublePtr, None, "", false)                           \
+    FUNCTION(VexaUtilArgListAppendArbParamPtr, None, "", false)                         \
+    FUNCTION(VexaUtilStyleGetLowLevelX, None, "", false)                                \
+    FUNCTION(VexaUtilDialogErrMsg, None, "", false)                                     \
+    FUNCTION(VexaUtilSetAlloc, None, "", false)                                         \
+    FUNCTION(VexaUtilSetDealloc, None, "", false)                                       \
+    FUNCTION(VexaUtilSetInsert, None, "", false)                                        \
+    FUNCTION(VexaUtilSetNextRange, None, "", false)
 
 namespace vexa::standin {
 
 /// One function of the host's C API.
 enum class HostFunction {
-#define VEXASTANDIN_ENUMERATOR(name) name,
+#define VEXASTANDIN_ENUMERATOR(name, role, scope, anyThread) name,
     VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_ENUMERATOR)
 #undef VEXASTANDIN_ENUMERATOR
 };
+
+/// What there is to know about \p function.
+const HostFunctionInfo& infoOf(HostFunction function);
 
 /// The C name of \p function.
 const char* nameOf(HostFunction function);

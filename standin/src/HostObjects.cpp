@@ -30,7 +30,7 @@ bool ThreadMutex_s::close() {
     return true;
 }
 
-void ArgList_s::append(std::string name, ArgumentValue value) {
+void ArgList_s::append(std::string name, vexa::standin::ArgumentValue value) {
     const std::lock_guard<std::mutex> lock(m_guard);
     m_arguments.push_back({std::move(name), std::move(value)});
 }
@@ -38,6 +38,11 @@ void ArgList_s::append(std::string name, ArgumentValue value) {
 void ArgList_s::clear() {
     const std::lock_guard<std::mutex> lock(m_guard);
     m_arguments.clear();
+}
+
+std::vector<vexa::standin::Argument> ArgList_s::all() const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_arguments;
 }
 
 bool Set_s::insert(int64_t first, int64_t last) {
@@ -63,14 +68,29 @@ bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last) const {
 }
 
 namespace vexa::standin {
+namespace {
 
-HostString::HostString(std::size_t size) : m_bytes(static_cast<char*>(std::malloc(size))), m_size(size) {
+// Neither zero, so that a missing zero shows, nor likely in a text.
+constexpr char kUnwritten = '\xa5';
+constexpr std::size_t kGuardSize = 32;
+
+}  // namespace
+
+HostString::HostString(std::size_t size) : m_bytes(static_cast<char*>(std::malloc(size + kGuardSize))), m_size(size) {
     if (m_bytes == nullptr) throw std::bad_alloc();
+    std::fill_n(m_bytes.get(), size + kGuardSize, kUnwritten);
 }
 
 std::string HostString::text() const {
     const char* const begin = m_bytes.get();
     return std::string(begin, std::find(begin, begin + m_size, '\0'));
+}
+
+bool HostString::isTerminated() const { return std::memchr(m_bytes.get(), '\0', m_size) != nullptr; }
+
+bool HostString::isIntact() const {
+    const char* const end = m_bytes.get() + m_size;
+    return std::all_of(end, end + kGuardSize, [](char byte) { return byte == kUnwritten; });
 }
 
 }  // namespace vexa::standin

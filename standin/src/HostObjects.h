@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -34,28 +35,38 @@ private:
     bool m_isClosed = false;
 };
 
+namespace vexa::standin {
+
 /// The value of an argument: a string, an integer, or where to store a result.
 using ArgumentValue = std::variant<std::string, long, double*, VexaArbParam*>;
+
+/// A named argument of an extended host call.
+struct Argument {
+    std::string name;
+    ArgumentValue value;
+};
+
+}  // namespace vexa::standin
 
 /// A list of named arguments.
 struct ArgList_s {
 public:
-    void append(std::string name, ArgumentValue value);
+    void append(std::string name, vexa::standin::ArgumentValue value);
     void clear();
+    std::vector<vexa::standin::Argument> all() const;
 
 private:
-    struct Argument {
-        std::string name;
-        ArgumentValue value;
-    };
-
-    std::mutex m_guard;
-    std::vector<Argument> m_arguments;
+    mutable std::mutex m_guard;
+    std::vector<vexa::standin::Argument> m_arguments;
 };
 
 /// A set of integers.
 struct Set_s {
 public:
+    Set_s() = default;
+    /// Holds \p members.
+    explicit Set_s(vexa::toolbox::Set members) : m_members(std::move(members)) {}
+
     /// Adds the members \p first to \p last.
     /// \return false when the range is refused.
     bool insert(int64_t first, int64_t last);
@@ -69,15 +80,20 @@ private:
 
 namespace vexa::standin {
 
-/// A string of the host. Exactly as many bytes as asked for, so that a memory checker sees one written past its end.
+/// A string of the host. Bytes behind its end guard it: there a few bytes too many are seen here, and more by a memory
+/// checker.
 class HostString {
 public:
     /// \throws std::bad_alloc
     explicit HostString(std::size_t size);
 
     char* bytes() const { return m_bytes.get(); }
+    std::size_t size() const { return m_size; }
     /// The text, which ends at the last byte even when the terminating zero is missing.
     std::string text() const;
+    bool isTerminated() const;
+    /// Whether the bytes behind the end are as they were.
+    bool isIntact() const;
 
 private:
     struct Free {

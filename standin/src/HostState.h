@@ -16,6 +16,10 @@
 #include "HostLock.h"
 #include "HostObjects.h"
 #include "Status.h"
+#include "StyleTree.h"
+#include "contract/Contract.h"
+#include "contract/ThreadNumbers.h"
+#include "vexastandin/Observer.h"
 
 namespace vexa::standin {
 
@@ -44,6 +48,26 @@ private:
     Value m_value;
 };
 
+/// The one who is told what happens, if any.
+class Audience {
+public:
+    void set(ObserverInterface* observer) { m_observer = observer; }
+    bool isThere() const { return m_observer.load(std::memory_order_relaxed) != nullptr; }
+
+    /// Has \p tell tell the observer. Nothing that watches makes a call fail, so what it throws is dropped.
+    template <class Tell>
+    void tell(const Tell& tell) const noexcept {
+        ObserverInterface* const observer = m_observer;
+        if (observer == nullptr) return;
+        try {
+            tell(*observer);
+        } catch (...) {}
+    }
+
+private:
+    std::atomic<ObserverInterface*> m_observer{nullptr};
+};
+
 /// The inside of a Host: what its C functions work on.
 ///
 /// Each part guards itself, and none is locked while code of others runs: an add-on's, or what shows a dialog or the
@@ -62,6 +86,8 @@ struct HostState {
     std::atomic<bool> isProcessingJournal{false};
     std::atomic<bool> isProcessingLayout{false};
 
+    Audience audience;
+    ThreadNumbers threads;
     CallLog calls;
     FaultPlan faults;
     Shared<std::vector<RecordedCommand>> recorded;
@@ -79,11 +105,24 @@ struct HostState {
     /// \return whether that was a change.
     bool showChange(const std::optional<StatusLine>& change) const;
 
+    StyleTree styles;
+
+    /// Sets a style value, a set together with its handle.
+    void setStyle(const std::vector<std::string>& path, const StyleTree::Offsets& offsets, const StyleValue& value);
+
     HostLock lock;
     Handles<ThreadMutex_s> mutexes;
     Handles<ArgList_s> argLists;
     Handles<Set_s> sets;
     Handles<HostString, char> strings;
+
+    Handles<Set_s> styleSets;  ///< the host's own, which add-ons may read
+
+    Contract contract{threads, strings, [this](const Finding& finding) {
+                          audience.tell([&](ObserverInterface& observer) { observer.findingMade(finding); });
+                      }};
+    std::atomic<std::size_t> callsBegun{0};
+    std::atomic<HostFunction> lastFunction{};  ///< meaningful once a call has begun
 
     Shared<std::vector<std::shared_ptr<const AddOn>>> addOns;  ///< in the order of their loading
 };

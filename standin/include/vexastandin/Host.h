@@ -10,10 +10,13 @@
 
 #include "vexa/ExceptionBase.h"
 #include "vexastandin/Export.h"
+#include "vexastandin/Finding.h"
+#include "vexastandin/StyleValue.h"
 
 namespace vexa::standin {
 
 struct HostState;
+class ObserverInterface;
 
 /// One call of a function of the host's C API.
 struct Call {
@@ -23,6 +26,7 @@ struct Call {
     std::string arguments;
     std::string result;      ///< as in C; empty when the function returns nothing, threw, or has not returned yet
     std::thread::id thread;  ///< who called
+    std::size_t number = 0;  ///< counted from 1 over all calls of the host, also those that are not kept
 };
 
 /// A command that an add-on had the host record.
@@ -116,6 +120,15 @@ public:
     void setProcessingJournal(bool active);  ///< whether a journal is played back
     void setProcessingLayout(bool active);   ///< whether a layout is played back
 
+    /// Gives a style setting a value: what VexaUtilStyleGetLowLevelX() answers for every pair of offsets. A text or a
+    /// set belongs to the host, and add-ons may use it until its path is given another value.
+    /// \param path 1 to 6 keywords, outermost first, none empty; the case of ASCII letters does not matter.
+    /// \throws vexa::InvalidArgumentException when \p path is none.
+    void setStyle(const std::vector<std::string>& path, const StyleValue& value);
+    /// Gives a style setting the value that it has for one pair of offsets, whatever it is for every pair.
+    /// Parameters and errors as above.
+    void setStyle(const std::vector<std::string>& path, long offset1, long offset2, const StyleValue& value);
+
     /// Presses the stop button of the status line: VexaUtilStatusCheckPercentDone() answers 0 from now on, whether or
     /// not the task offers the button. May be called from any thread, and from a signal handler.
     void pressStop() noexcept;
@@ -177,8 +190,33 @@ public:
     std::vector<std::string> unloadAddOns();
     /// Runs one command of a loaded add-on. An exception that escapes from the add-on is its failure; the host's lock,
     /// when the add-on left it open, is taken from it, and a status line that it left up is taken down.
+    /// \param macroLine `FILE:LINE` of the command when it comes from a macro file; findings name it.
     /// \throws vexa::InvalidArgumentException when no add-on \p addOnId is loaded.
-    CommandResult run(const std::string& addOnId, const std::string& command);
+    CommandResult run(const std::string& addOnId, const std::string& command, const std::string& macroLine = {});
+    /// @}
+
+    /// \name The contract
+    /// @{
+    /// Whether the rules of rules() are checked; they are, unless told otherwise. To be switched while no add-on is
+    /// loaded, and before the C functions are called.
+    void setChecking(bool active);
+    /// The breaches of rules so far, in order. Of each rule and add-on the first ten are kept; the last of them counts
+    /// the others. A copy, so that it can be read while others call.
+    std::vector<Finding> violations() const;
+    /// Lets breaches of a rule pass without a finding from now on.
+    /// \throws vexa::InvalidArgumentException when there is no such rule.
+    void suppress(const std::string& rule);
+    /// The rules suppressed of which there was no breach so far, in the order of their suppression.
+    std::vector<std::string> unusedSuppressions() const;
+    /// Adds a finding that was made outside of the host. It gets the severity of its rule.
+    /// \throws vexa::InvalidArgumentException when there is no such rule.
+    void report(Finding finding);
+    /// The host call made last, and the command that runs, or ran last. May be called from any thread, also while a
+    /// command hangs.
+    Place lastCall() const;
+    /// Has \p observer told of all that happens from now on; null for nobody. To be set while no add-on is entered. It
+    /// must live until it is replaced, or longer than the host.
+    void setObserver(ObserverInterface* observer);
     /// @}
 
 private:

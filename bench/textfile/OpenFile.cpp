@@ -1,0 +1,258 @@
+// Opening a text file and going through its lines: AsciiFile against what one would write instead.
+//
+// Usage: text_file_open [--size MIB] [--rounds N] [--growth]
+//
+// Each measurement runs in a child of its own, so that no subject gets memory that another one has touched before.
+// The figures are medians; those behind the slash are in terms of the first row of their block.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/textfile/ByteLoopSplit.h"
+#include "vexautilutil/AsciiFile.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct Measured {
+    double openSeconds = 0;
+    double linesSeconds = 0;
+    double checksum = 0;  // of the lines, so that going through them cannot be left out
+    double peakMiB = 0;
+};
+
+// Opens the file, then goes through its lines; calls `opened` in between.
+using Subject = std::function<double(const std::string& path, const std::function<void()>& opened)>;
+
+struct NamedSubject {
+    const char* name;
+    Subject run;
+};
+
+double firstByte(const char* line) { return static_cast<unsigned char>(*line); }
+
+struct Buffer {
+    std::unique_ptr<char[]> text;
+    std::size_t size = 0;
+};
+
+Buffer readInOne(const std::string& path) {
+    FILE* const file = std::fopen(path.c_str(), "rb");
+    std::fseek(file, 0, SEEK_END);
+    Buffer buffer;
+    buffer.size = static_cast<std::size_t>(std::ftell(file));
+    std::rewind(file);
+    buffer.text.reset(new char[buffer.size + 1]);
+    if (std::fread(buffer.text.get(), 1, buffer.size, file) != buffer.size) std::abort();
+    buffer.text[buffer.size] = '\0';
+    std::fclose(file);
+    return buffer;
+}
+
+double fread(const std::string& path, const std::function<void()>& opened) {
+    const Buffer buffer = readInOne(path);
+    opened();
+    double sum = 0;
+    for (const char* line = buffer.text.get(); line != nullptr && *line != '\0';) {
+        sum += firstByte(line);
+        line = std::strchr(line, '\n');
+        if (line != nullptr) ++line;
+    }
+    return sum;
+}
+
+double byteLoop(const std::string& path, const std::function<void()>& opened) {
+    const Buffer buffer = readInOne(path);
+    std::vector<uint64_t> offsets;
+    splitByteByByte(buffer.text.get(), offsets);
+    opened();
+    double sum = 0;
+    for (const uint64_t offset : offsets) sum += firstByte(buffer.text.get() + offset);
+    return sum;
+}
+
+double getline(const std::string& path, const std::function<void()>& opened) {
+    std::vector<std::string> lines;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    opened();
+    double sum = 0;
+    for (const std::string& line : lines) {
+        const std::string copy = line;
+        sum += firstByte(copy.c_str());
+    }
+    return sum;
+}
+
+double readRawLine(const std::string& path, const std::function<void()>& opened) {
+    vexa::vexautilutil::AsciiFile file;
+    if (!file.open(path)) std::abort();
+    opened();
+    double sum = 0;
+    while (!file.isEOF()) sum += firstByte(file.readRawLine());
+    return sum;
+}
+
+double readLine(const std::string& path, const std::function<void()>& opened) {
+    vexa::vexautilutil::AsciiFile file;
+    if (!file.open(path)) std::abort();
+    opened();
+    double sum = 0;
+    while (!file.isEOF()) sum += firstByte(file.readLine().c_str());
+    return sum;
+}
+
+const std::vector<NamedSubject> kSubjects = {
+    {"fopen + fread, then strchr", fread}, {"AsciiFile, readRawLine", readRawLine}, {"AsciiFile, readLine", readLine},
+    {"byte loop, then offsets", byteLoop}, {"std::getline into strings", getline},
+};
+
+double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+Measured measureHere(const Subject& subject, const std::string& path) {
+    Measured measured;
+    const Clock::time_point start = Clock::now();
+    Clock::time_point openedAt;
+    measured.checksum = subject(path, [&] {
+        measured.openSeconds = secondsSince(start);
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        measured.peakMiB = static_cast<double>(usage.ru_maxrss) / 1024;
+        openedAt = Clock::now();
+    });
+    measured.linesSeconds = secondsSince(openedAt);  // and the freeing
+    return measured;
+}
+
+Measured measure(const Subject& subject, const std::string& path) {
+    int channel[2];
+    if (pipe(channel) != 0) std::abort();
+    if (fork() == 0) {
+        const Measured measured = measureHere(subject, path);
+        _exit(write(channel[1], &measured, sizeof measured) == sizeof measured ? 0 : 1);
+    }
+    Measured measured;
+    int status = 0;
+    if (read(channel[0], &measured, sizeof measured) != sizeof measured || wait(&status) < 0 || status != 0)
+        std::abort();
+    close(channel[0]);
+    close(channel[1]);
+    return measured;
+}
+
+template <class Member>
+double median(const std::vector<Measured>& all, Member member) {
+    std::vector<double> values;
+    for (const Measured& one : all) values.push_back(one.*member);
+    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+struct TestFile {
+    const char* name;
+    std::string line;  // a line of it; the numbers in it are not looked at
+};
+
+std::string longLine() {
+    std::string line;
+    while (line.size() < 10 * 1024) line += "0.12345 ";
+    return line + "\n";
+}
+
+std::vector<TestFile> testFiles() {
+    return {{"short lines", ""}, {"short lines, CR LF", ""}, {"10 KiB lines", longLine()}};
+}
+
+// A file of so many bytes or a few more, removed at the end.
+class TemporaryFile {
+public:
+    TemporaryFile(const TestFile& kind, std::size_t size) : m_path("vexa-bench-text-file.tmp") {
+        std::string block;
+        for (unsigned i = 0; block.size() < (std::size_t{1} << 20); ++i) {
+            if (!kind.line.empty()) {
+                block += kind.line;
+                continue;
+            }
+            block += std::to_string(i) + " " + std::to_string(i * 2654435761U % 1000003U) + " 0." +
+                     std::to_string(i * 40503U % 997U);
+            block += std::strstr(kind.name, "CR") != nullptr ? "\r\n" : "\n";
+        }
+        FILE* const file = std::fopen(m_path.c_str(), "wb");
+        if (file == nullptr) std::abort();
+        for (std::size_t written = 0; written < size; written += block.size()) {
+            if (std::fwrite(block.data(), 1, block.size(), file) != block.size()) std::abort();
+        }
+        if (std::fclose(file) != 0) std::abort();
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() { std::remove(m_path.c_str()); }
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+std::vector<std::vector<Measured>> measureAll(const std::string& path, int rounds) {
+    std::vector<std::vector<Measured>> measured(kSubjects.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < kSubjects.size(); ++i) {
+            measured[i].push_back(measure(kSubjects[i].run, path));
+            if (measured[i].back().checksum != measured[0].back().checksum) std::abort();
+        }
+    }
+    return measured;
+}
+
+void compare(std::size_t mib, int rounds) {
+    for (const TestFile& kind : testFiles()) {
+        const TemporaryFile file(kind, mib << 20);
+        const auto measured = measureAll(file.path(), rounds);
+        std::printf("\n%s, %zu MiB\n%-28s %18s %18s %10s\n", kind.name, mib, "", "open", "all lines", "peak");
+        for (std::size_t i = 0; i < kSubjects.size(); ++i) {
+            const double open = median(measured[i], &Measured::openSeconds);
+            const double lines = median(measured[i], &Measured::linesSeconds);
+            std::printf("%-28s %8.0f ms / %4.2f %8.0f ms / %4.2f %6.0f MiB\n", kSubjects[i].name, open * 1e3,
+                        open / median(measured[0], &Measured::openSeconds), lines * 1e3,
+                        lines / median(measured[0], &Measured::linesSeconds), median(measured[i], &Measured::peakMiB));
+        }
+    }
+}
+
+void showGrowth(int rounds) {
+    std::printf("\nAsciiFile::open, short lines\n%10s %12s %14s %12s\n", "size", "open", "per MiB", "to fread");
+    for (std::size_t mib = 1; mib <= 1024; mib *= 4) {
+        const TemporaryFile file(testFiles()[0], mib << 20);
+        const auto measured = measureAll(file.path(), rounds);
+        const double open = median(measured[1], &Measured::openSeconds);
+        std::printf("%6zu MiB %9.1f ms %11.3f ms %12.2f\n", mib, open * 1e3, open * 1e3 / static_cast<double>(mib),
+                    open / median(measured[0], &Measured::openSeconds));
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::size_t mib = 256;
+    int rounds = 7;
+    bool growth = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--growth") growth = true;
+        if (argument == "--size" && i + 1 < argc) mib = std::strtoul(argv[++i], nullptr, 10);
+        if (argument == "--rounds" && i + 1 < argc) rounds = std::atoi(argv[++i]);
+    }
+    growth ? showGrowth(rounds) : compare(mib, rounds);
+}

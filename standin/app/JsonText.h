@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace vexa::runner {
+
+struct JsonMember;
+
+/// A value of a JSON text, which knows where it stands.
+struct JsonValue {
+    using Array = std::vector<JsonValue>;
+    using Object = std::vector<JsonMember>;
+
+    std::size_t at = 0;  ///< the index of its first byte in the text
+    /// A number without fraction and exponent is an integer; null is a null pointer.
+    std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object> value;
+};
+
+/// A member of a JSON object. All are kept in their order, those of the same name too.
+struct JsonMember {
+    std::size_t at = 0;  ///< the index of the first byte of its name, in the text
+    std::string name;
+    JsonValue value;
+};
+
+/// What is wrong with a JSON text, and where.
+class JsonError : public std::runtime_error {
+public:
+    JsonError(std::size_t at, const std::string& reason) : std::runtime_error(reason), m_at(at) {}
+
+    /// The index of the byte in the text.
+    std::size_t at() const { return m_at; }
+
+private:
+    std::size_t m_at;
+};
+
+/// Reads a JSON text, which is UTF-8.
+/// \throws JsonError also for an integer of more than 64 bits, and for more than 16 arrays and objects in one another.
+JsonValue parseJson(const std::string& text);
+
+}  // namespace vexa::runner

@@ -1,0 +1,149 @@
+/// \file
+/// The one way through which every function of the host's C API goes: there a call is numbered, written down, checked,
+/// and made to fail.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <exception>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
+
+#include "CallText.h"
+#include "HostFunction.h"
+#include "HostState.h"
+#include "contract/Checks.h"
+#include "vexa/VexaUtil.h"
+
+namespace vexa::standin {
+
+/// One call as it is written down: in the log, and for the observer. A call for which there is no memory is left out,
+/// for it must not fail for being watched.
+class WatchedCall {
+public:
+    template <class... Arguments>
+    WatchedCall(HostState& host, HostFunction function, const Arguments&... arguments) : m_host(host) {
+        m_event.number = host.callsBegun.fetch_add(1, std::memory_order_relaxed) + 1;
+        host.lastFunction.store(function, std::memory_order_relaxed);
+        m_isLogged = host.calls.keeps();
+        m_isObserved = host.audience.isThere();
+        if (!m_isLogged && !m_isObserved) return;
+        try {
+            begin(function, listOf(host, arguments...));
+        } catch (const std::bad_alloc&) {
+            m_isLogged = m_isObserved = false;
+        }
+    }
+    WatchedCall(const WatchedCall&) = delete;
+    WatchedCall& operator=(const WatchedCall&) = delete;
+    ~WatchedCall() {
+        if (!m_isObserved) return;
+        m_event.time = std::chrono::steady_clock::now();
+        m_event.threw = std::uncaught_exceptions() > m_exceptions;
+        m_host.audience.tell([&](ObserverInterface& observer) { observer.callEnded(m_event); });
+    }
+
+    std::size_t number() const { return m_event.number; }
+
+    template <class Result>
+    void setResult(Result result) {
+        if (!m_isLogged && !m_isObserved) return;
+        try {
+            m_event.result = textOf(m_host, result);
+            if (m_isLogged) m_host.calls.end(m_place, m_event.result);
+        } catch (const std::bad_alloc&) {}
+    }
+
+private:
+    void begin(HostFunction function, std::string arguments) {
+        m_event.function = nameOf(function);
+        m_event.thread = std::this_thread::get_id();
+        if (m_isLogged) {
+            m_place = m_host.calls.begin({m_event.function, arguments, "", m_event.thread, m_event.number});
+        }
+        if (!m_isObserved) return;
+        m_event.arguments = std::move(arguments);
+        m_event.threadNumber = m_host.threads.mine();
+        m_exceptions = std::uncaught_exceptions();
+        m_event.time = std::chrono::steady_clock::now();
+        m_host.audience.tell([&](ObserverInterface& observer) { observer.callBegan(m_event); });
+    }
+
+    HostState& m_host;
+    CallEvent m_event;
+    bool m_isLogged = false;
+    bool m_isObserved = false;
+    std::size_t m_place = 0;
+    int m_exceptions = 0;
+};
+
+template <class Result>
+Result failureOf(int code) {
+    if constexpr (std::is_pointer_v<Result>) {
+        return nullptr;
+    } else {
+        return static_cast<Result>(code);
+    }
+}
+
+/// What a function answers when it cannot do its work.
+template <class Result>
+Result refusal() {
+    if constexpr (!std::is_void_v<Result>) {
+        return failureOf<Result>(std::is_enum_v<Result> ? GetValueReturnCode_UnknownPath : 0);
+    }
+}
+
+/// Add-ons know no lack of memory but as a refusal.
+template <class Action>
+std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& host) {
+    try {
+        return action(host);
+    } catch (const std::bad_alloc&) {
+        return refusal<std::invoke_result_t<Action, HostState&>>();
+    }
+}
+
+/// The number of the object behind a handle that a function returns; 0 when it returns none.
+inline std::size_t numberOf(const HostState& host, const ThreadMutex_s* mutex) { return host.mutexes.numberOf(mutex); }
+inline std::size_t numberOf(const HostState& host, const ArgList_s* argList) { return host.argLists.numberOf(argList); }
+inline std::size_t numberOf(const HostState& host, const Set_s* set) { return host.sets.numberOf(set); }
+inline std::size_t numberOf(const HostState& host, const char* string) { return host.strings.numberOf(string); }
+
+template <class Number, std::enable_if_t<!std::is_pointer_v<Number>, int> = 0>
+std::size_t numberOf(const HostState&, Number) {
+    return 0;
+}
+
+template <HostFunction function, class Action, class... Arguments>
+std::invoke_result_t<Action, HostState&> answer(const Action& action, const Arguments&... arguments) {
+    using Result = std::invoke_result_t<Action, HostState&>;
+    HostState* const host = HostState::current();
+    if (host == nullptr) return refusal<Result>();
+    WatchedCall call(*host, function, arguments...);
+    host->contract.check(call.number(), function,
+                         [&](Books& books, const Moment& now) { checkBegan<function>(books, now, arguments...); });
+    const std::optional<Fault> fault = host->faults.next(function);
+    if (fault && fault->throws) throw std::runtime_error(std::string(nameOf(function)) + " was told to throw");
+    if constexpr (std::is_void_v<Result>) {
+        if (!fault) act(action, *host);
+        host->contract.check(call.number(), function, [&](Books& books, const Moment& now) {
+            Check<function>::ended(books, now, arguments...);
+        });
+    } else {
+        const Result result = fault ? failureOf<Result>(fault->result) : act(action, *host);
+        host->contract.check(call.number(), function, [&](Books& books, const Moment& now) {
+            checkResult(books, now, result, numberOf(*host, result));
+            Check<function>::ended(books, now, arguments..., result);
+        });
+        call.setResult(result);
+        return result;
+    }
+}
+
+}  // namespace vexa::standin

@@ -1,0 +1,101 @@
+/// \file
+/// What the contract makes of an argument, and of a result, for its type alone.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <type_traits>
+
+#include "contract/Books.h"
+#include "vexa/VexaUtil.h"
+
+namespace vexa::standin {
+
+/// A text for which null stands, too, by the description of the function.
+struct OptionalText {
+    const char* text;
+};
+
+/// Returns whether \p address is one.
+inline bool isAddress(Books& books, const Moment& now, const void* address) {
+    if (address == nullptr) {
+        books.findings.add("null-address", std::string(nameOf(*now.function)) + " was given a null address", now);
+    }
+    return address != nullptr;
+}
+
+template <class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
+void checkArgument(Books&, const Moment&, Number) {}
+
+inline void checkArgument(Books&, const Moment&, OptionalText) {}
+
+inline void checkArgument(Books& books, const Moment& now, const char* text) { isAddress(books, now, text); }
+
+template <class Number, std::enable_if_t<std::is_arithmetic_v<Number> && !std::is_same_v<Number, char>, int> = 0>
+void checkArgument(Books& books, const Moment& now, Number* result) {
+    isAddress(books, now, result);
+}
+
+/// An identity is judged where it is used first.
+inline void checkArgument(Books&, const Moment&, const AddOnList_s*) {}
+
+inline void checkArgument(Books& books, const Moment& now, const ThreadMutex_s* mutex) {
+    books.mutexLedger.isFitToUse(mutex, now, books.findings);
+}
+
+inline void checkArgument(Books& books, const Moment& now, const ArgList_s* argList) {
+    books.argListLedger.isFitToUse(argList, now, books.findings);
+}
+
+inline void checkArgument(Books& books, const Moment& now, const Set_s* set) {
+    books.setLedger.isFitToUse(set, now, books.findings);
+}
+
+/// A set to be changed, as its type says.
+inline void checkArgument(Books& books, const Moment& now, Set_s* set) {
+    books.setLedger.isFitToChange(set, now, books.findings, false);
+}
+
+// The handle at an address is to be freed.
+
+inline void checkArgument(Books& books, const Moment& now, ThreadMutex_s** mutex) {
+    if (!isAddress(books, now, mutex)) return;
+    if (!books.mutexLedger.isFitToChange(*mutex, now, books.findings, true)) return;
+    books.holds.freeBegan(*mutex, now, books.findings);
+    books.mutexLedger.freed(*mutex, now);
+}
+
+inline void checkArgument(Books& books, const Moment& now, ArgList_s** argList) {
+    if (!isAddress(books, now, argList)) return;
+    if (!books.argListLedger.isFitToChange(*argList, now, books.findings, true)) return;
+    books.arguments.forget(*argList);
+    books.argListLedger.freed(*argList, now);
+}
+
+inline void checkArgument(Books& books, const Moment& now, Set_s** set) {
+    if (!isAddress(books, now, set)) return;
+    if (books.setLedger.isFitToChange(*set, now, books.findings, true)) books.setLedger.freed(*set, now);
+}
+
+inline void checkArgument(Books& books, const Moment& now, char** string) {
+    if (!isAddress(books, now, string)) return;
+    if (!books.stringLedger.isFitToChange(*string, now, books.findings, true)) return;
+    books.strings.freeBegan(*string, now, books.findings);
+    books.stringLedger.freed(*string, now);
+}
+
+/// The ledger of the handles of a type.
+inline HandleLedger& ledgerOf(Books& books, const ThreadMutex_s*) { return books.mutexLedger; }
+inline HandleLedger& ledgerOf(Books& books, const ArgList_s*) { return books.argListLedger; }
+inline HandleLedger& ledgerOf(Books& books, const Set_s*) { return books.setLedger; }
+inline HandleLedger& ledgerOf(Books& books, const char*) { return books.stringLedger; }
+
+/// \param number of the object behind the handle \p result, among those of its kind.
+template <class Result>
+void checkResult(Books& books, const Moment& now, Result result, std::size_t number) {
+    if constexpr (std::is_pointer_v<Result>) {
+        if (result != nullptr) ledgerOf(books, result).allocated(result, number, now);
+    }
+}
+
+}  // namespace vexa::standin

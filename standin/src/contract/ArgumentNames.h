@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "contract/Findings.h"
+#include "contract/HandleLedger.h"
+#include "contract/Moment.h"
+
+namespace vexa::standin {
+
+/// The kinds of arguments, by the functions that append them.
+enum class ArgumentKind_e { String, Integer, DoubleAddress, ParamAddress };
+
+/// The names in argument lists.
+class ArgumentNames {
+public:
+    explicit ArgumentNames(HandleLedger& argLists) : m_argLists(argLists) {}
+
+    /// Judges an argument that was appended.
+    void appended(const void* argList, const char* name, ArgumentKind_e kind, const Moment& now, Findings& findings);
+    void forget(const void* argList) { m_names.erase(argList); }
+    /// Judges the list of a style query.
+    void queried(const void* argList, const Moment& now, Findings& findings) const;
+
+private:
+    struct Given {
+        std::string name;
+        Moment since;
+    };
+
+    const Given* find(const void* argList, const std::string& name) const;
+
+    HandleLedger& m_argLists;
+    std::unordered_map<const void*, std::vector<Given>> m_names;
+};
+
+}  // namespace vexa::standin

@@ -1,0 +1,212 @@
+/// \file
+/// What the contract makes of each host function. What holds for every argument of a type stands in ArgumentChecks.h.
+#pragma once
+
+#include <type_traits>
+
+#include "HostFunction.h"
+#include "contract/ArgumentChecks.h"
+#include "contract/Books.h"
+
+namespace vexa::standin {
+
+/// What a function has to itself: nothing, unless its Check says otherwise.
+struct NoCheck {
+    template <class... Arguments>
+    static void began(Books&, const Moment&, const Arguments&...) {}
+    /// The last argument is the result, if there is one.
+    template <class... Arguments>
+    static void ended(Books&, const Moment&, const Arguments&...) {}
+};
+
+/// How the calls of \p function are checked. A function without is refused by the compiler.
+template <HostFunction function>
+struct Check;
+
+// ---- Scopes
+
+template <Scope_e scope>
+struct BeginsScope : NoCheck {
+    static void ended(Books& books, const Moment& now) { books.current().scopes.begin(scope, now); }
+};
+
+template <Scope_e scope>
+struct EndsScope : NoCheck {
+    static void began(Books& books, const Moment& now) { books.current().scopes.end(scope, now, books.findings); }
+};
+
+template <>
+struct Check<HostFunction::VexaUtilLockStart> {
+    static void began(Books& books, const Moment& now, const AddOnList_s* identity) {
+        const bool isKnown = books.identities.count(identity) != 0;
+        if (identity == nullptr) {
+            books.findings.add("null-handle", "VexaUtilLockStart was given a null identity", now);
+        } else if (!isKnown && !now.entry->addOnId.empty()) {
+            books.findings.add("foreign-handle", "VexaUtilLockStart was given an identity that is no add-on's", now);
+        }
+    }
+    static void ended(Books& books, const Moment& now, const AddOnList_s* identity) {
+        books.current().scopes.begin(Scope_e::Lock, now, identity);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilLockFinish> : NoCheck {
+    static void began(Books& books, const Moment& now, const AddOnList_s* identity) {
+        books.current().scopes.end(Scope_e::Lock, now, books.findings, identity);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilAuxDataBeginAssign> : BeginsScope<Scope_e::AuxData> {};
+template <>
+struct Check<HostFunction::VexaUtilAuxDataEndAssign> : EndsScope<Scope_e::AuxData> {};
+template <>
+struct Check<HostFunction::VexaUtilDataSetSuspendMarking> {
+    static void began(Books& books, const Moment& now, VexaBoolean suspend) {
+        if (suspend == 0) EndsScope<Scope_e::Marking>::began(books, now);
+    }
+    static void ended(Books& books, const Moment& now, VexaBoolean suspend) {
+        if (suspend != 0) BeginsScope<Scope_e::Marking>::ended(books, now);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilZoneSolutionTimeModificationBegin> : BeginsScope<Scope_e::SolutionTime> {};
+template <>
+struct Check<HostFunction::VexaUtilZoneSolutionTimeModificationEnd> : EndsScope<Scope_e::SolutionTime> {};
+
+// ---- Mutexes
+
+template <>
+struct Check<HostFunction::VexaUtilThreadMutexAlloc> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilThreadMutexDealloc> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilThreadMutexLock> {
+    static void began(Books& books, const Moment& now, const ThreadMutex_s* mutex) {
+        books.holds.lockBegan(mutex, now, books.findings);
+    }
+    static void ended(Books& books, const Moment& now, const ThreadMutex_s* mutex) {
+        books.holds.lockEnded(mutex, now);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilThreadMutexUnlock> : NoCheck {
+    static void began(Books& books, const Moment& now, const ThreadMutex_s* mutex) {
+        books.holds.unlockBegan(mutex, now, books.findings);
+    }
+};
+
+// ---- The status line
+
+template <>
+struct Check<HostFunction::VexaUtilStatusStartPercentDone> : NoCheck {
+    template <class... Arguments>
+    static void ended(Books& books, const Moment& now, const Arguments&...) {
+        books.current().status.started(now, books.findings);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilStatusCheckPercentDone> : NoCheck {
+    static void began(Books& books, const Moment& now, int percent) {
+        books.current().status.percentShown(percent, now, books.findings);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilStatusSetPercentDoneText> : NoCheck {
+    template <class Text>
+    static void began(Books& books, const Moment& now, const Text&) {
+        books.current().status.textShown(now, books.findings);
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilStatusFinishPercentDone> : NoCheck {
+    static void began(Books& books, const Moment& now) { books.current().status.finished(now, books.findings); }
+};
+
+// ---- Questions and records
+
+template <>
+struct Check<HostFunction::VexaUtilMacroIsBatchModeActive> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilMacroIsRecordingActive> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilStateIsProcessingJournal> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilStateIsProcessingLayout> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilMacroRecordExtCommand> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilDataSetAddJournalCommand> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilDialogErrMsg> : NoCheck {};
+
+// ---- Strings
+
+template <>
+struct Check<HostFunction::VexaUtilStringAlloc> : NoCheck {
+    template <class Purpose>
+    static void ended(Books& books, const Moment&, int, const Purpose&, const char* string) {
+        if (string == nullptr) books.current().hadNoMemory = true;
+    }
+};
+template <>
+struct Check<HostFunction::VexaUtilStringDealloc> : NoCheck {};
+
+// ---- Argument lists
+
+template <ArgumentKind_e kind>
+struct Appends : NoCheck {
+    // Of an argument refused for its value there is a finding by then; it is not missing on top of that.
+    template <class Value>
+    static void ended(Books& books, const Moment& now, const ArgList_s* argList, const char* name, const Value& value,
+                      VexaBoolean isAppended) {
+        bool isNull = false;
+        if constexpr (std::is_pointer_v<Value>) isNull = value == nullptr;
+        if (isAppended != 0 || isNull) books.arguments.appended(argList, name, kind, now, books.findings);
+    }
+};
+
+template <>
+struct Check<HostFunction::VexaUtilArgListAlloc> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilArgListDealloc> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilArgListClear> : NoCheck {
+    static void began(Books& books, const Moment&, const ArgList_s* argList) { books.arguments.forget(argList); }
+};
+template <>
+struct Check<HostFunction::VexaUtilArgListAppendString> : Appends<ArgumentKind_e::String> {};
+template <>
+struct Check<HostFunction::VexaUtilArgListAppendInt> : Appends<ArgumentKind_e::Integer> {};
+template <>
+struct Check<HostFunction::VexaUtilArgListAppendDoublePtr> : Appends<ArgumentKind_e::DoubleAddress> {};
+template <>
+struct Check<HostFunction::VexaUtilArgListAppendArbParamPtr> : Appends<ArgumentKind_e::ParamAddress> {};
+template <>
+struct Check<HostFunction::VexaUtilStyleGetLowLevelX> : NoCheck {
+    static void began(Books& books, const Moment& now, const ArgList_s* argList) {
+        books.arguments.queried(argList, now, books.findings);
+    }
+};
+
+// ---- Sets
+
+template <>
+struct Check<HostFunction::VexaUtilSetAlloc> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilSetDealloc> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilSetInsert> : NoCheck {};
+template <>
+struct Check<HostFunction::VexaUtilSetNextRange> : NoCheck {};
+
+// ---- All of them
+
+/// Judges the beginning of a call.
+template <HostFunction function, class... Arguments>
+void checkBegan(Books& books, const Moment& now, const Arguments&... arguments) {
+    books.threads.callBegan(now, books.findings);
+    (checkArgument(books, now, arguments), ...);
+    Check<function>::began(books, now, arguments...);
+}
+
+}  // namespace vexa::standin

@@ -1,0 +1,117 @@
+#include "contract/Contract.h"
+
+#include <memory>
+#include <utility>
+
+namespace vexa::standin {
+
+Contract::Contract(ThreadNumbers& threads, const Handles<HostString, char>& strings, Show show)
+    : m_threads(threads), m_show(std::move(show)), m_books(strings) {
+    m_books.entries.push_back({std::make_shared<Entry>(), {}, {}});
+}
+
+void Contract::enter(Entry entry) {
+    entry.thread = m_threads.mine();
+    auto entered = std::make_shared<Entry>(std::move(entry));
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_books.entries.push_back({entered, {}, {}});
+    m_books.threads.entered(std::move(entered));
+}
+
+void Contract::introduce(const AddOnList_s* identity) {
+    update([&] { m_books.identities.insert(identity); });
+}
+
+void Contract::name(const std::string& addOnId) {
+    update([&] {
+        Entry& entry = *m_books.current().entry;
+        m_books.findings.rename(entry.addOnId, addOnId);
+        entry.addOnId = addOnId;
+    });
+}
+
+void Contract::judgeErrorMessage(bool accepted, const char* errMsg) {
+    if (!isOn()) return;
+    update([&] {
+        m_books.strings.commandEnded(accepted, errMsg, m_books.current().hadNoMemory, endOfEntry(), m_books.findings);
+    });
+}
+
+void Contract::judgeEscape(const std::string& what) {
+    if (!isOn()) return;
+    update([&] { m_books.findings.add("escaped-exception", what, endOfEntry()); });
+}
+
+void Contract::leave() {
+    update([&] {
+        if (isOn()) judgeEnd();
+    });
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_books.entries.pop_back();
+}
+
+void Contract::lend(const Set_s* set) {
+    update([&] { m_books.setLedger.lent(set, endOfEntry()); });
+}
+
+void Contract::takeBack(const Set_s* set) {
+    update([&] { m_books.setLedger.takenBack(set, endOfEntry()); });
+}
+
+void Contract::report(Finding finding) {
+    update([&] { m_books.findings.add(std::move(finding)); });
+}
+
+void Contract::suppress(const Rule& rule) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_books.findings.suppress(rule);
+}
+
+std::vector<Finding> Contract::findings() const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_books.findings.kept();
+}
+
+std::vector<std::string> Contract::unusedSuppressions() const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_books.findings.unusedSuppressions();
+}
+
+Place Contract::placeNow(std::size_t call, std::optional<HostFunction> function) const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    const bool isInAddOn = m_books.entries.size() > 1 || m_books.threads.last() == nullptr;
+    const std::shared_ptr<const Entry> entry = isInAddOn ? m_books.entries.back().entry : m_books.threads.last();
+    return placeOf({entry, entry->thread, call, function});
+}
+
+// Between two entries a call on another thread than the last one's is still that add-on's business.
+Moment Contract::momentOf(std::size_t call, HostFunction function) {
+    const std::size_t thread = m_threads.mine();
+    const std::shared_ptr<const Entry>& last = m_books.threads.last();
+    const bool isStray = m_books.entries.size() == 1 && last != nullptr && last->thread != thread;
+    return {isStray ? last : m_books.current().entry, thread, call, function};
+}
+
+Moment Contract::endOfEntry() const {
+    const std::shared_ptr<Entry>& entry = m_books.entries.back().entry;
+    return {entry, entry->thread, 0, std::nullopt};
+}
+
+void Contract::judgeEnd() {
+    const Moment now = endOfEntry();
+    EntryBooks& books = m_books.current();
+    Findings& findings = m_books.findings;
+    const auto isInThisEntry = [&](const Entry& entry) { return &entry == now.entry.get(); };
+    const auto isOfThisAddOn = [&](const Entry& entry) { return entry.addOnId == now.entry->addOnId; };
+    books.scopes.endOfEntry(now, findings);
+    books.status.endOfEntry(now, findings);
+    m_books.holds.endOfEntry(now, findings);
+    m_books.strings.endOfEntry(now, findings);
+    m_books.argListLedger.reportLeaks(isInThisEntry, now, findings);
+    m_books.stringLedger.reportLeaks(isInThisEntry, now, findings);
+    if (now.entry->kind != Entry_e::Unloading) return;
+    m_books.mutexLedger.reportLeaks(isOfThisAddOn, now, findings);
+    m_books.setLedger.reportLeaks(isOfThisAddOn, now, findings);
+}
+
+}  // namespace vexa::standin

@@ -1,0 +1,88 @@
+#include "contract/Findings.h"
+
+#include <algorithm>
+
+#include "vexa/InvalidArgumentException.h"
+
+namespace vexa::standin {
+namespace {
+
+constexpr std::size_t kMostKept = 10;
+
+// `moment` is what a place that is no call was of its command: its beginning or its end.
+std::string textOf(const Place& place, const std::string& moment) {
+    std::string text;
+    if (place.call != 0) text = "call " + std::to_string(place.call) + ", " + place.function;
+    if (!place.command.empty()) text += (text.empty() ? moment + " of \"" : ", in \"") + place.command + '"';
+    if (!place.macroLine.empty()) text += ", " + place.macroLine;
+    if (place.thread != 0) text += ", thread " + std::to_string(place.thread);
+    return text;
+}
+
+}  // namespace
+
+std::string textOf(const Finding& finding) {
+    std::string text;
+    if (!finding.seen.macroLine.empty()) text += finding.seen.macroLine + ": ";
+    if (!finding.addOnId.empty()) text += finding.addOnId + ": ";
+    text += finding.severity == Severity_e::Error ? "error" : "warning";
+    text += ": " + finding.message + " [" + finding.rule + "]\n";
+    if (finding.opened) text += "    first: " + textOf(*finding.opened, "the beginning") + '\n';
+    const std::string seen = textOf(finding.seen, "the end");
+    if (!seen.empty()) text += "    seen:  " + seen + '\n';
+    if (const Rule* const rule = findRule(finding.rule)) text += std::string("    hint:  ") + rule->hint + '\n';
+    if (finding.repeats != 0) text += "    and " + std::to_string(finding.repeats) + " more of the same rule\n";
+    return text;
+}
+
+void Findings::add(Finding finding) {
+    if (isSuppressed(finding.rule)) return;
+    Tally& tally = m_tallies[{finding.rule, finding.addOnId}];
+    m_new.push_back(finding);
+    if (tally.kept == kMostKept) {
+        ++m_kept[tally.last].repeats;
+        return;
+    }
+    m_kept.push_back(std::move(finding));
+    tally = {tally.kept + 1, m_kept.size() - 1};
+}
+
+void Findings::add(const char* rule, std::string message, const Moment& seen, const Moment* opened, std::size_t count) {
+    Finding finding;
+    finding.rule = rule;
+    finding.severity = findRule(rule)->severity;
+    finding.message = std::move(message);
+    finding.addOnId = seen.entry->addOnId;
+    if (opened != nullptr) finding.opened = placeOf(*opened);
+    finding.seen = placeOf(seen);
+    finding.count = count;
+    add(std::move(finding));
+}
+
+void Findings::rename(const std::string& before, const std::string& addOnId) {
+    for (Finding& finding : m_kept) {
+        if (finding.addOnId == before) finding.addOnId = addOnId;
+    }
+}
+
+void Findings::suppress(const Rule& rule) {
+    const auto same = [&](const Suppression& suppression) { return suppression.rule == rule.name; };
+    if (std::none_of(m_suppressions.begin(), m_suppressions.end(), same)) m_suppressions.push_back({rule.name});
+}
+
+std::vector<std::string> Findings::unusedSuppressions() const {
+    std::vector<std::string> unused;
+    for (const Suppression& suppression : m_suppressions) {
+        if (!suppression.isUsed) unused.push_back(suppression.rule);
+    }
+    return unused;
+}
+
+bool Findings::isSuppressed(const std::string& rule) {
+    for (Suppression& suppression : m_suppressions) {
+        if (suppression.rule == rule) return suppression.isUsed = true;
+    }
+    return false;
+}
+
+}  // namespace vexa::standin

@@ -1,0 +1,71 @@
+#include "contract/StatusRules.h"
+
+#include <string>
+#include <utility>
+
+namespace vexa::standin {
+namespace {
+
+constexpr int kAllDone = 100;
+
+const Moment* addressOf(const std::optional<Moment>& moment) { return moment ? &*moment : nullptr; }
+
+}  // namespace
+
+void StatusRules::started(const Moment& now, Findings& findings) {
+    if (m_start) {
+        findings.add("status-started-twice", "VexaUtilStatusStartPercentDone was called while the status line was up",
+                     now, &*m_start);
+        ++m_needlessStarts;
+    }
+    m_start = now;
+    m_lastPercent.reset();
+    m_percent = 0;
+}
+
+void StatusRules::percentShown(int percent, const Moment& now, Findings& findings) {
+    textShown(now, findings);
+    if (percent < 0 || percent > kAllDone) {
+        findings.add("percent-out-of-range", "the status line was given " + std::to_string(percent) + " percent", now,
+                     addressOf(m_start));
+        return;
+    }
+    if (percent < m_percent) {
+        findings.add("percent-backwards",
+                     "the status line went back from " + std::to_string(m_percent) + " to " + std::to_string(percent) +
+                         " percent",
+                     now, addressOf(m_lastPercent));
+    }
+    m_percent = percent;
+    m_lastPercent = now;
+}
+
+void StatusRules::textShown(const Moment& now, Findings& findings) {
+    if (m_start) return;
+    findings.add("status-not-started",
+                 std::string(nameOf(*now.function)) + " was called " +
+                     (m_finish ? "after the status line was finished" : "before the status line was started"),
+                 now, addressOf(m_finish));
+}
+
+void StatusRules::finished(const Moment& now, Findings& findings) {
+    if (m_start) {
+        m_start.reset();
+        m_finish = now;
+    } else if (m_needlessStarts != 0) {
+        --m_needlessStarts;
+    } else {
+        findings.add("unbalanced-status",
+                     "VexaUtilStatusFinishPercentDone was called without VexaUtilStatusStartPercentDone before it", now,
+                     addressOf(m_finish));
+    }
+    m_lastPercent.reset();
+    m_percent = 0;
+}
+
+void StatusRules::endOfEntry(const Moment& now, Findings& findings) const {
+    if (!m_start) return;
+    findings.add("unbalanced-status", nameOf(*now.entry) + " ended with the status line up", now, &*m_start);
+}
+
+}  // namespace vexa::standin

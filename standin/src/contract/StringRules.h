@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Handles.h"
+#include "HostObjects.h"
+#include "contract/Findings.h"
+#include "contract/HandleLedger.h"
+#include "contract/Moment.h"
+
+namespace vexa::standin {
+
+/// What is written to the host's strings, and what is handed over as an error message.
+class StringRules {
+public:
+    StringRules(HandleLedger& ledger, const Handles<HostString, char>& strings)
+        : m_ledger(ledger), m_strings(strings) {}
+
+    void freeBegan(const char* string, const Moment& now, Findings& findings) const;
+    /// Judges what a command left as its error message, and takes it over.
+    /// \param hadNoMemory whether the host refused a string to the command.
+    void commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now, Findings& findings);
+    /// Judges the strings that were allocated within the entry, and are still there.
+    void endOfEntry(const Moment& now, Findings& findings) const;
+
+private:
+    bool judgeEnd(const char* string, const Moment& now, Findings& findings) const;
+    void takeOver(const char* errMsg, const Moment& now, Findings& findings);
+
+    HandleLedger& m_ledger;
+    const Handles<HostString, char>& m_strings;
+};
+
+}  // namespace vexa::standin

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <mutex>
+#include <thread>
+#include <unordered_map>
+
+namespace vexa::standin {
+
+/// Numbers threads from 1 in the order in which they are met, so that two runs name them alike.
+/// Threads: safe from any.
+class ThreadNumbers {
+public:
+    /// The number of the calling thread.
+    std::size_t mine() {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_numbers.try_emplace(std::this_thread::get_id(), m_numbers.size() + 1).first->second;
+    }
+
+private:
+    std::mutex m_guard;
+    std::unordered_map<std::thread::id, std::size_t> m_numbers;
+};
+
+}  // namespace vexa::standin

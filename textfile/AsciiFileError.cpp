@@ -1,0 +1,65 @@
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+#include "vexa/VexaUtil.h"
+#include "vexautilutil/AsciiFile.h"
+
+namespace vexa::vexautilutil {
+namespace {
+
+constexpr std::size_t kFormattedSize = 4096;
+constexpr std::string_view kFlagsAndSizes = "-+ #'0123456789.";
+
+// Whether `printf` may be given `format` and one value: it must find one conversion, one of `conversions`, with
+// `modifier` before it. Anything else would make it read what is not there.
+bool fitsOneValue(std::string_view format, std::string_view modifier, std::string_view conversions) {
+    int found = 0;
+    for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at)) {
+        format.remove_prefix(at + 1);
+        at = 0;
+        if (format.substr(0, 1) == "%") {
+            at = 1;
+            continue;
+        }
+        format.remove_prefix(std::min(format.find_first_not_of(kFlagsAndSizes), format.size()));
+        if (format.substr(0, modifier.size()) != modifier) return false;
+        format.remove_prefix(modifier.size());
+        if (format.empty() || conversions.find(format.front()) == std::string_view::npos) return false;
+        ++found;
+    }
+    return found == 1;
+}
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"  // checked above, which is where a wrong one is harmless
+
+// What `printf` makes of a format that fits, cut at the end of the buffer.
+template <class Value>
+std::string formatted(const std::string& format, Value value) {
+    std::array<char, kFormattedSize> text{};
+    std::snprintf(text.data(), text.size(), format.c_str(), value);
+    return text.data();
+}
+
+#pragma GCC diagnostic pop
+
+}  // namespace
+
+void AsciiFile::error(const std::string& message, std::size_t lineNumber) const {
+    const std::string text = message + " on line " + std::to_string(lineNumber) + " in file: " + fileName();
+    VexaUtilDialogErrMsg(text.c_str());
+}
+
+void AsciiFile::error(const std::string& message) const { error(message, currentLineNumber()); }
+
+void AsciiFile::errorWithFormattedString(const std::string& format, const std::string& value) const {
+    error(fitsOneValue(format, "", "s") ? formatted(format, value.c_str()) : format);
+}
+
+void AsciiFile::errorWithFormattedInteger(const std::string& format, long value) const {
+    error(fitsOneValue(format, "l", "dioxXu") ? formatted(format, value) : format);
+}
+
+}  // namespace vexa::vexautilutil

@@ -1,0 +1,148 @@
+#include "textfile/LineSplitter.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <array>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace vexa::vexautilutil {
+namespace {
+
+// How many lines a text will have, to make room for them at once. Some blocks of it tell; counting all would cost
+// another pass.
+std::size_t estimatedLines(const char* text, std::size_t size) {
+    constexpr std::size_t kBlocks = 64;
+    constexpr std::size_t kBlockSize = 4096;
+    constexpr std::size_t kSampled = kBlocks * kBlockSize;
+    if (size <= kSampled) return static_cast<std::size_t>(std::count(text, text + size, '\n')) + 1;
+    std::size_t lines = 0;
+    for (std::size_t i = 0; i < kBlocks; ++i) {
+        const char* const block = text + size / kBlocks * i;
+        lines += static_cast<std::size_t>(std::count(block, block + kBlockSize, '\n'));
+    }
+    const std::size_t estimate = lines * (size / kSampled + 1);
+    return estimate + estimate / 16 + 1;
+}
+
+// Has the kernel hand out a large table in large pages: page by page that would take longer than filling it. It is a
+// hint, and nothing is lost where it is not taken. A smaller table may share its pages with others, and is left alone.
+void preferLargePages(const std::vector<uint64_t>& table) {
+#if defined(MADV_HUGEPAGE)
+    constexpr uintptr_t kLarge = uintptr_t{32} << 20;
+    constexpr uintptr_t kPage = uintptr_t{2} << 20;
+    const uintptr_t begin = reinterpret_cast<uintptr_t>(table.data());
+    const uintptr_t size = table.capacity() * sizeof(uint64_t);
+    if (size < kLarge) return;
+    const uintptr_t firstPage = (begin + kPage - 1) / kPage * kPage;
+    const uintptr_t pagesEnd = (begin + size) / kPage * kPage;
+    madvise(reinterpret_cast<void*>(firstPage), pagesEnd - firstPage, MADV_HUGEPAGE);
+#else
+    static_cast<void>(table);
+#endif
+}
+
+// Takes the lines in the order of their ends. Offsets go to the table many at a time, which is cheaper than one by one.
+class LineCollector {
+public:
+    explicit LineCollector(std::vector<uint64_t>& offsets) : m_offsets(offsets) {}
+
+    // The line ends before `next`, where another one begins. There must be room, see makeRoom().
+    void endLine(uint64_t next) {
+        m_waiting[m_count++] = m_begin;
+        m_begin = next;
+    }
+
+    // The text ends at `end`. A line that has a byte is one, though it has no line feed.
+    void endText(uint64_t end) {
+        makeRoom(1);
+        if (end != m_begin) endLine(end);
+        store();
+    }
+
+    // Makes room for so many calls of endLine().
+    void makeRoom(std::size_t lines) {
+        if (m_count + lines > kMostWaiting) store();
+    }
+
+private:
+    static constexpr std::size_t kMostWaiting = 512;
+
+    void store() {
+        m_offsets.insert(m_offsets.end(), m_waiting.data(), m_waiting.data() + m_count);
+        m_count = 0;
+    }
+
+    std::vector<uint64_t>& m_offsets;
+    std::array<uint64_t, kMostWaiting> m_waiting;
+    std::size_t m_count = 0;
+    uint64_t m_begin = 0;
+};
+
+#if defined(__SSE2__)
+
+constexpr std::size_t kStride = 64;
+
+// Blanks the line feeds and carriage returns of the 16 bytes at `text`.
+// Returns a bit for each that was a line feed, the lowest for the first byte.
+uint64_t splitVector(char* text) {
+    __m128i* const place = reinterpret_cast<__m128i*>(text);
+    const __m128i bytes = _mm_loadu_si128(place);
+    const __m128i lineFeeds = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'));
+    const __m128i carriageReturns = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r'));
+    _mm_storeu_si128(place, _mm_andnot_si128(_mm_or_si128(lineFeeds, carriageReturns), bytes));
+    return static_cast<uint64_t>(_mm_movemask_epi8(lineFeeds));
+}
+
+// Whether a NUL is among the 64 bytes at `text`: it is the smallest byte there is.
+bool hasNul(const char* text) {
+    const __m128i* const place = reinterpret_cast<const __m128i*>(text);
+    const __m128i lower = _mm_min_epu8(_mm_loadu_si128(place), _mm_loadu_si128(place + 1));
+    const __m128i upper = _mm_min_epu8(_mm_loadu_si128(place + 2), _mm_loadu_si128(place + 3));
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(lower, upper), _mm_setzero_si128())) != 0;
+}
+
+// Splits strides of 64 bytes, up to one that has a NUL, or less than 64 bytes.
+// Returns how far it came.
+std::size_t splitStrides(char* text, std::size_t size, LineCollector& lines) {
+    std::size_t at = 0;
+    for (; at + kStride <= size && !hasNul(text + at); at += kStride) {
+        uint64_t lineFeeds = splitVector(text + at) | splitVector(text + at + 16) << 16 |
+                             splitVector(text + at + 32) << 32 | splitVector(text + at + 48) << 48;
+        lines.makeRoom(kStride);
+        for (; lineFeeds != 0; lineFeeds &= lineFeeds - 1) {
+            lines.endLine(at + static_cast<std::size_t>(__builtin_ctzll(lineFeeds)) + 1);
+        }
+    }
+    return at;
+}
+
+#else
+
+std::size_t splitStrides(char*, std::size_t, LineCollector&) { return 0; }
+
+#endif
+
+}  // namespace
+
+void splitLines(char* text, std::size_t size, std::vector<uint64_t>& offsets) {
+    if (*text == '\0') return;
+    offsets.reserve(offsets.size() + estimatedLines(text, size));
+    preferLargePages(offsets);
+    LineCollector lines(offsets);
+    std::size_t at = splitStrides(text, size, lines);
+    for (; text[at] != '\0'; ++at) {
+        const char c = text[at];
+        if (c != '\n' && c != '\r') continue;
+        text[at] = '\0';
+        if (c == '\r') continue;
+        lines.makeRoom(1);
+        lines.endLine(at + 1);
+    }
+    lines.endText(at);
+}
+
+}  // namespace vexa::vexautilutil
