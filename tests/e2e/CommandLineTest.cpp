@@ -13,6 +13,7 @@ TEST_F(CommandLine, HelpGoesToTheStandardOutput) {
     EXPECT_EQ(result.err, "");
     EXPECT_NE(result.out.find("Run a macro file"), std::string::npos) << result.out;
     EXPECT_NE(result.out.find("List add-ons"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("Show a setting"), std::string::npos) << result.out;
 }
 
 TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
@@ -21,7 +22,17 @@ TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
     EXPECT_EQ(result.err, "");
     for (const char* part : {"vexa-standin run sweep.mcr --addon", "  0    all went well", "  1    a command failed",
                              "  2    wrong usage or input", "  130  stopped by Ctrl-C", "--record FILE",
-                             "--journal FILE", "--batch", "--keep-going", "--verbose"}) {
+                             "--journal FILE", "--style FILE.json", "--batch", "--keep-going", "--verbose"}) {
+        EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
+    }
+}
+
+TEST_F(CommandLine, HelpOfStyleShowsTheFormOfAStyleFile) {
+    const ProgramResult result = runProgram(runner({"style", "--help"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const char* part : {"--style FILE.json REQUIRED", "PATH...", "--offset1 N", "--offset2 N", "{\"$double\": 3}",
+                             "$set", "$offsets", "$value", "  2  wrong usage"}) {
         EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
     }
 }
@@ -55,6 +66,12 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
         {"option without its file", {"run", "m.mcr", "--addon", ADDON_ONE, "--record"}, "--record"},
         {"option given twice", {"run", "m.mcr", "--addon", ADDON_ONE, "--record", "a", "--record", "b"}, "--record"},
         {"two macro files", {"run", "m.mcr", "other.mcr", "--addon", ADDON_ONE}, "other.mcr"},
+        {"no style file", {"style", "A"}, "--style"},
+        {"no path", {"style", "--style", "s.json"}, "PATH"},
+        {"seven keywords",
+         {"style", "--style", "s.json", "A", "B", "C", "D", "E", "F", "G"},
+         "six keywords are the most"},
+        {"an offset that is no number", {"style", "--style", "s.json", "A", "--offset1", "one"}, "--offset1"},
         {"two subcommands", {"list", "--addon", ADDON_ONE, "run", "m.mcr", "--addon", ADDON_ONE}, "run"},
     };
     for (const Case& c : cases) {

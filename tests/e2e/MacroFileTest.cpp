@@ -22,13 +22,13 @@ TEST_F(MacroFile, RunsEveryCommandLine) {
         {"leading blanks and tabs", " \tONE ECHO a\n", "a\n"},
         {"blanks and tabs after the id", "ONE \t ECHO a\n", "a\n"},
         {"the text is not trimmed", "ONE ECHO  a \t\n", " a \t\n"},
-        {"only one CR belongs to the line end", "ONE ECHO a\r\r\n", "a\r\n"},
         {"comments and blank lines", "# one\n\n \t\n \t# two\nONE ECHO a # b\n", "a # b\n"},
         {"byte-order mark", "\xEF\xBB\xBFONE ECHO a\n", "a\n"},
         {"byte-order mark before a comment", "\xEF\xBB\xBF# one\nONE ECHO a\n", "a\n"},
         {"UTF-8", "ONE ECHO Größe\n", "Größe\n"},
         {"no line at all", "", ""},
         {"only a comment", "# nothing", ""},
+        {"only a line end", "\r\n", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -55,6 +55,19 @@ TEST_F(MacroFile, RefusesALine) {
         {"NUL in a command", "ONE ECHO a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
         {"NUL in a comment", "# a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
         {"NUL at the very end", "\n\0"s, "m.mcr:2: the line holds a NUL byte\n"},
+        {"NUL at the very end, CRLF", "# a\r\n\0"s, "m.mcr:2: the line holds a NUL byte\n"},
+        {"NUL at the end of the last line", "# a\n# b\0"s, "m.mcr:2: the line holds a NUL byte\n"},
+        {"NUL before a line end", "# a\0\n# b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
+        {"NUL at the start", "\0# a\n"s, "m.mcr:1: the line holds a NUL byte\n"},
+        {"NUL in a line of an unknown id", "TWO a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
+        {"CR in a command", "ONE ECHO a\rb\nONE ECHO c\n", "m.mcr:1: the line holds a carriage return\n"},
+        {"CR in the last line", "# a\nONE ECHO a\rb\n", "m.mcr:2: the line holds a carriage return\n"},
+        {"CR in a last line without LF", "ONE ECHO a\rb", "m.mcr:1: the line holds a carriage return\n"},
+        {"CR at the start of a line", "\rONE ECHO a\n# b\n", "m.mcr:1: the line holds a carriage return\n"},
+        {"only one CR belongs to a line end", "ONE ECHO a\r\r\n", "m.mcr:1: the line holds a carriage return\n"},
+        {"two CRs at the end of an earlier line", "# a\r\r\n# b\n", "m.mcr:1: the line holds a carriage return\n"},
+        {"CR for line ends", "# a\rONE ECHO a\r", "m.mcr:1: the line holds a carriage return\n"},
+        {"CR, then NUL", "ONE ECHO a\rb\0"s, "m.mcr:1: the line holds a carriage return\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -117,6 +130,47 @@ TEST_F(MacroFile, FromAClosedStandardInputIsRefused) {
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "<stdin>: cannot be read: Bad file descriptor\n");
+}
+
+TEST_F(MacroFile, FromTheStandardInputBeginsWhereThatStands) {
+    write("m.mcr", "ONE ECHO a\nONE ECHO b\n");
+    const std::string command = "{ read line; exec " VEXA_STANDIN " run - --addon " ADDON_ONE "; } < m.mcr";
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "b\n");
+}
+
+TEST_F(MacroFile, OfTheStandardInputHasItsProblemsPlacedThere) {
+    Program program = runner({"run", "-", "--addon", ADDON_ONE});
+    program.input = "# a\nTWO ECHO a\nONE ECHO a\0b\n"s;
+    const ProgramResult result = runProgram(program);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "<stdin>:2: no add-on 'TWO' is loaded\n<stdin>:3: the line holds a NUL byte\n");
+}
+
+TEST_F(MacroFile, MayComeThroughAPipe) {
+    const std::string command =
+        "mkfifo m.mcr && { printf 'ONE ECHO a\nONE FAIL no' > m.mcr & }; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE;
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "a\n");
+    EXPECT_EQ(result.err, "m.mcr:2: ONE: no\n");
+}
+
+TEST_F(MacroFile, FromAPipeHasItsProblemsPlacedUnderItsName) {
+    const std::string command = "mkfifo m.mcr && { printf 'ONE ECHO a\nONE ECHO b\\rc\nTWO' > m.mcr & }; " VEXA_STANDIN
+                                " run m.mcr --addon " ADDON_ONE;
+    const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "m.mcr:2: the line holds a carriage return\nm.mcr:3: no add-on 'TWO' is loaded\n");
+}
+
+TEST_F(MacroFile, MayBeOneOfTheSystemThatTellsNoSize) {
+    const ProgramResult result = runProgram(runner({"run", "/proc/sys/kernel/ostype", "--addon", ADDON_ONE}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "/proc/sys/kernel/ostype:1: no add-on 'Linux' is loaded\n");
 }
 
 TEST_F(MacroFile, LongerThanAnyBufferIsRead) {

@@ -83,6 +83,27 @@ TEST_F(MacroRun, TellsTheAddOnsOfBatchMode) {
     EXPECT_EQ(runMacro("ONE BATCH\n").out, "interactive\n");
 }
 
+TEST_F(MacroRun, AnswersTheAddOnsFromAStyleFile) {
+    write("s.json", R"({"FRAME": {"LINETHICKNESS": 0.4}})");
+    EXPECT_EQ(runMacro("ONE STYLE FRAME LINETHICKNESS\n", {"--style", "s.json"}).out, "0.4\n");
+    EXPECT_EQ(runMacro("ONE STYLE FRAME LINETHICKNESS\n").out, "no double\n");
+}
+
+TEST_F(MacroRun, AnswersAnAddOnThatIsJustLoadedFromAStyleFile) {
+    write("s.json", R"({"LOADED": 1.5})");
+    EXPECT_EQ(runMacro("ONE STYLEATLOAD\n", {"--style", "s.json"}).out, "1.5\n");
+}
+
+TEST_F(MacroRun, DoesNothingWithAStyleFileThatCannotBeUsed) {
+    write("r.mcr", "old\n");
+    write("s.json", "{\"A\": 0.5,\n \"B\": null}");
+    const ProgramResult result = runMacro("ONE SAY a\n", {"--style", "s.json", "--record", "r.mcr"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "s.json:2:7: expected a number, a text, a set or keywords\n");
+    EXPECT_EQ(read("r.mcr"), "old\n");
+}
+
 TEST_F(MacroRun, SendsEachCommandToItsAddOn) {
     const ProgramResult result = runMacro("SECOND FAIL a\nONE FAIL b\n", {"--addon", ADDON_SECOND, "--keep-going"});
     EXPECT_EQ(result.status, 1);

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -15,6 +16,7 @@ namespace {
 AddOnList_s* identity = nullptr;
 bool throwsAtShutdown = false;
 bool showsDialogAtShutdown = false;
+std::string styleAtLoad;
 
 bool fail(char** errMsg, const std::string& text) {
     const std::size_t size = text.size() + 1;
@@ -48,6 +50,27 @@ bool showDialog(const std::string& text, char**) {
     VexaUtilDialogErrMsg(text.c_str());
     return true;
 }
+
+// The double of a style path, "FRAME SIZE".
+std::string styleOf(const std::string& path) {
+    double value = 0;
+    ArgList_s* list = VexaUtilArgListAlloc();
+    std::istringstream keywords(path);
+    std::string keyword;
+    for (int i = 1; keywords >> keyword; ++i) {
+        VexaUtilArgListAppendString(list, ('P' + std::to_string(i)).c_str(), keyword.c_str());
+    }
+    VexaUtilArgListAppendDoublePtr(list, "DValue", &value);
+    const GetValueReturnCode_e code = VexaUtilStyleGetLowLevelX(list);
+    VexaUtilArgListDealloc(&list);
+    std::ostringstream text;
+    text << value;
+    return code == GetValueReturnCode_Ok ? text.str() : "no double";
+}
+
+bool answerStyle(const std::string& path, char** errMsg) { return say(styleOf(path), errMsg); }
+
+bool answerStyleAtLoad(const std::string&, char** errMsg) { return say(styleAtLoad, errMsg); }
 
 bool journal(const std::string& text, char**) {
     const std::string command = "JOURNAL " + text;
@@ -95,6 +118,8 @@ constexpr Command kCommands[] = {
     {"BATCH", answerBatch},
     {"RECORDING", answerRecording},
     {"DIALOG", showDialog},
+    {"STYLE", answerStyle},
+    {"STYLEATLOAD", answerStyleAtLoad},
     {"JOURNAL", journal},
     {"JOURNALDATA", journalData},
     {"LEAVELOCKOPEN", leaveLockOpen},
@@ -126,5 +151,6 @@ void shutdown() {
 const VexaAddOn_s* vexaAddOn(AddOnList_s* self) {
     static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, ADDON_ID, ADDON_TITLE, execute, shutdown};
     identity = self;
+    styleAtLoad = styleOf("LOADED");
     return &description;
 }
