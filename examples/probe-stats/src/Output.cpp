@@ -4,15 +4,15 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <system_error>
 
 #include "ProbeError.h"
+#include "vexautilutil/FileSystem.h"
 
 namespace probestats {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = vexa::filesystem;
 
 [[noreturn]] void fail(const std::string& target, const std::error_code& reason) {
     throw ProbeError("Cannot write " + target + ": " + reason.message());
@@ -22,7 +22,7 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
 
 // Returns what went wrong, if anything did.
 std::error_code writeWhole(const std::string& fileName, const std::string& text) {
-    std::FILE* const out = std::fopen(fileName.c_str(), "wb");
+    std::FILE* const out = fs::fileOpen(fileName, "wb");
     if (out == nullptr) return lastError();
     std::error_code failure;
     if (std::fwrite(text.data(), 1, text.size(), out) != text.size()) failure = lastError();
@@ -40,17 +40,16 @@ void writeToScreen(const std::string& text) {
 }
 
 void writeToFile(const std::string& fileName, const std::string& text) {
-    std::error_code failure;
     // Renaming would put a file in the place of a device.
-    const fs::file_status status = fs::status(fileName, failure);
-    if (fs::exists(status) && !fs::is_regular_file(status)) {
+    const auto status = fs::fileStatus(fileName, true);
+    if (exists(status) && !is_regular_file(status)) {
         throw ProbeError("Cannot write " + fileName + ": it is no regular file");
     }
     const std::string temporary = fileName + '.' + std::to_string(getpid()) + ".part";
-    failure = writeWhole(temporary, text);
-    if (!failure) fs::rename(temporary, fileName, failure);
+    std::error_code failure = writeWhole(temporary, text);
+    if (!failure && fs::fileRename(temporary, fileName) != 0) failure = lastError();
     if (!failure) return;
-    std::remove(temporary.c_str());
+    fs::fileRemove(temporary);
     fail(fileName, failure);
 }
 

@@ -2,14 +2,19 @@
 
 #include <cerrno>
 #include <cmath>
-#include <fstream>
 #include <system_error>
 
 #include "ProbeError.h"
 #include "vexa/Scanner.h"
+#include "vexautilutil/AsciiFile.h"
+#include "vexautilutil/FileSystem.h"
+#include "vexautilutil/InvalidInstructionsException.h"
 
 namespace probestats {
 namespace {
+
+using vexa::vexautilutil::AsciiFile;
+using vexa::vexautilutil::InvalidInstructionsException;
 
 constexpr char kComment = '#';
 constexpr double kTimeTolerance = 0.01;
@@ -23,7 +28,14 @@ std::vector<std::string> wordsOf(const std::string& line) {
     return words;
 }
 
-bool isRow(const std::vector<std::string>& words) { return !words.empty() && words.front().front() != kComment; }
+// The words of the next row, whose line counted from 1 is then the file's current line number; none at the end.
+std::vector<std::string> nextRow(AsciiFile& file) {
+    for (; !file.isEOF(); file.advanceToNextLine()) {
+        const uint64_t line = file.currentLineNumber();
+        if (!file.isEmptyLine(line) && !file.isCommentLine(line, kComment)) return wordsOf(file.readLine());
+    }
+    return {};
+}
 
 // Infinities and not-a-number would spoil every statistic, so they count as no numbers.
 bool toNumber(const std::string& word, double& number) {
@@ -48,11 +60,11 @@ public:
         for (ProbeColumn& column : m_columns) column.name = words[static_cast<std::size_t>(column.number - 1)];
     }
 
-    void add(const std::vector<std::string>& words, int64_t line) {
+    void add(const std::vector<std::string>& words, uint64_t line) {
         if (m_columnCount == 0) settleColumns(words.size());
         if (words.size() != m_columnCount) {
-            throw ProbeError(place(line) + "expected " + std::to_string(m_columnCount) + " columns, found " +
-                             std::to_string(words.size()));
+            throw InvalidInstructionsException(place(line), "expected " + std::to_string(m_columnCount) +
+                                                                " columns, found " + std::to_string(words.size()));
         }
         for (ProbeColumn& column : m_columns) column.values.push_back(numberAt(column.number, words, line));
         if (m_request.timeColumn) m_times.push_back(numberAt(static_cast<int64_t>(*m_request.timeColumn), words, line));
@@ -61,8 +73,8 @@ public:
 
     ProbeData finish() {
         if (m_rowCount < kMinRows) {
-            throw ProbeError(m_request.fileName + ": expected at least " + std::to_string(kMinRows) + " rows, found " +
-                             std::to_string(m_rowCount));
+            throw InvalidInstructionsException(m_request.fileName, "expected at least " + std::to_string(kMinRows) +
+                                                                       " rows, found " + std::to_string(m_rowCount));
         }
         ProbeData data{m_request.fileName, std::move(m_columns), m_request.sampleRate};
         if (m_request.timeColumn) data.sampleRate = rateOfTimes();
@@ -70,7 +82,7 @@ public:
     }
 
 private:
-    std::string place(int64_t line) const { return m_request.fileName + ':' + std::to_string(line) + ": "; }
+    std::string place(uint64_t line) const { return m_request.fileName + ':' + std::to_string(line); }
 
     void settleColumns(std::size_t count) {
         vexa::toolbox::Set wanted;
@@ -85,15 +97,16 @@ private:
 
     void requireColumn(const char* option, uint64_t number, std::size_t last) const {
         if (number >= 1 && number <= last) return;
-        throw ProbeError(m_request.fileName + ": columns are 1 to " + std::to_string(last) + ", but " + option +
-                         " asks for " + std::to_string(number));
+        throw InvalidInstructionsException(m_request.fileName, "columns are 1 to " + std::to_string(last) + ", but " +
+                                                                   option + " asks for " + std::to_string(number));
     }
 
-    double numberAt(int64_t column, const std::vector<std::string>& words, int64_t line) const {
+    double numberAt(int64_t column, const std::vector<std::string>& words, uint64_t line) const {
         const std::string& word = words[static_cast<std::size_t>(column - 1)];
         double number = 0.0;
         if (toNumber(word, number)) return number;
-        throw ProbeError(place(line) + "column " + std::to_string(column) + " is no number: " + quoted(word));
+        throw InvalidInstructionsException(place(line),
+                                           "column " + std::to_string(column) + " is no number: " + quoted(word));
     }
 
     double rateOfTimes() const {
@@ -103,8 +116,9 @@ private:
         for (std::size_t row = 1; row < m_times.size(); ++row) {
             const double deviation = std::abs(m_times[row] - m_times[row - 1] - step);
             if (step > 0.0 && deviation <= kTimeTolerance * step) continue;
-            throw ProbeError(m_request.fileName + ": the times in column " + std::to_string(*m_request.timeColumn) +
-                             " do not advance evenly at row " + std::to_string(row + 1));
+            throw InvalidInstructionsException(m_request.fileName,
+                                               "the times in column " + std::to_string(*m_request.timeColumn) +
+                                                   " do not advance evenly at row " + std::to_string(row + 1));
         }
         return steps / duration;
     }
@@ -125,27 +139,28 @@ vexa::toolbox::Set ProbeData::columnNumbers() const {
 }
 
 ProbeData readProbeFile(const ProbeFileRequest& request) {
-    std::ifstream in(request.fileName);
-    if (!in) {
+    // The reader would wait for whoever writes to a pipe.
+    const auto status = vexa::filesystem::fileStatus(request.fileName, true);
+    if (exists(status) && !is_regular_file(status)) {
+        throw ProbeError("Cannot open " + request.fileName + ": it is no regular file");
+    }
+    AsciiFile file;
+    if (!file.open(request.fileName)) {
         throw ProbeError("Cannot open " + request.fileName + ": " + std::generic_category().message(errno));
     }
     RowCollector rows(request);
-    std::string text;
     bool headerIsNext = request.hasHeader;
     uint64_t toSkip = request.skipRows;
-    for (int64_t line = 1; std::getline(in, text); ++line) {
-        const std::vector<std::string> words = wordsOf(text);
-        if (!isRow(words)) continue;
+    for (auto words = nextRow(file); !words.empty(); words = nextRow(file)) {
         if (headerIsNext) {
             rows.addHeader(words);
             headerIsNext = false;
         } else if (toSkip > 0) {
             --toSkip;
         } else {
-            rows.add(words, line);
+            rows.add(words, file.currentLineNumber());
         }
     }
-    if (in.bad()) throw ProbeError(request.fileName + ": cannot be read");
     return rows.finish();
 }
 

@@ -46,10 +46,11 @@ struct ProbeData {
 ///     0.0 1.5 -2         every row has as many columns as the first
 ///
 /// Only the columns asked for have to hold numbers. Numbers are read the same in every locale; lines may end in
-/// CR LF.
-/// \throws ProbeError when the file cannot be read, has no such columns, holds something else than numbers or fewer
-///         than two rows, or when the times do not advance evenly (by 1 %). What belongs to one line begins with
-///         "FILE:LINE: ", all else with "FILE: " or "Cannot open FILE: ".
+/// CR LF. A NUL ends the file.
+/// \throws ProbeError "Cannot open FILE: " and the reason.
+/// \throws vexa::vexautilutil::InvalidInstructionsException when the file has no such columns, holds something else
+///         than numbers or fewer than two rows, or when the times do not advance evenly (by 1 %). What belongs to one
+///         line begins with "FILE:LINE: ", all else with "FILE: ".
 ProbeData readProbeFile(const ProbeFileRequest& request);
 
 /// The rows that are looked at: first, first + stride, ... up to last. Rows are counted from 1.

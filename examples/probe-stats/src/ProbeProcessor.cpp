@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "HostStyle.h"
 #include "LoadCommand.h"
 #include "Output.h"
 #include "ProbeError.h"
@@ -12,6 +13,7 @@
 #include "SpectrumRun.h"
 #include "Statistics.h"
 #include "vexautilutil/HostGuards.h"
+#include "vexautilutil/InvalidInstructionsException.h"
 #include "vexautilutil/MacroCommandError.h"
 
 namespace probestats {
@@ -37,6 +39,22 @@ void requireColumns(const Set& wanted, const ProbeData& data) {
     if (missing.isEmpty()) return;
     throw ProbeError("COLUMNS asks for " + std::to_string(missing.ranges().front().first) + ", but loaded are " +
                      loaded.toString());
+}
+
+// The columns that a command shows: those it names, else those that the host has active.
+Set columnsToShow(const std::optional<Set>& named, const HostStyle& style, const ProbeData& data) {
+    if (named) {
+        requireColumns(*named, data);
+        return *named;
+    }
+    if (!style.activeColumns) return data.columnNumbers();
+    Set shown;
+    for (const ProbeColumn& column : data.columns) {
+        if (style.activeColumns->contains(column.number)) shown.insert(column.number);
+    }
+    if (!shown.isEmpty()) return shown;
+    throw ProbeError("Active in the host are " + style.activeColumns->toString() + ", but loaded are " +
+                     data.columnNumbers().toString() + ": name some with COLUMNS");
 }
 
 void requireNotTheData(const std::string& fileName, const ProbeData& data) {
@@ -170,6 +188,8 @@ bool ProbeProcessor::runCommand(const std::string& word) {
         return refuse(failure.what());
     } catch (const vexa::vexautilutil::MacroCommandError& failure) {
         return refuse(failure.what());
+    } catch (const vexa::vexautilutil::InvalidInstructionsException& failure) {
+        return refuse(failure.what());
     }
 }
 
@@ -228,17 +248,17 @@ bool ProbeProcessor::summarize() {
     if (!m_data) return refuse(kNothingLoaded);
     const bool withSpectrum = spectrum.value_or(false);
     if (!withSpectrum && (detrend || minFrequency)) return refuse("DETREND and MINFREQUENCY need SPECTRUM = TRUE");
-    if (columns) requireColumns(*columns, *m_data);
+    const HostStyle style = hostStyle();
+    const Set shown = columnsToShow(columns, style, *m_data);
     if (file) requireNotTheData(*file, *m_data);
 
     std::optional<SpectrumRequest> request;
     if (withSpectrum) {
         request = spectrumRequest(*m_data, m_window, detrend.value_or(false), minFrequency.value_or(0.0));
     }
-    const std::string report = summaryReport(
-        *m_data, m_window, summaryRows(*m_data, m_window, columns.value_or(m_data->columnNumbers()), request),
-        withSpectrum ? FrequencyColumn::Shown : FrequencyColumn::Hidden);
-    writeReport(file, report);
+    const std::vector<SummaryRow> rows = summaryRows(*m_data, m_window, shown, request);
+    writeReport(file, summaryReport(*m_data, m_window, rows,
+                                    withSpectrum ? FrequencyColumn::Shown : FrequencyColumn::Hidden, style.report));
     return record();
 }
 
@@ -255,19 +275,19 @@ bool ProbeProcessor::spectrum() {
         return false;
     }
     if (!m_data) return refuse(kNothingLoaded);
-    if (options.columns) requireColumns(*options.columns, *m_data);
+    const HostStyle style = hostStyle();
+    const Set shown = columnsToShow(options.columns, style, *m_data);
     if (options.file) requireNotTheData(*options.file, *m_data);
     if (options.peaks.value_or(1) < 1) return refuse("PEAKS must be 1 or more");
 
     const SpectrumPlan plan = spectrumPlan(options, sampleRateIn(m_window, *m_data), m_window.count());
     const std::vector<SpectrumRow> rows =
-        spectrumRows(*m_data, m_window, options.columns.value_or(m_data->columnNumbers()), plan,
-                     static_cast<std::size_t>(options.peaks.value_or(1)));
+        spectrumRows(*m_data, m_window, shown, plan, static_cast<std::size_t>(options.peaks.value_or(1)));
     // What is derived from the data does not change them.
     const DataSetSuspendMarking unchanged;
     // Who listens for results hears of them once, when all of them are out.
     const AuxDataSuspendBroadcast quiet;
-    writeReport(options.file, spectrumReport(*m_data, m_window, plan, rows));
+    writeReport(options.file, spectrumReport(*m_data, m_window, plan, rows, style.report));
     return record();
 }
 

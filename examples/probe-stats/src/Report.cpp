@@ -1,5 +1,6 @@
 #include "Report.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <locale>
 #include <sstream>
@@ -9,7 +10,9 @@ namespace {
 
 constexpr int kColumnWidth = 6;
 constexpr int kCountWidth = 9;
-constexpr int kNumberWidth = 14;
+constexpr int kHeadingWidth = 11;
+// What a number takes besides its digits: a blank before it, a sign, a point, and an exponent of three digits.
+constexpr int kAroundDigits = 8;
 
 // Numbers go through streams like this one, so that the host's locale does not show.
 std::ostringstream classicStream() {
@@ -32,21 +35,26 @@ std::string describeRate(const std::optional<double>& rate, int32_t stride) {
     return out.str();
 }
 
-void writeHeading(std::ostream& out, FrequencyColumn frequencies) {
+std::string titleLine(const ReportStyle& style) { return style.title.empty() ? "" : style.title + '\n'; }
+
+// Few digits leave room for the headings.
+int numberWidth(const ReportStyle& style) { return std::max(kHeadingWidth, style.digits + kAroundDigits); }
+
+void writeHeading(std::ostream& out, FrequencyColumn frequencies, int width) {
     out << std::setw(kColumnWidth) << "column" << std::setw(kCountWidth) << "count";
-    for (const char* heading : {"mean", "deviation", "minimum", "maximum"}) out << std::setw(kNumberWidth) << heading;
-    if (frequencies == FrequencyColumn::Shown) out << std::setw(kNumberWidth) << "frequency";
+    for (const char* heading : {"mean", "deviation", "minimum", "maximum"}) out << std::setw(width) << heading;
+    if (frequencies == FrequencyColumn::Shown) out << std::setw(width) << "frequency";
     out << '\n';
 }
 
-void writeRow(std::ostream& out, const SummaryRow& row, FrequencyColumn frequencies) {
+void writeRow(std::ostream& out, const SummaryRow& row, FrequencyColumn frequencies, int width) {
     const Summary& summary = row.summary;
     out << std::setw(kColumnWidth) << row.column << std::setw(kCountWidth) << summary.count;
     for (const double number : {summary.mean, summary.deviation, summary.minimum, summary.maximum}) {
-        out << std::setw(kNumberWidth) << number;
+        out << std::setw(width) << number;
     }
     if (frequencies == FrequencyColumn::Shown) {
-        out << std::setw(kNumberWidth);
+        out << std::setw(width);
         if (row.frequency) {
             out << *row.frequency;
         } else {
@@ -57,15 +65,14 @@ void writeRow(std::ostream& out, const SummaryRow& row, FrequencyColumn frequenc
 }
 
 // One line for each peak; one that shows its lack when there is none.
-void writePeaks(std::ostream& out, const SpectrumRow& row) {
+void writePeaks(std::ostream& out, const SpectrumRow& row, int width) {
     const std::string name = row.name.empty() ? "" : "  " + row.name;
     for (const Peak& peak : row.peaks) {
-        out << std::setw(kColumnWidth) << row.column << std::setw(kNumberWidth) << peak.frequency
-            << std::setw(kNumberWidth) << peak.amplitude << name << '\n';
+        out << std::setw(kColumnWidth) << row.column << std::setw(width) << peak.frequency << std::setw(width)
+            << peak.amplitude << name << '\n';
     }
     if (!row.peaks.empty()) return;
-    out << std::setw(kColumnWidth) << row.column << std::setw(kNumberWidth) << '-' << std::setw(kNumberWidth) << '-'
-        << name << '\n';
+    out << std::setw(kColumnWidth) << row.column << std::setw(width) << '-' << std::setw(width) << '-' << name << '\n';
 }
 
 }  // namespace
@@ -78,24 +85,30 @@ std::string loadReport(const ProbeData& data) {
 std::string windowReport(const RowWindow& window) { return "Window: " + describe(window) + '\n'; }
 
 std::string summaryReport(const ProbeData& data, const RowWindow& window, const std::vector<SummaryRow>& rows,
-                          FrequencyColumn frequencies) {
+                          FrequencyColumn frequencies, const ReportStyle& style) {
     std::ostringstream out = classicStream();
-    out << data.fileName << ": " << describe(window) << ", " << describeRate(data.sampleRate, window.stride) << '\n';
-    writeHeading(out, frequencies);
-    for (const SummaryRow& row : rows) writeRow(out, row, frequencies);
+    const int width = numberWidth(style);
+    out << titleLine(style) << data.fileName << ": " << describe(window) << ", "
+        << describeRate(data.sampleRate, window.stride) << '\n';
+    writeHeading(out, frequencies, width);
+    out.precision(style.digits);
+    for (const SummaryRow& row : rows) writeRow(out, row, frequencies, width);
     return out.str();
 }
 
 std::string spectrumReport(const ProbeData& data, const RowWindow& window, const SpectrumPlan& plan,
-                           const std::vector<SpectrumRow>& rows) {
+                           const std::vector<SpectrumRow>& rows, const ReportStyle& style) {
     std::ostringstream out = classicStream();
-    out << data.fileName << ": " << describe(window) << ", " << describeRate(data.sampleRate, window.stride) << '\n'
+    const int width = numberWidth(style);
+    out << titleLine(style) << data.fileName << ": " << describe(window) << ", "
+        << describeRate(data.sampleRate, window.stride) << '\n'
         << "sections: " << plan.sectionCount(static_cast<std::size_t>(window.count())) << " of " << plan.section
         << " rows; frequencies: " << plan.frequencyCount << ", from " << plan.minFrequency << " to "
         << plan.frequency(plan.frequencyCount - 1) << " Hz\n";
-    out << std::setw(kColumnWidth) << "column" << std::setw(kNumberWidth) << "frequency" << std::setw(kNumberWidth)
-        << "amplitude" << '\n';
-    for (const SpectrumRow& row : rows) writePeaks(out, row);
+    out << std::setw(kColumnWidth) << "column" << std::setw(width) << "frequency" << std::setw(width) << "amplitude"
+        << '\n';
+    out.precision(style.digits);
+    for (const SpectrumRow& row : rows) writePeaks(out, row, width);
     return out.str();
 }
 

@@ -96,6 +96,12 @@ protected:
                   "1.0  3 10 c\n"
                   "1.5  4 10 d\n");
     }
+
+    /// No test breaks the host's contract, whatever fails in it.
+    void TearDown() override {
+        host.unloadAddOns();
+        for (const vexa::standin::Finding& finding : host.violations()) ADD_FAILURE() << textOf(finding);
+    }
 };
 
 }  // namespace probestats

@@ -1,7 +1,7 @@
-# Runs MACRO with RUNNER and ADDON, in the folder of README.md, and checks its exit STATUS, and that README.md shows
-# what it prints. In batch mode: how much is shown of the status line depends on the speed of the machine.
+# Runs MACRO with RUNNER, its OPTIONS and ADDON, in the folder of README.md, and checks its exit STATUS, and that
+# README.md shows what it prints. In batch mode: how much is shown of the status line depends on the speed of the machine.
 
-execute_process(COMMAND ${RUNNER} run ${MACRO} --addon ${ADDON} --batch
+execute_process(COMMAND ${RUNNER} run ${MACRO} --addon ${ADDON} ${OPTIONS} --batch
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
 if(NOT status EQUAL STATUS)
     message(FATAL_ERROR "${MACRO}: exit status ${status} instead of ${STATUS}\n${output}${errors}")

@@ -1,7 +1,8 @@
 #include "ProbeData.h"
 
+#include <sys/stat.h>
+
 #include "AddOnTest.h"
-#include "ProbeError.h"
 
 namespace probestats {
 namespace {
@@ -21,7 +22,7 @@ protected:
         request.fileName = fileName;
         try {
             readProbeFile(request);
-        } catch (const ProbeError& refusal) {
+        } catch (const std::exception& refusal) {
             return refusal.what();
         }
         return "accepted";
@@ -152,7 +153,12 @@ TEST_F(ReadProbeFile, SaysWhenAllRowsWereSkipped) {
 TEST_F(ReadProbeFile, RefusesWhatItCannotRead) {
     std::filesystem::create_directory("folder");
     EXPECT_EQ(refusalOfFile("nowhere.txt"), "Cannot open nowhere.txt: No such file or directory");
-    EXPECT_EQ(refusalOfFile("folder"), "folder: cannot be read");
+    EXPECT_EQ(refusalOfFile("folder"), "Cannot open folder: it is no regular file");
+}
+
+TEST_F(ReadProbeFile, DoesNotWaitForTheWriterOfAPipe) {
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    EXPECT_EQ(refusalOfFile("pipe"), "Cannot open pipe: it is no regular file");
 }
 
 TEST(RowWindow, CountsItsRows) {

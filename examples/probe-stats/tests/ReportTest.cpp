@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <locale>
 
 namespace probestats {
@@ -61,6 +62,32 @@ TEST(SpectrumReport, ListsThePeaksOfEachColumn) {
               "     2           157         1e-07  speed\n"
               "     3             -             -\n"
               "     5            50             2\n");
+}
+
+TEST(SummaryReport, FollowsTheStyle) {
+    EXPECT_EQ(summaryReport(kData, {1, 3, 1}, {kRows[0]}, FrequencyColumn::Shown, {3, "Wake"}),
+              "Wake\n"
+              "p.txt: 3 rows, from 1 to 3, 2000 Hz\n"
+              "column    count       mean  deviation    minimum    maximum  frequency\n"
+              "     2        3      0.333      1e-07  -1.23e+07        2.5       78.4\n");
+}
+
+TEST(SummaryReport, KeepsItsColumnsApartWhateverTheDigits) {
+    const double longest = -std::numeric_limits<double>::min();
+    const std::vector<SummaryRow> rows = {{2, {3, longest, longest, 0.0, 0.0}, std::nullopt}};
+    EXPECT_NE(summaryReport(kData, {1, 3, 1}, rows, FrequencyColumn::Hidden, {17, ""})
+                  .find(" -2.2250738585072014e-308 -2.2250738585072014e-308 "),
+              std::string::npos);
+}
+
+TEST(SpectrumReport, FollowsTheStyle) {
+    EXPECT_EQ(
+        spectrumReport(kData, {1, 3, 1}, {2000.0, 2, 1, 10.0, 0.5, 21}, {{2, "", {{78.125, 0.0625}}}}, {2, "Wake"}),
+        "Wake\n"
+        "p.txt: 3 rows, from 1 to 3, 2000 Hz\n"
+        "sections: 2 of 2 rows; frequencies: 21, from 10 to 20 Hz\n"
+        "column  frequency  amplitude\n"
+        "     2         78      0.062\n");
 }
 
 TEST(SummaryReport, IsTheSameInEveryLocale) {
