@@ -1,5 +1,6 @@
 # Runs MACRO with RUNNER, its OPTIONS and ADDON, in the folder of README.md, and checks its exit STATUS, and that
-# README.md shows what it prints. In batch mode: how much is shown of the status line depends on the speed of the machine.
+# README.md shows what it prints. In batch mode: how much is shown of the status line depends on the speed of the
+# machine.
 
 execute_process(COMMAND ${RUNNER} run ${MACRO} --addon ${ADDON} ${OPTIONS} --batch
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
