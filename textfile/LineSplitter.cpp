@@ -30,16 +30,15 @@ std::size_t estimatedLines(const char* text, std::size_t size) {
 
 // Has the kernel hand out a large table in large pages: page by page that would take longer than filling it. It is a
 // hint, and nothing is lost where it is not taken. A smaller table may share its pages with others, and is left alone.
-void preferLargePages(const std::vector<uint64_t>& table) {
+void preferLargePages(std::vector<uint64_t>& table) {
 #if defined(MADV_HUGEPAGE)
-    constexpr uintptr_t kLarge = uintptr_t{32} << 20;
-    constexpr uintptr_t kPage = uintptr_t{2} << 20;
-    const uintptr_t begin = reinterpret_cast<uintptr_t>(table.data());
-    const uintptr_t size = table.capacity() * sizeof(uint64_t);
+    constexpr std::size_t kLarge = std::size_t{32} << 20;
+    constexpr std::size_t kPage = std::size_t{2} << 20;
+    const std::size_t size = table.capacity() * sizeof(uint64_t);
     if (size < kLarge) return;
-    const uintptr_t firstPage = (begin + kPage - 1) / kPage * kPage;
-    const uintptr_t pagesEnd = (begin + size) / kPage * kPage;
-    madvise(reinterpret_cast<void*>(firstPage), pagesEnd - firstPage, MADV_HUGEPAGE);
+    auto* const begin = reinterpret_cast<char*>(table.data());
+    const std::size_t toPage = kPage - reinterpret_cast<uintptr_t>(begin) % kPage;
+    madvise(begin + toPage, (size - toPage) / kPage * kPage, MADV_HUGEPAGE);
 #else
     static_cast<void>(table);
 #endif
@@ -89,7 +88,7 @@ constexpr std::size_t kStride = 64;
 // Blanks the line feeds and carriage returns of the 16 bytes at `text`.
 // Returns a bit for each that was a line feed, the lowest for the first byte.
 uint64_t splitVector(char* text) {
-    __m128i* const place = reinterpret_cast<__m128i*>(text);
+    auto* const place = reinterpret_cast<__m128i*>(text);
     const __m128i bytes = _mm_loadu_si128(place);
     const __m128i lineFeeds = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'));
     const __m128i carriageReturns = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r'));
@@ -99,7 +98,7 @@ uint64_t splitVector(char* text) {
 
 // Whether a NUL is among the 64 bytes at `text`: it is the smallest byte there is.
 bool hasNul(const char* text) {
-    const __m128i* const place = reinterpret_cast<const __m128i*>(text);
+    const auto* const place = reinterpret_cast<const __m128i*>(text);
     const __m128i lower = _mm_min_epu8(_mm_loadu_si128(place), _mm_loadu_si128(place + 1));
     const __m128i upper = _mm_min_epu8(_mm_loadu_si128(place + 2), _mm_loadu_si128(place + 3));
     return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(lower, upper), _mm_setzero_si128())) != 0;
