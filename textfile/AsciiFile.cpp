@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 #include <new>
 #include <optional>
 #include <vector>
@@ -25,6 +26,10 @@ using Stream = std::unique_ptr<FILE, StreamCloser>;
 std::optional<std::size_t> sizeOf(FILE* stream) {
     if (fseeko(stream, 0, SEEK_END) == -1) return std::nullopt;
     const off_t size = ftello(stream);
+    if (size == std::numeric_limits<off_t>::max()) {  // the end of a folder
+        errno = EISDIR;
+        return std::nullopt;
+    }
     if (size == -1 || fseeko(stream, 0, SEEK_SET) == -1) return std::nullopt;
     return static_cast<std::size_t>(size);
 }

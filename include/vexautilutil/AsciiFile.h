@@ -50,7 +50,6 @@ public:
     /// \return false, with the reason in `errno`, when the file cannot be opened, sized, held in memory, or read whole.
     ///         Nothing is thrown. No file is held then, except when memory runs out before reading: the one before is
     ///         kept.
-    ///         A folder has no size that memory could hold.
     /// \warning A pipe without a writer is waited for; one with a writer is refused, for it has no size.
     bool open(const std::string& path);
     /// Lets go of the text. The name, the number of lines and the current line stay.

@@ -27,57 +27,54 @@ namespace vexa::standin {
 class WatchedCall {
 public:
     template <class... Arguments>
-    WatchedCall(HostState& host, HostFunction function, const Arguments&... arguments) : m_host(host) {
-        m_event.number = host.callsBegun.fetch_add(1, std::memory_order_relaxed) + 1;
-        host.lastFunction.store(function, std::memory_order_relaxed);
-        m_isLogged = host.calls.keeps();
-        m_isObserved = host.audience.isThere();
-        if (!m_isLogged && !m_isObserved) return;
+    WatchedCall(HostState& host, HostFunction function, const Arguments&... arguments)
+        : m_host(host), m_number(host.countCall(function)), m_isLogged(host.calls.keeps()) {
+        if (!m_isLogged && !host.audience.isThere()) return;
         try {
             begin(function, listOf(host, arguments...));
         } catch (const std::bad_alloc&) {
-            m_isLogged = m_isObserved = false;
+            m_event.reset();
         }
     }
     WatchedCall(const WatchedCall&) = delete;
     WatchedCall& operator=(const WatchedCall&) = delete;
     ~WatchedCall() {
-        if (!m_isObserved) return;
-        m_event.time = std::chrono::steady_clock::now();
-        m_event.threw = std::uncaught_exceptions() > m_exceptions;
-        m_host.audience.tell([&](ObserverInterface& observer) { observer.callEnded(m_event); });
+        if (!m_event || !m_host.audience.isThere()) return;
+        m_event->time = std::chrono::steady_clock::now();
+        m_event->threw = std::uncaught_exceptions() > m_exceptions;
+        m_host.audience.tell([&](ObserverInterface& observer) { observer.callEnded(*m_event); });
     }
 
-    std::size_t number() const { return m_event.number; }
+    std::size_t number() const { return m_number; }
 
     template <class Result>
     void setResult(Result result) {
-        if (!m_isLogged && !m_isObserved) return;
+        if (!m_event) return;
         try {
-            m_event.result = textOf(m_host, result);
-            if (m_isLogged) m_host.calls.end(m_place, m_event.result);
+            m_event->result = textOf(m_host, result);
+            if (m_isLogged) m_host.calls.end(m_place, m_event->result);
         } catch (const std::bad_alloc&) {}
     }
 
 private:
     void begin(HostFunction function, std::string arguments) {
-        m_event.function = nameOf(function);
-        m_event.thread = std::this_thread::get_id();
-        if (m_isLogged) {
-            m_place = m_host.calls.begin({m_event.function, arguments, "", m_event.thread, m_event.number});
-        }
-        if (!m_isObserved) return;
-        m_event.arguments = std::move(arguments);
-        m_event.threadNumber = m_host.threads.mine();
+        CallEvent& event = m_event.emplace();
+        event.number = m_number;
+        event.function = nameOf(function);
+        event.thread = std::this_thread::get_id();
+        if (m_isLogged) m_place = m_host.calls.begin({event.function, arguments, "", event.thread, m_number});
+        if (!m_host.audience.isThere()) return;
+        event.arguments = std::move(arguments);
+        event.threadNumber = m_host.threads.mine();
+        event.time = std::chrono::steady_clock::now();
         m_exceptions = std::uncaught_exceptions();
-        m_event.time = std::chrono::steady_clock::now();
-        m_host.audience.tell([&](ObserverInterface& observer) { observer.callBegan(m_event); });
+        m_host.audience.tell([&](ObserverInterface& observer) { observer.callBegan(event); });
     }
 
     HostState& m_host;
-    CallEvent m_event;
-    bool m_isLogged = false;
-    bool m_isObserved = false;
+    std::size_t m_number;
+    bool m_isLogged;
+    std::optional<CallEvent> m_event;  // empty when nobody watches
     std::size_t m_place = 0;
     int m_exceptions = 0;
 };

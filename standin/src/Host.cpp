@@ -243,7 +243,7 @@ void Host::onStatus(std::function<void(const StatusLine&)> show) { m_state->show
 AddOnInfo Host::loadAddOn(const std::string& path) {
     TimeInAddOn time(*m_state, {Entry_e::Loading, path, "", ""});
     try {
-        const AddOnInfo info = load(*m_state, path);
+        AddOnInfo info = load(*m_state, path);
         time.setAddOn(info.id);
         time.setOutcome(true, "");
         return info;

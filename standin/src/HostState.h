@@ -124,6 +124,17 @@ struct HostState {
     std::atomic<std::size_t> callsBegun{0};
     std::atomic<HostFunction> lastFunction{};  ///< meaningful once a call has begun
 
+    /// Counts a call that begins.
+    /// \return its number.
+    std::size_t countCall(HostFunction function) {
+        lastFunction.store(function, std::memory_order_relaxed);
+        const bool needsNumber = contract.isOn() || calls.keeps() || audience.isThere();
+        if (needsNumber) return callsBegun.fetch_add(1, std::memory_order_relaxed) + 1;
+        // Nobody tells calls apart, so one may be lost to another thread's; counting exactly would be most of the cost.
+        callsBegun.store(callsBegun.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        return 0;
+    }
+
     Shared<std::vector<std::shared_ptr<const AddOn>>> addOns;  ///< in the order of their loading
 };
 

@@ -51,7 +51,7 @@ const Value* argument(const std::vector<Argument>& arguments, const std::string&
 
 template <class Value>
 Value argumentOr(const std::vector<Argument>& arguments, const std::string& name, Value otherwise) {
-    const Value* const value = argument<Value>(arguments, name);
+    const auto* const value = argument<Value>(arguments, name);
     return value == nullptr ? otherwise : *value;
 }
 
@@ -59,7 +59,7 @@ Value argumentOr(const std::vector<Argument>& arguments, const std::string& name
 Path pathOf(const std::vector<Argument>& arguments) {
     Path path;
     for (std::size_t i = 1; i <= kMostKeywords; ++i) {
-        const std::string* const keyword = argument<std::string>(arguments, 'P' + std::to_string(i));
+        const auto* const keyword = argument<std::string>(arguments, 'P' + std::to_string(i));
         if (keyword == nullptr) continue;
         if (path.size() + 1 != i) return {};
         path.push_back(*keyword);

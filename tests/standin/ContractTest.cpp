@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,6 +19,8 @@ struct Misbehaviour {
     const char* rule;
     const char* message;
 };
+
+std::ostream& operator<<(std::ostream& out, const Misbehaviour& misbehaviour) { return out << misbehaviour.command; }
 
 const Misbehaviour kMisbehaviours[] = {
     {"unbalanced-lock", "unbalanced-lock", "the command ended without VexaUtilLockFinish after VexaUtilLockStart"},

@@ -50,6 +50,7 @@ TEST_F(AsciiFileFailure, KeepsTheTextBeforeWhenTheNextFileIsMissing) {
 TEST_F(AsciiFileFailure, RefusesADirectory) {
     AsciiFile file;
     EXPECT_FALSE(file.open(m_folder.path()));
+    EXPECT_EQ(errno, EISDIR);
     EXPECT_FALSE(file.isOpen());
 }
 

@@ -117,10 +117,9 @@ const std::vector<Rule>& rules() {
 
         // ---- Argument lists
         {"missing-argument", Error,
-         "A style query names its path from \"P1\" on without a gap, and one place for the value: \"DValue\" or "
-         "\"IValue\".",
+         "A style query names its path from P1 on without a gap, and one place for the value: DValue or IValue.",
          "The host finds no value, or stores it nowhere.",
-         "Append \"P1\", \"P2\" and so on, and one of \"DValue\" and \"IValue\"; check that appending succeeded."},
+         "Append P1, P2 and so on, and one of DValue and IValue; check that appending succeeded."},
         {"duplicate-argument", Error, "An argument list has each name once, and a style query one place for the value.",
          "Which of the two the host takes is not settled.",
          "Clear a list by VexaUtilArgListClear() before you fill it again."},

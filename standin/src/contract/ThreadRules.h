@@ -15,7 +15,7 @@ public:
     /// The entry begun last; null before the first.
     const std::shared_ptr<const Entry>& last() const { return m_last; }
 
-    void callBegan(const Moment& now, Findings& findings) const;
+    static void callBegan(const Moment& now, Findings& findings);
 
 private:
     std::shared_ptr<const Entry> m_last;
