@@ -56,10 +56,10 @@ VEXAUTILUTIL_API bool dirExists(const boost::filesystem::path& path) noexcept;
 
 /// Makes \p path absolute, if \p base is.
 ///
-///     data/x.txt against /work  ->  /work/data/x.txt
-///     /tmp/x     against /work  ->  /tmp/x
+///     data/x.txt against /base  ->  /base/data/x.txt
+///     /tmp/x     against /base  ->  /tmp/x
 ///     x          against rel    ->  rel/x
-///     ../x       against /work  ->  /work/../x      nothing is normalised
+///     ../x       against /base  ->  /base/../x      nothing is normalised
 VEXAUTILUTIL_API boost::filesystem::path makeAbsolute(const boost::filesystem::path& path,
                                                       const boost::filesystem::path& base) noexcept;
 

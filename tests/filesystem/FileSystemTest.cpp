@@ -219,14 +219,14 @@ TEST(MakeAbsolute, PutsTheBaseBeforeARelativePath) {
         const char* base;
         const char* absolute;
     } cases[] = {
-        {"data/x.txt", "/work", "/work/data/x.txt"},
-        {"/tmp/x", "/work", "/tmp/x"},
+        {"data/x.txt", "/base", "/base/data/x.txt"},
+        {"/tmp/x", "/base", "/tmp/x"},
         {"x", "rel", "rel/x"},
-        {"../x", "/work", "/work/../x"},
-        {"./x", "/work/", "/work/./x"},
-        {"", "/work", "/work"},
+        {"../x", "/base", "/base/../x"},
+        {"./x", "/base/", "/base/./x"},
+        {"", "/base", "/base"},
         {"x", "", "x"},
-        {"/", "/work", "/"},
+        {"/", "/base", "/"},
     };
     for (const auto& c : cases) EXPECT_EQ(makeAbsolute(c.path, c.base).string(), c.absolute) << c.path;
 }
