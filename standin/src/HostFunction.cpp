@@ -9,7 +9,7 @@ namespace vexa::standin {
 namespace {
 
 constexpr HostFunctionInfo kFunctions[] = {
-#define VEXASTANDIN_INFO(name, role, scope, anyThread) {#name, ScopeRole_e::role, scope, anyThread},
+#define VEXASTANDIN_INFO(name, role, scope, anyThread) {#name, scope, ScopeRole_e::role, anyThread},
     VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_INFO)
 #undef VEXASTANDIN_INFO
 };

@@ -17,8 +17,8 @@ enum class ScopeRole_e {
 /// What there is to know about a function of the host's C API.
 struct HostFunctionInfo {
     const char* name;     ///< for example "VexaUtilLockStart"
-    ScopeRole_e role;     ///< what it does to its scope
     const char* scope;    ///< the scope it belongs to, for example "lock"; empty when there is none
+    ScopeRole_e role;     ///< what it does to its scope
     bool isForAnyThread;  ///< whether it may be called from any thread
 };
 

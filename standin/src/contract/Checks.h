@@ -204,7 +204,7 @@ struct Check<HostFunction::VexaUtilSetNextRange> : NoCheck {};
 /// Judges the beginning of a call.
 template <HostFunction function, class... Arguments>
 void checkBegan(Books& books, const Moment& now, const Arguments&... arguments) {
-    books.threads.callBegan(now, books.findings);
+    ThreadRules::callBegan(now, books.findings);
     (checkArgument(books, now, arguments), ...);
     Check<function>::began(books, now, arguments...);
 }
