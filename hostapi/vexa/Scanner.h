@@ -31,7 +31,8 @@ namespace vexa {
 ///     9223372036854775808           no integer: over 64 bits
 ///     1e400                         no double: over the largest; 1e-400 is read as 0
 ///
-/// Threads: one scanner is for one thread at a time.
+/// Threads: one scanner is for one thread at a time, also for the operations that are const.
+/// Cost:    a number that was asked for is converted once: next...Token() returns what hasNext...Token() found.
 class VEXAHOSTLIBS_API Scanner {
 public:
     /// Makes a scanner over an empty text.
@@ -75,8 +76,22 @@ public:
     int64_t nextInt64Token();
 
 private:
+    // What stands at a position, as a number.
+    template <typename Number>
+    struct Found {
+        std::size_t at = std::string::npos;  // the position; none yet
+        std::size_t end = 0;                 // where the text goes on behind the number
+        bool isNumber = false;
+        Number value{};
+    };
+
+    const Found<double>& doubleHere() const;
+    const Found<int64_t>& int64Here() const;
+
     std::string m_text;
     std::size_t m_position = 0;
+    mutable Found<double> m_double;
+    mutable Found<int64_t> m_int64;
 };
 
 }  // namespace vexa

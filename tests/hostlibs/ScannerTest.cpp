@@ -276,6 +276,47 @@ TEST(ScannerInt64, MovesPastTheNumberAndNoFurther) {
     EXPECT_EQ(restOf(scanner), " 13");
 }
 
+TEST(ScannerInt64, OfANewTextIsReadAnew) {
+    Scanner scanner;
+    scanner.reset("12 13");
+    EXPECT_TRUE(scanner.hasNextInt64Token());
+    EXPECT_TRUE(scanner.hasNextDoubleToken());
+    scanner.reset("7.5");
+    EXPECT_FALSE(scanner.hasNextInt64Token());
+    EXPECT_EQ(scanner.nextDoubleToken(), 7.5);
+}
+
+TEST(ScannerInt64, AskedForIsForgottenWhenAnotherOperationMovesOn) {
+    Scanner scanner;
+    scanner.reset("12 13");
+    EXPECT_TRUE(scanner.hasNextInt64Token());
+    EXPECT_EQ(scanner.nextChar(), '1');
+    EXPECT_EQ(scanner.nextInt64Token(), 2);
+    EXPECT_EQ(scanner.nextInt64Token(), 13);
+}
+
+TEST(ScannerInt64, ReadsManyDigitsUpToTheLimitsExactly) {
+    struct Case {
+        const char* why;
+        const char* text;
+        int64_t value;
+    };
+    const Case cases[] = {
+        {"18 digits", "999999999999999999", 999999999999999999},
+        {"19 digits", "1000000000000000000", 1000000000000000000},
+        {"the highest", "9223372036854775807", std::numeric_limits<int64_t>::max()},
+        {"the lowest", "-9223372036854775808", std::numeric_limits<int64_t>::min()},
+        {"leading zeros", "-00000000000000000000012", -12},
+    };
+    for (const Case& c : cases) {
+        Scanner scanner;
+        scanner.reset(c.text);
+        EXPECT_TRUE(scanner.hasNextInt64Token()) << c.why;
+        EXPECT_EQ(scanner.nextInt64Token(), c.value) << c.why;
+        EXPECT_FALSE(scanner.hasNextChar()) << c.why;
+    }
+}
+
 TEST(ScannerDouble, ReadsFloatingPointNumbers) {
     struct Case {
         const char* why;
