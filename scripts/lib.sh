@@ -14,10 +14,11 @@ log=""
 cd -- "$root"
 
 # The Debian packages that each purpose takes.
-build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libelf-dev nlohmann-json3-dev)
 test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang pkgconf)
 tidy_packages=("${test_packages[@]}" clang-tidy)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind)
+fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 ci_packages=("${tidy_packages[@]}" clang-format libclang-rt-14-dev git)
 
 usage() {

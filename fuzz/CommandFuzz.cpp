@@ -1,0 +1,50 @@
+// Whole commands: a name, then options of all types. What is accepted is rendered to a text that is read back to the
+// same text.
+
+#include <optional>
+
+#include "Fuzz.h"
+#include "Options.h"
+#include "vexautilutil/MacroCommandAbstract.h"
+#include "vexautilutil/MacroCommandError.h"
+
+namespace vexa::fuzz {
+namespace {
+
+using vexautilutil::MacroTokenIterator;
+
+class Command : public vexautilutil::MacroCommandAbstract {
+public:
+    using MacroCommandAbstract::MacroCommandAbstract;
+    void execute() override {}
+};
+
+// The text of the command read from `text`; nothing when it is refused.
+std::optional<std::string> rendered(const std::string& text) {
+    const auto stream = Command::tokenize(text);
+    const MacroTokenIterator end = stream.end();
+    MacroTokenIterator current = stream.begin();
+    try {
+        Command command(vexautilutil::parseIdentifier(current, end));
+        while (current != end) {
+            if (*current == " ") {
+                ++current;
+                continue;
+            }
+            command.addOption(readOption(current, end));
+        }
+        return command.toString();
+    } catch (const vexautilutil::MacroCommandError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+}  // namespace vexa::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vexa::fuzz;
+    const auto command = rendered(textOf(data, size));
+    if (command) require(rendered(*command) == command, "a command reads its own text back", *command);
+    return 0;
+}

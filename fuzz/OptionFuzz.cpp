@@ -1,0 +1,53 @@
+// Option parsers over any token stream: what is accepted is read back from its own text unchanged; what is refused is
+// refused with the one exception of the options.
+
+#include "Fuzz.h"
+#include "Options.h"
+#include "vexautilutil/MacroCommandAbstract.h"
+#include "vexautilutil/MacroCommandError.h"
+
+namespace vexa::fuzz {
+namespace {
+
+using vexautilutil::MacroCommandAbstract;
+using vexautilutil::MacroTokenIterator;
+
+std::string joined(MacroTokenIterator current, const MacroTokenIterator& end) {
+    std::string text;
+    for (; current != end; ++current) text += *current;
+    return text;
+}
+
+// The text of the option at the front of `text`; in `rest` what is left behind it.
+std::string rendered(const std::string& text, std::string& rest) {
+    const auto stream = MacroCommandAbstract::tokenize(text);
+    MacroTokenIterator current = stream.begin();
+    std::string option = readOption(current, stream.end())->toString();
+    rest = joined(current, stream.end());
+    return option;
+}
+
+void tryText(const std::string& text) {
+    const auto stream = MacroCommandAbstract::tokenize(text);
+    require(joined(stream.begin(), stream.end()) == text, "the tokens joined give the text back", text);
+    std::string option;
+    std::string rest;
+    try {
+        option = rendered(text, rest);
+    } catch (const vexautilutil::MacroCommandError&) {
+        return;
+    }
+    require(rest.size() < text.size() && text.compare(text.size() - rest.size(), rest.size(), rest) == 0,
+            "what is left is the end of the text", text);
+    std::string restOfOption;
+    require(rendered(option, restOfOption) == option, "an option reads its own text back", option);
+    require(restOfOption.empty(), "an option reads all of its own text", option);
+}
+
+}  // namespace
+}  // namespace vexa::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    vexa::fuzz::tryText(vexa::fuzz::textOf(data, size));
+    return 0;
+}
