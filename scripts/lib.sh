@@ -19,7 +19,7 @@ test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang pkgco
 tidy_packages=("${test_packages[@]}" clang-tidy)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
-ci_packages=("${tidy_packages[@]}" clang-format libclang-rt-14-dev git)
+ci_packages=("${tidy_packages[@]}" clang-format libclang-rt-14-dev git chromium)
 
 usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"

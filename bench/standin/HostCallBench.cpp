@@ -1,8 +1,14 @@
-// What checking, writing down and observing add to a host call. Compare the rows of one function with its plain one.
+// What checking, writing down, observing and tracing add to a host call. Compare the rows of one function with its
+// plain one.
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
 
+#include "trace/EventTrace.h"
+#include "trace/TextTrace.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/Host.h"
 #include "vexastandin/Observer.h"
@@ -24,7 +30,23 @@ private:
     std::size_t m_bytes = 0;
 };
 
-enum class Watch_e { Plain, Checked, Logged, Observed };
+enum class Watch_e { Plain, Checked, Logged, Observed, Traced, TracedAsText };
+
+// A file of the folder for temporary ones, as long as this lives.
+class TemporaryFile {
+public:
+    TemporaryFile() : m_path(std::filesystem::temp_directory_path() / "vexa-host-call-bench") {}
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+    std::string path() const { return m_path.string(); }
+
+private:
+    std::filesystem::path m_path;
+};
 
 // A host that does with a call what a benchmark is about, and nothing else.
 class WatchingHost {
@@ -33,6 +55,8 @@ public:
         m_host.setChecking(watch == Watch_e::Checked);
         m_host.setKeepsCalls(watch == Watch_e::Logged);
         if (watch == Watch_e::Observed) m_host.setObserver(&m_counter);
+        if (watch == Watch_e::Traced) m_host.setObserver(&m_events.emplace(m_file.path(), runner::RunFacts()));
+        if (watch == Watch_e::TracedAsText) m_host.setObserver(&m_text.emplace(m_file.path()));
     }
     WatchingHost(const WatchingHost&) = delete;
     WatchingHost& operator=(const WatchingHost&) = delete;
@@ -45,6 +69,9 @@ public:
 
 private:
     Counter m_counter;
+    TemporaryFile m_file;
+    std::optional<runner::EventTrace> m_events;
+    std::optional<runner::TextTrace> m_text;
     Host m_host;
     std::size_t m_rounds = 0;
 };
@@ -86,11 +113,16 @@ void queryStyle(benchmark::State& state, Watch_e watch) {
     state.SetItemsProcessed(6 * state.iterations());
 }
 
-#define VEXA_BENCHMARK_WATCHES(calls)                    \
-    BENCHMARK_CAPTURE(calls, plain, Watch_e::Plain);     \
-    BENCHMARK_CAPTURE(calls, checked, Watch_e::Checked); \
-    BENCHMARK_CAPTURE(calls, logged, Watch_e::Logged);   \
-    BENCHMARK_CAPTURE(calls, observed, Watch_e::Observed)
+// Few enough for the file of a trace to stay below a hundred megabytes.
+constexpr benchmark::IterationCount kTraced = 20000;
+
+#define VEXA_BENCHMARK_WATCHES(calls)                                       \
+    BENCHMARK_CAPTURE(calls, plain, Watch_e::Plain);                        \
+    BENCHMARK_CAPTURE(calls, checked, Watch_e::Checked);                    \
+    BENCHMARK_CAPTURE(calls, logged, Watch_e::Logged);                      \
+    BENCHMARK_CAPTURE(calls, observed, Watch_e::Observed);                  \
+    BENCHMARK_CAPTURE(calls, traced, Watch_e::Traced)->Iterations(kTraced); \
+    BENCHMARK_CAPTURE(calls, tracedAsText, Watch_e::TracedAsText)->Iterations(kTraced)
 
 VEXA_BENCHMARK_WATCHES(ask);
 VEXA_BENCHMARK_WATCHES(lockAndUnlock);

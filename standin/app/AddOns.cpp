@@ -4,21 +4,20 @@
 
 namespace vexa::runner {
 
-bool loadAddOns(standin::Host& host, const std::vector<std::string>& files) {
-    bool allLoaded = true;
-    for (const std::string& file : files) {
-        try {
-            host.loadAddOn(file);
-        } catch (const standin::LoadError& error) {
-            tell(error.message());
-            allLoaded = false;
-        }
+bool loadAddOn(standin::Host& host, const std::string& file) {
+    try {
+        host.loadAddOn(file);
+        return true;
+    } catch (const standin::LoadError& error) {
+        tell(error.message());
+        return false;
     }
-    return allLoaded;
 }
 
-void unloadAddOns(standin::Host& host) {
-    for (const std::string& warning : host.unloadAddOns()) tell("warning", warning);
+bool loadAddOns(standin::Host& host, const std::vector<std::string>& files) {
+    bool allLoaded = true;
+    for (const std::string& file : files) allLoaded &= loadAddOn(host, file);
+    return allLoaded;
 }
 
 }  // namespace vexa::runner

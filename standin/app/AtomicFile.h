@@ -1,16 +1,11 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
-namespace vexa::runner {
+#include "OutputTarget.h"
 
-/// A file that cannot be written. The message is one line: the file, and why.
-class OutputError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+namespace vexa::runner {
 
 /// A file that is replaced as a whole, or not at all.
 ///

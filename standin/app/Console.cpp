@@ -24,7 +24,10 @@ std::string withFollowingLinesIndented(std::string_view text) {
 void tell(const std::string& place, std::string_view text) { tell(place + ": " + std::string(text)); }
 
 void tell(std::string_view message) {
-    const std::string lines = withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n';
+    tellLines(withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n');
+}
+
+void tellLines(const std::string& lines) {
     if (Screen* const screen = Screen::current()) return screen->tell(lines);
     // Add-ons print through the same buffer: a terminal, or a log of both outputs, shows things in their order.
     std::fflush(stdout);

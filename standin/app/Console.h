@@ -20,6 +20,9 @@ void tell(const std::string& place, std::string_view text);
 /// The same for a message that names its place itself.
 void tell(std::string_view message);
 
+/// The same for lines that are laid out already.
+void tellLines(const std::string& lines);
+
 /// \p text without the blanks and line ends at its end.
 std::string_view withoutTrailingBlanks(std::string_view text);
 

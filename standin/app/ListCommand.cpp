@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "AddOns.h"
+#include "FindingTeller.h"
 #include "TextWidth.h"
 
 namespace vexa::runner {
@@ -46,7 +47,8 @@ ExitStatus_e listAddOns(const std::vector<std::string>& files) {
     host.setKeepsCalls(false);
     const bool allLoaded = loadAddOns(host, files);
     if (allLoaded) std::fputs(tableOf(host.addOns()).c_str(), stdout);
-    unloadAddOns(host);
+    host.unloadAddOns();
+    FindingTeller(host).tellNew();
     return allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
 }
 

@@ -1,19 +1,18 @@
 #include "Screen.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <system_error>
 #include <utility>
 
+#include "BlockedSignals.h"
 #include "Descriptor.h"
 #include "Terminal.h"
 
@@ -24,22 +23,6 @@ constexpr int kWatchInterval = 100;  // milliseconds
 
 // The terminal is the process's, so here is what belongs to the process.
 std::atomic<Screen*> theScreen{nullptr};
-
-// Signals are for the threads of the add-ons: a thread inherits what is blocked where it is made.
-class BlockedSignals {
-public:
-    BlockedSignals() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    BlockedSignals(const BlockedSignals&) = delete;
-    BlockedSignals& operator=(const BlockedSignals&) = delete;
-    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-
-private:
-    sigset_t m_before{};
-};
 
 }  // namespace
 
@@ -86,6 +69,13 @@ void Screen::show(const standin::StatusLine& line) {
 
 void Screen::clearAtOnce() const {
     if (m_status.isDrawn()) writeAll(STDERR_FILENO, kClearLine);
+}
+
+void Screen::leave() {
+    std::fflush(stdout);
+    m_guard.lock();
+    m_status.clear();
+    if (m_relay) m_relay->pass(m_relay->take(false));
 }
 
 void Screen::watch() {

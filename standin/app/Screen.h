@@ -37,6 +37,10 @@ public:
     /// Clears the status line from a program that is about to end. May be called from a signal handler.
     void clearAtOnce() const;
 
+    /// Leaves the terminal to a program that ends without destroying the screen: puts out what was held back, and takes
+    /// the status line down. Whoever shows something from now on waits for ever.
+    void leave();
+
 private:
     void watch();
     void passOn();

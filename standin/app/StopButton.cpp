@@ -47,6 +47,12 @@ void StopButton::install(std::vector<std::string> incomplete) {
 
 void StopButton::arm(standin::Host& host) { m_host = &host; }
 
+void StopButton::handOver(standin::Host& host) {
+    standin::Host* armed = m_host;
+    while (armed != nullptr && !m_host.compare_exchange_weak(armed, &host)) {}
+    if (armed == nullptr) host.pressStop();
+}
+
 void StopButton::disarm() { m_host = nullptr; }
 
 void StopButton::onSignal(int) {
@@ -56,9 +62,9 @@ void StopButton::onSignal(int) {
 }
 
 void StopButton::interrupt() {
+    m_isPressed = true;
     standin::Host* const host = m_host.exchange(nullptr);
     if (host == nullptr) return endProgram();
-    m_isPressed = true;
     host->pressStop();
 }
 

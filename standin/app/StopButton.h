@@ -26,6 +26,8 @@ public:
     void install(std::vector<std::string> incomplete);
     /// From now on the first SIGINT presses the stop button of \p host.
     void arm(standin::Host& host);
+    /// After arm(): from now on it is the stop button of \p host. When it was pressed already, it is there, too.
+    void handOver(standin::Host& host);
     /// From now on SIGINT ends the program.
     void disarm();
     /// Whether the stop button was pressed. From any thread.

@@ -34,12 +34,6 @@ constexpr const char* SET_name = "$set";
 constexpr const char* OFFSETS_name = "$offsets";
 constexpr const char* VALUE_name = "$value";
 
-struct Setting {
-    Path path;
-    std::optional<Offsets> offsets;
-    standin::StyleValue value;
-};
-
 [[noreturn]] void refuse(std::size_t at, const std::string& reason) { throw JsonError(at, reason); }
 
 std::string quoted(std::string_view text) { return '\'' + std::string(text) + '\''; }
@@ -162,7 +156,7 @@ standin::StyleValue valueOf(const JsonValue& value) {
 
 class SettingCollector {
 public:
-    std::vector<Setting> collect(const JsonValue& root) {
+    std::vector<StyleSetting> collect(const JsonValue& root) {
         const auto* const keywords = std::get_if<JsonValue::Object>(&root.value);
         if (keywords == nullptr) refuse(root.at, "expected an object of keywords");
         takeKeywords(*keywords);
@@ -234,7 +228,7 @@ private:
     }
 
     void add(const std::optional<Offsets>& offsets, const JsonValue& value) {
-        Setting setting{m_path, offsets, valueOf(value)};
+        StyleSetting setting{m_path, offsets, valueOf(value)};
         const Kind_e kind = kindOf(setting.value);
         const Kind_e expected = kind == Double ? Double : m_kindOf(m_path);
         if (kind != expected) {
@@ -245,7 +239,7 @@ private:
     }
 
     Path m_path;  // of the value that is taken
-    std::vector<Setting> m_settings;
+    std::vector<StyleSetting> m_settings;
     KindQuery m_kindOf;
 };
 
@@ -259,28 +253,35 @@ std::string placeIn(std::string_view text, std::size_t at) {
     return std::to_string(line) + ':' + std::to_string(column);
 }
 
-void give(standin::Host& host, const Setting& setting) {
-    if (setting.offsets) {
-        host.setStyle(setting.path, setting.offsets->first, setting.offsets->second, setting.value);
-    } else {
-        host.setStyle(setting.path, setting.value);
-    }
-}
-
 }  // namespace
 
-bool loadStyles(standin::Host& host, const std::string& file) {
+std::optional<std::vector<StyleSetting>> readStyles(const std::string& file) {
     std::string text;
     try {
         text = readWholeFile(file);
-        for (const Setting& setting : SettingCollector().collect(parseJson(text))) give(host, setting);
-        return true;
+        return SettingCollector().collect(parseJson(text));
     } catch (const JsonError& error) {
         tell(file + ':' + placeIn(text, error.at()), error.what());
     } catch (const std::system_error& error) {
         tell(file, "cannot be read: " + error.code().message());
     }
-    return false;
+    return std::nullopt;
+}
+
+void giveStyles(standin::Host& host, const std::vector<StyleSetting>& settings) {
+    for (const StyleSetting& setting : settings) {
+        if (setting.offsets) {
+            host.setStyle(setting.path, setting.offsets->first, setting.offsets->second, setting.value);
+        } else {
+            host.setStyle(setting.path, setting.value);
+        }
+    }
+}
+
+bool loadStyles(standin::Host& host, const std::string& file) {
+    const auto settings = readStyles(file);
+    if (settings) giveStyles(host, *settings);
+    return settings.has_value();
 }
 
 }  // namespace vexa::runner

@@ -1,16 +1,27 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "vexastandin/Host.h"
+#include "vexastandin/StyleValue.h"
 
 namespace vexa::runner {
 
 /// How many keywords the path of a setting has at most.
 inline constexpr std::size_t kMostStyleKeywords = 6;
 
-/// Gives \p host the settings of a style file, and tells what is wrong with the file: "FILE:LINE:COLUMN: reason".
+/// A setting of a style file.
+struct StyleSetting {
+    std::vector<std::string> path;                 ///< its keywords, outermost first
+    std::optional<std::pair<long, long>> offsets;  ///< the pair it is for; for every other one without
+    standin::StyleValue value;
+};
+
+/// Reads a style file, and tells what is wrong with it: "FILE:LINE:COLUMN: reason". Nothing comes of a wrong one.
 ///
 /// A style file is JSON: keywords in one another, and values.
 ///
@@ -27,7 +38,13 @@ inline constexpr std::size_t kMostStyleKeywords = 6;
 /// Refused, besides what is none of these: a keyword that is empty, holds a NUL, begins with `$` or is given twice in
 /// one object (ignoring the case of ASCII letters), more than six of them in one another, a text with a NUL, and a
 /// value of a kind that add-ons do not take its last keyword for: an integer that is taken for a text is an address.
-/// \return whether the file could be read; if not, \p host is as before.
+std::optional<std::vector<StyleSetting>> readStyles(const std::string& file);
+
+/// Gives \p host settings.
+void giveStyles(standin::Host& host, const std::vector<StyleSetting>& settings);
+
+/// Gives \p host the settings of a style file.
+/// \return whether the file could be read; if not, \p host is as before, and what is wrong was told.
 bool loadStyles(standin::Host& host, const std::string& file);
 
 }  // namespace vexa::runner

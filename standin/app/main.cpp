@@ -10,9 +10,12 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "ExitStatus.h"
+#include "ExplainCommand.h"
 #include "ListCommand.h"
 #include "RunCommand.h"
 #include "StyleCommand.h"
+#include "report/ReportCommand.h"
+#include "check/CheckCommand.h"
 
 namespace vexa::runner {
 namespace {
@@ -39,8 +42,11 @@ ExitStatus_e runProgram(int argc, char** argv) {
     CLI::App app(kAbout, kProgramName);
     app.set_version_flag("--version", std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION);
     addRunCommand(app, chosen);
+    addReportCommand(app, chosen);
     addListCommand(app, chosen);
     addStyleCommand(app, chosen);
+    addExplainCommand(app, chosen);
+    addCheckCommand(app, chosen);
     app.footer(kFooter);
     app.require_subcommand(0, 1);
     try {

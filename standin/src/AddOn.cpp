@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "Text.h"
+#include "Whereabouts.h"
 
 namespace vexa::standin {
 namespace {
@@ -52,6 +53,7 @@ std::string whyNotLoaded(const std::string& path, std::string_view loaderText) {
 template <class Action>
 std::optional<std::string> whatEscapes(const std::string& place, const Action& action) {
     try {
+        const Whereabouts inAddOn(true);
         action();
         return std::nullopt;
     } catch (const std::exception& exception) {
@@ -82,8 +84,13 @@ AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>
     if (!noFile.empty()) throw refusal(noFile);
     m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
-    m_entry = reinterpret_cast<decltype(m_entry)>(dlsym(m_object.get(), kEntryName));
+    m_entry = reinterpret_cast<AddOnEntry>(dlsym(m_object.get(), kEntryName));
     if (m_entry == nullptr) throw refusal("it exports no function vexaAddOn, so it is no add-on");
+}
+
+AddOn::AddOn(AddOnEntry entry) : m_identity(std::make_unique<AddOnList_s>()), m_entry(entry) {
+    m_info.path = kLinkedIn;
+    if (m_entry == nullptr) throw refusal("its entry is null");
 }
 
 void AddOn::enter() {

@@ -12,7 +12,10 @@ struct AddOnList_s {};
 
 namespace vexa::standin {
 
-/// An add-on's shared object, loaded as long as this lives.
+/// Stands for the file of an add-on that is part of the program.
+constexpr char kLinkedIn[] = "(linked in)";
+
+/// An add-on: a shared object, loaded as long as this lives, or a part of the program.
 ///
 /// Errors: what escapes from the add-on's code is returned as text. The exception itself is gone by then, for its
 ///         code may lie in the add-on, and go with it.
@@ -21,6 +24,9 @@ public:
     /// Loads the shared object, without entering it. A path without a slash means the current folder.
     /// \throws LoadError
     explicit AddOn(const std::string& path);
+    /// Takes an add-on that is part of the program, without entering it.
+    /// \throws LoadError when \p entry is null.
+    explicit AddOn(AddOnEntry entry);
 
     /// Calls the entry and checks what the add-on says of itself.
     /// \throws LoadError
@@ -37,8 +43,8 @@ public:
 
     const AddOnInfo& info() const { return m_info; }
     const AddOnList_s* identity() const { return m_identity.get(); }
-    /// Whether both are one shared object, loaded once.
-    bool isSameObject(const AddOn& other) const { return m_object == other.m_object; }
+    /// Whether both are one and the same code.
+    bool hasSameEntry(const AddOn& other) const { return m_entry == other.m_entry; }
     /// A refusal to load this add-on.
     LoadError refusal(const std::string& reason) const;
 
@@ -49,8 +55,8 @@ private:
 
     AddOnInfo m_info;
     std::unique_ptr<AddOnList_s> m_identity;
-    std::unique_ptr<void, Unload> m_object;
-    decltype(&vexaAddOn) m_entry = nullptr;
+    std::unique_ptr<void, Unload> m_object;  ///< null when it is part of the program
+    AddOnEntry m_entry = nullptr;
     const VexaAddOn_s* m_description = nullptr;
 };
 

@@ -17,6 +17,7 @@
 #include "CallText.h"
 #include "HostFunction.h"
 #include "HostState.h"
+#include "Whereabouts.h"
 #include "contract/Checks.h"
 #include "vexa/VexaUtil.h"
 
@@ -122,6 +123,7 @@ std::invoke_result_t<Action, HostState&> answer(const Action& action, const Argu
     using Result = std::invoke_result_t<Action, HostState&>;
     HostState* const host = HostState::current();
     if (host == nullptr) return refusal<Result>();
+    const Whereabouts backInHost(false);
     WatchedCall call(*host, function, arguments...);
     host->contract.check(call.number(), function,
                          [&](Books& books, const Moment& now) { checkBegan<function>(books, now, arguments...); });

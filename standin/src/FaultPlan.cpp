@@ -24,4 +24,9 @@ std::optional<Fault> FaultPlan::next(HostFunction function) {
     return due;
 }
 
+void FaultPlan::clear() {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_planned.clear();
+}
+
 }  // namespace vexa::standin

@@ -24,6 +24,8 @@ public:
     /// Counts a call of \p function.
     /// \return how it is to fail; nothing when it is not. Of several faults due at once, the one asked for first.
     std::optional<Fault> next(HostFunction function);
+    /// Forgets what was planned.
+    void clear();
 
 private:
     struct Planned {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "HostState.h"
+#include "Whereabouts.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexastandin/Finding.h"
 #include "vexastandin/Observer.h"
@@ -41,27 +42,16 @@ public:
     LockBalance& operator=(const LockBalance&) = delete;
     ~LockBalance() { m_lock.releaseDownTo(m_depth); }
 
-    // What \p culprit left, as a line for people; nothing when it left nothing.
-    std::optional<std::string> restore(const std::string& culprit) {
-        const std::size_t tooOften = m_lock.releaseDownTo(m_depth);
-        if (tooOften == 0) return std::nullopt;
-        return culprit + " ended with the host's lock held " + std::to_string(tooOften) +
-               (tooOften == 1 ? " time" : " times") + " too often";
-    }
-
 private:
     HostLock& m_lock;
     std::size_t m_depth;
 };
 
 // Takes over the error string that a command left, and releases it when it is one of the host's.
-std::string takeErrorString(HostState& state, const char* errMsg, std::vector<std::string>& warnings) {
+std::string takeErrorString(HostState& state, const char* errMsg) {
     if (errMsg == nullptr) return "";
     const std::shared_ptr<HostString> string = state.strings.find(errMsg);
-    if (string == nullptr) {
-        warnings.emplace_back("the command's error string is none of the host's, so it was not released");
-        return state.strings.isRemoved(errMsg) ? "" : errMsg;  // what was freed cannot be read
-    }
+    if (string == nullptr) return state.strings.isRemoved(errMsg) ? "" : errMsg;  // what was freed cannot be read
     state.strings.remove(errMsg);
     return string->text();
 }
@@ -121,12 +111,14 @@ LoadError alreadyLoaded(const AddOn& refused, const AddOn& loaded) {
     return refused.refusal("an add-on " + loaded.info().id + " is already loaded, from " + loaded.info().path);
 }
 
-AddOnInfo load(HostState& state, const std::string& path) {
-    const auto addOn = std::make_shared<AddOn>(path);
+// The source is the path of a shared object, or an entry.
+template <class Source>
+AddOnInfo load(HostState& state, const Source& source) {
+    const auto addOn = std::make_shared<AddOn>(source);
     const auto loaded = state.addOns.copy();
     for (const auto& other : loaded) {
         // Loaded a second time it is still the same object, which must not be entered again.
-        if (addOn->isSameObject(*other)) throw alreadyLoaded(*addOn, *other);
+        if (addOn->hasSameEntry(*other)) throw alreadyLoaded(*addOn, *other);
     }
     const LockBalance balance(state.lock);
     state.contract.introduce(addOn->identity());
@@ -136,6 +128,20 @@ AddOnInfo load(HostState& state, const std::string& path) {
     }
     state.addOns.append(addOn);
     return addOn->info();
+}
+
+template <class Source>
+AddOnInfo loadInTime(HostState& state, const std::string& path, const Source& source) {
+    TimeInAddOn time(state, {Entry_e::Loading, path, "", ""});
+    try {
+        AddOnInfo info = load(state, source);
+        time.setAddOn(info.id);
+        time.setOutcome(true, "");
+        return info;
+    } catch (const LoadError& refusal) {
+        time.setOutcome(false, refusal.message());
+        throw;
+    }
 }
 
 }  // namespace
@@ -184,6 +190,8 @@ Host* Host::current() {
     return state == nullptr ? nullptr : &state->host;
 }
 
+bool Host::isInAddOn() noexcept { return isThreadInAddOn; }
+
 void Host::setBatchMode(bool active) { m_state->isBatchMode = active; }
 
 void Host::setRecording(bool active) { m_state->isRecording = active; }
@@ -200,11 +208,18 @@ void Host::setStyle(const std::vector<std::string>& path, long offset1, long off
     m_state->setStyle(path, std::pair(offset1, offset2), value);
 }
 
-void Host::pressStop() noexcept { m_state->isStopPressed = true; }
+void Host::pressStop() noexcept { m_state->stopButton.press(); }
 
-void Host::releaseStop() noexcept { m_state->isStopPressed = false; }
+void Host::pressStopAtCheck(std::size_t nth) {
+    if (nth == 0) throw InvalidArgumentException("The checks of the percentage are counted from 1");
+    m_state->stopButton.pressAtCheck(nth);
+}
 
-bool Host::isStopPressed() const noexcept { return m_state->isStopPressed; }
+void Host::pressStopAtPercent(int percent) noexcept { m_state->stopButton.pressAtPercent(percent); }
+
+void Host::releaseStop() noexcept { m_state->stopButton.release(); }
+
+bool Host::isStopPressed() const noexcept { return m_state->stopButton.isPressed(); }
 
 void Host::failCall(const std::string& function, std::size_t nth, int result) {
     m_state->faults.add(hostFunction(function), nth, Fault{false, result});
@@ -213,6 +228,8 @@ void Host::failCall(const std::string& function, std::size_t nth, int result) {
 void Host::throwFromCall(const std::string& function, std::size_t nth) {
     m_state->faults.add(hostFunction(function), nth, Fault{true, 0});
 }
+
+void Host::forgetFaults() { m_state->faults.clear(); }
 
 std::vector<Call> Host::calls() const { return m_state->calls.all(); }
 
@@ -228,6 +245,8 @@ void Host::setKeepsCalls(bool keeps) { m_state->calls.setKeeps(keeps); }
 
 std::vector<RecordedCommand> Host::recordedCommands() const { return m_state->recorded.copy(); }
 
+void Host::clearRecordedCommands() { m_state->recorded.set({}); }
+
 std::vector<JournalEntry> Host::journalEntries() const { return m_state->journal.copy(); }
 
 std::vector<std::string> Host::dialogs() const { return m_state->dialogs.copy(); }
@@ -240,18 +259,9 @@ std::vector<StatusLine> Host::statusHistory() const { return m_state->status.his
 
 void Host::onStatus(std::function<void(const StatusLine&)> show) { m_state->showStatus.set(std::move(show)); }
 
-AddOnInfo Host::loadAddOn(const std::string& path) {
-    TimeInAddOn time(*m_state, {Entry_e::Loading, path, "", ""});
-    try {
-        AddOnInfo info = load(*m_state, path);
-        time.setAddOn(info.id);
-        time.setOutcome(true, "");
-        return info;
-    } catch (const LoadError& refusal) {
-        time.setOutcome(false, refusal.message());
-        throw;
-    }
-}
+AddOnInfo Host::loadAddOn(const std::string& path) { return loadInTime(*m_state, path, path); }
+
+AddOnInfo Host::linkAddOn(AddOnEntry entry) { return loadInTime(*m_state, kLinkedIn, entry); }
 
 std::vector<AddOnInfo> Host::addOns() const {
     std::vector<AddOnInfo> infos;
@@ -259,23 +269,17 @@ std::vector<AddOnInfo> Host::addOns() const {
     return infos;
 }
 
-std::vector<std::string> Host::unloadAddOns() {
-    std::vector<std::string> problems;
+void Host::unloadAddOns() {
     auto loaded = m_state->addOns.copy();
     while (!loaded.empty()) {
-        const std::string id = loaded.back()->info().id;
-        TimeInAddOn time(*m_state, {Entry_e::Unloading, id, "", ""});
-        LockBalance balance(m_state->lock);
+        TimeInAddOn time(*m_state, {Entry_e::Unloading, loaded.back()->info().id, "", ""});
+        const LockBalance balance(m_state->lock);
         const std::optional<std::string> escaped = loaded.back()->shutDown();
         if (escaped) m_state->contract.judgeEscape(*escaped);
         time.setOutcome(!escaped, escaped.value_or(""));
-        const std::optional<std::string> lockLeft = balance.restore("its shutdown");
-        if (escaped) problems.push_back(id + ": " + *escaped);
-        if (lockLeft) problems.push_back(id + ": " + *lockLeft);
         loaded.pop_back();
         m_state->addOns.set(loaded);
     }
-    return problems;
 }
 
 CommandResult Host::run(const std::string& addOnId, const std::string& command, const std::string& macroLine) {
@@ -288,18 +292,12 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command, 
     CommandResult result;
     char* errMsg = nullptr;
     TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine});
-    LockBalance balance(m_state->lock);
+    const LockBalance balance(m_state->lock);
     const bool statusWasUp = statusLine().active;
     const std::optional<std::string> escaped = addOn->execute(command, result.accepted, errMsg);
     judgeOutcome(*m_state, escaped, result.accepted, errMsg);
-    if (const auto lockLeft = balance.restore("the command")) result.warnings.push_back(*lockLeft);
-    if (!statusWasUp && m_state->showChange(m_state->status.finish(m_state->calls.keeps()))) {
-        result.warnings.emplace_back("the command ended with the status line up");
-    }
-    if (result.accepted && errMsg != nullptr) {
-        result.warnings.emplace_back("the command succeeded, and yet left an error string");
-    }
-    const std::string error = takeErrorString(*m_state, errMsg, result.warnings);
+    if (!statusWasUp) m_state->showChange(m_state->status.finish(m_state->calls.keeps()));
+    const std::string error = takeErrorString(*m_state, errMsg);
     if (!result.accepted) result.error = escaped ? *escaped : error;
     time.setOutcome(result.accepted, result.error);
     return result;

@@ -134,7 +134,7 @@ VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
     return answer<HostFunction::VexaUtilStatusCheckPercentDone>(
         [=](HostState& host) -> VexaBoolean {
             changeStatus(host, [=](Status& status, bool keeps) { return status.setPercent(percent, keeps); });
-            return !host.isStopPressed;
+            return !host.stopButton.isPressedAt(percent);
         },
         percent);
 }
@@ -174,7 +174,8 @@ VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* comma
             const bool fitsOneLine =
                 !isNullOrEmpty(addOnId) && !hasWhiteSpace(addOnId) && !isNullOrEmpty(command) && !hasLineBreak(command);
             if (!fitsOneLine || !host.isRecording) return 0;
-            host.recorded.append(RecordedCommand{addOnId, command});
+            const auto function = HostFunction::VexaUtilMacroRecordExtCommand;
+            host.recorded.append(RecordedCommand{addOnId, command, host.contract.placeNow(host.callsBegun, function)});
             return 1;
         },
         addOnId, command);

@@ -2,14 +2,23 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 
 #include "vexa/InvalidArgumentException.h"
+#include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
 namespace {
 
+template <class Result, class... Arguments>
+constexpr ResultKind_e resultOf(Result (*)(Arguments...)) {
+    if (std::is_void_v<Result>) return ResultKind_e::None;
+    if (std::is_pointer_v<Result>) return ResultKind_e::Handle;
+    return std::is_enum_v<Result> ? ResultKind_e::ReturnCode : ResultKind_e::Boolean;
+}
+
 constexpr HostFunctionInfo kFunctions[] = {
-#define VEXASTANDIN_INFO(name, role, scope, anyThread) {#name, scope, ScopeRole_e::role, anyThread},
+#define VEXASTANDIN_INFO(name, role, scope, anyThread) {#name, scope, ScopeRole_e::role, anyThread, resultOf(name)},
     VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_INFO)
 #undef VEXASTANDIN_INFO
 };

@@ -16,6 +16,7 @@
 #include "HostLock.h"
 #include "HostObjects.h"
 #include "Status.h"
+#include "StopButton.h"
 #include "StyleTree.h"
 #include "contract/Contract.h"
 #include "contract/ThreadNumbers.h"
@@ -97,9 +98,7 @@ struct HostState {
 
     Status status;
     Shared<std::function<void(const StatusLine&)>> showStatus;
-    /// To be set in a signal handler, where a lock must not be taken.
-    std::atomic<bool> isStopPressed{false};
-    static_assert(std::atomic<bool>::is_always_lock_free);
+    StopButton stopButton;
 
     /// Shows what came of a call of \ref status.
     /// \return whether that was a change.

@@ -21,7 +21,8 @@ TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
     for (const char* part : {"vexa-standin run sweep.mcr --addon", "  0    all went well", "  1    a command failed",
-                             "  2    wrong usage or input", "  130  stopped by Ctrl-C", "--record FILE",
+                             "  2    wrong usage or input", "  3    with --strict", "  4    with --timeout",
+                             "--suppress RULE", "--timeout SECONDS", "  130  stopped by Ctrl-C", "--record FILE",
                              "--journal FILE", "--style FILE.json", "--batch", "--keep-going", "--verbose"}) {
         EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
     }

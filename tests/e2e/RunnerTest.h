@@ -41,6 +41,9 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
+    /// What \p recording, a file of recorded commands, has below its first line, which tells what it is.
+    static std::string commandsOf(const std::string& recording) { return recording.substr(recording.find('\n') + 1); }
+
     /// The names of all files in the folder, in no order.
     std::vector<std::string> fileNames() const {
         std::vector<std::string> names;

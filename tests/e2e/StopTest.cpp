@@ -43,6 +43,25 @@ TEST_F(StopButton, StopsEvenWhenAskedToKeepGoing) {
     EXPECT_EQ(program.output().find("next"), std::string::npos) << program.output();
 }
 
+TEST_F(StopButton, GoesBeforeABrokenContract) {
+    PtyProgram program(progressRunner("PROGRESS START Reading;UNTILSTOPPED\n", {"--strict"}), kColumns,
+                       plainTerminal());
+    ASSERT_TRUE(program.waitFor("Reading"));
+    program.type(kCtrlC);
+    EXPECT_EQ(program.finish(), 130);
+    EXPECT_NE(program.output().find("[unbalanced-"), std::string::npos) << program.output();
+}
+
+TEST_F(StopButton, StopsTheReplayOfARecording) {
+    PtyProgram program(progressRunner("PROGRESS PLAYBACK\nPROGRESS SAY done\n", {"--strict", "--record", "r.mcr"}),
+                       kColumns, plainTerminal());
+    ASSERT_TRUE(program.waitFor("done"));
+    program.type(kCtrlC);
+    EXPECT_EQ(program.finish(), 130);
+    EXPECT_NE(program.output().find("vexa-standin: stopped\r\n"), std::string::npos) << program.output();
+    EXPECT_EQ(commandsOf(read("r.mcr")), "PROGRESS START Again;UNTILSTOPPED;FINISH\n");
+}
+
 TEST_F(StopButton, ShowsThatTheTaskIsAboutToStop) {
     PtyProgram program(progressRunner("PROGRESS START Reading;WAITFOR go;FINISH\n"), kColumns, plainTerminal());
     ASSERT_TRUE(program.waitFor("Ctrl-C stops"));

@@ -1,7 +1,13 @@
-# The file TEXT contains the file PART, word for word.
+# The file TEXT contains the file PART, word for word; with COMMENT, as an example in a comment of a header.
 
 file(READ ${TEXT} text)
 file(READ ${PART} part)
+if(COMMENT)
+    set(prefix "///     ")
+    string(REGEX REPLACE "\n$" "" part "${part}")
+    string(REPLACE "\n" "\n${prefix}" part "${prefix}${part}")
+    string(REGEX REPLACE " +\n" "\n" part "${part}")
+endif()
 string(FIND "${text}" "${part}" position)
 if(position EQUAL -1)
     message(FATAL_ERROR "${TEXT} does not contain the text of ${PART}")

@@ -407,6 +407,26 @@ TEST(Recording, KeepsWhatItIsTold) {
     EXPECT_EQ(recorded[1].command, " ");
 }
 
+TEST(Recording, TellsWhichCallItWas) {
+    Host host;
+    host.setRecording(true);
+    VexaUtilMacroIsBatchModeActive();
+    VexaUtilMacroRecordExtCommand("PROBE", "GO");
+    const Place recordedAt = host.recordedCommands().at(0).recordedAt;
+    EXPECT_EQ(recordedAt.call, 2U);
+    EXPECT_EQ(recordedAt.function, "VexaUtilMacroRecordExtCommand");
+}
+
+TEST(Recording, IsForgottenWhenItIsToBe) {
+    Host host;
+    host.setRecording(true);
+    VexaUtilMacroRecordExtCommand("PROBE", "GO");
+    host.clearRecordedCommands();
+    VexaUtilMacroRecordExtCommand("PROBE", "ON");
+    ASSERT_EQ(host.recordedCommands().size(), 1U);
+    EXPECT_EQ(host.recordedCommands()[0].command, "ON");
+}
+
 TEST(Recording, KeepsNothingWhileItIsOff) {
     Host host;
     EXPECT_EQ(VexaUtilMacroRecordExtCommand("PROBE", "GO"), 0);

@@ -120,6 +120,19 @@ TEST(FailCall, LetsTheNextCallFailAndNoOther) {
     EXPECT_EQ(VexaUtilStatusCheckPercentDone(1), 1);
 }
 
+TEST(FailCall, IsForgottenOnRequest) {
+    Host host;
+    host.failCall("VexaUtilStringAlloc");
+    host.throwFromCall("VexaUtilStringAlloc", 2);
+    host.forgetFaults();
+    char* first = VexaUtilStringAlloc(2, "");
+    char* second = VexaUtilStringAlloc(2, "");
+    EXPECT_NE(first, nullptr);
+    EXPECT_NE(second, nullptr);
+    VexaUtilStringDealloc(&first);
+    VexaUtilStringDealloc(&second);
+}
+
 TEST(FailCall, CountsCallsOfTheFunctionFromNowOn) {
     Host host;
     VexaUtilStatusCheckPercentDone(1);

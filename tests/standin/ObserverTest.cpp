@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <mutex>
 #include <set>
 #include <stdexcept>
@@ -243,6 +244,15 @@ TEST(HostFunctions, EndTheScopesThatTheyBegin) {
     }
     EXPECT_EQ(begun, ended);
     EXPECT_EQ(begun.size(), 6U);
+}
+
+TEST(HostFunctions, AreKnownByWhatTheyReturn) {
+    std::map<std::string, ResultKind_e> results;
+    for (const HostFunctionInfo& function : hostFunctions()) results[function.name] = function.result;
+    EXPECT_EQ(results["VexaUtilLockStart"], ResultKind_e::None);
+    EXPECT_EQ(results["VexaUtilStringAlloc"], ResultKind_e::Handle);
+    EXPECT_EQ(results["VexaUtilSetInsert"], ResultKind_e::Boolean);
+    EXPECT_EQ(results["VexaUtilStyleGetLowLevelX"], ResultKind_e::ReturnCode);
 }
 
 TEST(HostFunctions, AreForAnyThreadIfTheyAreTheMutexs) {

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "vexa/InvalidArgumentException.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/Host.h"
 
@@ -205,6 +206,44 @@ TEST(StopButton, IsThatOfOneHost) {
 }
 
 Host* signalledHost = nullptr;
+
+TEST(StopButton, IsPressedAtACheckToCome) {
+    Host host;
+    VexaUtilStatusCheckPercentDone(1);
+    host.pressStopAtCheck(2);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(2), 1);
+    EXPECT_FALSE(host.isStopPressed());
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(3), 0);
+    EXPECT_TRUE(host.isStopPressed());
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(4), 0);
+}
+
+TEST(StopButton, CountsTheChecksToComeFromOne) {
+    Host host;
+    EXPECT_THROW(host.pressStopAtCheck(0), InvalidArgumentException);
+    host.pressStopAtCheck(3);
+    host.pressStopAtCheck(1);  // the last one asked for holds
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(1), 0);
+}
+
+TEST(StopButton, IsPressedAtAPercentage) {
+    Host host;
+    host.pressStopAtPercent(50);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(49), 1);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(50), 0);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(10), 0);
+    host.releaseStop();
+    host.pressStopAtPercent(50);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(51), 0);
+}
+
+TEST(StopButton, ForgetsWithItsReleaseWhenItWasToBePressed) {
+    Host host;
+    host.pressStopAtCheck(1);
+    host.pressStopAtPercent(50);
+    host.releaseStop();
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(100), 1);
+}
 
 TEST(StopButton, MayBePressedInASignalHandler) {
     Host host;

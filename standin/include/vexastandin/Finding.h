@@ -19,13 +19,14 @@ enum class Severity_e {
 /// A rule of the host's contract with its add-ons.
 struct Rule {
     const char* name;     ///< short and stable, for example "unbalanced-lock"
+    const char* family;   ///< what it is about, for example "Mutexes"
     Severity_e severity;  ///< how bad it is to break it
     const char* summary;  ///< the rule, in one sentence
     const char* why;      ///< what comes of breaking it
     const char* hint;     ///< how to mend it
 };
 
-/// Every rule, sorted for reading: what belongs together stands together.
+/// Every rule, sorted for reading: the rules of a family stand together.
 VEXASTANDIN_API const std::vector<Rule>& rules();
 /// The rule \p name; null when there is none.
 VEXASTANDIN_API const Rule* findRule(std::string_view name);

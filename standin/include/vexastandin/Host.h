@@ -13,6 +13,9 @@
 #include "vexastandin/Finding.h"
 #include "vexastandin/StyleValue.h"
 
+struct AddOnList_s;
+struct VexaAddOn_s;
+
 namespace vexa::standin {
 
 struct HostState;
@@ -33,6 +36,7 @@ struct Call {
 struct RecordedCommand {
     std::string addOnId;  ///< the add-on
     std::string command;  ///< the command's text, without the add-on
+    Place recordedAt;     ///< the call that recorded it
 };
 
 /// A command that an add-on added to the data-set journal.
@@ -60,16 +64,16 @@ VEXASTANDIN_API bool operator!=(const StatusLine& left, const StatusLine& right)
 struct AddOnInfo {
     std::string id;     ///< the name by which macros address it
     std::string title;  ///< its title for people, may be empty
-    std::string path;   ///< the file it was loaded from
+    std::string path;   ///< the file it was loaded from; `(linked in)` when it is part of the program
 };
+
+/// The entry of an add-on: the function vexaAddOn() of `vexa/AddOn.h`, or one like it.
+using AddOnEntry = const VexaAddOn_s* (*)(AddOnList_s* self);
 
 /// What came of one command.
 struct CommandResult {
     bool accepted = false;  ///< whether the add-on reported success
     std::string error;      ///< the add-on's message, or what escaped from it; empty on success
-    /// What the host had to put right after the command, a line each: a lock left open, a status line left up, an
-    /// error string that is none of the host's. Empty when all was well.
-    std::vector<std::string> warnings;
 };
 
 /// An add-on that cannot be loaded. The message is one line: the file, and why.
@@ -112,6 +116,9 @@ public:
 
     /// The process's host; null when none is alive.
     static Host* current();
+    /// Whether the calling thread runs code of an add-on: a host entered the add-on on it, and it is not inside of one of
+    /// the host's C functions, nor in what these call to show or to observe something.
+    static bool isInAddOn() noexcept;
 
     /// \name What the host answers
     /// @{
@@ -132,7 +139,14 @@ public:
     /// Presses the stop button of the status line: VexaUtilStatusCheckPercentDone() answers 0 from now on, whether or
     /// not the task offers the button. May be called from any thread, and from a signal handler.
     void pressStop() noexcept;
-    /// Lets go of the stop button. May be called from where pressStop() may.
+    /// Presses the stop button when VexaUtilStatusCheckPercentDone() is called for the \p nth time from now on, counted
+    /// from 1: that call answers 0, and so do those after it. The last one asked for holds.
+    /// \throws vexa::InvalidArgumentException for a \p nth of 0.
+    void pressStopAtCheck(std::size_t nth);
+    /// Presses the stop button when VexaUtilStatusCheckPercentDone() is told \p percent or more. The last one asked for
+    /// holds.
+    void pressStopAtPercent(int percent) noexcept;
+    /// Lets go of the stop button, and forgets when it was to be pressed. May be called from where pressStop() may.
     void releaseStop() noexcept;
     /// Whether the stop button is pressed. May be called from where pressStop() may.
     bool isStopPressed() const noexcept;
@@ -145,6 +159,8 @@ public:
     void failCall(const std::string& function, std::size_t nth = 1, int result = 0);
     /// Lets a coming call of \p function throw `std::runtime_error`. Parameters and errors as in failCall().
     void throwFromCall(const std::string& function, std::size_t nth = 1);
+    /// Forgets the calls that were to fail or to throw and have not come.
+    void forgetFaults();
     /// @}
 
     /// \name What the host saw
@@ -161,6 +177,8 @@ public:
     /// The commands recorded so far, while recording was on. What does not fit a line of a macro file is refused: an
     /// empty command or one with a line break, an add-on id that is empty or has white space in it.
     std::vector<RecordedCommand> recordedCommands() const;
+    /// Forgets the commands recorded so far.
+    void clearRecordedCommands();
     /// The journal so far.
     std::vector<JournalEntry> journalEntries() const;
     /// The texts of the error dialogs so far.
@@ -183,11 +201,16 @@ public:
     /// \return what the add-on says of itself.
     /// \throws LoadError, "FILE: " and the reason; nothing stays loaded then, and shutdown is not called.
     AddOnInfo loadAddOn(const std::string& path);
+    /// Takes an add-on that is part of the program, so that nothing is loaded and nothing will be unloaded: calls its
+    /// entry, and from then on treats it like any other.
+    /// \return what the add-on says of itself.
+    /// \throws LoadError, "(linked in): " and the reason; shutdown is not called then.
+    AddOnInfo linkAddOn(AddOnEntry entry);
     /// The loaded add-ons, in the order of their loading.
     std::vector<AddOnInfo> addOns() const;
-    /// Shuts the add-ons down and unloads them, the last loaded first.
-    /// \return what went wrong on the way, a line each.
-    std::vector<std::string> unloadAddOns();
+    /// Shuts the add-ons down and unloads them, the last loaded first. The host's lock is taken from each that leaves it
+    /// open, and an exception that escapes from its shutdown is a finding.
+    void unloadAddOns();
     /// Runs one command of a loaded add-on. An exception that escapes from the add-on is its failure; the host's lock,
     /// when the add-on left it open, is taken from it, and a status line that it left up is taken down.
     /// \param macroLine `FILE:LINE` of the command when it comes from a macro file; findings name it.

@@ -11,6 +11,7 @@ constexpr std::size_t kMostKept = 10;
 
 // `moment` is what a place that is no call was of its command: its beginning or its end.
 std::string textOf(const Place& place, const std::string& moment) {
+    if (place.call == 0 && place.command.empty()) return "";
     std::string text;
     if (place.call != 0) text = "call " + std::to_string(place.call) + ", " + place.function;
     if (!place.command.empty()) text += (text.empty() ? moment + " of \"" : ", in \"") + place.command + '"';

@@ -59,6 +59,7 @@ bool takeStep(const std::string& name, const std::string& argument, char** errMs
     if (name == "PART") std::fputs(argument.c_str(), stdout);
     if (name == "DIALOG") VexaUtilDialogErrMsg(argument.c_str());
     if (name == "RECORD") VexaUtilMacroRecordExtCommand(kId, ("SAY " + argument).c_str());
+    if (name == "PLAYBACK") VexaUtilMacroRecordExtCommand(kId, "START Again;UNTILSTOPPED;FINISH");
     if (name == "WAITFOR") {
         while (!fileExists(argument)) usleep(kPause);
     }

@@ -2,12 +2,15 @@
 // stands for a line feed. Its id and title are compiled in, so that several can be loaded side by side.
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "vexa/AddOn.h"
 
@@ -16,6 +19,7 @@ namespace {
 AddOnList_s* identity = nullptr;
 bool throwsAtShutdown = false;
 bool showsDialogAtShutdown = false;
+bool wasRun = false;
 std::string styleAtLoad;
 
 bool fail(char** errMsg, const std::string& text) {
@@ -36,6 +40,22 @@ bool sayAndRecord(const std::string& text, char** errMsg) {
     const bool isLost =
         VexaUtilMacroIsRecordingActive() == 1 && VexaUtilMacroRecordExtCommand(ADDON_ID, command.c_str()) != 1;
     return isLost ? fail(errMsg, "not recorded") : say(text, errMsg);
+}
+
+// `OTHER-ID COMMAND`
+bool recordFor(const std::string& text, char**) {
+    const std::size_t idEnd = text.find(' ');
+    return VexaUtilMacroRecordExtCommand(text.substr(0, idEnd).c_str(), text.substr(idEnd + 1).c_str()) == 1;
+}
+
+bool record(const std::string& command, char**) {
+    return VexaUtilMacroRecordExtCommand(ADDON_ID, command.c_str()) == 1;
+}
+
+// May be run once in a session.
+bool once(const std::string&, char** errMsg) {
+    if (std::exchange(wasRun, true)) return fail(errMsg, "was run before");
+    return record("ONCE", errMsg);
 }
 
 bool answerBatch(const std::string&, char** errMsg) {
@@ -70,6 +90,12 @@ std::string styleOf(const std::string& path) {
 
 bool answerStyle(const std::string& path, char** errMsg) { return say(styleOf(path), errMsg); }
 
+// Can be played back only where there is such a style.
+bool recordStyle(const std::string& path, char** errMsg) {
+    if (styleOf(path) == "no double") return fail(errMsg, "no double");
+    return record("RECORDSTYLE " + path, errMsg);
+}
+
 bool answerStyleAtLoad(const std::string&, char** errMsg) { return say(styleAtLoad, errMsg); }
 
 bool journal(const std::string& text, char**) {
@@ -100,6 +126,11 @@ bool showDialogAtShutdown(const std::string&, char**) {
     return true;
 }
 
+bool sleep(const std::string& milliseconds, char**) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(milliseconds)));
+    return true;
+}
+
 bool killProcess(const std::string&, char**) {
     std::fflush(stdout);
     return std::raise(SIGKILL) == 0;
@@ -113,6 +144,11 @@ struct Command {
 constexpr Command kCommands[] = {
     {"SAY", sayAndRecord},
     {"ECHO", say},
+    {"RECORD", record},
+    {"RECORDFOR", recordFor},
+    {"RECORDSTYLE", recordStyle},
+    {"ONCE", once},
+    {"SLEEP", sleep},
     {"FAIL", [](const std::string& text, char** errMsg) { return fail(errMsg, text); }},
     {"FAILSILENTLY", failSilently},
     {"BATCH", answerBatch},
@@ -142,6 +178,7 @@ VexaBoolean execute(const char* text, char** errMsg) {
 }
 
 void shutdown() {
+    wasRun = false;
     if (showsDialogAtShutdown) VexaUtilDialogErrMsg("goodbye");
     if (throwsAtShutdown) throw std::runtime_error("no way out");
 }

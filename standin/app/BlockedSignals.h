@@ -1,0 +1,26 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <csignal>
+
+namespace vexa::runner {
+
+/// Keeps signals from the threads that are made while it lives: a thread inherits what is blocked where it is made, and
+/// signals are for the threads of the add-ons.
+class BlockedSignals {
+public:
+    BlockedSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+private:
+    sigset_t m_before{};
+};
+
+}  // namespace vexa::runner

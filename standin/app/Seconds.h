@@ -1,0 +1,15 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace vexa::runner {
+
+/// What secondsOf() takes, for a refusal.
+inline constexpr char kExpectedSeconds[] = "expected seconds, more than 0 and at most 1000000";
+
+/// A time limit as users write it, in seconds: `2`, `0.5`. Nothing when it is none, or is out of bounds.
+std::optional<std::chrono::duration<double>> secondsOf(const std::string& text);
+
+}  // namespace vexa::runner

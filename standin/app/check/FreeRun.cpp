@@ -1,0 +1,46 @@
+#include "check/FreeRun.h"
+
+#include <optional>
+
+#include "Replay.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::size_t kChecksUntilStop = 20;
+
+void runAll(Session& session, const std::vector<MacroStep>& steps) {
+    standin::Host& host = session.host();
+    host.setRecording(true);
+    host.setKeepsCalls(false);
+    for (const MacroStep& step : steps) {
+        host.clearRecordedCommands();
+        host.pressStopAtCheck(kChecksUntilStop);
+        session.run(step);
+        host.releaseStop();
+    }
+}
+
+// The finding about what cannot be played back; nothing when it can be.
+std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroStep>& before,
+                                         const standin::RecordedCommand& recorded) {
+    Session session(trial);
+    runAll(session, before);
+    return replay(session.host(), recorded);
+}
+
+}  // namespace
+
+std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroStep>& steps) {
+    Session session(trial);
+    standin::Host& host = session.host();
+    runAll(session, steps);
+    const std::vector<MacroStep> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
+    for (const standin::RecordedCommand& recorded : host.recordedCommands()) {
+        if (const auto finding = playBack(trial, before, recorded)) host.report(*finding);
+    }
+    host.unloadAddOns();
+    return host.violations();
+}
+
+}  // namespace vexa::runner

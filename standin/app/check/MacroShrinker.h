@@ -1,0 +1,18 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "check/Trial.h"
+
+namespace vexa::runner {
+
+/// Makes a macro that shows something smaller, as long as it shows the same: a crash by the same signal, a hang, or
+/// breaches of the same rules. Each try is a process of its own, for the add-on may take it down.
+/// \param macro   as from macroOf().
+/// \param timeout for each command.
+/// \return \p macro itself when it does not show a thing by itself, or when there is nothing smaller.
+/// \throws std::system_error when there cannot be another process.
+std::string shrunkMacro(const Subject& subject, std::chrono::milliseconds timeout, const std::string& macro);
+
+}  // namespace vexa::runner

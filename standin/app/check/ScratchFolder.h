@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace vexa::runner {
+
+/// A copy of the current folder, for commands that may write files anywhere in it. It is removed with this.
+///
+/// Hidden files are left out, and what is no file, folder or link.
+class ScratchFolder {
+public:
+    /// \throws std::filesystem::filesystem_error when the folder cannot be copied, and std::length_error when there is
+    ///         too much in it.
+    ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ~ScratchFolder();
+
+    const std::filesystem::path& path() const { return m_path; }
+
+private:
+    void copy(const std::filesystem::path& from, const std::filesystem::path& to);
+
+    std::filesystem::path m_path;
+    std::uintmax_t m_bytes = 0;
+};
+
+/// The current folder is another one as long as this lives.
+class CurrentFolder {
+public:
+    /// \throws std::filesystem::filesystem_error
+    explicit CurrentFolder(const std::filesystem::path& path);
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    ~CurrentFolder();
+
+private:
+    std::filesystem::path m_before;
+};
+
+}  // namespace vexa::runner

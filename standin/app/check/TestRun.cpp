@@ -1,0 +1,165 @@
+#include "check/TestRun.h"
+
+#include <sys/wait.h>
+
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <optional>
+#include <sstream>
+#include <utility>
+
+#include "check/BlackBox.h"
+#include "check/Lines.h"
+#include "check/MacroShrinker.h"
+#include "check/ScratchFolder.h"
+#include "check/WatchedProcess.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::size_t kOutputLines = 12;
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+std::string whatWasTried(const BlackBox& box) {
+    const std::string tried = box.tried.text();
+    return tried.empty() ? "" : "tried: " + tried;
+}
+
+// In the test's process: how the test comes out, if the process lives to tell.
+Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
+    Trial trial(subject, box);
+    const auto failed = [&](const std::string& reason, std::string macro) {
+        std::string lines = reason;
+        addLine(lines, whatWasTried(box));
+        addLine(lines, trial.warnings());
+        if (macro.empty()) macro = box.macro.text();
+        return Verdict{Outcome_e::Failed, lines, std::move(macro)};
+    };
+    try {
+        Verdict verdict = test.run(trial);
+        const std::string warnings = trial.warnings();
+        if (!warnings.empty() && verdict.outcome == Outcome_e::Passed) verdict.outcome = Outcome_e::Warned;
+        addLine(verdict.reason, warnings);
+        return verdict;
+    } catch (const CaseFailed& failure) {
+        return failed(failure.what(), failure.macro());
+    } catch (const std::bad_alloc&) {
+        return failed("the test got no memory", "");
+    } catch (const std::exception& error) {
+        return failed(std::string("the test could not be carried out: ") + error.what(), "");
+    }
+}
+
+std::string whatRan(const BlackBox& box) {
+    std::string lines = whatWasTried(box);
+    const std::string entry = box.entry.text();
+    const std::string call = box.hostCall.text();
+    if (entry.empty()) {
+        addLine(lines, "the add-on was not at work yet");
+    } else {
+        addLine(lines, (box.isInAddOn ? "during: " : "after: ") + entry);
+        addLine(lines, call.empty() ? "it had not called the host"
+                                    : (box.isInHostCall ? "in host call " : "last host call: ") + call);
+    }
+    return lines;
+}
+
+std::string lastLinesOf(const std::string& output) {
+    const std::vector<std::string> lines = linesOf(output);
+    const std::size_t first = lines.size() > kOutputLines ? lines.size() - kOutputLines : 0;
+    std::string text;
+    for (std::size_t i = first; i != lines.size(); ++i) addLine(text, "    " + lines[i]);
+    return text.empty() ? "" : "the last that was printed:\n" + text;
+}
+
+std::string secondsText(std::chrono::milliseconds time) {
+    std::ostringstream text;
+    text << std::chrono::duration<double>(time).count() << " s";
+    return text.str();
+}
+
+std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
+    if (end.timedOut && end.verdict) return "its process did not end";
+    if (end.timedOut && box.isInAddOn) return "the add-on did not return within " + secondsText(timeout);
+    if (end.timedOut) return "the test did not go on";
+    if (WIFSIGNALED(end.waitStatus)) {
+        const int number = WTERMSIG(end.waitStatus);
+        const char* const name = sigabbrev_np(number);
+        return "SIG" + (name == nullptr ? std::to_string(number) : std::string(name)) + ": " + strsignal(number);
+    }
+    return "the add-on ended the process, with status " + std::to_string(WEXITSTATUS(end.waitStatus));
+}
+
+bool isWell(const ProcessEnd& end) {
+    return !end.timedOut && end.verdict && WIFEXITED(end.waitStatus) && WEXITSTATUS(end.waitStatus) == 0;
+}
+
+// In the process that watches: the verdict, if the process lived to tell it.
+Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
+    const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
+    if (isPassed) return *end.verdict;
+    Verdict verdict = isWell(end) ? *end.verdict
+                                  : Verdict{end.timedOut ? Outcome_e::TimedOut : Outcome_e::Crashed,
+                                            howItEnded(end, box, timeout) + '\n' + whatRan(box), box.macro.text()};
+    if (box.wantedMemory) addLine(verdict.reason, "the process ran out of memory on the way");
+    addLine(verdict.reason, lastLinesOf(end.output));
+    return verdict;
+}
+
+void shrinkMacro(Verdict& verdict, const Subject& subject, std::chrono::milliseconds timeout) {
+    if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
+    std::string smaller = shrunkMacro(subject, timeout, verdict.macro);
+    if (smaller == verdict.macro) return;
+    addLine(verdict.reason, "a smaller macro shows the same:\n    " + smaller);
+    verdict.macro = std::move(smaller);
+}
+
+Verdict runTame(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
+    const auto task = [&] { return verdictOf(test, subject, box); };
+    return setting.inProcess ? task() : judge(runWatched(box, setting.timeout, task), box, setting.timeout);
+}
+
+Subject withAbsoluteFiles(Subject subject) {
+    const auto makeAbsolute = [](std::string& file) { file = std::filesystem::absolute(file); };
+    makeAbsolute(subject.addOn);
+    for (std::string& other : subject.others) makeAbsolute(other);
+    return subject;
+}
+
+Verdict runWild(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
+    const Subject movable = withAbsoluteFiles(subject);
+    std::optional<ScratchFolder> scratch;
+    try {
+        scratch.emplace();
+    } catch (const std::exception& error) {
+        return {Outcome_e::Skipped, std::string("it works in a copy of the current folder, and there is none: ") +
+                                        error.what() + "\nrun it where the files of the macros are, and little else"};
+    }
+    const CurrentFolder there(scratch->path());
+    Verdict verdict = runTame(test, movable, setting, box);
+    if (!setting.inProcess) shrinkMacro(verdict, movable, setting.timeout);
+    return verdict;
+}
+
+}  // namespace
+
+TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting) {
+    const SharedBlackBox box;
+    const auto begin = BlackBox::Clock::now();
+    TestResult result;
+    result.test = &test;
+    result.verdict = (test.isWild ? runWild : runTame)(test, subject, setting, *box);
+    result.duration = std::chrono::duration_cast<std::chrono::milliseconds>(BlackBox::Clock::now() - begin);
+    result.addOnIds = linesOf(box->addOnIds.text());
+    return result;
+}
+
+}  // namespace vexa::runner

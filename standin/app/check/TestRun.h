@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "check/CheckTest.h"
+#include "check/Trial.h"
+
+namespace vexa::runner {
+
+/// How tests are run.
+struct TestSetting {
+    bool inProcess = false;               ///< in this process, for a debugger
+    std::chrono::milliseconds timeout{};  ///< for each command; a process of its own is killed then
+};
+
+/// A test that was run.
+struct TestResult {
+    const CheckTest* test = nullptr;
+    Verdict verdict;
+    std::chrono::milliseconds duration{};
+    std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
+};
+
+/// Runs \p test in a process of its own, and tells a crash or a hang of it as its verdict.
+/// \throws std::system_error when there cannot be another process.
+TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting);
+
+}  // namespace vexa::runner

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vexa::runner {
+
+/// A line of the timeline: a thread, or a kind of scope.
+struct TracedTrack {
+    long id = 0;
+    std::string name;
+    bool isScope = false;
+};
+
+/// A time of the run. Times are nanoseconds since its beginning.
+struct TracedSpan {
+    enum class Kind_e { Entry, Call, Scope };
+
+    Kind_e kind = Kind_e::Call;
+    std::size_t track = 0;  ///< the index of its track
+    std::size_t depth = 0;  ///< how many spans of its track it is in
+    std::string name;
+    std::int64_t start = 0;
+    std::optional<std::int64_t> end;  ///< nothing when the trace ends before
+    std::size_t number = 0;           ///< a call's
+    std::string arguments;            ///< a call's, and of the call that began a scope
+    std::string result;               ///< a call's
+};
+
+/// Whether \p span is a call that had a command recorded.
+inline bool isRecording(const TracedSpan& span) {
+    return span.kind == TracedSpan::Kind_e::Call && span.name == "VexaUtilMacroRecordExtCommand" && span.result == "1";
+}
+
+/// A command, or the loading or unloading of an add-on.
+struct TracedEntry {
+    std::size_t span = 0;  ///< its index
+    std::string kind;      ///< "command", "loading" or "unloading"
+    std::string addOnId;
+    std::string command;    ///< the command's text; empty when it is none
+    std::string macroLine;  ///< `FILE:LINE`; empty when it came from no macro file
+    bool succeeded = false;
+    std::string error;
+    std::size_t calls = 0;  ///< how many host calls began in it
+};
+
+/// A finding as the trace has it.
+struct TracedFinding {
+    std::size_t track = 0;
+    std::int64_t time = 0;
+    nlohmann::ordered_json facts;  ///< the fields of a Finding, and the hint
+};
+
+/// A percentage of the status line.
+struct TracedPercent {
+    std::int64_t time = 0;
+    int percent = 0;
+};
+
+/// How a run ended.
+struct TracedOutcome {
+    int exitStatus = 0;
+    std::string text;
+};
+
+/// A run as its trace tells it.
+struct TracedRun {
+    std::string tool;
+    std::string macroFile;
+    nlohmann::ordered_json options;  ///< an array of values for each option that was given
+    bool isStrict = false;
+    bool hasTimeLimit = false;
+    std::vector<std::string> suppressed;   ///< rules
+    std::optional<TracedOutcome> outcome;  ///< nothing when the trace ends before the run
+    std::int64_t end = 0;                  ///< the time of the last event
+    std::vector<TracedTrack> tracks;
+    std::vector<TracedSpan> spans;  ///< in the order of their beginnings
+    std::vector<TracedEntry> entries;
+    std::vector<TracedFinding> findings;
+    std::vector<TracedPercent> percents;
+};
+
+}  // namespace vexa::runner

@@ -1,0 +1,47 @@
+#include "trace/LiveFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "Descriptor.h"
+#include "OutputTarget.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr mode_t kNewFile = 0666;
+
+int opened(const std::string& path) {
+    const int descriptor = open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kNewFile);
+    if (descriptor < 0) refuseOutput(path);
+    return descriptor;
+}
+
+}  // namespace
+
+LiveFile::LiveFile(const std::string& path) : m_path(path), m_descriptor(opened(path)) {}
+
+LiveFile::~LiveFile() {
+    if (m_descriptor >= 0) ::close(m_descriptor);
+}
+
+void LiveFile::append(std::string_view text) {
+    if (m_descriptor < 0 || !m_problem.empty()) return;
+    if (!writeAll(m_descriptor, text)) giveUp(std::generic_category().message(errno));
+}
+
+void LiveFile::giveUp(const std::string& why) {
+    if (m_problem.empty()) m_problem = why;
+}
+
+void LiveFile::close() {
+    const int closed = ::close(std::exchange(m_descriptor, -1));
+    if (!m_problem.empty()) refuseOutput(m_path, m_problem);
+    if (closed != 0) refuseOutput(m_path);
+}
+
+}  // namespace vexa::runner

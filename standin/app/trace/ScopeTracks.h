@@ -1,0 +1,67 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "vexastandin/HostFunctions.h"
+#include "vexastandin/Observer.h"
+
+namespace vexa::runner {
+
+/// The beginning or the end of a scope of the host's: its lock, its status line, a mutex, and so on.
+struct ScopeEdge {
+    bool begins = false;
+    std::size_t track = 0;  ///< scopes of one track nest; tracks are numbered from 1
+    std::string trackName;  ///< the kind of scope; several mutexes locked at once have tracks "mutex 1", "mutex 2" ...
+    std::string name;       ///< the kind of scope, or the mutex
+    std::string arguments;  ///< of the call that began it; only at the beginning
+    std::chrono::steady_clock::time_point time;  ///< never before the one told before on the track
+};
+
+/// Tells from calls when the host's scopes begin and end.
+///
+/// A scope lasts from the end of the call that begins it to the beginning of the call that ends it, so that those of
+/// two threads do not overlap. An end without a beginning is none. What an add-on leaves open ends when the host is
+/// back, where the host puts it right; a mutex stays locked. Threads: one uses it at a time.
+class ScopeTracks {
+public:
+    ScopeTracks();
+
+    void entryBegan() { ++m_depth; }
+    /// What the entry left open, the last begun first.
+    std::vector<ScopeEdge> entryEnded(std::chrono::steady_clock::time_point time);
+    std::optional<ScopeEdge> callBegan(const standin::CallEvent& call);
+    std::optional<ScopeEdge> callEnded(const standin::CallEvent& call);
+    /// All that is open.
+    std::vector<ScopeEdge> endAll(std::chrono::steady_clock::time_point time);
+
+private:
+    struct Scope {
+        std::size_t depth = 0;  // of entries, where it began
+        std::string name;
+    };
+    struct Track {
+        std::string name;
+        const char* kind = "";
+        std::vector<Scope> open;
+        std::chrono::steady_clock::time_point last;
+    };
+
+    const standin::HostFunctionInfo* scopeFunction(const standin::CallEvent& call) const;
+    std::size_t newTrack(const char* kind, const std::string& name);
+    std::optional<std::size_t> trackToBeginOn(const standin::HostFunctionInfo& function, const std::string& name);
+    std::optional<std::size_t> trackToEndOn(const standin::HostFunctionInfo& function, const std::string& name) const;
+    ScopeEdge begin(std::size_t track, const std::string& name, const standin::CallEvent& call);
+    ScopeEdge end(std::size_t track, std::chrono::steady_clock::time_point time);
+
+    std::unordered_map<std::string_view, const standin::HostFunctionInfo*> m_functions;  // those with a scope
+    std::vector<Track> m_tracks;
+    std::size_t m_depth = 0;  // of entries
+};
+
+}  // namespace vexa::runner

@@ -1,0 +1,139 @@
+#include "trace/TextTrace.h"
+
+#include <filesystem>
+#include <new>
+#include <string_view>
+
+#include "vexastandin/Finding.h"
+
+namespace vexa::runner {
+namespace {
+
+using standin::CallEvent;
+using standin::Entry_e;
+using standin::EntryEvent;
+using standin::Finding;
+
+constexpr const char* kHead = "# thread, then commands, and their calls of the host with arguments and results\n";
+constexpr std::string_view kIndentation = "  ";
+
+// A line is one line, whatever an add-on hands over.
+std::string onOneLine(std::string_view text) {
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string line;
+    for (const char c : text) {
+        const auto code = static_cast<unsigned char>(c);
+        if (c == '\n') {
+            line += "\\n";
+        } else if (code < ' ' || code == 0x7f) {
+            line += {'\\', 'x', kDigits[code >> 4U], kDigits[code & 0xfU]};
+        } else {
+            line += c;
+        }
+    }
+    return line;
+}
+
+// The folder is left out: it is another one on another machine.
+std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
+
+std::string beginningOf(const EntryEvent& entry) {
+    switch (entry.kind) {
+        case Entry_e::Loading: return "load " + fileNameOf(entry.addOnId);
+        case Entry_e::Command:
+            return (entry.macroLine.empty() ? "" : entry.macroLine + ": ") + entry.addOnId + ' ' + entry.command;
+        case Entry_e::Unloading: return "unload " + entry.addOnId;
+    }
+    return "";
+}
+
+std::string endOf(const EntryEvent& entry) {
+    if (!entry.succeeded) return entry.error.empty() ? "=> failed" : "=> failed: " + entry.error;
+    switch (entry.kind) {
+        case Entry_e::Loading: return "=> loaded " + entry.addOnId;
+        case Entry_e::Command: return "=> accepted";
+        case Entry_e::Unloading: return "=> unloaded";
+    }
+    return "";
+}
+
+std::string lineOf(const CallEvent& call) {
+    const std::string line = std::string(call.function) + '(' + call.arguments + ')';
+    if (call.threw) return line + " threw";
+    return call.result.empty() ? line : line + " = " + call.result;
+}
+
+// Where it was seen is where the line stands.
+std::string lineOf(const Finding& finding) {
+    std::string line = finding.severity == standin::Severity_e::Error ? "! error: " : "! warning: ";
+    line += finding.message + " [" + finding.rule + ']';
+    if (!finding.opened) return line;
+    line += " (first: " + (finding.opened->function.empty() ? "the beginning" : finding.opened->function);
+    if (!finding.opened->macroLine.empty()) line += ", " + finding.opened->macroLine;
+    return line + ')';
+}
+
+}  // namespace
+
+TextTrace::TextTrace(const std::string& path) : m_file(path) { m_file.append(kHead); }
+
+void TextTrace::entryBegan(const EntryEvent& entry) {
+    guarded([&] { write(entry.threadNumber, m_depth++, beginningOf(entry)); });
+}
+
+void TextTrace::entryEnded(const EntryEvent& entry) {
+    guarded([&] { write(entry.threadNumber, m_depth--, endOf(entry)); });
+}
+
+void TextTrace::callBegan(const CallEvent& call) {
+    guarded([&] { ++m_calling[call.thread].open; });
+}
+
+void TextTrace::callEnded(const CallEvent& call) {
+    guarded([&] {
+        Calling& calling = m_calling[call.thread];
+        const std::size_t depth = m_depth + --calling.open;
+        write(call.threadNumber, depth, lineOf(call));
+        for (const std::string& finding : calling.findings) write(call.threadNumber, depth + 1, finding);
+        calling.findings.clear();
+        if (calling.open == 0) m_calling.erase(call.thread);
+    });
+}
+
+void TextTrace::findingMade(const Finding& finding) {
+    guarded([&] {
+        const auto calling = m_calling.find(std::this_thread::get_id());
+        if (calling == m_calling.end()) return write(finding.seen.thread, m_depth, lineOf(finding));
+        calling->second.findings.push_back(lineOf(finding));
+    });
+}
+
+// The calls that change it are written.
+void TextTrace::statusChanged(const standin::StatusLine&) {}
+
+void TextTrace::finish(int exitStatus, const std::string& outcome) {
+    guarded([&] {
+        m_file.append("=> exit status " + std::to_string(exitStatus) + ": " + outcome + '\n');
+        m_isFinished = true;
+    });
+    m_file.close();
+}
+
+template <class Action>
+void TextTrace::guarded(const Action& action) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    if (m_isFinished) return;
+    try {
+        action();
+    } catch (const std::bad_alloc&) {
+        m_file.giveUp("out of memory");
+    }
+}
+
+void TextTrace::write(std::size_t thread, std::size_t depth, const std::string& text) {
+    std::string line = std::to_string(thread) + std::string(kIndentation);
+    for (std::size_t i = 0; i != depth; ++i) line += kIndentation;
+    m_file.append(line + onOneLine(text) + '\n');
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <limits>
+
+namespace vexa::standin {
+
+/// The status line's stop button, and when it is to be pressed.
+///
+/// Threads: safe from any, and in signal handlers, where a lock must not be taken.
+class StopButton {
+public:
+    void press() noexcept { m_isPressed = true; }
+    /// \param nth which check from now on, counted from 1.
+    void pressAtCheck(std::size_t nth) noexcept { m_checksLeft = nth; }
+    void pressAtPercent(int percent) noexcept { m_percent = percent; }
+    /// Also forgets when it was to be pressed.
+    void release() noexcept {
+        m_checksLeft = 0;
+        m_percent = kNever;
+        m_isPressed = false;
+    }
+    bool isPressed() const noexcept { return m_isPressed; }
+
+    /// Counts a check.
+    /// \return whether it is pressed then.
+    bool isPressedAt(int percent) noexcept {
+        if (percent >= m_percent || isLastCheck()) press();
+        return isPressed();
+    }
+
+private:
+    // No percentage that anybody gives.
+    static constexpr int kNever = std::numeric_limits<int>::max();
+    static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<std::size_t>::is_always_lock_free &&
+                  std::atomic<int>::is_always_lock_free);
+
+    bool isLastCheck() noexcept {
+        std::size_t left = m_checksLeft;
+        while (left != 0 && !m_checksLeft.compare_exchange_weak(left, left - 1)) {}
+        return left == 1;
+    }
+
+    std::atomic<bool> m_isPressed{false};
+    std::atomic<std::size_t> m_checksLeft{0};  // 0 when none is counted
+    std::atomic<int> m_percent{kNever};
+};
+
+}  // namespace vexa::standin

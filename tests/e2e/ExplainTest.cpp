@@ -1,0 +1,71 @@
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+using Explain = RunnerTest;
+
+TEST_F(Explain, ListsAllRulesWithSeverityAndSummary) {
+    const ProgramResult result = runProgram(runner({"explain"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const char* part :
+         {"Beginnings and ends\n",
+          "  lock-identity             error    VexaUtilLockFinish is given the identity that VexaUtilLockStart was "
+          "given.\n",
+          "\nMutexes\n", "  percent-backwards         warning  The percentage of one task never runs backwards.\n"}) {
+        EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
+    }
+}
+
+TEST_F(Explain, TellsRuleReasonAndHint) {
+    const ProgramResult result = runProgram(runner({"explain", "double-free"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out,
+              "double-free, error\n"
+              "\n"
+              "  Rule:  A handle is freed once.\n"
+              "  Why:   The second time frees memory that may be somebody else's; the host\n"
+              "         crashes later, elsewhere.\n"
+              "  Hint:  Keep a handle in one variable only: the host clears that one. Or let\n"
+              "         one object own it.\n");
+}
+
+TEST_F(Explain, OffersTheNearestRules) {
+    struct Case {
+        const char* why;
+        const char* name;
+        const char* offer;
+    };
+    const Case cases[] = {
+        {"a slip of the pen", "duble-free", "is double-free meant?"},
+        {"a part of several names", "lock", "is unbalanced-lock, lock-identity or mutex-locked-twice meant?"},
+        {"a part of two", "double", "is double-free meant?"},
+        {"nothing near", "frobnicate", "'vexa-standin explain' lists them"},
+        {"nothing at all", "", "'vexa-standin explain' lists them"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = runProgram(runner({"explain", c.name}));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "vexa-standin: there is no rule \"" + std::string(c.name) + "\"; " + c.offer + '\n');
+    }
+}
+
+TEST_F(Explain, TakesARuleOrThePage) {
+    EXPECT_EQ(runProgram(runner({"explain", "double-free", "--markdown"})).status, 2);
+    EXPECT_EQ(runProgram(runner({"explain", "double-free", "null-handle"})).status, 2);
+}
+
+TEST_F(Explain, WritesThePageOfTheContract) {
+    const ProgramResult page = runProgram(runner({"explain", "--markdown"}));
+    EXPECT_EQ(page.status, 0);
+    std::ifstream file(VEXA_DOCS "/contract.md", std::ios::binary);
+    const std::string committed((std::istreambuf_iterator<char>(file)), {});
+    EXPECT_EQ(page.out, committed)
+        << "renew it: vexa-standin explain --markdown > docs/contract.md, in the folder of the sources";
+}
+
+}  // namespace
+}  // namespace vexa::e2e

@@ -1,0 +1,251 @@
+#include <csignal>
+#include <sstream>
+
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Report : public RunnerTest {
+protected:
+    ProgramResult report(const std::string& trace) const {
+        return runProgram(runner({"report", trace, "-o", "report.html"}));
+    }
+    void traceMacro(const std::string& macro) const {
+        runMacro(macro, {"--keep-going", "--record", "r.mcr", "--trace", "t.json"});
+    }
+};
+
+TEST_F(Report, IsAPageOfTheRun) {
+    traceMacro("ONE SAY hello\n");
+    const ProgramResult result = report("t.json");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out + result.err, "");
+    EXPECT_EQ(read("report.html").substr(0, 15), "<!DOCTYPE html>");
+    EXPECT_NE(read("report.html").find("SAY hello"), std::string::npos);
+}
+
+TEST_F(Report, IsWrittenWhateverBecameOfTheRun) {
+    traceMacro("ONE FAIL a\n");
+    EXPECT_EQ(report("t.json").status, 0);
+    traceMacro("ONE SAY a\nONE KILL\n");
+    EXPECT_EQ(report("t.json").status, 0);
+    EXPECT_NE(read("report.html").find("ONE KILL"), std::string::npos);
+}
+
+TEST_F(Report, OfWhatIsNoTraceIsRefused) {
+    write("text", "ONE SAY a\n");
+    fs::create_directory(folder() / "folder");
+    struct Case {
+        const char* file;
+        const char* why;
+    };
+    const Case cases[] = {
+        {"text", "this is no trace that 'vexa-standin run --trace' wrote"},
+        {"gone", "cannot be read: No such file or directory"},
+        {"folder", "cannot be read: Is a directory"},
+    };
+    for (const Case& c : cases) {
+        const ProgramResult result = report(c.file);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, std::string(c.file) + ": " + c.why + '\n');
+        EXPECT_FALSE(fs::exists(folder() / "report.html"));
+    }
+}
+
+TEST_F(Report, DoesNotReplaceItsTrace) {
+    traceMacro("ONE SAY a\n");
+    const std::string trace = read("t.json");
+    const ProgramResult result = runProgram(runner({"report", "t.json", "-o", "./t.json"}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "./t.json: cannot be written: it is the trace\n");
+    EXPECT_EQ(read("t.json"), trace);
+}
+
+TEST_F(Report, ThatCannotBeWrittenIsAnError) {
+    traceMacro("ONE SAY a\n");
+    const ProgramResult result = runProgram(runner({"report", "t.json", "-o", "gone/r.html"}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "gone/r.html: cannot be written: No such file or directory\n");
+}
+
+TEST_F(Report, NeedsTheNameOfThePage) { EXPECT_EQ(runProgram(runner({"report", "t.json"})).status, 2); }
+
+// ---- In a browser
+
+// What the timeline shows.
+struct View {
+    long from = 0;
+    long to = 0;
+    std::string selection;
+    long width() const { return to - from; }
+};
+
+// Writes into the page, before the script that is left out of it, what the timeline shows. Before a page is printed it
+// is drawn at once.
+constexpr const char* kLook = R"(
+    const canvas = document.getElementById('canvas');
+    const seen = document.createElement('pre');
+    document.body.prepend(seen);
+    const look = () => {
+        window.dispatchEvent(new Event('beforeprint'));
+        seen.append(`view ${canvas.dataset.from} ${canvas.dataset.to} ${document.getElementById('selection').textContent}\n`);
+    };
+    const press = (key) => {
+        canvas.dispatchEvent(new KeyboardEvent('keydown', {key}));
+        look();
+    };
+    look();
+)";
+
+std::vector<View> viewsIn(const std::string& page) {
+    std::vector<View> views;
+    std::istringstream lines(page);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t begin = line.find("view ");
+        if (begin == std::string::npos) continue;
+        std::istringstream words(line.substr(begin + 5));
+        View& view = views.emplace_back();
+        words >> view.from >> view.to;
+        std::getline(words >> std::ws, view.selection);
+    }
+    return views;
+}
+
+class ReportInBrowser : public Report {
+protected:
+    void SetUp() override {
+        if (runProgram({{"sh", "-c", "command -v chromium"}, folder(), "", false}).status != 0) {
+            GTEST_SKIP() << "chromium is not installed";
+        }
+    }
+
+    // The page's elements after its script ran, without the script.
+    std::string elements() const {
+        const std::string page = "file://" + (folder() / "report.html").string();
+        const ProgramResult result =
+            runProgram({{"timeout", "120", "chromium", "--headless", "--no-sandbox", "--disable-gpu",
+                         "--user-data-dir=" + (folder() / "profile").string(), "--dump-dom", page},
+                        folder(),
+                        "",
+                        false});
+        EXPECT_EQ(result.status, 0) << result.err;
+        return result.out.substr(0, result.out.find("<script"));
+    }
+
+    std::string elementsAfter(const std::string& macro) const {
+        traceMacro(macro);
+        EXPECT_EQ(report("t.json").status, 0);
+        return elements();
+    }
+
+    // What the timeline shows at first, and after each of \p keys.
+    std::vector<View> viewsAfter(const std::string& macro, const std::vector<std::string>& keys) const {
+        traceMacro(macro);
+        EXPECT_EQ(report("t.json").status, 0);
+        std::string script = kLook;
+        for (const std::string& key : keys) script += "press('" + key + "');";
+        std::string page = read("report.html");
+        page.insert(page.rfind("</body>"), "<script>" + script + "</script>");
+        write("report.html", page);
+        return viewsIn(elements());
+    }
+};
+
+testing::AssertionResult has(const std::string& page, const std::string& text) {
+    if (page.find(text) != std::string::npos) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "no " << text << " in:\n" << page;
+}
+
+// The value of an attribute of the timeline.
+std::string timelineValue(const std::string& page, const std::string& name) {
+    const std::size_t begin = page.find(name + "=\"", page.find("<canvas")) + name.size() + 2;
+    return page.substr(begin, page.find('"', begin) - begin);
+}
+
+const std::string kMacro = "ONE SAY hello\nONE LEAVELOCKOPEN\nONE DIALOG watch <b>out</b>\nONE FAIL no way\n";
+
+TEST_F(ReportInBrowser, ShowsTheRun) {
+    const std::string page = elementsAfter(kMacro);
+    EXPECT_TRUE(has(page, "<h1 id=\"title\">Run of m.mcr</h1>"));
+    EXPECT_TRUE(has(page, "Failed: a command failed, exit status 1, with 1 finding"));
+    EXPECT_TRUE(has(page, "ONE LEAVELOCKOPEN"));
+    EXPECT_TRUE(has(page, "no way"));
+    EXPECT_TRUE(has(page, "<pre>watch &lt;b&gt;out&lt;/b&gt;</pre>")) << "the dialog";
+    EXPECT_TRUE(has(page, "<pre>SAY hello</pre>")) << "the recorded command";
+    EXPECT_TRUE(
+        has(page, "<td class=\"code\">VexaUtilSetAlloc</td><td class=\"number\"><span class=\"warn\">never called"));
+    EXPECT_TRUE(has(page, "<td class=\"code\">leaked-set</td><td><span class=\"warn\">untouched"));
+    EXPECT_TRUE(has(page, "<td class=\"code\">unbalanced-lock</td><td><span class=\"bad\">broken: 1 finding"));
+}
+
+TEST_F(ReportInBrowser, ShowsAFindingWithBothPlacesAndItsHint) {
+    const std::string page = elementsAfter(kMacro);
+    EXPECT_TRUE(has(page, "the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]"));
+    EXPECT_TRUE(
+        has(page, "<dt>First</dt><dd>call 8, VexaUtilLockStart, in \"ONE LEAVELOCKOPEN\", m.mcr:2, thread 1</dd>"));
+    EXPECT_TRUE(has(page, "<dt>Seen</dt><dd>the end of \"ONE LEAVELOCKOPEN\", m.mcr:2, thread 1</dd>"));
+    EXPECT_TRUE(has(page, "<dt>Hint</dt><dd>Hold the lock by an AddOnIdLock"));
+}
+
+TEST_F(ReportInBrowser, DrawsTheTimeline) {
+    const std::string page = elementsAfter(kMacro);
+    EXPECT_GT(std::stoi(timelineValue(page, "data-drawn")), 5);
+    EXPECT_EQ(timelineValue(page, "data-from"), "0");
+    EXPECT_TRUE(has(page, "Timeline of 6 commands and 11 host calls and scopes on 2 tracks."));
+}
+
+TEST_F(ReportInBrowser, ZoomsAndMovesByKeys) {
+    const std::vector<View> views =
+        viewsAfter(kMacro, {"+", "ArrowRight", "ArrowLeft", "-", "ArrowUp", "ArrowDown", "0"});
+    ASSERT_EQ(views.size(), 8U);
+    const long whole = views[0].to;
+    EXPECT_EQ(views[0].from, 0);
+    EXPECT_NEAR(static_cast<double>(views[1].width()), static_cast<double>(whole) / 2, 2);
+    EXPECT_GT(views[2].from, views[1].from);
+    EXPECT_NEAR(static_cast<double>(views[2].width()), static_cast<double>(views[1].width()), 1);
+    EXPECT_NEAR(static_cast<double>(views[3].from), static_cast<double>(views[1].from), 2);
+    EXPECT_EQ(views[4].width(), whole);
+    EXPECT_LT(views[5].width(), whole);
+    EXPECT_EQ(views[6].width(), whole);
+    EXPECT_EQ(views[7].width(), whole);
+}
+
+TEST_F(ReportInBrowser, KeepsTheTimelineWithinTheRun) {
+    const std::vector<View> views = viewsAfter(
+        kMacro, {"-", "ArrowLeft", "ArrowRight", "+", "ArrowLeft", "ArrowLeft", "ArrowLeft", "ArrowLeft", "ArrowLeft"});
+    ASSERT_EQ(views.size(), 10U);
+    for (const View& view : views) {
+        EXPECT_GE(view.from, 0);
+        EXPECT_LE(view.to, views[0].to);
+    }
+    EXPECT_EQ(views.back().from, 0);
+}
+
+TEST_F(ReportInBrowser, SelectsByKeysWhatComesNextAndBefore) {
+    const std::vector<View> views = viewsAfter(kMacro, {"n", "n", "p"});
+    ASSERT_EQ(views.size(), 4U);
+    EXPECT_EQ(views[0].selection, "Nothing is selected.");
+    EXPECT_EQ(views[1].selection.find("load "), 0U);
+    EXPECT_EQ(views[2].selection.find("call 1: VexaUtilArgListAlloc() = arglist#1, on thread 1, from "), 0U);
+    EXPECT_EQ(views[3].selection, views[1].selection);
+}
+
+TEST_F(ReportInBrowser, TellsOfARunThatWasKilled) {
+    const std::string page = elementsAfter("ONE SAY a\nONE KILL\n");
+    EXPECT_TRUE(has(page, "Failed: the trace ends before the run"));
+    EXPECT_TRUE(has(page, "<span class=\"bad\">did not end</span>"));
+}
+
+TEST_F(ReportInBrowser, TellsOfARunThatWentWell) {
+    const std::string page = elementsAfter("ONE ECHO a\n");
+    EXPECT_TRUE(has(page, "<p id=\"verdict\" class=\"good\">Passed</p>"));
+    EXPECT_TRUE(has(page, "There are none."));
+    EXPECT_TRUE(has(page, "No dialog came up."));
+    EXPECT_TRUE(has(page, "No command was recorded."));
+}
+
+}  // namespace
+}  // namespace vexa::e2e
