@@ -3,46 +3,48 @@
 namespace dataloader {
 namespace {
 
-/// With the add-on loaded, recording on, and a small table at hand.
-class Commands : public HostTest {
+/// With the add-on loaded, and a small table at hand.
+class Commands : public FolderTest {
 protected:
     Commands() {
-        host.setRecording(true);
-        host.loadAddOn(DATALOADER_ADDON);
         write("small.csv", "# two columns\nhour,rain\n0,0.5\n1,1.5\n");
         write("broken.csv", "hour,rain\n0,0.5\n1,x\n2,2.5\n");
     }
 
-    struct Outcome {
-        bool accepted;
+    struct Played {
+        vexa::standin::TestedCommand tested;
         std::string printed;
-        std::string error;
     };
 
-    Outcome play(const std::string& command) {
+    Played play(const std::string& command) {
         testing::internal::CaptureStdout();
-        const vexa::standin::CommandResult result = host.run("DATALOADER", command);
-        for (const std::string& warning : result.warnings) ADD_FAILURE() << command << ": " << warning;
-        return {result.accepted, testing::internal::GetCapturedStdout(), result.error};
+        const vexa::standin::TestedCommand tested = addOn.run(command);
+        return {tested, testing::internal::GetCapturedStdout()};
     }
     /// What a command prints that is to succeed.
     std::string run(const std::string& command) {
-        const Outcome outcome = play(command);
-        EXPECT_TRUE(outcome.accepted) << command << '\n' << outcome.error;
-        return outcome.printed;
+        const Played played = play(command);
+        EXPECT_TRUE(played.tested.accepted) << played.tested;
+        return played.printed;
     }
     /// The message of a command that is to fail, and to print nothing.
     std::string refusalOf(const std::string& command) {
-        const Outcome outcome = play(command);
-        EXPECT_FALSE(outcome.accepted) << command;
-        EXPECT_EQ(outcome.printed, "") << command;
-        return outcome.error;
+        const Played played = play(command);
+        EXPECT_FALSE(played.tested.accepted) << played.tested;
+        EXPECT_EQ(played.printed, "") << played.tested;
+        return played.tested.error;
     }
     std::vector<std::string> recorded() const {
         std::vector<std::string> commands;
         for (const vexa::standin::RecordedCommand& entry : host.recordedCommands()) commands.push_back(entry.command);
         return commands;
     }
+
+    vexa::standin::AddOnTester addOn{DATALOADER_ADDON};
+    vexa::standin::Host& host = addOn.host();
+
+private:
+    const vexa::standin::ExpectNoFindings m_expectation{host, fail};
 };
 
 using Strings = std::vector<std::string>;
@@ -119,7 +121,7 @@ TEST_F(Commands, KeepTheTableBeforeWhenTheUserStopsThem) {
     run("LOAD FILE = 'small.csv'");
     const std::string before = run("SUMMARY");
     write("large.csv", largeTable());
-    stopHalfway();
+    host.pressStopAtPercent(50);
     EXPECT_EQ(refusalOf("LOAD FILE = 'large.csv'"), "Error: LOAD was stopped by the user");
     host.releaseStop();
     EXPECT_EQ(run("SUMMARY"), before);
@@ -130,7 +132,7 @@ TEST_F(Commands, KeepTheTableBeforeWhenTheHostDoesNotRecord) {
     run("LOAD FILE = 'small.csv'");
     write("other.csv", "a\n1\n");
     host.failCall("VexaUtilMacroRecordExtCommand");
-    EXPECT_EQ(play("LOAD FILE = 'other.csv'").error, "Error: The host did not record the command");
+    EXPECT_EQ(play("LOAD FILE = 'other.csv'").tested.error, "Error: The host did not record the command");
     EXPECT_EQ(run("SUMMARY").rfind("small.csv: ", 0), 0u);
 }
 
@@ -169,8 +171,8 @@ TEST_F(Commands, ExplainWhatAHostFunctionThrew) {
     for (const char* function : {"VexaUtilLockStart", "VexaUtilStatusStartPercentDone", "VexaUtilAuxDataBeginAssign",
                                  "VexaUtilMacroIsRecordingActive"}) {
         host.throwFromCall(function);
-        const Outcome outcome = play("LOAD FILE = 'small.csv'");
-        EXPECT_EQ(outcome.error, "Error: " + std::string(function) + " was told to throw");
+        const std::string error = play("LOAD FILE = 'small.csv'").tested.error;
+        EXPECT_EQ(error, "Error: " + std::string(function) + " was told to throw");
         EXPECT_EQ(refusalOf("SUMMARY"), "Error: No table: LOAD comes first");
     }
 }
@@ -185,7 +187,7 @@ TEST_F(Commands, LetNothingOutWhenTheHostHasNoStrings) {
 
 TEST_F(Commands, ForgetTheTableWhenTheAddOnIsUnloaded) {
     run("LOAD FILE = 'small.csv'");
-    EXPECT_TRUE(host.unloadAddOns().empty());
+    host.unloadAddOns();
     host.loadAddOn(DATALOADER_ADDON);
     EXPECT_EQ(refusalOf("SUMMARY"), "Error: No table: LOAD comes first");
 }

@@ -10,27 +10,21 @@
 #include <sstream>
 #include <string>
 
-#include "vexastandin/Host.h"
+#include "vexastandin/Testing.h"
 
 namespace dataloader {
 
-/// A test in the stand-in host, in an empty folder of its own, which is the current one meanwhile.
-class HostTest : public ::testing::Test {
+/// A test in an empty folder of its own, which is the current one meanwhile.
+class FolderTest : public ::testing::Test {
 protected:
-    HostTest() {
+    FolderTest() {
         std::filesystem::create_directory(m_folder);
         std::filesystem::current_path(m_folder);
     }
-    ~HostTest() override {
+    ~FolderTest() override {
         std::error_code ignored;
         std::filesystem::current_path(m_before, ignored);
         std::filesystem::remove_all(m_folder, ignored);
-    }
-
-    /// No test breaks the host's contract, whatever fails in it.
-    void TearDown() override {
-        host.unloadAddOns();
-        for (const vexa::standin::Finding& finding : host.violations()) ADD_FAILURE() << textOf(finding);
     }
 
     static void write(const std::string& fileName, const std::string& text) {
@@ -57,19 +51,22 @@ protected:
         return text;
     }
 
-    /// Lets the user press stop when the status line shows half.
-    void stopHalfway() {
-        host.onStatus([this](const vexa::standin::StatusLine& line) {
-            if (line.percent >= 50) host.pressStop();
-        });
-    }
-
-    vexa::standin::Host host;
-
 private:
     std::filesystem::path m_before = std::filesystem::current_path();
     std::filesystem::path m_folder =
         std::filesystem::temp_directory_path() / ("data-loader-test-" + std::to_string(getpid()));
+};
+
+/// Has the test fail over a breach of the host's contract.
+inline void fail(const std::string& finding) { ADD_FAILURE() << finding; }
+
+/// A test of parts of the add-on in a stand-in host.
+class HostTest : public FolderTest {
+protected:
+    vexa::standin::Host host;
+
+private:
+    const vexa::standin::ExpectNoFindings m_expectation{host, fail};
 };
 
 }  // namespace dataloader

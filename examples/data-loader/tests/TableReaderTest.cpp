@@ -180,7 +180,7 @@ TEST_F(ReadTable, ReadsALargeTableAndShowsHowFarItHasCome) {
 }
 
 TEST_F(ReadTable, EndsWhenTheUserStopsIt) {
-    stopHalfway();
+    host.pressStopAtPercent(50);
     EXPECT_EQ(refusalOf(largeTable()), "LOAD was stopped by the user");
     for (const vexa::standin::StatusLine& line : host.statusHistory()) {
         // A line that is taken down shows 100 percent before.

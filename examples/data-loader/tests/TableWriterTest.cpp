@@ -75,7 +75,7 @@ TEST_F(WriteTable, IsReadBackUnchangedBitByBit) {
 
 TEST_F(WriteTable, LeavesTheFileAsItWasWhenTheUserStopsIt) {
     write("out.csv", "older");
-    stopHalfway();
+    host.pressStopAtPercent(50);
     EXPECT_EQ(refusalOf(tableOf(100000), "out.csv"), "EXPORT was stopped by the user");
     EXPECT_EQ(contentsOf("out.csv"), "older");
     EXPECT_EQ(filesHere(), std::set<std::string>{"out.csv"});

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "vexastandin/Host.h"
+#include "vexastandin/Testing.h"
 
 namespace probestats {
 
@@ -43,31 +43,35 @@ private:
     std::filesystem::path m_folder;
 };
 
-/// A stand-in host with the add-on loaded.
+/// Has the test fail over a breach of the host's contract.
+inline void fail(const std::string& finding) { ADD_FAILURE() << finding; }
+
+/// The add-on in a stand-in host. No test breaks the host's contract, whatever fails in it.
 struct LoadedHost {
-    LoadedHost() {
-        host.setRecording(true);
-        host.loadAddOn(PROBESTATS_ADDON);
+    struct Played {
+        vexa::standin::TestedCommand tested;
+        std::string printed;
+    };
+
+    Played play(const std::string& command) {
+        testing::internal::CaptureStdout();
+        const vexa::standin::TestedCommand tested = addOn.run(command);
+        return {tested, testing::internal::GetCapturedStdout()};
     }
 
     /// Runs a command that is to succeed; returns what it printed.
     std::string run(const std::string& command) {
-        testing::internal::CaptureStdout();
-        const vexa::standin::CommandResult result = host.run("PROBESTATS", command);
-        const std::string printed = testing::internal::GetCapturedStdout();
-        EXPECT_TRUE(result.accepted) << command << "\n" << result.error;
-        expectNoWarnings(result);
-        return printed;
+        const Played played = play(command);
+        EXPECT_TRUE(played.tested.accepted) << played.tested;
+        return played.printed;
     }
 
     /// Runs a command that is to fail and to print nothing; returns the message.
     std::string refusalOf(const std::string& command) {
-        testing::internal::CaptureStdout();
-        const vexa::standin::CommandResult result = host.run("PROBESTATS", command);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << command;
-        EXPECT_FALSE(result.accepted) << command;
-        expectNoWarnings(result);
-        return result.error;
+        const Played played = play(command);
+        EXPECT_EQ(played.printed, "") << played.tested;
+        EXPECT_FALSE(played.tested.accepted) << played.tested;
+        return played.tested.error;
     }
 
     /// What was recorded, a line a command.
@@ -77,12 +81,9 @@ struct LoadedHost {
         return lines;
     }
 
-    vexa::standin::Host host;
-
-private:
-    static void expectNoWarnings(const vexa::standin::CommandResult& result) {
-        for (const std::string& warning : result.warnings) ADD_FAILURE() << warning;
-    }
+    vexa::standin::AddOnTester addOn{PROBESTATS_ADDON};
+    vexa::standin::Host& host = addOn.host();
+    const vexa::standin::ExpectNoFindings expectation{host, fail};
 };
 
 /// A test of the add-on in the stand-in host, with a small file at hand.
@@ -95,12 +96,6 @@ protected:
                   "0.5  2 10 b\n"
                   "1.0  3 10 c\n"
                   "1.5  4 10 d\n");
-    }
-
-    /// No test breaks the host's contract, whatever fails in it.
-    void TearDown() override {
-        host.unloadAddOns();
-        for (const vexa::standin::Finding& finding : host.violations()) ADD_FAILURE() << textOf(finding);
     }
 };
 

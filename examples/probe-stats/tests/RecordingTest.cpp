@@ -47,9 +47,7 @@ TEST_F(Recording, LeavesTheStateAsItWasWhenTheHostRefusesIt) {
     run("LOAD FILE='probe.txt' COLUMNS=[1]");
     const std::string before = run("SUMMARIZE");
     host.failCall("VexaUtilMacroRecordExtCommand");
-    testing::internal::CaptureStdout();
-    const vexa::standin::CommandResult result = host.run("PROBESTATS", "WINDOW FIRST = 2");
-    testing::internal::GetCapturedStdout();
+    const vexa::standin::TestedCommand result = play("WINDOW FIRST = 2").tested;
     EXPECT_FALSE(result.accepted);
     EXPECT_EQ(result.error, "Error: The host did not record the command");
     EXPECT_EQ(run("SUMMARIZE"), before);
