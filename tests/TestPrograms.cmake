@@ -6,5 +6,6 @@ function(vexa_test_program name)
     target_link_libraries(${name} PRIVATE vexa_build_settings ${arg_LIBRARIES} vexa::standin
         GTest::gtest_main rapidcheck)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)  # half of the time that most tests take to compile
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
 endfunction()
