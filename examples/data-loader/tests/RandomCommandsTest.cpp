@@ -1,18 +1,19 @@
 #include <map>
 
 #include "LoaderTest.h"
-#include "RandomCommands.h"
+#include "vexastandin/RandomCommands.h"
 
 namespace dataloader {
 namespace {
 
-using randomcommands::Choices;
+using vexa::standin::CommandForm;
+using vexa::standin::RandomCommands;
 
 constexpr std::uint64_t kSessions = 200;
 constexpr int kCommandsOfASession = 50;
 
-const std::vector<randomcommands::Command>& commands() {
-    static const std::vector<randomcommands::Command> all = {
+const std::vector<CommandForm>& commands() {
+    static const std::vector<CommandForm> all = {
         {"LOAD",
          " = ",
          {{"FILE",
@@ -34,7 +35,7 @@ struct Tally {
     int stopped = 0;
 };
 
-class RandomCommands : public FolderTest {
+class RandomCommandsTest : public FolderTest {
 protected:
     static void writeFiles() {
         write("small.csv", "hour,rain\n0,0.5\n1,1.5\n");
@@ -49,14 +50,14 @@ protected:
 
     static void playSession(std::uint64_t seed, Tally& tally) {
         SCOPED_TRACE("session of seed " + std::to_string(seed));
-        Choices choices(seed);
+        RandomCommands random(seed);
         writeFiles();
         vexa::standin::AddOnTester addOn(DATALOADER_ADDON);
         const vexa::standin::ExpectNoFindings expectation(addOn.host(), fail);
         addOn.host().setKeepsCalls(false);
         for (int i = 0; i < kCommandsOfASession; ++i) {
-            const std::string command = choices.command(commands());
-            choices.setModes(addOn.host());
+            const std::string command = random.command(commands());
+            random.setModes(addOn.host());
             const vexa::standin::TestedCommand tested = addOn.run(command);
             ASSERT_TRUE(tested.findings.empty()) << tested;
             if (tested.accepted) ++tally.accepted[command.substr(0, command.find(' '))];
@@ -66,7 +67,7 @@ protected:
     }
 };
 
-TEST_F(RandomCommands, KeepTheContractInEveryMode) {
+TEST_F(RandomCommandsTest, KeepTheContractInEveryMode) {
     Tally tally;
     testing::internal::CaptureStdout();
     for (std::uint64_t seed = 1; seed <= kSessions && !HasFailure(); ++seed) playSession(seed, tally);

@@ -1,26 +1,27 @@
 #include <map>
 
 #include "AddOnTest.h"
-#include "RandomCommands.h"
+#include "vexastandin/RandomCommands.h"
 
 namespace probestats {
 namespace {
 
-using randomcommands::Choices;
+using vexa::standin::CommandForm;
+using vexa::standin::RandomCommands;
 
 constexpr std::uint64_t kSessions = 200;
 constexpr int kCommandsOfASession = 50;
 
 // No frequency step is small enough to take long.
-const std::vector<randomcommands::Command>& commands() {
-    using Values = std::vector<const char*>;
+const std::vector<CommandForm>& commands() {
+    using Values = std::vector<std::string>;
     static const Values sets = {"[1]", "[1-2]", "[2,1]", "[1-3]", "[ 1 - 3 : 2 ]"};
     static const Values noSets = {"[9]", "[0]", "[]", "1", "[1", "[x]"};
     static const Values outputs = {"'out.txt'", "\"it's out\""};
     static const Values noOutputs = {"'missing/a'", "'probe.txt'", "''", "'out.txt", "out"};
     static const Values booleans = {"TRUE", "FALSE", "true", "F"};
     static const Values noBooleans = {"MAYBE", "1", "''"};
-    static const std::vector<randomcommands::Command> all = {
+    static const std::vector<CommandForm> all = {
         {"LOAD",
          "=",
          {{"FILE", {"'probe.txt'", "\"it's.txt\""}, {"'header.txt'", "'broken.txt'", "'nowhere.txt'", "a.txt"}, 98},
@@ -62,7 +63,7 @@ struct Tally {
     int stopped = 0;
 };
 
-class RandomCommands : public FolderTest {
+class RandomCommandsTest : public FolderTest {
 protected:
     static void writeFiles() {
         std::string rows;
@@ -74,25 +75,25 @@ protected:
     }
 
     // Of the kinds that the host has for these settings.
-    static void setStyle(Choices& choices, vexa::standin::Host& host) {
+    static void setStyle(RandomCommands& random, vexa::standin::Host& host) {
         vexa::toolbox::Set columns;
-        columns.insert(1, static_cast<std::int64_t>(1 + choices.below(4)));
-        if (choices.chance(50)) host.setStyle({"FieldMap", "ActiveFieldMaps"}, columns);
-        const auto digits = static_cast<std::int64_t>(choices.below(20));
-        if (choices.chance(50)) host.setStyle({"Text", "NumberFormat", "Precision"}, digits);
-        if (choices.chance(50)) host.setStyle({"Frame", "Title", "Text"}, std::string(choices.below(3), 'x'));
+        columns.insert(1, static_cast<std::int64_t>(1 + random.below(4)));
+        if (random.chance(50)) host.setStyle({"FieldMap", "ActiveFieldMaps"}, columns);
+        const auto digits = static_cast<std::int64_t>(random.below(20));
+        if (random.chance(50)) host.setStyle({"Text", "NumberFormat", "Precision"}, digits);
+        if (random.chance(50)) host.setStyle({"Frame", "Title", "Text"}, std::string(random.below(3), 'x'));
     }
 
     static void playSession(std::uint64_t seed, Tally& tally) {
         SCOPED_TRACE("session of seed " + std::to_string(seed));
-        Choices choices(seed);
+        RandomCommands random(seed);
         writeFiles();
         LoadedHost loaded;
         loaded.host.setKeepsCalls(false);
-        setStyle(choices, loaded.host);
+        setStyle(random, loaded.host);
         for (int i = 0; i < kCommandsOfASession; ++i) {
-            const std::string command = choices.command(commands());
-            choices.setModes(loaded.host);
+            const std::string command = random.command(commands());
+            random.setModes(loaded.host);
             const vexa::standin::TestedCommand tested = loaded.play(command).tested;
             ASSERT_TRUE(tested.findings.empty()) << tested;
             if (tested.accepted) ++tally.accepted[command.substr(0, command.find(' '))];
@@ -102,7 +103,7 @@ protected:
     }
 };
 
-TEST_F(RandomCommands, KeepTheContractInEveryMode) {
+TEST_F(RandomCommandsTest, KeepTheContractInEveryMode) {
     Tally tally;
     for (std::uint64_t seed = 1; seed <= kSessions && !HasFailure(); ++seed) playSession(seed, tally);
     // All of it came about, not only refusals.

@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <thread>
 
@@ -35,6 +34,10 @@ asm(".text\n"
 namespace {
 thread_local std::string kept;
 }
+#elif defined(LEAK)
+namespace {
+void* volatile lost = nullptr;  // volatile, or compilers leave out what nobody uses
+}
 #endif
 
 namespace {
@@ -50,7 +53,7 @@ void misbehaveAtLoading() {
 #elif defined(THREAD_LOCAL)
     kept = "a text that is too long to be kept in place";
 #elif defined(LEAK)
-    std::memset(std::malloc(4000), 1, 4000);
+    lost = std::malloc(4000);
 #elif defined(THREAD)
     std::thread([] { std::this_thread::sleep_for(std::chrono::hours(1)); }).detach();
 #elif defined(ABORT)
