@@ -1,8 +1,9 @@
-# vexa_add_check(NAME TARGET [MACRO file...] [LEVEL n] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
+# vexa_add_check(NAME TARGET [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
 #   Adds the test NAME, which checks the add-on TARGET: vexa-standin check. Its commands run in the working directory,
-#   which is the current binary folder unless given; macros that show a failure are written there, too.
+#   which is the current binary folder unless given; macros that show a failure are written there, too. TIME is for how
+#   long a test that could go on for ever does.
 function(vexa_add_check name target)
-    cmake_parse_arguments(PARSE_ARGV 2 arg "WARNINGS_AS_ERRORS" "LEVEL;WORKING_DIRECTORY" "MACRO")
+    cmake_parse_arguments(PARSE_ARGV 2 arg "WARNINGS_AS_ERRORS" "LEVEL;TIME;WORKING_DIRECTORY" "MACRO")
     if(arg_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "vexa_add_check does not know: ${arg_UNPARSED_ARGUMENTS}")
     endif()
@@ -13,6 +14,9 @@ function(vexa_add_check name target)
     endforeach()
     if(arg_LEVEL)
         list(APPEND options --level ${arg_LEVEL})
+    endif()
+    if(arg_TIME)
+        list(APPEND options --time ${arg_TIME})
     endif()
     if(arg_WARNINGS_AS_ERRORS)
         list(APPEND options --warnings-as-errors)
