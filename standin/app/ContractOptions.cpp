@@ -19,8 +19,9 @@ std::string whyNoTimeout(const std::string& text) { return secondsOf(text) ? "" 
 
 // A switch that is neither on nor off until it is given.
 void addSwitch(CLI::App& command, std::optional<bool>& value, const std::string& name, const std::string& help) {
-    command.add_flag_function(
-        "--" + name + ",!--no-" + name, [&value](std::int64_t count) { value = count > 0; }, help);
+    const auto set = [&value](bool isOn) { return [&value, isOn] { value = isOn; }; };
+    command.add_flag_callback("--" + name, set(true), help);
+    command.add_flag_callback("--no-" + name, set(false), "Not so, whatever the project file says");
 }
 
 }  // namespace

@@ -1,38 +1,19 @@
 #include "check/CheckCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdint>
+#include <cstddef>
 #include <cstdio>
-#include <filesystem>
-#include <functional>
 #include <memory>
-#include <optional>
-#include <random>
-#include <set>
-#include <string>
-#include <string_view>
-#include <system_error>
-#include <utility>
-#include <vector>
 
-#include "AtomicFile.h"
 #include "Console.h"
-#include "ContractOptions.h"
-#include "MacroFile.h"
-#include "OutputTarget.h"
-#include "check/CheckReport.h"
+#include "WrappedText.h"
+#include "check/CheckRun.h"
 #include "check/CheckTests.h"
-#include "check/ReportFiles.h"
-#include "check/TestRun.h"
-#include "check/Trial.h"
 
 namespace vexa::runner {
 namespace {
 
-using std::chrono::milliseconds;
+constexpr std::size_t kWidth = 80;
 
 constexpr const char* kCheckFooter = R"(Levels:
   1  loading, what the file is made of, and every command by itself
@@ -50,259 +31,20 @@ Exit status:
   1    a test failed, crashed or timed out
   2    wrong usage or input; a file could not be read or written)";
 
-struct CheckOptions {
-    std::string addOn;
-    std::vector<std::string> others;  // further add-ons
-    std::vector<std::string> macros;  // macro files
-    std::vector<std::string> only;    // the tests to run; all of the level when empty
-    int level = 2;
-    std::optional<std::uint64_t> seed;
-    double time = 10;                  // seconds, for a test that could go on for ever
-    std::optional<std::string> style;  // the style file
-    std::optional<std::string> json;   // where the reports go
-    std::optional<std::string> junit;
-    std::optional<std::string> sarif;
-    std::string folder = ".";  // where macros that show a failure go
-    bool list = false;         // explain the tests, and run none
-    bool inProcess = false;
-    ContractOptions contract;
-};
-
-ExitStatus_e listTests() {
-    for (const CheckTest& test : checkTests()) {
-        std::printf("%s (level %d)\n    %s\n    %s\n", test.name, test.level, test.summary, test.why);
-    }
-    return ExitStatus_e::AllWell;
-}
-
-std::uint64_t newSeed() {
-    std::random_device device;
-    return device();  // short enough to be typed
-}
-
-// As a shell takes it.
-std::string quoted(const std::string& word) {
-    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./:=@%+,-";
-    if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
-    std::string text = "'";
-    for (const char c : word) text += c == '\'' ? "'\\''" : std::string(1, c);
-    return text + '\'';
-}
-
-std::string secondsText(milliseconds time) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", std::chrono::duration<double>(time).count());
-    return text.data();
-}
-
-std::string indented(const std::string& lines) {
-    std::string text = "      ";
-    for (const char c : lines) text += c == '\n' ? "\n      " : std::string(1, c);
-    return text;
-}
-
-class Check {
-public:
-    explicit Check(const CheckOptions& options) : m_options(options), m_contract(options.contract) {}
-
-    ExitStatus_e execute() {
-        if (!prepare()) return ExitStatus_e::BadUsageOrInput;
-        configure();
-        std::printf("checking %s, level %d, seed %s\n", m_options.addOn.c_str(), m_options.level,
-                    std::to_string(m_subject.seed).c_str());
-        loadFirst();
-        if (!readMacros()) return ExitStatus_e::BadUsageOrInput;
-        for (const CheckTest& test : checkTests()) {
-            if (&test != m_loadTest && isChosen(test)) add(whyNot(test), test);
-        }
-        return conclude();
-    }
-
-private:
-    // A report: where it goes, and what makes its text.
-    struct ReportFile {
-        std::string path;
-        std::string (*text)(const CheckReport& report);
-    };
-
-    bool prepare() { return addProjectFile(m_contract) && isThere() && findReports() && readStyle(); }
-
-    bool isThere() const {
-        std::error_code error;
-        const bool exists = std::filesystem::exists(m_options.addOn, error);
-        if (!exists) tell(m_options.addOn, "no such file");
-        return exists;
-    }
-
-    // Looked at now, so that nobody waits for a report that cannot be written.
-    bool findReports() {
-        if (m_options.json) m_files.push_back({*m_options.json, jsonText});
-        if (m_options.junit) m_files.push_back({*m_options.junit, junitText});
-        if (m_options.sarif) m_files.push_back({*m_options.sarif, sarifText});
-        std::set<std::string> targets;
-        try {
-            for (const ReportFile& report : m_files) {
-                const bool isNew = targets.insert(outputTarget(report.path)).second;
-                if (!isNew) throw OutputError(report.path + ": cannot hold two reports");
-            }
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
-    }
-
-    bool readStyle() {
-        if (!m_options.style) return true;
-        auto style = readStyles(*m_options.style);
-        if (style) m_subject.style = std::move(*style);
-        return style.has_value();
-    }
-
-    void configure() {
-        constexpr std::chrono::duration<double> kTimeout(10);
-        m_subject.addOn = m_options.addOn;
-        m_subject.others = m_options.others;
-        m_subject.suppressed = m_contract.suppressed;
-        m_subject.seed = m_options.seed.value_or(newSeed());
-        m_subject.time = millisecondsOf(std::chrono::duration<double>(m_options.time));
-        m_setting.inProcess = m_options.inProcess;
-        m_setting.timeout = millisecondsOf(m_contract.timeout.value_or(kTimeout));
-        m_report.addOn = m_options.addOn;
-        m_report.seed = m_subject.seed;
-        m_report.level = m_options.level;
-        m_report.warningsAsErrors = m_contract.warningsAsErrors.value_or(false);
-    }
-
-    static milliseconds millisecondsOf(std::chrono::duration<double> time) {
-        return std::chrono::ceil<milliseconds>(time);
-    }
-
-    // Nothing is loaded here, so a test tells the ids under which macros address the add-ons.
-    void loadFirst() {
-        const TestResult result = runTest(*m_loadTest, m_subject, m_setting);
-        m_addOnIds = {result.addOnIds.begin(), result.addOnIds.end()};
-        add(result);
-    }
-
-    bool readMacros() {
-        if (m_addOnIds.empty()) return true;
-        bool isReadable = true;
-        for (const std::string& path : m_options.macros) {
-            const MacroFile macro = readMacroFile(path, m_addOnIds);
-            for (const std::string& problem : macro.problems) tell(problem);
-            isReadable &= macro.problems.empty();
-            for (const MacroCommand& command : macro.commands) {
-                m_subject.steps.push_back({macro.place(command.line), command.addOnId, command.text});
-            }
-        }
-        return isReadable;
-    }
-
-    bool isChosen(const CheckTest& test) const {
-        const std::vector<std::string>& only = m_options.only;
-        if (only.empty()) return test.level <= m_options.level;
-        return std::find(only.begin(), only.end(), test.name) != only.end();
-    }
-
-    // Why a test is skipped; empty when it is not.
-    std::string whyNot(const CheckTest& test) const {
-        if (test.needs == Needs_e::File) return "";
-        if (m_addOnIds.empty()) return "the add-on cannot be loaded";
-        if (test.needs == Needs_e::Loading || !m_subject.steps.empty()) return "";
-        return m_options.macros.empty() ? "no macro was given" : "the macros have no command";
-    }
-
-    void add(const std::string& whySkipped, const CheckTest& test) {
-        if (whySkipped.empty()) return add(runTest(test, m_subject, m_setting));
-        TestResult skipped;
-        skipped.test = &test;
-        skipped.verdict = {Outcome_e::Skipped, whySkipped};
-        add(skipped);
-    }
-
-    void add(const TestResult& result) {
-        ReportedTest reported = {result, ""};
-        reported.result.verdict.reason = printable(result.verdict.reason);
-        const Verdict& verdict = reported.result.verdict;
-        const bool isOfInterest = verdict.outcome != Outcome_e::Passed && verdict.outcome != Outcome_e::Skipped;
-        if (isOfInterest) reported.reproduce = reproducingCommand(result);
-        std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
-                    secondsText(result.duration).c_str());
-        if (!verdict.reason.empty()) std::printf("%s\n", indented(verdict.reason).c_str());
-        if (!reported.reproduce.empty()) std::printf("      reproduce: %s\n", reported.reproduce.c_str());
-        std::fflush(stdout);
-        m_report.tests.push_back(reported);
-    }
-
-    std::string reproducingCommand(const TestResult& result) const {
-        const std::string macro = result.verdict.macro.empty() ? "" : writeMacro(result);
-        std::string command = kProgramName;
-        command += macro.empty() ? checkAgain(*result.test) : " run " + quoted(macro) + " --strict --keep-going";
-        command += macro.empty() ? "" : " --addon " + quoted(m_options.addOn);
-        for (const std::string& other : m_options.others) command += " --addon " + quoted(other);
-        if (m_options.style) command += " --style " + quoted(*m_options.style);
-        for (const std::string& rule : m_options.contract.suppressed) command += " --suppress " + rule;
-        if (m_report.warningsAsErrors) command += " --warnings-as-errors";
-        if (result.verdict.outcome == Outcome_e::TimedOut) command += " --timeout " + secondsText(m_setting.timeout);
-        return command;
-    }
-
-    std::string checkAgain(const CheckTest& test) const {
-        std::string command = " check " + quoted(m_options.addOn);
-        for (const std::string& file : m_options.macros) command += " --macro " + quoted(file);
-        return command + " --only " + test.name + " --seed " + std::to_string(m_subject.seed) + " --level " +
-               std::to_string(m_options.level);
-    }
-
-    // Returns where the macro is; empty when it could not be written.
-    std::string writeMacro(const TestResult& result) const {
-        const std::string name = std::string("vexa-standin-check-") + result.test->name + ".macro";
-        std::string path = (std::filesystem::path(m_options.folder) / name).lexically_normal();
-        try {
-            AtomicFile(path).replace(result.verdict.macro);
-            return path;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return "";
-        }
-    }
-
-    ExitStatus_e conclude() {
-        const bool written = writeReports();
-        const bool passed = isPassed(m_report);
-        std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
-        if (!written) return ExitStatus_e::BadUsageOrInput;
-        return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
-    }
-
-    bool writeReports() {
-        try {
-            for (const ReportFile& report : m_files) AtomicFile(report.path).replace(report.text(m_report));
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
-    }
-
-    const CheckTest* m_loadTest = findCheckTest("load");
-    const CheckOptions& m_options;
-    ContractOptions m_contract;
-    Subject m_subject;
-    TestSetting m_setting;
-    std::set<std::string> m_addOnIds;
-    CheckReport m_report;
-    std::vector<ReportFile> m_files;
-};
-
 std::string whyNoTest(const std::string& name) {
     return findCheckTest(name) != nullptr ? "" : "there is no test \"" + name + "\"; 'check --list' names them";
 }
 
+ExitStatus_e listTests() {
+    for (const CheckTest& test : checkTests()) {
+        std::printf("%s (level %d)\n%s%s", test.name, test.level, wrapped(test.summary, kWidth, "    ").c_str(),
+                    wrapped(test.why, kWidth, "    ").c_str());
+    }
+    return ExitStatus_e::AllWell;
+}
+
 ExitStatus_e check(const CheckOptions& options) {
-    if (options.list) return listTests();
-    if (!options.addOn.empty()) return Check(options).execute();
+    if (!options.addOn.empty()) return checkAddOn(options);
     tell(kProgramName, "FILE.so is required");
     return ExitStatus_e::BadUsageOrInput;
 }
@@ -341,8 +83,11 @@ void addCheckCommand(CLI::App& app, Action& chosen) {
     command.add_option("-o,--output-dir", options->folder, "Where macros that show a failure are written; .")
         ->type_name("FOLDER");
     command.add_flag("--in-process", options->inProcess, "Run the tests in this process, for a debugger");
-    command.add_flag("--list", options->list, "Explain the tests, and run none");
-    command.callback([options, &chosen] { chosen = [options] { return check(*options); }; });
+    const CLI::Option& list = *command.add_flag("--list", "Explain the tests, and run none");
+    command.callback([options, &list, &chosen] {
+        const bool isList = list.count() > 0;
+        chosen = [options, isList] { return isList ? listTests() : check(*options); };
+    });
 }
 
 }  // namespace vexa::runner
