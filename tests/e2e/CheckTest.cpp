@@ -15,11 +15,7 @@ namespace {
 
 using Check = CheckRunnerTest;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
+constexpr bool kIsSanitized = VEXA_IS_SANITIZED;
 
 // Whether a process ends that was killed. Who it is left to may be slow to take notice, so one that is dead will do.
 bool isGoneSoon(pid_t process) {
