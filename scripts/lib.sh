@@ -18,8 +18,11 @@ build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcl
 test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang pkgconf)
 tidy_packages=("${test_packages[@]}" clang-tidy)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind)
+abi_packages=("${build_packages[@]}" abigail-tools python3)
+coverage_packages=("${test_packages[@]}" libclang-rt-14-dev llvm-14)
+mutate_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev python3)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
-ci_packages=("${tidy_packages[@]}" clang-format libclang-rt-14-dev git chromium)
+ci_packages=("${tidy_packages[@]}" "${abi_packages[@]}" clang-format libclang-rt-14-dev git chromium)
 
 usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"
