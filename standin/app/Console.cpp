@@ -23,9 +23,7 @@ std::string withFollowingLinesIndented(std::string_view text) {
 
 void tell(const std::string& place, std::string_view text) { tell(place + ": " + std::string(text)); }
 
-void tell(std::string_view message) {
-    tellLines(withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n');
-}
+void tell(std::string_view message) { tellLines(withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n'); }
 
 void tellLines(const std::string& lines) {
     if (Screen* const screen = Screen::current()) return screen->tell(lines);

@@ -14,8 +14,8 @@
 #include "ListCommand.h"
 #include "RunCommand.h"
 #include "StyleCommand.h"
-#include "report/ReportCommand.h"
 #include "check/CheckCommand.h"
+#include "report/ReportCommand.h"
 
 namespace vexa::runner {
 namespace {

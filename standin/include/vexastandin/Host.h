@@ -116,8 +116,8 @@ public:
 
     /// The process's host; null when none is alive.
     static Host* current();
-    /// Whether the calling thread runs code of an add-on: a host entered the add-on on it, and it is not inside of one of
-    /// the host's C functions, nor in what these call to show or to observe something.
+    /// Whether the calling thread runs code of an add-on: a host entered the add-on on it, and it is not inside of one
+    /// of the host's C functions, nor in what these call to show or to observe something.
     static bool isInAddOn() noexcept;
 
     /// \name What the host answers
@@ -208,8 +208,8 @@ public:
     AddOnInfo linkAddOn(AddOnEntry entry);
     /// The loaded add-ons, in the order of their loading.
     std::vector<AddOnInfo> addOns() const;
-    /// Shuts the add-ons down and unloads them, the last loaded first. The host's lock is taken from each that leaves it
-    /// open, and an exception that escapes from its shutdown is a finding.
+    /// Shuts the add-ons down and unloads them, the last loaded first. The host's lock is taken from each that leaves
+    /// it open, and an exception that escapes from its shutdown is a finding.
     void unloadAddOns();
     /// Runs one command of a loaded add-on. An exception that escapes from the add-on is its failure; the host's lock,
     /// when the add-on left it open, is taken from it, and a status line that it left up is taken down.
