@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <boost/system/error_code.hpp>
 #include <cstdlib>
+#include <new>
 
 namespace vexa::filesystem {
 namespace {
@@ -32,8 +33,15 @@ bool canCreate(const std::string& path) {
     return opened;
 }
 
-bool isFound(const boost::system::error_code& error, const bfs::file_status& status) {
-    return !error && status.type() != bfs::status_error && status.type() != bfs::file_not_found;
+// Without memory for the probe's name nothing is tried, so the answer is no.
+bool canCreateIn(const bfs::path& folder) {
+    try {
+        boost::system::error_code error;
+        const bfs::path probe = bfs::unique_path(folder / kProbeName, error);
+        return !error && canCreate(probe.string());
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 }  // namespace
@@ -67,7 +75,7 @@ bfs::file_status fileStatus(const bfs::path& path, bool followSymlinks) noexcept
 bool fileExists(const bfs::path& path) noexcept {
     boost::system::error_code error;
     const bfs::file_status status = bfs::status(path, error);
-    return isFound(error, status) && status.type() != bfs::directory_file;
+    return bfs::exists(status) && status.type() != bfs::directory_file;
 }
 
 bool dirExists(const bfs::path& path) noexcept {
@@ -91,10 +99,8 @@ std::string homeDirectory() {
 bool isFileOrDirWritable(const bfs::path& path) noexcept {
     boost::system::error_code error;
     const bfs::file_status status = bfs::status(path, error);
-    if (!isFound(error, status)) return canCreate(path.string());
-    if (status.type() != bfs::directory_file) return canOpen(path.string());
-    const bfs::path probe = bfs::unique_path(path / kProbeName, error);
-    return !error && canCreate(probe.string());
+    if (!bfs::exists(status)) return canCreate(path.string());
+    return status.type() == bfs::directory_file ? canCreateIn(path) : canOpen(path.string());
 }
 
 }  // namespace vexa::filesystem

@@ -37,7 +37,12 @@ public:
 
     void finish() override {
         if (m_isBatch) return;
-        setPercentDone(kAllDone);
+        try {
+            setPercentDone(kAllDone);
+        } catch (...) {  // the line comes down even then
+            VexaUtilStatusFinishPercentDone();
+            throw;
+        }
         VexaUtilStatusFinishPercentDone();
     }
 

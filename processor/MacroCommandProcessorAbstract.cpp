@@ -160,7 +160,8 @@ bool MacroCommandProcessorAbstract::getNextName(std::string& name) {
     toUpperCase(name);
     scanner.skipWhitespace();
     if (!scanner.hasNextChar()) return false;
-    return scanner.nextChar() == '=' || m_impl->refuse("Missing = ");
+    if (scanner.nextChar() != '=') return m_impl->refuse("Missing = ");
+    return true;
 }
 
 bool MacroCommandProcessorAbstract::getBooleanValue(char& value) {

@@ -1,8 +1,9 @@
 #include "vexautilutil/AsciiFile.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
-#include <limits>
 #include <new>
 #include <optional>
 #include <vector>
@@ -23,13 +24,20 @@ struct StreamCloser {
 };
 using Stream = std::unique_ptr<FILE, StreamCloser>;
 
+// A folder can be opened, and tells a size that depends on the file system it lies in.
+bool isFolder(FILE* stream) {
+    struct stat status {};
+    static_cast<void>(fstat(fileno(stream), &status));  // cannot fail: the descriptor is open
+    return S_ISDIR(status.st_mode);
+}
+
 std::optional<std::size_t> sizeOf(FILE* stream) {
-    if (fseeko(stream, 0, SEEK_END) == -1) return std::nullopt;
-    const off_t size = ftello(stream);
-    if (size == std::numeric_limits<off_t>::max()) {  // the end of a folder
+    if (isFolder(stream)) {
         errno = EISDIR;
         return std::nullopt;
     }
+    if (fseeko(stream, 0, SEEK_END) == -1) return std::nullopt;
+    const off_t size = ftello(stream);
     if (size == -1 || fseeko(stream, 0, SEEK_SET) == -1) return std::nullopt;
     return static_cast<std::size_t>(size);
 }

@@ -293,8 +293,10 @@ Set::Set() = default;
 Set::Set(Set_s* handle) {
     if (handle == nullptr) return;
     Range run{0, -1};
-    while (run.last != kHighestMember && VexaUtilSetNextRange(handle, run.last + 1, &run.first, &run.last) != 0) {
+    for (int64_t from = 0; VexaUtilSetNextRange(handle, from, &run.first, &run.last) != 0; from = run.last + 1) {
+        if (run.first < from || run.last < run.first) return;  // no run, and maybe none for ever
         m_ranges.push_back(run);
+        if (run.last == kHighestMember) return;
     }
 }
 

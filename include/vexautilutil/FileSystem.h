@@ -60,6 +60,8 @@ VEXAUTILUTIL_API bool dirExists(const boost::filesystem::path& path) noexcept;
 ///     /tmp/x     against /base  ->  /tmp/x
 ///     x          against rel    ->  rel/x
 ///     ../x       against /base  ->  /base/../x      nothing is normalised
+///
+/// \warning Nothing can report that memory ran out here: the program ends then.
 VEXAUTILUTIL_API boost::filesystem::path makeAbsolute(const boost::filesystem::path& path,
                                                       const boost::filesystem::path& base) noexcept;
 
@@ -69,6 +71,7 @@ VEXAUTILUTIL_API boost::filesystem::path makeAbsolute(const boost::filesystem::p
 VEXAUTILUTIL_API std::string homeDirectory();
 
 /// Whether a file can be written, or a file be made in a directory. It is found out by opening one for appending.
+/// Without memory for a directory's probe the answer is no.
 ///
 /// An existing file keeps its contents; its times may change. What was made for the probe is removed.
 /// \warning Do not ask for a path that others may create or remove at the same moment: a file that appears between the

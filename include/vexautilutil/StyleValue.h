@@ -51,7 +51,7 @@ enum ResultType_e {
 ///          or empty, and \p resultType as if it were a value. Look at \p returnCode first.
 /// \throws std::out_of_range when \p path is empty, before the host is asked.
 /// \throws std::bad_alloc when memory runs out while the text is made.
-/// \warning The host's argument list is then not released.
+/// \warning The host's argument list is then not released, nor when a host function throws.
 VEXAUTILUTIL_API void getValueAsString(std::vector<std::string>& path, long offset1, long offset2,
                                        ResultType_e& resultType, GetValueReturnCode_e& returnCode, std::string& result);
 

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "ShortText.h"
+
 namespace vexa::runner {
 namespace {
 
@@ -21,7 +23,7 @@ std::string reasonOf(std::string_view message) {
     constexpr std::string_view kPlaceEnd = ": ";
     message.remove_prefix(message.find(kNumberEnd) + kNumberEnd.size());
     if (message.substr(0, kPlace.size()) == kPlace) message.remove_prefix(message.find(kPlaceEnd) + kPlaceEnd.size());
-    return std::string(message);
+    return shortText(message);  // it quotes the token
 }
 
 // Makes values of what the parser tells, right after each token.

@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "ShortText.h"
 #include "Spool.h"
 #include "WholeFile.h"
 #include "vexastandin/Host.h"
@@ -93,7 +94,8 @@ private:
         const std::size_t idEnd = std::min(line.find_first_of(kBlanks), line.size());
         std::string addOnId(line.substr(0, idEnd));
         const std::string_view text = withoutLeadingBlanks(line.substr(idEnd));
-        if (m_addOnIds.count(addOnId) == 0) return refuse(lineNumber, "no add-on '" + addOnId + "' is loaded");
+        if (m_addOnIds.count(addOnId) == 0)
+            return refuse(lineNumber, "no add-on '" + shortText(addOnId) + "' is loaded");
         if (text.empty()) return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
         m_macro.commands.push_back({lineNumber, std::move(addOnId), std::string(text)});
     }

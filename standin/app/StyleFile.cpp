@@ -16,6 +16,7 @@
 
 #include "Console.h"
 #include "JsonText.h"
+#include "ShortText.h"
 #include "WholeFile.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/toolbox/Set.h"
@@ -36,7 +37,7 @@ constexpr const char* VALUE_name = "$value";
 
 [[noreturn]] void refuse(std::size_t at, const std::string& reason) { throw JsonError(at, reason); }
 
-std::string quoted(std::string_view text) { return '\'' + std::string(text) + '\''; }
+std::string quoted(std::string_view text) { return '\'' + shortText(text) + '\''; }
 
 std::string inUpperCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -107,19 +108,49 @@ toolbox::Set setOf(const std::string& text, std::size_t at) {
     }
 }
 
+// What an item of an array of indices stands for in the text of a set; empty for a text without a member.
+std::string membersOf(const JsonValue& item) {
+    const auto* const index = std::get_if<std::int64_t>(&item.value);
+    const auto* const range = std::get_if<std::string>(&item.value);
+    if (index != nullptr && *index >= 0) return std::to_string(*index);
+    if (range == nullptr) refuse(item.at, "expected an index from 0 up, or a range such as \"5-7\"");
+    return range->find_first_not_of(" \t") == std::string::npos ? "" : *range;
+}
+
+// The items from \p begin up to \p end as the text of one set.
+std::string setTextOf(const JsonValue* begin, const JsonValue* end) {
+    std::string text = "[";
+    for (const JsonValue* item = begin; item != end; ++item) {
+        const std::string members = membersOf(*item);
+        if (!members.empty() && text.size() > 1) text += ',';
+        text += members;
+    }
+    return text + ']';
+}
+
+bool isSetText(const std::string& text) {
+    try {
+        toolbox::Set().assign(text);
+        return true;
+    } catch (const InvalidArgumentException&) {
+        return false;
+    }
+}
+
+// All items are read as one text: a set takes them in any order in linear time, and bounds their members together.
 toolbox::Set setOf(const JsonValue::Array& items) {
     toolbox::Set set;
-    for (const JsonValue& item : items) {
-        const auto* const index = std::get_if<std::int64_t>(&item.value);
-        const auto* const range = std::get_if<std::string>(&item.value);
-        if (index != nullptr && *index >= 0) {
-            set.insert(*index);
-        } else if (range != nullptr) {
-            const toolbox::Set members = setOf('[' + *range + ']', item.at);
-            for (const auto& run : members.ranges()) set.insert(run.first, run.last);
-        } else {
-            refuse(item.at, "expected an index from 0 up, or a range such as \"5-7\"");
-        }
+    const JsonValue* const begin = items.data();
+    const std::string text = setTextOf(begin, begin + items.size());
+    try {
+        set.assign(text);
+    } catch (const InvalidArgumentException& refusal) {
+        // The first item with which it is too much, or wrong: halving finds it without reading each item by itself.
+        const JsonValue* const wrong =
+            std::partition_point(begin, begin + items.size() - 1,
+                                 [begin](const JsonValue& item) { return isSetText(setTextOf(begin, &item + 1)); });
+        setOf('[' + membersOf(*wrong) + ']', wrong->at);
+        refuse(wrong->at, refusal.what());
     }
     return set;
 }

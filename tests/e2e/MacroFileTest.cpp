@@ -88,6 +88,15 @@ TEST_F(MacroFile, AllProblemsAreToldAndNothingRuns) {
               "m.mcr:5: no add-on 'THREE' is loaded\n");
 }
 
+TEST_F(MacroFile, IsQuotedShortlyWhenAnIdIsLong) {
+    const std::string whole(200, 'x');
+    EXPECT_EQ(runMacro(whole).err, "m.mcr:1: no add-on '" + whole + "' is loaded\n");
+    EXPECT_EQ(runMacro(whole + 'x').err, "m.mcr:1: no add-on '" + whole + "...' is loaded\n");
+    const std::string accented = std::string(199, 'x') + "\xC3\xA9";
+    EXPECT_EQ(runMacro(accented).err, "m.mcr:1: no add-on '" + std::string(199, 'x') + "...' is loaded\n")
+        << "no character is cut apart";
+}
+
 TEST_F(MacroFile, IsShownAsItWasNamed) {
     write("m.mcr", "TWO ECHO a\n");
     const std::string path = (folder() / "m.mcr").string();

@@ -1,6 +1,7 @@
 #include "RunProgram.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,12 +60,22 @@ std::vector<char*> argumentVector(const std::vector<std::string>& arguments) {
     _exit(kCannotExecute);
 }
 
-int statusOf(pid_t child) {
+double secondsOf(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+// Waits for the child's end.
+ProgramResult endOf(pid_t child) {
     int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) throwLastError("waitpid");
+    rusage usage{};
+    while (wait4(child, &status, 0, &usage) < 0) {
+        if (errno != EINTR) throwLastError("wait4");
     }
-    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+    ProgramResult result;
+    result.status = WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+    result.seconds = secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+    result.peakKiB = usage.ru_maxrss;
+    return result;
 }
 
 }  // namespace
@@ -81,8 +92,7 @@ ProgramResult runProgram(const Program& program) {
     if (child == 0) {
         becomeProgram(folder.c_str(), arguments.data(), fileno(in.get()), fileno(out.get()), errDescriptor);
     }
-    ProgramResult result;
-    result.status = statusOf(child);
+    ProgramResult result = endOf(child);
     result.out = contentOf(out);
     result.err = contentOf(err);
     return result;

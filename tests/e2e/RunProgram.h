@@ -19,6 +19,8 @@ struct ProgramResult {
     int status = 0;  ///< its exit status; the negative signal number if one ended it
     std::string out;
     std::string err;
+    double seconds = 0;  ///< of the processors, which other programs do not add to
+    long peakKiB = 0;    ///< the most memory that it had; what this program had when it started the other is the least
 };
 
 /// Runs \p program to its end.

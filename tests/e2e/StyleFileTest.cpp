@@ -139,6 +139,38 @@ TEST_F(StyleFile, WithAWrongRangeIsRefusedAsSetsRefuseIt) {
     EXPECT_EQ(refusalOf("{\"USECLIPPLANES\": {\n\"$set\": \"1-3\"}}").rfind("s.json:2:9: Expected ", 0), 0U);
 }
 
+TEST_F(StyleFile, TakesIndicesInAnyOrder) {
+    const Arguments path = {"USECLIPPLANES"};
+    EXPECT_EQ(valueIn(R"({"USECLIPPLANES": [9, " ", 7, "1-3", 2, "", "20-29:9,5"]})", path), "set [1-3,5,7,9,20,29]\n");
+    EXPECT_EQ(valueIn(R"({"USECLIPPLANES": [""]})", path), "set []\n");
+}
+
+TEST_F(StyleFile, WithManyIndicesInDescendingOrderIsReadQuickly) {
+    std::string indices;
+    for (int index = 800000; index > 0; index -= 2) indices += std::to_string(index) + ',';
+    write("s.json", "{\"USECLIPPLANES\": [" + indices + "0]}");
+    const ProgramResult result = runProgram(styleProgram({"USECLIPPLANES"}));
+    EXPECT_EQ(result.out.substr(0, 13), "set [0,2,4,6,") << result.err;
+    EXPECT_LT(result.seconds, 5) << "time that grows with the square of their number would be many times that";
+}
+
+TEST_F(StyleFile, BoundsTheMembersOfAllItemsOfASetTogether) {
+    const std::string refusal = refusalOf("{\"USECLIPPLANES\": [1, \"0-20000000:2\",\n \"1-20000001:2\", 5]}");
+    const std::string expected = "s.json:2:2: Expected at most 16777216 members in stepped ranges at column ";
+    EXPECT_EQ(refusal.substr(0, expected.size()), expected);
+}
+
+TEST_F(StyleFile, IsQuotedShortlyWhenItIsRefused) {
+    const std::string key(100000, 'K');
+    const std::string cases[] = {"{\"A\": " + std::string(100000, '1') + '}', "{\"A\": \"" + key,
+                                 "{\"" + key + "\": 1, \"" + key + "\": 1}"};
+    for (const std::string& json : cases) {
+        const std::string refusal = refusalOf(json);
+        EXPECT_LT(refusal.size(), 400u);
+        EXPECT_NE(refusal.find("..."), std::string::npos) << refusal;
+    }
+}
+
 TEST_F(StyleFile, WithAWrongKeywordIsRefused) {
     const RefusedFile cases[] = {
         {"empty", "{\"A\": {\"\": 1}}", "s.json:1:8: a keyword is empty\n"},

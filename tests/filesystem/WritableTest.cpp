@@ -61,6 +61,17 @@ TEST_F(WritableTest, LeavesNoProbeInADirectory) {
     EXPECT_EQ(m_folder.count(), 0);
 }
 
+TEST_F(WritableTest, LeavesNothingOpen) {
+    const auto openFiles = [] {
+        const std::filesystem::directory_iterator entries("/proc/self/fd");
+        return std::distance(begin(entries), end(entries));
+    };
+    const auto before = openFiles();
+    EXPECT_TRUE(isFileOrDirWritable(m_folder.path()));
+    EXPECT_TRUE(isFileOrDirWritable(m_folder.write("file.txt", "contents")));
+    EXPECT_EQ(openFiles(), before);
+}
+
 TEST_F(WritableTest, LeavesAnExistingFileAsItIs) {
     const std::string path = m_folder.write("file.txt", "contents");
     EXPECT_TRUE(isFileOrDirWritable(path));

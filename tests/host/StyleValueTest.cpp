@@ -253,6 +253,14 @@ TEST_F(StyleValueTest, RefusesAnEmptyPathBeforeItAsks) {
     EXPECT_EQ(calls(), std::vector<std::string>{});
 }
 
+TEST_F(StyleValueTest, HasNoTypeWhenItRefusesAnEmptyPath) {
+    Path empty;
+    Value value;
+    EXPECT_THROW(getValueAsString(empty, 0, 0, value.type, value.code, value.text), std::out_of_range);
+    EXPECT_EQ(value.type, ResultType_None);
+    EXPECT_EQ(value.text, "untouched");
+}
+
 TEST_F(StyleValueTest, DoesNotAskWithoutAList) {
     m_host.failCall("VexaUtilArgListAlloc");
     const Value value = valueOf({"Count"});

@@ -174,6 +174,34 @@ TEST_F(TaskProgressBar, LetsOtherExceptionsThanALackOfMemoryThrough) {
     EXPECT_THROW(progress->setStatusMessage("x"), std::runtime_error);
 }
 
+TEST_F(TaskProgressBar, DoesNotTakeAPercentageForShownWhenTheHostThrows) {
+    const auto progress = createTaskProgressBar(2);
+    m_host.throwFromCall("VexaUtilStatusCheckPercentDone");
+    EXPECT_THROW(progress->advance(), std::runtime_error);
+    m_host.clearCalls();
+    progress->isInterrupted();
+    EXPECT_EQ(statusCalls(), Calls{"check 0"});
+}
+
+TEST_F(TaskProgressBar, TakesTheLineDownWhenTheHostThrowsFromTheLastPercentage) {
+    const auto progress = createTaskProgressBar(2);
+    progress->start("x");
+    m_host.throwFromCall("VexaUtilStatusCheckPercentDone");
+    EXPECT_THROW(progress->finish(), std::runtime_error);
+    EXPECT_FALSE(m_host.statusLine().active);
+}
+
+TEST_F(TaskProgressBar, DoesNotTakeATextForShownWhenTheHostThrows) {
+    const auto progress = createTaskProgressBar(2);
+    m_host.throwFromCall("VexaUtilStatusStartPercentDone");
+    EXPECT_THROW(progress->start("x"), std::runtime_error);
+    m_host.throwFromCall("VexaUtilStatusSetPercentDoneText");
+    EXPECT_THROW(progress->setStatusMessage("x"), std::runtime_error);
+    m_host.clearCalls();
+    progress->setStatusMessage("x");
+    EXPECT_EQ(statusCalls(), Calls{"text \"x\""});
+}
+
 TEST_F(TaskProgressBar, SwallowsALackOfMemoryForItsText) {
     const std::string message = "a message that is too long to be kept without an allocation";
     m_host.setKeepsCalls(false);  // or the host would have to allocate, too
@@ -188,6 +216,22 @@ TEST_F(TaskProgressBar, SwallowsALackOfMemoryForItsText) {
     m_host.setKeepsCalls(true);
     progress->setStatusMessage(message);
     EXPECT_EQ(statusCalls().size(), 1u) << "the message was not kept, so it counts as new";
+    progress->setStatusMessage(message);
+    EXPECT_EQ(statusCalls().size(), 1u);
+}
+
+TEST_F(TaskProgressBar, SendsATextAgainThatItHadNoMemoryToKeep) {
+    const std::string message = "a message that is too long to be kept without an allocation";
+    m_host.setKeepsCalls(false);  // or the host would have to allocate, too
+    const auto progress = createTaskProgressBar(2);
+    bool failed = false;
+    {
+        const tests::FailingAllocator failing(0, tests::Failing::EverAfter);
+        progress->setStatusMessage(message);
+        failed = tests::FailingAllocator::hasFailed();
+    }
+    EXPECT_TRUE(failed);
+    m_host.setKeepsCalls(true);
     progress->setStatusMessage(message);
     EXPECT_EQ(statusCalls().size(), 1u);
 }

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "FakedBacktrace.h"
 #include "support/FailingAllocator.h"
 #include "support/VirtualSlots.h"
 #include "vexa/InvalidArgumentException.h"
@@ -116,6 +117,7 @@ TEST(ExceptionBasePrint, EndsForAnExceptionThatIsItsOwnCause) {
     }
     EXPECT_EQ(text.substr(0, 25), "second\nCaused by: second\n");
     EXPECT_EQ(text.substr(text.size() - 20), "... and more causes\n");
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + 64 + 1) << "the message, the causes and this line";
 }
 
 TEST(ExceptionBasePrint, PrintsFramesOnlyWhenAskedToCaptureThem) {
@@ -125,6 +127,23 @@ TEST(ExceptionBasePrint, PrintsFramesOnlyWhenAskedToCaptureThem) {
     EXPECT_NE(text.find("hostlibs_tests"), std::string::npos) << text;
     EXPECT_GT(std::count(text.begin(), text.end(), '\n'), 6) << "the stack of a test is deeper: " << text;
     EXPECT_EQ(text.find("libvexahostlibs"), std::string::npos) << "the caller's stack is wanted, not our own: " << text;
+}
+
+TEST(ExceptionBasePrint, PrintsAddressesWithoutMemoryForNames) {
+    const ExceptionBase exception("message", true);
+    const std::string named = printed(exception);
+    const tests::FakedBacktrace faked(tests::Backtrace::WithoutNames);
+    const std::string text = printed(exception);
+    EXPECT_EQ(text.substr(0, 17), "message\n    at 0x");
+    EXPECT_EQ(text.find("hostlibs_tests"), std::string::npos) << text;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), std::count(named.begin(), named.end(), '\n'));
+}
+
+TEST(ExceptionBasePrint, PrintsTheWholeStackWhenItsCallerIsNotInIt) {
+    const tests::FakedBacktrace faked(tests::Backtrace::OfAnother);
+    const std::string text = printed(ExceptionBase("message", true));
+    EXPECT_EQ(text.substr(0, 15), "message\n    at ");
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
 }
 
 TEST(ExceptionBasePrint, PrintsFramesBeforeCauses) {

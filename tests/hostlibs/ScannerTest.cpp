@@ -406,6 +406,8 @@ TEST(ScannerDouble, TellsOverflowFromUnderflowHoweverLongTheNumber) {
         {"many digits undone by the exponent", nines + "e-400", "1"},
         {"many digits outdone by the exponent", nines + "e-800", "0"},
         {"many digits nearly undone by the exponent", nines + "e-300", "1.0000000000000000e+100"},
+        {"many digits hardly undone by the exponent", nines + "e-50", "refused"},
+        {"many zeros hardly undone by the exponent", "0." + zeros + "1e100", "0"},
         {"many zeros behind the number", "1" + zeros + "e-900", "0"},
         {"overflow with a point among the digits", "123.456e400", "refused"},
         {"underflow with a point among the digits", "123.456e-400", "0"},

@@ -25,6 +25,12 @@ TEST(MacroCommandError, IsCaughtAsTheBaseOfAllExceptions) {
     FAIL() << "not caught";
 }
 
+TEST(MacroCommandError, CapturesNoStackTrace) {
+    testing::internal::CaptureStderr();
+    MacroCommandError("message").printStackTrace();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "message\n");
+}
+
 TEST(MacroCommandError, AddsNothingToItsBase) {
     EXPECT_EQ(sizeof(MacroCommandError), sizeof(ExceptionBase));
     static_assert(std::is_base_of_v<ExceptionBase, MacroCommandError>);

@@ -110,6 +110,14 @@ TEST(ParseIdentifier, RefusesAnEmptyTextWithNothingInTheMessage) {
     EXPECT_EQ(identifierRefusal(""), "Invalid macro identifier, ");
 }
 
+TEST(ParseIdentifier, RefusesAnEmptyTokenOfAnotherTokenizer) {
+    const std::string text = "=1";
+    const MacroTokenizer tokens(text, MacroTokenSeparator("", "=", boost::keep_empty_tokens));
+    MacroTokenIterator current = tokens.begin();
+    ASSERT_EQ(*current, "");
+    EXPECT_EQ(refusalOf([&] { parseIdentifier(current, tokens.end()); }), "Invalid macro identifier, ");
+}
+
 TEST(ParseIdentifier, RefusesTheEndWithTheLastTokenDelivered) {
     Tokens tokens("ENABLED=TRUE");
     while (tokens.current != tokens.end) ++tokens.current;

@@ -137,6 +137,16 @@ TEST_F(Findings, AreReadableWithoutAnAddOn) {
                                    findRule("missing-errmsg")->hint + "\n    and 3 more of the same rule\n");
 }
 
+TEST_F(Findings, AreReadableWithoutACommandOrAThread) {
+    Finding finding;
+    finding.rule = "null-handle";
+    finding.message = "nothing was given";
+    finding.seen.call = 5;
+    finding.seen.function = "VexaUtilArgListClear";
+    EXPECT_NE(textOf(finding).find("\n    seen:  call 5, VexaUtilArgListClear\n"), std::string::npos)
+        << textOf(finding);
+}
+
 // ---- Attribution
 
 TEST(Attribution, IsToTheAddOnThatMadeTheCall) {

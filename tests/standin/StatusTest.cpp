@@ -31,6 +31,16 @@ TEST(StatusLine, IsDownAtFirst) {
     EXPECT_EQ(host.statusHistory(), History());
 }
 
+TEST(StatusLine, DiffersByEachOfItsParts) {
+    const StatusLine line{"a", 1, false, false, false};
+    EXPECT_FALSE(line != line);
+    for (const StatusLine& other : {StatusLine{"b", 1, false, false, false}, StatusLine{"a", 2, false, false, false},
+                                    StatusLine{"a", 1, true, false, false}, StatusLine{"a", 1, false, true, false},
+                                    StatusLine{"a", 1, false, false, true}}) {
+        EXPECT_TRUE(line != other) << other;
+    }
+}
+
 TEST(StatusLine, FollowsTheCalls) {
     const Host host;
     VexaUtilStatusStartPercentDone("Reading", 1, 0);

@@ -139,6 +139,14 @@ TEST(Style, IgnoresTheCaseOfKeywords) {
     EXPECT_EQ(numberAt({"FIELDMAP", "thickness9"}).value, 0.5);
 }
 
+TEST(Style, TellsKeywordsApartThatDifferInNoLetter) {
+    Host host;
+    host.setStyle({"a{"}, 0.5);
+    host.setStyle({"a["}, 1.5);
+    EXPECT_EQ(numberAt({"A{"}).value, 0.5);
+    EXPECT_EQ(numberAt({"A["}).value, 1.5);
+}
+
 TEST(Style, TakesPathsInAnyOrderOfTheirKeywords) {
     Host host;
     host.setStyle({"A", "B"}, 0.5);

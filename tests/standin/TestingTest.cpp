@@ -92,6 +92,11 @@ TEST(AddOnTester, TellsAlsoOfBreachesThatAreOnlyCounted) {
     }
 }
 
+TEST(AddOnTester, ShowsTheHostOfATesterThatMayNotChange) {
+    const AddOnTester linked(linkedEntry);
+    EXPECT_EQ(&linked.host(), Host::current());
+}
+
 TEST(AddOnTester, RefusesWhatIsNoAddOn) {
     EXPECT_THROW(AddOnTester(addOnFile("missing")), LoadError);
     EXPECT_THROW(AddOnTester([](AddOnList_s*) -> const VexaAddOn_s* { return nullptr; }), LoadError);

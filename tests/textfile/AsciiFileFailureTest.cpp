@@ -49,7 +49,15 @@ TEST_F(AsciiFileFailure, KeepsTheTextBeforeWhenTheNextFileIsMissing) {
 
 TEST_F(AsciiFileFailure, RefusesADirectory) {
     AsciiFile file;
+    errno = 0;  // making the folder may have left this very reason
     EXPECT_FALSE(file.open(m_folder.path()));
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_FALSE(file.isOpen());
+}
+
+TEST_F(AsciiFileFailure, RefusesADirectoryThatTellsASize) {
+    AsciiFile file;
+    EXPECT_FALSE(file.open("/proc")) << "of 0 bytes";
     EXPECT_EQ(errno, EISDIR);
     EXPECT_FALSE(file.isOpen());
 }
@@ -73,11 +81,24 @@ TEST_F(AsciiFileFailure, LetsGoOfTheTextWhenTheFileCannotBeReadWhole) {
         ASSERT_TRUE(file.open(m_path));
         const FailingStream failing(call);
         EXPECT_FALSE(file.open(m_path));
-        EXPECT_EQ(errno, EIO);
         EXPECT_TRUE(FailingStream::hasFailed());
         EXPECT_FALSE(file.isOpen());
         EXPECT_EQ(file.numLinesInFile(), 3u) << "the lines counted before";
     }
+}
+
+TEST_F(AsciiFileFailure, LeavesTheReasonInErrnoWhenReadingFails) {
+    AsciiFile file;
+    const FailingStream failing(StreamCall::FailedRead);
+    EXPECT_FALSE(file.open(m_path));
+    EXPECT_EQ(errno, tests::kReadFailure);
+}
+
+TEST_F(AsciiFileFailure, TakesAFileThatBecameShorterForAnInputError) {
+    AsciiFile file;
+    const FailingStream failing(StreamCall::ShortRead);
+    EXPECT_FALSE(file.open(m_path));
+    EXPECT_EQ(errno, EIO);
 }
 
 TEST_F(AsciiFileFailure, OpensAnotherFileAfterwards) {

@@ -1,6 +1,7 @@
 #include "FailingStreams.h"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -13,10 +14,10 @@ bool failed = false;
 long streams = 0;
 long reads = 0;
 
-bool fails(StreamCall call) {
+bool fails(StreamCall call, int reason = EIO) {
     if (failing != call) return false;
     failed = true;
-    errno = EIO;
+    errno = reason;
     return true;
 }
 
@@ -56,6 +57,7 @@ using namespace vexa::tests;
 extern "C" {
 
 FILE* fopen(const char* path, const char* mode) {
+    if (fails(StreamCall::Open)) return nullptr;
     return counted(original<FILE*(const char*, const char*)>("fopen")(path, mode));
 }
 
@@ -66,7 +68,30 @@ FILE* fopen64(const char* path, const char* mode) {
 
 int fclose(FILE* stream) {
     --streams;
-    return original<int(FILE*)>("fclose")(stream);
+    const int result = original<int(FILE*)>("fclose")(stream);
+    errno = ECANCELED;  // as a call that succeeds may
+    return fails(StreamCall::Close) ? EOF : result;
+}
+
+int rename(const char* from, const char* to) {
+    if (fails(StreamCall::Rename)) return -1;
+    return original<int(const char*, const char*)>("rename")(from, to);
+}
+
+int remove(const char* path) {
+    if (fails(StreamCall::Remove)) return -1;
+    return original<int(const char*)>("remove")(path);
+}
+
+int stat(const char* path, struct stat* status) {
+    if (fails(StreamCall::Stat)) return -1;
+    return original<int(const char*, struct stat*)>("stat")(path, status);
+}
+
+// Boost asks by this one.
+int stat64(const char* path, struct stat64* status) {
+    if (fails(StreamCall::Stat)) return -1;
+    return original<int(const char*, struct stat64*)>("stat64")(path, status);
 }
 
 int fseeko(FILE* stream, off_t offset, int origin) {
@@ -81,10 +106,15 @@ off_t ftello(FILE* stream) {
 
 std::size_t fread(void* buffer, std::size_t size, std::size_t count, FILE* stream) {
     ++reads;
-    if (fails(StreamCall::FailedRead)) return 0;
+    if (fails(StreamCall::FailedRead, kReadFailure)) return 0;
     const std::size_t got =
         original<std::size_t(void*, std::size_t, std::size_t, FILE*)>("fread")(buffer, size, count, stream);
-    return fails(StreamCall::ShortRead) ? got - 1 : got;
+    return fails(StreamCall::ShortRead, 0) ? got - 1 : got;
+}
+
+int ferror(FILE* stream) {
+    if (failing == StreamCall::FailedRead && failed) return 1;
+    return original<int(FILE*)>("ferror")(stream);
 }
 
 }  // extern "C"

@@ -21,8 +21,10 @@ std::string difference(const std::string& text, std::size_t alignment = 0) {
     std::vector<uint64_t> plainOffsets;
     splitByteByByte(plain.data(), plainOffsets);
 
-    const std::unique_ptr<char[]> memory(new char[alignment + text.size() + 1]);  // so that a checker sees its end
-    char* const fast = memory.get() + alignment;
+    const std::size_t before = text.size() + alignment;  // no NUL there that could be taken for the text's
+    const std::unique_ptr<char[]> memory(new char[before + text.size() + 1]);  // so that a checker sees its end
+    std::memset(memory.get(), 'x', before);
+    char* const fast = memory.get() + before;
     std::memcpy(fast, text.c_str(), text.size() + 1);
     std::vector<uint64_t> offsets;
     splitLines(fast, text.size(), offsets);
@@ -130,6 +132,36 @@ TEST(LineSplitter, LeavesWhatIsBehindANulAlone) {
     splitLines(text.data(), text.size(), offsets);
     EXPECT_EQ(text, std::string("a\0\0\0b\r\nc", 9));
     EXPECT_EQ(offsets, std::vector<uint64_t>{0});
+}
+
+TEST(LineSplitter, MakesRoomForTheLinesAtOnceAndForFewMore) {
+    const struct {
+        const char* why;
+        std::size_t lines;
+        std::size_t most;
+    } cases[] = {{"one line", 1, 2},
+                 {"a small text is counted", 1000, 1001},
+                 {"nearly the largest that is counted", 26214, 26215},
+                 {"the smallest that is estimated, twice as large", 26215, 26215 * 17 / 8 + 1},
+                 {"a large one", 100000, 112500},
+                 {"a larger one", 400000, 450000}};
+    for (const auto& c : cases) {
+        std::string text;
+        while (text.size() < 10 * c.lines) text += "ten bytes\n";
+        std::vector<uint64_t> offsets;
+        splitLines(text.data(), text.size(), offsets);
+        EXPECT_EQ(offsets.size(), c.lines) << c.why;
+        EXPECT_GT(offsets.capacity(), c.lines) << c.why;
+        EXPECT_LE(offsets.capacity(), c.most) << c.why;
+    }
+}
+
+TEST(LineSplitter, CountsTheLinesOfATextAsLargeAsTheSamples) {
+    std::string text;
+    while (text.size() < 262144) text += "8 bytes\n";
+    std::vector<uint64_t> offsets;
+    splitLines(text.data(), text.size(), offsets);
+    EXPECT_EQ(offsets.capacity(), 32768u + 1) << "room for each, and for one without its end";
 }
 
 TEST(LineSplitter, AppendsToTheOffsetsThere) {

@@ -114,7 +114,7 @@ private:
             add("with " + name + " before the option before it", changed);
         }
         for (const std::string& value : values()) {
-            change(name + " = " + value, i, [&](Option& option) { option.value = value; });
+            change(std::string(name).append(" = ").append(value), i, [&](Option& option) { option.value = value; });
         }
         quotesWithin(i);
         change("without the = of " + name, i, [&](Option& option) { option = {option.name + ' ' + option.value, ""}; });

@@ -40,8 +40,14 @@ Json tracksOf(const TracedRun& run) {
 Json spansOf(const TracedRun& run) {
     TextTable texts;
     std::vector<int> kinds;
-    std::vector<std::size_t> tracks, depths, numbers, names, arguments, results;
-    std::vector<std::int64_t> starts, durations;
+    std::vector<std::size_t> tracks;
+    std::vector<std::size_t> depths;
+    std::vector<std::size_t> numbers;
+    std::vector<std::size_t> names;
+    std::vector<std::size_t> arguments;
+    std::vector<std::size_t> results;
+    std::vector<std::int64_t> starts;
+    std::vector<std::int64_t> durations;
     for (const TracedSpan& span : run.spans) {
         kinds.push_back(static_cast<int>(span.kind));
         tracks.push_back(span.track);

@@ -9,7 +9,6 @@
 namespace vexa::runner {
 namespace {
 
-using standin::Finding;
 using standin::HostFunctionInfo;
 using standin::Rule;
 using Kind_e = TracedSpan::Kind_e;

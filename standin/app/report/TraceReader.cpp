@@ -23,7 +23,7 @@ constexpr double kNanosecondsPerMicrosecond = 1000;
 }
 
 // Builds the run from its events, which are given one after the other.
-class RunBuilder {
+class RunBuilder {  // NOLINT(bugprone-exception-escape): moving JSON throws nothing
 public:
     // What is missing in the event, or is of another kind than it should be, is told by an exception of the JSON
     // library; what does not fit what was before by a std::invalid_argument.

@@ -68,7 +68,7 @@ struct TracedOutcome {
 };
 
 /// A run as its trace tells it.
-struct TracedRun {
+struct TracedRun {  // NOLINT(bugprone-exception-escape): moving JSON throws nothing
     std::string tool;
     std::string macroFile;
     nlohmann::ordered_json options;  ///< an array of values for each option that was given

@@ -4,6 +4,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <random>
@@ -268,6 +269,14 @@ TEST(SetAssign, SortsManyRunsOutOfOrder) {
     const std::string ascending = textOfRuns(5000);
     EXPECT_EQ(setOf(textOfDescendingRuns(5000)).toString(), ascending);
     EXPECT_EQ(setOf("[9223372036854775807," + textOfDescendingRuns(5000).substr(1)).size(), 5001u);
+}
+
+TEST(SetAssign, SortsRangesThatBeginAlike) {
+    for (int count = 1; count <= 300; ++count) {
+        std::string text = "[";
+        for (int i = 0; i < count; ++i) text += "7,5,";
+        ASSERT_EQ(setOf(text + "5]").toString(), "[5,7]") << count;
+    }
 }
 
 TEST(SetAssign, SortsManyRangesOfAnySize) {
@@ -545,6 +554,12 @@ TEST(SetIterator, IsAForwardIterator) {
     EXPECT_TRUE(Set::const_iterator() == Set::const_iterator());
 }
 
+TEST(SetIterator, StandsElsewhereOnAnotherMemberOfTheSameRun) {
+    const Set set = setOf("[1-3]");
+    EXPECT_FALSE(std::next(set.begin()) == set.begin());
+    EXPECT_TRUE(std::next(set.begin()) == std::next(set.begin()));
+}
+
 TEST(Set, ShowsItsRuns) {
     EXPECT_EQ(setOf("[5,1-3]").ranges(), (std::vector<Set::Range>{{1, 3}, {5, 5}}));
     EXPECT_TRUE((Set::Range{1, 3} != Set::Range{1, 4}));
@@ -648,6 +663,18 @@ TEST(SetOfHostSet, LeavesTheHandleToItsOwner) {
     EXPECT_EQ(Set(hostSet->handle()).toString(), "[1-3]");
     hostSet.reset();
     EXPECT_EQ(copy.toString(), "[1-3,9]");
+}
+
+TEST(SetOfHostSet, EndsWhereTheHostGivesNoRun) {
+    // Told that there is a run, it finds none stored at first, and later the one before.
+    const char* const expected[] = {"[]", "[3]", "[3,5]"};
+    for (std::size_t call = 1; call <= std::size(expected); ++call) {
+        standin::Host host;
+        HostSet hostSet;
+        for (const int64_t member : {3, 5, 9}) hostSet.insert(member, member);
+        host.failCall("VexaUtilSetNextRange", call, 1);
+        EXPECT_EQ(Set(hostSet.handle()).toString(), expected[call - 1]);
+    }
 }
 
 TEST(SetOfHostSet, TakesANullHandleForTheEmptySet) {

@@ -111,6 +111,15 @@ TEST_F(TaskProgressTest, BeginsAnewWithEachStart) {
     EXPECT_EQ(m_bar->percentages, (std::vector<int>{50, 50}));
 }
 
+TEST_F(TaskProgressTest, TellsSmallerPercentagesAgainAfterANewStart) {
+    TaskProgress progress(m_bar, 4);
+    progress.start("first");
+    progress.advance(3);
+    progress.start("second");
+    progress.advance();
+    EXPECT_EQ(m_bar->percentages, (std::vector<int>{75, 25}));
+}
+
 TEST_F(TaskProgressTest, AsksTheBarWhetherItIsInterrupted) {
     const TaskProgress progress(m_bar, 2);
     EXPECT_FALSE(progress.isInterrupted());

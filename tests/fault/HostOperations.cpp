@@ -1,0 +1,98 @@
+// The operations that call the host: progress, style, mutex.
+#include "AllocationFaults.h"
+#include "SparingHost.h"
+#include "support/GlobalLocale.h"
+#include "vexa/ui/TaskProgress.h"
+#include "vexautilutil/Mutex.h"
+#include "vexautilutil/StyleValue.h"
+#include "vexautilutil/TaskProgressBar.h"
+
+namespace vexa::tests {
+namespace {
+
+using namespace vexautilutil;
+using standin::StyleValue;
+
+const std::string kLong = "a text of more than fifteen characters";
+
+template <class Make>
+void makesProgress(Attempt& a, const Make& make) {
+    const SparingHost host;
+    a.makes(make, [](const auto& progress) { return progress->isInterrupted() ? "interrupted" : "made"; });
+}
+
+template <class Change>
+void drives(Attempt& a, const Change& change) {
+    const SparingHost host;
+    const auto progress = createTaskProgressBar(10);
+    progress->start("a task");
+    a.changes([&] { change(*progress); }, [&] { return host.statusLine().text; });
+}
+
+// The outcome is the answer in all its parts.
+void asks(Attempt& a, const char* keyword, const StyleValue& value) {
+    SparingHost host;
+    host.setStyle({"Group", keyword}, value);
+    std::vector<std::string> path = {"Group", keyword};
+    ResultType_e type = ResultType_None;
+    auto code = GetValueReturnCode_Ok;
+    std::string text = "before";
+    a.changes([&] { getValueAsString(path, 1, 2, type, code, text); },
+              [&] { return std::to_string(type) + ' ' + std::to_string(code) + ' ' + text; });
+}
+
+void asksGrouped(Attempt& a, const char* keyword, const StyleValue& value) {
+    const GlobalLocale locale(new GroupedNumbers);  // the road through a stream
+    asks(a, keyword, value);
+}
+
+toolbox::Set someSet() {
+    toolbox::Set set;
+    for (int i = 0; i < 20; ++i) set.insert(2 * i);
+    return set;
+}
+
+// A task does not fail for want of a text beside its bar.
+const std::vector<std::string> kNoText = {"a task", kUnharmed};
+
+// Either the host has no memory: it does not take the question, or refuses it. Or the library has none for the text;
+// then the argument list is not released, with all that the host keeps of it.
+const std::vector<std::string> kNoAnswer = {"4 3 before", "4 2 before", "bad_alloc"};
+constexpr long kArgList = 12;
+
+// The same, where the host is asked a second time. Its refusal then is passed on with what `nothing` is as a text.
+std::vector<std::string> noAnswer(ResultType_e type, const std::string& nothing) {
+    std::vector<std::string> outcomes = kNoAnswer;
+    for (const char* code : {" 2 ", " 3 "}) outcomes.push_back(std::to_string(type) + code + nothing);
+    return outcomes;
+}
+
+}  // namespace
+
+std::vector<Operation> hostOperations() {
+    return {
+        {"createTaskProgressBar", [](Attempt& a) { makesProgress(a, [] { return createTaskProgressBar(2); }); }},
+        {"createNoopTaskProgressBar", [](Attempt& a) { makesProgress(a, [] { return createNoopTaskProgressBar(); }); }},
+        {"start, of a progress bar", [](Attempt& a) { drives(a, [](auto& p) { p.start(kLong); }); }, kNoText},
+        {"setStatusMessage, of a progress bar",
+         [](Attempt& a) { drives(a, [](auto& p) { p.setStatusMessage(kLong); }); }, kNoText},
+        {"Mutex",
+         [](Attempt& a) {
+             const SparingHost host;
+             a.makes([] { return Mutex(); }, [](const auto&) { return "made"; });
+         },
+         {"bad_alloc"},
+         0},
+        {"getValueAsString, of a double", [](Attempt& a) { asks(a, "Thickness", 0.5); }, kNoAnswer, kArgList},
+        {"getValueAsString, of a double, grouped", [](Attempt& a) { asksGrouped(a, "Thickness", -1.23456e-300); },
+         kNoAnswer, kArgList},
+        {"getValueAsString, of an integer", [](Attempt& a) { asks(a, "Count", INT64_MIN); },
+         noAnswer(ResultType_Integer, "0"), kArgList},
+        {"getValueAsString, of a text", [](Attempt& a) { asks(a, "Name", kLong); }, noAnswer(ResultType_String, ""),
+         kArgList},
+        {"getValueAsString, of a set", [](Attempt& a) { asks(a, "ActiveFieldMaps", someSet()); },
+         noAnswer(ResultType_Set, "[]"), kArgList},
+    };
+}
+
+}  // namespace vexa::tests

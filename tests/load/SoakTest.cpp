@@ -1,0 +1,150 @@
+// The same work for hours: what the process holds after the first tenth of it is what it holds at the end.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "load/Load.h"
+#include "load/Resources.h"
+#include "macro/Tokens.h"
+#include "processor/ScriptedProcessor.h"
+#include "support/TemporaryFolder.h"
+#include "vexa/toolbox/Set.h"
+#include "vexastandin/Host.h"
+#include "vexastandin/Observer.h"
+#include "vexautilutil/AsciiFile.h"
+#include "vexautilutil/BooleanMacroOption.h"
+#include "vexautilutil/SetMacroOption.h"
+#include "vexautilutil/StringMacroOption.h"
+#include "vexautilutil/UInt64MacroOption.h"
+
+namespace vexa::vexautilutil {
+namespace {
+
+// Calls `operation` so often, and expects that the process holds no more at the end than after the first tenth. What
+// the operation does goes by its number modulo 1000, so that the same is held at both times, but for \p remembered
+// bytes.
+template <class Operation>
+void soak(const char* what, long times, const Operation& operation, std::size_t remembered = 0) {
+    ASSERT_EQ(times % 10000, 0) << "a tenth must be whole rounds of 1000";
+    load::Resources::now();  // what is allocated once, by asking, is allocated
+    long wrong = 0;
+    for (long i = 0; i < times / 10; ++i) wrong += operation(i % 1000) ? 0 : 1;
+    const load::Resources early = load::Resources::now();
+    for (long i = times / 10; i < times; ++i) wrong += operation(i % 1000) ? 0 : 1;
+    const load::Resources late = load::Resources::now();
+    std::printf("%ld %s: resident %ld -> %ld KiB, heap in use %zu -> %zu B, descriptors %ld -> %ld\n", times, what,
+                early.residentKiB, late.residentKiB, early.heapInUse, late.heapInUse, early.descriptors,
+                late.descriptors);
+    EXPECT_EQ(wrong, 0);
+    EXPECT_LE(late.residentKiB - early.residentKiB, 1024);
+    EXPECT_GE(late.heapInUse, early.heapInUse);
+    EXPECT_LE(late.heapInUse, early.heapInUse + remembered);
+    EXPECT_EQ(late.descriptors, early.descriptors);
+}
+
+// Counts the host's objects that live: what was allocated, and not freed.
+class LivingHandles : public standin::ObserverInterface {
+public:
+    void entryBegan(const standin::EntryEvent&) override {}
+    void entryEnded(const standin::EntryEvent&) override {}
+    void callBegan(const standin::CallEvent&) override {}
+    void callEnded(const standin::CallEvent& call) override {
+        if (endsWith(call.function, "Dealloc")) {
+            --living;
+        } else if (endsWith(call.function, "Alloc")) {
+            ++living;
+            ++made;
+        }
+    }
+    void findingMade(const standin::Finding&) override {}
+    void statusChanged(const standin::StatusLine&) override {}
+
+    long living = 0;
+    long made = 0;
+
+private:
+    static bool endsWith(const std::string& text, const std::string& end) {
+        return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+    }
+};
+
+TEST(Soak, CommandsThroughOneProcessor) {
+    LivingHandles handles;
+    standin::Host host;
+    host.setKeepsCalls(false);
+    host.setObserver(&handles);
+    ScriptedProcessor processor([](MacroCommandProcessorAbstract& command) {
+        std::string word;
+        std::string text;
+        std::int64_t count = 0;
+        toolbox::Set zones;
+        return command.getCommand(word) && command.getNextName(word) && command.getInt64Value(count) &&
+               command.getNextName(word) && command.getStringValue(text, true) && command.getNextName(word) &&
+               command.getSetValue(zones);
+    });
+    soak("commands, one in twenty refused", load::amount(100000, 10000000), [&](long i) {
+        const bool isBad = i % 20 == 0;
+        const std::string command = "LOAD COUNT = " + (isBad ? "many" : std::to_string(i)) +
+                                    " TITLE = 'a title of more than fifteen characters' ZONES = [1-3,5," +
+                                    std::to_string(10 + i) + ']';
+        return outcomeOf(processor, command.c_str()).has_value() == isBad;
+    });
+    EXPECT_GT(handles.made, 0) << "one for each refusal";
+    EXPECT_EQ(handles.living, 0);
+    EXPECT_TRUE(host.violations().empty());
+}
+
+TEST(Soak, OptionsParsedAndRendered) {
+    soak("options, one in twenty refused", load::amount(100000, 10000000), [](long i) {
+        const std::string number = std::to_string(i);
+        if (i % 20 == 0) {
+            return refusedAs<UInt64MacroOption>("COUNT=a" + number, nullptr, nullptr) ==
+                   "Invalid integer value a" + number;
+        }
+        const std::string count = "COUNT=" + number;
+        const std::string enabled = i % 8 < 4 ? "ENABLED=TRUE" : "ENABLED=FALSE";
+        const std::string title = "TITLE=\"a title of more than fifteen characters " + number + '"';
+        const std::string zones = "ZONES=[1-3,5," + std::to_string(10 + i) + ']';
+        switch (i % 4) {
+            case 0: return parsedAs<UInt64MacroOption>(count, nullptr).toString() == count;
+            case 1: return parsedAs<BooleanMacroOption>(enabled, nullptr).toString() == enabled;
+            case 2: return parsedAs<StringMacroOption>(title, nullptr).toString() == title;
+            default: return parsedAs<SetMacroOption>(zones, false, nullptr).toString() == zones;
+        }
+    });
+}
+
+TEST(Soak, FilesOpened) {
+    const tests::TemporaryFolder folder;
+    std::string rows;
+    for (int row = 0; row < 100; ++row) rows += "row " + std::to_string(row) + '\n';
+    const std::string small = folder.write("small.txt", "one row");
+    const std::string larger = folder.write("larger.txt", rows);
+    soak("files, one in twenty missing", load::amount(10000, 100000), [&](long i) {
+        AsciiFile file;
+        if (i % 20 == 0) return !file.open(folder.path("missing.txt"));
+        if (i % 2 == 0) return file.open(larger) && file.readLineAtOffset(99) == "row 99";
+        return file.open(small) && file.numLinesInFile() == 1;
+    });
+}
+
+TEST(Soak, AddOnLoadedAndUnloaded) {
+    standin::Host host;
+    host.setKeepsCalls(false);
+    // The host knows the identities of all add-ons there ever were, by their addresses, of which there are few.
+    constexpr std::size_t kIdentities = 1024;
+    const auto loadAndUnload = [&](long) {
+        const standin::AddOnInfo info = host.loadAddOn(ADDON_ONE);
+        const bool isAccepted = host.run(info.id, "SLEEP 0").accepted;
+        host.unloadAddOns();
+        return isAccepted && host.addOns().empty();
+    };
+    soak("loads", 10000, loadAndUnload, kIdentities);
+    EXPECT_TRUE(host.violations().empty());
+}
+
+}  // namespace
+}  // namespace vexa::vexautilutil
