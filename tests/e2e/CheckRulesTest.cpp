@@ -21,7 +21,7 @@ protected:
     ProgramResult result(const std::vector<std::string>& more = {}) const {
         write("m.mcr", std::string("MISBEHAVING ") + GetParam().command + '\n');
         std::vector<std::string> arguments = {"check",  ADDON_MISBEHAVING, "--macro",   "m.mcr",
-                                              "--only", GetParam().test,   "--timeout", "0.5"};
+                                              "--only", GetParam().test,   "--timeout", "2"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return runProgram(runner(arguments));
     }

@@ -19,7 +19,7 @@ constexpr bool kIsSanitized = VEXA_IS_SANITIZED;
 
 // Whether a process ends that was killed. Who it is left to may be slow to take notice, so one that is dead will do.
 bool isGoneSoon(pid_t process) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     std::string state;
     do {
         std::ifstream file("/proc/" + std::to_string(process) + "/stat");
@@ -177,10 +177,10 @@ TEST_F(Check, EndsACommandThatDoesNotReturn) {
     for (const char* command : {"hang", "hang-and-ignore"}) {
         SCOPED_TRACE(command);
         const std::string macro = std::string("ROGUE ") + command + '\n';
-        const ProgramResult result = checkMacro("rogue", macro, "commands-in-order", {"--timeout", "0.3"});
+        const ProgramResult result = checkMacro("rogue", macro, "commands-in-order", {"--timeout", "2"});
         EXPECT_EQ(result.status, 1);
         EXPECT_TRUE(cameOut(result, "commands-in-order", "timed out")) << result.out;
-        EXPECT_TRUE(has(result, "the add-on did not return within 0.3 s")) << result.out;
+        EXPECT_TRUE(has(result, "the add-on did not return within 2 s")) << result.out;
         EXPECT_TRUE(has(result, "during: ROGUE " + std::string(command))) << result.out;
     }
 }
@@ -196,7 +196,7 @@ TEST_F(Check, EndsTheProcessesThatAnAddOnLeaves) {
     const auto begin = std::chrono::steady_clock::now();
     const ProgramResult result = checkMacro("rogue", "ROGUE leave-process\n", "commands-in-order");
     EXPECT_EQ(result.status, 0) << result.out;
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
     const pid_t left = std::stoi(read("left-process"));
     EXPECT_TRUE(isGoneSoon(left));
 }
@@ -204,7 +204,7 @@ TEST_F(Check, EndsTheProcessesThatAnAddOnLeaves) {
 TEST_F(Check, DoesNotWaitForAThreadThatAnAddOnLeaves) {
     const auto begin = std::chrono::steady_clock::now();
     const ProgramResult result = checkMacro("rogue", "ROGUE leave-thread\n", "commands-in-order");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
     // The thread goes on in code that is unloaded; whether that happens in time is chance.
     const bool isOver =
         cameOut(result, "commands-in-order", "passed") || cameOut(result, "commands-in-order", "crashed");

@@ -52,7 +52,7 @@ TEST_F(ProjectFile, SaysWhatTheOptionsSay) {
 }
 
 TEST_F(ProjectFile, LimitsTheTimeOfACommand) {
-    write(kFile, "timeout = 0.3\n");
+    write(kFile, "timeout = 2\n");
     write("m.mcr", "MISBEHAVING command-timeout\n");
     EXPECT_EQ(runProgram(runner({"run", "m.mcr", "--addon", ADDON_MISBEHAVING})).status, 4);
 }

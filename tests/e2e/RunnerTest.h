@@ -3,42 +3,46 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "RunProgram.h"
+#include "support/TemporaryFolder.h"
 
 namespace vexa::e2e {
 
 /// A test that runs the real vexa-standin in a temporary folder of its own.
 class RunnerTest : public ::testing::Test {
 protected:
-    RunnerTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "vexa-e2e-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        m_folder = name;
-        // The tests of missing permissions enter it as another user.
-        std::filesystem::permissions(m_folder, std::filesystem::perms(0755));
-    }
-    ~RunnerTest() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
+    // The tests of missing permissions enter the folder as another user.
+    RunnerTest() { std::filesystem::permissions(folder(), std::filesystem::perms(0755)); }
 
-    const std::filesystem::path& folder() const { return m_folder; }
+    std::filesystem::path folder() const { return m_folder.path(); }
 
     void write(const std::string& name, const std::string& content) const {
-        std::ofstream(m_folder / name, std::ios::binary) << content;
+        std::ofstream(folder() / name, std::ios::binary) << content;
     }
 
     std::string read(const std::string& name) const {
-        std::ifstream file(m_folder / name, std::ios::binary);
+        std::ifstream file(folder() / name, std::ios::binary);
         if (!file) return "(no file " + name + ")";
         return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// Waits until the file \p name is there.
+    /// \return false when it is not within a minute.
+    bool waitForFile(const std::string& name) const {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (!std::filesystem::exists(folder() / name)) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return true;
     }
 
     /// What \p recording, a file of recorded commands, has below its first line, which tells what it is.
@@ -47,7 +51,7 @@ protected:
     /// The names of all files in the folder, in no order.
     std::vector<std::string> fileNames() const {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
+        for (const auto& entry : std::filesystem::directory_iterator(folder())) {
             names.push_back(entry.path().filename());
         }
         return names;
@@ -56,7 +60,7 @@ protected:
     /// `vexa-standin ARGUMENTS`.
     Program runner(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), VEXA_STANDIN);
-        return {std::move(arguments), m_folder, "", false};
+        return {std::move(arguments), folder(), "", false};
     }
 
     /// `vexa-standin run m.mcr --addon ADDON-ONE OPTIONS`, where m.mcr holds \p macro.
@@ -73,7 +77,7 @@ protected:
     }
 
 private:
-    std::filesystem::path m_folder;
+    const tests::TemporaryFolder m_folder;
 };
 
 /// A test of permissions, which do not bind root: as root it runs the program as another user, if that one can.

@@ -55,11 +55,11 @@ TEST_F(StopButton, GoesBeforeABrokenContract) {
 TEST_F(StopButton, StopsTheReplayOfARecording) {
     PtyProgram program(progressRunner("PROGRESS PLAYBACK\nPROGRESS SAY done\n", {"--strict", "--record", "r.mcr"}),
                        kColumns, plainTerminal());
-    ASSERT_TRUE(program.waitFor("done"));
+    ASSERT_TRUE(waitForFile("again"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
     EXPECT_NE(program.output().find("vexa-standin: stopped\r\n"), std::string::npos) << program.output();
-    EXPECT_EQ(commandsOf(read("r.mcr")), "PROGRESS START Again;UNTILSTOPPED;FINISH\n");
+    EXPECT_EQ(commandsOf(read("r.mcr")), "PROGRESS MAKE again;START Again;UNTILSTOPPED;FINISH\n");
 }
 
 TEST_F(StopButton, ShowsThatTheTaskIsAboutToStop) {

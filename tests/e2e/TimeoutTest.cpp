@@ -7,11 +7,11 @@ namespace {
 
 class Timeout : public TerminalTest {
 protected:
-    /// `vexa-standin run m.mcr --addon ADDON --timeout 0.3 OPTIONS`, where m.mcr holds \p macro.
+    /// `vexa-standin run m.mcr --addon ADDON --timeout 2 OPTIONS`, where m.mcr holds \p macro.
     ProgramResult runFor(const std::string& addOn, const std::string& macro,
                          const std::vector<std::string>& options = {}) const {
         write("m.mcr", macro);
-        Program program = runner({"run", "m.mcr", "--addon", addOn, "--timeout", "0.3"});
+        Program program = runner({"run", "m.mcr", "--addon", addOn, "--timeout", "2"});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         return runProgram(program);
     }
@@ -29,7 +29,7 @@ TEST_F(Timeout, TellsWhichCommandHangsAndEndsTheProgram) {
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.out, "read 'a'\n");
     EXPECT_EQ(result.err,
-              "m.mcr:2: HANGING: error: \"HANGING 'b\" has not returned within 0.3 seconds; it made no host call "
+              "m.mcr:2: HANGING: error: \"HANGING 'b\" has not returned within 2 seconds; it made no host call "
               "[command-timeout]\n"
               "    first: the beginning of \"HANGING 'b\", m.mcr:2, thread 1\n" +
                   kHint);
@@ -40,7 +40,7 @@ TEST_F(Timeout, TellsTheLastHostCall) {
         runFor(ADDON_MISBEHAVING, "MISBEHAVING unbalanced-lock-twin\nMISBEHAVING command-timeout\n");
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.err,
-              "m.mcr:2: MISBEHAVING: error: \"MISBEHAVING command-timeout\" has not returned within 0.3 seconds; its "
+              "m.mcr:2: MISBEHAVING: error: \"MISBEHAVING command-timeout\" has not returned within 2 seconds; its "
               "last host call was VexaUtilMacroIsBatchModeActive [command-timeout]\n"
               "    first: the beginning of \"MISBEHAVING command-timeout\", m.mcr:2, thread 1\n"
               "    seen:  call 7, VexaUtilMacroIsBatchModeActive, in \"MISBEHAVING command-timeout\", m.mcr:2, thread "
@@ -64,7 +64,7 @@ TEST_F(Timeout, DoesNotBotherCommandsThatReturn) {
 
 TEST_F(Timeout, BeginsAnewWithEachCommand) {
     std::string macro;
-    for (int i = 0; i != 4; ++i) macro += "ONE SLEEP 100\n";
+    for (int i = 0; i != 3; ++i) macro += "ONE SLEEP 800\n";
     const ProgramResult result = runFor(ADDON_ONE, macro);
     EXPECT_EQ(result.status, 0) << result.err;
 }
@@ -88,7 +88,7 @@ TEST_F(Timeout, LeavesNoFileOfARunThatDidNotBegin) {
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(fileNames(), std::vector<std::string>({"m.mcr"}));
     EXPECT_EQ(result.err, "error: \"loading of " ADDON_HANGING_AT_ENTRY
-                          "\" has not returned within 0.3 seconds; it made no host call [command-timeout]\n"
+                          "\" has not returned within 2 seconds; it made no host call [command-timeout]\n"
                           "    first: the beginning of \"loading of " ADDON_HANGING_AT_ENTRY "\", thread 1\n" +
                               kHint);
 }
@@ -97,7 +97,7 @@ TEST_F(Timeout, IsForUnloadingToo) {
     const ProgramResult result =
         runHanging("HANGING RECORD\nHANGING HANG AT SHUTDOWN\n", {"--record", "r.mcr", "--strict"});
     EXPECT_EQ(result.status, 4);
-    EXPECT_EQ(result.err.rfind("error: \"unloading of HANGING\" has not returned within 0.3 seconds", 0), 0U)
+    EXPECT_EQ(result.err.rfind("error: \"unloading of HANGING\" has not returned within 2 seconds", 0), 0U)
         << result.err;
     EXPECT_EQ(commandsOf(read("r.mcr")), "HANGING RECORD\n");
 }
@@ -105,7 +105,7 @@ TEST_F(Timeout, IsForUnloadingToo) {
 TEST_F(Timeout, IsForTheReplayOfARecordingToo) {
     const ProgramResult result = runHanging("HANGING RECORD HANG\n", {"--record", "r.mcr", "--strict"});
     EXPECT_EQ(result.status, 4);
-    EXPECT_EQ(result.err.rfind("m.mcr:1: HANGING: error: \"HANGING HANG\" has not returned within 0.3 seconds", 0), 0U)
+    EXPECT_EQ(result.err.rfind("m.mcr:1: HANGING: error: \"HANGING HANG\" has not returned within 2 seconds", 0), 0U)
         << result.err;
     EXPECT_EQ(commandsOf(read("r.mcr")), "HANGING HANG\n");
 }
@@ -123,8 +123,8 @@ TEST_F(Timeout, GoesBeforeSuppression) {
 }
 
 TEST_F(Timeout, LeavesTheTerminalInOrder) {
-    PtyProgram program(progressRunner("PROGRESS START Reading;SAY one;PART half;HANG\n", {"--timeout", "0.5"}),
-                       kColumns, plainTerminal());
+    PtyProgram program(progressRunner("PROGRESS START Reading;SAY one;PART half;HANG\n", {"--timeout", "2"}), kColumns,
+                       plainTerminal());
     EXPECT_EQ(program.finish(), 4);
     const Rows rows = screenOf(program, 400).rows();
     ASSERT_EQ(rows.size(), 6U) << program.output();

@@ -56,7 +56,7 @@ TEST_F(Trace, OfARunThatIsKilledIsThereUpToThere) {
 TEST_F(Trace, OfACommandThatDoesNotReturnEndsWithTheFinding) {
     write("m.mcr", "HANGING HANG\n");
     const ProgramResult result =
-        runProgram(runner({"run", "m.mcr", "--addon", ADDON_HANGING, "--timeout", "0.2", "--trace", "t.json"}));
+        runProgram(runner({"run", "m.mcr", "--addon", ADDON_HANGING, "--timeout", "2", "--trace", "t.json"}));
     EXPECT_EQ(result.status, 4) << result.err;
     const Json events = traceEvents(read("t.json"));
     EXPECT_EQ(nestingProblems(events), std::vector<std::string>());

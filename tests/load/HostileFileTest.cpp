@@ -10,12 +10,17 @@
 #include <vector>
 
 #include "e2e/RunProgram.h"
+#include "load/LargeTexts.h"
 #include "load/Load.h"
 #include "load/Resources.h"
 #include "support/TemporaryFolder.h"
 
 namespace vexa::e2e {
 namespace {
+
+using load::counted;
+using load::filled;
+using load::repeated;
 
 constexpr long kQuickSize = 1L << 20;
 constexpr long kWholeSize = 64L << 20;
@@ -35,26 +40,6 @@ struct Hostile {
 
     friend std::ostream& operator<<(std::ostream& out, const Hostile& hostile) { return out << hostile.name; }
 };
-
-std::string nameOf(const testing::TestParamInfo<Hostile>& info) { return info.param.name; }
-
-std::string filled(std::size_t size, char c) { return std::string(size, c); }
-
-std::string repeated(std::size_t size, const std::string& piece) {
-    std::string text;
-    text.reserve(size);
-    while (text.size() + piece.size() <= size) text += piece;
-    return text;
-}
-
-// `make` called with 0, 1 and so on, up to `size`.
-template <class Make>
-std::string counted(std::size_t size, const Make& make) {
-    std::string text;
-    text.reserve(size);
-    for (std::size_t i = 0; text.size() + 48 <= size; ++i) text += make(i);
-    return text;
-}
 
 ProgramResult resultOf(const Hostile& hostile, std::size_t size) {
     const tests::TemporaryFolder folder;
@@ -143,7 +128,7 @@ const Hostile kFiles[] = {
      "1:46: Expected at most 16777216 members in stepped ranges", 32, 700L << 10},
 };
 
-INSTANTIATE_TEST_SUITE_P(Every, HostileFile, testing::ValuesIn(kFiles), nameOf);
+INSTANTIATE_TEST_SUITE_P(Every, HostileFile, testing::ValuesIn(kFiles), load::NameOf());
 
 }  // namespace
 }  // namespace vexa::e2e

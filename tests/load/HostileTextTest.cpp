@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "load/LargeTexts.h"
 #include "load/Load.h"
 #include "load/Resources.h"
 #include "macro/Tokens.h"
@@ -28,6 +29,10 @@
 namespace vexa::vexautilutil {
 namespace {
 
+using load::counted;
+using load::filled;
+using load::repeated;
+
 constexpr long kQuickSize = 1L << 20;
 constexpr long kWholeSize = 64L << 20;
 constexpr std::size_t kMostAnswered = 300;
@@ -42,28 +47,6 @@ struct Hostile {
 
     friend std::ostream& operator<<(std::ostream& out, const Hostile& hostile) { return out << hostile.name; }
 };
-
-// What a test is called.
-std::string nameOf(const testing::TestParamInfo<Hostile>& info) { return info.param.name; }
-
-std::string filled(std::size_t size, char c) { return std::string(size, c); }
-
-// `piece` again and again, whole, up to `size`.
-std::string repeated(std::size_t size, const std::string& piece) {
-    std::string text;
-    text.reserve(size);
-    while (text.size() + piece.size() <= size) text += piece;
-    return text;
-}
-
-// `make` called with 0, 1 and so on, up to `size`.
-template <class Make>
-std::string counted(std::size_t size, const Make& make) {
-    std::string text;
-    text.reserve(size);
-    for (std::size_t i = 0; text.size() + 32 <= size; ++i) text += make(i);
-    return text;
-}
 
 struct Cost {
     double seconds = 0;
@@ -169,7 +152,7 @@ class HostileSet : public testing::TestWithParam<Hostile> {};
 
 TEST_P(HostileSet, IsReadOrRefused) { expectBearable(GetParam(), answerOfSet); }
 
-INSTANTIATE_TEST_SUITE_P(Every, HostileSet, testing::ValuesIn(kSets), nameOf);
+INSTANTIATE_TEST_SUITE_P(Every, HostileSet, testing::ValuesIn(kSets), load::NameOf());
 
 // ---- Commands through the processor
 
@@ -262,7 +245,7 @@ class HostileCommand : public testing::TestWithParam<Hostile> {};
 
 TEST_P(HostileCommand, IsReadOrRefused) { expectBearable(GetParam(), answerOfProcessor); }
 
-INSTANTIATE_TEST_SUITE_P(Every, HostileCommand, testing::ValuesIn(kCommands), nameOf);
+INSTANTIATE_TEST_SUITE_P(Every, HostileCommand, testing::ValuesIn(kCommands), load::NameOf());
 
 // ---- Commands of the command model
 
@@ -343,7 +326,7 @@ class HostileModelCommand : public testing::TestWithParam<Hostile> {};
 
 TEST_P(HostileModelCommand, IsReadOrRefused) { expectBearable(GetParam(), answerOfModel); }
 
-INSTANTIATE_TEST_SUITE_P(Every, HostileModelCommand, testing::ValuesIn(kModelCommands), nameOf);
+INSTANTIATE_TEST_SUITE_P(Every, HostileModelCommand, testing::ValuesIn(kModelCommands), load::NameOf());
 
 }  // namespace
 }  // namespace vexa::vexautilutil

@@ -56,7 +56,7 @@ long threadsNow() {
 
 // A thread that was joined may be listed a moment longer.
 bool staysWithMoreThreads(long than) {
-    constexpr auto kPatience = std::chrono::milliseconds(500);
+    constexpr auto kPatience = std::chrono::seconds(2);
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (threadsNow() > than && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
 
 #include <unistd.h>
@@ -59,7 +60,8 @@ bool takeStep(const std::string& name, const std::string& argument, char** errMs
     if (name == "PART") std::fputs(argument.c_str(), stdout);
     if (name == "DIALOG") VexaUtilDialogErrMsg(argument.c_str());
     if (name == "RECORD") VexaUtilMacroRecordExtCommand(kId, ("SAY " + argument).c_str());
-    if (name == "PLAYBACK") VexaUtilMacroRecordExtCommand(kId, "START Again;UNTILSTOPPED;FINISH");
+    if (name == "PLAYBACK") VexaUtilMacroRecordExtCommand(kId, "MAKE again;START Again;UNTILSTOPPED;FINISH");
+    if (name == "MAKE") std::ofstream(argument.c_str());
     if (name == "WAITFOR") {
         while (!fileExists(argument)) usleep(kPause);
     }
