@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace vexa::fuzz;
     const std::string input = textOf(data, size);
     const std::size_t formatEnd = std::min(input.find('\n'), input.size());
-    const std::string format(input.data(), std::min(formatEnd, std::strlen(input.c_str())));  // dialogs show C strings
+    const std::string format = input.substr(0, std::min(formatEnd, std::strlen(input.c_str())));  // as dialogs show it
     const std::string value = input.substr(std::min(formatEnd + 1, input.size()));
     const vexa::standin::Host host;
     const vexa::vexautilutil::AsciiFile file;

@@ -7,18 +7,26 @@ namespace {
 
 constexpr std::string_view kDataMark = "#   ";
 
+// Every line end begins a comment, for a macro file cannot hold a carriage return within a line.
 std::string asComments(std::string_view data) {
     std::string comments(kDataMark);
-    for (const char c : data) {
-        comments += c;
-        if (c == '\n') comments += kDataMark;
+    for (std::size_t at = 0; at < data.size(); ++at) {
+        const bool isLineEnd = data[at] == '\n' || (data[at] == '\r' && data.substr(at + 1, 1) != "\n");
+        if (isLineEnd) {
+            comments += '\n';
+            comments += kDataMark;
+        } else if (data[at] != '\r') {
+            comments += data[at];
+        }
     }
     return comments + '\n';
 }
 
-// The host takes any text for the journal, one with line breaks included, which no macro file can hold.
+// The host takes any text for the journal: one with line breaks, or of blanks, too, which is no command of a macro
+// file.
 bool fitsOneLine(const standin::JournalEntry& entry) {
-    return !entry.addOnId.empty() && !entry.command.empty() && entry.command.find_first_of("\r\n") == std::string::npos;
+    return !entry.addOnId.empty() && entry.command.find_first_not_of(" \t") != std::string::npos &&
+           entry.command.find_first_of("\r\n") == std::string::npos;
 }
 
 std::string commandText(const standin::JournalEntry& entry) {

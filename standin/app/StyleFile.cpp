@@ -286,11 +286,13 @@ std::string placeIn(std::string_view text, std::size_t at) {
 
 }  // namespace
 
+std::vector<StyleSetting> parseStyles(const std::string& text) { return SettingCollector().collect(parseJson(text)); }
+
 std::optional<std::vector<StyleSetting>> readStyles(const std::string& file) {
     std::string text;
     try {
         text = readWholeFile(file);
-        return SettingCollector().collect(parseJson(text));
+        return parseStyles(text);
     } catch (const JsonError& error) {
         tell(file + ':' + placeIn(text, error.at()), error.what());
     } catch (const std::system_error& error) {

@@ -21,9 +21,7 @@ struct StyleSetting {
     standin::StyleValue value;
 };
 
-/// Reads a style file, and tells what is wrong with it: "FILE:LINE:COLUMN: reason". Nothing comes of a wrong one.
-///
-/// A style file is JSON: keywords in one another, and values.
+/// Reads the text of a style file, which is JSON: keywords in one another, and values.
 ///
 ///     {"FIELDMAP": {"MESH": {"LINETHICKNESS": 0.4}}}      a double, of the path FIELDMAP, MESH, LINETHICKNESS
 ///     {"FRAME": 3}                                        an integer: no point, no exponent
@@ -38,6 +36,10 @@ struct StyleSetting {
 /// Refused, besides what is none of these: a keyword that is empty, holds a NUL, begins with `$` or is given twice in
 /// one object (ignoring the case of ASCII letters), more than six of them in one another, a text with a NUL, and a
 /// value of a kind that add-ons do not take its last keyword for: an integer that is taken for a text is an address.
+/// \throws JsonError
+std::vector<StyleSetting> parseStyles(const std::string& text);
+
+/// Reads a style file, and tells what is wrong with it: "FILE:LINE:COLUMN: reason". Nothing comes of a wrong one.
 std::optional<std::vector<StyleSetting>> readStyles(const std::string& file);
 
 /// Gives \p host settings.

@@ -118,11 +118,15 @@ TEST_F(TraceReaderTest, LeavesOpenWhatWasRunningWhenTheTraceWasCutOff) {
     EXPECT_EQ(run.entries.size(), 2U);
 }
 
+// The shortest beginning of a trace.
+std::string headerWith(const std::string& options) {
+    return R"([
+{"name":"run","cat":"run","ph":"i","pid":1,"tid":1,"ts":1.5,"s":"p","args":{"tool":"t","macroFile":"m","options":)" +
+           options + R"(,"isStrict":false,"hasTimeLimit":false,"suppressed":[]}})";
+}
+
 TEST(TraceReader, RefusesWhatIsNoTrace) {
-    const std::string header =
-        "[\n"
-        R"({"name":"run","cat":"run","ph":"i","pid":1,"tid":1,"ts":1.5,"s":"p",)"
-        R"("args":{"tool":"t","macroFile":"m","options":{},"isStrict":false,"hasTimeLimit":false,"suppressed":[]}})";
+    const std::string header = headerWith("{}");
     const std::string no = ": this is no trace that 'vexa-standin run --trace' wrote";
     struct Case {
         const char* why;
@@ -145,6 +149,65 @@ TEST(TraceReader, RefusesWhatIsNoTrace) {
          ":3: an end without its beginning"},
     };
     for (const Case& c : cases) EXPECT_EQ(refusalOf(c.text), c.refusal) << c.why;
+}
+
+std::string refusalOfEvent(const std::string& event) { return refusalOf(headerWith("{}") + ",\n" + event + "\n]\n"); }
+
+TEST(TraceReader, RefusesTimesThatNoRunCanHave) {
+    for (const char* time : {"1e300", "-1e300", "9223372036854775807", "1e13"}) {
+        EXPECT_EQ(refusalOfEvent(R"({"ph":"C","tid":1,"ts":)" + std::string(time) + R"(,"args":{"percent":1}})"),
+                  ":3: a time that no run can have")
+            << time;
+    }
+}
+
+TEST(TraceReader, RefusesNumbersThatAreNoIntegers) {
+    const std::string refusal = ":3: an event with a part missing, or of another kind";
+    for (const char* number : {"1e300", "1.5", "true", "null", "-1"}) {
+        EXPECT_EQ(refusalOfEvent(R"({"name":"f","cat":"call","ph":"B","tid":1,"ts":2,"args":{"number":)" +
+                                 std::string(number) + R"(,"arguments":""}})"),
+                  refusal)
+            << number;
+    }
+    EXPECT_EQ(
+        refusalOfEvent(R"({"name":"f","cat":"call","ph":"B","tid":1e300,"ts":2,"args":{"number":1,"arguments":""}})"),
+        refusal);
+    EXPECT_EQ(refusalOfEvent(R"({"ph":"C","tid":1,"ts":2,"args":{"percent":1e300}})"), refusal);
+    EXPECT_EQ(refusalOfEvent(R"({"cat":"run","ph":"i","tid":1,"ts":2,"args":{"exitStatus":1e300,"outcome":""}})"),
+              refusal);
+}
+
+TEST(TraceReader, RefusesAFindingWithoutARule) {
+    for (const char* facts : {"{}", "[]", "7", R"({"rule":7})", "null"}) {
+        EXPECT_EQ(refusalOfEvent(R"({"cat":"finding","ph":"i","tid":1,"ts":2,"args":)" + std::string(facts) + '}'),
+                  ":3: an event with a part missing, or of another kind")
+            << facts;
+    }
+}
+
+TEST(TraceReader, QuotesAnUnknownEventShortlyAndInOneLine) {
+    EXPECT_EQ(refusalOfEvent(R"({"ph":"a\nb","ts":2})"), R"(:3: an event of the unknown kind "a\nb")");
+    EXPECT_LT(refusalOfEvent(R"({"ph":")" + std::string(1000, 'Q') + R"(","ts":2})").size(), 300U);
+}
+
+TEST(TraceReader, RefusesWhatIsNestedDeeply) {
+    constexpr std::size_t kDepth = 200000;
+    EXPECT_EQ(refusalOf(headerWith(std::string(kDepth, '[') + std::string(kDepth, ']')) + "\n]\n"),
+              ":2: an event that is nested too deeply");
+}
+
+TEST(TraceReader, RefusesAnEventWithManyParts) {
+    std::string options;
+    for (std::size_t i = 0; i < 300000; ++i) options += (options.empty() ? "{\"" : ",\"") + std::to_string(i) + "\":[]";
+    EXPECT_EQ(refusalOf(headerWith(options + '}') + "\n]\n"), ":2: an event of too many parts");
+}
+
+TEST(TraceReader, RefusesOptionsThatAreNone) {
+    for (const char* options : {"7", "[]", R"({"--batch":7})", R"({"--batch":[7]})"}) {
+        EXPECT_EQ(refusalOf(headerWith(options) + "\n]\n"),
+                  ":2: this is no trace that 'vexa-standin run --trace' wrote")
+            << options;
+    }
 }
 
 TEST(TraceReader, RefusesAFileThatCannotBeRead) {

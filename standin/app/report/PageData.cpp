@@ -122,14 +122,14 @@ Json dialogsOf(const TracedRun& run) {
 Json functionsOf(const TracedRun& run) {
     struct Tally {
         std::size_t calls = 0;
-        std::int64_t time = 0;
+        double time = 0;  // threads run at the same time, and any number of them
     };
     std::map<std::string, Tally> tallies;
     for (const TracedSpan& span : run.spans) {
         if (span.kind != Kind_e::Call) continue;
         Tally& tally = tallies[span.name];
         ++tally.calls;
-        if (span.end) tally.time += *span.end - span.start;
+        if (span.end) tally.time += static_cast<double>(*span.end - span.start);
     }
     Json functions = Json::array();
     for (const standin::HostFunctionInfo& function : standin::hostFunctions()) {

@@ -15,8 +15,8 @@ namespace vexa::runner {
 namespace {
 
 constexpr const char* kReportFooter =
-    R"(The page needs no other file, and no network. The trace of a run that was killed is shown up
-to there.
+    R"(The page needs no other file, and no network. The trace of a run that was killed
+is shown up to there.
 
 Example:
   vexa-standin run sweep.mcr --addon ./libstats.so --trace sweep.trace

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "ShortText.h"
 #include "WholeFile.h"
 
 namespace vexa::runner {
@@ -16,10 +18,58 @@ using Json = nlohmann::ordered_json;
 using Kind_e = TracedSpan::Kind_e;
 
 constexpr const char* kNoTrace = "this is no trace that 'vexa-standin run --trace' wrote";
+constexpr const char* kWrongPart = "an event with a part missing, or of another kind";
 constexpr double kNanosecondsPerMicrosecond = 1000;
+constexpr double kMostNanoseconds = 1LL << 53;  // what the page's numbers count one by one: a hundred days
+constexpr int kMostNested = 8;
+constexpr std::size_t kMostParts = 1000;
 
 [[noreturn]] void refuse(const std::string& path, std::size_t line, const std::string& why) {
     throw TraceError(path + ':' + std::to_string(line) + ": " + why);
+}
+
+// The event of a line, discarded when it is none. Refused is what others made, and the JSON library would not live
+// through, or not in time: it copies what is nested by recursion, and looks for each part among all.
+Json eventIn(std::string_view line) {
+    std::size_t parts = 0;
+    const auto isBounded = [&](int depth, Json::parse_event_t token, const Json&) {
+        if (depth > kMostNested) throw std::invalid_argument("an event that is nested too deeply");
+        if (token == Json::parse_event_t::key && ++parts > kMostParts) {
+            throw std::invalid_argument("an event of too many parts");
+        }
+        return true;
+    };
+    return Json::parse(line, isBounded, false);
+}
+
+// The JSON library would take Booleans and fractions for integers, too, and numbers that fit nowhere.
+template <class Integer>
+Integer integerIn(const Json& part) {
+    const std::int64_t value = part.get_ref<const Json::number_integer_t&>();
+    using Limits = std::numeric_limits<Integer>;
+    const bool fits = value < 0 ? Limits::is_signed && value >= static_cast<std::int64_t>(Limits::min())
+                                : static_cast<std::uint64_t>(value) <= static_cast<std::uint64_t>(Limits::max());
+    if (!fits) throw std::invalid_argument(kWrongPart);
+    return static_cast<Integer>(value);
+}
+
+void checkOptions(const Json& options) {
+    for (const auto& [name, values] : options.get_ref<const Json::object_t&>()) {
+        (void)values.get<std::vector<std::string>>();
+    }
+}
+
+void checkPlace(const Json& place) {
+    for (const char* name : {"function", "command", "macroLine"}) (void)place.at(name).get<std::string>();
+    for (const char* name : {"call", "thread"}) integerIn<std::size_t>(place.at(name));
+}
+
+// The page shows the facts of a finding as they are.
+void checkFinding(const Json& facts) {
+    for (const char* name : {"rule", "severity", "message", "addOn", "hint"}) (void)facts.at(name).get<std::string>();
+    for (const char* name : {"count", "repeats"}) integerIn<std::size_t>(facts.at(name));
+    if (!facts.at("opened").is_null()) checkPlace(facts.at("opened"));
+    checkPlace(facts.at("seen"));
 }
 
 // Builds the run from its events, which are given one after the other.
@@ -35,9 +85,9 @@ public:
         m_run.end = std::max(m_run.end, time);
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
-        if (phase == "C") return m_run.percents.push_back({time, event.at("args").at("percent")});
+        if (phase == "C") return m_run.percents.push_back({time, integerIn<int>(event.at("args").at("percent"))});
         if (phase == "i") return readInstant(event, time);
-        throw std::invalid_argument("an event of the unknown kind \"" + phase + '"');
+        throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
     }
 
     bool hasHeader() const { return m_hasHeader; }
@@ -49,6 +99,7 @@ private:
         const Json& facts = event.at("args");
         m_run.tool = facts.at("tool");
         m_run.macroFile = facts.at("macroFile");
+        checkOptions(facts.at("options"));
         m_run.options = facts.at("options");
         m_run.isStrict = facts.at("isStrict");
         m_run.hasTimeLimit = facts.at("hasTimeLimit");
@@ -69,7 +120,7 @@ private:
         const std::string category = event.at("cat");
         const Json& facts = event.at("args");
         if (category == "call") {
-            span.number = facts.at("number");
+            span.number = integerIn<std::size_t>(facts.at("number"));
             span.arguments = facts.at("arguments");
             if (!m_openEntries.empty()) ++m_run.entries[m_openEntries.back()].calls;
         } else if (category == "scope") {
@@ -114,19 +165,22 @@ private:
     void readInstant(const Json& event, std::int64_t time) {
         const Json& facts = event.at("args");
         if (event.at("cat") == "finding") {
+            checkFinding(facts);
             m_run.findings.push_back({trackOf(event), time, facts});
         } else {
-            m_run.outcome = {facts.at("exitStatus"), facts.at("outcome")};
+            m_run.outcome = {integerIn<int>(facts.at("exitStatus")), facts.at("outcome")};
         }
     }
 
     std::int64_t timeOf(const Json& event) const {
         const double time = event.at("ts");
-        return std::llround((time - m_origin) * kNanosecondsPerMicrosecond);
+        const double nanoseconds = (time - m_origin) * kNanosecondsPerMicrosecond;
+        if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("a time that no run can have");
+        return std::llround(nanoseconds);
     }
 
     std::size_t trackOf(const Json& event) {
-        const long id = event.at("tid");
+        const long id = integerIn<long>(event.at("tid"));
         const auto [place, isNew] = m_trackIndexes.try_emplace(id, m_run.tracks.size());
         if (isNew) m_run.tracks.push_back({id, "thread " + std::to_string(id), false});
         return place->second;
@@ -166,14 +220,14 @@ TracedRun readTrace(const std::string& path) {
         ++number;
         if (number == 1 && line != "[") throw TraceError(path + ": " + kNoTrace);
         if (line == "[" || line == "]") continue;
-        const Json event = Json::parse(line, nullptr, false);
         const bool isLast = at >= text.size();
-        if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written
         try {
+            const Json event = eventIn(line);
+            if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written
             if (event.is_discarded()) throw std::invalid_argument("no event of a trace");
             builder.add(event);
         } catch (const Json::exception&) {
-            refuse(path, number, builder.hasHeader() ? "an event with a part missing, or of another kind" : kNoTrace);
+            refuse(path, number, builder.hasHeader() ? kWrongPart : kNoTrace);
         } catch (const std::invalid_argument& problem) {
             refuse(path, number, problem.what());
         }

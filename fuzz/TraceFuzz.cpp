@@ -1,0 +1,213 @@
+// Traces for the report. An input that begins with '!' is what happens to a trace that an EventTrace wrote, one that
+// begins with '@' is the command that it saw, any other is the file itself. What is no trace is refused in one line;
+// the page's data of any other are JSON in UTF-8, and hold together.
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <vector>
+
+#include "MemoryFile.h"
+#include "WholeFile.h"
+#include "report/PageData.h"
+#include "report/TraceReader.h"
+#include "tests/support/TemporaryFolder.h"
+#include "trace/EventTrace.h"
+#include "vexa/AddOn.h"
+#include "vexastandin/Host.h"
+#include "vexastandin/HostFunctions.h"
+
+namespace vexa::fuzz {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Lines = std::vector<std::string>;
+
+constexpr char kDamagesFollow = '!';
+constexpr char kCommandFollows = '@';
+
+// ---- A trace
+
+// Records what it is told, shows it, and leaves the status line up, which breaks a rule.
+VexaBoolean execute(const char* command, char**) {
+    VexaUtilStatusStartPercentDone("working", 1, 1);
+    VexaUtilStatusCheckPercentDone(50);
+    VexaUtilDialogErrMsg(command);
+    return VexaUtilMacroRecordExtCommand("ONE", command);
+}
+
+const VexaAddOn_s* addOn(AddOnList_s*) {
+    static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, "ONE", nullptr, execute, nullptr};
+    return &description;
+}
+
+Lines linesOf(const std::string& text) {
+    Lines lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
+        lines.push_back(text.substr(at, lineEnd - at));
+        at = lineEnd + 1;
+    }
+    return lines;
+}
+
+std::string joined(const Lines& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += line + '\n';
+    return text;
+}
+
+// The same in each run of this program: what tells one run from the next is made equal.
+std::string withoutChance(std::string line, std::size_t number) {
+    const bool hasComma = line.back() == ',';
+    Json event = Json::parse(hasComma ? line.substr(0, line.size() - 1) : line, nullptr, false);
+    if (!event.is_object()) return line;
+    event["pid"] = 1;
+    if (event["tid"] == getpid()) event["tid"] = 1;
+    if (event.contains("ts")) event["ts"] = number;
+    return event.dump() + (hasComma ? "," : "");
+}
+
+std::string traceOf(const std::string& command) {
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.path("trace");
+    standin::Host host;
+    runner::EventTrace trace(path,
+                             {"tool", "m.mcr", {{"--batch", {}}, {"--style", {"s"}}}, true, false, {"null-handle"}});
+    host.setObserver(&trace);
+    host.setRecording(true);
+    host.linkAddOn(addOn);
+    host.run("ONE", command, "m.mcr:1");
+    host.run("ONE", "", "m.mcr:2");
+    host.unloadAddOns();
+    trace.finish(1, "a command failed");
+    return runner::readWholeFile(path);
+}
+
+Lines knownTrace() {
+    Lines lines = linesOf(traceOf("SAY \"a\"\nb"));
+    for (std::size_t i = 0; i < lines.size(); ++i) lines[i] = withoutChance(lines[i], i);
+    return lines;
+}
+
+// ---- What happens to it
+
+struct Damage {
+    std::size_t kind;
+    std::size_t line;
+    std::size_t place;
+    std::size_t with;
+};
+
+// Puts another value into the place of one of an event's.
+void changeValue(std::string& line, const Damage& damage) {
+    static const std::array<Json, 14> words = {nullptr,       true,          0,          -1, 1e300,    -1e300,
+                                               INT64_MAX,     INT64_MIN,     UINT64_MAX, "", "\n\x7f", "call",
+                                               Json::array(), Json::object()};
+    const std::string comma = !line.empty() && line.back() == ',' ? "," : "";
+    Json event = Json::parse(line.substr(0, line.size() - comma.size()), nullptr, false);
+    if (!event.is_object()) return;
+    const Json places = event.flatten();
+    auto place = places.begin();
+    std::advance(place, damage.place % places.size());
+    event[Json::json_pointer(place.key())] = words[damage.with % words.size()];
+    line = event.dump() + comma;
+}
+
+void apply(const Damage& damage, Lines& lines) {
+    if (lines.empty()) return;
+    const std::size_t number = damage.line % lines.size();
+    std::string& line = lines[number];
+    const std::size_t at = damage.place % (line.size() + 1);
+    const auto place = [&](std::size_t index) { return lines.begin() + static_cast<std::ptrdiff_t>(index); };
+    switch (damage.kind % 6) {
+        case 0: line.insert(at, 1, static_cast<char>(damage.with)); break;
+        case 1: line.erase(at, damage.with); break;
+        case 2: changeValue(line, damage); break;
+        case 3: std::swap(line, lines[damage.with % lines.size()]); break;
+        case 4: lines.insert(place(damage.with % lines.size()), std::string(line)); break;
+        default: lines.erase(place(number));
+    }
+}
+
+std::string damagedTrace(const std::string& damages) {
+    static const Lines whole = knownTrace();
+    Lines lines = whole;
+    const auto byte = [&](std::size_t at) { return static_cast<std::size_t>(static_cast<unsigned char>(damages[at])); };
+    for (std::size_t at = 0; at + 4 <= damages.size(); at += 4) {
+        apply({byte(at), byte(at + 1), byte(at + 2), byte(at + 3)}, lines);
+    }
+    return joined(lines);
+}
+
+// ---- What is shown of it
+
+void requireRefusal(const runner::TraceError& error, const std::string& path) {
+    const std::string refusal = error.what();
+    require(refusal.compare(0, path.size() + 1, path + ':') == 0, "a refusal begins with the file", refusal);
+    require(refusal.find_first_of("\r\n") == std::string::npos, "a refusal is one line", refusal);
+    require(refusal.size() < path.size() + 500, "a refusal is short", refusal);
+}
+
+template <class Values>
+void requireBelow(const Json& column, const Values& limit, std::size_t rows) {
+    require(column.size() == rows, "the columns are as long as each other");
+    for (const std::size_t index : column) require(index < limit.size(), "there is what is pointed at");
+}
+
+void requireConsistent(const Json& page) {
+    const Json& spans = page.at("spans");
+    const std::size_t rows = spans.at("kind").size();
+    requireBelow(spans.at("track"), page.at("tracks"), rows);
+    for (const char* column : {"name", "arguments", "result"}) {
+        requireBelow(spans.at(column), spans.at("texts"), rows);
+    }
+    for (const Json& entry : page.at("entries")) require(entry.at("span") < rows, "an entry has its span");
+    for (const Json& finding : page.at("findings")) {
+        require(finding.at("track") < page.at("tracks").size(), "a finding has its track");
+    }
+    require(page.at("functions").size() == standin::hostFunctions().size(), "there is a row for each function");
+}
+
+// Nothing when it is refused.
+std::optional<runner::TracedRun> runOf(const std::string& trace) {
+    const MemoryFile file(trace);
+    try {
+        return runner::readTrace(file.path());
+    } catch (const runner::TraceError& error) {
+        requireRefusal(error, file.path());
+        return std::nullopt;
+    }
+}
+
+void tryPage(const runner::TracedRun& run) {
+    Json page = runner::pageData(run);
+    requireConsistent(page);
+    for (const char* ours : {"rules", "functions"}) page.erase(ours);  // of texts that are always the same
+    require(Json::parse(page.dump()) == page, "the page's data are JSON in UTF-8");  // what is none, dump() refuses
+}
+
+void tryCommand(const std::string& command) {
+    const auto run = runOf(traceOf(command));
+    require(run.has_value(), "a trace is read", command);
+    const std::string inUtf8 = Json::parse(Json(command).dump(-1, ' ', false, Json::error_handler_t::replace));
+    require(run->entries.at(1).command == inUtf8, "the command is in the trace as it was run", command);
+    require(run->outcome.has_value(), "a trace that was finished has an outcome", command);
+    tryPage(*run);
+}
+
+}  // namespace
+}  // namespace vexa::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vexa::fuzz;
+    const std::string input = textOf(data, size);
+    const char kind = input.empty() ? '\0' : input.front();
+    if (kind == kCommandFollows) {
+        tryCommand(&input[1]);  // as far as a C string of the host goes
+    } else if (const auto run = runOf(kind == kDamagesFollow ? damagedTrace(input.substr(1)) : input)) {
+        tryPage(*run);
+    }
+    return 0;
+}
