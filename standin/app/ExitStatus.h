@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace vexa::runner {
 
 /// The exit statuses of the runner.
@@ -11,5 +13,8 @@ enum class ExitStatus_e : int {
     CommandHung = 4,
     Stopped = 130,  ///< as shells say of a program that SIGINT ended
 };
+
+/// For people; empty for a status that is none of the runner's.
+std::string meaningOf(ExitStatus_e status);
 
 }  // namespace vexa::runner

@@ -14,7 +14,10 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kListFooter = R"(Exit status:
+constexpr const char* kListFooter = R"(Example:
+  vexa-standin list --addon ./libstats.so --addon ./libloader.so
+
+Exit status:
   0  all went well
   2  wrong usage, or an add-on could not be loaded)";
 

@@ -86,18 +86,16 @@ private:
             return refuse(lineNumber, "the line holds a carriage return");
         }
         if (lineNumber == 1 && startsWith(line, kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
-        line = withoutLeadingBlanks(line);
-        if (!line.empty() && line.front() != COMMENT_token) takeCommand(lineNumber, line);
+        MacroWords words = macroWords(line);
+        if (!words.addOnId.empty()) takeCommand(lineNumber, std::move(words));
     }
 
-    void takeCommand(std::size_t lineNumber, std::string_view line) {
-        const std::size_t idEnd = std::min(line.find_first_of(kBlanks), line.size());
-        std::string addOnId(line.substr(0, idEnd));
-        const std::string_view text = withoutLeadingBlanks(line.substr(idEnd));
+    void takeCommand(std::size_t lineNumber, MacroWords words) {
+        const std::string& addOnId = words.addOnId;
         if (m_addOnIds.count(addOnId) == 0)
             return refuse(lineNumber, "no add-on '" + shortText(addOnId) + "' is loaded");
-        if (text.empty()) return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
-        m_macro.commands.push_back({lineNumber, std::move(addOnId), std::string(text)});
+        if (words.text.empty()) return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
+        m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text)});
     }
 
     // The reader ends the file at a NUL, so one can only be behind the last line that it found.
@@ -145,6 +143,13 @@ private:
 }  // namespace
 
 std::string MacroFile::place(std::size_t line) const { return name + ':' + std::to_string(line); }
+
+MacroWords macroWords(std::string_view line) {
+    line = withoutLeadingBlanks(line);
+    if (!line.empty() && line.front() == COMMENT_token) line = {};
+    const std::size_t idEnd = std::min(line.find_first_of(kBlanks), line.size());
+    return {std::string(line.substr(0, idEnd)), std::string(withoutLeadingBlanks(line.substr(idEnd)))};
+}
 
 MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds) {
     MacroFile macro;

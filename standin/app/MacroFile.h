@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vexa::runner {
@@ -23,6 +24,13 @@ struct MacroFile {
     /// `FILE:LINE`, the form that editors jump to.
     std::string place(std::size_t line) const;
 };
+
+/// The two parts of a line: the first word, and the text behind it. Both are empty for a blank line and a comment.
+struct MacroWords {
+    std::string addOnId;
+    std::string text;
+};
+MacroWords macroWords(std::string_view line);
 
 /// Reads the macro file \p path, or the standard input if \p path is `-`, and checks every line of it.
 ///

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <set>
 #include <string_view>
 #include <thread>
@@ -19,6 +20,7 @@
 #include "MacroFile.h"
 #include "PlainStatus.h"
 #include "Replay.h"
+#include "ResultsFile.h"
 #include "RunOutputs.h"
 #include "Screen.h"
 #include "StopButton.h"
@@ -56,16 +58,26 @@ public:
         for (const std::string& rule : options.contract.suppressed) m_host.suppress(rule);
         m_host.onDialog([this](const std::string& text) { showDialog(text); });
         m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
-        if (!options.batch && isTerminal(STDERR_FILENO)) m_screen.emplace([this] { return m_stopButton.isPressed(); });
+        if (drawsStatus()) m_screen.emplace([this] { return m_stopButton.isPressed(); });
         if (options.contract.timeout) m_watchdog.emplace([this] { endHung(); });
     }
     MacroRun(const MacroRun&) = delete;
     MacroRun& operator=(const MacroRun&) = delete;
     ~MacroRun() { m_stopButton.disarm(); }
 
-    ExitStatus_e execute() { return m_traces.finish(runToEnd()); }
+    ExitStatus_e execute() { return finish(runToEnd()); }
 
 private:
+    // Results on the standard output may come between, in the same terminal.
+    bool drawsStatus() const {
+        const bool showsResults = m_options.json == "-";
+        return !m_options.batch && !showsResults && isTerminal(STDERR_FILENO);
+    }
+
+    ExitStatus_e finish(ExitStatus_e status) {
+        return m_results.finish(m_traces.finish(status), m_options.macroFile, m_host);
+    }
+
     ExitStatus_e runToEnd() {
         const bool ready = openOutputs() && loadStyle() && loadAddOnsOf(m_host) && readMacro();
         bool written = false;
@@ -93,6 +105,7 @@ private:
         try {
             m_outputs.open(m_options.record, m_options.journal);
             m_traces.open(m_options.trace, filesOf(m_options));
+            openResults();
         } catch (const OutputError& error) {
             tell(error.what());
             return false;
@@ -100,6 +113,18 @@ private:
         m_host.setObserver(m_traces.observer());
         m_stopButton.install(m_outputs.temporaries());
         return true;
+    }
+
+    void openResults() {
+        if (m_options.jsonDescriptor) {
+            m_results.open(std::make_unique<LiveFile>("<results>", *m_options.jsonDescriptor));
+        } else if (m_options.json) {
+            std::vector<std::string> taken = filesOf(m_options);
+            for (const auto& trace : {m_options.trace.events, m_options.trace.text}) {
+                if (trace) taken.push_back(*trace);
+            }
+            m_results.open(openResultsFile(*m_options.json, taken));
+        }
     }
 
     bool loadStyle() {
@@ -146,14 +171,21 @@ private:
 
     void runCommand(const MacroCommand& command) {
         if (m_options.verbose) tell(m_macro.place(command.line), command.addOnId + ' ' + command.text);
+        const auto begin = std::chrono::steady_clock::now();
         const standin::CommandResult result =
             inTime(m_host, 1, [&] { return m_host.run(command.addOnId, command.text, m_macro.place(command.line)); });
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
         ++m_run;
         m_findings.tellNew();
+        const std::string_view error = withoutTrailingBlanks(result.error);
+        addResult(command, result.accepted, std::string(error), time.count());
         if (result.accepted) return;
         ++m_failed;
-        const std::string_view error = withoutTrailingBlanks(result.error);
         tell(placeOf(command), error.empty() ? kFailedSilently : error);
+    }
+
+    void addResult(const MacroCommand& command, bool accepted, const std::string& error, double seconds) {
+        m_results.add({m_macro.place(command.line), command.addOnId, command.text, accepted, error, seconds}, m_host);
     }
 
     bool writeOutputs() {
@@ -210,8 +242,10 @@ private:
         tellLines(textOf(finding));
         isTold = true;
         m_host.report(finding);
+        const MacroCommand* const command = m_current;
+        if (command != nullptr) addResult(*command, false, "the command has not returned", m_entered.limit.count());
         if (m_isRunning) writeOutputs();
-        m_traces.finish(ExitStatus_e::CommandHung);
+        finish(ExitStatus_e::CommandHung);
         if (m_screen) m_screen->leave();
         endProgram();
     }
@@ -255,6 +289,7 @@ private:
     bool m_isRunning = false;  // commands run, and what they record is still to be written
     Entered m_entered;
     TraceOutputs m_traces;
+    ResultsFile m_results;
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;

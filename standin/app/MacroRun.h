@@ -17,6 +17,8 @@ struct RunOptions {
     std::optional<std::string> record;   ///< where the recorded commands go
     std::optional<std::string> journal;  ///< where the journal goes
     std::optional<std::string> style;    ///< the style file
+    std::optional<std::string> json;     ///< where the results for other programs go
+    std::optional<int> jsonDescriptor;   ///< the same, open already; the run takes it over
     ContractOptions contract;            ///< what of the host's contract is asked for
     TraceOptions trace;                  ///< where the traces go
     bool batch = false;                  ///< the host says that it is in batch mode

@@ -18,6 +18,14 @@ std::string resolved(const std::string& path) {
     return fs::canonical(folder) / file.filename();
 }
 
+// An output may not be there yet; then its name is all there is to compare.
+bool isSameFile(const std::string& output, const std::string& other) {
+    std::error_code error;
+    if (fs::equivalent(output, other, error)) return true;
+    const fs::path path = fs::weakly_canonical(fs::absolute(other, error), error);
+    return !error && path == outputTarget(output);
+}
+
 }  // namespace
 
 void refuseOutput(const std::string& path, const std::string& why) {
@@ -38,6 +46,12 @@ std::string outputTarget(const std::string& path) {
         return resolved(path);
     } catch (const fs::filesystem_error& error) {
         refuseOutput(path, error.code().message());
+    }
+}
+
+void refuseTaken(const std::string& output, const std::vector<std::string>& taken) {
+    for (const std::string& file : taken) {
+        if (isSameFile(output, file)) refuseOutput(output, "the run uses it as " + file + ", too");
     }
 }
 

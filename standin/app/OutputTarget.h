@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace vexa::runner {
 
@@ -21,5 +22,8 @@ public:
 /// file is made where it points. Equal for two ways to name one file.
 /// \throws OutputError when its folder is missing, and for what exists and is no regular file that may be written.
 std::string outputTarget(const std::string& path);
+
+/// \throws OutputError when \p output is one of the files \p taken, whatever they are called.
+void refuseTaken(const std::string& output, const std::vector<std::string>& taken);
 
 }  // namespace vexa::runner

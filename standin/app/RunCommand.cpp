@@ -1,12 +1,20 @@
 #include "RunCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "MacroRun.h"
+#include "many/ManyRuns.h"
 
 namespace vexa::runner {
 namespace {
+
+constexpr std::size_t kMostJobs = 1000;
 
 constexpr const char* kRunFooter = R"(Macro file: a command a line, the add-on's id first; blank lines and lines that
 begin with # are skipped:
@@ -25,8 +33,13 @@ Project file: vexa-standin.toml, here or in a folder above; options go before it
   suppress = ["missing-errmsg"]
   timeout = 2.5
 
-Example:
+Several macro files run each in a process of its own, --jobs of them at a time.
+What they print comes in the order of the files, and then a summary; the exit
+status is the highest of theirs. Ctrl-C stops all.
+
+Examples:
   vexa-standin run sweep.mcr --addon ./libstats.so --record recorded.mcr
+  vexa-standin run macros/*.mcr --addon ./libstats.so --jobs 4 --json results.jsonl
 
 Exit status:
   0    all went well
@@ -35,6 +48,27 @@ Exit status:
   3    with --strict: an add-on broke the host's contract
   4    with --timeout: a command did not return
   130  stopped by Ctrl-C; a second Ctrl-C ends the program at once)";
+
+struct RunRequest {
+    RunOptions options;  // but the macro file
+    std::vector<std::string> macroFiles;
+    std::size_t jobs = 1;
+};
+
+// What several runs at once cannot share.
+void refuseForSeveral(const RunRequest& request) {
+    const RunOptions& options = request.options;
+    const std::pair<const char*, bool> given[] = {
+        {"--record", options.record.has_value()},
+        {"--journal", options.journal.has_value()},
+        {"--trace", options.trace.events.has_value()},
+        {"--trace-text", options.trace.text.has_value()},
+        {"MACROFILE -", std::count(request.macroFiles.begin(), request.macroFiles.end(), "-") > 0},
+    };
+    for (const auto& [name, isGiven] : given) {
+        if (isGiven) throw CLI::ValidationError(name, "goes with one macro file only");
+    }
+}
 
 // What a trace says of the run.
 void completeFacts(RunOptions& options) {
@@ -45,32 +79,45 @@ void completeFacts(RunOptions& options) {
     facts.suppressed = options.contract.suppressed;
 }
 
+ExitStatus_e run(RunRequest& request) {
+    RunOptions& options = request.options;
+    if (!addProjectFile(options.contract)) return ExitStatus_e::BadUsageOrInput;
+    if (request.macroFiles.size() > 1) return runMacros(options, request.macroFiles, request.jobs);
+    options.macroFile = request.macroFiles.front();
+    completeFacts(options);
+    return runMacro(options);
+}
+
 }  // namespace
 
 void addRunCommand(CLI::App& app, Action& chosen) {
-    const auto options = std::make_shared<RunOptions>();
-    CLI::App& run = *app.add_subcommand("run", "Run a macro file");
-    run.footer(kRunFooter);
-    run.add_option("MACROFILE", options->macroFile, "The macro file; - reads the standard input")
+    const auto request = std::make_shared<RunRequest>();
+    RunOptions* const options = &request->options;
+    CLI::App& command = *app.add_subcommand("run", "Run macro files");
+    command.footer(kRunFooter);
+    command.add_option("MACROFILE", request->macroFiles, "The macro files; - reads the standard input")
         ->required()
         ->type_name("");
-    addAddOnOption(run, options->addOns);
-    addStyleOption(run, options->style);
-    run.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
-    run.add_option("--journal", options->journal, "Write the data-set journal")->type_name("FILE");
-    addStrictOptions(run, options->contract);
-    addSuppressOptions(run, options->contract);
-    addTimeoutOption(run, options->contract);
-    addTraceOptions(run, options->trace);
-    run.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
-    run.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
-    run.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");
-    run.callback([options, &chosen] {
-        chosen = [options] {
-            if (!addProjectFile(options->contract)) return ExitStatus_e::BadUsageOrInput;
-            completeFacts(*options);
-            return runMacro(*options);
-        };
+    addAddOnOption(command, options->addOns);
+    addStyleOption(command, options->style);
+    command.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
+    command.add_option("--journal", options->journal, "Write the data-set journal")->type_name("FILE");
+    addStrictOptions(command, options->contract);
+    addSuppressOptions(command, options->contract);
+    addTimeoutOption(command, options->contract);
+    addTraceOptions(command, options->trace);
+    command
+        .add_option("--json", options->json, "Write results for programs, a line a command; - is the standard output")
+        ->type_name("FILE");
+    command.add_option("-j,--jobs", request->jobs, "How many macro files run at a time; 1 unless given")
+        ->check(CLI::Range(std::size_t{1}, kMostJobs).description(""))
+        ->type_name("N");
+    command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
+    command.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
+    command.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");
+    command.callback([request, &chosen] {
+        if (request->macroFiles.size() > 1) refuseForSeveral(*request);
+        chosen = [request] { return run(*request); };
     });
 }
 

@@ -9,20 +9,30 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "Corrections.h"
 #include "ExitStatus.h"
 #include "ExplainCommand.h"
 #include "ListCommand.h"
 #include "RunCommand.h"
 #include "StyleCommand.h"
 #include "check/CheckCommand.h"
+#include "manual/ManualCommand.h"
+#include "new/NewCommand.h"
+#include "repl/ReplCommand.h"
 #include "report/ReportCommand.h"
+#include "test/TestCommand.h"
 
 namespace vexa::runner {
 namespace {
 
 constexpr const char* kAbout = "Runs add-ons, and macro files of their commands, without the host application.";
 
-constexpr const char* kFooter = "'vexa-standin run --help' shows the options, an example and the exit statuses.";
+constexpr const char* kFooter = R"(Examples:
+  vexa-standin new wake-probe
+  vexa-standin run sweep.mcr --addon ./libstats.so --strict
+
+'vexa-standin COMMAND --help' shows the options of a command, examples, and the
+exit statuses.)";
 
 // An output file must not get the number of a closed standard stream: what add-ons print would end up in it.
 void keepStandardStreamsTaken() {
@@ -31,8 +41,9 @@ void keepStandardStreamsTaken() {
     }
 }
 
-ExitStatus_e refuseUsage(const CLI::ParseError& error) {
+ExitStatus_e refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
     tell(kProgramName, error.what());
+    for (const std::string& correction : corrections(app)) tell(kProgramName, correction);
     tell(std::string("run '") + kProgramName + " --help' for the usage");
     return ExitStatus_e::BadUsageOrInput;
 }
@@ -41,12 +52,16 @@ ExitStatus_e runProgram(int argc, char** argv) {
     Action chosen;
     CLI::App app(kAbout, kProgramName);
     app.set_version_flag("--version", std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION);
+    addNewCommand(app, chosen);
     addRunCommand(app, chosen);
+    addReplCommand(app, chosen);
+    addTestCommand(app, chosen);
+    addCheckCommand(app, chosen);
     addReportCommand(app, chosen);
+    addExplainCommand(app, chosen);
     addListCommand(app, chosen);
     addStyleCommand(app, chosen);
-    addExplainCommand(app, chosen);
-    addCheckCommand(app, chosen);
+    addManualCommand(app, chosen);
     app.footer(kFooter);
     app.require_subcommand(0, 1);
     try {
@@ -55,7 +70,7 @@ ExitStatus_e runProgram(int argc, char** argv) {
         app.exit(request);
         return ExitStatus_e::AllWell;
     } catch (const CLI::ParseError& error) {
-        return refuseUsage(error);
+        return refuseUsage(app, error);
     }
     if (chosen) return chosen();
     std::fputs(app.help().c_str(), stderr);

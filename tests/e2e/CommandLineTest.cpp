@@ -5,13 +5,16 @@ namespace {
 
 using CommandLine = RunnerTest;
 
+// All that the help shows.
+std::vector<std::string> subcommands() { return {"new", "run", "repl", "test", "check", "report", "explain", "list", "style"}; }
+
 const std::string kHint = "run 'vexa-standin --help' for the usage\n";
 
 TEST_F(CommandLine, HelpGoesToTheStandardOutput) {
     const ProgramResult result = runProgram(runner({"--help"}));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_NE(result.out.find("Run a macro file"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("Run macro files"), std::string::npos) << result.out;
     EXPECT_NE(result.out.find("List add-ons"), std::string::npos) << result.out;
     EXPECT_NE(result.out.find("Show a setting"), std::string::npos) << result.out;
 }
@@ -66,7 +69,12 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
         {"no add-on to list", {"list"}, "--addon"},
         {"option without its file", {"run", "m.mcr", "--addon", ADDON_ONE, "--record"}, "--record"},
         {"option given twice", {"run", "m.mcr", "--addon", ADDON_ONE, "--record", "a", "--record", "b"}, "--record"},
-        {"two macro files", {"run", "m.mcr", "other.mcr", "--addon", ADDON_ONE}, "other.mcr"},
+        {"one recording of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--record", "r"}, "--record"},
+        {"one journal of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--journal", "r"}, "--journal"},
+        {"one trace of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--trace", "r"}, "--trace"},
+        {"one text of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--trace-text", "r"}, "--trace-text"},
+        {"several of the standard input", {"run", "m.mcr", "-", "--addon", ADDON_ONE}, "MACROFILE -"},
+        {"no jobs", {"run", "m.mcr", "--addon", ADDON_ONE, "--jobs", "0"}, "--jobs"},
         {"no style file", {"style", "A"}, "--style"},
         {"no path", {"style", "--style", "s.json"}, "PATH"},
         {"seven keywords",
@@ -84,6 +92,59 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
         EXPECT_NE(result.err.find(c.part), std::string::npos) << result.err;
         ASSERT_GE(result.err.size(), kHint.size());
         EXPECT_EQ(result.err.substr(result.err.size() - kHint.size()), kHint);
+    }
+}
+
+TEST_F(CommandLine, TellsWhatMayBeMeant) {
+    write("m.mcr", "ONE ECHO ran\n");
+    struct Case {
+        const char* why;
+        std::vector<std::string> arguments;
+        const char* line;  // "" for none
+    };
+    const Case cases[] = {
+        {"letters swapped", {"rnu", "m.mcr", "--addon", ADDON_ONE}, "rnu: did you mean run?"},
+        {"a letter missing", {"chek"}, "chek: did you mean check?"},
+        {"nothing is near", {"frobnicate"}, ""},
+        {"an option", {"run", "m.mcr", "--addon", ADDON_ONE, "--recrod", "r"}, "--recrod: did you mean --record?"},
+        {"with its value", {"run", "m.mcr", "--addon", ADDON_ONE, "--recrod=r"}, "--recrod: did you mean --record?"},
+        {"a required one", {"run", "m.mcr", "--adon", ADDON_ONE}, "--adon: did you mean --addon?"},
+        {"the beginning of several",
+         {"run", "m.mcr", "--addon", ADDON_ONE, "--trac=t"},
+         "--trac: did you mean --trace or --trace-text?"},
+        {"an option of the program", {"--versoin"}, "--versoin: did you mean --version?"},
+        {"not an option of another command", {"list", "--addon", ADDON_ONE, "--recrod"}, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = runProgram(runner(c.arguments));
+        EXPECT_EQ(result.status, 2);
+        if (c.line[0] != '\0') {
+            EXPECT_NE(result.err.find("\nvexa-standin: " + std::string(c.line) + '\n' + kHint), std::string::npos)
+                << result.err;
+        } else {
+            EXPECT_EQ(result.err.find("did you mean"), std::string::npos) << result.err;
+        }
+    }
+}
+
+TEST_F(CommandLine, HelpListsTheCommandsInTheOrderOfTheirUse) {
+    const std::string help = runProgram(runner({"--help"})).out;
+    std::size_t last = help.find("Subcommands:");
+    for (const std::string& name : subcommands()) {
+        const std::size_t at = help.find("\n  " + name + ' ');
+        ASSERT_NE(at, std::string::npos) << name << " in " << help;
+        EXPECT_GT(at, last) << name;
+        last = at;
+    }
+}
+
+TEST_F(CommandLine, HelpOfEveryCommandShowsAnExampleAndTheExitStatuses) {
+    for (const std::string& name : subcommands()) {
+        const ProgramResult result = runProgram(runner({name, "--help"}));
+        EXPECT_EQ(result.status, 0) << name;
+        EXPECT_NE(result.out.find("\n  vexa-standin " + name + ' '), std::string::npos) << result.out;
+        EXPECT_NE(result.out.find("\nExit status:\n"), std::string::npos) << result.out;
     }
 }
 

@@ -16,6 +16,7 @@
 #include "Console.h"
 #include "MacroFile.h"
 #include "OutputTarget.h"
+#include "ShellWord.h"
 #include "check/CheckReport.h"
 #include "check/CheckTests.h"
 #include "check/ReportFiles.h"
@@ -30,15 +31,6 @@ using std::chrono::milliseconds;
 std::uint64_t newSeed() {
     std::random_device device;
     return device();  // short enough to be typed
-}
-
-// As a shell takes it.
-std::string quoted(const std::string& word) {
-    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./:=@%+,-";
-    if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
-    std::string text = "'";
-    for (const char c : word) text += c == '\'' ? "'\\''" : std::string(1, c);
-    return text + '\'';
 }
 
 std::string secondsText(milliseconds time) {
@@ -190,10 +182,10 @@ private:
     std::string reproducingCommand(const TestResult& result) const {
         const std::string macro = result.verdict.macro.empty() ? "" : writeMacro(result);
         std::string command = kProgramName;
-        command += macro.empty() ? checkAgain(*result.test) : " run " + quoted(macro) + " --strict --keep-going";
-        command += macro.empty() ? "" : " --addon " + quoted(m_options.addOn);
-        for (const std::string& other : m_options.others) command += " --addon " + quoted(other);
-        if (m_options.style) command += " --style " + quoted(*m_options.style);
+        command += macro.empty() ? checkAgain(*result.test) : " run " + shellWord(macro) + " --strict --keep-going";
+        command += macro.empty() ? "" : " --addon " + shellWord(m_options.addOn);
+        for (const std::string& other : m_options.others) command += " --addon " + shellWord(other);
+        if (m_options.style) command += " --style " + shellWord(*m_options.style);
         for (const std::string& rule : m_options.contract.suppressed) command += " --suppress " + rule;
         if (m_report.warningsAsErrors) command += " --warnings-as-errors";
         if (result.verdict.outcome == Outcome_e::TimedOut) command += " --timeout " + secondsText(m_setting.timeout);
@@ -201,8 +193,8 @@ private:
     }
 
     std::string checkAgain(const CheckTest& test) const {
-        std::string command = " check " + quoted(m_options.addOn);
-        for (const std::string& file : m_options.macros) command += " --macro " + quoted(file);
+        std::string command = " check " + shellWord(m_options.addOn);
+        for (const std::string& file : m_options.macros) command += " --macro " + shellWord(file);
         return command + " --only " + test.name + " --seed " + std::to_string(m_subject.seed) + " --level " +
                std::to_string(m_options.level);
     }

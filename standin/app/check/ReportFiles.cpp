@@ -1,10 +1,12 @@
 #include "check/ReportFiles.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <vector>
+
+#include "check/JunitText.h"
 
 namespace vexa::runner {
 namespace {
@@ -27,77 +29,18 @@ std::string withReproduction(const ReportedTest& test) {
 
 // ---- JUnit
 
-std::string escaped(const std::string& text) {
-    std::string xml;
-    for (const char c : printable(text)) {
-        switch (c) {
-            case '&': xml += "&amp;"; break;
-            case '<': xml += "&lt;"; break;
-            case '>': xml += "&gt;"; break;
-            case '"': xml += "&quot;"; break;
-            case '\n': xml += "&#10;"; break;  // in an attribute a line feed itself would become a blank
-            default: xml += c;
-        }
-    }
-    return xml;
-}
-
-std::string attribute(const char* name, const std::string& value) {
-    return std::string(" ") + name + "=\"" + escaped(value) + '"';
-}
-
-std::string element(const char* name, const std::string& attributes, const std::string& text) {
-    return std::string("      <") + name + attributes + '>' + escaped(text) + "</" + name + ">\n";
-}
-
-std::string secondsText(double seconds) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.3f", seconds);
-    return text.data();
-}
-
 std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-std::string junitOutcome(const ReportedTest& test, bool warningsAsErrors) {
-    const Verdict& verdict = test.result.verdict;
-    const std::string message = attribute("message", firstLine(verdict.reason));
-    const std::string type = attribute("type", nameOf(verdict.outcome));
-    switch (verdict.outcome) {
-        case Outcome_e::Passed: return "";
-        case Outcome_e::Skipped: return "      <skipped" + message + "/>\n";
-        case Outcome_e::Warned:
-            return warningsAsErrors ? element("failure", message + type, withReproduction(test))
-                                    : element("system-out", "", withReproduction(test));
-        case Outcome_e::Failed: return element("failure", message + type, withReproduction(test));
+JunitOutcome_e junitOutcome(Outcome_e outcome, bool warningsAsErrors) {
+    switch (outcome) {
+        case Outcome_e::Passed: return JunitOutcome_e::Passed;
+        case Outcome_e::Skipped: return JunitOutcome_e::Skipped;
+        case Outcome_e::Warned: return warningsAsErrors ? JunitOutcome_e::Failure : JunitOutcome_e::Remarked;
+        case Outcome_e::Failed: return JunitOutcome_e::Failure;
         case Outcome_e::Crashed:
         case Outcome_e::TimedOut: break;
     }
-    return element("error", message + type, withReproduction(test));
-}
-
-template <class Is>
-std::string countOf(const CheckReport& report, const Is& is) {
-    return std::to_string(std::count_if(report.tests.begin(), report.tests.end(),
-                                        [&](const ReportedTest& test) { return is(test.result.verdict.outcome); }));
-}
-
-std::string junitCounts(const CheckReport& report) {
-    const auto isError = [](Outcome_e outcome) {
-        return outcome == Outcome_e::Crashed || outcome == Outcome_e::TimedOut;
-    };
-    const auto isFailure = [&](Outcome_e outcome) {
-        return isBad(outcome, report.warningsAsErrors) && !isError(outcome);
-    };
-    double seconds = 0;
-    for (const ReportedTest& test : report.tests) seconds += secondsOf(test.result);
-    return attribute("tests", std::to_string(report.tests.size())) + attribute("failures", countOf(report, isFailure)) +
-           attribute("errors", countOf(report, isError)) +
-           attribute("skipped", countOf(report, [](Outcome_e outcome) { return outcome == Outcome_e::Skipped; })) +
-           attribute("time", secondsText(seconds));
-}
-
-std::string junitProperty(const char* name, const std::string& value) {
-    return "      <property" + attribute("name", name) + attribute("value", value) + "/>\n";
+    return JunitOutcome_e::Error;
 }
 
 // ---- SARIF
@@ -158,17 +101,15 @@ std::string jsonText(const CheckReport& report) {
 }
 
 std::string junitText(const CheckReport& report) {
-    std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n  <testsuite" +
-                      attribute("name", std::string(kTool) + ' ' + report.addOn) + junitCounts(report) +
-                      ">\n    <properties>\n" + junitProperty("seed", std::to_string(report.seed)) +
-                      junitProperty("level", std::to_string(report.level)) + "    </properties>\n";
+    std::vector<JunitCase> cases;
     for (const ReportedTest& test : report.tests) {
-        const std::string outcome = junitOutcome(test, report.warningsAsErrors);
-        xml += "    <testcase" + attribute("classname", report.addOn) + attribute("name", test.result.test->name) +
-               attribute("time", secondsText(secondsOf(test.result))) +
-               (outcome.empty() ? "/>\n" : ">\n" + outcome + "    </testcase>\n");
+        const Verdict& verdict = test.result.verdict;
+        cases.push_back({report.addOn, test.result.test->name, secondsOf(test.result),
+                         junitOutcome(verdict.outcome, report.warningsAsErrors), nameOf(verdict.outcome),
+                         firstLine(verdict.reason), withReproduction(test)});
     }
-    return xml + "  </testsuite>\n</testsuites>\n";
+    return junitText(std::string(kTool) + ' ' + report.addOn,
+                     {{"seed", std::to_string(report.seed)}, {"level", std::to_string(report.level)}}, cases);
 }
 
 std::string sarifText(const CheckReport& report) {

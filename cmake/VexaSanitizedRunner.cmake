@@ -1,0 +1,18 @@
+# vexa_run_sanitized(TEST)
+#   Lets the test TEST, which runs vexa-standin, load add-ons that are built with the address sanitizer by
+#   CMAKE_CXX_FLAGS or add_compile_options(): its run time has to be in a program from the start, so it is loaded before
+#   all else, unless vexa-standin was built with it.
+function(vexa_run_sanitized test)
+    get_directory_property(options COMPILE_OPTIONS)
+    get_target_property(own_sanitizers vexa::standin_runner VEXA_SANITIZE)
+    if(NOT "${CMAKE_CXX_FLAGS} ${options}" MATCHES "-fsanitize=[a-z,]*address" OR own_sanitizers MATCHES "address")
+        return()
+    endif()
+    set(runtime libasan.so)
+    if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        set(runtime libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
+    endif()
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
+        OUTPUT_VARIABLE runtime OUTPUT_STRIP_TRAILING_WHITESPACE)
+    set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT LD_PRELOAD=${runtime})
+endfunction()

@@ -1,0 +1,80 @@
+#include "ResultsFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "Console.h"
+#include "OutputTarget.h"
+
+namespace vexa::runner {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// The add-ons' prints go to the standard error output from now on. Returns where the standard output is now.
+int takeStandardOutput() {
+    std::fflush(stdout);
+    const int descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (descriptor < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput("<stdout>");
+    return descriptor;
+}
+
+std::string lineOf(const Json& json) {
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+}
+
+// The findings from the `done`th on. No more than ten of a rule are kept, so there are few.
+Json newFindings(const standin::Host& host, std::size_t& done) {
+    const std::vector<standin::Finding> findings = host.violations();
+    Json list = Json::array();
+    for (; done < findings.size(); ++done) {
+        const standin::Finding& finding = findings[done];
+        const bool isError = finding.severity == standin::Severity_e::Error;
+        list.push_back({{"rule", finding.rule},
+                        {"severity", isError ? "error" : "warning"},
+                        {"addOn", finding.addOnId},
+                        {"message", finding.message}});
+    }
+    return list;
+}
+
+}  // namespace
+
+std::unique_ptr<LiveFile> openResultsFile(const std::string& path, const std::vector<std::string>& taken) {
+    if (path == "-") return std::make_unique<LiveFile>("<stdout>", takeStandardOutput());
+    refuseTaken(path, taken);
+    return std::make_unique<LiveFile>(path);
+}
+
+void ResultsFile::open(std::unique_ptr<LiveFile> file) { m_file = std::move(file); }
+
+void ResultsFile::add(const CommandOutcome& outcome, const standin::Host& host) {
+    if (!m_file) return;
+    m_file->append(lineOf({{"place", outcome.place},
+                           {"addOn", outcome.addOnId},
+                           {"command", outcome.command},
+                           {"accepted", outcome.accepted},
+                           {"error", outcome.error},
+                           {"seconds", outcome.seconds},
+                           {"findings", newFindings(host, m_findings)}}));
+}
+
+ExitStatus_e ResultsFile::finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host) {
+    if (!m_file) return status;
+    m_file->append(lineOf({{"macroFile", macroFile},
+                           {"exitStatus", static_cast<int>(status)},
+                           {"findings", newFindings(host, m_findings)}}));
+    try {
+        m_file->close();
+        return status;
+    } catch (const OutputError& error) {
+        tell(error.what());
+        return ExitStatus_e::BadUsageOrInput;
+    }
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,40 @@
+#include "many/MemoryFile.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace vexa::runner {
+namespace {
+
+[[noreturn]] void throwLastError() { throw std::system_error(errno, std::generic_category()); }
+
+}  // namespace
+
+// To be written at its end, wherever that is after it was emptied.
+MemoryFile::MemoryFile() : m_descriptor(memfd_create("output", MFD_CLOEXEC)) {
+    if (m_descriptor < 0 || fcntl(m_descriptor, F_SETFL, O_APPEND) != 0) throwLastError();
+}
+
+MemoryFile::~MemoryFile() { close(m_descriptor); }
+
+std::string MemoryFile::text() const {
+    std::string text;
+    std::array<char, 65536> chunk;
+    for (;;) {
+        const ssize_t count = pread(m_descriptor, chunk.data(), chunk.size(), static_cast<off_t>(text.size()));
+        if (count == 0) return text;
+        if (count < 0 && errno != EINTR) throwLastError();
+        if (count > 0) text.append(chunk.data(), static_cast<std::size_t>(count));
+    }
+}
+
+void MemoryFile::clear() const {
+    if (ftruncate(m_descriptor, 0) != 0) throwLastError();
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,219 @@
+#include "test/MacroTests.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <sstream>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "AtomicFile.h"
+#include "Console.h"
+#include "OutputTarget.h"
+#include "WholeFile.h"
+#include "check/JunitText.h"
+#include "many/Processes.h"
+#include "test/LineDifference.h"
+#include "test/Transcript.h"
+
+namespace vexa::runner {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kMacro = ".macro";
+constexpr const char* kExpected = ".expected";
+
+// A file or folder that cannot be taken for macros. The message is one line.
+class PathError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The macros in a folder, by name. What is expected of a macro that is not there would never be looked at.
+std::vector<std::string> macrosIn(const fs::path& folder) {
+    std::vector<std::string> macros;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        const fs::path path = entry.path();
+        if (path.extension() == kMacro) macros.push_back(path.string());
+        if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro))) {
+            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");
+        }
+    }
+    if (error) throw PathError(folder.string() + ": cannot be read: " + error.message());
+    if (macros.empty()) throw PathError(folder.string() + ": there is no macro in it, NAME" + kMacro);
+    std::sort(macros.begin(), macros.end());
+    return macros;
+}
+
+std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
+    std::vector<std::string> macros;
+    for (const std::string& path : paths) {
+        if (fs::is_directory(path)) {
+            const std::vector<std::string> found = macrosIn(path);
+            macros.insert(macros.end(), found.begin(), found.end());
+        } else if (fs::path(path).extension() != kMacro) {
+            throw PathError(path + ": expected a folder, or a macro NAME" + kMacro);
+        } else {
+            macros.push_back(path);
+        }
+    }
+    return macros;
+}
+
+bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+struct MacroVerdict {
+    bool passed = false;
+    std::string reason;  // one line; empty when it passed
+    std::string lines;   // that show it
+};
+
+class MacroTests {
+public:
+    explicit MacroTests(const MacroTestOptions& options) : m_options(options) {}
+
+    ExitStatus_e run() {
+        if (!prepare()) return ExitStatus_e::BadUsageOrInput;
+        const auto write = [this](std::size_t index, ProcessFiles& files) { return writeOne(index, files); };
+        const auto compare = [this](std::size_t index, const ProcessOutcome& outcome) { conclude(index, outcome); };
+        const std::size_t ended = runInProcesses(m_macros.size(), m_options.jobs, {write, compare});
+        const bool isWritten = writeReport();
+        std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
+        if (!isWritten || m_isBroken) return ExitStatus_e::BadUsageOrInput;
+        if (m_isStopped || ended != m_macros.size()) return ExitStatus_e::Stopped;
+        return m_passed == ended ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    }
+
+private:
+    bool prepare() {
+        try {
+            m_macros = macrosOf(m_options.paths);
+            if (m_options.junit) outputTarget(*m_options.junit);
+            if (!m_options.style) return true;
+            auto style = readStyles(*m_options.style);
+            if (style) m_style = std::move(*style);
+            return style.has_value();
+        } catch (const PathError& error) {
+            tell(error.what());
+        } catch (const OutputError& error) {
+            tell(error.what());
+        }
+        return false;
+    }
+
+    int writeOne(std::size_t index, ProcessFiles& files) const {
+        const TranscriptOptions options = {m_macros[index], m_options.addOns, m_style, m_options.contract,
+                                           m_options.batch};
+        return static_cast<int>(writeTranscript(options, files));
+    }
+
+    void conclude(std::size_t index, const ProcessOutcome& outcome) {
+        const std::string& macro = m_macros[index];
+        MacroVerdict verdict;
+        try {
+            verdict = verdictOn(macro, outcome);
+        } catch (const OutputError& error) {
+            verdict = {false, error.what(), ""};
+            m_isBroken = true;
+        }
+        m_passed += verdict.passed ? 1 : 0;
+        std::printf("%s %s%s\n", verdict.passed ? "passed" : "failed", macro.c_str(),
+                    verdict.reason.empty() ? "" : (": " + verdict.reason).c_str());
+        std::fputs(verdict.lines.c_str(), stdout);
+        std::fflush(stdout);
+        report(macro, verdict, outcome.seconds);
+    }
+
+    MacroVerdict verdictOn(const std::string& macro, const ProcessOutcome& outcome) {
+        if (outcome.signal == SIGINT) m_isStopped = true;
+        if (outcome.signal != 0) return ended(std::string("by signal: ") + strsignal(outcome.signal), outcome);
+        switch (static_cast<TranscriptEnd_e>(outcome.status)) {
+            case TranscriptEnd_e::Whole: return compared(macro, outcome.notes);
+            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", findingsOf(outcome.notes)};
+            case TranscriptEnd_e::CommandHung: return {false, "a command did not return", lastCommand(outcome.notes)};
+            case TranscriptEnd_e::NotRun: m_isBroken = true; return {false, "it cannot be run", outcome.notes};
+        }
+        return ended("with exit status " + std::to_string(outcome.status), outcome);
+    }
+
+    static MacroVerdict ended(const std::string& how, const ProcessOutcome& outcome) {
+        return {false, "the program was ended " + how, lastCommand(outcome.notes) + printedLines(outcome.out)};
+    }
+
+    // What the transcript has of the last command.
+    static std::string lastCommand(const std::string& transcript) {
+        const std::size_t begin = transcript.rfind("\n> ");
+        return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
+    }
+
+    // The lines that tell of breaches of the contract, behind their commands.
+    static std::string findingsOf(const std::string& transcript) {
+        std::istringstream in(transcript);
+        std::string command;
+        std::string lines;
+        for (std::string line; std::getline(in, line);) {
+            if (startsWith(line, "> ")) command = line + '\n';
+            if (!startsWith(line, "! error: ") && !startsWith(line, "! warning: ")) continue;
+            lines += std::exchange(command, "") + line + '\n';
+        }
+        return lines;
+    }
+
+    MacroVerdict compared(const std::string& macro, const std::string& transcript) const {
+        const std::string path = fs::path(macro).replace_extension(kExpected).string();
+        std::optional<std::string> expected;
+        try {
+            expected = readWholeFile(path);
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::no_such_file_or_directory) {
+                refuseOutput(path, "it cannot be read: " + error.code().message());
+            }
+        }
+        if (expected == transcript) return {true, "", ""};
+        if (m_options.accepts) {
+            AtomicFile(path).replace(transcript);
+            return {true, "accepted", ""};
+        }
+        const std::string difference = lineDifference(expected.value_or(""), transcript);
+        if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
+        return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
+    }
+
+    void report(const std::string& macro, const MacroVerdict& verdict, double seconds) {
+        const fs::path path(macro);
+        m_report.push_back({path.parent_path().string(), path.stem().string(), seconds,
+                            verdict.passed ? JunitOutcome_e::Passed : JunitOutcome_e::Failure, "failed", verdict.reason,
+                            verdict.lines});
+    }
+
+    bool writeReport() const {
+        if (!m_options.junit) return true;
+        try {
+            AtomicFile(*m_options.junit).replace(junitText("vexa-standin test", {}, m_report));
+            return true;
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return false;
+        }
+    }
+
+    const MacroTestOptions& m_options;
+    std::vector<std::string> m_macros;
+    std::vector<StyleSetting> m_style;
+    std::size_t m_passed = 0;
+    bool m_isBroken = false;  // something could not be read, run or written
+    bool m_isStopped = false;
+    std::vector<JunitCase> m_report;
+};
+
+}  // namespace
+
+ExitStatus_e testMacros(const MacroTestOptions& options) { return MacroTests(options).run(); }
+
+}  // namespace vexa::runner

@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <iterator>
+
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+namespace fs = std::filesystem;
+
+class New : public RunnerTest {
+protected:
+    ProgramResult writeNew(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), "new");
+        return runProgram(runner(std::move(arguments)));
+    }
+    // What the project in `name` has in its description: the id and the title.
+    std::string descriptionIn(const std::string& name) const {
+        const std::string source = read(name + "/src/AddOn.cpp");
+        const std::size_t begin = source.find("constexpr const char* kId");
+        return source.substr(begin, source.find("\n\n", begin) - begin);
+    }
+    static std::string description(const std::string& id, const std::string& title) {
+        return "constexpr const char* kId = \"" + id + "\";\nconstexpr const char* kTitle = \"" + title + "\";";
+    }
+    std::size_t entries() const {
+        return static_cast<std::size_t>(std::distance(fs::recursive_directory_iterator(folder()), {}));
+    }
+};
+
+TEST_F(New, WritesAProjectAndTellsHowToBuildIt) {
+    const ProgramResult result = writeNew({"wake-probe"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    EXPECT_NE(result.out.find("\n  cd wake-probe\n  cmake --preset release"), std::string::npos) << result.out;
+    for (const char* file : {".clang-format", ".gitignore", "CMakeLists.txt", "CMakePresets.json", "README.md", "ci",
+                             "src/AddOn.cpp", "src/RepeatCommand.cpp", "src/RepeatCommand.h", "tests/RepeatTest.cpp",
+                             "tests/macros/repeat.macro", "tests/macros/repeat.expected"}) {
+        EXPECT_GT(fs::file_size(folder() / "wake-probe" / file), 0U) << file;
+    }
+}
+
+TEST_F(New, LeavesNoPlaceholder) {
+    writeNew({"wake-probe"});
+    for (const auto& entry : fs::recursive_directory_iterator(folder())) {
+        if (!entry.is_regular_file()) continue;
+        const std::string text = read(fs::relative(entry.path(), folder()));
+        EXPECT_EQ(text.find('@'), std::string::npos) << entry.path();
+    }
+}
+
+TEST_F(New, KeepsEachFileShort) {
+    writeNew({"wake-probe"});
+    for (const auto& entry : fs::recursive_directory_iterator(folder())) {
+        if (!entry.is_regular_file()) continue;
+        const std::string text = read(fs::relative(entry.path(), folder()));
+        EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 70) << entry.path();
+    }
+}
+
+TEST_F(New, MayRunTheScriptOnly) {
+    writeNew({"p"});
+    const auto mayRun = [&](const char* file) {
+        return (fs::status(folder() / "p" / file).permissions() & fs::perms::owner_exec) != fs::perms::none;
+    };
+    EXPECT_TRUE(mayRun("ci"));
+    EXPECT_FALSE(mayRun("README.md"));
+}
+
+TEST_F(New, NamesTheAddOnAfterTheFolder) {
+    struct Case {
+        const char* folder;
+        const char* file;
+        const char* id;
+        const char* title;
+    };
+    const Case cases[] = {
+        {"wake-probe", "wake-probe", "WAKEPROBE", "Wake probe"},
+        {"deep/er/Wake_2/", "Wake_2", "WAKE2", "Wake 2"},
+        {"42", "addon-42", "ADDON42", "Addon 42"},
+        {"--", "addon---", "ADDON", "Addon   "},
+        {"a b\"c", "a-b-c", "ABC", "A b c"},
+        {"Größe", "Gr----e", "GRE", "Gr    e"},
+        {"test", "test-addon", "TESTADDON", "Test addon"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.folder);
+        const ProgramResult result = writeNew({"--", c.folder});
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(descriptionIn(c.folder), description(c.id, c.title));
+        EXPECT_NE(read(std::string(c.folder) + "/CMakeLists.txt").find("project(" + std::string(c.file) + " "),
+                  std::string::npos);
+        EXPECT_EQ(read(std::string(c.folder) + "/tests/macros/repeat.expected").rfind("> " + std::string(c.id), 0), 0U);
+    }
+}
+
+TEST_F(New, TakesIdAndTitle) {
+    ASSERT_EQ(writeNew({"p", "--id", "Wake-2_b", "--title", "Größe \"x\" \\ @ID@"}).status, 0);
+    EXPECT_EQ(descriptionIn("p"), description("Wake-2_b", R"(Größe \"x\" \\ @ID@)"));
+    EXPECT_NE(read("p/README.md").find("Größe \"x\" \\ @ID@: an add-on."), std::string::npos);
+}
+
+TEST_F(New, RefusesAnIdOrTitleThatDoesNotFit) {
+    struct Case {
+        const char* why;
+        std::vector<std::string> arguments;
+        const char* err;
+    };
+    const char* const noId = "vexa-standin: --id: expected an id: a letter, then letters, digits, '_' and '-'\n";
+    const char* const noTitle = "vexa-standin: --title: expected a title: a line of text\n";
+    const Case cases[] = {
+        {"empty", {"p", "--id", ""}, noId},
+        {"a macro line would end there", {"p", "--id", "A B"}, noId},
+        {"a macro line would be a comment", {"p", "--id", "#A"}, noId},
+        {"begins with a digit", {"p", "--id", "1A"}, noId},
+        {"a quote", {"p", "--id", "A\""}, noId},
+        {"no ASCII", {"p", "--id", "Ä"}, noId},
+        {"an empty title", {"p", "--title", ""}, noTitle},
+        {"a title of two lines", {"p", "--title", "a\nb"}, noTitle},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = writeNew(c.arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err.rfind(c.err, 0), 0U) << result.err;
+        EXPECT_EQ(entries(), 0U);
+    }
+}
+
+TEST_F(New, GoesIntoAFolderThatIsEmpty) {
+    fs::create_directory(folder() / "p");
+    Program program = runner({"new", "."});
+    program.folder = folder() / "p";
+    EXPECT_EQ(runProgram(program).status, 0);
+    EXPECT_EQ(descriptionIn("p"), description("P", "P"));
+}
+
+TEST_F(New, OverwritesNothing) {
+    fs::create_directory(folder() / "full");
+    write("full/a", "mine");
+    write("file", "mine");
+    EXPECT_EQ(writeNew({"full"}).err, "full: is there already, and not empty\n");
+    const ProgramResult result = writeNew({"file"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "file: is there already, and no folder\n");
+    EXPECT_EQ(writeNew({"file/p"}).status, 2);
+    EXPECT_EQ(entries(), 3U);
+    EXPECT_EQ(read("file"), "mine");
+}
+
+TEST_F(New, LeavesNothingHalfWritten) {
+    fs::create_directory(folder() / "there");
+    for (const std::string path : {"there", "deep/er/p"}) {
+        SCOPED_TRACE(path);
+        const std::string command = "trap '' XFSZ; ulimit -f 1; exec " VEXA_STANDIN " new " + path;
+        const ProgramResult result = runProgram({{"bash", "-c", command}, folder(), "", false});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_NE(result.err.find("cannot be written: File too large"), std::string::npos) << result.err;
+        EXPECT_EQ(entries(), 1U) << "the folder that was there";
+    }
+}
+
+}  // namespace
+}  // namespace vexa::e2e
