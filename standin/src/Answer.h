@@ -124,6 +124,10 @@ std::invoke_result_t<Action, HostState&> answer(const Action& action, const Argu
     HostState* const host = HostState::current();
     if (host == nullptr) return refusal<Result>();
     const Whereabouts backInHost(false);
+    if (host->isLeftAlone()) {
+        host->countUnnumbered(function);
+        return act(action, *host);
+    }
     WatchedCall call(*host, function, arguments...);
     host->contract.check(call.number(), function,
                          [&](Books& books, const Moment& now) { checkBegan<function>(books, now, arguments...); });

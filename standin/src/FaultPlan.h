@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <mutex>
 #include <optional>
@@ -24,6 +25,8 @@ public:
     /// Counts a call of \p function.
     /// \return how it is to fail; nothing when it is not. Of several faults due at once, the one asked for first.
     std::optional<Fault> next(HostFunction function);
+    /// Whether any fault is planned: asked at every call, and not worth a lock then.
+    bool isAnyPlanned() const { return m_isAnyPlanned.load(std::memory_order_acquire); }
     /// Forgets what was planned.
     void clear();
 
@@ -36,6 +39,7 @@ private:
 
     std::mutex m_guard;
     std::vector<Planned> m_planned;
+    std::atomic<bool> m_isAnyPlanned{false};
 };
 
 }  // namespace vexa::standin

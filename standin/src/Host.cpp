@@ -1,5 +1,6 @@
 #include "vexastandin/Host.h"
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 #include <optional>
@@ -15,23 +16,26 @@
 namespace vexa::standin {
 namespace {
 
-// The process has one host, so here is the one thing that belongs to the process: the living hosts, linked from the
-// innermost outwards. Without a constructor or destructor to run, so that it holds at any time of the process.
+// For those who change the links between living hosts. Who asks for the innermost one, as every host call does, need
+// not wait: that would be a third of the cost of a call.
 std::mutex livingGuard;
-HostState* innermost = nullptr;
 
 void enterLiving(HostState& state) {
     const std::lock_guard<std::mutex> lock(livingGuard);
-    state.outer = innermost;
-    innermost = &state;
+    state.outer = HostState::innermost;
+    HostState::innermost = &state;
 }
 
 // Hosts need not die in the reverse order of their birth.
 void leaveLiving(HostState& state) {
     const std::lock_guard<std::mutex> lock(livingGuard);
-    HostState** link = &innermost;
-    while (*link != &state) link = &(*link)->outer;
-    *link = state.outer;
+    if (HostState::innermost == &state) {
+        HostState::innermost = state.outer;
+        return;
+    }
+    HostState* inner = HostState::innermost;
+    while (inner->outer != &state) inner = inner->outer;
+    inner->outer = state.outer;
 }
 
 // Gives back what an add-on's code leaves taken of the host's lock.
@@ -146,10 +150,9 @@ AddOnInfo loadInTime(HostState& state, const std::string& path, const Source& so
 
 }  // namespace
 
-HostState* HostState::current() {
-    const std::lock_guard<std::mutex> lock(livingGuard);
-    return innermost;
-}
+// The process has one host, so here is the one thing that belongs to the process: the living hosts, linked from the
+// innermost outwards. Without a constructor or destructor to run, so that it holds at any time of the process.
+std::atomic<HostState*> HostState::innermost{nullptr};
 
 bool HostState::showChange(const std::optional<StatusLine>& change) const {
     if (!change) return false;

@@ -22,23 +22,16 @@ using Time = std::chrono::steady_clock::time_point;
 // Above every number that the kernel gives a thread.
 constexpr long kFirstScopeTrack = 1L << 22;
 
-constexpr const char* kCall = "call";
-constexpr const char* kScope = "scope";
-constexpr const char* kRun = "run";
-constexpr const char* kCutOff = "cut off";  // a span that had not ended when the trace did
+constexpr std::string_view kCall = "call";
+constexpr std::string_view kScope = "scope";
+constexpr std::string_view kRun = "run";
+constexpr std::string_view kCutOff = "cut off";  // a span that had not ended when the trace did
 
-// The kernel's, so that other tools can tell the threads.
-long thisThread() { return gettid(); }
-
-double microseconds(Time time) { return std::chrono::duration<double, std::micro>(time.time_since_epoch()).count(); }
-
-Json eventOf(const char* phase, const std::string& name, const char* category, long track, Time time) {
-    return {{"name", name},    {"cat", category}, {"ph", phase},
-            {"pid", getpid()}, {"tid", track},    {"ts", microseconds(time)}};
-}
-
-Json metadataOf(const char* kind, long track, const std::string& name) {
-    return {{"name", kind}, {"ph", "M"}, {"pid", getpid()}, {"tid", track}, {"args", {{"name", name}}}};
+// The kernel's, so that other tools can tell the threads. The kernel is asked once: at each event it would be a tenth of
+// what a traced call costs.
+long thisThread() {
+    thread_local const long number = gettid();
+    return number;
 }
 
 const char* categoryOf(Entry_e kind) {
@@ -49,6 +42,9 @@ const char* categoryOf(Entry_e kind) {
     }
     return "";
 }
+
+// Add-ons may hand over what is no UTF-8.
+std::string textOf(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 std::string nameOf(const EntryEvent& entry) {
     switch (entry.kind) {
@@ -67,34 +63,45 @@ Json placeOf(const Place& place) {
             {"thread", place.thread}};
 }
 
-Json argumentsOf(const Finding& finding) {
+std::string argumentsOf(const Finding& finding) {
     const standin::Rule* const rule = standin::findRule(finding.rule);
-    return {{"rule", finding.rule},
-            {"severity", finding.severity == standin::Severity_e::Error ? "error" : "warning"},
-            {"message", finding.message},
-            {"addOn", finding.addOnId},
-            {"opened", finding.opened ? placeOf(*finding.opened) : Json()},
-            {"seen", placeOf(finding.seen)},
-            {"count", finding.count},
-            {"repeats", finding.repeats},
-            {"hint", rule == nullptr ? "" : rule->hint}};
+    return textOf({{"rule", finding.rule},
+                   {"severity", finding.severity == standin::Severity_e::Error ? "error" : "warning"},
+                   {"message", finding.message},
+                   {"addOn", finding.addOnId},
+                   {"opened", finding.opened ? placeOf(*finding.opened) : Json()},
+                   {"seen", placeOf(finding.seen)},
+                   {"count", finding.count},
+                   {"repeats", finding.repeats},
+                   {"hint", rule == nullptr ? "" : rule->hint}});
 }
 
-// Add-ons may hand over what is no UTF-8.
-std::string textOf(const Json& event) { return event.dump(-1, ' ', false, Json::error_handler_t::replace); }
+std::string factsOf(const RunFacts& facts) {
+    Json options = Json::object();
+    for (const auto& [name, values] : facts.options) options[name] = values;
+    return textOf({{"tool", facts.tool},
+                   {"macroFile", facts.macroFile},
+                   {"options", options},
+                   {"isStrict", facts.isStrict},
+                   {"hasTimeLimit", facts.hasTimeLimit},
+                   {"suppressed", facts.suppressed}});
+}
 
 }  // namespace
 
-EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path) {
+EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path), m_text(getpid()) {
     guarded([&] { writeHeader(facts); });
 }
 
 void EventTrace::entryBegan(const EntryEvent& entry) {
     guarded([&] {
         m_scopes.entryBegan();
-        Json event = eventOf("B", nameOf(entry), categoryOf(entry.kind), thisThread(), entry.time);
-        event["args"] = {{"addOn", entry.addOnId}, {"command", entry.command}, {"macroLine", entry.macroLine}};
-        beginSpan(event, entry.threadNumber);
+        const long thread = thisThread();
+        const std::string name = nameOf(entry);
+        beginSpan(thread, entry.threadNumber, name);
+        m_text.event("B", name, categoryOf(entry.kind), thread, entry.time).open("args");
+        m_text.member("addOn", entry.addOnId).member("command", entry.command).member("macroLine", entry.macroLine);
+        m_text.close().close();
     });
 }
 
@@ -104,17 +111,18 @@ void EventTrace::entryEnded(const EntryEvent& entry) {
         const long thread = thisThread();
         const auto name = endSpan(thread);
         if (!name) return;
-        Json event = eventOf("E", *name, categoryOf(entry.kind), thread, entry.time);
-        event["args"] = {{"addOn", entry.addOnId}, {"succeeded", entry.succeeded}, {"error", entry.error}};
-        write(event);
+        m_text.event("E", *name, categoryOf(entry.kind), thread, entry.time).open("args");
+        m_text.member("addOn", entry.addOnId).member("succeeded", entry.succeeded).member("error", entry.error);
+        m_text.close().close();
     });
 }
 
 void EventTrace::callBegan(const CallEvent& call) {
     guarded([&] {
-        Json event = eventOf("B", call.function, kCall, thisThread(), call.time);
-        event["args"] = {{"number", call.number}, {"arguments", call.arguments}};
-        beginSpan(event, call.threadNumber);
+        const long thread = thisThread();
+        beginSpan(thread, call.threadNumber, call.function);
+        m_text.event("B", call.function, kCall, thread, call.time).open("args");
+        m_text.member("number", call.number).member("arguments", call.arguments).close().close();
         if (const auto edge = m_scopes.callBegan(call)) writeEdge(*edge);
     });
 }
@@ -124,27 +132,23 @@ void EventTrace::callEnded(const CallEvent& call) {
         if (const auto edge = m_scopes.callEnded(call)) writeEdge(*edge);
         const long thread = thisThread();
         if (!endSpan(thread)) return;
-        Json event = eventOf("E", call.function, kCall, thread, call.time);
-        event["args"] = {{"result", call.result}};
-        if (call.threw) event["args"]["threw"] = true;
-        write(event);
+        m_text.event("E", call.function, kCall, thread, call.time).open("args").member("result", call.result);
+        if (call.threw) m_text.member("threw", true);
+        m_text.close().close();
     });
 }
 
 void EventTrace::findingMade(const Finding& finding) {
     guarded([&] {
-        Json event = eventOf("i", finding.rule, "finding", thisThread(), std::chrono::steady_clock::now());
-        event["s"] = "t";
-        event["args"] = argumentsOf(finding);
-        write(event);
+        m_text.event("i", finding.rule, "finding", thisThread(), std::chrono::steady_clock::now());
+        m_text.member("s", "t").json("args", argumentsOf(finding)).close();
     });
 }
 
 void EventTrace::statusChanged(const StatusLine& line) {
     guarded([&] {
-        Json event = eventOf("C", "percent done", "status", thisThread(), std::chrono::steady_clock::now());
-        event["args"] = {{"percent", line.active ? line.percent : 0}};
-        write(event);
+        m_text.event("C", "percent done", "status", thisThread(), std::chrono::steady_clock::now()).open("args");
+        m_text.member("percent", line.active ? line.percent : 0).close().close();
     });
 }
 
@@ -153,18 +157,18 @@ void EventTrace::finish(int exitStatus, const std::string& outcome) {
         const Time now = std::chrono::steady_clock::now();
         for (const ScopeEdge& edge : m_scopes.endAll(now)) writeEdge(edge);
         for (auto& [track, open] : m_openSpans) {
-            while (const auto name = endSpan(track)) write(eventOf("E", *name, kCutOff, track, now));
+            while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
         }
-        Json event = eventOf("i", "outcome", kRun, thisThread(), now);
-        event["s"] = "p";
-        event["args"] = {{"exitStatus", exitStatus}, {"outcome", outcome}};
-        write(event);
-        m_file.append("\n]\n");
+        m_text.event("i", "outcome", kRun, thisThread(), now).member("s", "p").open("args");
+        m_text.member("exitStatus", exitStatus).member("outcome", outcome).close().close();
+        m_text.end();
         m_isFinished = true;
     });
     m_file.close();
 }
 
+// What an action appends is written at once, so that it is there when the process dies, and by one call of the kernel,
+// which is most of what a traced call costs.
 // An event that is left out for want of memory would leave its other half alone.
 template <class Action>
 void EventTrace::guarded(const Action& action) {
@@ -172,39 +176,31 @@ void EventTrace::guarded(const Action& action) {
     if (m_isFinished) return;
     try {
         action();
+        m_text.hand([this](std::string_view text) { m_file.append(text); });
     } catch (const std::bad_alloc&) {
         m_file.giveUp("out of memory");
     }
 }
 
-void EventTrace::write(const Json& event) { m_file.append(",\n" + textOf(event)); }
-
 void EventTrace::writeHeader(const RunFacts& facts) {
     const long thread = thisThread();
-    Json options = Json::object();
-    for (const auto& [name, values] : facts.options) options[name] = values;
-    Json event = eventOf("i", kRun, kRun, thread, std::chrono::steady_clock::now());
-    event["s"] = "p";
-    event["args"] = {
-        {"tool", facts.tool},         {"macroFile", facts.macroFile},       {"options", options},
-        {"isStrict", facts.isStrict}, {"hasTimeLimit", facts.hasTimeLimit}, {"suppressed", facts.suppressed}};
-    m_file.append("[\n" + textOf(event));
-    write(metadataOf("process_name", thread, facts.tool));
+    m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
+    m_text.member("s", "p").json("args", factsOf(facts)).close();
+    m_text.metadata("process_name", thread, facts.tool);
 }
 
 void EventTrace::writeEdge(const ScopeEdge& edge) {
     const long track = kFirstScopeTrack + static_cast<long>(edge.track);
-    nameTrack(track, edge.trackName);
-    Json event = eventOf(edge.begins ? "B" : "E", edge.name, kScope, track, edge.time);
-    if (edge.begins) event["args"] = {{"arguments", edge.arguments}};
-    write(event);
+    if (m_openSpans.try_emplace(track).second) m_text.metadata("thread_name", track, edge.trackName);
+    m_text.event(edge.begins ? "B" : "E", edge.name, kScope, track, edge.time);
+    if (edge.begins) m_text.open("args").member("arguments", edge.arguments).close();
+    m_text.close();
 }
 
-void EventTrace::beginSpan(const Json& event, std::size_t threadNumber) {
-    const long thread = event["tid"];
-    nameTrack(thread, "thread " + std::to_string(threadNumber));
-    m_openSpans[thread].push_back(event["name"]);
-    write(event);
+void EventTrace::beginSpan(long thread, std::size_t threadNumber, std::string name) {
+    const auto [open, isNew] = m_openSpans.try_emplace(thread);
+    if (isNew) m_text.metadata("thread_name", thread, "thread " + std::to_string(threadNumber));
+    open->second.push_back(std::move(name));
 }
 
 // The name under which it began: the id of an add-on is not known then. An end whose beginning was not observed is
@@ -215,10 +211,6 @@ std::optional<std::string> EventTrace::endSpan(long thread) {
     std::string name = std::move(found->second.back());
     found->second.pop_back();
     return name;
-}
-
-void EventTrace::nameTrack(long track, const std::string& name) {
-    if (m_openSpans.try_emplace(track).second) write(metadataOf("thread_name", track, name));
 }
 
 }  // namespace vexa::runner

@@ -4,12 +4,12 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "trace/EventText.h"
 #include "trace/LiveFile.h"
 #include "trace/ScopeTracks.h"
 #include "vexastandin/Observer.h"
@@ -51,15 +51,14 @@ public:
 private:
     template <class Action>
     void guarded(const Action& action);
-    void write(const nlohmann::ordered_json& event);
     void writeHeader(const RunFacts& facts);
     void writeEdge(const ScopeEdge& edge);
-    void beginSpan(const nlohmann::ordered_json& event, std::size_t threadNumber);
+    void beginSpan(long thread, std::size_t threadNumber, std::string name);
     std::optional<std::string> endSpan(long thread);
-    void nameTrack(long track, const std::string& name);
 
     std::mutex m_guard;
     LiveFile m_file;
+    EventText m_text;  // what is to be written next
     ScopeTracks m_scopes;
     std::map<long, std::vector<std::string>> m_openSpans;  // their names, by track; every track that has a name
     bool m_isFinished = false;

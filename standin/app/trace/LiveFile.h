@@ -17,6 +17,8 @@ namespace vexa::runner {
 class LiveFile {
 public:
     explicit LiveFile(const std::string& path);
+    /// Takes over \p descriptor, which is called \p name.
+    LiveFile(const std::string& name, int descriptor) : m_path(name), m_descriptor(descriptor) {}
     LiveFile(const LiveFile&) = delete;
     LiveFile& operator=(const LiveFile&) = delete;
     ~LiveFile();

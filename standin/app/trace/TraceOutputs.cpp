@@ -1,8 +1,6 @@
 #include "trace/TraceOutputs.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
-#include <system_error>
 
 #include "Console.h"
 #include "OutputTarget.h"
@@ -10,34 +8,7 @@
 namespace vexa::runner {
 namespace {
 
-namespace fs = std::filesystem;
 using Values = std::vector<std::string>;
-
-std::string outcomeOf(ExitStatus_e status) {
-    switch (status) {
-        case ExitStatus_e::AllWell: return "all went well";
-        case ExitStatus_e::CommandFailed: return "a command failed";
-        case ExitStatus_e::BadUsageOrInput: return "wrong input, or a file could not be read or written";
-        case ExitStatus_e::ContractViolated: return "an add-on broke the host's contract";
-        case ExitStatus_e::CommandHung: return "a command did not return";
-        case ExitStatus_e::Stopped: return "stopped by Ctrl-C";
-    }
-    return "";
-}
-
-// An output may not be there yet; then its name is all there is to compare.
-bool isSameFile(const std::string& output, const std::string& other) {
-    std::error_code error;
-    if (fs::equivalent(output, other, error)) return true;
-    const fs::path path = fs::weakly_canonical(fs::absolute(other, error), error);
-    return !error && path == outputTarget(output);
-}
-
-void refuseTaken(const std::string& trace, const std::vector<std::string>& taken) {
-    for (const std::string& file : taken) {
-        if (isSameFile(trace, file)) refuseOutput(trace, "the run uses it as " + file + ", too");
-    }
-}
 
 template <class Trace, class... Arguments>
 bool finished(std::optional<Trace>& trace, const Arguments&... arguments) {
@@ -84,8 +55,8 @@ void TraceOutputs::open(const TraceOptions& options, const std::vector<std::stri
 standin::ObserverInterface* TraceOutputs::observer() { return m_events || m_text ? &m_tee : nullptr; }
 
 ExitStatus_e TraceOutputs::finish(ExitStatus_e status) {
-    const bool areEventsWritten = finished(m_events, static_cast<int>(status), outcomeOf(status));
-    const bool isTextWritten = finished(m_text, static_cast<int>(status), outcomeOf(status));
+    const bool areEventsWritten = finished(m_events, static_cast<int>(status), meaningOf(status));
+    const bool isTextWritten = finished(m_text, static_cast<int>(status), meaningOf(status));
     return areEventsWritten && isTextWritten ? status : ExitStatus_e::BadUsageOrInput;
 }
 

@@ -1,0 +1,94 @@
+#include "trace/EventText.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace vexa::runner {
+namespace {
+
+bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
+
+}  // namespace
+
+// Nearly all is printable ASCII; the rest is left to those who know UTF-8.
+void appendJsonString(std::string& json, std::string_view text) {
+    if (!std::all_of(text.begin(), text.end(), isPrintableAscii)) {
+        json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        return;
+    }
+    json += '"';
+    for (const char c : text) {
+        if (c == '"' || c == '\\') json += '\\';
+        json += c;
+    }
+    json += '"';
+}
+
+EventText& EventText::event(std::string_view phase, std::string_view name, std::string_view category, long track,
+                            Time time) {
+    beginEvent(name);
+    member("cat", category).member("ph", phase).member("pid", m_process).member("tid", track);
+    begin("ts");
+    appendTime(time);
+    return *this;
+}
+
+void EventText::metadata(std::string_view kind, long track, std::string_view name) {
+    beginEvent(kind);
+    member("ph", "M").member("pid", m_process).member("tid", track).open("args").member("name", name).close().close();
+}
+
+EventText& EventText::open(std::string_view name) {
+    begin(name);
+    m_text += '{';
+    return *this;
+}
+
+EventText& EventText::close() {
+    m_text += '}';
+    return *this;
+}
+
+EventText& EventText::member(std::string_view name, std::string_view text) {
+    begin(name);
+    appendJsonString(m_text, text);
+    return *this;
+}
+
+EventText& EventText::member(std::string_view name, bool value) {
+    begin(name);
+    m_text += value ? "true" : "false";
+    return *this;
+}
+
+EventText& EventText::json(std::string_view name, std::string_view value) {
+    begin(name);
+    m_text += value;
+    return *this;
+}
+
+// A member begins; its name is one of ours, and plain.
+void EventText::begin(std::string_view name) {
+    if (m_text.back() != '{') m_text += ',';
+    m_text += '"';
+    m_text += name;
+    m_text += "\":";
+}
+
+void EventText::beginEvent(std::string_view name) {
+    m_text += m_isFirst ? "[\n{" : ",\n{";
+    m_isFirst = false;
+    member("name", name);
+}
+
+// In microseconds, to the nanosecond. The clock counts from the start of the machine.
+void EventText::appendTime(Time time) {
+    constexpr long kThousand = 1000;
+    const long nanoseconds = std::chrono::nanoseconds(time.time_since_epoch()).count();
+    append(nanoseconds / kThousand);
+    m_text += '.';
+    const long rest = nanoseconds % kThousand;
+    for (long digit = kThousand / 10; digit != 0; digit /= 10) m_text += static_cast<char>('0' + rest / digit % 10);
+}
+
+}  // namespace vexa::runner
