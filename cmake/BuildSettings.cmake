@@ -39,6 +39,9 @@ function(vexa_shared_library target)
     add_library(vexa::${arg_NAME} ALIAS ${target})
     target_compile_features(${target} PUBLIC cxx_std_17)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:vexa_build_settings>)
+    # Calls within a library are direct, as if its functions were not exported: nobody may put others in their place.
+    # Those to another library are bound when it is loaded, so they need no stub.
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt)
     target_link_options(${target} PRIVATE -Wl,--version-script=${arg_EXPORTS} -Wl,-z,relro,-z,now)
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${arg_NAME}

@@ -46,3 +46,7 @@ vexa_shared_library(vexautilutil_utils NAME vexautilutil
     EXPORTS ${PROJECT_SOURCE_DIR}/cmake/vexautilutil_utils.map)
 target_include_directories(vexautilutil_utils PRIVATE ${PROJECT_SOURCE_DIR})
 target_link_libraries(vexautilutil_utils PUBLIC vexa::hostapi vexa::hostlibs Boost::headers Boost::filesystem)
+if(VEXA_HOST_PREFIX)
+    get_filename_component(host_library_dir ${VEXA_HOST_LIBRARY} DIRECTORY)
+    set_property(TARGET vexautilutil_utils APPEND PROPERTY INSTALL_RPATH ${host_library_dir})
+endif()

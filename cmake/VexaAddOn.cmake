@@ -1,0 +1,52 @@
+# vexa_add_addon(NAME SOURCES file... [CHECK ON|OFF]
+#                [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
+#   Adds the add-on NAME: a target that makes NAME.so, for a host to load. It exports vexaAddOn and nothing else, links
+#   the library, and takes further libraries by target_link_libraries(NAME PRIVATE ...).
+#
+#   The test NAME-keeps-the-contract checks it, where the tests are built (BUILD_TESTING) and the package's component
+#   standin was asked for; CHECK OFF leaves it out. What stands after CHECK is for the test, as vexa_add_check() takes
+#   it. Without a MACRO only the loading of the add-on is tested.
+function(vexa_add_addon name)
+    set(check_values LEVEL TIME WORKING_DIRECTORY)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "WARNINGS_AS_ERRORS" "CHECK;${check_values}" "SOURCES;MACRO")
+    if(arg_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "vexa_add_addon(${name}) does not know: ${arg_UNPARSED_ARGUMENTS}")
+    elseif(arg_KEYWORDS_MISSING_VALUES)
+        message(FATAL_ERROR "vexa_add_addon(${name}) has no value for: ${arg_KEYWORDS_MISSING_VALUES}")
+    elseif(NOT arg_SOURCES)
+        message(FATAL_ERROR "vexa_add_addon(${name}) has no sources: vexa_add_addon(${name} SOURCES file...)")
+    elseif(DEFINED arg_CHECK AND NOT arg_CHECK MATCHES "^(ON|OFF|TRUE|FALSE)$")
+        message(FATAL_ERROR "vexa_add_addon(${name}): CHECK is ON or OFF, not ${arg_CHECK}")
+    endif()
+
+    add_library(${name} MODULE ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE vexa::vexautilutil vexa::hostapi)
+    # Hidden visibility alone would let instantiations of the standard library out, and some of those keep a shared
+    # object from being unloaded.
+    set(exports ${CMAKE_CURRENT_BINARY_DIR}/${name}.exports.map)
+    file(CONFIGURE OUTPUT ${exports} CONTENT "{ global: vexaAddOn; local: *; };\n")
+    target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
+    set_target_properties(${name} PROPERTIES
+        PREFIX ""
+        C_VISIBILITY_PRESET hidden
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        LINK_DEPENDS ${exports})
+
+    if((DEFINED BUILD_TESTING AND NOT BUILD_TESTING) OR (DEFINED arg_CHECK AND NOT arg_CHECK))
+        return()
+    elseif(NOT TARGET vexa::standin_runner)
+        message(STATUS "${name} is not checked: there is no vexa-standin, of the package's component standin")
+        return()
+    endif()
+    set(check)
+    foreach(option IN ITEMS ${check_values} MACRO)
+        if(DEFINED arg_${option})
+            list(APPEND check ${option} ${arg_${option}})
+        endif()
+    endforeach()
+    if(arg_WARNINGS_AS_ERRORS)
+        list(APPEND check WARNINGS_AS_ERRORS)
+    endif()
+    vexa_add_check(${name}-keeps-the-contract ${name} ${check})
+endfunction()
