@@ -14,8 +14,8 @@ constexpr char CLOSEPAREN_token = ')';
 constexpr std::string_view kNonZeroDigits = "123456789";
 constexpr std::string_view kExponentSigns = "eE";
 
-// Not isspace(), which asks the locale.
-bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+// Not isspace(), which asks the locale. Nearly every character is above the blank, and is told by one comparison.
+bool isWhiteSpace(char c) { return static_cast<unsigned char>(c) <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r')); }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -29,12 +29,14 @@ std::string_view findToken(const std::string& text, std::size_t at) {
     const std::size_t begin = afterWhiteSpace(text, at);
     std::size_t end = begin;
     while (end < text.size() && !isWhiteSpace(text[end])) ++end;
-    return std::string_view(text).substr(begin, end - begin);
+    return {text.data() + begin, end - begin};
 }
 
 // The characters from `at` to the first of `delimiters`; empty when no delimiter follows.
 std::string_view findToken(const std::string& text, std::size_t at, const std::string& delimiters) {
-    const std::size_t end = text.find_first_of(delimiters, at);
+    // find_first_of() does not know that one character can be found much faster than one of several.
+    const std::size_t end =
+        delimiters.size() == 1 ? text.find(delimiters.front(), at) : text.find_first_of(delimiters, at);
     if (end == std::string::npos) return {};
     return std::string_view(text).substr(at, end - at);
 }
@@ -60,24 +62,6 @@ struct Reading {
     bool isNumber() const { return error == std::errc(); }
 };
 
-std::from_chars_result convert(const char* at, const char* end, double& value) {
-    return std::from_chars(at, end, value);
-}
-
-// Up to 18 digits cannot overflow, and adding them up takes half of the time that from_chars() does.
-std::from_chars_result convert(const char* const begin, const char* end, int64_t& value) {
-    constexpr std::ptrdiff_t kSafeDigits = 18;
-    const bool isNegative = begin != end && *begin == MINUS_token;
-    const char* const digits = begin + (isNegative ? 1 : 0);
-    const char* const safeEnd = end - digits > kSafeDigits ? digits + kSafeDigits : end;
-    const char* at = digits;
-    int64_t sum = 0;
-    for (; at != safeEnd && isDigit(*at); ++at) sum = 10 * sum + (*at - '0');
-    if (at == digits || (at == safeEnd && at != end && isDigit(*at))) return std::from_chars(begin, end, value);
-    value = isNegative ? -sum : sum;
-    return {at, std::errc()};
-}
-
 bool isEndOfToken(const char* at, const char* end) { return at == end || isWhiteSpace(*at); }
 
 template <typename Number>
@@ -85,7 +69,7 @@ Reading<Number> readNumber(const std::string& text, std::size_t at) {
     const char* const end = text.data() + text.size();
     const char* const begin = withoutPlus(text.data() + afterWhiteSpace(text, at), end);
     Reading<Number> reading;
-    const auto [behind, error] = convert(begin, end, reading.value);
+    const auto [behind, error] = std::from_chars(begin, end, reading.value);
     reading.error = error;
     reading.text = std::string_view(begin, static_cast<std::size_t>(behind - begin));
     const bool hasNote = behind != begin && behind[-1] == CLOSEPAREN_token;  // nan(...)
@@ -123,6 +107,46 @@ Reading<double> readDouble(const std::string& text, std::size_t at) {
 template <typename Found, typename Number>
 Found found(const std::string& text, std::size_t at, const Reading<Number>& reading) {
     return {at, endOf(reading.text, text), reading.isNumber(), reading.value};
+}
+
+// Finds nearly all integers there are: of up to 18 digits, which cannot overflow, and nothing but digits behind the
+// sign. False for all else, which may still be one. Takes half of what from_chars() and the checks around it do.
+template <typename Found>
+bool findPlainInt64(const std::string& text, std::size_t at, Found& found) {
+    constexpr std::ptrdiff_t kSafeDigits = 18;
+    const char* const end = text.data() + text.size();
+    const char* const begin = withoutPlus(text.data() + afterWhiteSpace(text, at), end);
+    const bool isNegative = begin != end && *begin == MINUS_token;
+    const char* const digits = begin + (isNegative ? 1 : 0);
+    const char* behind = digits;
+    int64_t sum = 0;
+    for (; behind != end && isDigit(*behind); ++behind) {
+        sum = static_cast<int64_t>(10 * static_cast<uint64_t>(sum) + static_cast<uint64_t>(*behind - '0'));
+    }
+    const std::ptrdiff_t count = behind - digits;
+    if (count < 1 || count > kSafeDigits || !isEndOfToken(behind, end)) return false;
+    found.at = at;
+    found.end = static_cast<std::size_t>(behind - text.data());
+    found.isNumber = true;
+    found.value = isNegative ? -sum : sum;
+    return true;
+}
+
+// The rare and long ways are functions of their own, not inlined: the short ones then need no stack, which is a tenth
+// of the cost of an integer.
+template <typename Found>
+[[gnu::noinline]] void findAnyInt64(const std::string& text, std::size_t at, Found& kept) {
+    kept = found<Found>(text, at, readNumber<int64_t>(text, at));
+}
+
+template <typename Found>
+[[gnu::noinline]] void findInt64(const std::string& text, std::size_t at, Found& kept) {
+    if (!findPlainInt64(text, at, kept)) findAnyInt64(text, at, kept);
+}
+
+template <typename Found>
+[[gnu::noinline]] void findDouble(const std::string& text, std::size_t at, Found& kept) {
+    kept = found<Found>(text, at, readDouble(text, at));
 }
 
 }  // namespace
@@ -185,14 +209,12 @@ int64_t Scanner::nextInt64Token() {
 }
 
 const Scanner::Found<double>& Scanner::doubleHere() const {
-    if (m_double.at != m_position) m_double = found<Found<double>>(m_text, m_position, readDouble(m_text, m_position));
+    if (m_double.at != m_position) findDouble(m_text, m_position, m_double);
     return m_double;
 }
 
 const Scanner::Found<int64_t>& Scanner::int64Here() const {
-    if (m_int64.at != m_position) {
-        m_int64 = found<Found<int64_t>>(m_text, m_position, readNumber<int64_t>(m_text, m_position));
-    }
+    if (m_int64.at != m_position) findInt64(m_text, m_position, m_int64);
     return m_int64;
 }
 

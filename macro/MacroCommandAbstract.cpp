@@ -7,6 +7,7 @@ namespace {
 
 constexpr char DROPPED_delimiters[] = "";
 constexpr char KEPT_delimiters[] = " =\"'-,[]";
+constexpr std::size_t kUsualOption = 24;  // characters
 
 }  // namespace
 
@@ -21,7 +22,9 @@ void MacroCommandAbstract::forEachOption(MacroOptionPerformerInterface& performe
 std::string MacroCommandAbstract::name() const { return m_name; }
 
 std::string MacroCommandAbstract::toString() const {
-    std::string text = m_name;
+    std::string text;
+    text.reserve(m_name.size() + m_options.size() * kUsualOption);
+    text += m_name;
     for (const auto& [name, option] : m_options) {
         if (option->isDefaultValue()) continue;
         text += ' ';

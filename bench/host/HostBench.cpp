@@ -1,8 +1,8 @@
 // What guards, the mutex and the task progress add to the bare host calls and to a bare loop.
-#include <benchmark/benchmark.h>
-
+#include <cstdlib>
 #include <mutex>
 
+#include "support/Rows.h"
 #include "vexa/VexaUtil.h"
 #include "vexa/ui/TaskProgress.h"
 #include "vexautilutil/HostGuards.h"
@@ -12,62 +12,57 @@
 namespace vexa::vexautilutil {
 namespace {
 
-void callLockBarely(benchmark::State& state) {
-    for (auto _ : state) {
-        VexaUtilLockStart(nullptr);
-        VexaUtilLockFinish(nullptr);
-    }
-}
-void holdAddOnIdLock(benchmark::State& state) {
-    for (auto _ : state) const AddOnIdLock lock(nullptr);
-}
-BENCHMARK(callLockBarely);
-BENCHMARK(holdAddOnIdLock);
-
-void callMarkingBarely(benchmark::State& state) {
-    for (auto _ : state) {
-        VexaUtilDataSetSuspendMarking(1);
-        VexaUtilDataSetSuspendMarking(0);
-    }
-}
-void holdDataSetSuspendMarking(benchmark::State& state) {
-    for (auto _ : state) const DataSetSuspendMarking guard;
-}
-BENCHMARK(callMarkingBarely);
-BENCHMARK(holdDataSetSuspendMarking);
-
-void callMutexBarely(benchmark::State& state) {
-    ThreadMutex_s* mutex = VexaUtilThreadMutexAlloc();
-    for (auto _ : state) {
-        VexaUtilThreadMutexLock(mutex);
-        VexaUtilThreadMutexUnlock(mutex);
-    }
-    VexaUtilThreadMutexDealloc(&mutex);
-}
-void lockMutex(benchmark::State& state) {
-    Mutex mutex;
-    for (auto _ : state) const std::lock_guard<Mutex> lock(mutex);
-}
-BENCHMARK(callMutexBarely);
-BENCHMARK(lockMutex);
+using bench::addCall;
+using bench::addSubject;
 
 constexpr long kSteps = 1000000000000;  // so many that the percentage never changes
+
+void callMutex(benchmark::State& state) {
+    ThreadMutex_s* mutex = VexaUtilThreadMutexAlloc();
+    bench::repeat(state, [mutex] {
+        VexaUtilThreadMutexLock(mutex);
+        VexaUtilThreadMutexUnlock(mutex);
+    });
+    VexaUtilThreadMutexDealloc(&mutex);
+}
+
+void lockMutex(benchmark::State& state) {
+    Mutex mutex;
+    bench::repeat(state, [&mutex] { const std::lock_guard<Mutex> lock(mutex); });
+}
 
 void countAndCompare(benchmark::State& state) {
     long done = 0;
     long next = kSteps / 100;
-    for (auto _ : state) {
+    bench::repeat(state, [&] {
         benchmark::DoNotOptimize(next);
-        if (++done >= next) state.SkipWithError("the percentage changed");
+        if (++done >= next) std::abort();
         benchmark::DoNotOptimize(done);
-    }
+    });
 }
-void advanceWithinAPercentage(benchmark::State& state) {
+
+void advance(benchmark::State& state) {
     const auto progress = createTaskProgressBar(kSteps);
-    for (auto _ : state) progress->advance();
+    bench::repeat(state, [&] { progress->advance(); });
 }
-BENCHMARK(countAndCompare);
-BENCHMARK(advanceWithinAPercentage);
+
+const bool isAdded = [] {
+    addCall("guard-lock/host_calls", [] {
+        VexaUtilLockStart(nullptr);
+        VexaUtilLockFinish(nullptr);
+    });
+    addCall("guard-lock/ours", [] { const AddOnIdLock lock(nullptr); });
+    addCall("guard-marking/host_calls", [] {
+        VexaUtilDataSetSuspendMarking(1);
+        VexaUtilDataSetSuspendMarking(0);
+    });
+    addCall("guard-marking/ours", [] { const DataSetSuspendMarking guard; });
+    addSubject("mutex-lock/host_calls", callMutex);
+    addSubject("mutex-lock/ours", lockMutex);
+    addSubject("progress-advance/count", countAndCompare);
+    addSubject("progress-advance/ours", advance);
+    return true;
+}();
 
 }  // namespace
 }  // namespace vexa::vexautilutil

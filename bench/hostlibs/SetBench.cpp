@@ -1,7 +1,5 @@
 // What a Set costs, against the least that the same work can cost, and against a tree of intervals.
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <boost/icl/interval_set.hpp>
 #include <charconv>
@@ -10,19 +8,22 @@
 #include <string>
 #include <vector>
 
-#include "vexa/VexaUtil.h"
+#include "support/Rows.h"
 #include "vexa/toolbox/Set.h"
-#include "vexastandin/Host.h"
+
+#if defined(VEXA_HAS_HWLOC)
+#include <hwloc.h>
+#endif
 
 namespace {
 
+using vexa::bench::addSubject;
 using vexa::toolbox::Set;
 using Range = Set::Range;
 using Ranges = std::vector<Range>;
 using Tree = boost::icl::interval_set<int64_t>;
 
-constexpr int64_t kFewRuns = 1000;
-constexpr int64_t kManyRuns = 100000;
+constexpr int64_t kRuns = 1000;
 
 enum class Order { Ascending, Random };
 
@@ -52,6 +53,8 @@ std::string makeText(const Ranges& runs) {
     text.back() = ']';
     return text;
 }
+
+std::string makeText(benchmark::State& state, Order order) { return makeText(makeRuns(kRuns * state.range(0), order)); }
 
 Set makeSet(int64_t runs) {
     Set set;
@@ -89,19 +92,6 @@ Ranges readByDigitLoop(const std::string& text) {
     return ranges;
 }
 
-Ranges readByFromChars(const std::string& text) {
-    Ranges ranges;
-    const char* const end = text.data() + text.size();
-    for (const char* at = text.data() + 1; at != end; ++at) {
-        Range range{0, 0};
-        at = std::from_chars(at, end, range.first).ptr;
-        range.last = range.first;
-        if (*at == '-') at = std::from_chars(at + 1, end, range.last).ptr;
-        ranges.push_back(range);
-    }
-    return ranges;
-}
-
 // The same with what any such set needs besides: the ranges in order.
 Ranges readByDigitLoopAndSort(const std::string& text) {
     Ranges ranges = readByDigitLoop(text);
@@ -109,61 +99,77 @@ Ranges readByDigitLoopAndSort(const std::string& text) {
     return ranges;
 }
 
-void bothSizes(benchmark::internal::Benchmark* bench) { bench->Arg(kFewRuns)->Arg(kManyRuns); }
+// ---- Reading
 
-void assign(benchmark::State& state, Order order) {
-    const std::string text = makeText(makeRuns(state.range(0), order));
+template <class Read>
+void read(benchmark::State& state, Order order, Read read) {
+    const std::string text = makeText(state, order);
     for (auto _ : state) {
-        Set set;
-        set.assign(text);
+        auto set = read(text);
         benchmark::DoNotOptimize(set);
     }
 }
-BENCHMARK_CAPTURE(assign, ascending, Order::Ascending)->Apply(bothSizes);
-BENCHMARK_CAPTURE(assign, random, Order::Random)->Apply(bothSizes);
 
-void readRanges(benchmark::State& state, Ranges (*read)(const std::string&), Order order) {
-    const std::string text = makeText(makeRuns(state.range(0), order));
+Set readOurs(const std::string& text) {
+    Set set;
+    set.assign(text);
+    return set;
+}
+
+Tree readIntoTree(const std::string& text) {
+    Tree tree;
+    for (const Range& run : readByDigitLoop(text)) {
+        tree.insert(boost::icl::interval<int64_t>::closed(run.first, run.last));
+    }
+    return tree;
+}
+
+#if defined(VEXA_HAS_HWLOC)
+void readByHwloc(benchmark::State& state, Order order) {
+    std::string text = makeText(state, order);
+    text = text.substr(1, text.size() - 2);  // no brackets
     for (auto _ : state) {
-        Ranges ranges = read(text);
-        benchmark::DoNotOptimize(ranges);
+        hwloc_bitmap_t bitmap = hwloc_bitmap_alloc();
+        if (hwloc_bitmap_list_sscanf(bitmap, text.c_str()) != 0) state.SkipWithError("the list was refused");
+        benchmark::DoNotOptimize(bitmap);
+        hwloc_bitmap_free(bitmap);
     }
 }
-BENCHMARK_CAPTURE(readRanges, digitLoop_ascending, readByDigitLoop, Order::Ascending)->Apply(bothSizes);
-BENCHMARK_CAPTURE(readRanges, digitLoop_random, readByDigitLoop, Order::Random)->Apply(bothSizes);
-BENCHMARK_CAPTURE(readRanges, digitLoopAndSort_random, readByDigitLoopAndSort, Order::Random)->Apply(bothSizes);
-BENCHMARK_CAPTURE(readRanges, fromChars_ascending, readByFromChars, Order::Ascending)->Apply(bothSizes);
-BENCHMARK_CAPTURE(readRanges, fromChars_random, readByFromChars, Order::Random)->Apply(bothSizes);
+#endif
 
-void readIntoTree(benchmark::State& state, Order order) {
-    const std::string text = makeText(makeRuns(state.range(0), order));
-    for (auto _ : state) {
-        Tree tree;
-        for (const Range& run : readByDigitLoop(text)) {
-            tree.insert(boost::icl::interval<int64_t>::closed(run.first, run.last));
-        }
-        benchmark::DoNotOptimize(tree);
-    }
+void addReading(const std::string& row, Order order) {
+    using State = benchmark::State;
+    addSubject(row + "/digit_loop", [=](State& state) { read(state, order, readByDigitLoop); });
+    addSubject(row + "/digit_loop_and_sort", [=](State& state) { read(state, order, readByDigitLoopAndSort); });
+    addSubject(row + "/interval_tree", [=](State& state) { read(state, order, readIntoTree); });
+    addSubject(row + "/ours", [=](State& state) { read(state, order, readOurs); });
+#if defined(VEXA_HAS_HWLOC)
+    addSubject(row + "/hwloc", [=](State& state) { readByHwloc(state, order); });
+#endif
 }
-BENCHMARK_CAPTURE(readIntoTree, ascending, Order::Ascending)->Apply(bothSizes);
-BENCHMARK_CAPTURE(readIntoTree, random, Order::Random)->Apply(bothSizes);
 
-void setToString(benchmark::State& state) {
-    const Set set = makeSet(state.range(0));
+// ---- Writing
+
+void toString(benchmark::State& state) {
+    const Set set = makeSet(kRuns * state.range(0));
     for (auto _ : state) benchmark::DoNotOptimize(set.toString());
 }
-BENCHMARK(setToString)->Apply(bothSizes);
 
-// The least that writing takes, into a buffer whose size is known from the start.
-void toCharsIntoOneBuffer(benchmark::State& state) {
-    const Set set = makeSet(state.range(0));
-    const std::size_t size = set.toString().size();
+// The least that writing takes when the size is not known from the start: chunks of the text, added to it when full.
+void toCharsIntoChunks(benchmark::State& state) {
+    const Set set = makeSet(kRuns * state.range(0));
     for (auto _ : state) {
-        std::string text(size, '\0');
-        char* const end = text.data() + size;
-        char* at = text.data();
+        constexpr std::ptrdiff_t kLongestRun = 40;
+        std::string text;
+        std::vector<char> chunk(4096);
+        char* const end = chunk.data() + chunk.size();
+        char* at = chunk.data();
         char before = '[';
         for (const Range& run : set.ranges()) {
+            if (end - at < kLongestRun + 1) {
+                text.append(chunk.data(), at);
+                at = chunk.data();
+            }
             *at++ = before;
             at = std::to_chars(at, end, run.first).ptr;
             if (run.last != run.first) {
@@ -172,11 +178,13 @@ void toCharsIntoOneBuffer(benchmark::State& state) {
             }
             before = ',';
         }
-        *at = ']';
+        *at++ = ']';
+        text.append(chunk.data(), at);
         benchmark::DoNotOptimize(text);
     }
 }
-BENCHMARK(toCharsIntoOneBuffer)->Apply(bothSizes);
+
+// ---- Use, against a tree of intervals
 
 // Numbers all over the set, the same ones each time.
 std::vector<int64_t> makeProbes(const Set& set) {
@@ -187,82 +195,51 @@ std::vector<int64_t> makeProbes(const Set& set) {
     return probes;
 }
 
-// Per 1024 questions.
-void setContains(benchmark::State& state) {
-    const Set set = makeSet(state.range(0));
-    const std::vector<int64_t> probes = makeProbes(set);
-    for (auto _ : state) {
-        for (const int64_t probe : probes) benchmark::DoNotOptimize(set.contains(probe));
-    }
-}
-BENCHMARK(setContains)->Apply(bothSizes);
+bool isIn(const Set& set, int64_t member) { return set.contains(member); }
+bool isIn(const Tree& tree, int64_t member) { return boost::icl::contains(tree, member); }
 
-void treeContains(benchmark::State& state) {
-    const Tree tree = makeTree(state.range(0));
-    const std::vector<int64_t> probes = makeProbes(makeSet(state.range(0)));
+// Per 1024 questions.
+template <class Members>
+void contains(benchmark::State& state, Members (*make)(int64_t)) {
+    const Members members = make(kRuns * state.range(0));
+    const std::vector<int64_t> probes = makeProbes(makeSet(kRuns * state.range(0)));
     for (auto _ : state) {
-        for (const int64_t probe : probes) benchmark::DoNotOptimize(boost::icl::contains(tree, probe));
+        for (const int64_t probe : probes) benchmark::DoNotOptimize(isIn(members, probe));
     }
 }
-BENCHMARK(treeContains)->Apply(bothSizes);
 
 // Per 1024 members put into a full set, one by one and anywhere: what a flat vector is worst at.
-void setInsert(benchmark::State& state) {
-    const Set before = makeSet(state.range(0));
-    const std::vector<int64_t> probes = makeProbes(before);
+template <class Members>
+void insert(benchmark::State& state, Members (*make)(int64_t)) {
+    const Members before = make(kRuns * state.range(0));
+    const std::vector<int64_t> probes = makeProbes(makeSet(kRuns * state.range(0)));
     for (auto _ : state) {
-        state.PauseTiming();
-        Set set = before;
-        state.ResumeTiming();
-        for (const int64_t probe : probes) set.insert(probe);
-        benchmark::DoNotOptimize(set);
+        Members members = before;
+        for (const int64_t probe : probes) members.insert(probe);
+        benchmark::DoNotOptimize(members);
     }
 }
-BENCHMARK(setInsert)->Apply(bothSizes);
 
-void treeInsert(benchmark::State& state) {
-    const Tree before = makeTree(state.range(0));
-    const std::vector<int64_t> probes = makeProbes(makeSet(state.range(0)));
+template <class Members>
+void copy(benchmark::State& state, Members (*make)(int64_t)) {
+    const Members members = make(kRuns * state.range(0));
     for (auto _ : state) {
-        state.PauseTiming();
-        Tree tree = before;
-        state.ResumeTiming();
-        for (const int64_t probe : probes) tree.insert(probe);
-        benchmark::DoNotOptimize(tree);
+        Members copied = members;
+        benchmark::DoNotOptimize(copied);
     }
 }
-BENCHMARK(treeInsert)->Apply(bothSizes);
 
-void setCopy(benchmark::State& state) {
-    const Set set = makeSet(state.range(0));
-    for (auto _ : state) {
-        Set copy = set;
-        benchmark::DoNotOptimize(copy);
-    }
-}
-BENCHMARK(setCopy)->Apply(bothSizes);
-
-void treeCopy(benchmark::State& state) {
-    const Tree tree = makeTree(state.range(0));
-    for (auto _ : state) {
-        Tree copy = tree;
-        benchmark::DoNotOptimize(copy);
-    }
-}
-BENCHMARK(treeCopy)->Apply(bothSizes);
-
-void setIterate(benchmark::State& state) {
-    const Set set = makeSet(state.range(0));
+void iterate(benchmark::State& state) {
+    const Set set = makeSet(kRuns * state.range(0));
     for (auto _ : state) {
         int64_t sum = 0;
         for (const int64_t member : set) sum += member;
         benchmark::DoNotOptimize(sum);
     }
 }
-BENCHMARK(setIterate)->Apply(bothSizes);
 
-void treeIterate(benchmark::State& state) {
-    const Tree tree = makeTree(state.range(0));
+void iterateTree(benchmark::State& state) {
+    const Tree tree = makeTree(kRuns * state.range(0));
     for (auto _ : state) {
         int64_t sum = 0;
         for (auto member = boost::icl::elements_begin(tree); member != boost::icl::elements_end(tree); ++member) {
@@ -271,22 +248,24 @@ void treeIterate(benchmark::State& state) {
         benchmark::DoNotOptimize(sum);
     }
 }
-BENCHMARK(treeIterate)->Apply(bothSizes);
 
-// Through the stand-in host, which checks each call.
-void setOfHostSet(benchmark::State& state) {
-    vexa::standin::Host host;
-    host.setKeepsCalls(false);
-    Set_s* handle = VexaUtilSetAlloc();
-    for (const Range& run : makeRuns(state.range(0), Order::Ascending)) {
-        VexaUtilSetInsert(handle, run.first, run.last);
-    }
-    for (auto _ : state) {
-        Set set(handle);
-        benchmark::DoNotOptimize(set);
-    }
-    VexaUtilSetDealloc(&handle);
-}
-BENCHMARK(setOfHostSet)->Apply(bothSizes);
+// ----
+
+const bool isAdded = [] {
+    using State = benchmark::State;
+    addReading("set-assign", Order::Ascending);
+    addReading("set-assign-random", Order::Random);
+    addSubject("set-to-string/ours", toString);
+    addSubject("set-to-string/to_chars", toCharsIntoChunks);
+    addSubject("set-contains/ours", [](State& state) { contains(state, makeSet); });
+    addSubject("set-contains/interval_tree", [](State& state) { contains(state, makeTree); });
+    addSubject("set-insert/ours", [](State& state) { insert(state, makeSet); });
+    addSubject("set-insert/interval_tree", [](State& state) { insert(state, makeTree); });
+    addSubject("set-copy/ours", [](State& state) { copy(state, makeSet); });
+    addSubject("set-copy/interval_tree", [](State& state) { copy(state, makeTree); });
+    addSubject("set-iterate/ours", iterate);
+    addSubject("set-iterate/interval_tree", iterateTree);
+    return true;
+}();
 
 }  // namespace

@@ -1,9 +1,9 @@
 // Parsing options, against a bare walk of the same token stream; rendering them, against a plain append.
-#include <benchmark/benchmark.h>
-
+#include <charconv>
 #include <memory>
 #include <string>
 
+#include "support/Rows.h"
 #include "vexautilutil/BooleanMacroOption.h"
 #include "vexautilutil/MacroCommandAbstract.h"
 #include "vexautilutil/SetMacroOption.h"
@@ -13,37 +13,27 @@
 namespace vexa::vexautilutil {
 namespace {
 
-constexpr int kOptions = 1000;
+using bench::addSubject;
 
-std::string booleanOptions() {
+constexpr int64_t kOptions = 100;
+
+// ---- Parsing
+
+using MakeValue = std::string (*)(int64_t);
+
+std::string boolean(int64_t i) { return i % 2 == 0 ? "TRUE" : "FALSE"; }
+std::string uint64(int64_t i) { return std::to_string(i * 123456789L); }
+std::string quoted(int64_t i) { return "\"Pressure at inlet " + std::to_string(i) + '"'; }
+std::string set(int64_t i) { return "[1-" + std::to_string(i + 1) + ",2000,3000-4000]"; }
+
+std::string optionsText(int64_t count, MakeValue value) {
     std::string text;
-    for (int i = 0; i < kOptions; ++i) text += "OPTION" + std::to_string(i) + (i % 2 == 0 ? "=TRUE " : "=FALSE ");
+    for (int64_t i = 0; i < count; ++i) text += "OPTION" + std::to_string(i) + '=' + value(i) + ' ';
     return text;
 }
 
-std::string setOptions() {
-    std::string text;
-    for (int i = 0; i < kOptions; ++i) {
-        text += "OPTION" + std::to_string(i) + "=[1-" + std::to_string(i + 1) + ",2000,3000-4000] ";
-    }
-    return text;
-}
-
-std::string uint64Options() {
-    std::string text;
-    for (int i = 0; i < kOptions; ++i)
-        text += "OPTION" + std::to_string(i) + "=" + std::to_string(i * 123456789L) + " ";
-    return text;
-}
-
-std::string stringOptions() {
-    std::string text;
-    for (int i = 0; i < kOptions; ++i)
-        text += "OPTION" + std::to_string(i) + "=\"Pressure at inlet " + std::to_string(i) + "\" ";
-    return text;
-}
-
-void walk(benchmark::State& state, const std::string& text) {
+void walk(benchmark::State& state, MakeValue value) {
+    const std::string text = optionsText(kOptions * state.range(0), value);
     const MacroTokenizer tokens = MacroCommandAbstract::tokenize(text);
     for (auto _ : state) {
         std::size_t characters = 0;
@@ -51,90 +41,26 @@ void walk(benchmark::State& state, const std::string& text) {
         for (MacroTokenIterator current = tokens.begin(); current != end; ++current) characters += current->size();
         benchmark::DoNotOptimize(characters);
     }
-    state.SetItemsProcessed(state.iterations() * kOptions);
 }
 
+// Has `parseOne` parse an option after the other; the blank between them is stepped over.
 template <class ParseOne>
-void parse(benchmark::State& state, const std::string& text, ParseOne parseOne) {
+void parse(benchmark::State& state, MakeValue value, ParseOne parseOne) {
+    const std::string text = optionsText(kOptions * state.range(0), value);
     const MacroTokenizer tokens = MacroCommandAbstract::tokenize(text);
     for (auto _ : state) {
         const MacroTokenIterator end = tokens.end();
         for (MacroTokenIterator current = tokens.begin(); current != end; ++current) parseOne(current, end);
     }
-    state.SetItemsProcessed(state.iterations() * kOptions);
 }
 
-void walkBooleans(benchmark::State& state) { walk(state, booleanOptions()); }
-void parseBooleans(benchmark::State& state) {
-    parse(state, booleanOptions(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
-        benchmark::DoNotOptimize(BooleanMacroOption(current, end, nullptr).value());
-    });
+template <class ParseOne>
+void addParsing(const std::string& row, MakeValue value, ParseOne parseOne) {
+    addSubject(row + "/walk", [=](benchmark::State& state) { walk(state, value); });
+    addSubject(row + "/ours", [=](benchmark::State& state) { parse(state, value, parseOne); });
 }
-BENCHMARK(walkBooleans);
-BENCHMARK(parseBooleans);
 
-void walkSets(benchmark::State& state) { walk(state, setOptions()); }
-void parseSets(benchmark::State& state) {
-    parse(state, setOptions(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
-        benchmark::DoNotOptimize(SetMacroOption(current, end, false, nullptr).value().get());
-    });
-}
-BENCHMARK(walkSets);
-BENCHMARK(parseSets);
-
-void walkUInt64(benchmark::State& state) { walk(state, uint64Options()); }
-void parseUInt64(benchmark::State& state) {
-    parse(state, uint64Options(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
-        benchmark::DoNotOptimize(UInt64MacroOption(current, end, nullptr).value());
-    });
-}
-BENCHMARK(walkUInt64);
-BENCHMARK(parseUInt64);
-
-void walkStrings(benchmark::State& state) { walk(state, stringOptions()); }
-void parseStrings(benchmark::State& state) {
-    parse(state, stringOptions(), [](MacroTokenIterator& current, const MacroTokenIterator& end) {
-        benchmark::DoNotOptimize(StringMacroOption(current, end, nullptr).value().data());
-    });
-}
-BENCHMARK(walkStrings);
-BENCHMARK(parseStrings);
-
-// One option of each type, against the same text by appending.
-void appendOption(benchmark::State& state, const std::string& value) {
-    const std::string name = "OPTION";
-    for (auto _ : state) {
-        std::string text;
-        text.reserve(name.size() + 1 + value.size());
-        text += name;
-        text += '=';
-        text += value;
-        benchmark::DoNotOptimize(text.data());
-    }
-}
-void renderOption(benchmark::State& state, const MacroOptionInterface& option) {
-    for (auto _ : state) benchmark::DoNotOptimize(option.toString().data());
-}
-const toolbox::Set& zones() {
-    static const toolbox::Set set = [] {
-        toolbox::Set members;
-        members.assign("[1-3,5,100-200]");
-        return members;
-    }();
-    return set;
-}
-const BooleanMacroOption kBoolean("OPTION", true, nullptr);
-const UInt64MacroOption kUInt64("OPTION", 1234567890123, nullptr);
-const StringMacroOption kString("OPTION", "Pressure at inlet", nullptr);
-const SetMacroOption kSet("OPTION", &zones(), false, nullptr);
-BENCHMARK_CAPTURE(appendOption, ofBoolean, std::string("TRUE"));
-BENCHMARK_CAPTURE(renderOption, ofBoolean, kBoolean);
-BENCHMARK_CAPTURE(appendOption, ofUInt64, std::string("1234567890123"));
-BENCHMARK_CAPTURE(renderOption, ofUInt64, kUInt64);
-BENCHMARK_CAPTURE(appendOption, ofString, std::string("\"Pressure at inlet\""));
-BENCHMARK_CAPTURE(renderOption, ofString, kString);
-BENCHMARK_CAPTURE(appendOption, ofSet, std::string("[1-3,5,100-200]"));
-BENCHMARK_CAPTURE(renderOption, ofSet, kSet);
+// ---- Rendering
 
 class Command : public MacroCommandAbstract {
 public:
@@ -142,29 +68,105 @@ public:
     void execute() override {}
 };
 
-void appendPlainly(benchmark::State& state) {
-    const std::string names[] = {"AVERAGED", "CAPPED", "VISIBLE", "WRAPPED"};
-    for (auto _ : state) {
-        std::string text;
-        text.reserve(80);
-        text += "COMMAND";
-        for (const std::string& name : names) {
-            text += ' ';
-            text += name;
-            text += "=TRUE";
+using Appending = std::string (*)(const std::string* names, const toolbox::Set& zones);
+
+std::string appendBooleans(const std::string* names, const toolbox::Set&) {
+    std::string text;
+    text.reserve(80);
+    text += "COMMAND";
+    for (int i = 0; i < 4; ++i) {
+        text += ' ';
+        text += names[i];
+        text += "=TRUE";
+    }
+    return text;
+}
+
+void appendNumber(std::string& text, uint64_t number) {
+    char digits[20];
+    text.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+void appendSet(std::string& text, const toolbox::Set& set) {
+    char separator = '[';
+    for (const toolbox::Set::Range& range : set.ranges()) {
+        text += separator;
+        appendNumber(text, static_cast<uint64_t>(range.first));
+        if (range.last != range.first) {
+            text += '-';
+            appendNumber(text, static_cast<uint64_t>(range.last));
         }
-        benchmark::DoNotOptimize(text.data());
+        separator = ',';
     }
+    text += ']';
 }
-void renderCommand(benchmark::State& state) {
-    Command command("COMMAND");
-    for (const char* name : {"AVERAGED", "CAPPED", "VISIBLE", "WRAPPED"}) {
-        command.addOption(std::make_shared<BooleanMacroOption>(name, true, nullptr));
+
+std::string appendEachType(const std::string* names, const toolbox::Set& zones) {
+    std::string text;
+    text.reserve(120);
+    text += "COMMAND ";
+    text += names[0];
+    text += "=TRUE ";
+    text += names[1];
+    text += '=';
+    appendNumber(text, 1234567890123);
+    text += ' ';
+    text += names[2];
+    text += "=\"Pressure at inlet\" ";
+    text += names[3];
+    text += '=';
+    appendSet(text, zones);
+    return text;
+}
+
+struct Rendering {
+    const std::string names[4] = {"AVERAGED", "CAPPED", "VISIBLE", "WRAPPED"};
+    toolbox::Set zones;
+    Command booleans{"COMMAND"};
+    Command eachType{"COMMAND"};
+
+    Rendering() {
+        zones.assign("[1-3,5,100-200]");
+        for (const std::string& name : names) {
+            booleans.addOption(std::make_shared<BooleanMacroOption>(name, true, nullptr));
+        }
+        eachType.addOption(std::make_shared<BooleanMacroOption>(names[0], true, nullptr));
+        eachType.addOption(std::make_shared<UInt64MacroOption>(names[1], 1234567890123, nullptr));
+        eachType.addOption(std::make_shared<StringMacroOption>(names[2], "Pressure at inlet", nullptr));
+        eachType.addOption(std::make_shared<SetMacroOption>(names[3], &zones, false, nullptr));
     }
-    for (auto _ : state) benchmark::DoNotOptimize(command.toString().data());
+};
+
+const Rendering& rendering() {
+    static const Rendering all;
+    return all;
 }
-BENCHMARK(appendPlainly);
-BENCHMARK(renderCommand);
+
+void addRendering(const std::string& row, Appending appending, const Command& command) {
+    if (appending(rendering().names, rendering().zones) != command.toString()) std::abort();
+    bench::addCall(row + "/append",
+                   [appending] { benchmark::DoNotOptimize(appending(rendering().names, rendering().zones).data()); });
+    bench::addCall(row + "/ours", [&command] { benchmark::DoNotOptimize(command.toString().data()); });
+}
+
+const bool isAdded = [] {
+    using Current = MacroTokenIterator;
+    addParsing("parse-boolean", boolean, [](Current& current, const Current& end) {
+        benchmark::DoNotOptimize(BooleanMacroOption(current, end, nullptr).value());
+    });
+    addParsing("parse-uint64", uint64, [](Current& current, const Current& end) {
+        benchmark::DoNotOptimize(UInt64MacroOption(current, end, nullptr).value());
+    });
+    addParsing("parse-string", quoted, [](Current& current, const Current& end) {
+        benchmark::DoNotOptimize(StringMacroOption(current, end, nullptr).value().data());
+    });
+    addParsing("parse-set", set, [](Current& current, const Current& end) {
+        benchmark::DoNotOptimize(SetMacroOption(current, end, false, nullptr).value().get());
+    });
+    addRendering("render-booleans", appendBooleans, rendering().booleans);
+    addRendering("render-each-type", appendEachType, rendering().eachType);
+    return true;
+}();
 
 }  // namespace
 }  // namespace vexa::vexautilutil

@@ -1,12 +1,13 @@
-// What checking, writing down, observing and tracing add to a host call. Compare the rows of one function with its
-// plain one.
-#include <benchmark/benchmark.h>
-
+// What a call of the stand-in host costs, against an empty function of another library: plain, and when it is checked,
+// written down, observed and traced.
 #include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "standin/EmptyFunction.h"
+#include "support/Rows.h"
 #include "trace/EventTrace.h"
 #include "trace/TextTrace.h"
 #include "vexa/VexaUtil.h"
@@ -76,57 +77,59 @@ private:
     std::size_t m_rounds = 0;
 };
 
-void ask(benchmark::State& state, Watch_e watch) {
-    WatchingHost host(watch);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(VexaUtilMacroIsBatchModeActive());
-        host.tick();
-    }
-    state.SetItemsProcessed(state.iterations());
+using Calls = void (*)();
+
+void ask() { benchmark::DoNotOptimize(VexaUtilMacroIsBatchModeActive()); }
+
+void lockAndUnlock() {
+    static ThreadMutex_s* const mutex = VexaUtilThreadMutexAlloc();
+    VexaUtilThreadMutexLock(mutex);
+    VexaUtilThreadMutexUnlock(mutex);
 }
 
-void lockAndUnlock(benchmark::State& state, Watch_e watch) {
-    WatchingHost host(watch);
-    ThreadMutex_s* mutex = VexaUtilThreadMutexAlloc();
-    for (auto _ : state) {
-        VexaUtilThreadMutexLock(mutex);
-        VexaUtilThreadMutexUnlock(mutex);
-        host.tick();
-    }
-    state.SetItemsProcessed(2 * state.iterations());
-    VexaUtilThreadMutexDealloc(&mutex);
+void queryStyle() {
+    double thickness = 0;
+    ArgList_s* argList = VexaUtilArgListAlloc();
+    VexaUtilArgListAppendString(argList, "P1", "FIELDMAP");
+    VexaUtilArgListAppendString(argList, "P2", "LINETHICKNESS");
+    VexaUtilArgListAppendDoublePtr(argList, "DValue", &thickness);
+    benchmark::DoNotOptimize(VexaUtilStyleGetLowLevelX(argList));
+    VexaUtilArgListDealloc(&argList);
 }
 
-void queryStyle(benchmark::State& state, Watch_e watch) {
+void watch(benchmark::State& state, Calls calls, Watch_e watch) {
     WatchingHost host(watch);
     Host::current()->setStyle({"FIELDMAP", "LINETHICKNESS"}, 0.4);
-    double thickness = 0;
-    for (auto _ : state) {
-        ArgList_s* argList = VexaUtilArgListAlloc();
-        VexaUtilArgListAppendString(argList, "P1", "FIELDMAP");
-        VexaUtilArgListAppendString(argList, "P2", "LINETHICKNESS");
-        VexaUtilArgListAppendDoublePtr(argList, "DValue", &thickness);
-        benchmark::DoNotOptimize(VexaUtilStyleGetLowLevelX(argList));
-        VexaUtilArgListDealloc(&argList);
+    bench::repeat(state, [&] {
+        calls();
         host.tick();
-    }
-    state.SetItemsProcessed(6 * state.iterations());
+    });
 }
 
-// Few enough for the file of a trace to stay below a hundred megabytes.
-constexpr benchmark::IterationCount kTraced = 20000;
+void add(const std::string& row, Calls calls, int64_t count) {
+    bench::addSubject(row + "/empty_calls", [=](benchmark::State& state) {
+        bench::repeat(state, [=] {
+            for (int64_t i = 0; i < count; ++i) vexaBenchDoNothing();
+        });
+    });
+    constexpr std::pair<const char*, Watch_e> kWatches[] = {
+        {"plain", Watch_e::Plain},       {"checked", Watch_e::Checked}, {"logged", Watch_e::Logged},
+        {"observed", Watch_e::Observed}, {"traced", Watch_e::Traced},   {"traced_as_text", Watch_e::TracedAsText}};
+    for (const auto& [name, kind] : kWatches) {
+        const auto run = [=, watched = kind](benchmark::State& state) {
+            watch(state, calls, watched);
+            state.counters["calls"] = static_cast<double>(count);
+        };
+        bench::addSubject(row + '/' + name, run);
+    }
+}
 
-#define VEXA_BENCHMARK_WATCHES(calls)                                       \
-    BENCHMARK_CAPTURE(calls, plain, Watch_e::Plain);                        \
-    BENCHMARK_CAPTURE(calls, checked, Watch_e::Checked);                    \
-    BENCHMARK_CAPTURE(calls, logged, Watch_e::Logged);                      \
-    BENCHMARK_CAPTURE(calls, observed, Watch_e::Observed);                  \
-    BENCHMARK_CAPTURE(calls, traced, Watch_e::Traced)->Iterations(kTraced); \
-    BENCHMARK_CAPTURE(calls, tracedAsText, Watch_e::TracedAsText)->Iterations(kTraced)
-
-VEXA_BENCHMARK_WATCHES(ask);
-VEXA_BENCHMARK_WATCHES(lockAndUnlock);
-VEXA_BENCHMARK_WATCHES(queryStyle);
+const bool isAdded = [] {
+    add("host-call-ask", ask, 1);
+    add("host-call-lock", lockAndUnlock, 2);
+    add("host-call-style", queryStyle, 6);
+    return true;
+}();
 
 }  // namespace
 }  // namespace vexa::standin

@@ -1,9 +1,10 @@
 // Opening a text file and going through its lines: AsciiFile against what one would write instead.
 //
-// Usage: text_file_open [--size MIB] [--rounds N] [--growth]
+// Usage: text_file_open [--size MIB] [--rounds N] [--growth] [--json FILE]
 //
 // Each measurement runs in a child of its own, so that no subject gets memory that another one has touched before.
-// The figures are medians; those behind the slash are in terms of the first row of their block.
+// The figures are medians; those behind the slash are in terms of the first row of their block. The JSON file gets the
+// figures in the form that the other benchmarks write.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -24,7 +26,19 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+// Time of the processor: the file lies in memory, so that there is nothing to wait for but other programs.
+struct Clock {
+    using duration = std::chrono::nanoseconds;
+    using rep = duration::rep;
+    using period = duration::period;
+    using time_point = std::chrono::time_point<Clock>;
+
+    static time_point now() {
+        timespec time{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return time_point(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+    }
+};
 
 struct Measured {
     double openSeconds = 0;
@@ -37,6 +51,7 @@ struct Measured {
 using Subject = std::function<double(const std::string& path, const std::function<void()>& opened)>;
 
 struct NamedSubject {
+    const char* title;
     const char* name;
     Subject run;
 };
@@ -96,6 +111,14 @@ double getline(const std::string& path, const std::function<void()>& opened) {
     return sum;
 }
 
+double getlineIntoOne(const std::string& path, const std::function<void()>& opened) {
+    std::ifstream file(path);
+    opened();
+    double sum = 0;
+    for (std::string line; std::getline(file, line);) sum += firstByte(line.c_str());
+    return sum;
+}
+
 double readRawLine(const std::string& path, const std::function<void()>& opened) {
     vexa::vexautilutil::AsciiFile file;
     if (!file.open(path)) std::abort();
@@ -115,8 +138,12 @@ double readLine(const std::string& path, const std::function<void()>& opened) {
 }
 
 const std::vector<NamedSubject> kSubjects = {
-    {"fopen + fread, then strchr", fread}, {"AsciiFile, readRawLine", readRawLine}, {"AsciiFile, readLine", readLine},
-    {"byte loop, then offsets", byteLoop}, {"std::getline into strings", getline},
+    {"fopen + fread, then strchr", "fread", fread},
+    {"AsciiFile, readRawLine", "ours", readRawLine},
+    {"AsciiFile, readLine", "readLine", readLine},
+    {"byte loop, then offsets", "byte_loop", byteLoop},
+    {"std::getline into strings", "getline_into_strings", getline},
+    {"std::getline into one string", "getline_into_one", getlineIntoOne},
 };
 
 double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
@@ -161,18 +188,22 @@ double median(const std::vector<Measured>& all, Member member) {
 }
 
 struct TestFile {
+    const char* title;
     const char* name;
-    std::string line;  // a line of it; the numbers in it are not looked at
+    std::string line;  // each of its lines; empty for lines of numbers that differ
+    const char* lineEnd;
 };
 
 std::string longLine() {
     std::string line;
     while (line.size() < 10 * 1024) line += "0.12345 ";
-    return line + "\n";
+    return line;
 }
 
 std::vector<TestFile> testFiles() {
-    return {{"short lines", ""}, {"short lines, CR LF", ""}, {"10 KiB lines", longLine()}};
+    return {{"short lines", "short", "", "\n"},
+            {"short lines, CR LF", "crlf", "", "\r\n"},
+            {"10 KiB lines", "long", longLine(), "\n"}};
 }
 
 // A file of so many bytes or a few more, removed at the end.
@@ -181,13 +212,10 @@ public:
     TemporaryFile(const TestFile& kind, std::size_t size) : m_path("vexa-bench-text-file.tmp") {
         std::string block;
         for (unsigned i = 0; block.size() < (std::size_t{1} << 20); ++i) {
-            if (!kind.line.empty()) {
-                block += kind.line;
-                continue;
-            }
-            block += std::to_string(i) + " " + std::to_string(i * 2654435761U % 1000003U) + " 0." +
-                     std::to_string(i * 40503U % 997U);
-            block += std::strstr(kind.name, "CR") != nullptr ? "\r\n" : "\n";
+            block += kind.line.empty() ? std::to_string(i) + " " + std::to_string(i * 2654435761U % 1000003U) + " 0." +
+                                             std::to_string(i * 40503U % 997U)
+                                       : kind.line;
+            block += kind.lineEnd;
         }
         FILE* const file = std::fopen(m_path.c_str(), "wb");
         if (file == nullptr) std::abort();
@@ -205,10 +233,10 @@ private:
     std::string m_path;
 };
 
-std::vector<std::vector<Measured>> measureAll(const std::string& path, int rounds) {
-    std::vector<std::vector<Measured>> measured(kSubjects.size());
+std::vector<std::vector<Measured>> measureFirst(std::size_t subjects, const std::string& path, int rounds) {
+    std::vector<std::vector<Measured>> measured(subjects);
     for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < kSubjects.size(); ++i) {
+        for (std::size_t i = 0; i < subjects; ++i) {
             measured[i].push_back(measure(kSubjects[i].run, path));
             if (measured[i].back().checksum != measured[0].back().checksum) std::abort();
         }
@@ -216,29 +244,68 @@ std::vector<std::vector<Measured>> measureAll(const std::string& path, int round
     return measured;
 }
 
-void compare(std::size_t mib, int rounds) {
+// The figures as a file, in the form that the other benchmarks write. What is written nowhere is lost.
+class Figures {
+public:
+    explicit Figures(const std::string& path) : m_file(path.empty() ? nullptr : std::fopen(path.c_str(), "w")) {
+        print("{\"benchmarks\": [");
+    }
+    Figures(const Figures&) = delete;
+    Figures& operator=(const Figures&) = delete;
+    ~Figures() {
+        print("\n]}\n");
+        if (m_file != nullptr) std::fclose(m_file);
+    }
+
+    void add(const std::string& row, const char* subject, std::size_t times, double value) {
+        print((m_isFirst ? "\n{\"name\": \"" : ",\n{\"name\": \"") + row + '/' + subject + '/' + std::to_string(times) +
+              "\", \"value\": " + std::to_string(value) + '}');
+        m_isFirst = false;
+    }
+
+private:
+    void print(const std::string& text) {
+        if (m_file != nullptr) std::fputs(text.c_str(), m_file);
+    }
+
+    FILE* m_file;
+    bool m_isFirst = true;
+};
+
+constexpr double kNanoseconds = 1e9;
+constexpr double kBytesOfMiB = 1 << 20;
+
+void compare(std::size_t mib, int rounds, Figures& figures) {
     for (const TestFile& kind : testFiles()) {
         const TemporaryFile file(kind, mib << 20);
-        const auto measured = measureAll(file.path(), rounds);
-        std::printf("\n%s, %zu MiB\n%-28s %18s %18s %10s\n", kind.name, mib, "", "open", "all lines", "peak");
+        const auto measured = measureFirst(kSubjects.size(), file.path(), rounds);
+        std::printf("\n%s, %zu MiB\n%-28s %18s %18s %10s\n", kind.title, mib, "", "open", "all lines", "peak");
         for (std::size_t i = 0; i < kSubjects.size(); ++i) {
             const double open = median(measured[i], &Measured::openSeconds);
             const double lines = median(measured[i], &Measured::linesSeconds);
-            std::printf("%-28s %8.0f ms / %4.2f %8.0f ms / %4.2f %6.0f MiB\n", kSubjects[i].name, open * 1e3,
+            const std::string ofKind = std::string("-") + kind.name;
+            const double peak = median(measured[i], &Measured::peakMiB);
+            figures.add("open" + ofKind, kSubjects[i].name, 1, open * kNanoseconds);
+            figures.add("lines" + ofKind, kSubjects[i].name, 1, (open + lines) * kNanoseconds);
+            figures.add("open-memory" + ofKind, kSubjects[i].name, 1, peak * kBytesOfMiB);
+            std::printf("%-28s %8.0f ms / %4.2f %8.0f ms / %4.2f %6.0f MiB\n", kSubjects[i].title, open * 1e3,
                         open / median(measured[0], &Measured::openSeconds), lines * 1e3,
-                        lines / median(measured[0], &Measured::linesSeconds), median(measured[i], &Measured::peakMiB));
+                        lines / median(measured[0], &Measured::linesSeconds), peak);
         }
     }
 }
 
-void showGrowth(int rounds) {
+void showGrowth(int rounds, Figures& figures) {
     std::printf("\nAsciiFile::open, short lines\n%10s %12s %14s %12s\n", "size", "open", "per MiB", "to fread");
-    for (std::size_t mib = 1; mib <= 1024; mib *= 4) {
+    for (std::size_t mib = 1; mib <= 1000; mib *= 10) {
         const TemporaryFile file(testFiles()[0], mib << 20);
-        const auto measured = measureAll(file.path(), rounds);
+        const auto measured = measureFirst(2, file.path(), rounds);
         const double open = median(measured[1], &Measured::openSeconds);
+        const double fread = median(measured[0], &Measured::openSeconds);
+        figures.add("open-growth", "ours", mib, open * kNanoseconds);
+        figures.add("open-growth", "fread", mib, fread * kNanoseconds);
         std::printf("%6zu MiB %9.1f ms %11.3f ms %12.2f\n", mib, open * 1e3, open * 1e3 / static_cast<double>(mib),
-                    open / median(measured[0], &Measured::openSeconds));
+                    open / fread);
     }
 }
 
@@ -248,11 +315,14 @@ int main(int argc, char** argv) {
     std::size_t mib = 256;
     int rounds = 7;
     bool growth = false;
+    std::string json;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if (argument == "--growth") growth = true;
+        if (argument == "--json" && i + 1 < argc) json = argv[++i];
         if (argument == "--size" && i + 1 < argc) mib = std::strtoul(argv[++i], nullptr, 10);
         if (argument == "--rounds" && i + 1 < argc) rounds = std::atoi(argv[++i]);
     }
-    growth ? showGrowth(rounds) : compare(mib, rounds);
+    Figures figures(json);
+    growth ? showGrowth(rounds, figures) : compare(mib, rounds, figures);
 }

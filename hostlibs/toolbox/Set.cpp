@@ -28,6 +28,7 @@ constexpr char COLON_token = ':';
 constexpr int64_t kHighestMember = std::numeric_limits<int64_t>::max();
 constexpr int64_t kMostSteppedMembers = int64_t{1} << 24;
 constexpr std::size_t kMostQuoted = 60;
+constexpr std::size_t kUsualRanges = 4;
 constexpr std::size_t kFewRanges = 256;
 constexpr int kRadixBits = 9;  // a seventh of a member's bits, which leaves digits small enough for the cache
 constexpr std::size_t kRadix = std::size_t{1} << kRadixBits;
@@ -97,6 +98,7 @@ public:
 private:
     // Starts on the first item and ends after the closing bracket.
     void readItems() {
+        m_ranges.reserve(kUsualRanges);
         for (;;) {
             const char* const otherwise = readItem();
             if (take(CLOSEBRACKET_token)) return;

@@ -89,6 +89,7 @@ public:
     /// \name Errors in the file, shown to the user in the host's error dialog
     /// They are reported for a closed file, too. Only lack of memory throws; no dialog is shown then.
     /// @{
+
     /// Shows: \p message, " on line ", \p lineNumber as given, " in file: ", fileName().
     void error(const std::string& message, std::size_t lineNumber) const;
     /// The same, for currentLineNumber(): right after a line was read, that line counted from 1.

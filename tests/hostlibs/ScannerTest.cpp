@@ -438,6 +438,15 @@ TEST(Scanner, IgnoresTheLocale) {
     EXPECT_EQ(integerOf("1234567"), "1234567");
 }
 
+TEST(Scanner, IgnoresWhatTheLocaleTakesForWhiteSpace) {
+    const tests::GlobalLocale locale(new tests::UnderscoreForBlank);
+    EXPECT_EQ(integerOf(" \t12"), "12");
+    EXPECT_EQ(integerOf("12_"), "refused");
+    EXPECT_EQ(integerOf("_12"), "refused");
+    Scanner scanner = scannerOf(" one_two three");
+    EXPECT_EQ(scanner.nextToken(), "one_two");
+}
+
 TEST(Scanner, CopiesAreIndependent) {
     Scanner source = scannerOf("one two");
     source.nextToken();

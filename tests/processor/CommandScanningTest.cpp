@@ -1,7 +1,9 @@
 // How a processor takes a command, reads its word and names, and hands errors to the host.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "processor/ScriptedProcessor.h"
@@ -279,6 +281,21 @@ TEST_F(CommandScanning, KeepsItsPlaceAfterTheHookReturned) {
     EXPECT_TRUE(processor.getCommand(word));
     EXPECT_EQ(word, "ONE");
     EXPECT_FALSE(processor.getCommand(word));
+}
+
+TEST_F(CommandScanning, MakesEveryCharacterUpperCaseAsTheRuntimeLibraryDoes) {
+    std::string written;
+    std::string upper;
+    for (int c = 1; c < 256; ++c) {
+        if (std::isspace(c) != 0) continue;
+        written += static_cast<char>(c);
+        upper += static_cast<char>(std::toupper(c));
+    }
+    std::string word;
+    std::string name;
+    outcomeOf(written + ' ' + written + " =", [&](Processor& p) { return p.getCommand(word) && p.getNextName(name); });
+    EXPECT_EQ(word, upper);
+    EXPECT_EQ(name, upper);
 }
 
 TEST_F(CommandScanning, LeavesTheHostStringToTheCaller) {

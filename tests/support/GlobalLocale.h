@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <locale>
 #include <string>
 
@@ -25,6 +26,21 @@ protected:
     char do_decimal_point() const override { return ','; }
     char do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\3"; }
+};
+
+/// An underscore is white space, and nothing else is.
+struct UnderscoreForBlank : std::ctype<char> {
+    UnderscoreForBlank() : std::ctype<char>(table()) {}
+
+private:
+    static const mask* table() {
+        static const auto masks = [] {
+            std::array<mask, table_size> all{};
+            all['_'] = space;
+            return all;
+        }();
+        return masks.data();
+    }
 };
 
 }  // namespace vexa::tests

@@ -50,21 +50,27 @@ public:
         int64_t first;  ///< lowest member
         int64_t last;   ///< highest member
 
+        /// Whether both ends are the same.
         friend bool operator==(const Range& a, const Range& b) { return a.first == b.first && a.last == b.last; }
+        /// Whether an end differs.
         friend bool operator!=(const Range& a, const Range& b) { return !(a == b); }
     };
 
     class const_iterator;
-    using iterator = const_iterator;
-    using value_type = int64_t;
+    using iterator = const_iterator;  ///< members cannot be changed in place
+    using value_type = int64_t;       ///< a member
 
     /// Makes an empty set.
     Set();
     /// Copies the members of a host set. \p handle stays with its owner; null stands for the empty set.
     explicit Set(Set_s* handle);
+    /// Copies the members.
     Set(const Set&);
+    /// Takes the members over.
     Set(Set&&) noexcept;
+    /// Copies the members.
     Set& operator=(const Set&);
+    /// Takes the members over.
     Set& operator=(Set&&) noexcept;
     virtual ~Set();
 
@@ -119,11 +125,11 @@ private:
 /// Walks the members of a Set in ascending order. The members are made on the way, so they are handed out by value.
 class Set::const_iterator {
 public:
-    using iterator_category = std::forward_iterator_tag;
-    using value_type = int64_t;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const int64_t*;
-    using reference = int64_t;
+    using iterator_category = std::forward_iterator_tag;  ///< it only goes forward
+    using value_type = int64_t;                           ///< a member
+    using difference_type = std::ptrdiff_t;               ///< a number of steps
+    using pointer = const int64_t*;                       ///< there is no `->`: a member has no parts
+    using reference = int64_t;                            ///< handed out by value
 
     /// An iterator over nothing.
     const_iterator() = default;

@@ -1,0 +1,336 @@
+#!/usr/bin/env python3
+"""Makes the table and the chart of what scripts/bench measured.
+
+Usage: bench/report/report.py RESULTS FOLDER
+
+RESULTS is the folder with the measured figures; report.md and report.svg are written to FOLDER, and the table is
+printed. Exit status 0 also when a bar is missed: the table says so.
+"""
+
+import datetime
+import html
+import json
+import os
+import pathlib
+import platform
+import re
+import statistics
+import sys
+
+# ---- What is measured. Names of figures are ROW/SUBJECT/TIMES.
+
+
+class Bar:
+    """A row of the table: a figure, what it is compared with, and the bar it is to meet."""
+
+    def __init__(self, work, against, bar, figure, value, is_at_most=True, unit=""):
+        self.work = work
+        self.against = against
+        self.bar = bar
+        self.figure = figure
+        self.value = value  # from the figures to the value; raises KeyError when one is missing
+        self.is_at_most = is_at_most
+        self.unit = unit
+
+
+def ratio(work, against, bar, row, peer, times=1, ours="ours"):
+    """Our time in terms of a peer's."""
+    figure = f"{row}/{ours}/{times}"
+    return Bar(work, against, bar, figure, lambda f: f[figure] / f[f"{row}/{peer}/{times}"])
+
+
+def speed(work, against, bar, row, peer, times=1):
+    """How many times as fast as a peer."""
+    figure = f"{row}/ours/{times}"
+    return Bar(work, against, bar, figure, lambda f: f[f"{row}/{peer}/{times}"] / f[figure], is_at_most=False)
+
+
+def nanoseconds(work, against, bar, row):
+    figure = f"{row}/ours/1"
+    return Bar(work, against, bar, figure, lambda f: f[figure], unit=" ns")
+
+
+def rate(work, bar, row, subject, calls):
+    """Thousands of calls a second."""
+    figure = f"{row}/{subject}/1"
+    return Bar(work, "calls a second", bar, figure, lambda f: calls / f[figure] * 1e6, is_at_most=False, unit=" k/s")
+
+
+def count(work, bar, row):
+    figure = f"{row}/ours/1"
+    return Bar(work, "the fewest system calls", bar, figure, lambda f: f[figure], unit=" calls")
+
+
+FREAD = "fopen and one fread"
+FROM_CHARS = "from_chars on the same tokens"
+APPEND = "to_chars and append"
+HOST_CALLS = "the bare host calls"
+SCAN = "a hand-written scan"
+
+BARS = [
+    ratio("open a file of short lines", FREAD, 1.65, "open-short", "fread"),
+    speed("open a file of short lines", "times as fast as a byte loop", 1.8, "open-short", "byte_loop"),
+    ratio("open a file of CR LF lines", FREAD, 1.65, "open-crlf", "fread"),
+    speed("open a file of CR LF lines", "times as fast as a byte loop", 1.8, "open-crlf", "byte_loop"),
+    ratio("open a file of 10 KB lines", FREAD, 1.25, "open-long", "fread"),
+    ratio("open, and serve every line", "getline into one string", 1.35, "lines-short", "getline_into_one"),
+    ratio("open, and serve every line", "getline into strings", 0.35, "lines-short", "getline_into_strings"),
+    ratio("parse Boolean options", "a walk of the tokens", 1.5, "parse-boolean", "walk"),
+    ratio("parse UInt64 options", "a walk of the tokens", 1.5, "parse-uint64", "walk"),
+    ratio("parse string options", "a walk of the tokens", 1.5, "parse-string", "walk"),
+    ratio("parse set options", "a walk of the tokens", 1.5, "parse-set", "walk"),
+    ratio("render a command of four Boolean options", "append into one string", 2.5, "render-booleans", "append"),
+    ratio("render a command of an option of each type", "append into one string", 2.5, "render-each-type", "append"),
+    ratio("Set::assign, 1 000 runs", "a digit loop", 1.5, "set-assign", "digit_loop"),
+    ratio("Set::assign, 1 000 runs", "hwloc's list parser", 1.0, "set-assign", "hwloc"),
+    ratio("Set::assign, 100 000 runs", "a digit loop", 1.5, "set-assign", "digit_loop", 100),
+    ratio("Set::assign, 100 000 runs", "hwloc's list parser", 1.0, "set-assign", "hwloc", 100),
+    ratio("Set::assign, 1 000 runs in random order", "hwloc's list parser", 1.0, "set-assign-random", "hwloc"),
+    ratio("Set::assign, 100 000 runs in random order", "hwloc's list parser", 1.0, "set-assign-random", "hwloc", 100),
+    ratio("Set::toString, 100 000 runs", "to_chars into chunks", 1.3, "set-to-string", "to_chars", 100),
+    ratio("getDoubleValue", FROM_CHARS, 1.5, "get-double", "from_chars"),
+    ratio("getInt64Value", FROM_CHARS, 1.5, "get-int64", "from_chars"),
+    ratio("getInt32Value", FROM_CHARS, 1.5, "get-int32", "from_chars"),
+    ratio("a command of 8 assignments", SCAN, 1.5, "command-8", "scan"),
+    speed("a command of 8 assignments", "times as fast as istringstream", 2.5, "command-8", "istringstream"),
+    ratio("a command of 2 000 assignments", SCAN, 1.5, "command-2000", "scan"),
+    speed("a command of 2 000 assignments", "times as fast as istringstream", 2.5, "command-2000", "istringstream"),
+    ratio("toNameValueAssignment, Boolean", APPEND, 1.5, "assign-boolean", "append"),
+    ratio("toNameValueAssignment, string", APPEND, 1.5, "assign-string", "append"),
+    ratio("toNameValueAssignment, double", APPEND, 1.5, "assign-double", "append"),
+    ratio("toNameValueAssignment, int32", APPEND, 1.5, "assign-int32", "append"),
+    ratio("toNameValueAssignment, int64", APPEND, 1.5, "assign-int64", "append"),
+    ratio("toNameValueAssignment, set", APPEND, 1.5, "assign-set", "append"),
+    ratio("AddOnIdLock", HOST_CALLS, 1.9, "guard-lock", "host_calls"),
+    ratio("DataSetSuspendMarking", HOST_CALLS, 1.9, "guard-marking", "host_calls"),
+    ratio("a lock of Mutex", HOST_CALLS, 1.9, "mutex-lock", "host_calls"),
+    ratio("fileExists", "stat", 1.15, "file-exists", "stat"),
+    ratio("dirExists", "stat", 1.15, "dir-exists", "stat"),
+    ratio("fileSize", "stat", 1.15, "file-size", "stat"),
+    count("isFileOrDirWritable, a file", 3, "is-writable-file"),
+    count("isFileOrDirWritable, no file", 4, "is-writable-missing"),
+    count("isFileOrDirWritable, a folder", 5, "is-writable-folder"),
+    ratio("getValueAsString, a double", HOST_CALLS, 1.5, "style-double", "host_calls"),
+    ratio("getValueAsString, an integer", HOST_CALLS, 1.5, "style-integer", "host_calls"),
+    nanoseconds("TaskProgress::advance within a percentage", "time", 5, "progress-advance"),
+    ratio("stand-in: a host call, plain", "an empty function elsewhere", 5, "host-call-ask", "empty_calls", ours="plain"),
+    rate("stand-in: a host call, checked", 1000, "host-call-ask", "checked", 1),
+    rate("stand-in: locking a mutex, checked", 1000, "host-call-lock", "checked", 2),
+    rate("stand-in: a style query, checked", 1000, "host-call-style", "checked", 6),
+    rate("stand-in: a host call, traced", 300, "host-call-ask", "traced", 1),
+    rate("stand-in: locking a mutex, traced", 300, "host-call-lock", "traced", 2),
+    rate("stand-in: a style query, traced", 300, "host-call-style", "traced", 6),
+]
+
+# Beside the bars: more that the same work was compared with.
+MORE = [
+    ratio("Set::assign, 100 000 runs in random order", "a digit loop and std::sort", None, "set-assign-random",
+          "digit_loop_and_sort", 100),
+    ratio("Set::assign, 1 000 runs", "boost::icl::interval_set", None, "set-assign", "interval_tree"),
+    ratio("Set::contains, 1 000 runs", "boost::icl::interval_set", None, "set-contains", "interval_tree"),
+    ratio("Set::insert, 1 000 runs", "boost::icl::interval_set", None, "set-insert", "interval_tree"),
+    ratio("a copy of a Set, 1 000 runs", "boost::icl::interval_set", None, "set-copy", "interval_tree"),
+    ratio("a walk over a Set, 1 000 runs", "boost::icl::interval_set", None, "set-iterate", "interval_tree"),
+    ratio("TaskProgress::advance within a percentage", "an increment and a compare", None, "progress-advance", "count"),
+    ratio("stand-in: locking a mutex, plain", "empty functions elsewhere", None, "host-call-lock", "empty_calls",
+          ours="plain"),
+    ratio("stand-in: a style query, plain", "empty functions elsewhere", None, "host-call-style", "empty_calls",
+          ours="plain"),
+    rate("stand-in: a host call, traced as text", None, "host-call-ask", "traced_as_text", 1),
+]
+
+MEMORY = [
+    ("Set::assign, 100 000 runs", "a run", "memory-set-assign/ours/1", "memory-set-assign/floor/1",
+     "ranges in a vector whose size was known"),
+    ("Set::toString, 100 000 runs", "a run", "memory-set-to-string/ours/1", "memory-set-to-string/floor/1",
+     "a string whose size was known"),
+    ("a command of 100 000 assignments", "an assignment", "memory-command/ours/1", "memory-command/floor/1",
+     "one copy of the command"),
+    ("rendering a command of 100 000 options", "an option", "memory-render/ours/1", "memory-render/floor/1",
+     "a string whose size was known"),
+    ("open a file of short lines", "the file", "open-memory-short/ours/1", "open-memory-short/fread/1",
+     "one buffer, and no index of lines"),
+    ("open a file of 10 KB lines", "the file", "open-memory-long/ours/1", "open-memory-long/fread/1",
+     "one buffer, and no index of lines"),
+]
+
+# Rows that do the same number of questions, of more: there is no unit of work that could stay the same.
+FIXED_WORK = ("set-contains", "set-insert")
+
+# ---- Reading
+
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def read_figures(folder):
+    """The median of each figure, by name. Times are in nanoseconds of the processor's time."""
+    measured = {}
+    for path in sorted(folder.glob("*.json")):
+        text = path.read_text()
+        if not text.strip():  # no benchmark of the program was asked for
+            continue
+        for figure in json.loads(text)["benchmarks"]:
+            if figure.get("run_type") == "aggregate" or figure.get("error_occurred"):
+                continue
+            value = figure.get("value")
+            if value is None:
+                value = figure["cpu_time"] * NANOSECONDS[figure["time_unit"]]
+            name = "/".join(figure["name"].split("/")[:3])
+            measured.setdefault(name, []).append(value)
+    return {name: statistics.median(values) for name, values in measured.items()}
+
+
+def machine():
+    cpu = platform.processor() or "unknown processor"
+    try:
+        cpu = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text()).group(1)
+    except (OSError, AttributeError):
+        pass
+    load = os.getloadavg()[0]
+    date = datetime.date.today().isoformat()
+    return f"{date}, {cpu}, {os.cpu_count()} processors, load {load:.1f}, {platform.system()} {platform.release()}"
+
+
+# ---- Judging
+
+
+def verdict(bar, value):
+    if bar.bar is None:
+        return ""
+    return "met" if (value <= bar.bar if bar.is_at_most else value >= bar.bar) else "missed"
+
+
+def judge(bars, figures):
+    """Rows of (bar, value or None, verdict)."""
+    judged = []
+    for bar in bars:
+        try:
+            value = bar.value(figures)
+            judged.append((bar, value, verdict(bar, value)))
+        except KeyError:
+            judged.append((bar, None, "not measured"))
+    return judged
+
+
+def number(value, unit=""):
+    if unit in (" calls", " k/s"):
+        return f"{value:.0f}{unit}"
+    return f"{value:.2f}{unit}"
+
+
+def duration(nanosecond):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if nanosecond >= size:
+            return f"{nanosecond / size:.3g} {unit}"
+    return f"{nanosecond:.3g} ns"
+
+
+# ---- Writing
+
+
+def table(head, rows):
+    """A table in Markdown, which is also well to read as it is."""
+    widths = [max(len(row[i]) for row in [head] + rows) for i in range(len(head))]
+    line = lambda cells: "| " + " | ".join(cell.ljust(width) for cell, width in zip(cells, widths)) + " |"
+    return "\n".join([line(head), "|" + "|".join("-" * (width + 2) for width in widths) + "|"] + [line(r) for r in rows])
+
+
+def bars_table(judged):
+    rows = []
+    for bar, value, result in judged:
+        sign = "≤ " if bar.is_at_most else "≥ "
+        rows.append([bar.work, bar.against, "" if bar.bar is None else sign + number(bar.bar, bar.unit),
+                     "" if value is None else number(value, bar.unit), result])
+    return table(["work", "against", "bar", "here", ""], rows)
+
+
+def growth_table(figures):
+    """How the time of a unit of work changes when there is more of it."""
+    rows = []
+    for name, once in sorted(figures.items()):
+        row, subject, times = name.split("/")
+        if times != "1" or row in FIXED_WORK:
+            continue
+        factors = [figures.get(f"{row}/{subject}/{n}") for n in (10, 100, 1000)]
+        if None in factors[:2]:
+            continue
+        cells = ["" if f is None else f"{f / once / n:.2f}" for f, n in zip(factors, (10, 100, 1000))]
+        rows.append([row if subject == "ours" else f"{row}, {subject}", duration(once)] + cells)
+    return table(["row", "once", "10 times", "100 times", "1000 times"], rows) if rows else ""
+
+
+def memory_table(figures):
+    rows = []
+    for work, unit, ours, floor, what in MEMORY:
+        if ours in figures and floor in figures:
+            rows.append([work, f"{figures[ours]:.4g}", f"{figures[floor]:.4g}",
+                         f"{figures[ours] / figures[floor]:.2f}", unit, what])
+    return table(["work", "bytes", "floor", "ratio", "for", "the floor is"], rows) if rows else ""
+
+
+def chart(judged):
+    """How much of its bar each row takes: all that ends left of the line has met it."""
+    shown = [(bar, value, result) for bar, value, result in judged if value is not None]
+    left, width, height, scale = 470, 1000, 22, 380
+    bottom = 40 + height * len(shown)
+    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{bottom + 10}" '
+             f'font-family="sans-serif" font-size="12">',
+             "<title>How much of its bar each row takes</title>",
+             f'<rect width="{width}" height="{bottom + 10}" fill="white"/>',
+             f'<text x="{left + scale}" y="20" text-anchor="middle">the bar</text>']
+    for i, (bar, value, result) in enumerate(shown):
+        y = 30 + i * height
+        part = value / bar.bar if bar.is_at_most else bar.bar / value
+        label = html.escape(f"{bar.work} / {bar.against}")
+        parts.append(f'<text x="{left - 8}" y="{y + 15}" text-anchor="end">{label}</text>')
+        colour = "#0072b2" if result == "met" else "#d55e00"
+        parts.append(f'<rect x="{left}" y="{y + 3}" width="{min(part, 1.2) * scale:.0f}" height="{height - 6}" '
+                     f'fill="{colour}"/>')
+        end = left + min(part, 1.2) * scale
+        fits = end - left > 100
+        place = 'text-anchor="end" fill="white"' if fits else ""
+        parts.append(f'<text x="{end - 5 if fits else end + 5:.0f}" y="{y + 15}" '
+                     f'{place}>{number(value, bar.unit)}'
+                     f'{"" if result == "met" else ", missed"}</text>')
+    parts.append(f'<line x1="{left + scale}" y1="26" x2="{left + scale}" y2="{bottom}" stroke="black"/>')
+    return "\n".join(parts + ["</svg>\n"])
+
+
+def report(judged, figures, folder):
+    sections = [f"# This library beside its peers\n\n{machine()}\n\nMedians of one run; the lower, the better, but "
+                "where a row says otherwise.", bars_table(judged)]
+    more = [row for row in judge(MORE, figures) if row[1] is not None]
+    if more:
+        sections += ["## Beside others", bars_table(more)]
+    growth = growth_table(figures)
+    if growth:
+        sections += ["## Growth\n\nThe time of a unit of work when there is 10, 100 and 1000 times as much of it; 1.00 "
+                     "is linear.", growth]
+    memory = memory_table(figures)
+    if memory:
+        sections += ["## Memory at its most", memory]
+    for name, title in (("load", "Load"), ("guard-instructions", "Instructions of a guard"),
+                        ("report-page", "The page of a traced run")):
+        path = folder / f"{name}.txt"
+        if path.exists():
+            sections.append(f"## {title}\n\n```\n{path.read_text().rstrip()}\n```")
+    return "\n\n".join(sections) + "\n"
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    results, out = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    figures = read_figures(results)
+    judged = [row for row in judge(BARS, figures)
+              if row[1] is not None or any(name.split("/")[0] == row[0].figure.split("/")[0] for name in figures)]
+    (out / "report.md").write_text(report(judged, figures, results))
+    (out / "report.svg").write_text(chart(judged))
+    print(bars_table(judged))
+    missed = sum(1 for row in judged if row[2] == "missed")
+    unmeasured = sum(1 for row in judged if row[2] == "not measured")
+    print(f"\n{len(judged) - missed - unmeasured} bars met, {missed} missed, {unmeasured} not measured. "
+          f"More in {out / 'report.md'}, and as a chart in {out / 'report.svg'}.")
+
+
+main()

@@ -1,0 +1,3 @@
+#include "standin/EmptyFunction.h"
+
+int vexaBenchDoNothing() { return 0; }

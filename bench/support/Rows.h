@@ -1,0 +1,31 @@
+/// \file
+/// How benchmarks are named: row/subject/times. A row is one kind of work, and its subjects do the same work, this
+/// library under the name of ours. Each does it once, and 10, 100 and 1000 times as much of it.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+namespace vexa::bench {
+
+template <class Function>
+void addSubject(const std::string& rowAndSubject, const Function& function) {
+    benchmark::RegisterBenchmark(rowAndSubject.c_str(), function)->RangeMultiplier(10)->Range(1, 1000);
+}
+
+/// Calls \p work so many times in a row as the benchmark is to be large: for work that is one call.
+template <class Work>
+void repeat(benchmark::State& state, const Work& work) {
+    for (auto _ : state) {
+        for (int64_t i = 0; i < state.range(0); ++i) work();
+    }
+}
+
+/// Adds a subject whose work is one call.
+template <class Work>
+void addCall(const std::string& rowAndSubject, const Work& work) {
+    addSubject(rowAndSubject, [work](benchmark::State& state) { repeat(state, work); });
+}
+
+}  // namespace vexa::bench
