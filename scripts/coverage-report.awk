@@ -1,81 +1,6 @@
 # Reads the annotated sources that `llvm-cov show -show-branches=count` writes, and reports by group of folders what was
 # reached, and what was not. A branch is one outcome of one condition; branches of a template count once, for all that
 # it was made for. Ends with status 1 when a group misses its bar, or an exclusion does not fit.
-#
-#   root         the project's folder, as the paths begin
-#   exclusions   the file of what cannot be reached
-#   unmeasured   a group that is left out
-
-function defineGroup(name, pattern, bar) {
-    groups[++groupCount] = name
-    patternOf[name] = pattern
-    barOf[name] = bar
-}
-
-function groupOf(file,   i) {
-    for (i = 1; i <= groupCount; ++i) {
-        if (file ~ patternOf[groups[i]]) return groups[i]
-    }
-    return ""
-}
-
-function trimmed(text) {
-    gsub(/^[ \t]+|[ \t]+$/, "", text)
-    return text
-}
-
-function percent(part, all) { return sprintf("%.2f %% (%d of %d)", int(10000 * part / all) / 100, part, all) }
-
-function complain(message) {
-    print "  " message
-    failed = 1
-}
-
-# Blocks of lines: the file, the line's text, what of it is excluded, and the reason.
-function readExclusions(   line, part) {
-    while ((getline line < exclusions) > 0) {
-        if (line ~ /^#/) continue
-        if (line == "") part = 0
-        else if (++part == 1) excludedFile[++exclusionCount] = line
-        else if (part == 2) excludedText[exclusionCount] = trimmed(line)
-        else if (part == 3) excludedWhat[exclusionCount] = trimmed(line)
-        else excludedReason[exclusionCount] = line
-    }
-}
-
-# Whether exclusion `i` is about this outcome at `place`: "never run", or a condition and its outcome.
-function excludes(i, place, outcome,   condition, length_) {
-    if (used[i] || excludedFile[i] != fileOf[place] || excludedText[i] != trimmed(textOf[place])) return 0
-    if (outcome == "never run") return excludedWhat[i] == outcome
-    length_ = length(excludedWhat[i]) - length(": " outcome)
-    condition = substr(excludedWhat[i], 1, length_)
-    if (length_ < 1 || substr(excludedWhat[i], length_ + 1) != ": " outcome) return 0
-    return substr(textOf[place], columnOf[place], length_) == condition
-}
-
-# Takes what was not reached. Returns whether it is excluded.
-function miss(place, outcome,   i, group) {
-    for (i = 1; i <= exclusionCount; ++i) {
-        if (!excludes(i, place, outcome)) continue
-        used[i] = 1
-        return 1
-    }
-    group = groupOf(fileOf[place])
-    missing[group, ++missingCount[group]] = place ": " outcome ": " trimmed(substr(textOf[place], columnOf[place]))
-    return 0
-}
-
-function addPlace(place, file, line, column) {
-    if (place in fileOf) return
-    order[++places] = place
-    fileOf[place] = file
-    textOf[place] = source[file, line]
-    columnOf[place] = column
-}
-
-function addOutcome(place, outcome, count) {
-    if (count != "0") reached[place, outcome] = 1
-}
 
 BEGIN {
     defineGroup("library", "^(macro|processor|host|text|textfile|filesystem|include)/", 100)
@@ -84,16 +9,7 @@ BEGIN {
     defineGroup("standin/app", "^standin/app/", 0)
 }
 
-/^\/.*:$/ {
-    file = substr($0, length(root) + 2, length($0) - length(root) - 2)
-    next
-}
-
 /^ *[0-9]+\|/ {
-    rest = substr($0, index($0, "|") + 1)
-    count = trimmed(substr(rest, 1, index(rest, "|") - 1))
-    line = $0 + 0
-    source[file, line] = substr(rest, index(rest, "|") + 1)
     if (count == "") next
     ++lines[groupOf(file)]
     if (count != "0") next
@@ -153,11 +69,6 @@ END {
             complain("These are too few branches: " bar " % are asked for.")
         if (100 * excludedBranches[group] > 2 * branches[group]) complain("More than 2 % of the branches are excluded.")
     }
-    for (i = 1; i <= exclusionCount; ++i) {
-        if (unmeasured != "" && groupOf(excludedFile[i]) == unmeasured) continue
-        if (excludedReason[i] == "") complain(exclusions ": without a reason: " excludedText[i])
-        if (!used[i])
-            complain(exclusions ": reached, or gone: " excludedFile[i] ": " excludedText[i] ": " excludedWhat[i])
-    }
+    complainOfExclusions()
     exit failed
 }

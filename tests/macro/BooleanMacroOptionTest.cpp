@@ -85,6 +85,12 @@ TEST(BooleanMacroOption, TakesADefaultWhenParsedToo) {
     EXPECT_FALSE(parsed("A=TRUE").isDefaultValue());
 }
 
+TEST(BooleanMacroOption, TakesADefaultOfFalseWhenParsedToo) {
+    const bool byDefault = false;
+    EXPECT_TRUE(parsed("A=FALSE", &byDefault).isDefaultValue());
+    EXPECT_FALSE(parsed("A=TRUE", &byDefault).isDefaultValue());
+}
+
 TEST(BooleanMacroOption, LeavesTheIteratorPastTheValue) {
     Tokens tokens("ENABLED=TRUE COUNT=12");
     const BooleanMacroOption option(tokens.current, tokens.end, nullptr);

@@ -106,6 +106,18 @@ TEST_F(ContractEdges, AnArgumentWithoutANameIsNoDuplicateOfAnother) {
     for (const Finding& finding : m_host.violations()) EXPECT_NE(finding.rule, "duplicate-argument");
 }
 
+TEST_F(ContractEdges, AnArgumentWithNeitherNameNorValueIsNoDuplicateOfAnother) {
+    findingsOf([](char**) {
+        ArgList_s* list = VexaUtilArgListAlloc();
+        VexaUtilArgListAppendString(list, nullptr, nullptr);
+        VexaUtilArgListAppendString(list, nullptr, nullptr);
+        VexaUtilArgListDealloc(&list);
+        return kTrue;
+    });
+    EXPECT_FALSE(m_host.violations().empty());
+    for (const Finding& finding : m_host.violations()) EXPECT_NE(finding.rule, "duplicate-argument");
+}
+
 TEST_F(ContractEdges, AMutexThatAnotherThreadHoldsIsNotLeftLockedByTheCommand) {
     ThreadMutex_s* mutex = VexaUtilThreadMutexAlloc();
     std::mutex guard;

@@ -120,6 +120,16 @@ TEST(FailCall, LetsTheNextCallFailAndNoOther) {
     EXPECT_EQ(VexaUtilStatusCheckPercentDone(1), 1);
 }
 
+TEST(FailCall, HoldsWhenNobodyLooksAtTheCalls) {
+    Host host;
+    host.setChecking(false);
+    host.setKeepsCalls(false);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(1), 1);
+    host.failCall("VexaUtilStatusCheckPercentDone");
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(1), 0);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(1), 1);
+}
+
 TEST(FailCall, IsForgottenOnRequest) {
     Host host;
     host.failCall("VexaUtilStringAlloc");

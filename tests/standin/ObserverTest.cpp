@@ -72,6 +72,16 @@ public:
     void callEnded(const CallEvent&) override { throw 42; }
 };
 
+TEST(Observer, IsToldWhenNobodyElseLooksAtTheCalls) {
+    Writer writer;
+    Host host;
+    host.setChecking(false);
+    host.setKeepsCalls(false);
+    host.setObserver(&writer);
+    VexaUtilMacroIsBatchModeActive();
+    EXPECT_EQ(writer.lines(), (Lines{"> 1 VexaUtilMacroIsBatchModeActive()", "< 1 0"}));
+}
+
 TEST(Observer, IsToldOfAllThatHappensInOrder) {
     Writer writer;
     Host host;
