@@ -165,6 +165,7 @@ public:
 
     /// \name What the host saw
     /// @{
+
     /// Every call so far, in order. A copy, so that it can be read while others call.
     std::vector<Call> calls() const;
     /// The names of the functions called so far, in order.
@@ -196,6 +197,7 @@ public:
 
     /// \name Add-ons
     /// @{
+
     /// Loads an add-on and calls its entry. The host's lock is taken from it when its entry leaves it open.
     /// \param path the shared object; a name without a slash is looked for in the current folder.
     /// \return what the add-on says of itself.
@@ -220,6 +222,7 @@ public:
 
     /// \name The contract
     /// @{
+
     /// Whether the rules of rules() are checked; they are, unless told otherwise. To be switched while no add-on is
     /// loaded, and before the C functions are called.
     void setChecking(bool active);

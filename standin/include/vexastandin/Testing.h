@@ -62,6 +62,7 @@ public:
 
     /// Its host: the process's, until another one is constructed.
     Host& host() { return m_host; }
+    /// The same.
     const Host& host() const { return m_host; }
 
     /// Runs a command of the add-on.

@@ -1,0 +1,78 @@
+// What the page about testing shows, on the add-on of the README and on that of the page about progress.
+#include "vexastandin/Testing.h"
+
+#include <gtest/gtest.h>
+
+#include "vexa/AddOn.h"
+#include "vexastandin/RandomCommands.h"
+#include "vexautilutil/StyleValue.h"
+
+namespace {
+
+using namespace vexa::standin;
+
+TEST(Testing, TheHostFailsWhenToldTo) {
+    AddOnTester tester(vexaAddOn);
+    Host& host = tester.host();
+    // [faults]
+    host.failCall("VexaUtilMacroRecordExtCommand");  // answers 0
+    host.failCall("VexaUtilStringAlloc", 2);         // the second call answers null
+    host.throwFromCall("VexaUtilStatusStartPercentDone");
+    // [faults]
+    EXPECT_FALSE(tester.run("GREET").accepted);
+    EXPECT_TRUE(tester.run("GREET").accepted);
+    EXPECT_EQ(tester.run("SHOUT").error, "");
+}
+
+TEST(Testing, TheUserPressesStop) {
+    AddOnTester tester(PRIMES_ADDON);
+    Host& host = tester.host();
+    // [stop]
+    host.pressStop();             // before the command begins
+    host.pressStopAtCheck(3);     // when the add-on asks for the third time
+    host.pressStopAtPercent(50);  // halfway, or as soon as it is beyond
+    host.releaseStop();           // for the next command
+    // [stop]
+    EXPECT_TRUE(tester.run("COUNT").accepted);
+}
+
+// [stopped]
+TEST(Primes, AreNotRecordedWhenTheUserStops) {
+    vexa::standin::AddOnTester primes(PRIMES_ADDON);
+    primes.host().pressStopAtPercent(50);
+    const vexa::standin::TestedCommand stopped = primes.run("COUNT UPTO = 5000");
+    EXPECT_EQ(stopped.error, "Error: COUNT was stopped by the user");
+    EXPECT_TRUE(stopped.recorded.empty()) << stopped;
+    EXPECT_TRUE(stopped.findings.empty()) << stopped;
+}
+// [stopped]
+
+TEST(Testing, StylesAreGivenValues) {
+    Host host;
+    // [style]
+    host.setStyle({"Frame", "Title", "Text"}, std::string("Wake"));
+    host.setStyle({"FieldMap", "Mesh", "LineThickness"}, 1, 0, 0.4);  // for one pair of offsets
+    // [style]
+    std::vector<std::string> path = {"FieldMap", "Mesh", "LineThickness"};
+    vexa::vexautilutil::ResultType_e type;
+    GetValueReturnCode_e code;
+    std::string text;
+    vexa::vexautilutil::getValueAsString(path, 1, 0, type, code, text);
+    EXPECT_EQ(text, "0.4");
+}
+
+TEST(Testing, RandomCommandsMakeNoFinding) {
+    constexpr std::uint64_t seed = 1;
+    AddOnTester tester(vexaAddOn);
+    // [random]
+    const std::vector<CommandForm> forms = {{"GREET", " = ", {{"TIMES", {"1", "2"}, {"-1", "many"}}}}};
+    RandomCommands random(seed);
+    for (int i = 0; i < 1000; ++i) {
+        random.setModes(tester.host());
+        const TestedCommand tested = tester.run(random.command(forms));
+        ASSERT_TRUE(tested.findings.empty()) << tested << "seed " << seed;
+    }
+    // [random]
+}
+
+}  // namespace
