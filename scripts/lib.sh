@@ -14,13 +14,18 @@ log=""
 cd -- "$root"
 
 # The Debian packages that each purpose takes.
-build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libelf-dev nlohmann-json3-dev)
-test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang pkgconf)
+build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libelf-dev libreadline-dev
+    nlohmann-json3-dev)
+test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang patch pkgconf)
 tidy_packages=("${test_packages[@]}" clang-tidy)
-bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind)
+cppcheck_packages=("${test_packages[@]}" cppcheck)
+bench_packages=("${build_packages[@]}" libbenchmark-dev libhwloc-dev python3 strace valgrind)
+docs_packages=(doxygen doxygen-awesome-css python3)
 abi_packages=("${build_packages[@]}" abigail-tools python3)
 coverage_packages=("${test_packages[@]}" libclang-rt-14-dev llvm-14)
+mcdc_packages=("${test_packages[@]}" clang-19 libclang-rt-19-dev llvm-19)
 mutate_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev python3)
+package_packages=("${build_packages[@]}" dpkg-dev file lintian)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 ci_packages=("${tidy_packages[@]}" "${abi_packages[@]}" clang-format libclang-rt-14-dev git chromium)
 
@@ -122,4 +127,29 @@ install_by_hand() {
     printf 'and run %s again.\n' "$script" >&2
     trap - EXIT
     exit 1
+}
+
+# Configures build/analysis, for tools that read how the sources are compiled. Without the precompiled headers, which one
+# compiler writes and no other reads.
+configure_analysis() {
+    begin "Configure build/analysis"
+    run cmake --preset debug -B build/analysis -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON --log-level=WARNING
+}
+
+# sources_but_tests REGEX: the C++ sources in build/analysis whose paths match, but for tests and samples for readers.
+sources_but_tests() {
+    sed -n "s|^ *\"file\": \"$root/\(.*\)\",*\$|\1|p" build/analysis/compile_commands.json | sort -u |
+        grep -vE '^(build|docs|tests)/' | grep -E -- "$1"
+}
+
+# sources_state: what differs in the folder of the sources from what is committed, but for build/.
+sources_state() {
+    git status --porcelain --ignored 2>/dev/null | grep -v '^!! build/$' || true
+}
+
+# temporary_files_in FOLDER: has them written there. By anyone: tests that must not be root run as nobody.
+temporary_files_in() {
+    export TMPDIR=$root/$1
+    mkdir -p "$TMPDIR"
+    chmod 1777 "$TMPDIR"
 }
