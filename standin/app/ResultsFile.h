@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ExitStatus.h"
-#include "trace/LiveFile.h"
+#include "LiveFile.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {

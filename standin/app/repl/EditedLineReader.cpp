@@ -111,7 +111,7 @@ LineReader::~LineReader() {
     write_history(file.c_str());
 }
 
-std::optional<std::string> LineReader::next() {
+std::optional<std::string> LineReader::next() const {
     std::fflush(stdout);
     if (!m_isEditing) return plainLine();
     const GivingUp givingUp;

@@ -19,7 +19,7 @@ public:
     ~LineReader();
 
     /// The next line without its end; nothing at the end of them all.
-    std::optional<std::string> next();
+    std::optional<std::string> next() const;
 
 private:
     bool m_isEditing;

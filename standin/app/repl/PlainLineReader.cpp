@@ -12,7 +12,7 @@ LineReader::LineReader(std::vector<std::string>) : m_isEditing(isTerminal(0) && 
 
 LineReader::~LineReader() = default;
 
-std::optional<std::string> LineReader::next() {
+std::optional<std::string> LineReader::next() const {
     if (m_isEditing) std::fputs("> ", stdout);
     std::fflush(stdout);
     return plainLine();

@@ -84,7 +84,7 @@ private:
     void readLines() {
         std::vector<std::string> words = m_ids;
         words.insert(words.end(), {kHelp, kQuit});
-        LineReader reader(words);
+        const LineReader reader(words);
         while (const auto line = reader.next()) {
             const MacroWords command = macroWords(*line);
             const bool isEnd = command.addOnId == kQuit && !isLoaded(kQuit);

@@ -39,7 +39,7 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
     std::vector<std::string> macros;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
-        const fs::path path = entry.path();
+        const fs::path& path = entry.path();
         if (path.extension() == kMacro) macros.push_back(path.string());
         if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro))) {
             throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <new>
 #include <nlohmann/json.hpp>
 
 #include "vexastandin/Host.h"
@@ -27,8 +26,8 @@ constexpr std::string_view kScope = "scope";
 constexpr std::string_view kRun = "run";
 constexpr std::string_view kCutOff = "cut off";  // a span that had not ended when the trace did
 
-// The kernel's, so that other tools can tell the threads. The kernel is asked once: at each event it would be a tenth of
-// what a traced call costs.
+// The kernel's, so that other tools can tell the threads. The kernel is asked once: at each event it would be a tenth
+// of what a traced call costs.
 long thisThread() {
     thread_local const long number = gettid();
     return number;
@@ -90,11 +89,11 @@ std::string factsOf(const RunFacts& facts) {
 }  // namespace
 
 EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path), m_text(getpid()) {
-    guarded([&] { writeHeader(facts); });
+    write([&] { writeHeader(facts); });
 }
 
 void EventTrace::entryBegan(const EntryEvent& entry) {
-    guarded([&] {
+    write([&] {
         m_scopes.entryBegan();
         const long thread = thisThread();
         const std::string name = nameOf(entry);
@@ -106,7 +105,7 @@ void EventTrace::entryBegan(const EntryEvent& entry) {
 }
 
 void EventTrace::entryEnded(const EntryEvent& entry) {
-    guarded([&] {
+    write([&] {
         for (const ScopeEdge& edge : m_scopes.entryEnded(entry.time)) writeEdge(edge);
         const long thread = thisThread();
         const auto name = endSpan(thread);
@@ -118,7 +117,7 @@ void EventTrace::entryEnded(const EntryEvent& entry) {
 }
 
 void EventTrace::callBegan(const CallEvent& call) {
-    guarded([&] {
+    write([&] {
         const long thread = thisThread();
         beginSpan(thread, call.threadNumber, call.function);
         m_text.event("B", call.function, kCall, thread, call.time).open("args");
@@ -128,7 +127,7 @@ void EventTrace::callBegan(const CallEvent& call) {
 }
 
 void EventTrace::callEnded(const CallEvent& call) {
-    guarded([&] {
+    write([&] {
         if (const auto edge = m_scopes.callEnded(call)) writeEdge(*edge);
         const long thread = thisThread();
         if (!endSpan(thread)) return;
@@ -139,47 +138,38 @@ void EventTrace::callEnded(const CallEvent& call) {
 }
 
 void EventTrace::findingMade(const Finding& finding) {
-    guarded([&] {
+    write([&] {
         m_text.event("i", finding.rule, "finding", thisThread(), std::chrono::steady_clock::now());
         m_text.member("s", "t").json("args", argumentsOf(finding)).close();
     });
 }
 
 void EventTrace::statusChanged(const StatusLine& line) {
-    guarded([&] {
+    write([&] {
         m_text.event("C", "percent done", "status", thisThread(), std::chrono::steady_clock::now()).open("args");
         m_text.member("percent", line.active ? line.percent : 0).close().close();
     });
 }
 
 void EventTrace::finish(int exitStatus, const std::string& outcome) {
-    guarded([&] {
-        const Time now = std::chrono::steady_clock::now();
-        for (const ScopeEdge& edge : m_scopes.endAll(now)) writeEdge(edge);
-        for (auto& [track, open] : m_openSpans) {
-            while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
-        }
-        m_text.event("i", "outcome", kRun, thisThread(), now).member("s", "p").open("args");
-        m_text.member("exitStatus", exitStatus).member("outcome", outcome).close().close();
-        m_text.end();
-        m_isFinished = true;
+    m_file.finish([&](LiveFile& file) {
+        writeEnd(exitStatus, outcome);
+        handTo(file);
     });
-    m_file.close();
+}
+
+template <class Action>
+void EventTrace::write(const Action& action) {
+    m_file.write([&](LiveFile& file) {
+        action();
+        handTo(file);
+    });
 }
 
 // What an action appends is written at once, so that it is there when the process dies, and by one call of the kernel,
 // which is most of what a traced call costs.
-// An event that is left out for want of memory would leave its other half alone.
-template <class Action>
-void EventTrace::guarded(const Action& action) {
-    const std::lock_guard<std::mutex> lock(m_guard);
-    if (m_isFinished) return;
-    try {
-        action();
-        m_text.hand([this](std::string_view text) { m_file.append(text); });
-    } catch (const std::bad_alloc&) {
-        m_file.giveUp("out of memory");
-    }
+void EventTrace::handTo(LiveFile& file) {
+    m_text.hand([&](std::string_view text) { file.append(text); });
 }
 
 void EventTrace::writeHeader(const RunFacts& facts) {
@@ -187,6 +177,17 @@ void EventTrace::writeHeader(const RunFacts& facts) {
     m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
     m_text.member("s", "p").json("args", factsOf(facts)).close();
     m_text.metadata("process_name", thread, facts.tool);
+}
+
+void EventTrace::writeEnd(int exitStatus, const std::string& outcome) {
+    const Time now = std::chrono::steady_clock::now();
+    for (const ScopeEdge& edge : m_scopes.endAll(now)) writeEdge(edge);
+    for (auto& [track, open] : m_openSpans) {
+        while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
+    }
+    m_text.event("i", "outcome", kRun, thisThread(), now).member("s", "p").open("args");
+    m_text.member("exitStatus", exitStatus).member("outcome", outcome).close().close();
+    m_text.end();
 }
 
 void EventTrace::writeEdge(const ScopeEdge& edge) {

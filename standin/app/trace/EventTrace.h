@@ -3,15 +3,14 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "trace/EventText.h"
-#include "trace/LiveFile.h"
 #include "trace/ScopeTracks.h"
+#include "trace/TraceFile.h"
 #include "vexastandin/Observer.h"
 
 namespace vexa::runner {
@@ -50,18 +49,18 @@ public:
 
 private:
     template <class Action>
-    void guarded(const Action& action);
+    void write(const Action& action);
+    void handTo(LiveFile& file);
     void writeHeader(const RunFacts& facts);
     void writeEdge(const ScopeEdge& edge);
+    void writeEnd(int exitStatus, const std::string& outcome);
     void beginSpan(long thread, std::size_t threadNumber, std::string name);
     std::optional<std::string> endSpan(long thread);
 
-    std::mutex m_guard;
-    LiveFile m_file;
+    TraceFile m_file;
     EventText m_text;  // what is to be written next
     ScopeTracks m_scopes;
     std::map<long, std::vector<std::string>> m_openSpans;  // their names, by track; every track that has a name
-    bool m_isFinished = false;
 };
 
 }  // namespace vexa::runner

@@ -1,7 +1,6 @@
 #include "trace/TextTrace.h"
 
 #include <filesystem>
-#include <new>
 #include <string_view>
 
 #include "vexastandin/Finding.h"
@@ -73,37 +72,45 @@ std::string lineOf(const Finding& finding) {
     return line + ')';
 }
 
+void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::string& text) {
+    std::string line = std::to_string(thread) + std::string(kIndentation);
+    for (std::size_t i = 0; i != depth; ++i) line += kIndentation;
+    file.append(line + onOneLine(text) + '\n');
+}
+
 }  // namespace
 
-TextTrace::TextTrace(const std::string& path) : m_file(path) { m_file.append(kHead); }
+TextTrace::TextTrace(const std::string& path) : m_file(path) {
+    m_file.write([](LiveFile& file) { file.append(kHead); });
+}
 
 void TextTrace::entryBegan(const EntryEvent& entry) {
-    guarded([&] { write(entry.threadNumber, m_depth++, beginningOf(entry)); });
+    m_file.write([&](LiveFile& file) { write(file, entry.threadNumber, m_depth++, beginningOf(entry)); });
 }
 
 void TextTrace::entryEnded(const EntryEvent& entry) {
-    guarded([&] { write(entry.threadNumber, m_depth--, endOf(entry)); });
+    m_file.write([&](LiveFile& file) { write(file, entry.threadNumber, m_depth--, endOf(entry)); });
 }
 
 void TextTrace::callBegan(const CallEvent& call) {
-    guarded([&] { ++m_calling[call.thread].open; });
+    m_file.write([&](LiveFile&) { ++m_calling[call.thread].open; });
 }
 
 void TextTrace::callEnded(const CallEvent& call) {
-    guarded([&] {
+    m_file.write([&](LiveFile& file) {
         Calling& calling = m_calling[call.thread];
         const std::size_t depth = m_depth + --calling.open;
-        write(call.threadNumber, depth, lineOf(call));
-        for (const std::string& finding : calling.findings) write(call.threadNumber, depth + 1, finding);
+        write(file, call.threadNumber, depth, lineOf(call));
+        for (const std::string& finding : calling.findings) write(file, call.threadNumber, depth + 1, finding);
         calling.findings.clear();
         if (calling.open == 0) m_calling.erase(call.thread);
     });
 }
 
 void TextTrace::findingMade(const Finding& finding) {
-    guarded([&] {
+    m_file.write([&](LiveFile& file) {
         const auto calling = m_calling.find(std::this_thread::get_id());
-        if (calling == m_calling.end()) return write(finding.seen.thread, m_depth, lineOf(finding));
+        if (calling == m_calling.end()) return write(file, finding.seen.thread, m_depth, lineOf(finding));
         calling->second.findings.push_back(lineOf(finding));
     });
 }
@@ -112,28 +119,8 @@ void TextTrace::findingMade(const Finding& finding) {
 void TextTrace::statusChanged(const standin::StatusLine&) {}
 
 void TextTrace::finish(int exitStatus, const std::string& outcome) {
-    guarded([&] {
-        m_file.append("=> exit status " + std::to_string(exitStatus) + ": " + outcome + '\n');
-        m_isFinished = true;
-    });
-    m_file.close();
-}
-
-template <class Action>
-void TextTrace::guarded(const Action& action) {
-    const std::lock_guard<std::mutex> lock(m_guard);
-    if (m_isFinished) return;
-    try {
-        action();
-    } catch (const std::bad_alloc&) {
-        m_file.giveUp("out of memory");
-    }
-}
-
-void TextTrace::write(std::size_t thread, std::size_t depth, const std::string& text) {
-    std::string line = std::to_string(thread) + std::string(kIndentation);
-    for (std::size_t i = 0; i != depth; ++i) line += kIndentation;
-    m_file.append(line + onOneLine(text) + '\n');
+    m_file.finish(
+        [&](LiveFile& file) { file.append("=> exit status " + std::to_string(exitStatus) + ": " + outcome + '\n'); });
 }
 
 }  // namespace vexa::runner

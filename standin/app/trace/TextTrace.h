@@ -2,12 +2,11 @@
 
 #include <cstddef>
 #include <map>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "trace/LiveFile.h"
+#include "trace/TraceFile.h"
 #include "vexastandin/Observer.h"
 
 namespace vexa::runner {
@@ -46,15 +45,9 @@ private:
         std::vector<std::string> findings;  // about its calls, to stand behind them
     };
 
-    template <class Action>
-    void guarded(const Action& action);
-    void write(std::size_t thread, std::size_t depth, const std::string& text);
-
-    std::mutex m_guard;
-    LiveFile m_file;
+    TraceFile m_file;
     std::map<std::thread::id, Calling> m_calling;
     std::size_t m_depth = 0;  // of entries
-    bool m_isFinished = false;
 };
 
 }  // namespace vexa::runner

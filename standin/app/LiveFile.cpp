@@ -1,4 +1,4 @@
-#include "trace/LiveFile.h"
+#include "LiveFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
