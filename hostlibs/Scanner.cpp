@@ -132,7 +132,7 @@ bool findPlainInt64(const std::string& text, std::size_t at, Found& found) {
     return true;
 }
 
-// The rare and long ways are functions of their own, not inlined: the short ones then need no stack, which is a tenth
+// The rare and long ways are functions of their own, not inlined: the short ones then need no stack, which is a sixth
 // of the cost of an integer.
 template <typename Found>
 [[gnu::noinline]] void findAnyInt64(const std::string& text, std::size_t at, Found& kept) {

@@ -75,7 +75,8 @@ struct MacroCommandProcessorAbstract::Impl {
         } catch (const std::bad_alloc&) {}
     }
 
-    // Stores the error and returns false, for the getters to return. Not inlined: they are short without it.
+    // Stores the error and returns false, for the getters to return. Not inlined: they are short without it, and need
+    // no stack.
     [[gnu::noinline]] bool refuse(std::string_view message) {
         squirrelAwayError(message);
         return false;

@@ -24,7 +24,7 @@ void repeat(benchmark::State& state, const Work& work) {
 
 /// Adds a subject whose work is one call.
 template <class Work>
-void addCall(const std::string& rowAndSubject, const Work& work) {
+void addCall(const std::string& rowAndSubject, Work work) {
     addSubject(rowAndSubject, [work](benchmark::State& state) { repeat(state, work); });
 }
 

@@ -6,7 +6,9 @@ namespace {
 using CommandLine = RunnerTest;
 
 // All that the help shows.
-std::vector<std::string> subcommands() { return {"new", "run", "repl", "test", "check", "report", "explain", "list", "style"}; }
+std::vector<std::string> subcommands() {
+    return {"new", "run", "repl", "test", "check", "report", "explain", "list", "style"};
+}
 
 const std::string kHint = "run 'vexa-standin --help' for the usage\n";
 

@@ -5,7 +5,8 @@
 namespace vexa::e2e {
 namespace {
 
-const std::vector<std::string> kCommands = {"new", "run", "repl", "test", "check", "report", "explain", "list", "style"};
+const std::vector<std::string> kCommands = {"new",    "run",     "repl", "test", "check",
+                                            "report", "explain", "list", "style"};
 
 class Manual : public TerminalTest {
 protected:

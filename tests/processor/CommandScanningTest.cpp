@@ -293,7 +293,8 @@ TEST_F(CommandScanning, MakesEveryCharacterUpperCaseAsTheRuntimeLibraryDoes) {
     }
     std::string word;
     std::string name;
-    outcomeOf(written + ' ' + written + " =", [&](Processor& p) { return p.getCommand(word) && p.getNextName(name); });
+    const std::string text = written + ' ' + written + " =";
+    outcomeOf(text.c_str(), [&](Processor& p) { return p.getCommand(word) && p.getNextName(name); });
     EXPECT_EQ(word, upper);
     EXPECT_EQ(name, upper);
 }
