@@ -183,6 +183,7 @@ bool MacroCommandProcessorAbstract::getNextName(std::string& name) {
 }
 
 bool MacroCommandProcessorAbstract::getBooleanValue(char& value) {
+    m_impl->scanner.skipWhitespace();
     std::string word = m_impl->scanner.nextToken();
     if (word.empty()) return false;
     toUpperCase(word);

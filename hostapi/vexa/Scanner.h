@@ -56,13 +56,14 @@ public:
 
     /// Whether, after white space, a token is left.
     bool hasNextToken() const;
-    /// Skips white space, returns the token and moves past it.
+    /// Skips white space, returns the token and moves past it. Returns an empty text, and stays, when none is left.
     std::string nextToken();
 
     /// Whether one or more characters are left before the first one of \p delimiters; false when none of those
     /// follows. White space is not skipped.
     bool hasNextToken(const std::string& delimiters) const;
-    /// Returns the characters before the first one of \p delimiters, which stays unread.
+    /// Returns the characters before the first one of \p delimiters, which stays unread. Returns an empty text, and
+    /// stays, when none of those follows.
     std::string nextToken(const std::string& delimiters);
 
     /// Whether, after white space, the next token is a floating-point number.
