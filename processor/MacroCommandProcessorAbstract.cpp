@@ -82,20 +82,14 @@ struct MacroCommandProcessorAbstract::Impl {
         return false;
     }
 
-    // Returns once a character is left. At the end of the text that is never: an unterminated string hangs, and is
-    // relied upon to. The volatile store keeps the compiler from assuming that the loop must end.
-    void awaitChar() const {
-        volatile bool asked = false;
-        while (!scanner.hasNextChar()) asked = true;
-        static_cast<void>(asked);
-    }
-
     // Reads the rest of a string, up to and including its closing quote. False when the text ends after an escape.
     bool readQuoted(std::string& value, char quote, bool processEscapes) {
+        [[maybe_unused]] volatile bool asked = false;  // keeps the compiler from assuming that the loop below must end
         while (true) {
             char c = scanner.nextChar();
             if (c == quote) return true;
-            if (c == END_character) awaitChar();
+            // At the end of the text it asks for ever: an unterminated string hangs, and is relied upon to.
+            while (c == END_character && !scanner.hasNextChar()) asked = true;
             if (c == ESCAPE_character && processEscapes) {
                 c = scanner.nextChar();
                 if (c == END_character) return false;
