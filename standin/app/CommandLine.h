@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,6 +20,9 @@ using Action = std::function<ExitStatus_e()>;
 
 /// Adds the option for add-ons to load, at least one.
 void addAddOnOption(CLI::App& command, std::vector<std::string>& files);
+
+/// Adds the option for how many of \p what run at a time: one, unless it is given.
+void addJobsOption(CLI::App& command, std::size_t& jobs, const std::string& what);
 
 /// Adds the option for a style file. It may be left out, unless made required.
 CLI::Option& addStyleOption(CLI::App& command, std::optional<std::string>& file);

@@ -14,8 +14,6 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::size_t kMostJobs = 1000;
-
 constexpr const char* kRunFooter = R"(Macro file: a command a line, the add-on's id first; blank lines and lines that
 begin with # are skipped:
   # three zones
@@ -109,9 +107,7 @@ void addRunCommand(CLI::App& app, Action& chosen) {
     command
         .add_option("--json", options->json, "Write results for programs, a line a command; - is the standard output")
         ->type_name("FILE");
-    command.add_option("-j,--jobs", request->jobs, "How many macro files run at a time; 1 unless given")
-        ->check(CLI::Range(std::size_t{1}, kMostJobs).description(""))
-        ->type_name("N");
+    addJobsOption(command, request->jobs, "macro files");
     command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
     command.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
     command.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");

@@ -44,7 +44,6 @@ struct ReplOptions {
     std::vector<std::string> addOns;
     std::optional<std::string> style;
     std::optional<std::string> record;
-    std::vector<std::string> suppressed;
 };
 
 class Repl {

@@ -1,15 +1,12 @@
 #include "test/TestCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <cstddef>
 #include <memory>
 
 #include "test/MacroTests.h"
 
 namespace vexa::runner {
 namespace {
-
-constexpr std::size_t kMostJobs = 1000;
 
 constexpr const char* kTestFooter = R"(Beside each NAME.macro lies NAME.expected, which --accept writes:
   > STATS MEAN ZONES = '1-3'        a command of the macro
@@ -39,9 +36,7 @@ void addTestCommand(CLI::App& app, Action& chosen) {
         ->type_name("");
     addAddOnOption(command, options->addOns);
     command.add_flag("--accept", options->accepts, "Expect from now on what they do now");
-    command.add_option("-j,--jobs", options->jobs, "How many macros run at a time; 1 unless given")
-        ->check(CLI::Range(std::size_t{1}, kMostJobs).description(""))
-        ->type_name("N");
+    addJobsOption(command, options->jobs, "macros");
     addStyleOption(command, options->style);
     command.add_option("--junit", options->junit, "Write a report in the form of JUnit")->type_name("FILE");
     addStrictOptions(command, options->contract);
