@@ -12,6 +12,7 @@
 #include "Console.h"
 #include "ContractPage.h"
 #include "RuleNames.h"
+#include "SeverityName.h"
 #include "WrappedText.h"
 #include "vexastandin/Finding.h"
 
@@ -31,10 +32,6 @@ struct ExplainOptions {
     std::optional<std::string> rule;  // all of them without
     bool markdown = false;            // the page of all rules
 };
-
-const char* nameOf(standin::Severity_e severity) {
-    return severity == standin::Severity_e::Error ? "error" : "warning";
-}
 
 std::string padded(std::string text, std::size_t width) {
     text.resize(std::max(width, text.size()), ' ');

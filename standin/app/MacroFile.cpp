@@ -15,6 +15,7 @@
 
 #include "ShortText.h"
 #include "Spool.h"
+#include "StartsWith.h"
 #include "WholeFile.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/AsciiFile.h"
@@ -53,8 +54,6 @@ std::string bytesBehind(const std::string& path, std::ptrdiff_t offset) {
     std::array<char, 3> bytes{};
     return {bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get())};
 }
-
-bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));

@@ -9,6 +9,7 @@
 
 #include "Console.h"
 #include "OutputTarget.h"
+#include "SeverityName.h"
 
 namespace vexa::runner {
 namespace {
@@ -33,9 +34,8 @@ Json newFindings(const standin::Host& host, std::size_t& done) {
     Json list = Json::array();
     for (; done < findings.size(); ++done) {
         const standin::Finding& finding = findings[done];
-        const bool isError = finding.severity == standin::Severity_e::Error;
         list.push_back({{"rule", finding.rule},
-                        {"severity", isError ? "error" : "warning"},
+                        {"severity", nameOf(finding.severity)},
                         {"addOn", finding.addOnId},
                         {"message", finding.message}});
     }

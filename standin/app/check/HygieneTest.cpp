@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "StartsWith.h"
 #include "check/ElfFile.h"
 #include "check/Lines.h"
 
@@ -24,8 +25,6 @@ struct Findings {
     std::vector<std::string> errors;
     std::vector<std::string> warnings;
 };
-
-bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 // Names of templates can be longer than anybody reads.
 std::string shortened(const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "StartsWith.h"
 #include "check/CheckTests.h"
 #include "manual/CommandTree.h"
 #include "vexastandin/Finding.h"
@@ -35,8 +36,6 @@ CASES    esac
 
 complete -o default -F _vexa_standin vexa-standin
 )";
-
-bool startsWith(const std::string& text, const std::string& start) { return text.compare(0, start.size(), start) == 0; }
 
 std::string joined(const std::vector<std::string>& words, const char* between) {
     std::string text;

@@ -14,6 +14,7 @@
 #include "AtomicFile.h"
 #include "Console.h"
 #include "OutputTarget.h"
+#include "StartsWith.h"
 #include "WholeFile.h"
 #include "check/JunitText.h"
 #include "many/Processes.h"
@@ -65,8 +66,6 @@ std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
     }
     return macros;
 }
-
-bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 struct MacroVerdict {
     bool passed = false;

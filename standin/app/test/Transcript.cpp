@@ -16,6 +16,7 @@
 #include "FindingTeller.h"
 #include "Hang.h"
 #include "MacroFile.h"
+#include "SeverityName.h"
 #include "Watchdog.h"
 #include "vexastandin/Host.h"
 
@@ -118,8 +119,7 @@ private:
     }
 
     static std::string findingLine(const standin::Finding& finding) {
-        const char* const severity = finding.severity == standin::Severity_e::Error ? "error: " : "warning: ";
-        return told(severity + finding.message + " [" + finding.rule + ']');
+        return told(std::string(nameOf(finding.severity)) + ": " + finding.message + " [" + finding.rule + ']');
     }
 
     void inTime(const std::function<void()>& work) {

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "SeverityName.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -65,7 +66,7 @@ Json placeOf(const Place& place) {
 std::string argumentsOf(const Finding& finding) {
     const standin::Rule* const rule = standin::findRule(finding.rule);
     return textOf({{"rule", finding.rule},
-                   {"severity", finding.severity == standin::Severity_e::Error ? "error" : "warning"},
+                   {"severity", runner::nameOf(finding.severity)},
                    {"message", finding.message},
                    {"addOn", finding.addOnId},
                    {"opened", finding.opened ? placeOf(*finding.opened) : Json()},

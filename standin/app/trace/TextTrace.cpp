@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "vexastandin/Finding.h"
+#include "SeverityName.h"
 
 namespace vexa::runner {
 namespace {
@@ -64,7 +64,7 @@ std::string lineOf(const CallEvent& call) {
 
 // Where it was seen is where the line stands.
 std::string lineOf(const Finding& finding) {
-    std::string line = finding.severity == standin::Severity_e::Error ? "! error: " : "! warning: ";
+    std::string line = std::string("! ") + nameOf(finding.severity) + ": ";
     line += finding.message + " [" + finding.rule + ']';
     if (!finding.opened) return line;
     line += " (first: " + (finding.opened->function.empty() ? "the beginning" : finding.opened->function);
