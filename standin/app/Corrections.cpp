@@ -3,15 +3,14 @@
 #include <CLI/CLI.hpp>
 
 #include "NearNames.h"
+#include "manual/CommandTree.h"
 
 namespace vexa::runner {
 namespace {
 
 std::vector<std::string> subcommandsOf(const CLI::App& app) {
     std::vector<std::string> names;
-    for (const CLI::App* subcommand : app.get_subcommands({})) {
-        if (!subcommand->get_group().empty()) names.push_back(subcommand->get_name());
-    }
+    for (const CLI::App* subcommand : shownCommands(app)) names.push_back(subcommand->get_name());
     return names;
 }
 

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <utility>
 
+#include "IgnoredSignal.h"
 #include "Screen.h"
 
 namespace vexa::runner {
@@ -16,11 +17,6 @@ std::atomic<StopButton*> theButton{nullptr};
 
 static_assert(std::atomic<void*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
               "A signal handler must not wait");
-
-bool isIgnored(int signal) {
-    struct sigaction action {};
-    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
 
 void handle(int signal, void (*handler)(int)) {
     struct sigaction action {};

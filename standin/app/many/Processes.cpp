@@ -21,6 +21,7 @@
 
 #include "Console.h"
 #include "ExitStatus.h"
+#include "IgnoredSignal.h"
 
 namespace vexa::runner {
 namespace {
@@ -28,11 +29,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kKilledBySignal = 128;
-
-bool isIgnored(int signal) {
-    struct sigaction action {};
-    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
 
 // Signals that come are taken by next(), one at a time: nothing else is interrupted by them.
 class AwaitedSignals {
