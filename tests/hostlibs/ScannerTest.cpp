@@ -130,6 +130,15 @@ TEST(ScannerChar, AtTheEndReturnsNulAndStays) {
     EXPECT_FALSE(scanner.hasNextChar());
 }
 
+TEST(ScannerChar, AtTheEndNeverReachesWhatAnEarlierTextLeft) {
+    Scanner scanner = scannerOf("ab45 ");
+    scanner.reset("a");
+    scanner.nextChar();
+    scanner.nextChar();
+    EXPECT_FALSE(scanner.hasNextInt64Token());
+    EXPECT_FALSE(scanner.hasNextDoubleToken());
+}
+
 TEST(ScannerChar, TellsTheNextCharacterWithoutAdvancing) {
     const Scanner scanner = scannerOf("ab");
     EXPECT_TRUE(scanner.hasNextChar('a'));
@@ -205,7 +214,7 @@ TEST(ScannerDelimitedToken, EndsAtTheFirstDelimiterWhichStaysUnread) {
 TEST(ScannerDelimitedToken, HasNoneWithoutADelimiterOrWithNothingBeforeIt) {
     struct Case {
         const char* why;
-        const char* text;
+        std::string text;
         const char* delimiters;
     };
     const Case cases[] = {
@@ -213,6 +222,7 @@ TEST(ScannerDelimitedToken, HasNoneWithoutADelimiterOrWithNothingBeforeIt) {
         {"nothing before the delimiter", "]1", "]"},
         {"no text", "", "]"},
         {"no delimiters to look for", "1]", ""},
+        {"no delimiters to look for, nor is NUL one", std::string("1\0]", 3), ""},
     };
     for (const Case& c : cases) {
         Scanner scanner = scannerOf(c.text);
@@ -409,6 +419,8 @@ TEST(ScannerDouble, TellsOverflowFromUnderflowHoweverLongTheNumber) {
         {"many digits hardly undone by the exponent", nines + "e-50", "refused"},
         {"many zeros hardly undone by the exponent", "0." + zeros + "1e100", "0"},
         {"many zeros behind the number", "1" + zeros + "e-900", "0"},
+        {"many digits before a negative number", nines + " -99999", "refused"},
+        {"a small mantissa hardly outdone by the exponent", "0.00001e+500", "refused"},
         {"overflow with a point among the digits", "123.456e400", "refused"},
         {"underflow with a point among the digits", "123.456e-400", "0"},
     };

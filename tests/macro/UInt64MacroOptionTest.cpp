@@ -48,6 +48,9 @@ TEST(UInt64MacroOption, IsAtItsDefaultWhenTheValueEqualsIt) {
     EXPECT_FALSE(UInt64MacroOption("A", 1, &byDefault).isDefaultValue());
     EXPECT_TRUE(parsed("A=00", &byDefault).isDefaultValue());
     EXPECT_FALSE(parsed("A=1", &byDefault).isDefaultValue());
+    const uint64_t other = 5;
+    EXPECT_TRUE(parsed("A=5", &other).isDefaultValue());
+    EXPECT_FALSE(parsed("A=0", &other).isDefaultValue());
 }
 
 TEST(UInt64MacroOption, CopiesItsDefault) {

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "processor/ScriptedProcessor.h"
+#include "support/FailingAllocator.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/OutOfMemoryException.h"
 #include "vexastandin/Host.h"
@@ -197,7 +198,8 @@ TEST(GetStringValue, FailsWithWhatItReadWhenAnEscapeEndsTheCommand) {
     EXPECT_EQ(value, "abc");
 }
 
-// In a child process, which is ended from outside once it has had time to return, had it been going to.
+// In a child process, which is ended from outside once it has had time to return, had it been going to. With no memory
+// to be had: it waits, and does not go on reading what is not there.
 TEST(GetStringValue, NeverReturnsFromATextWithoutItsClosingQuote) {
     for (const char* command : {"Opt = 'abc", "Opt = \"", "Opt = 'abc\\"}) {
         const pid_t child = fork();
@@ -206,7 +208,9 @@ TEST(GetStringValue, NeverReturnsFromATextWithoutItsClosingQuote) {
             std::string value;
             readFrom(command, [&](Processor& p) {
                 std::string name;
-                return p.getNextName(name) && p.getStringValue(value, false);
+                const bool hasName = p.getNextName(name);
+                const tests::FailingAllocator allocator(0, tests::Failing::EverAfter);
+                return hasName && p.getStringValue(value, false);
             });
             _exit(0);
         }
@@ -274,12 +278,14 @@ TEST(GetSetValue, RefusesALoneOpeningBracket) {
 }
 
 TEST(GetSetValue, RefusesWhatTheSetRefusesAndReadsPastIt) {
-    Set value;
-    value.insert(4);
-    const Reading reading = readOption("[3-1] next", [&](Processor& p) { return p.getSetValue(value); });
-    EXPECT_EQ(reading.outcome, "Error: Invalid Set syntax. for command option: Opt\n");
-    EXPECT_EQ(reading.rest, "NEXT");
-    EXPECT_TRUE(value.isEmpty());
+    for (const char* command : {"[3-1] next", "[1~2] next"}) {
+        Set value;
+        value.insert(4);
+        const Reading reading = readOption(command, [&](Processor& p) { return p.getSetValue(value); });
+        EXPECT_EQ(reading.outcome, "Error: Invalid Set syntax. for command option: Opt\n") << command;
+        EXPECT_EQ(reading.rest, "NEXT") << command;
+        EXPECT_TRUE(value.isEmpty()) << command;
+    }
 }
 
 // A set whose own operations are called, and can be told to fail.
