@@ -17,6 +17,7 @@ add_library(vexautilutil_utils SHARED
     macro/UInt64MacroOption.cpp
     processor/MacroCommandProcessorAbstract.cpp
     processor/NameValueAssignment.cpp
+    text/Assignment.cpp
     text/NumberText.cpp
     textfile/AsciiFile.cpp
     textfile/AsciiFileError.cpp

@@ -4,6 +4,7 @@
 #include <locale>
 #include <string_view>
 
+#include "text/Assignment.h"
 #include "vexautilutil/MacroCommandError.h"
 #include "vexautilutil/MacroOptionPerformer.h"
 
@@ -57,10 +58,7 @@ bool BooleanMacroOption::isDefaultValue() const { return m_hasDefault && m_value
 
 std::string BooleanMacroOption::toString() const {
     const std::string_view value = m_value ? TRUE_token : FALSE_token;
-    std::string text;
-    text.reserve(m_name.size() + 1 + value.size());
-    text += m_name;
-    text += '=';
+    std::string text = beginAssignment(m_name, "=", value.size());
     text += value;
     return text;
 }

@@ -1,5 +1,6 @@
 #include "vexautilutil/StringMacroOption.h"
 
+#include "text/Assignment.h"
 #include "vexautilutil/MacroCommandError.h"
 #include "vexautilutil/MacroOptionPerformer.h"
 
@@ -61,10 +62,7 @@ std::string StringMacroOption::name() const { return m_name; }
 bool StringMacroOption::isDefaultValue() const { return m_hasDefault && m_value == m_defaultValue; }
 
 std::string StringMacroOption::toString() const {
-    std::string text;
-    text.reserve(m_name.size() + 1 + m_quote.size() + m_value.size() + m_quote.size());
-    text += m_name;
-    text += '=';
+    std::string text = beginAssignment(m_name, "=", m_quote.size() + m_value.size() + m_quote.size());
     text += m_quote;
     text += m_value;
     text += m_quote;

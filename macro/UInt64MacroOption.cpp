@@ -2,6 +2,7 @@
 
 #include <boost/lexical_cast.hpp>
 
+#include "text/Assignment.h"
 #include "text/NumberText.h"
 #include "vexautilutil/MacroCommandError.h"
 #include "vexautilutil/MacroOptionPerformer.h"
@@ -46,10 +47,7 @@ std::string UInt64MacroOption::name() const { return m_name; }
 bool UInt64MacroOption::isDefaultValue() const { return m_hasDefault && m_value == m_defaultValue; }
 
 std::string UInt64MacroOption::toString() const {
-    std::string text;
-    text.reserve(m_name.size() + 1 + kLongestNumber);
-    text += m_name;
-    text += '=';
+    std::string text = beginAssignment(m_name, "=", kLongestNumber);
     appendNumber(text, m_value);
     return text;
 }

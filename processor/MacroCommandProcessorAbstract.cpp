@@ -102,13 +102,8 @@ struct MacroCommandProcessorAbstract::Impl {
         const std::string members = scanner.nextToken(SET_END_delimiter);
         if (members.empty()) return refuse("Invalid Set syntax.  Missing ending ]");
         scanner.nextChar();
-        std::string text;
-        text.reserve(members.size() + 2);
-        text += '[';
-        text += members;
-        text += ']';
         try {
-            value.assign(std::move(text));
+            value.assign('[' + members + ']');
         } catch (const InvalidArgumentException&) {
             return refuse("Invalid Set syntax.");
         } catch (const OutOfMemoryException&) {

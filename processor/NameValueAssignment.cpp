@@ -1,5 +1,6 @@
 #include <string_view>
 
+#include "text/Assignment.h"
 #include "text/NumberText.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 
@@ -10,18 +11,9 @@ constexpr std::string_view kEquals = " = ";
 constexpr char kQuote = '\'';
 constexpr char kBlank = ' ';
 
-// Begins an assignment whose value and what follows it take at most `room` characters.
-std::string beginAssignment(const std::string& name, std::size_t room) {
-    std::string text;
-    text.reserve(name.size() + kEquals.size() + room);
-    text += name;
-    text += kEquals;
-    return text;
-}
-
 template <class Number>
 std::string assignNumber(const std::string& name, Number value) {
-    std::string text = beginAssignment(name, kLongestNumber + 1);
+    std::string text = beginAssignment(name, kEquals, kLongestNumber + 1);
     appendNumber(text, value);
     text += kBlank;
     return text;
@@ -30,14 +22,14 @@ std::string assignNumber(const std::string& name, Number value) {
 }  // namespace
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, char value) {
-    std::string text = beginAssignment(name, 2);
+    std::string text = beginAssignment(name, kEquals, 2);
     text += value != 0 ? 'T' : 'F';
     text += kBlank;
     return text;
 }
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, std::string value) {
-    std::string text = beginAssignment(name, value.size() + 3);
+    std::string text = beginAssignment(name, kEquals, value.size() + 3);
     text += kQuote;
     text += value;
     text += kQuote;
@@ -59,7 +51,7 @@ std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::stri
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, toolbox::Set value) {
     const std::string members = value.toString();
-    std::string text = beginAssignment(name, members.size());
+    std::string text = beginAssignment(name, kEquals, members.size());
     text += members;
     return text;
 }
