@@ -31,7 +31,7 @@ configure_package_config_file(cmake/vexautilutilConfig.cmake.in vexautilutilConf
     INSTALL_DESTINATION ${package_dir} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(vexautilutilConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/vexautilutilConfig.cmake ${PROJECT_BINARY_DIR}/vexautilutilConfigVersion.cmake
-    cmake/VexaAddOn.cmake DESTINATION ${package_dir} COMPONENT development)
+    cmake/VexaAddOn.cmake cmake/VexaArguments.cmake DESTINATION ${package_dir} COMPONENT development)
 
 # pkg-config, for those who do not build with CMake. Its paths are relative to the file, so the tree can move.
 file(RELATIVE_PATH pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})

@@ -1,3 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
+
 # vexa_add_addon(NAME SOURCES file... [CHECK ON|OFF]
 #                [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
 #   Adds the add-on NAME: a target that makes NAME.so, for a host to load. It exports vexaAddOn and nothing else, links
@@ -9,11 +11,8 @@
 function(vexa_add_addon name)
     set(check_values LEVEL TIME WORKING_DIRECTORY)
     cmake_parse_arguments(PARSE_ARGV 1 arg "WARNINGS_AS_ERRORS" "CHECK;${check_values}" "SOURCES;MACRO")
-    if(arg_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "vexa_add_addon(${name}) does not know: ${arg_UNPARSED_ARGUMENTS}")
-    elseif(arg_KEYWORDS_MISSING_VALUES)
-        message(FATAL_ERROR "vexa_add_addon(${name}) has no value for: ${arg_KEYWORDS_MISSING_VALUES}")
-    elseif(NOT arg_SOURCES)
+    vexa_refuse_wrong_arguments("vexa_add_addon(${name})")
+    if(NOT arg_SOURCES)
         message(FATAL_ERROR "vexa_add_addon(${name}) has no sources: vexa_add_addon(${name} SOURCES file...)")
     elseif(DEFINED arg_CHECK AND NOT arg_CHECK MATCHES "^(ON|OFF|TRUE|FALSE)$")
         message(FATAL_ERROR "vexa_add_addon(${name}): CHECK is ON or OFF, not ${arg_CHECK}")

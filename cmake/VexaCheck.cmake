@@ -1,14 +1,13 @@
+include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
+
 # vexa_add_check(NAME TARGET [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
 #   Adds the test NAME, which checks the add-on TARGET: vexa-standin check. Its commands run in the working directory,
 #   which is the current binary folder unless given; macros that show a failure are written there, too. TIME is for how
 #   long a test that could go on for ever does.
 function(vexa_add_check name target)
     cmake_parse_arguments(PARSE_ARGV 2 arg "WARNINGS_AS_ERRORS" "LEVEL;TIME;WORKING_DIRECTORY" "MACRO")
-    if(arg_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "vexa_add_check(${name}) does not know: ${arg_UNPARSED_ARGUMENTS}")
-    elseif(arg_KEYWORDS_MISSING_VALUES)
-        message(FATAL_ERROR "vexa_add_check(${name}) has no value for: ${arg_KEYWORDS_MISSING_VALUES}")
-    elseif(NOT TARGET ${target})
+    vexa_refuse_wrong_arguments("vexa_add_check(${name})")
+    if(NOT TARGET ${target})
         message(FATAL_ERROR "vexa_add_check(${name}): there is no target ${target}")
     endif()
     set(options)

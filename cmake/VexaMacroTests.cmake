@@ -1,3 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
+
 # vexa_add_macro_tests(PREFIX TARGET FOLDER folder [ADDON target...] [STYLE file] [STRICT] [BATCH]
 #                      [WORKING_DIRECTORY folder])
 #   Adds a test for each NAME.macro in FOLDER: PREFIX.NAME, which compares what the add-on TARGET does with
@@ -6,11 +8,8 @@
 #   working directory, which is the current binary folder unless given.
 function(vexa_add_macro_tests prefix target)
     cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;BATCH" "FOLDER;STYLE;WORKING_DIRECTORY" "ADDON")
-    if(arg_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "vexa_add_macro_tests(${prefix}) does not know: ${arg_UNPARSED_ARGUMENTS}")
-    elseif(arg_KEYWORDS_MISSING_VALUES)
-        message(FATAL_ERROR "vexa_add_macro_tests(${prefix}) has no value for: ${arg_KEYWORDS_MISSING_VALUES}")
-    elseif(NOT arg_FOLDER)
+    vexa_refuse_wrong_arguments("vexa_add_macro_tests(${prefix})")
+    if(NOT arg_FOLDER)
         message(FATAL_ERROR "vexa_add_macro_tests(${prefix}) has no folder: FOLDER folder")
     endif()
     set(options)
