@@ -20,4 +20,10 @@ bool loadAddOns(standin::Host& host, const std::vector<std::string>& files) {
     return allLoaded;
 }
 
+std::set<std::string> loadedIds(const standin::Host& host) {
+    std::set<std::string> ids;
+    for (const standin::AddOnInfo& addOn : host.addOns()) ids.insert(addOn.id);
+    return ids;
+}
+
 }  // namespace vexa::runner

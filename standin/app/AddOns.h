@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,5 +15,8 @@ bool loadAddOn(standin::Host& host, const std::string& file);
 /// Loads the add-ons \p files into \p host, and tells of each that cannot be loaded.
 /// \return whether all of them were loaded.
 bool loadAddOns(standin::Host& host, const std::vector<std::string>& files);
+
+/// The ids of the add-ons that \p host has loaded.
+std::set<std::string> loadedIds(const standin::Host& host);
 
 }  // namespace vexa::runner

@@ -13,8 +13,8 @@
 #include <system_error>
 #include <utility>
 
+#include "MemoryFile.h"
 #include "ShortText.h"
-#include "Spool.h"
 #include "StartsWith.h"
 #include "WholeFile.h"
 #include "vexastandin/Host.h"
@@ -64,13 +64,13 @@ public:
     MacroReader(MacroFile& macro, const std::set<std::string>& addOnIds) : m_macro(macro), m_addOnIds(addOnIds) {}
 
     void read(const std::string& path) {
-        std::optional<Spool> spool;
+        std::optional<MemoryFile> copy;
         if (path == kStandardInput) {
-            spool.emplace(readStandardInput());
+            copy.emplace(readStandardInput());
         } else if (!hasSize(path)) {
-            spool.emplace(readWholeFile(path));
+            copy.emplace(readWholeFile(path));
         }
-        if (!m_file.open(spool ? spool->path() : path)) throwLastError();
+        if (!m_file.open(copy ? copy->path() : path)) throwLastError();
         while (!m_file.isEOF()) takeLine();
         checkEnd();
     }

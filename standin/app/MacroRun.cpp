@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstddef>
 #include <memory>
-#include <set>
 #include <string_view>
 #include <thread>
 #include <type_traits>
@@ -15,6 +14,7 @@
 #include "Console.h"
 #include "Descriptor.h"
 #include "DiscardedOutput.h"
+#include "FailureText.h"
 #include "FindingTeller.h"
 #include "Hang.h"
 #include "MacroFile.h"
@@ -32,7 +32,6 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::string_view kFailedSilently = "the command failed without a message";
 constexpr std::chrono::seconds kTimeForLastWords{5};
 
 // The files that the run reads or writes, beside its traces.
@@ -148,9 +147,7 @@ private:
     }
 
     bool readMacro() {
-        std::set<std::string> addOnIds;
-        for (const standin::AddOnInfo& addOn : m_host.addOns()) addOnIds.insert(addOn.id);
-        m_macro = readMacroFile(m_options.macroFile, addOnIds);
+        m_macro = readMacroFile(m_options.macroFile, loadedIds(m_host));
         for (const std::string& problem : m_macro.problems) tell(problem);
         return m_macro.problems.empty();
     }
@@ -177,11 +174,10 @@ private:
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
         ++m_run;
         m_findings.tellNew();
-        const std::string_view error = withoutTrailingBlanks(result.error);
-        addResult(command, result.accepted, std::string(error), time.count());
+        addResult(command, result.accepted, std::string(withoutTrailingBlanks(result.error)), time.count());
         if (result.accepted) return;
         ++m_failed;
-        tell(placeOf(command), error.empty() ? kFailedSilently : error);
+        tell(placeOf(command), failureText(result));
     }
 
     void addResult(const MacroCommand& command, bool accepted, const std::string& error, double seconds) {

@@ -225,6 +225,12 @@ TEST_F(Check, GivesAnAddOnNothingToRead) {
     EXPECT_EQ(runProgram(program).status, 0);
 }
 
+TEST_F(Check, SeesItsProcessesEndWhoeverStartedIt) {
+    Program program = runner({"check", CHECK_ADDONS "/built.so", "--only", "load"});
+    program.arguments.insert(program.arguments.begin(), {"timeout", "300", "env", "--ignore-signal=CHLD"});
+    EXPECT_EQ(runProgram(program).status, 0);
+}
+
 // ---- Loading, and what the file is made of
 
 TEST_F(Check, TellsOfAnAddOnThatCannotBeLoaded) {

@@ -77,6 +77,15 @@ TEST_F(ManyRuns, HaveNothingToRead) {
     EXPECT_EQ(runProgram(program).out, "a\na\n");
 }
 
+TEST_F(ManyRuns, AreSeenToEndWhoeverStartedThem) {
+    write("a.mcr", "ONE ECHO a\n");
+    Program program = runMany({"a.mcr", "a.mcr"});
+    program.arguments.insert(program.arguments.begin(), {"timeout", "300", "env", "--ignore-signal=CHLD"});
+    const ProgramResult result = runProgram(program);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "a\na\n");
+}
+
 // With one at a time, the second one finds what the first one left; with two at a time it waits for it.
 TEST_F(ManyRuns, GoOnSideBySide) {
     write("a.mcr", "PROGRESS WAITFOR b\nPROGRESS SAY a\n");

@@ -2,10 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +17,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "ChildProcess.h"
 #include "Descriptor.h"
 
 namespace vexa::runner {
@@ -126,63 +124,17 @@ void limitResources() {
     setrlimit(RLIMIT_AS, &memory);
 }
 
-void redirect(int output) {
-    const int nothing = open("/dev/null", O_RDONLY);
-    dup2(nothing, STDIN_FILENO);
-    dup2(output, STDOUT_FILENO);
-    dup2(output, STDERR_FILENO);
-    if (nothing > STDERR_FILENO) close(nothing);
-}
-
 // Leaves without what belongs to the whole program: it is run by the process that watches.
-[[noreturn]] void workAsChild(pid_t parent, BlackBox& box, const Pipe& verdicts, const Pipe& output,
-                              const std::function<Verdict()>& work) {
-    setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(EXIT_FAILURE);
-    redirect(output.out.descriptor());
+[[noreturn]] void tellVerdict(BlackBox& box, int verdicts, const std::function<Verdict()>& work) {
     limitResources();
     boxOfThisProcess = &box;
     std::set_new_handler(noteWantOfMemory);
-    const bool told = writeAll(verdicts.out.descriptor(), framed(work()));
+    const bool told = writeAll(verdicts, framed(work()));
     std::fflush(nullptr);
     _exit(told ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
 // ---- In the process that watches
-
-// A process of ours. Neither it nor its group outlives this.
-class Child {
-public:
-    explicit Child(pid_t id) : m_id(id) { setpgid(id, id); }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-    ~Child() {
-        if (!m_isReaped) reap();
-    }
-
-    bool hasEnded() const {
-        siginfo_t info{};
-        const auto id = static_cast<id_t>(m_id);
-        return waitid(P_PID, id, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == m_id;
-    }
-    void kill() const {
-        ::kill(-m_id, SIGKILL);
-        ::kill(m_id, SIGKILL);  // it may have left its group
-    }
-    // Returns what waitpid() tells. Until then its id, and its group's, are nobody else's.
-    int reap() {
-        kill();
-        int waitStatus = 0;
-        while (waitpid(m_id, &waitStatus, 0) < 0 && errno == EINTR) {}
-        m_isReaped = true;
-        return waitStatus;
-    }
-
-private:
-    pid_t m_id;
-    bool m_isReaped = false;
-};
 
 // What comes out of a pipe.
 class Drain {
@@ -212,7 +164,7 @@ bool isHanging(const BlackBox& box, milliseconds timeout) {
     return box.sinceChange() > (box.isInAddOn ? timeout : std::max(timeout, kTimeWithoutAddOn));
 }
 
-ProcessEnd watch(Child& child, const BlackBox& box, milliseconds timeout, int verdicts, int output) {
+ProcessEnd watch(ChildProcess& child, const BlackBox& box, milliseconds timeout, int verdicts, int output) {
     ProcessEnd end;
     Drain verdict(verdicts, std::string().max_size() / 4);
     Drain printed(output, kOutputKept);
@@ -247,12 +199,8 @@ ProcessEnd watch(Child& child, const BlackBox& box, milliseconds timeout, int ve
 ProcessEnd runWatched(BlackBox& box, milliseconds timeout, const std::function<Verdict()>& work) {
     Pipe verdicts;
     Pipe output;
-    std::fflush(nullptr);  // what is not yet written would be written twice
-    const pid_t parent = getpid();
-    const pid_t id = fork();
-    if (id < 0) throwLastError("no other process");
-    if (id == 0) workAsChild(parent, box, verdicts, output, work);
-    Child child(id);
+    const int printed = output.out.descriptor();
+    ChildProcess child({printed, printed}, [&]() -> int { tellVerdict(box, verdicts.out.descriptor(), work); });
     verdicts.out.shut();
     output.out.shut();
     return watch(child, box, timeout, verdicts.in.descriptor(), output.in.descriptor());

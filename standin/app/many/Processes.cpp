@@ -1,24 +1,17 @@
 #include "many/Processes.h"
 
-#include <fcntl.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <iterator>
 #include <list>
 #include <map>
-#include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
 
+#include "ChildProcess.h"
 #include "Console.h"
 #include "ExitStatus.h"
 #include "IgnoredSignal.h"
@@ -34,7 +27,6 @@ constexpr int kKilledBySignal = 128;
 class AwaitedSignals {
 public:
     AwaitedSignals() {
-        std::signal(SIGCHLD, SIG_DFL);  // a process whose end is ignored is gone before we can look
         sigemptyset(&m_awaited);
         sigaddset(&m_awaited, SIGCHLD);
         if (!isIgnored(SIGINT)) sigaddset(&m_awaited, SIGINT);
@@ -65,65 +57,37 @@ int statusOf(const std::function<int()>& work) {
     return static_cast<int>(ExitStatus_e::BadUsageOrInput);
 }
 
-[[noreturn]] void becomeProcess(pid_t parent, const ProcessFiles& files, const std::function<int()>& work) {
-    setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(EXIT_FAILURE);
-    const int nothing = open("/dev/null", O_RDONLY);
-    dup2(nothing, STDIN_FILENO);
-    if (nothing > STDERR_FILENO) close(nothing);
-    dup2(files.out.descriptor(), STDOUT_FILENO);
-    dup2(files.err.descriptor(), STDERR_FILENO);
-    std::exit(statusOf(work));
-}
-
 class Process {
 public:
     Process(std::size_t index, const ProcessWork& work, const AwaitedSignals& signals)
-        : m_index(index), m_files(std::make_unique<ProcessFiles>()) {
-        std::fflush(nullptr);  // what is not yet written would be written twice
-        const pid_t parent = getpid();
-        m_id = fork();
-        if (m_id < 0) throw std::system_error(errno, std::generic_category(), "no other process");
-        if (m_id == 0) {
-            signals.restore();
-            becomeProcess(parent, *m_files, [&] { return work.run(index, *m_files); });
-        }
-        setpgid(m_id, m_id);
-    }
+        : m_index(index), m_child({m_files.out.descriptor(), m_files.err.descriptor()}, [&] {
+              signals.restore();
+              return statusOf([&] { return work.run(index, m_files); });
+          }) {}
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
-    // Only when something was thrown does it still run.
-    ~Process() {
-        if (m_id <= 0) return;
-        signalGroup(SIGKILL);
-        waitpid(m_id, nullptr, 0);
-    }
+    ~Process() = default;
 
     std::size_t index() const { return m_index; }
-    void stop() const { signalGroup(SIGINT); }
+    void stop() const { m_child.interrupt(); }
     std::optional<ProcessOutcome> outcome() {
-        int waitStatus = 0;
-        if (waitpid(m_id, &waitStatus, WNOHANG) != m_id) return std::nullopt;
-        signalGroup(SIGKILL);  // what it left behind
-        m_id = 0;
+        if (!m_child.hasEnded()) return std::nullopt;
+        const int waitStatus = m_child.reap();
         ProcessOutcome outcome;
         outcome.signal = WIFSIGNALED(waitStatus) ? WTERMSIG(waitStatus) : 0;
         outcome.status = WIFSIGNALED(waitStatus) ? kKilledBySignal + outcome.signal : WEXITSTATUS(waitStatus);
         outcome.seconds = std::chrono::duration<double>(Clock::now() - m_begin).count();
-        outcome.out = m_files->out.text();
-        outcome.err = m_files->err.text();
-        outcome.notes = m_files->notes.text();
+        outcome.out = m_files.out.text();
+        outcome.err = m_files.err.text();
+        outcome.notes = m_files.notes.text();
         return outcome;
     }
 
 private:
-    void signalGroup(int signal) const { kill(-m_id, signal); }
-
     std::size_t m_index;
-    std::unique_ptr<ProcessFiles> m_files;
+    ProcessFiles m_files;
     Clock::time_point m_begin = Clock::now();
-    pid_t m_id = 0;
+    ChildProcess m_child;  // last: it begins with what stands above
 };
 
 class Pool {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "many/MemoryFile.h"
+#include "MemoryFile.h"
 
 namespace vexa::runner {
 

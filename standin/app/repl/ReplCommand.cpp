@@ -3,15 +3,16 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "AddOns.h"
 #include "Console.h"
+#include "FailureText.h"
 #include "FindingTeller.h"
 #include "MacroFile.h"
 #include "PlainStatus.h"
@@ -75,13 +76,13 @@ private:
         }
         if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
         if (!loadAddOns(m_host, m_options.addOns)) return false;
-        for (const standin::AddOnInfo& addOn : m_host.addOns()) m_ids.push_back(addOn.id);
+        m_ids = loadedIds(m_host);
         m_findings.tellNew();
         return true;
     }
 
     void readLines() {
-        std::vector<std::string> words = m_ids;
+        std::vector<std::string> words(m_ids.begin(), m_ids.end());
         words.insert(words.end(), {kHelp, kQuit});
         const LineReader reader(words);
         while (const auto line = reader.next()) {
@@ -92,7 +93,7 @@ private:
         }
     }
 
-    bool isLoaded(const std::string& id) const { return std::find(m_ids.begin(), m_ids.end(), id) != m_ids.end(); }
+    bool isLoaded(const std::string& id) const { return m_ids.count(id) != 0; }
 
     void obey(const MacroWords& command) {
         if (isLoaded(command.addOnId)) {
@@ -124,8 +125,7 @@ private:
         m_screen.reset();
         m_place = kProgramName;
         m_findings.tellNew();
-        const std::string_view error = withoutTrailingBlanks(result.error);
-        if (!result.accepted) tell(command.addOnId, error.empty() ? "the command failed without a message" : error);
+        if (!result.accepted) tell(command.addOnId, failureText(result));
     }
 
     void showStatus(const standin::StatusLine& line) {
@@ -134,7 +134,7 @@ private:
     }
 
     const ReplOptions& m_options;
-    std::vector<std::string> m_ids;
+    std::set<std::string> m_ids;
     std::string m_place = kProgramName;
     RunOutputs m_outputs;
     PlainStatus m_plainStatus;

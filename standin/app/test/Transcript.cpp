@@ -7,12 +7,13 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <sstream>
 #include <utility>
 
+#include "AddOns.h"
 #include "Console.h"
 #include "Descriptor.h"
+#include "FailureText.h"
 #include "FindingTeller.h"
 #include "Hang.h"
 #include "MacroFile.h"
@@ -71,9 +72,7 @@ private:
     }
 
     bool readMacro() {
-        std::set<std::string> addOnIds;
-        for (const standin::AddOnInfo& addOn : m_host.addOns()) addOnIds.insert(addOn.id);
-        m_macro = readMacroFile(m_options.macroFile, addOnIds);
+        m_macro = readMacroFile(m_options.macroFile, loadedIds(m_host));
         for (const std::string& problem : m_macro.problems) note(problem + '\n');
         return m_macro.problems.empty();
     }
@@ -83,8 +82,7 @@ private:
         standin::CommandResult result;
         inTime([&] { result = m_host.run(command.addOnId, command.text, m_macro.place(command.line)); });
         std::string lines = news();
-        const bool isSilent = withoutTrailingBlanks(result.error).empty();
-        if (!result.accepted) lines += isSilent ? "! the command failed without a message\n" : told(result.error);
+        if (!result.accepted) lines += told(std::string(failureText(result)));
         for (const standin::RecordedCommand& recorded : m_host.recordedCommands()) {
             lines += "+ " + recorded.addOnId + ' ' + recorded.command + '\n';
         }

@@ -1,4 +1,4 @@
-#include "many/MemoryFile.h"
+#include "MemoryFile.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "Descriptor.h"
+
 namespace vexa::runner {
 namespace {
 
@@ -16,11 +18,17 @@ namespace {
 }  // namespace
 
 // To be written at its end, wherever that is after it was emptied.
-MemoryFile::MemoryFile() : m_descriptor(memfd_create("output", MFD_CLOEXEC)) {
+MemoryFile::MemoryFile() : m_descriptor(memfd_create("vexa", MFD_CLOEXEC)) {
     if (m_descriptor < 0 || fcntl(m_descriptor, F_SETFL, O_APPEND) != 0) throwLastError();
 }
 
+MemoryFile::MemoryFile(std::string_view text) : MemoryFile() {
+    if (!writeAll(m_descriptor, text)) throwLastError();
+}
+
 MemoryFile::~MemoryFile() { close(m_descriptor); }
+
+std::string MemoryFile::path() const { return "/dev/fd/" + std::to_string(m_descriptor); }
 
 std::string MemoryFile::text() const {
     std::string text;
