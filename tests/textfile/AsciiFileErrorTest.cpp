@@ -148,8 +148,8 @@ TEST_F(AsciiFileError, FormatsTheSmallestInteger) {
 
 TEST_F(AsciiFileError, FormatsAnIntegerInOtherWays) {
     read(1);
-    m_file.errorWithFormattedInteger("%08lx %%", 255);
-    EXPECT_EQ(shown(), "000000ff % on line 1 in file: FILE");
+    m_file.errorWithFormattedInteger("%%%08lx %%", 255);
+    EXPECT_EQ(shown(), "%000000ff % on line 1 in file: FILE");
 }
 
 TEST_F(AsciiFileError, CutsAFormattedTextAndKeepsWhatFollows) {
@@ -178,9 +178,9 @@ TEST_F(AsciiFileError, FormatsValuesWithPercentSigns) {
 
 TEST_F(AsciiFileError, ShowsAFormatThatDoesNotFitTheValueAsItStands) {
     read(1);
-    const char* const stringFormats[] = {"none", "%s %s", "%ld", "%n", "%*s", "%", "%-", "100%%", "%ls"};
+    const char* const stringFormats[] = {"none", "%s %s", "two %s%s", "%ld", "%n", "%*s", "%", "%-", "100%%", "%ls"};
     for (const char* format : stringFormats) m_file.errorWithFormattedString(format, "value");
-    const char* const integerFormats[] = {"none", "%ld %ld", "%d", "%s", "%lf", "%ln", "%*ld", "%l", "%"};
+    const char* const integerFormats[] = {"none", "%ld %ld", "%d", "%dx", "%s", "%lf", "%ln", "%*ld", "%l", "%"};
     for (const char* format : integerFormats) m_file.errorWithFormattedInteger(format, 7);
 
     const std::vector<std::string> dialogs = m_host.dialogs();

@@ -25,6 +25,12 @@ TEST(InvalidInstructionsException, KeepsNulCharacters) {
     EXPECT_EQ(InvalidInstructionsException(std::string("a\0b", 3), "c").message(), std::string("a\0b: c", 6));
 }
 
+TEST(InvalidInstructionsException, PrintsItsMessageAndNoStack) {
+    testing::internal::CaptureStderr();
+    InvalidInstructionsException("a", "b").printStackTrace();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "a: b\n");
+}
+
 TEST(InvalidInstructionsException, IsCaughtAsTheBaseOfAllExceptions) {
     EXPECT_THROW(throw InvalidInstructionsException("a", "b"), ExceptionBase);
 }

@@ -101,6 +101,13 @@ TEST_F(TaskProgressTest, CountsTheLargestTaskWithoutOverflow) {
     EXPECT_EQ(m_bar->percentages, (std::vector<int>{49, 99, 100}));
 }
 
+TEST_F(TaskProgressTest, CountsStepsBeyondTheLargestTaskWithoutOverflow) {
+    TaskProgress progress(m_bar, kLargest);
+    progress.advance(kLargest / 2);
+    progress.advance(kLargest);
+    EXPECT_EQ(m_bar->percentages, (std::vector<int>{49, 100}));
+}
+
 TEST_F(TaskProgressTest, BeginsAnewWithEachStart) {
     TaskProgress progress(m_bar, 2);
     progress.start("first");
@@ -118,6 +125,15 @@ TEST_F(TaskProgressTest, TellsSmallerPercentagesAgainAfterANewStart) {
     progress.start("second");
     progress.advance();
     EXPECT_EQ(m_bar->percentages, (std::vector<int>{75, 25}));
+}
+
+TEST_F(TaskProgressTest, TellsNothingBeforeTheFirstWholePercentageOfANewStart) {
+    TaskProgress progress(m_bar, 1000);
+    progress.start("Reading");
+    progress.advance(9);
+    EXPECT_TRUE(m_bar->percentages.empty());
+    progress.advance(1);
+    EXPECT_EQ(m_bar->percentages, std::vector<int>{1});
 }
 
 TEST_F(TaskProgressTest, AsksTheBarWhetherItIsInterrupted) {
