@@ -31,7 +31,6 @@ std::size_t estimatedLines(const char* text, std::size_t size) {
 // Has the kernel hand out a large table in large pages: page by page that would take longer than filling it. It is a
 // hint, and nothing is lost where it is not taken. A smaller table may share its pages with others, and is left alone.
 void preferLargePages(std::vector<uint64_t>& table) {
-#if defined(MADV_HUGEPAGE)
     constexpr std::size_t kLarge = std::size_t{32} << 20;
     constexpr std::size_t kPage = std::size_t{2} << 20;
     const std::size_t size = table.capacity() * sizeof(uint64_t);
@@ -39,9 +38,6 @@ void preferLargePages(std::vector<uint64_t>& table) {
     auto* const begin = reinterpret_cast<char*>(table.data());
     const std::size_t toPage = kPage - reinterpret_cast<uintptr_t>(begin) % kPage;
     madvise(begin + toPage, (size - toPage) / kPage * kPage, MADV_HUGEPAGE);
-#else
-    static_cast<void>(table);
-#endif
 }
 
 // Takes the lines in the order of their ends. Offsets go to the table many at a time, which is cheaper than one by one.
