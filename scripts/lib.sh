@@ -143,6 +143,11 @@ sources_but_tests() {
         grep -vE '^(build|docs|tests)/' | grep -E -- "$1"
 }
 
+# project_version: the whole one, of three numbers.
+project_version() {
+    sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
+}
+
 # sources_state: what differs in the folder of the sources from what is committed, but for build/.
 sources_state() {
     git status --porcelain --ignored 2>/dev/null | grep -v '^!! build/$' || true

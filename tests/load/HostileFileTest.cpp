@@ -22,8 +22,6 @@ using load::counted;
 using load::filled;
 using load::repeated;
 
-constexpr long kQuickSize = 1L << 20;
-constexpr long kWholeSize = 64L << 20;
 constexpr std::size_t kMostSaid = 1000;
 
 enum class Kind_e { Macro, Style };
@@ -58,7 +56,7 @@ ProgramResult resultOf(const Hostile& hostile, std::size_t size) {
 class HostileFile : public testing::TestWithParam<Hostile> {};
 
 TEST_P(HostileFile, IsRunOrRefused) {
-    const auto size = static_cast<std::size_t>(load::amount(kQuickSize, kWholeSize));
+    const std::size_t size = load::largeSize();
     const ProgramResult result = resultOf(GetParam(), size);
     EXPECT_EQ(result.status, GetParam().status) << result.err.substr(0, kMostSaid);
     const std::string said = *GetParam().said == '\0' ? "" : std::string("hostile:") + GetParam().said;

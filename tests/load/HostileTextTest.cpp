@@ -33,8 +33,6 @@ using load::counted;
 using load::filled;
 using load::repeated;
 
-constexpr long kQuickSize = 1L << 20;
-constexpr long kWholeSize = 64L << 20;
 constexpr std::size_t kMostAnswered = 300;
 
 // A kind of text, and the answer to it: how it begins, whatever the size.
@@ -91,7 +89,7 @@ void expectLinear(const Hostile& hostile, std::size_t size, double seconds,
 }
 
 void expectBearable(const Hostile& hostile, std::string (*answerTo)(const std::string& text)) {
-    const auto size = static_cast<std::size_t>(load::amount(kQuickSize, kWholeSize));
+    const std::size_t size = load::largeSize();
     const Cost cost = costOf(hostile, size, answerTo);
     const long sizeKiB = static_cast<long>(size / 1024);
 #if !VEXA_IS_SANITIZED

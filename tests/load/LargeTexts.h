@@ -3,7 +3,12 @@
 #include <cstddef>
 #include <string>
 
+#include "load/Load.h"
+
 namespace vexa::load {
+
+/// How large a text is to be: 1 MiB, or 64 MiB when the whole load is asked for.
+inline std::size_t largeSize() { return static_cast<std::size_t>(amount(1L << 20, 64L << 20)); }
 
 /// \p size times \p c.
 inline std::string filled(std::size_t size, char c) { return std::string(size, c); }
