@@ -5,6 +5,7 @@
 
 #include "Fuzz.h"
 #include "Options.h"
+#include "SteppedRanges.h"
 #include "vexautilutil/MacroCommandAbstract.h"
 #include "vexautilutil/MacroCommandError.h"
 
@@ -44,7 +45,9 @@ std::optional<std::string> rendered(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vexa::fuzz;
-    const auto command = rendered(textOf(data, size));
+    const std::string text = textOf(data, size);
+    if (mayHaveManyMembers(text)) return 0;
+    const auto command = rendered(text);
     if (command) require(rendered(*command) == command, "a command reads its own text back", *command);
     return 0;
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Fuzz.h"
+#include "SteppedRanges.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
@@ -96,7 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace vexa::fuzz;
     const std::string input = textOf(data, size);
     const std::size_t stepsEnd = std::min(input.find('\n'), kMostSteps);
-    if (stepsEnd >= input.size()) return 0;
+    if (stepsEnd >= input.size() || mayHaveManyMembers(input)) return 0;
     const std::string command(&input[stepsEnd + 1]);  // as far as the host's C string goes
     const vexa::standin::Host host;
     trySteps(input.substr(0, stepsEnd), withClosingQuotes(command));

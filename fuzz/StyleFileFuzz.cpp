@@ -9,6 +9,7 @@
 
 #include "Fuzz.h"
 #include "JsonText.h"
+#include "SteppedRanges.h"
 #include "StyleFile.h"
 #include "vexautilutil/StyleValue.h"
 
@@ -19,18 +20,9 @@ using Json = nlohmann::ordered_json;
 using runner::StyleSetting;
 using Settings = std::vector<StyleSetting>;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-// Whether a set of the file may have a stepped range of many members, which takes a while. Behind a number only the
-// step of such a range has a colon.
+// A digit, or the colon, may have another spelling.
 bool mayTakeLong(const std::string& text) {
-    std::size_t digits = 0;
-    for (const char c : text) {
-        if (c == ':' && digits > 3) return true;
-        if (c == ' ' || c == '\t') continue;
-        digits = isDigit(c) ? digits + 1 : 0;
-    }
-    return text.find("\\u003") != std::string::npos;  // a digit, or the colon, in another spelling
+    return mayHaveManyMembers(text) || text.find("\\u003") != std::string::npos;
 }
 
 // ---- What an add-on gets
