@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <system_error>
 
 #include "IgnoredSignal.h"
+#include "LastError.h"
 
 namespace vexa::runner {
 namespace {
@@ -40,7 +40,7 @@ ChildProcess::ChildProcess(const Outputs& outputs, const std::function<int()>& w
     std::fflush(nullptr);  // what is not yet written would be written twice
     const pid_t parent = getpid();
     m_id = fork();
-    if (m_id < 0) throw std::system_error(errno, std::generic_category(), "no other process");
+    if (m_id < 0) throwLastError("no other process");
     if (m_id == 0) becomeChild(parent, outputs, work);
     setpgid(m_id, m_id);
 }

@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "LastError.h"
 #include "MemoryFile.h"
 #include "ShortText.h"
 #include "StartsWith.h"
@@ -33,9 +34,9 @@ constexpr std::string_view kStandardInput = "-";
 constexpr std::string_view kNul("\0", 1);
 constexpr const char* kHoldsNul = "the line holds a NUL byte";
 
-[[noreturn]] void throwLastError() {
+[[noreturn]] void throwReadError() {
     if (errno == ENOMEM) throw std::bad_alloc();
-    throw std::system_error(errno, std::generic_category());
+    throwLastError();
 }
 
 // The reader takes the size of a file before it reads: a pipe has none, and of some devices it is 0.
@@ -50,7 +51,7 @@ bool hasSize(const std::string& path) {
 std::string bytesBehind(const std::string& path, std::ptrdiff_t offset) {
     const auto close = [](FILE* file) { std::fclose(file); };
     const std::unique_ptr<FILE, decltype(close)> file(filesystem::fileOpen(path, "rbe"), close);
-    if (!file || fseeko(file.get(), offset, SEEK_SET) != 0) throwLastError();
+    if (!file || fseeko(file.get(), offset, SEEK_SET) != 0) throwReadError();
     std::array<char, 3> bytes{};
     return {bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get())};
 }
@@ -70,7 +71,7 @@ public:
         } else if (!hasSize(path)) {
             copy.emplace(readWholeFile(path));
         }
-        if (!m_file.open(copy ? copy->path() : path)) throwLastError();
+        if (!m_file.open(copy ? copy->path() : path)) throwReadError();
         while (!m_file.isEOF()) takeLine();
         checkEnd();
     }

@@ -6,17 +6,11 @@
 
 #include <array>
 #include <cerrno>
-#include <system_error>
 
 #include "Descriptor.h"
+#include "LastError.h"
 
 namespace vexa::runner {
-namespace {
-
-[[noreturn]] void throwLastError() { throw std::system_error(errno, std::generic_category()); }
-
-}  // namespace
-
 // To be written at its end, wherever that is after it was emptied.
 MemoryFile::MemoryFile() : m_descriptor(memfd_create("vexa", MFD_CLOEXEC)) {
     if (m_descriptor < 0 || fcntl(m_descriptor, F_SETFL, O_APPEND) != 0) throwLastError();

@@ -6,14 +6,13 @@
 
 #include <array>
 #include <atomic>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <system_error>
 #include <utility>
 
 #include "BlockedSignals.h"
 #include "Descriptor.h"
+#include "LastError.h"
 #include "Terminal.h"
 
 namespace vexa::runner {
@@ -27,7 +26,7 @@ std::atomic<Screen*> theScreen{nullptr};
 }  // namespace
 
 Screen::Screen(std::function<bool()> isStopping) : m_status(std::move(isStopping)), m_wakeUp(eventfd(0, EFD_CLOEXEC)) {
-    if (m_wakeUp < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
+    if (m_wakeUp < 0) throwLastError("eventfd");
     if (isTerminal(STDOUT_FILENO)) m_relay.emplace();
     const BlockedSignals blocked;
     m_watcher = std::thread([this] { watch(); });

@@ -1,10 +1,10 @@
 #include "WholeFile.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <memory>
-#include <system_error>
+
+#include "LastError.h"
 
 namespace vexa::runner {
 namespace {
@@ -18,7 +18,7 @@ std::string readToEnd(FILE* file) {
     std::array<char, 65536> chunk{};
     std::size_t count = 0;
     while ((count = std::fread(chunk.data(), 1, chunk.size(), file)) > 0) text.append(chunk.data(), count);
-    if (std::ferror(file)) throw std::system_error(errno, std::generic_category());
+    if (std::ferror(file)) throwLastError();
     return text;
 }
 
@@ -26,7 +26,7 @@ std::string readToEnd(FILE* file) {
 
 std::string readWholeFile(const std::string& path) {
     const std::unique_ptr<FILE, FileCloser> file(std::fopen(path.c_str(), "rbe"));
-    if (!file) throw std::system_error(errno, std::generic_category());
+    if (!file) throwLastError();
     return readToEnd(file.get());
 }
 

@@ -15,10 +15,10 @@
 #include <fstream>
 #include <new>
 #include <string_view>
-#include <system_error>
 
 #include "ChildProcess.h"
 #include "Descriptor.h"
+#include "LastError.h"
 
 namespace vexa::runner {
 namespace {
@@ -33,8 +33,6 @@ constexpr std::uint64_t kFrameBegin = 0x7665786163686b31;
 constexpr std::uint64_t kFrameEnd = ~kFrameBegin;
 constexpr rlim_t kMemory = rlim_t{4} << 30;
 constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // they reserve more addresses than any program needs
-
-[[noreturn]] void throwLastError(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
 
 // A verdict in transit. It counts when it is whole.
 struct FrameHead {
