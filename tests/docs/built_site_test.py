@@ -1,13 +1,10 @@
-"""Tests of site.py, which is loaded by its path, for Python has a module of that name."""
+"""Tests of built_site.py."""
 
-import importlib.util
 import tempfile
 import unittest
 from pathlib import Path
 
-spec = importlib.util.spec_from_file_location("docs_site", Path(__file__).with_name("site.py"))
-site = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(site)
+import built_site as site
 
 
 class Pages(unittest.TestCase):
