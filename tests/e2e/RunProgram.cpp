@@ -80,6 +80,11 @@ ProgramResult endOf(pid_t child) {
 
 }  // namespace
 
+Program withoutChildSignals(Program program) {
+    program.arguments.insert(program.arguments.begin(), {"timeout", "300", "env", "--ignore-signal=CHLD"});
+    return program;
+}
+
 ProgramResult runProgram(const Program& program) {
     const File in = unnamedFile(program.input);
     const File out = unnamedFile("");

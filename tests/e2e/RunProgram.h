@@ -14,6 +14,9 @@ struct Program {
     bool asOneOutput = false;            ///< both outputs go to one place, as in a terminal: ProgramResult::out
 };
 
+/// \p program as it is started by one that ignores the end of its children. It is ended when it takes five minutes.
+Program withoutChildSignals(Program program);
+
 /// What came of a program that has ended.
 struct ProgramResult {
     int status = 0;  ///< its exit status; the negative signal number if one ended it
