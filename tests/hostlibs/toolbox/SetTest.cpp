@@ -242,7 +242,8 @@ TEST(SetAssign, RefusalCanBeCaughtAsAStandardException) {
 
 TEST(SetAssign, ExpandsSteppedRangesToTheirLimitInAll) {
     // The plain range takes the members in, so that this needs no memory.
-    EXPECT_EQ(setOf("[0-33554430,0-33554426:2,0-2:2]").size(), 33554431u);
+    EXPECT_EQ(setOf("[0-33554430,0-33554430:2]").size(), 33554431u);
+    EXPECT_EQ(setOf("[0-33554430,0-16777214:2,0-16777214:2]").size(), 33554431u);
 }
 
 TEST(SetAssign, RefusesSteppedRangesOverTheirLimit) {
@@ -254,6 +255,7 @@ TEST(SetAssign, RefusesSteppedRangesOverTheirLimit) {
     };
     const Case cases[] = {
         {"one more in one range", "[0-33554430,0-33554432:2]", "13"},
+        {"one more in a range of its own", "[0-33554430,0-33554430:2,5-5:2]", "26"},
         {"one more after one range", "[0-33554430,5-5:2,0-33554430:2]", "19"},
         {"one more after two ranges", "[0-33554430,0-2:2,0-2:2,0-33554424:2]", "25"},
         {"a short text for very many", "[ 0-9223372036854775807:2]", "3"},
