@@ -256,6 +256,10 @@ std::vector<std::string> Host::dialogs() const { return m_state->dialogs.copy();
 
 void Host::onDialog(std::function<void(const std::string&)> show) { m_state->showDialog.set(std::move(show)); }
 
+void Host::onRecorded(std::function<void(const RecordedCommand&)> keep) { m_state->keepRecorded.set(std::move(keep)); }
+
+void Host::onJournaled(std::function<void(const JournalEntry&)> keep) { m_state->keepJournaled.set(std::move(keep)); }
+
 StatusLine Host::statusLine() const { return m_state->status.line(); }
 
 std::vector<StatusLine> Host::statusHistory() const { return m_state->status.history(); }
@@ -320,9 +324,18 @@ void Host::report(Finding finding) {
 }
 
 Place Host::lastCall() const {
-    const std::size_t calls = m_state->callsBegun;
-    const auto function = calls == 0 ? std::nullopt : std::optional<HostFunction>(m_state->lastFunction);
-    return m_state->contract.placeNow(calls, function);
+    const CallProgress& progress = *m_state->progress;
+    const std::size_t calls = progress.calls;
+    const std::size_t function = progress.lastFunction;
+    return m_state->contract.placeNow(
+        calls, calls == 0 ? std::nullopt : std::optional<HostFunction>(static_cast<HostFunction>(function)));
+}
+
+void Host::setCallProgress(CallProgress* progress) {
+    CallProgress& next = progress == nullptr ? m_state->ownProgress : *progress;
+    next.calls = m_state->progress->calls.load();
+    next.lastFunction = m_state->progress->lastFunction.load();
+    m_state->progress = &next;
 }
 
 void Host::setObserver(ObserverInterface* observer) { m_state->audience.set(observer); }

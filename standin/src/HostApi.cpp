@@ -175,7 +175,9 @@ VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* comma
                 !isNullOrEmpty(addOnId) && !hasWhiteSpace(addOnId) && !isNullOrEmpty(command) && !hasLineBreak(command);
             if (!fitsOneLine || !host.isRecording) return 0;
             const auto function = HostFunction::VexaUtilMacroRecordExtCommand;
-            host.recorded.append(RecordedCommand{addOnId, command, host.contract.placeNow(host.callsBegun, function)});
+            const RecordedCommand recorded{addOnId, command, host.contract.placeNow(host.progress->calls, function)};
+            host.recorded.append(recorded);
+            if (const auto keep = host.keepRecorded.copy()) keep(recorded);
             return 1;
         },
         addOnId, command);
@@ -187,7 +189,8 @@ VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* co
             if (addOnId == nullptr || command == nullptr) return 0;
             JournalEntry entry{addOnId, command, std::nullopt};
             if (journalData != nullptr) entry.journalData = journalData;
-            host.journal.append(std::move(entry));
+            host.journal.append(entry);
+            if (const auto keep = host.keepJournaled.copy()) keep(entry);
             return 1;
         },
         addOnId, command, OptionalText{journalData});

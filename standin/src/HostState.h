@@ -20,6 +20,7 @@
 #include "StyleTree.h"
 #include "contract/Contract.h"
 #include "contract/ThreadNumbers.h"
+#include "vexastandin/CallProgress.h"
 #include "vexastandin/Observer.h"
 
 namespace vexa::standin {
@@ -98,6 +99,8 @@ struct HostState {
     Shared<std::vector<JournalEntry>> journal;
     Shared<std::vector<std::string>> dialogs;
     Shared<std::function<void(const std::string&)>> showDialog;
+    Shared<std::function<void(const RecordedCommand&)>> keepRecorded;
+    Shared<std::function<void(const JournalEntry&)>> keepJournaled;
 
     Status status;
     Shared<std::function<void(const StatusLine&)>> showStatus;
@@ -123,8 +126,8 @@ struct HostState {
     Contract contract{threads, strings, [this](const Finding& finding) {
                           audience.tell([&](ObserverInterface& observer) { observer.findingMade(finding); });
                       }};
-    std::atomic<std::size_t> callsBegun{0};
-    std::atomic<HostFunction> lastFunction{};  ///< meaningful once a call has begun
+    CallProgress ownProgress;
+    CallProgress* progress = &ownProgress;  ///< never null; changed only while no call can be made
 
     /// Whether calls are neither checked nor told of nor made to fail. They then cost half as much, for they take a
     /// short road of their own.
@@ -135,15 +138,15 @@ struct HostState {
     /// Counts a call that begins.
     /// \return its number.
     std::size_t countCall(HostFunction function) {
-        lastFunction.store(function, std::memory_order_relaxed);
-        return callsBegun.fetch_add(1, std::memory_order_relaxed) + 1;
+        progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
+        return progress->calls.fetch_add(1, std::memory_order_relaxed) + 1;
     }
 
     /// Counts a call that nobody tells from others, so that one may be lost to another thread's: counting exactly would
     /// be most of the cost.
     void countUnnumbered(HostFunction function) {
-        lastFunction.store(function, std::memory_order_relaxed);
-        callsBegun.store(callsBegun.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
+        progress->calls.store(progress->calls.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     }
 
     Shared<std::vector<std::shared_ptr<const AddOn>>> addOns;  ///< in the order of their loading

@@ -13,6 +13,8 @@
 #include "CallTrace.h"
 #include "EveryFunction.h"
 #include "vexa/InvalidArgumentException.h"
+#include "vexastandin/CallProgress.h"
+#include "vexastandin/HostFunctions.h"
 
 namespace vexa::standin {
 namespace {
@@ -461,6 +463,48 @@ TEST(Dialogs, LetExceptionsOfWhatShowsThemPass) {
     Host host;
     host.onDialog([](const std::string& text) { throw std::runtime_error(text); });
     EXPECT_THROW(VexaUtilDialogErrMsg("one"), std::runtime_error);
+}
+
+// ---- What is kept as it comes
+
+TEST(Host, HandsOnEachRecordedCommandAsItComes) {
+    Host host;
+    host.setRecording(true);
+    Lines kept;
+    host.onRecorded([&](const RecordedCommand& recorded) {
+        kept.push_back(recorded.addOnId + ' ' + recorded.command + ' ' + recorded.recordedAt.function);
+    });
+    VexaUtilMacroRecordExtCommand("STATS", "MEAN");
+    EXPECT_EQ(kept, Lines({"STATS MEAN VexaUtilMacroRecordExtCommand"}));
+    VexaUtilMacroRecordExtCommand("STATS", "");
+    host.setRecording(false);
+    VexaUtilMacroRecordExtCommand("STATS", "MEAN");
+    EXPECT_EQ(kept.size(), 1U) << "a refused command is not handed on";
+}
+
+TEST(Host, HandsOnEachJournalEntryAsItComes) {
+    Host host;
+    Lines kept;
+    host.onJournaled([&](const JournalEntry& entry) { kept.push_back(entry.command + *entry.journalData); });
+    VexaUtilDataSetAddJournalCommand("STATS", "LOAD", " rows=3");
+    VexaUtilDataSetAddJournalCommand("STATS", nullptr, " rows=3");
+    EXPECT_EQ(kept, Lines({"LOAD rows=3"}));
+}
+
+TEST(Host, CountsItsCallsWhereItIsAskedTo) {
+    CallProgress progress;
+    Host host;
+    VexaUtilAuxDataBeginAssign();
+    host.setCallProgress(&progress);
+    EXPECT_EQ(progress.calls, 1U) << "the count goes on";
+    VexaUtilAuxDataEndAssign();
+    EXPECT_EQ(progress.calls, 2U);
+    EXPECT_STREQ(hostFunctions()[progress.lastFunction].name, "VexaUtilAuxDataEndAssign");
+    EXPECT_EQ(host.lastCall().call, 2U);
+    host.setCallProgress(nullptr);
+    EXPECT_EQ(VexaUtilMacroIsBatchModeActive(), 0);
+    EXPECT_EQ(progress.calls, 2U);
+    EXPECT_EQ(host.lastCall().call, 3U);
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ namespace vexa::standin {
 
 struct HostState;
 class ObserverInterface;
+struct CallProgress;
 
 /// One call of a function of the host's C API.
 struct Call {
@@ -180,8 +181,12 @@ public:
     std::vector<RecordedCommand> recordedCommands() const;
     /// Forgets the commands recorded so far.
     void clearRecordedCommands();
+    /// Has \p keep called with each command as it is recorded, on the calling thread.
+    void onRecorded(std::function<void(const RecordedCommand&)> keep);
     /// The journal so far.
     std::vector<JournalEntry> journalEntries() const;
+    /// Has \p keep called with each journal entry as it is added, on the calling thread.
+    void onJournaled(std::function<void(const JournalEntry&)> keep);
     /// The texts of the error dialogs so far.
     std::vector<std::string> dialogs() const;
     /// Has \p show called with the text of each dialog as it comes up, on the calling thread.
@@ -240,6 +245,10 @@ public:
     /// The host call made last, and the command that runs, or ran last. May be called from any thread, also while a
     /// command hangs.
     Place lastCall() const;
+    /// Counts the calls in \p progress from now on, which takes over the count; null for the host's own place. To be
+    /// set while no add-on is entered. It must live until it is replaced, or longer than the host. Costs nothing per
+    /// call.
+    void setCallProgress(CallProgress* progress);
     /// Has \p observer told of all that happens from now on; null for nobody. To be set while no add-on is entered. It
     /// must live until it is replaced, or longer than the host.
     void setObserver(ObserverInterface* observer);
