@@ -110,7 +110,7 @@ private:
             return false;
         }
         m_host.setObserver(m_traces.observer());
-        m_stopButton.install(m_outputs.temporaries());
+        m_stopButton.install();
         return true;
     }
 
@@ -246,10 +246,7 @@ private:
         endProgram();
     }
 
-    [[noreturn]] void endProgram() const {
-        for (const std::string& file : m_outputs.temporaries()) unlink(file.c_str());
-        _exit(static_cast<int>(ExitStatus_e::CommandHung));
-    }
+    [[noreturn]] static void endProgram() { _exit(static_cast<int>(ExitStatus_e::CommandHung)); }
 
     void showDialog(const std::string& text) const { tell(currentPlace() + ": dialog", text); }
 

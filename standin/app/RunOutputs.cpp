@@ -24,9 +24,6 @@ bool replace(AtomicFile& file, const std::string& text, std::size_t count, const
 void RunOutputs::open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile) {
     if (recordFile) m_record.emplace(*recordFile);
     if (journalFile) m_journal.emplace(*journalFile);
-    for (const auto* file : {&m_record, &m_journal}) {
-        if (*file) m_temporaries.push_back((*file)->temporary());
-    }
     const bool same = m_record && m_journal && m_record->target() == m_journal->target();
     if (same) throw OutputError(*journalFile + ": cannot hold both the recording and the journal");
 }

@@ -15,9 +15,6 @@ public:
     /// Makes sure that what is asked for can be written.
     /// \throws OutputError
     void open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile);
-    /// The temporary files. Whoever ends the program removes them.
-    const std::vector<std::string>& temporaries() const { return m_temporaries; }
-
     /// Writes what \p host was given to record and to add to its journal. What goes wrong is told.
     /// \param summary gets what was written.
     /// \return whether all was written.
@@ -26,7 +23,6 @@ public:
 private:
     std::optional<AtomicFile> m_record;
     std::optional<AtomicFile> m_journal;
-    std::vector<std::string> m_temporaries;
 };
 
 }  // namespace vexa::runner

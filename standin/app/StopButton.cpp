@@ -1,10 +1,7 @@
 #include "StopButton.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <csignal>
-#include <utility>
 
 #include "IgnoredSignal.h"
 #include "Screen.h"
@@ -33,9 +30,8 @@ StopButton::~StopButton() {
     theButton = nullptr;
 }
 
-void StopButton::install(std::vector<std::string> incomplete) {
+void StopButton::install() {
     if (isIgnored(SIGINT)) return;
-    m_incomplete = std::move(incomplete);
     m_isInstalled = true;
     theButton = this;
     handle(SIGINT, &StopButton::onSignal);
@@ -65,9 +61,8 @@ void StopButton::interrupt() {
 }
 
 // The signal comes again when its handler ends, and then finds the default action: so the shell sees what happened.
-void StopButton::endProgram() const {
+void StopButton::endProgram() {
     if (const Screen* const screen = Screen::current()) screen->clearAtOnce();
-    for (const std::string& file : m_incomplete) unlink(file.c_str());
     std::signal(SIGINT, SIG_DFL);
     std::raise(SIGINT);
 }

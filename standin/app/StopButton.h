@@ -1,15 +1,13 @@
 #pragma once
 
 #include <atomic>
-#include <string>
-#include <vector>
 
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
 
 /// Ctrl-C, which is the stop button while commands run: SIGINT presses it in the host. Before arm(), after disarm() and
-/// the second time it ends the program at once: the status line is cleared, and incomplete files are removed.
+/// the second time it ends the program at once, and clears the status line.
 ///
 /// Threads: one is used at a time, from one thread, where nothing else is said.
 class StopButton {
@@ -22,8 +20,7 @@ public:
     ~StopButton();
 
     /// Takes over SIGINT, unless it is ignored: then it stays so. To be called once.
-    /// \param incomplete the files to remove when the program is ended
-    void install(std::vector<std::string> incomplete);
+    void install();
     /// From now on the first SIGINT presses the stop button of \p host.
     void arm(standin::Host& host);
     /// After arm(): from now on it is the stop button of \p host. When it was pressed already, it is there, too.
@@ -36,9 +33,8 @@ public:
 private:
     static void onSignal(int signal);
     void interrupt();
-    void endProgram() const;
+    static void endProgram();
 
-    std::vector<std::string> m_incomplete;
     std::atomic<standin::Host*> m_host{nullptr};  // null: not armed
     std::atomic<bool> m_isPressed{false};
     bool m_isInstalled = false;

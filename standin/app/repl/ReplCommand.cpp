@@ -118,7 +118,7 @@ private:
         m_place = command.addOnId;
         m_host.releaseStop();
         StopButton stopButton;
-        stopButton.install(m_outputs.temporaries());
+        stopButton.install();
         if (isTerminal(STDERR_FILENO)) m_screen.emplace([&stopButton] { return stopButton.isPressed(); });
         stopButton.arm(m_host);
         const standin::CommandResult result = m_host.run(command.addOnId, command.text);
