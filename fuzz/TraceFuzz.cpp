@@ -74,12 +74,12 @@ std::string traceOf(const std::string& command) {
     const std::string path = folder.path("trace");
     standin::Host host;
     runner::EventTrace trace(path,
-                             {"tool", "m.mcr", {{"--batch", {}}, {"--style", {"s"}}}, true, false, {"null-handle"}});
+                             {"tool", "m.macro", {{"--batch", {}}, {"--style", {"s"}}}, true, false, {"null-handle"}});
     host.setObserver(&trace);
     host.setRecording(true);
     host.linkAddOn(addOn);
-    host.run("ONE", command, "m.mcr:1");
-    host.run("ONE", "", "m.mcr:2");
+    host.run("ONE", command, "m.macro:1");
+    host.run("ONE", "", "m.macro:2");
     host.unloadAddOns();
     trace.finish(1, "a command failed");
     return runner::readWholeFile(path);

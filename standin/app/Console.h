@@ -10,8 +10,8 @@ inline constexpr const char* kProgramName = "vexa-standin";
 
 /// Puts a message on the standard error output, after all that went to the standard output so far.
 ///
-///     tell("sweep.mcr:3: STATS", "no such zone\nzones are 1 to 4\n");
-///     // sweep.mcr:3: STATS: no such zone
+///     tell("sweep.macro:3: STATS", "no such zone\nzones are 1 to 4\n");
+///     // sweep.macro:3: STATS: no such zone
 ///     //     zones are 1 to 4
 ///
 /// Blanks and line feeds at the end of \p text are left away.

@@ -18,10 +18,10 @@ The stand-in host sees every call that an add-on makes, and checks it against th
 is a *finding*: it says what happened, in which command, at which of the calls, what came before, and how to mend it.
 
 ```
-$ vexa-standin run sweep.mcr --addon ./libstats.so --strict
-sweep.mcr:3: STATS: error: the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]
-    first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", sweep.mcr:3, thread 1
-    seen:  the end of "STATS MEAN ZONES = '1-3'", sweep.mcr:3, thread 1
+$ vexa-standin run sweep.macro --addon ./libstats.so --strict
+sweep.macro:3: STATS: error: the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]
+    first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+    seen:  the end of "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
     hint:  Hold the lock by an AddOnIdLock, which gives it back on every way out, also when an exception passes.
 ```
 

@@ -36,8 +36,8 @@ What they print comes in the order of the files, and then a summary; the exit
 status is the highest of theirs. Ctrl-C stops all.
 
 Examples:
-  vexa-standin run sweep.mcr --addon ./libstats.so --record recorded.mcr
-  vexa-standin run macros/*.mcr --addon ./libstats.so --jobs 4 --json results.jsonl
+  vexa-standin run sweep.macro --addon ./libstats.so --record recorded.macro
+  vexa-standin run macros/*.macro --addon ./libstats.so --jobs 4 --json results.jsonl
 
 Exit status:
   0    all went well

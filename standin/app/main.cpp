@@ -29,7 +29,7 @@ constexpr const char* kAbout = "Runs add-ons, and macro files of their commands,
 
 constexpr const char* kFooter = R"(Examples:
   vexa-standin new wake-probe
-  vexa-standin run sweep.mcr --addon ./libstats.so --strict
+  vexa-standin run sweep.macro --addon ./libstats.so --strict
 
 'vexa-standin COMMAND --help' shows the options of a command, examples, and the
 exit statuses.)";

@@ -83,9 +83,9 @@ TEST_F(CheckReports, AreReadableWhateverTheAddOnSays) {
 
 TEST_F(CheckReports, StayAsTheyWereWhenTheCheckIsKilled) {
     write("c.json", "the report before");
-    write("m.mcr", "ROGUE kill\n");
+    write("m.macro", "ROGUE kill\n");
     const ProgramResult killed =
-        check("rogue", {"--macro", "m.mcr", "--only", "commands-in-order", "--in-process", "--json", "c.json"});
+        check("rogue", {"--macro", "m.macro", "--only", "commands-in-order", "--in-process", "--json", "c.json"});
     EXPECT_EQ(killed.status, -SIGKILL);
     EXPECT_FALSE(has(killed, "check passed"));
     EXPECT_EQ(read("c.json"), "the report before");

@@ -19,8 +19,8 @@ std::ostream& operator<<(std::ostream& out, const RuleBroken& broken) { return o
 class BrokenRule : public Check, public ::testing::WithParamInterface<RuleBroken> {
 protected:
     ProgramResult result(const std::vector<std::string>& more = {}) const {
-        write("m.mcr", std::string("MISBEHAVING ") + GetParam().command + '\n');
-        std::vector<std::string> arguments = {"check",  ADDON_MISBEHAVING, "--macro",   "m.mcr",
+        write("m.macro", std::string("MISBEHAVING ") + GetParam().command + '\n');
+        std::vector<std::string> arguments = {"check",  ADDON_MISBEHAVING, "--macro",   "m.macro",
                                               "--only", GetParam().test,   "--timeout", "2"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return runProgram(runner(arguments));
@@ -39,9 +39,9 @@ TEST_P(BrokenRule, IsFoundAndCanBeReproduced) {
 }
 
 TEST_P(BrokenRule, PassesWithItsWellBehavedTwin) {
-    write("m.mcr", std::string("MISBEHAVING ") + GetParam().command + "-twin\n");
+    write("m.macro", std::string("MISBEHAVING ") + GetParam().command + "-twin\n");
     const ProgramResult well =
-        runProgram(runner({"check", ADDON_MISBEHAVING, "--macro", "m.mcr", "--only", GetParam().test}));
+        runProgram(runner({"check", ADDON_MISBEHAVING, "--macro", "m.macro", "--only", GetParam().test}));
     EXPECT_TRUE(cameOut(well, GetParam().test, "passed")) << well.out;
     EXPECT_EQ(well.status, 0);
 }
@@ -91,17 +91,17 @@ INSTANTIATE_TEST_SUITE_P(OfEachKind, BrokenRule,
                          });
 
 TEST_F(Check, LetsASuppressedRulePass) {
-    write("m.mcr", "MISBEHAVING leaked-arglist\n");
-    const ProgramResult result = runProgram(runner(
-        {"check", ADDON_MISBEHAVING, "--macro", "m.mcr", "--only", "commands-alone", "--suppress", "leaked-arglist"}));
+    write("m.macro", "MISBEHAVING leaked-arglist\n");
+    const ProgramResult result = runProgram(runner({"check", ADDON_MISBEHAVING, "--macro", "m.macro", "--only",
+                                                    "commands-alone", "--suppress", "leaked-arglist"}));
     EXPECT_EQ(result.status, 0) << result.out;
 }
 
 TEST_F(Check, TakesTheProjectFile) {
     write("vexa-standin.toml", "suppress = [\"leaked-arglist\"]\n");
-    write("m.mcr", "MISBEHAVING leaked-arglist\n");
+    write("m.macro", "MISBEHAVING leaked-arglist\n");
     const ProgramResult result =
-        runProgram(runner({"check", ADDON_MISBEHAVING, "--macro", "m.mcr", "--only", "commands-alone"}));
+        runProgram(runner({"check", ADDON_MISBEHAVING, "--macro", "m.macro", "--only", "commands-alone"}));
     EXPECT_EQ(result.status, 0) << result.out;
 }
 

@@ -21,8 +21,8 @@ protected:
     /// The same with a macro and one test.
     ProgramResult checkMacro(const std::string& addOn, const std::string& macro, const std::string& test,
                              const std::vector<std::string>& more = {}) const {
-        write("m.mcr", macro);
-        std::vector<std::string> options = {"--macro", "m.mcr", "--only", test};
+        write("m.macro", macro);
+        std::vector<std::string> options = {"--macro", "m.macro", "--only", test};
         options.insert(options.end(), more.begin(), more.end());
         return check(addOn, options);
     }

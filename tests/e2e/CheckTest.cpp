@@ -36,8 +36,8 @@ bool isGoneSoon(pid_t process) {
 // ---- The command
 
 TEST_F(Check, PassesAnAddOnThatIsWell) {
-    write("m.mcr", "ROGUE nothing\nROGUE nothing\n");
-    const ProgramResult result = check("rogue", {"--macro", "m.mcr", "--level", "1"});
+    write("m.macro", "ROGUE nothing\nROGUE nothing\n");
+    const ProgramResult result = check("rogue", {"--macro", "m.macro", "--level", "1"});
     EXPECT_EQ(result.status, 0) << result.out;
     EXPECT_TRUE(cameOut(result, "load", "passed")) << result.out;
     EXPECT_TRUE(cameOut(result, "binary-hygiene", "passed")) << result.out;
@@ -81,7 +81,7 @@ TEST_F(Check, ExplainsItsTests) {
 }
 
 TEST_F(Check, RefusesWrongUsageAndInput) {
-    write("wrong.mcr", "OTHER command\n");
+    write("wrong.macro", "OTHER command\n");
     write("style.json", "{");
     struct Case {
         const char* why;
@@ -95,8 +95,8 @@ TEST_F(Check, RefusesWrongUsageAndInput) {
         {"an unknown test", {addOn, "--only", "frob"}, "there is no test \"frob\""},
         {"an unknown rule", {addOn, "--suppress", "frob"}, "there is no rule \"frob\""},
         {"a level there is none of", {addOn, "--level", "4"}, "--level"},
-        {"a missing macro", {addOn, "--macro", "gone.mcr"}, "gone.mcr: cannot be read"},
-        {"a macro for another add-on", {addOn, "--macro", "wrong.mcr"}, "wrong.mcr:1: no add-on 'OTHER' is loaded"},
+        {"a missing macro", {addOn, "--macro", "gone.macro"}, "gone.macro: cannot be read"},
+        {"a macro for another add-on", {addOn, "--macro", "wrong.macro"}, "wrong.macro:1: no add-on 'OTHER' is loaded"},
         {"a wrong style file", {addOn, "--style", "style.json"}, "style.json:1:1"},
         {"one file for two reports", {addOn, "--json", "r", "--sarif", "./r"}, "./r: cannot hold two reports"},
         {"a report that cannot be written",
@@ -133,7 +133,7 @@ TEST_F(Check, SurvivesACrashAndTellsOfIt) {
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(cameOut(result, "commands-in-order", "crashed")) << result.out;
     EXPECT_TRUE(has(result, "SIGABRT")) << result.out;
-    EXPECT_TRUE(has(result, "during: ROGUE abort (m.mcr:2)")) << result.out;
+    EXPECT_TRUE(has(result, "during: ROGUE abort (m.macro:2)")) << result.out;
     EXPECT_TRUE(has(result, "last host call: 1, VexaUtilMacroIsBatchModeActive()")) << result.out;
     EXPECT_TRUE(has(result, "check failed: 1 passed, 1 crashed")) << result.out;
 }
@@ -219,8 +219,8 @@ TEST_F(Check, ShowsTheLastThatACrashedAddOnPrinted) {
 }
 
 TEST_F(Check, GivesAnAddOnNothingToRead) {
-    write("m.mcr", "ROGUE read\n");
-    Program program = runner({"check", CHECK_ADDONS "/rogue.so", "--macro", "m.mcr", "--only", "commands-in-order"});
+    write("m.macro", "ROGUE read\n");
+    Program program = runner({"check", CHECK_ADDONS "/rogue.so", "--macro", "m.macro", "--only", "commands-in-order"});
     program.input = "not for the add-on\n";
     EXPECT_EQ(runProgram(program).status, 0);
 }
@@ -343,7 +343,8 @@ TEST_F(Check, LetsACommandFailThatHasToComeAfterAnother) {
 TEST_F(Check, FailsWhenAMacroDoes) {
     const ProgramResult result = checkMacro("moody", "MOODY go-on\n", "commands-in-order");
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(has(result, "m.mcr:1: the command failed: MOODY go-on\n      its message: begin first")) << result.out;
+    EXPECT_TRUE(has(result, "m.macro:1: the command failed: MOODY go-on\n      its message: begin first"))
+        << result.out;
     EXPECT_EQ(reproduced(result).status, 1);
 }
 

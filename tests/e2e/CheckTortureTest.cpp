@@ -21,10 +21,10 @@ protected:
 
     ProgramResult checkMacro(const std::string& macro, const std::string& addOn, const std::string& test,
                              const std::vector<std::string>& options = {}) const {
-        write("m.mcr", macro);
+        write("m.macro", macro);
         // The test of an add-on with a mistake ends when it is found, which may take long on a busy machine.
         const char* const time = addOn == "twin" ? "1" : "60";
-        Program program = runner({"check", fileOf(addOn), "--macro", "m.mcr", "--only", test, "--seed", "1", "--time",
+        Program program = runner({"check", fileOf(addOn), "--macro", "m.macro", "--only", test, "--seed", "1", "--time",
                                   time, "--timeout", timeoutFor(addOn)});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         return runProgram(program);
@@ -70,7 +70,7 @@ TEST_F(CheckTorture, PassesWhatStandsFailingCalls) {
 
 TEST_F(CheckTorture, FindsWhatLeaksWhenACallFails) {
     expectFailure(check("append-leak", "host-call-fails"), "host-call-fails",
-                  {"[leaked-arglist]", "TORTURED WORK (m.mcr:1): call 1 of VexaUtilArgListAppend"});
+                  {"[leaked-arglist]", "TORTURED WORK (m.macro:1): call 1 of VexaUtilArgListAppend"});
 }
 
 TEST_F(CheckTorture, FindsTheLockThatStaysWhenThereIsNoStringForTheMessage) {
@@ -165,7 +165,7 @@ TEST_F(CheckTorture, FindsARecordingThatCannotBePlayedBack) {
 
 TEST_F(CheckTorture, DamagesNothingInTheFolder) {
     check("twin", "mutated-text");
-    EXPECT_EQ(fileNames(), std::vector<std::string>{"m.mcr"});
+    EXPECT_EQ(fileNames(), std::vector<std::string>{"m.macro"});
 }
 
 TEST_F(CheckTorture, FindsTheSameAgainWithTheSameSeed) {

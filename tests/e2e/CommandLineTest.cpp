@@ -25,7 +25,7 @@ TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
     const ProgramResult result = runProgram(runner({"run", "--help"}));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    for (const char* part : {"vexa-standin run sweep.mcr --addon", "  0    all went well", "  1    a command failed",
+    for (const char* part : {"vexa-standin run sweep.macro --addon", "  0    all went well", "  1    a command failed",
                              "  2    wrong usage or input", "  3    with --strict", "  4    with --timeout",
                              "--suppress RULE", "--timeout SECONDS", "  130  stopped by Ctrl-C", "--record FILE",
                              "--journal FILE", "--style FILE.json", "--batch", "--keep-going", "--verbose"}) {
@@ -57,7 +57,7 @@ TEST_F(CommandLine, WithoutSubcommandShowsTheHelpAsAnError) {
 }
 
 TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
-    write("m.mcr", "ONE ECHO ran\n");
+    write("m.macro", "ONE ECHO ran\n");
     struct Case {
         const char* why;
         std::vector<std::string> arguments;
@@ -65,25 +65,25 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
     };
     const Case cases[] = {
         {"unknown subcommand", {"walk"}, "walk"},
-        {"unknown option", {"run", "m.mcr", "--addon", ADDON_ONE, "--fast"}, "--fast"},
+        {"unknown option", {"run", "m.macro", "--addon", ADDON_ONE, "--fast"}, "--fast"},
         {"no macro file", {"run", "--addon", ADDON_ONE}, "MACROFILE"},
-        {"no add-on to run with", {"run", "m.mcr"}, "--addon"},
+        {"no add-on to run with", {"run", "m.macro"}, "--addon"},
         {"no add-on to list", {"list"}, "--addon"},
-        {"option without its file", {"run", "m.mcr", "--addon", ADDON_ONE, "--record"}, "--record"},
-        {"option given twice", {"run", "m.mcr", "--addon", ADDON_ONE, "--record", "a", "--record", "b"}, "--record"},
-        {"one recording of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--record", "r"}, "--record"},
-        {"one journal of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--journal", "r"}, "--journal"},
-        {"one trace of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--trace", "r"}, "--trace"},
-        {"one text of two", {"run", "m.mcr", "m.mcr", "--addon", ADDON_ONE, "--trace-text", "r"}, "--trace-text"},
-        {"several of the standard input", {"run", "m.mcr", "-", "--addon", ADDON_ONE}, "MACROFILE -"},
-        {"no jobs", {"run", "m.mcr", "--addon", ADDON_ONE, "--jobs", "0"}, "--jobs"},
+        {"option without its file", {"run", "m.macro", "--addon", ADDON_ONE, "--record"}, "--record"},
+        {"option given twice", {"run", "m.macro", "--addon", ADDON_ONE, "--record", "a", "--record", "b"}, "--record"},
+        {"one recording of two", {"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--record", "r"}, "--record"},
+        {"one journal of two", {"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--journal", "r"}, "--journal"},
+        {"one trace of two", {"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--trace", "r"}, "--trace"},
+        {"one text of two", {"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--trace-text", "r"}, "--trace-text"},
+        {"several of the standard input", {"run", "m.macro", "-", "--addon", ADDON_ONE}, "MACROFILE -"},
+        {"no jobs", {"run", "m.macro", "--addon", ADDON_ONE, "--jobs", "0"}, "--jobs"},
         {"no style file", {"style", "A"}, "--style"},
         {"no path", {"style", "--style", "s.json"}, "PATH"},
         {"seven keywords",
          {"style", "--style", "s.json", "A", "B", "C", "D", "E", "F", "G"},
          "six keywords are the most"},
         {"an offset that is no number", {"style", "--style", "s.json", "A", "--offset1", "one"}, "--offset1"},
-        {"two subcommands", {"list", "--addon", ADDON_ONE, "run", "m.mcr", "--addon", ADDON_ONE}, "run"},
+        {"two subcommands", {"list", "--addon", ADDON_ONE, "run", "m.macro", "--addon", ADDON_ONE}, "run"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -98,21 +98,21 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
 }
 
 TEST_F(CommandLine, TellsWhatMayBeMeant) {
-    write("m.mcr", "ONE ECHO ran\n");
+    write("m.macro", "ONE ECHO ran\n");
     struct Case {
         const char* why;
         std::vector<std::string> arguments;
         const char* line;  // "" for none
     };
     const Case cases[] = {
-        {"letters swapped", {"rnu", "m.mcr", "--addon", ADDON_ONE}, "rnu: did you mean run?"},
+        {"letters swapped", {"rnu", "m.macro", "--addon", ADDON_ONE}, "rnu: did you mean run?"},
         {"a letter missing", {"chek"}, "chek: did you mean check?"},
         {"nothing is near", {"frobnicate"}, ""},
-        {"an option", {"run", "m.mcr", "--addon", ADDON_ONE, "--recrod", "r"}, "--recrod: did you mean --record?"},
-        {"with its value", {"run", "m.mcr", "--addon", ADDON_ONE, "--recrod=r"}, "--recrod: did you mean --record?"},
-        {"a required one", {"run", "m.mcr", "--adon", ADDON_ONE}, "--adon: did you mean --addon?"},
+        {"an option", {"run", "m.macro", "--addon", ADDON_ONE, "--recrod", "r"}, "--recrod: did you mean --record?"},
+        {"with its value", {"run", "m.macro", "--addon", ADDON_ONE, "--recrod=r"}, "--recrod: did you mean --record?"},
+        {"a required one", {"run", "m.macro", "--adon", ADDON_ONE}, "--adon: did you mean --addon?"},
         {"the beginning of several",
-         {"run", "m.mcr", "--addon", ADDON_ONE, "--trac=t"},
+         {"run", "m.macro", "--addon", ADDON_ONE, "--trac=t"},
          "--trac: did you mean --trace or --trace-text?"},
         {"an option of the program", {"--versoin"}, "--versoin: did you mean --version?"},
         {"not an option of another command", {"list", "--addon", ADDON_ONE, "--recrod"}, ""},
@@ -151,15 +151,15 @@ TEST_F(CommandLine, HelpOfEveryCommandShowsAnExampleAndTheExitStatuses) {
 }
 
 TEST_F(CommandLine, MacroFileMayFollowTheAddOns) {
-    write("m.mcr", "ONE ECHO ran\n");
-    const ProgramResult result = runProgram(runner({"run", "--addon", ADDON_ONE, "m.mcr"}));
+    write("m.macro", "ONE ECHO ran\n");
+    const ProgramResult result = runProgram(runner({"run", "--addon", ADDON_ONE, "m.macro"}));
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "ran\n");
 }
 
 TEST_F(CommandLine, AFullStandardOutputIsAnError) {
-    write("m.mcr", "ONE ECHO lost\n");
-    const std::string command = std::string(VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " > /dev/full");
+    write("m.macro", "ONE ECHO lost\n");
+    const std::string command = std::string(VEXA_STANDIN " run m.macro --addon " ADDON_ONE " > /dev/full");
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "vexa-standin: the standard output could not be written\n");
@@ -170,21 +170,21 @@ TEST_F(CommandLine, RunningOutOfMemoryIsToldInOneLine) {
     if (runProgram({{"sh", "-c", limited + "--version"}, folder(), "", false}).status != 0) {
         GTEST_SKIP() << "built with a sanitizer, the program needs more address space than that";
     }
-    write("m.mcr", "");
-    std::filesystem::resize_file(folder() / "m.mcr", 200'000'000);
+    write("m.macro", "");
+    std::filesystem::resize_file(folder() / "m.macro", 200'000'000);
     const ProgramResult result =
-        runProgram({{"sh", "-c", limited + "run m.mcr --addon " ADDON_ONE}, folder(), "", false});
+        runProgram({{"sh", "-c", limited + "run m.macro --addon " ADDON_ONE}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "vexa-standin: out of memory\n");
 }
 
 TEST_F(CommandLine, AClosedStandardOutputIsNotMixedUpWithARecording) {
-    write("m.mcr", "ONE SAY hello\n");
-    const std::string command = VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " --record r.mcr >&-";
+    write("m.macro", "ONE SAY hello\n");
+    const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_ONE " --record r.macro >&-";
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(read("r.mcr").find("\nhello\n"), std::string::npos) << read("r.mcr");
-    EXPECT_NE(read("r.mcr").find("\nONE SAY hello\n"), std::string::npos) << read("r.mcr");
+    EXPECT_EQ(read("r.macro").find("\nhello\n"), std::string::npos) << read("r.macro");
+    EXPECT_NE(read("r.macro").find("\nONE SAY hello\n"), std::string::npos) << read("r.macro");
 }
 
 }  // namespace

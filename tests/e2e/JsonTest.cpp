@@ -30,11 +30,11 @@ TEST_F(Json, HasALineForEachCommandAndOneForTheEnd) {
         EXPECT_GE(lines[i].at("seconds"), 0.0);
         lines[i].erase("seconds");
     }
-    EXPECT_EQ(lines[0], json::parse(R"({"place": "m.mcr:1", "addOn": "ONE", "command": "ECHO a", "accepted": true,
+    EXPECT_EQ(lines[0], json::parse(R"({"place": "m.macro:1", "addOn": "ONE", "command": "ECHO a", "accepted": true,
                                         "error": "", "findings": []})"));
-    EXPECT_EQ(lines[1], json::parse(R"({"place": "m.mcr:3", "addOn": "ONE", "command": "FAIL no|such zone|",
+    EXPECT_EQ(lines[1], json::parse(R"({"place": "m.macro:3", "addOn": "ONE", "command": "FAIL no|such zone|",
                                         "accepted": false, "error": "no\nsuch zone", "findings": []})"));
-    EXPECT_EQ(lines[2], json::parse(R"({"macroFile": "m.mcr", "exitStatus": 1, "findings": []})"));
+    EXPECT_EQ(lines[2], json::parse(R"({"macroFile": "m.macro", "exitStatus": 1, "findings": []})"));
 }
 
 TEST_F(Json, OnTheStandardOutputIsAlone) {
@@ -69,9 +69,9 @@ TEST_F(Json, IsThereWhenTheAddOnTakesTheProgramDown) {
 }
 
 TEST_F(Json, TellsOfACommandThatHangs) {
-    write("m.mcr", "HANGING HANG\n");
+    write("m.macro", "HANGING HANG\n");
     const ProgramResult result =
-        runProgram(runner({"run", "m.mcr", "--addon", ADDON_HANGING, "--timeout", "0.2", "--json", "r.jsonl"}));
+        runProgram(runner({"run", "m.macro", "--addon", ADDON_HANGING, "--timeout", "0.2", "--json", "r.jsonl"}));
     EXPECT_EQ(result.status, 4);
     const std::vector<json> lines = objectsIn("r.jsonl");
     ASSERT_EQ(lines.size(), 2U);
@@ -82,7 +82,7 @@ TEST_F(Json, TellsOfACommandThatHangs) {
 
 TEST_F(Json, TellsOfAMacroThatCannotBeRun) {
     EXPECT_EQ(runMacro("TWO ECHO a\n", {"--json", "-"}).out,
-              "{\"macroFile\":\"m.mcr\",\"exitStatus\":2,\"findings\":[]}\n");
+              "{\"macroFile\":\"m.macro\",\"exitStatus\":2,\"findings\":[]}\n");
 }
 
 TEST_F(Json, HoldsWhatIsNoUtf8AsAReplacementCharacter) {
@@ -90,17 +90,17 @@ TEST_F(Json, HoldsWhatIsNoUtf8AsAReplacementCharacter) {
 }
 
 TEST_F(Json, RefusesAFileOfTheRun) {
-    EXPECT_EQ(runMacro("ONE SAY a\n", {"--json", "m.mcr"}).err,
-              "m.mcr: cannot be written: the run uses it as m.mcr, too\n");
+    EXPECT_EQ(runMacro("ONE SAY a\n", {"--json", "m.macro"}).err,
+              "m.macro: cannot be written: the run uses it as m.macro, too\n");
     const ProgramResult result = runMacro("ONE SAY a\n", {"--json", "x", "--trace", "./x"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "x: cannot be written: the run uses it as ./x, too\n");
-    EXPECT_EQ(read("m.mcr"), "ONE SAY a\n");
+    EXPECT_EQ(read("m.macro"), "ONE SAY a\n");
 }
 
 TEST_F(Json, ThatCannotBeWrittenIsAnError) {
-    write("m.mcr", "ONE ECHO a\n");
-    const std::string command = VEXA_STANDIN " run m.mcr --json - --addon " ADDON_ONE " > /dev/full";
+    write("m.macro", "ONE ECHO a\n");
+    const std::string command = VEXA_STANDIN " run m.macro --json - --addon " ADDON_ONE " > /dev/full";
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "a\n<stdout>: cannot be written: No space left on device\n");

@@ -46,28 +46,29 @@ TEST_F(MacroFile, RefusesALine) {
         const char* err;
     };
     const Case cases[] = {
-        {"unknown id", "TWO ECHO a\n", "m.mcr:1: no add-on 'TWO' is loaded\n"},
-        {"ids differ by case", "one ECHO a\n", "m.mcr:1: no add-on 'one' is loaded\n"},
-        {"a second byte-order mark", "\n\xEF\xBB\xBFONE ECHO a\n", "m.mcr:2: no add-on '\xEF\xBB\xBFONE' is loaded\n"},
-        {"no command", "ONE\n", "m.mcr:1: a command of 'ONE' was expected after its name\n"},
-        {"no command, CRLF", "ONE\r\n", "m.mcr:1: a command of 'ONE' was expected after its name\n"},
-        {"only blanks for a command", "ONE \t \r\n", "m.mcr:1: a command of 'ONE' was expected after its name\n"},
-        {"NUL in a command", "ONE ECHO a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
-        {"NUL in a comment", "# a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
-        {"NUL at the very end", "\n\0"s, "m.mcr:2: the line holds a NUL byte\n"},
-        {"NUL at the very end, CRLF", "# a\r\n\0"s, "m.mcr:2: the line holds a NUL byte\n"},
-        {"NUL at the end of the last line", "# a\n# b\0"s, "m.mcr:2: the line holds a NUL byte\n"},
-        {"NUL before a line end", "# a\0\n# b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
-        {"NUL at the start", "\0# a\n"s, "m.mcr:1: the line holds a NUL byte\n"},
-        {"NUL in a line of an unknown id", "TWO a\0b\n"s, "m.mcr:1: the line holds a NUL byte\n"},
-        {"CR in a command", "ONE ECHO a\rb\nONE ECHO c\n", "m.mcr:1: the line holds a carriage return\n"},
-        {"CR in the last line", "# a\nONE ECHO a\rb\n", "m.mcr:2: the line holds a carriage return\n"},
-        {"CR in a last line without LF", "ONE ECHO a\rb", "m.mcr:1: the line holds a carriage return\n"},
-        {"CR at the start of a line", "\rONE ECHO a\n# b\n", "m.mcr:1: the line holds a carriage return\n"},
-        {"only one CR belongs to a line end", "ONE ECHO a\r\r\n", "m.mcr:1: the line holds a carriage return\n"},
-        {"two CRs at the end of an earlier line", "# a\r\r\n# b\n", "m.mcr:1: the line holds a carriage return\n"},
-        {"CR for line ends", "# a\rONE ECHO a\r", "m.mcr:1: the line holds a carriage return\n"},
-        {"CR, then NUL", "ONE ECHO a\rb\0"s, "m.mcr:1: the line holds a carriage return\n"},
+        {"unknown id", "TWO ECHO a\n", "m.macro:1: no add-on 'TWO' is loaded\n"},
+        {"ids differ by case", "one ECHO a\n", "m.macro:1: no add-on 'one' is loaded\n"},
+        {"a second byte-order mark", "\n\xEF\xBB\xBFONE ECHO a\n",
+         "m.macro:2: no add-on '\xEF\xBB\xBFONE' is loaded\n"},
+        {"no command", "ONE\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
+        {"no command, CRLF", "ONE\r\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
+        {"only blanks for a command", "ONE \t \r\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
+        {"NUL in a command", "ONE ECHO a\0b\n"s, "m.macro:1: the line holds a NUL byte\n"},
+        {"NUL in a comment", "# a\0b\n"s, "m.macro:1: the line holds a NUL byte\n"},
+        {"NUL at the very end", "\n\0"s, "m.macro:2: the line holds a NUL byte\n"},
+        {"NUL at the very end, CRLF", "# a\r\n\0"s, "m.macro:2: the line holds a NUL byte\n"},
+        {"NUL at the end of the last line", "# a\n# b\0"s, "m.macro:2: the line holds a NUL byte\n"},
+        {"NUL before a line end", "# a\0\n# b\n"s, "m.macro:1: the line holds a NUL byte\n"},
+        {"NUL at the start", "\0# a\n"s, "m.macro:1: the line holds a NUL byte\n"},
+        {"NUL in a line of an unknown id", "TWO a\0b\n"s, "m.macro:1: the line holds a NUL byte\n"},
+        {"CR in a command", "ONE ECHO a\rb\nONE ECHO c\n", "m.macro:1: the line holds a carriage return\n"},
+        {"CR in the last line", "# a\nONE ECHO a\rb\n", "m.macro:2: the line holds a carriage return\n"},
+        {"CR in a last line without LF", "ONE ECHO a\rb", "m.macro:1: the line holds a carriage return\n"},
+        {"CR at the start of a line", "\rONE ECHO a\n# b\n", "m.macro:1: the line holds a carriage return\n"},
+        {"only one CR belongs to a line end", "ONE ECHO a\r\r\n", "m.macro:1: the line holds a carriage return\n"},
+        {"two CRs at the end of an earlier line", "# a\r\r\n# b\n", "m.macro:1: the line holds a carriage return\n"},
+        {"CR for line ends", "# a\rONE ECHO a\r", "m.macro:1: the line holds a carriage return\n"},
+        {"CR, then NUL", "ONE ECHO a\rb\0"s, "m.macro:1: the line holds a carriage return\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -83,23 +84,23 @@ TEST_F(MacroFile, AllProblemsAreToldAndNothingRuns) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "m.mcr:2: no add-on 'TWO' is loaded\n"
-              "m.mcr:4: a command of 'ONE' was expected after its name\n"
-              "m.mcr:5: no add-on 'THREE' is loaded\n");
+              "m.macro:2: no add-on 'TWO' is loaded\n"
+              "m.macro:4: a command of 'ONE' was expected after its name\n"
+              "m.macro:5: no add-on 'THREE' is loaded\n");
 }
 
 TEST_F(MacroFile, IsQuotedShortlyWhenAnIdIsLong) {
     const std::string whole(200, 'x');
-    EXPECT_EQ(runMacro(whole).err, "m.mcr:1: no add-on '" + whole + "' is loaded\n");
-    EXPECT_EQ(runMacro(whole + 'x').err, "m.mcr:1: no add-on '" + whole + "...' is loaded\n");
+    EXPECT_EQ(runMacro(whole).err, "m.macro:1: no add-on '" + whole + "' is loaded\n");
+    EXPECT_EQ(runMacro(whole + 'x').err, "m.macro:1: no add-on '" + whole + "...' is loaded\n");
     const std::string accented = std::string(199, 'x') + "\xC3\xA9";
-    EXPECT_EQ(runMacro(accented).err, "m.mcr:1: no add-on '" + std::string(199, 'x') + "...' is loaded\n")
+    EXPECT_EQ(runMacro(accented).err, "m.macro:1: no add-on '" + std::string(199, 'x') + "...' is loaded\n")
         << "no character is cut apart";
 }
 
 TEST_F(MacroFile, IsShownAsItWasNamed) {
-    write("m.mcr", "TWO ECHO a\n");
-    const std::string path = (folder() / "m.mcr").string();
+    write("m.macro", "TWO ECHO a\n");
+    const std::string path = (folder() / "m.macro").string();
     const ProgramResult result = runProgram(runner({"run", path, "--addon", ADDON_ONE}));
     EXPECT_EQ(result.err, path + ":1: no add-on 'TWO' is loaded\n");
 }
@@ -107,22 +108,22 @@ TEST_F(MacroFile, IsShownAsItWasNamed) {
 TEST_F(MacroFile, ThatIsMissingIsRefused) {
     const ProgramResult result = runProgram(macroRunner());
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "m.mcr: cannot be read: No such file or directory\n");
+    EXPECT_EQ(result.err, "m.macro: cannot be read: No such file or directory\n");
 }
 
 TEST_F(MacroFile, ThatIsAFolderIsRefused) {
-    std::filesystem::create_directory(folder() / "m.mcr");
+    std::filesystem::create_directory(folder() / "m.macro");
     const ProgramResult result = runProgram(macroRunner());
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "m.mcr: cannot be read: Is a directory\n");
+    EXPECT_EQ(result.err, "m.macro: cannot be read: Is a directory\n");
 }
 
 TEST_F(UnprivilegedMacroFile, ThatMayNotBeReadIsRefused) {
-    write("m.mcr", "ONE ECHO a\n");
-    std::filesystem::permissions(folder() / "m.mcr", std::filesystem::perms(0));
+    write("m.macro", "ONE ECHO a\n");
+    std::filesystem::permissions(folder() / "m.macro", std::filesystem::perms(0));
     const ProgramResult result = runUnprivileged(macroRunner());
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "m.mcr: cannot be read: Permission denied\n");
+    EXPECT_EQ(result.err, "m.macro: cannot be read: Permission denied\n");
 }
 
 TEST_F(MacroFile, MayComeFromTheStandardInput) {
@@ -142,8 +143,8 @@ TEST_F(MacroFile, FromAClosedStandardInputIsRefused) {
 }
 
 TEST_F(MacroFile, FromTheStandardInputBeginsWhereThatStands) {
-    write("m.mcr", "ONE ECHO a\nONE ECHO b\n");
-    const std::string command = "{ read line; exec " VEXA_STANDIN " run - --addon " ADDON_ONE "; } < m.mcr";
+    write("m.macro", "ONE ECHO a\nONE ECHO b\n");
+    const std::string command = "{ read line; exec " VEXA_STANDIN " run - --addon " ADDON_ONE "; } < m.macro";
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "b\n");
@@ -159,21 +160,22 @@ TEST_F(MacroFile, OfTheStandardInputHasItsProblemsPlacedThere) {
 }
 
 TEST_F(MacroFile, MayComeThroughAPipe) {
-    const std::string command =
-        "mkfifo m.mcr && { printf 'ONE ECHO a\nONE FAIL no' > m.mcr & }; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE;
+    const std::string command = "mkfifo m.macro && { printf 'ONE ECHO a\nONE FAIL no' > m.macro & }; " VEXA_STANDIN
+                                " run m.macro --addon " ADDON_ONE;
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "a\n");
-    EXPECT_EQ(result.err, "m.mcr:2: ONE: no\n");
+    EXPECT_EQ(result.err, "m.macro:2: ONE: no\n");
 }
 
 TEST_F(MacroFile, FromAPipeHasItsProblemsPlacedUnderItsName) {
-    const std::string command = "mkfifo m.mcr && { printf 'ONE ECHO a\nONE ECHO b\\rc\nTWO' > m.mcr & }; " VEXA_STANDIN
-                                " run m.mcr --addon " ADDON_ONE;
+    const std::string command =
+        "mkfifo m.macro && { printf 'ONE ECHO a\nONE ECHO b\\rc\nTWO' > m.macro & }; " VEXA_STANDIN
+        " run m.macro --addon " ADDON_ONE;
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "m.mcr:2: the line holds a carriage return\nm.mcr:3: no add-on 'TWO' is loaded\n");
+    EXPECT_EQ(result.err, "m.macro:2: the line holds a carriage return\nm.macro:3: no add-on 'TWO' is loaded\n");
 }
 
 TEST_F(MacroFile, MayBeOneOfTheSystemThatTellsNoSize) {

@@ -89,7 +89,7 @@ TEST_F(Manual, CompletesWordByWord) {
         {"commands", "vexa-standin re", "repl report\n"},
         {"all commands", "vexa-standin ''", "new run repl test check report explain list style\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
-        {"options behind a file", "vexa-standin run m.mcr --rec", "--record\n"},
+        {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
         {"a rule to explain", "vexa-standin explain leaked-m", "leaked-mutex\n"},
         {"tests of the check", "vexa-standin check --only load", "load load-unload\n"},
@@ -102,14 +102,14 @@ TEST_F(Manual, CompletesWordByWord) {
 
 TEST_F(Manual, CompletesInAShell) {
     write("complete.bash", manual("bash"));
-    write("sweep.mcr", "");
+    write("sweep.macro", "");
     PtyProgram shell({{"bash", "--norc", "--noprofile", "-i"}, folder(), "", false}, kColumns,
                      {"TERM=dumb", "PS1=ready> ", "HISTFILE=", "INPUTRC=/dev/null"});
     ASSERT_TRUE(shell.waitFor("ready> "));
     shell.type("bind 'set enable-bracketed-paste off'; . ./complete.bash; vexa-standin() { echo \"got: $*\"; }\n");
     ASSERT_TRUE(shell.waitFor("ready> ")) << shell.output();
-    shell.type("vexa-standin ru\tswe\t--rec\tr.mcr --suppress leaked-mu\t\n");
-    EXPECT_TRUE(shell.waitFor("got: run sweep.mcr --record r.mcr --suppress leaked-mutex")) << shell.output();
+    shell.type("vexa-standin ru\tswe\t--rec\tr.macro --suppress leaked-mu\t\n");
+    EXPECT_TRUE(shell.waitFor("got: run sweep.macro --record r.macro --suppress leaked-mutex")) << shell.output();
     shell.type("exit\n");
     EXPECT_EQ(shell.finish(), 0) << shell.output();
 }

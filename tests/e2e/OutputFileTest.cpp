@@ -17,105 +17,105 @@ const std::string kJournalHead = "# Data-set journal: commands, and the data tha
 
 TEST_F(OutputFile, HoldsTheRecordedCommandsInOrder) {
     const ProgramResult result = runMacro("SECOND SAY b  c \nONE ECHO not recorded\nONE SAY a\n",
-                                          {"--addon", ADDON_SECOND, "--record", "r.mcr"});
+                                          {"--addon", ADDON_SECOND, "--record", "r.macro"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(read("r.mcr"), kRecordingHead + "SECOND SAY b  c \nONE SAY a\n");
+    EXPECT_EQ(read("r.macro"), kRecordingHead + "SECOND SAY b  c \nONE SAY a\n");
 }
 
 TEST_F(OutputFile, IsAMacroFileThatDoesAndRecordsTheSame) {
     const ProgramResult first = runMacro("# x\r\nONE SAY a \r\nSECOND   SAY  b\r\nONE SAY # c",
-                                         {"--addon", ADDON_SECOND, "--record", "r1.mcr"});
+                                         {"--addon", ADDON_SECOND, "--record", "r1.macro"});
     const ProgramResult second =
-        runProgram(runner({"run", "r1.mcr", "--addon", ADDON_ONE, "--addon", ADDON_SECOND, "--record", "r2.mcr"}));
+        runProgram(runner({"run", "r1.macro", "--addon", ADDON_ONE, "--addon", ADDON_SECOND, "--record", "r2.macro"}));
     EXPECT_EQ(first.out, "a \n b\n# c\n");
     EXPECT_EQ(second.status, 0) << second.err;
     EXPECT_EQ(second.out, first.out);
-    EXPECT_EQ(read("r2.mcr"), read("r1.mcr"));
+    EXPECT_EQ(read("r2.macro"), read("r1.macro"));
 }
 
 TEST_F(OutputFile, MayBeTheMacroFileItself) {
-    const ProgramResult result = runMacro("ONE ECHO a\nONE SAY b\n", {"--record", "m.mcr"});
+    const ProgramResult result = runMacro("ONE ECHO a\nONE SAY b\n", {"--record", "m.macro"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "a\nb\n");
-    EXPECT_EQ(read("m.mcr"), kRecordingHead + "ONE SAY b\n");
+    EXPECT_EQ(read("m.macro"), kRecordingHead + "ONE SAY b\n");
 }
 
 TEST_F(OutputFile, WithoutCommandsIsWrittenAllTheSame) {
-    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--record", "r.mcr"}).status, 0);
-    EXPECT_EQ(read("r.mcr"), kRecordingHead);
+    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--record", "r.macro"}).status, 0);
+    EXPECT_EQ(read("r.macro"), kRecordingHead);
 }
 
 TEST_F(OutputFile, RecordingIsOffUnlessAskedFor) {
     EXPECT_EQ(runMacro("ONE RECORDING\n").out, "off\n");
-    EXPECT_EQ(fileNames(), std::vector<std::string>{"m.mcr"});
-    EXPECT_EQ(runMacro("ONE RECORDING\n", {"--journal", "j.mcr"}).out, "off\n");
-    EXPECT_EQ(runMacro("ONE RECORDING\n", {"--record", "r.mcr"}).out, "on\n");
+    EXPECT_EQ(fileNames(), std::vector<std::string>{"m.macro"});
+    EXPECT_EQ(runMacro("ONE RECORDING\n", {"--journal", "j.macro"}).out, "off\n");
+    EXPECT_EQ(runMacro("ONE RECORDING\n", {"--record", "r.macro"}).out, "on\n");
 }
 
 TEST_F(OutputFile, AfterAFailureHoldsTheCommandsUpToThere) {
-    write("r.mcr", "old\n");
-    const ProgramResult result = runMacro("ONE SAY a\nONE FAIL no\nONE SAY b\n", {"--record", "r.mcr"});
+    write("r.macro", "old\n");
+    const ProgramResult result = runMacro("ONE SAY a\nONE FAIL no\nONE SAY b\n", {"--record", "r.macro"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(read("r.mcr"), kRecordingHead + "ONE SAY a\n");
+    EXPECT_EQ(read("r.macro"), kRecordingHead + "ONE SAY a\n");
 }
 
 TEST_F(OutputFile, HoldsTheJournalWithItsDataAsComments) {
     const ProgramResult result =
-        runMacro("ONE JOURNAL a\nONE JOURNALDATA rows=1|columns=2|\nONE JOURNALDATA \n", {"--journal", "j.mcr"});
+        runMacro("ONE JOURNAL a\nONE JOURNALDATA rows=1|columns=2|\nONE JOURNALDATA \n", {"--journal", "j.macro"});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(read("j.mcr"), kJournalHead +
-                                 "ONE JOURNAL a\n"
-                                 "ONE JOURNALDATA\n"
-                                 "#   rows=1\n"
-                                 "#   columns=2\n"
-                                 "#   \n"
-                                 "ONE JOURNALDATA\n"
-                                 "#   \n");
+    EXPECT_EQ(read("j.macro"), kJournalHead +
+                                   "ONE JOURNAL a\n"
+                                   "ONE JOURNALDATA\n"
+                                   "#   rows=1\n"
+                                   "#   columns=2\n"
+                                   "#   \n"
+                                   "ONE JOURNALDATA\n"
+                                   "#   \n");
 }
 
 TEST_F(OutputFile, HoldsTheJournalAsAMacroFile) {
-    runMacro("ONE JOURNAL a\nONE JOURNALDATA b|ONE FAIL c\nONE JOURNAL d|ONE FAIL e\n", {"--journal", "j1.mcr"});
+    runMacro("ONE JOURNAL a\nONE JOURNALDATA b|ONE FAIL c\nONE JOURNAL d|ONE FAIL e\n", {"--journal", "j1.macro"});
     const ProgramResult second =
-        runProgram(runner({"run", "j1.mcr", "--addon", ADDON_ONE, "--verbose", "--journal", "j2.mcr"}));
+        runProgram(runner({"run", "j1.macro", "--addon", ADDON_ONE, "--verbose", "--journal", "j2.macro"}));
     EXPECT_EQ(second.status, 0);
     EXPECT_EQ(second.err,
-              "j1.mcr:2: ONE JOURNAL a\n"
-              "j1.mcr:3: ONE JOURNALDATA\n"
-              "2 commands run, 0 failed; 2 journaled in j2.mcr\n");
-    EXPECT_NE(read("j1.mcr").find("\n# No macro command:\n#   ONE JOURNAL d\n#   ONE FAIL e\n"), std::string::npos)
-        << read("j1.mcr");
+              "j1.macro:2: ONE JOURNAL a\n"
+              "j1.macro:3: ONE JOURNALDATA\n"
+              "2 commands run, 0 failed; 2 journaled in j2.macro\n");
+    EXPECT_NE(read("j1.macro").find("\n# No macro command:\n#   ONE JOURNAL d\n#   ONE FAIL e\n"), std::string::npos)
+        << read("j1.macro");
 }
 
 TEST_F(OutputFile, CannotHoldBothRecordingAndJournal) {
-    fs::create_symlink("both.mcr", folder() / "link.mcr");
-    for (const char* journal : {"both.mcr", "./both.mcr", "link.mcr"}) {
+    fs::create_symlink("both.macro", folder() / "link.macro");
+    for (const char* journal : {"both.macro", "./both.macro", "link.macro"}) {
         SCOPED_TRACE(journal);
-        const ProgramResult result = runMacro("ONE ECHO a\n", {"--record", "both.mcr", "--journal", journal});
+        const ProgramResult result = runMacro("ONE ECHO a\n", {"--record", "both.macro", "--journal", journal});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err, std::string(journal) + ": cannot hold both the recording and the journal\n");
-        EXPECT_FALSE(fs::exists(folder() / "both.mcr"));
+        EXPECT_FALSE(fs::exists(folder() / "both.macro"));
     }
 }
 
 TEST_F(OutputFile, IsUntouchedWhenNothingRuns) {
-    write("r.mcr", "old\n");
-    EXPECT_EQ(runMacro("TWO ECHO a\n", {"--record", "r.mcr"}).status, 2);
-    EXPECT_EQ(read("r.mcr"), "old\n");
+    write("r.macro", "old\n");
+    EXPECT_EQ(runMacro("TWO ECHO a\n", {"--record", "r.macro"}).status, 2);
+    EXPECT_EQ(read("r.macro"), "old\n");
     EXPECT_EQ(fileNames().size(), 2U) << "a temporary file is left";
 }
 
 TEST_F(OutputFile, IsUntouchedWhenTheRunIsKilled) {
-    write("r.mcr", "old\n");
-    const ProgramResult result = runMacro("ONE SAY a\nONE KILL now\n", {"--record", "r.mcr"});
+    write("r.macro", "old\n");
+    const ProgramResult result = runMacro("ONE SAY a\nONE KILL now\n", {"--record", "r.macro"});
     EXPECT_EQ(result.status, -SIGKILL);
     EXPECT_EQ(result.out, "a\n");
-    EXPECT_EQ(read("r.mcr"), "old\n");
+    EXPECT_EQ(read("r.macro"), "old\n");
 }
 
 TEST_F(OutputFile, LeavesNoTemporaryFile) {
-    EXPECT_EQ(runMacro("ONE FAIL a\n", {"--record", "r.mcr", "--journal", "j.mcr"}).status, 1);
+    EXPECT_EQ(runMacro("ONE FAIL a\n", {"--record", "r.macro", "--journal", "j.macro"}).status, 1);
     EXPECT_EQ(fileNames().size(), 3U);
 }
 
@@ -136,7 +136,7 @@ TEST_F(OutputFile, ThatIsNoRegularFileIsRefused) {
 
 // Without privileges: a runner that wrongly replaced the file would, as root, take the device from the machine.
 TEST_F(UnprivilegedOutputFile, ThatIsADeviceIsRefused) {
-    write("m.mcr", "ONE ECHO a\n");
+    write("m.macro", "ONE ECHO a\n");
     fs::create_symlink("/dev/full", folder() / "link");
     for (const char* target : {"/dev/full", "/dev/null", "link"}) {
         for (const char* option : {"--record", "--journal"}) {
@@ -156,10 +156,10 @@ TEST_F(OutputFile, InAMissingPlaceIsRefused) {
         const char* why;
     };
     const Case cases[] = {
-        {"gone/r.mcr", "No such file or directory"},
+        {"gone/r.macro", "No such file or directory"},
         {"gone/", "No such file or directory"},
         {"", "No such file or directory"},
-        {"m.mcr/r.mcr", "Not a directory"},
+        {"m.macro/r.macro", "Not a directory"},
         {"loop", "Too many levels of symbolic links"},
     };
     for (const Case& c : cases) {
@@ -173,65 +173,65 @@ TEST_F(OutputFile, InAMissingPlaceIsRefused) {
 
 TEST_F(OutputFile, BehindASymbolicLinkIsReplacedThere) {
     fs::create_directory(folder() / "elsewhere");
-    write("elsewhere/old.mcr", "old\n");
-    fs::create_symlink("elsewhere/old.mcr", folder() / "link.mcr");
-    fs::create_symlink("elsewhere/new.mcr", folder() / "dangling.mcr");
-    EXPECT_EQ(runMacro("ONE SAY a\n", {"--record", "link.mcr", "--journal", "dangling.mcr"}).status, 0);
-    EXPECT_TRUE(fs::is_symlink(folder() / "link.mcr"));
-    EXPECT_TRUE(fs::is_symlink(folder() / "dangling.mcr"));
-    EXPECT_EQ(read("elsewhere/old.mcr"), kRecordingHead + "ONE SAY a\n");
-    EXPECT_EQ(read("elsewhere/new.mcr"), kJournalHead);
+    write("elsewhere/old.macro", "old\n");
+    fs::create_symlink("elsewhere/old.macro", folder() / "link.macro");
+    fs::create_symlink("elsewhere/new.macro", folder() / "dangling.macro");
+    EXPECT_EQ(runMacro("ONE SAY a\n", {"--record", "link.macro", "--journal", "dangling.macro"}).status, 0);
+    EXPECT_TRUE(fs::is_symlink(folder() / "link.macro"));
+    EXPECT_TRUE(fs::is_symlink(folder() / "dangling.macro"));
+    EXPECT_EQ(read("elsewhere/old.macro"), kRecordingHead + "ONE SAY a\n");
+    EXPECT_EQ(read("elsewhere/new.macro"), kJournalHead);
 }
 
 TEST_F(OutputFile, KeepsThePermissionsOfTheFileItReplaces) {
-    write("r.mcr", "old\n");
+    write("r.macro", "old\n");
     for (const unsigned mode : {0600U, 0664U, 0755U}) {
-        fs::permissions(folder() / "r.mcr", fs::perms(mode));
-        EXPECT_EQ(runMacro("ONE SAY a\n", {"--record", "r.mcr"}).status, 0);
-        EXPECT_EQ(fs::status(folder() / "r.mcr").permissions(), fs::perms(mode));
+        fs::permissions(folder() / "r.macro", fs::perms(mode));
+        EXPECT_EQ(runMacro("ONE SAY a\n", {"--record", "r.macro"}).status, 0);
+        EXPECT_EQ(fs::status(folder() / "r.macro").permissions(), fs::perms(mode));
     }
 }
 
 TEST_F(OutputFile, ThatIsNewHasThePermissionsThatTheUserGivesFiles) {
-    write("m.mcr", "ONE SAY a\n");
-    const std::string command = "umask 027; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " --record r.mcr";
+    write("m.macro", "ONE SAY a\n");
+    const std::string command = "umask 027; " VEXA_STANDIN " run m.macro --addon " ADDON_ONE " --record r.macro";
     EXPECT_EQ(runProgram({{"sh", "-c", command}, folder(), "", false}).status, 0);
-    EXPECT_EQ(fs::status(folder() / "r.mcr").permissions(), fs::perms(0640));
+    EXPECT_EQ(fs::status(folder() / "r.macro").permissions(), fs::perms(0640));
 }
 
 TEST_F(OutputFile, OnAFullDiskIsAnErrorAndLeavesTheOldOne) {
     // A limit on the size of files stands for the full disk.
-    write("r.mcr", "old\n");
-    write("m.mcr", "ONE SAY " + std::string(4000, 'x') + '\n');
+    write("r.macro", "old\n");
+    write("m.macro", "ONE SAY " + std::string(4000, 'x') + '\n');
     const std::string command =
-        "trap '' XFSZ; ulimit -f 1; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " --record r.mcr > /dev/null";
+        "trap '' XFSZ; ulimit -f 1; " VEXA_STANDIN " run m.macro --addon " ADDON_ONE " --record r.macro > /dev/null";
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "r.mcr: cannot be written: File too large\n");
-    EXPECT_EQ(read("r.mcr"), "old\n");
+    EXPECT_EQ(result.err, "r.macro: cannot be written: File too large\n");
+    EXPECT_EQ(read("r.macro"), "old\n");
     EXPECT_EQ(fileNames().size(), 2U) << "a temporary file is left";
 }
 
 TEST_F(UnprivilegedOutputFile, InAFolderWithoutPermissionIsRefusedBeforeAnythingRuns) {
-    write("m.mcr", "ONE ECHO a\n");
+    write("m.macro", "ONE ECHO a\n");
     fs::permissions(folder(), fs::perms(0555));
-    const ProgramResult result = runUnprivileged(macroRunner({"--record", "r.mcr"}));
+    const ProgramResult result = runUnprivileged(macroRunner({"--record", "r.macro"}));
     fs::permissions(folder(), fs::perms(0755));
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "r.mcr: cannot be written: no file can be made in its folder: Permission denied\n");
+    EXPECT_EQ(result.err, "r.macro: cannot be written: no file can be made in its folder: Permission denied\n");
 }
 
 TEST_F(UnprivilegedOutputFile, WithoutWritePermissionIsRefused) {
-    write("m.mcr", "ONE ECHO a\n");
-    write("r.mcr", "old\n");
-    fs::permissions(folder() / "r.mcr", fs::perms(0444));
+    write("m.macro", "ONE ECHO a\n");
+    write("r.macro", "old\n");
+    fs::permissions(folder() / "r.macro", fs::perms(0444));
     fs::permissions(folder(), fs::perms(0777));
-    const ProgramResult result = runUnprivileged(macroRunner({"--record", "r.mcr"}));
+    const ProgramResult result = runUnprivileged(macroRunner({"--record", "r.macro"}));
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "r.mcr: cannot be written: Permission denied\n");
-    EXPECT_EQ(read("r.mcr"), "old\n");
+    EXPECT_EQ(result.err, "r.macro: cannot be written: Permission denied\n");
+    EXPECT_EQ(read("r.macro"), "old\n");
 }
 
 }  // namespace

@@ -181,8 +181,8 @@ TEST_F(StatusLine, DoesNotMixWithMessagesAndOutput) {
     EXPECT_EQ(program.finish(), 1);
     rows = screenOf(program, 200).rows();
     rows.erase(rows.begin(), rows.begin() + 1);  // the command itself
-    EXPECT_EQ(rows, Rows({"one", "m.mcr:1: PROGRESS: dialog: two", "three",
-                          "m.mcr:2: PROGRESS START Writing;SAY four;FAIL five", "four", "m.mcr:2: PROGRESS: five",
+    EXPECT_EQ(rows, Rows({"one", "m.macro:1: PROGRESS: dialog: two", "three",
+                          "m.macro:2: PROGRESS START Writing;SAY four;FAIL five", "four", "m.macro:2: PROGRESS: five",
                           "2 commands run, 1 failed"}));
 }
 
@@ -211,7 +211,7 @@ TEST_F(StatusLine, KeepsMuchOutputWholeAndInOrder) {
     EXPECT_EQ(program.finish(), 1);
     Rows expected;
     for (int line = 0; line < 5000; ++line) expected.push_back("line " + std::to_string(line));
-    expected.emplace_back("m.mcr:1: PROGRESS: end");
+    expected.emplace_back("m.macro:1: PROGRESS: end");
     EXPECT_EQ(screenOf(program).rows(), expected);
 }
 
@@ -232,26 +232,26 @@ TEST_F(StatusLine, IsAFewMessagesWithoutATerminal) {
     };
     const Case cases[] = {
         {"every ten percent", "START Reading;PERCENT 5;PERCENT 10;PERCENT 19;PERCENT 35;PERCENT 100;FINISH",
-         "m.mcr:1: PROGRESS: Reading\n"
-         "m.mcr:1: PROGRESS: Reading: 10 %\n"
-         "m.mcr:1: PROGRESS: Reading: 30 %\n"
-         "m.mcr:1: PROGRESS: Reading: done\n"},
+         "m.macro:1: PROGRESS: Reading\n"
+         "m.macro:1: PROGRESS: Reading: 10 %\n"
+         "m.macro:1: PROGRESS: Reading: 30 %\n"
+         "m.macro:1: PROGRESS: Reading: done\n"},
         {"not all was done", "START Reading;PERCENT 9;FINISH",
-         "m.mcr:1: PROGRESS: Reading\n"
-         "m.mcr:1: PROGRESS: Reading: ended at 9 %\n"},
+         "m.macro:1: PROGRESS: Reading\n"
+         "m.macro:1: PROGRESS: Reading: ended at 9 %\n"},
         {"another text", "START Reading;TEXT Writing;PERCENT 20;PERCENT 100;FINISH",
-         "m.mcr:1: PROGRESS: Reading\n"
-         "m.mcr:1: PROGRESS: Writing: 20 %\n"
-         "m.mcr:1: PROGRESS: Writing: done\n"},
+         "m.macro:1: PROGRESS: Reading\n"
+         "m.macro:1: PROGRESS: Writing: 20 %\n"
+         "m.macro:1: PROGRESS: Writing: done\n"},
         {"no bar", "STARTWITHOUTBAR Reading;PERCENT 20;FINISH",
-         "m.mcr:1: PROGRESS: Reading\n"
-         "m.mcr:1: PROGRESS: Reading: done\n"},
+         "m.macro:1: PROGRESS: Reading\n"
+         "m.macro:1: PROGRESS: Reading: done\n"},
         {"two tasks", "START A;PERCENT 20;FINISH;START B;PERCENT 100;FINISH",
-         "m.mcr:1: PROGRESS: A\n"
-         "m.mcr:1: PROGRESS: A: 20 %\n"
-         "m.mcr:1: PROGRESS: A: ended at 20 %\n"
-         "m.mcr:1: PROGRESS: B\n"
-         "m.mcr:1: PROGRESS: B: done\n"},
+         "m.macro:1: PROGRESS: A\n"
+         "m.macro:1: PROGRESS: A: 20 %\n"
+         "m.macro:1: PROGRESS: A: ended at 20 %\n"
+         "m.macro:1: PROGRESS: B\n"
+         "m.macro:1: PROGRESS: B: done\n"},
         {"nothing to show", "STARTBARE;PERCENT 20;FINISH", ""},
     };
     for (const Case& c : cases) {
@@ -266,7 +266,7 @@ TEST_F(StatusLine, IsAFewMessagesWithoutATerminal) {
 TEST_F(StatusLine, IsMessagesInATerminalThatCannotDraw) {
     PtyProgram program(progressRunner("PROGRESS START Reading;PERCENT 100;SAY a;FINISH\n"), kColumns, {"TERM=dumb"});
     EXPECT_EQ(program.finish(), 0);
-    EXPECT_EQ(program.output(), "m.mcr:1: PROGRESS: Reading\r\na\r\nm.mcr:1: PROGRESS: Reading: done\r\n");
+    EXPECT_EQ(program.output(), "m.macro:1: PROGRESS: Reading\r\na\r\nm.macro:1: PROGRESS: Reading: done\r\n");
 }
 
 TEST_F(StatusLine, IsAbsentInBatchMode) {

@@ -13,8 +13,8 @@ protected:
         return runIn(folder(), options);
     }
     ProgramResult runIn(const std::filesystem::path& current, const std::vector<std::string>& options = {}) const {
-        write("m.mcr", "MISBEHAVING unbalanced-lock\nMISBEHAVING percent-backwards\n");
-        Program program = runner({"run", folder() / "m.mcr", "--addon", ADDON_MISBEHAVING});
+        write("m.macro", "MISBEHAVING unbalanced-lock\nMISBEHAVING percent-backwards\n");
+        Program program = runner({"run", folder() / "m.macro", "--addon", ADDON_MISBEHAVING});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         program.folder = current;
         return runProgram(program);
@@ -53,8 +53,8 @@ TEST_F(ProjectFile, SaysWhatTheOptionsSay) {
 
 TEST_F(ProjectFile, LimitsTheTimeOfACommand) {
     write(kFile, "timeout = 2\n");
-    write("m.mcr", "MISBEHAVING command-timeout\n");
-    EXPECT_EQ(runProgram(runner({"run", "m.mcr", "--addon", ADDON_MISBEHAVING})).status, 4);
+    write("m.macro", "MISBEHAVING command-timeout\n");
+    EXPECT_EQ(runProgram(runner({"run", "m.macro", "--addon", ADDON_MISBEHAVING})).status, 4);
 }
 
 TEST_F(ProjectFile, IsFoundAboveTheCurrentFolder) {
@@ -123,7 +123,7 @@ TEST_F(ProjectFile, ThatIsAFolderIsNone) {
 using UnprivilegedProjectFile = UnprivilegedRunnerTest;
 
 TEST_F(UnprivilegedProjectFile, ThatCannotBeReadIsRefused) {
-    write("m.mcr", "ONE ECHO ran\n");
+    write("m.macro", "ONE ECHO ran\n");
     write(kFile, "strict = true\n");
     std::filesystem::permissions(folder() / kFile, std::filesystem::perms::none);
     const ProgramResult result = runUnprivileged(macroRunner());

@@ -54,8 +54,8 @@ TEST_F(Repl, HelpsAndQuits) {
 }
 
 TEST_F(Repl, RecordsWhatWasDone) {
-    EXPECT_EQ(typed("ONE SAY a\nONE FAIL no\nONE SAY b\n", {"--record", "r.mcr"}).status, 0);
-    EXPECT_EQ(commandsOf(read("r.mcr")), "ONE SAY a\nONE SAY b\n");
+    EXPECT_EQ(typed("ONE SAY a\nONE FAIL no\nONE SAY b\n", {"--record", "r.macro"}).status, 0);
+    EXPECT_EQ(commandsOf(read("r.macro")), "ONE SAY a\nONE SAY b\n");
 }
 
 TEST_F(Repl, TellsOfABrokenContract) {

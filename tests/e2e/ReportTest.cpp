@@ -14,7 +14,7 @@ protected:
         return runProgram(runner({"report", trace, "-o", "report.html"}));
     }
     void traceMacro(const std::string& macro) const {
-        runMacro(macro, {"--keep-going", "--record", "r.mcr", "--trace", "t.json"});
+        runMacro(macro, {"--keep-going", "--record", "r.macro", "--trace", "t.json"});
     }
 };
 
@@ -169,7 +169,7 @@ const std::string kMacro = "ONE SAY hello\nONE LEAVELOCKOPEN\nONE DIALOG watch <
 
 TEST_F(ReportInBrowser, ShowsTheRun) {
     const std::string page = elementsAfter(kMacro);
-    EXPECT_TRUE(has(page, "<h1 id=\"title\">Run of m.mcr</h1>"));
+    EXPECT_TRUE(has(page, "<h1 id=\"title\">Run of m.macro</h1>"));
     EXPECT_TRUE(has(page, "Failed: a command failed, exit status 1, with 1 finding"));
     EXPECT_TRUE(has(page, "ONE LEAVELOCKOPEN"));
     EXPECT_TRUE(has(page, "no way"));
@@ -185,8 +185,8 @@ TEST_F(ReportInBrowser, ShowsAFindingWithBothPlacesAndItsHint) {
     const std::string page = elementsAfter(kMacro);
     EXPECT_TRUE(has(page, "the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]"));
     EXPECT_TRUE(
-        has(page, "<dt>First</dt><dd>call 8, VexaUtilLockStart, in \"ONE LEAVELOCKOPEN\", m.mcr:2, thread 1</dd>"));
-    EXPECT_TRUE(has(page, "<dt>Seen</dt><dd>the end of \"ONE LEAVELOCKOPEN\", m.mcr:2, thread 1</dd>"));
+        has(page, "<dt>First</dt><dd>call 8, VexaUtilLockStart, in \"ONE LEAVELOCKOPEN\", m.macro:2, thread 1</dd>"));
+    EXPECT_TRUE(has(page, "<dt>Seen</dt><dd>the end of \"ONE LEAVELOCKOPEN\", m.macro:2, thread 1</dd>"));
     EXPECT_TRUE(has(page, "<dt>Hint</dt><dd>Hold the lock by an AddOnIdLock"));
 }
 

@@ -24,7 +24,7 @@ TEST_F(MacroRun, EndsWithTheFirstFailedCommand) {
     const ProgramResult result = runMacro("ONE ECHO a\nONE FAIL no such zone\nONE ECHO b\n");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "a\n");
-    EXPECT_EQ(result.err, "m.mcr:2: ONE: no such zone\n");
+    EXPECT_EQ(result.err, "m.macro:2: ONE: no such zone\n");
 }
 
 TEST_F(MacroRun, KeepsGoingWhenAsked) {
@@ -32,7 +32,7 @@ TEST_F(MacroRun, KeepsGoingWhenAsked) {
         runMacro("ONE FAIL first\nONE ECHO a\nONE FAIL second\nONE ECHO b\n", {"--keep-going"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "a\nb\n");
-    EXPECT_EQ(result.err, "m.mcr:1: ONE: first\nm.mcr:3: ONE: second\n");
+    EXPECT_EQ(result.err, "m.macro:1: ONE: first\nm.macro:3: ONE: second\n");
 }
 
 TEST_F(MacroRun, KeepsGoingToAllWell) { EXPECT_EQ(runMacro("ONE ECHO a\n", {"--keep-going"}).status, 0); }
@@ -44,13 +44,13 @@ TEST_F(MacroRun, ShowsTheMessageOfAFailure) {
         const char* err;
     };
     const Case cases[] = {
-        {"one line", "FAIL bad", "m.mcr:1: ONE: bad\n"},
-        {"line feeds and blanks at the end", "FAIL bad \t| |", "m.mcr:1: ONE: bad\n"},
-        {"blanks at the start stay", "FAIL  bad", "m.mcr:1: ONE:  bad\n"},
-        {"several lines", "FAIL bad|worse|  worst|", "m.mcr:1: ONE: bad\n    worse\n      worst\n"},
-        {"no message", "FAILSILENTLY", "m.mcr:1: ONE: the command failed without a message\n"},
-        {"empty message", "FAIL ", "m.mcr:1: ONE: the command failed without a message\n"},
-        {"message of blanks", "FAIL | |", "m.mcr:1: ONE: the command failed without a message\n"},
+        {"one line", "FAIL bad", "m.macro:1: ONE: bad\n"},
+        {"line feeds and blanks at the end", "FAIL bad \t| |", "m.macro:1: ONE: bad\n"},
+        {"blanks at the start stay", "FAIL  bad", "m.macro:1: ONE:  bad\n"},
+        {"several lines", "FAIL bad|worse|  worst|", "m.macro:1: ONE: bad\n    worse\n      worst\n"},
+        {"no message", "FAILSILENTLY", "m.macro:1: ONE: the command failed without a message\n"},
+        {"empty message", "FAIL ", "m.macro:1: ONE: the command failed without a message\n"},
+        {"message of blanks", "FAIL | |", "m.macro:1: ONE: the command failed without a message\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -64,14 +64,14 @@ TEST_F(MacroRun, TakesAnEscapedExceptionForAFailure) {
     const ProgramResult result = runMacro("ONE THROW boom\nONE ECHO a\n");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(messagesOf(result), "m.mcr:1: ONE: an exception escaped from the add-on: boom\n");
+    EXPECT_EQ(messagesOf(result), "m.macro:1: ONE: an exception escaped from the add-on: boom\n");
 }
 
 TEST_F(MacroRun, ShowsDialogsAsTheyCome) {
     const ProgramResult result = runMacro("ONE DIALOG first|line|\nONE ECHO a\nONE DIALOG second\n");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "a\n");
-    EXPECT_EQ(result.err, "m.mcr:1: ONE: dialog: first\n    line\nm.mcr:3: ONE: dialog: second\n");
+    EXPECT_EQ(result.err, "m.macro:1: ONE: dialog: first\n    line\nm.macro:3: ONE: dialog: second\n");
 }
 
 TEST_F(MacroRun, ShowsADialogOutsideOfCommandsUnderItsOwnName) {
@@ -97,19 +97,19 @@ TEST_F(MacroRun, AnswersAnAddOnThatIsJustLoadedFromAStyleFile) {
 }
 
 TEST_F(MacroRun, DoesNothingWithAStyleFileThatCannotBeUsed) {
-    write("r.mcr", "old\n");
+    write("r.macro", "old\n");
     write("s.json", "{\"A\": 0.5,\n \"B\": null}");
-    const ProgramResult result = runMacro("ONE SAY a\n", {"--style", "s.json", "--record", "r.mcr"});
+    const ProgramResult result = runMacro("ONE SAY a\n", {"--style", "s.json", "--record", "r.macro"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "s.json:2:7: expected a number, a text, a set or keywords\n");
-    EXPECT_EQ(read("r.mcr"), "old\n");
+    EXPECT_EQ(read("r.macro"), "old\n");
 }
 
 TEST_F(MacroRun, SendsEachCommandToItsAddOn) {
     const ProgramResult result = runMacro("SECOND FAIL a\nONE FAIL b\n", {"--addon", ADDON_SECOND, "--keep-going"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "m.mcr:1: SECOND: a\nm.mcr:2: ONE: b\n");
+    EXPECT_EQ(result.err, "m.macro:1: SECOND: a\nm.macro:2: ONE: b\n");
 }
 
 TEST_F(MacroRun, RefusesAnAddOn) {
@@ -138,36 +138,36 @@ TEST_F(MacroRun, RefusesAnAddOn) {
 
 TEST_F(MacroRun, ShowsEachCommandAndASummaryWhenVerbose) {
     const ProgramResult result =
-        runMacro("ONE SAY a\n\n  ONE   FAIL b\nONE SAY c\n", {"--verbose", "--keep-going", "--record", "r.mcr"});
+        runMacro("ONE SAY a\n\n  ONE   FAIL b\nONE SAY c\n", {"--verbose", "--keep-going", "--record", "r.macro"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "a\nc\n");
     EXPECT_EQ(result.err,
-              "m.mcr:1: ONE SAY a\n"
-              "m.mcr:3: ONE FAIL b\n"
-              "m.mcr:3: ONE: b\n"
-              "m.mcr:4: ONE SAY c\n"
-              "3 commands run, 1 failed; 2 recorded in r.mcr\n");
+              "m.macro:1: ONE SAY a\n"
+              "m.macro:3: ONE FAIL b\n"
+              "m.macro:3: ONE: b\n"
+              "m.macro:4: ONE SAY c\n"
+              "3 commands run, 1 failed; 2 recorded in r.macro\n");
 }
 
 TEST_F(MacroRun, SumsUpOnlyWhatWasAskedFor) {
-    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--verbose"}).err, "m.mcr:1: ONE ECHO a\n1 command run, 0 failed\n");
-    EXPECT_EQ(runMacro("# none\n", {"--verbose", "--journal", "j.mcr"}).err,
-              "0 commands run, 0 failed; 0 journaled in j.mcr\n");
+    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--verbose"}).err, "m.macro:1: ONE ECHO a\n1 command run, 0 failed\n");
+    EXPECT_EQ(runMacro("# none\n", {"--verbose", "--journal", "j.macro"}).err,
+              "0 commands run, 0 failed; 0 journaled in j.macro\n");
 }
 
 TEST_F(MacroRun, KeepsBothOutputsInOrder) {
-    write("m.mcr", "ONE ECHO a\nONE DIALOG b\nONE ECHO c\nONE FAIL d\n");
+    write("m.macro", "ONE ECHO a\nONE DIALOG b\nONE ECHO c\nONE FAIL d\n");
     Program program = macroRunner({"--verbose"});
     program.asOneOutput = true;
     EXPECT_EQ(runProgram(program).out,
-              "m.mcr:1: ONE ECHO a\n"
+              "m.macro:1: ONE ECHO a\n"
               "a\n"
-              "m.mcr:2: ONE DIALOG b\n"
-              "m.mcr:2: ONE: dialog: b\n"
-              "m.mcr:3: ONE ECHO c\n"
+              "m.macro:2: ONE DIALOG b\n"
+              "m.macro:2: ONE: dialog: b\n"
+              "m.macro:3: ONE ECHO c\n"
               "c\n"
-              "m.mcr:4: ONE FAIL d\n"
-              "m.mcr:4: ONE: d\n"
+              "m.macro:4: ONE FAIL d\n"
+              "m.macro:4: ONE: d\n"
               "4 commands run, 1 failed\n");
 }
 

@@ -63,15 +63,15 @@ protected:
         return {std::move(arguments), folder(), "", false};
     }
 
-    /// `vexa-standin run m.mcr --addon ADDON-ONE OPTIONS`, where m.mcr holds \p macro.
+    /// `vexa-standin run m.macro --addon ADDON-ONE OPTIONS`, where m.macro holds \p macro.
     ProgramResult runMacro(const std::string& macro, const std::vector<std::string>& options = {}) const {
-        write("m.mcr", macro);
+        write("m.macro", macro);
         return runProgram(macroRunner(options));
     }
 
-    /// The same for an m.mcr that is there.
+    /// The same for an m.macro that is there.
     Program macroRunner(const std::vector<std::string>& options = {}) const {
-        Program program = runner({"run", "m.mcr", "--addon", ADDON_ONE});
+        Program program = runner({"run", "m.macro", "--addon", ADDON_ONE});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         return program;
     }

@@ -15,20 +15,20 @@ TEST_F(StopButton, StopsTheTaskAndTheMacro) {
     ASSERT_TRUE(program.waitFor("Reading"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
-    EXPECT_EQ(screenOf(program).rows(), Rows({"m.mcr:1: PROGRESS: given up", "m.mcr:1: PROGRESS: stopped"}));
+    EXPECT_EQ(screenOf(program).rows(), Rows({"m.macro:1: PROGRESS: given up", "m.macro:1: PROGRESS: stopped"}));
 }
 
 TEST_F(StopButton, LeavesWhatWasRecordedWholeAndRunnable) {
     PtyProgram program(progressRunner("PROGRESS RECORD a\n"
                                       "PROGRESS RECORD b;START Reading;UNTILSTOPPED;FINISH\n"
                                       "PROGRESS RECORD c\n",
-                                      {"--record", "r.mcr", "--journal", "j.mcr"}),
+                                      {"--record", "r.macro", "--journal", "j.macro"}),
                        kColumns, plainTerminal());
     ASSERT_TRUE(program.waitFor("Reading"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
     EXPECT_EQ(fileNames().size(), 3U) << "the macro, the recording, and the journal";
-    const ProgramResult playedBack = runProgram(runner({"run", "r.mcr", "--addon", ADDON_PROGRESS}));
+    const ProgramResult playedBack = runProgram(runner({"run", "r.macro", "--addon", ADDON_PROGRESS}));
     EXPECT_EQ(playedBack.status, 0) << playedBack.err;
     EXPECT_EQ(playedBack.out, "a\nb\n");
 }
@@ -53,13 +53,13 @@ TEST_F(StopButton, GoesBeforeABrokenContract) {
 }
 
 TEST_F(StopButton, StopsTheReplayOfARecording) {
-    PtyProgram program(progressRunner("PROGRESS PLAYBACK\nPROGRESS SAY done\n", {"--strict", "--record", "r.mcr"}),
+    PtyProgram program(progressRunner("PROGRESS PLAYBACK\nPROGRESS SAY done\n", {"--strict", "--record", "r.macro"}),
                        kColumns, plainTerminal());
     ASSERT_TRUE(waitForFile("again"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
     EXPECT_NE(program.output().find("vexa-standin: stopped\r\n"), std::string::npos) << program.output();
-    EXPECT_EQ(commandsOf(read("r.mcr")), "PROGRESS MAKE again;START Again;UNTILSTOPPED;FINISH\n");
+    EXPECT_EQ(commandsOf(read("r.macro")), "PROGRESS MAKE again;START Again;UNTILSTOPPED;FINISH\n");
 }
 
 TEST_F(StopButton, ShowsThatTheTaskIsAboutToStop) {
@@ -69,7 +69,7 @@ TEST_F(StopButton, ShowsThatTheTaskIsAboutToStop) {
     EXPECT_TRUE(program.waitFor("stopping")) << program.output();
     write("go", "");
     EXPECT_EQ(program.finish(), 130);
-    EXPECT_EQ(screenOf(program).rows(), Rows({"m.mcr:1: PROGRESS: stopped"}));
+    EXPECT_EQ(screenOf(program).rows(), Rows({"m.macro:1: PROGRESS: stopped"}));
 }
 
 TEST_F(StopButton, WorksWithoutAStatusLine) {
@@ -77,13 +77,13 @@ TEST_F(StopButton, WorksWithoutAStatusLine) {
     ASSERT_TRUE(program.waitFor("50 %\r\n"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
-    EXPECT_NE(program.output().find("m.mcr:1: PROGRESS: Reading: stopped\r\nm.mcr:1: PROGRESS: stopped\r\n"),
+    EXPECT_NE(program.output().find("m.macro:1: PROGRESS: Reading: stopped\r\nm.macro:1: PROGRESS: stopped\r\n"),
               std::string::npos)
         << program.output();
 }
 
 TEST_F(StopButton, PressedAgainEndsATaskThatDoesNotLook) {
-    PtyProgram program(progressRunner("PROGRESS START Reading;HANG\n", {"--record", "r.mcr", "--journal", "j.mcr"}),
+    PtyProgram program(progressRunner("PROGRESS START Reading;HANG\n", {"--record", "r.macro", "--journal", "j.macro"}),
                        kColumns, plainTerminal());
     ASSERT_TRUE(program.waitFor("Reading"));
     program.type(kCtrlC);
@@ -91,7 +91,7 @@ TEST_F(StopButton, PressedAgainEndsATaskThatDoesNotLook) {
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), -SIGINT);
     EXPECT_EQ(screenOf(program).rows(), Rows());
-    EXPECT_EQ(fileNames(), std::vector<std::string>({"m.mcr"}));
+    EXPECT_EQ(fileNames(), std::vector<std::string>({"m.macro"}));
 }
 
 TEST_F(StopButton, StaysIgnoredWhereItWas) {

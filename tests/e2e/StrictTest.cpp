@@ -17,8 +17,8 @@ class Strict : public RunnerTest {
 protected:
     /// Runs \p macro with the add-on that breaks a rule with each command.
     ProgramResult run(const std::string& macro, const std::vector<std::string>& options = {}) const {
-        write("m.mcr", macro);
-        Program program = runner({"run", "m.mcr", "--addon", ADDON_MISBEHAVING});
+        write("m.macro", macro);
+        Program program = runner({"run", "m.macro", "--addon", ADDON_MISBEHAVING});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         return runProgram(program);
     }
@@ -61,10 +61,10 @@ TEST_F(Strict, ShowsWhatWhereAndHowToMendIt) {
     const ProgramResult result = run("# none\nMISBEHAVING unbalanced-lock\n", {"--strict"});
     EXPECT_EQ(
         result.err,
-        "m.mcr:2: MISBEHAVING: error: the command ended without VexaUtilLockFinish after VexaUtilLockStart "
+        "m.macro:2: MISBEHAVING: error: the command ended without VexaUtilLockFinish after VexaUtilLockStart "
         "[unbalanced-lock]\n"
-        "    first: call 1, VexaUtilLockStart, in \"MISBEHAVING unbalanced-lock\", m.mcr:2, thread 1\n"
-        "    seen:  the end of \"MISBEHAVING unbalanced-lock\", m.mcr:2, thread 1\n"
+        "    first: call 1, VexaUtilLockStart, in \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
+        "    seen:  the end of \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
         "    hint:  Hold the lock by an AddOnIdLock, which gives it back on every way out, also when an exception "
         "passes.\n");
 }
@@ -76,9 +76,9 @@ TEST_F(Strict, IsNeededForFindingsToCount) {
 }
 
 TEST_F(Strict, RunsTheMacroToItsEnd) {
-    write("m.mcr", "MISBEHAVING unbalanced-lock\nONE ECHO on\n");
+    write("m.macro", "MISBEHAVING unbalanced-lock\nONE ECHO on\n");
     const ProgramResult result =
-        runProgram(runner({"run", "m.mcr", "--addon", ADDON_MISBEHAVING, "--addon", ADDON_ONE, "--strict"}));
+        runProgram(runner({"run", "m.macro", "--addon", ADDON_MISBEHAVING, "--addon", ADDON_ONE, "--strict"}));
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.out, "on\n");
 }
@@ -100,7 +100,7 @@ TEST_F(Strict, SeesLeaksOfTheAddOn) {
     const ProgramResult result = run("MISBEHAVING leaked-set\n", {"--strict"});
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.err.rfind("MISBEHAVING: error: ", 0), 0U) << result.err;
-    EXPECT_TRUE(holds(result.err, "in \"MISBEHAVING leaked-set\", m.mcr:1")) << result.err;
+    EXPECT_TRUE(holds(result.err, "in \"MISBEHAVING leaked-set\", m.macro:1")) << result.err;
 }
 
 TEST_F(Strict, SeesAnExceptionAtShutdown) {
@@ -155,11 +155,11 @@ TEST_F(Replay, RefusesACommandThatFails) {
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(
         result.err,
-        "m.mcr:1: MISBEHAVING: error: the recorded command \"MISBEHAVING no-such-command\", when it is run again, "
+        "m.macro:1: MISBEHAVING: error: the recorded command \"MISBEHAVING no-such-command\", when it is run again, "
         "fails: unknown command [recording-not-replayable]\n"
-        "    first: call 1, VexaUtilMacroRecordExtCommand, in \"MISBEHAVING recording-not-replayable\", m.mcr:1, "
+        "    first: call 1, VexaUtilMacroRecordExtCommand, in \"MISBEHAVING recording-not-replayable\", m.macro:1, "
         "thread 1\n"
-        "    seen:  the end of \"MISBEHAVING no-such-command\", m.mcr:1\n"
+        "    seen:  the end of \"MISBEHAVING no-such-command\", m.macro:1\n"
         "    hint:  Record what the command model writes of itself, all options with their values quoted as they "
         "are read.\n");
 }
@@ -184,27 +184,27 @@ TEST_F(Replay, RefusesACommandThatRecordsSomethingElse) {
 }
 
 TEST_F(Replay, IsSilentAndLeavesTheRecordingAsItWas) {
-    const ProgramResult result = runMacro("ONE SAY a\nONE DIALOG b\nONE SAY c\n", {"--strict", "--record", "r.mcr"});
+    const ProgramResult result = runMacro("ONE SAY a\nONE DIALOG b\nONE SAY c\n", {"--strict", "--record", "r.macro"});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "a\nc\n");
-    EXPECT_EQ(result.err, "m.mcr:2: ONE: dialog: b\n");
-    EXPECT_EQ(commandsOf(read("r.mcr")), "ONE SAY a\nONE SAY c\n");
+    EXPECT_EQ(result.err, "m.macro:2: ONE: dialog: b\n");
+    EXPECT_EQ(commandsOf(read("r.macro")), "ONE SAY a\nONE SAY c\n");
 }
 
 TEST_F(Replay, BeginsInANewSession) { EXPECT_EQ(runMacro("ONE ONCE\n", {"--strict"}).err, ""); }
 
 TEST_F(Replay, HasTheStyleOfTheRunThoughItCameThroughAPipe) {
-    write("m.mcr", "ONE RECORDSTYLE FRAME SIZE\n");
+    write("m.macro", "ONE RECORDSTYLE FRAME SIZE\n");
     write("s.json", R"({"FRAME": {"SIZE": 2.5}})");
     const std::string command =
-        "cat s.json | " VEXA_STANDIN " run m.mcr --strict --style /dev/stdin --addon " ADDON_ONE;
+        "cat s.json | " VEXA_STANDIN " run m.macro --strict --style /dev/stdin --addon " ADDON_ONE;
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.err, "");
 }
 
 TEST_F(Replay, IsLeftOutUnlessItIsStrict) {
-    EXPECT_EQ(run("MISBEHAVING recording-not-replayable\n", {"--record", "r.mcr"}).err, "");
+    EXPECT_EQ(run("MISBEHAVING recording-not-replayable\n", {"--record", "r.macro"}).err, "");
 }
 
 TEST_F(Replay, TakesWhatAFailedRunRecordedToo) {

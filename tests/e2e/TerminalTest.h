@@ -19,10 +19,10 @@ protected:
     /// A terminal that can do all, without colours.
     static std::vector<std::string> plainTerminal() { return {"TERM=xterm", "NO_COLOR=1"}; }
 
-    /// `vexa-standin run m.mcr --addon ADDON-PROGRESS OPTIONS`, where m.mcr holds \p macro.
+    /// `vexa-standin run m.macro --addon ADDON-PROGRESS OPTIONS`, where m.macro holds \p macro.
     Program progressRunner(const std::string& macro, const std::vector<std::string>& options = {}) const {
-        write("m.mcr", macro);
-        Program program = runner({"run", "m.mcr", "--addon", ADDON_PROGRESS});
+        write("m.macro", macro);
+        Program program = runner({"run", "m.macro", "--addon", ADDON_PROGRESS});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         return program;
     }

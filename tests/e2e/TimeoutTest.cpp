@@ -7,11 +7,11 @@ namespace {
 
 class Timeout : public TerminalTest {
 protected:
-    /// `vexa-standin run m.mcr --addon ADDON --timeout 2 OPTIONS`, where m.mcr holds \p macro.
+    /// `vexa-standin run m.macro --addon ADDON --timeout 2 OPTIONS`, where m.macro holds \p macro.
     ProgramResult runFor(const std::string& addOn, const std::string& macro,
                          const std::vector<std::string>& options = {}) const {
-        write("m.mcr", macro);
-        Program program = runner({"run", "m.mcr", "--addon", addOn, "--timeout", "2"});
+        write("m.macro", macro);
+        Program program = runner({"run", "m.macro", "--addon", addOn, "--timeout", "2"});
         program.arguments.insert(program.arguments.end(), options.begin(), options.end());
         return runProgram(program);
     }
@@ -29,9 +29,9 @@ TEST_F(Timeout, TellsWhichCommandHangsAndEndsTheProgram) {
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.out, "read 'a'\n");
     EXPECT_EQ(result.err,
-              "m.mcr:2: HANGING: error: \"HANGING 'b\" has not returned within 2 seconds; it made no host call "
+              "m.macro:2: HANGING: error: \"HANGING 'b\" has not returned within 2 seconds; it made no host call "
               "[command-timeout]\n"
-              "    first: the beginning of \"HANGING 'b\", m.mcr:2, thread 1\n" +
+              "    first: the beginning of \"HANGING 'b\", m.macro:2, thread 1\n" +
                   kHint);
 }
 
@@ -39,13 +39,14 @@ TEST_F(Timeout, TellsTheLastHostCall) {
     const ProgramResult result =
         runFor(ADDON_MISBEHAVING, "MISBEHAVING unbalanced-lock-twin\nMISBEHAVING command-timeout\n");
     EXPECT_EQ(result.status, 4);
-    EXPECT_EQ(result.err,
-              "m.mcr:2: MISBEHAVING: error: \"MISBEHAVING command-timeout\" has not returned within 2 seconds; its "
-              "last host call was VexaUtilMacroIsBatchModeActive [command-timeout]\n"
-              "    first: the beginning of \"MISBEHAVING command-timeout\", m.mcr:2, thread 1\n"
-              "    seen:  call 7, VexaUtilMacroIsBatchModeActive, in \"MISBEHAVING command-timeout\", m.mcr:2, thread "
-              "1\n" +
-                  kHint);
+    EXPECT_EQ(
+        result.err,
+        "m.macro:2: MISBEHAVING: error: \"MISBEHAVING command-timeout\" has not returned within 2 seconds; its "
+        "last host call was VexaUtilMacroIsBatchModeActive [command-timeout]\n"
+        "    first: the beginning of \"MISBEHAVING command-timeout\", m.macro:2, thread 1\n"
+        "    seen:  call 7, VexaUtilMacroIsBatchModeActive, in \"MISBEHAVING command-timeout\", m.macro:2, thread "
+        "1\n" +
+            kHint);
 }
 
 TEST_F(Timeout, NamesTheHostCallOfALoopOfCalls) {
@@ -76,17 +77,17 @@ TEST_F(Timeout, NeedsNoneForAMutexThatIsLockedTwice) {
 }
 
 TEST_F(Timeout, WritesWhatWasRecorded) {
-    const ProgramResult result = runHanging("HANGING RECORD\nHANGING RECORD AND HANG\n", {"--record", "r.mcr"});
+    const ProgramResult result = runHanging("HANGING RECORD\nHANGING RECORD AND HANG\n", {"--record", "r.macro"});
     EXPECT_EQ(result.status, 4);
-    EXPECT_EQ(commandsOf(read("r.mcr")), "HANGING RECORD\nHANGING RECORD\n");
+    EXPECT_EQ(commandsOf(read("r.macro")), "HANGING RECORD\nHANGING RECORD\n");
     EXPECT_EQ(fileNames().size(), 2U) << "the macro, and the recording";
 }
 
 TEST_F(Timeout, LeavesNoFileOfARunThatDidNotBegin) {
     const ProgramResult result =
-        runFor(ADDON_HANGING_AT_ENTRY, "HANGING RECORD\n", {"--record", "r.mcr", "--journal", "j.mcr"});
+        runFor(ADDON_HANGING_AT_ENTRY, "HANGING RECORD\n", {"--record", "r.macro", "--journal", "j.macro"});
     EXPECT_EQ(result.status, 4);
-    EXPECT_EQ(fileNames(), std::vector<std::string>({"m.mcr"}));
+    EXPECT_EQ(fileNames(), std::vector<std::string>({"m.macro"}));
     EXPECT_EQ(result.err, "error: \"loading of " ADDON_HANGING_AT_ENTRY
                           "\" has not returned within 2 seconds; it made no host call [command-timeout]\n"
                           "    first: the beginning of \"loading of " ADDON_HANGING_AT_ENTRY "\", thread 1\n" +
@@ -95,19 +96,19 @@ TEST_F(Timeout, LeavesNoFileOfARunThatDidNotBegin) {
 
 TEST_F(Timeout, IsForUnloadingToo) {
     const ProgramResult result =
-        runHanging("HANGING RECORD\nHANGING HANG AT SHUTDOWN\n", {"--record", "r.mcr", "--strict"});
+        runHanging("HANGING RECORD\nHANGING HANG AT SHUTDOWN\n", {"--record", "r.macro", "--strict"});
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.err.rfind("error: \"unloading of HANGING\" has not returned within 2 seconds", 0), 0U)
         << result.err;
-    EXPECT_EQ(commandsOf(read("r.mcr")), "HANGING RECORD\n");
+    EXPECT_EQ(commandsOf(read("r.macro")), "HANGING RECORD\n");
 }
 
 TEST_F(Timeout, IsForTheReplayOfARecordingToo) {
-    const ProgramResult result = runHanging("HANGING RECORD HANG\n", {"--record", "r.mcr", "--strict"});
+    const ProgramResult result = runHanging("HANGING RECORD HANG\n", {"--record", "r.macro", "--strict"});
     EXPECT_EQ(result.status, 4);
-    EXPECT_EQ(result.err.rfind("m.mcr:1: HANGING: error: \"HANGING HANG\" has not returned within 2 seconds", 0), 0U)
+    EXPECT_EQ(result.err.rfind("m.macro:1: HANGING: error: \"HANGING HANG\" has not returned within 2 seconds", 0), 0U)
         << result.err;
-    EXPECT_EQ(commandsOf(read("r.mcr")), "HANGING HANG\n");
+    EXPECT_EQ(commandsOf(read("r.macro")), "HANGING HANG\n");
 }
 
 TEST_F(Timeout, ShowsWhatWasPrintedAndFoundBefore) {
@@ -129,7 +130,7 @@ TEST_F(Timeout, LeavesTheTerminalInOrder) {
     const Rows rows = screenOf(program, 400).rows();
     ASSERT_EQ(rows.size(), 6U) << program.output();
     EXPECT_EQ(rows[0], "one");
-    EXPECT_EQ(rows[1].rfind("m.mcr:1: PROGRESS: error: ", 0), 0U) << rows[1];
+    EXPECT_EQ(rows[1].rfind("m.macro:1: PROGRESS: error: ", 0), 0U) << rows[1];
     EXPECT_EQ(rows[5], "half");
 }
 

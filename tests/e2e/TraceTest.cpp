@@ -29,7 +29,7 @@ TEST_F(Trace, OfARunNestsAndHasItsCommandsAndOutcome) {
     const std::vector<Json> commands = eventsWhere(events, "cat", "command");
     ASSERT_EQ(commands.size(), 6U);
     EXPECT_EQ(commands[0].at("name"), "ONE SAY a");
-    EXPECT_EQ(commands[0].at("args").at("macroLine"), "m.mcr:1");
+    EXPECT_EQ(commands[0].at("args").at("macroLine"), "m.macro:1");
     EXPECT_EQ(commands[5].at("args").at("error"), "no");
     EXPECT_EQ(eventsWhere(events, "cat", "finding").at(0).at("name"), "unbalanced-lock");
     EXPECT_EQ(events.back().at("args"), Json::parse(R"({"exitStatus":1,"outcome":"a command failed"})"));
@@ -39,7 +39,7 @@ TEST_F(Trace, SaysWhichRunItIsOf) {
     runMacro("ONE ECHO a\n", {"--batch", "--trace", "t.json"});
     const Json facts = traceEvents(read("t.json")).front().at("args");
     EXPECT_EQ(facts.at("tool"), "vexa-standin " VEXA_VERSION);
-    EXPECT_EQ(facts.at("macroFile"), "m.mcr");
+    EXPECT_EQ(facts.at("macroFile"), "m.macro");
     EXPECT_EQ(facts.at("options"),
               (Json{{"--addon", {ADDON_ONE}}, {"--trace", {"t.json"}}, {"--batch", Json::array()}}));
 }
@@ -50,13 +50,13 @@ TEST_F(Trace, OfARunThatIsKilledIsThereUpToThere) {
     const std::vector<Json> commands = eventsWhere(cutOffTraceEvents(read("t.json")), "cat", "command");
     ASSERT_EQ(commands.size(), 3U);
     EXPECT_EQ(commands.back().at("name"), "ONE KILL");
-    EXPECT_NE(read("t.txt").find("m.mcr:2: ONE KILL\n"), std::string::npos);
+    EXPECT_NE(read("t.txt").find("m.macro:2: ONE KILL\n"), std::string::npos);
 }
 
 TEST_F(Trace, OfACommandThatDoesNotReturnEndsWithTheFinding) {
-    write("m.mcr", "HANGING HANG\n");
+    write("m.macro", "HANGING HANG\n");
     const ProgramResult result =
-        runProgram(runner({"run", "m.mcr", "--addon", ADDON_HANGING, "--timeout", "2", "--trace", "t.json"}));
+        runProgram(runner({"run", "m.macro", "--addon", ADDON_HANGING, "--timeout", "2", "--trace", "t.json"}));
     EXPECT_EQ(result.status, 4) << result.err;
     const Json events = traceEvents(read("t.json"));
     EXPECT_EQ(nestingProblems(events), std::vector<std::string>());
@@ -67,8 +67,8 @@ TEST_F(Trace, OfACommandThatDoesNotReturnEndsWithTheFinding) {
 }
 
 TEST_F(Trace, OfALoadingThatFailedSaysWhy) {
-    write("m.mcr", "");
-    EXPECT_EQ(runProgram(runner({"run", "m.mcr", "--addon", "gone.so", "--trace", "t.json"})).status, 2);
+    write("m.macro", "");
+    EXPECT_EQ(runProgram(runner({"run", "m.macro", "--addon", "gone.so", "--trace", "t.json"})).status, 2);
     const std::vector<Json> loading = eventsWhere(traceEvents(read("t.json")), "cat", "loading");
     ASSERT_EQ(loading.size(), 2U);
     EXPECT_EQ(loading[1].at("args").at("error"), "./gone.so: no such file");
@@ -82,29 +82,29 @@ TEST_F(Trace, SurvivesATextThatIsNoUtf8) {
 
 TEST_F(Trace, GoesToNoFileThatTheRunUses) {
     write("style.json", "{}");
-    write("m.mcr", "ONE SAY a\n");
-    fs::create_symlink("m.mcr", folder() / "link");
-    fs::create_hard_link(folder() / "m.mcr", folder() / "hard");
+    write("m.macro", "ONE SAY a\n");
+    fs::create_symlink("m.macro", folder() / "link");
+    fs::create_hard_link(folder() / "m.macro", folder() / "hard");
     fs::copy_file(ADDON_ONE, folder() / "one.so");
     struct Case {
         const char* trace;
         const char* other;
     };
     const Case cases[] = {
-        {"m.mcr", "m.mcr"},   {"./m.mcr", "m.mcr"},         {"link", "m.mcr"},    {"hard", "m.mcr"}, {"r.mcr", "r.mcr"},
-        {"./j.mcr", "j.mcr"}, {"style.json", "style.json"}, {"one.so", "one.so"},
+        {"m.macro", "m.macro"}, {"./m.macro", "m.macro"}, {"link", "m.macro"},          {"hard", "m.macro"},
+        {"r.macro", "r.macro"}, {"./j.macro", "j.macro"}, {"style.json", "style.json"}, {"one.so", "one.so"},
     };
     for (const char* option : kOptions) {
         for (const Case& c : cases) {
             SCOPED_TRACE(std::string(option) + ' ' + c.trace);
             const ProgramResult result =
-                runProgram(runner({"run", "m.mcr", "--addon", "one.so", "--style", "style.json", "--record", "r.mcr",
-                                   "--journal", "j.mcr", option, c.trace}));
+                runProgram(runner({"run", "m.macro", "--addon", "one.so", "--style", "style.json", "--record",
+                                   "r.macro", "--journal", "j.macro", option, c.trace}));
             EXPECT_EQ(result.status, 2);
             EXPECT_EQ(result.out, "");
             EXPECT_EQ(result.err,
                       std::string(c.trace) + ": cannot be written: the run uses it as " + c.other + ", too\n");
-            EXPECT_EQ(read("m.mcr"), "ONE SAY a\n");
+            EXPECT_EQ(read("m.macro"), "ONE SAY a\n");
         }
     }
 }
@@ -141,7 +141,7 @@ TEST_F(Trace, ThatCannotBeWrittenIsRefusedBeforeAnythingRuns) {
 }
 
 TEST_F(UnprivilegedTrace, InAFolderWithoutPermissionIsRefused) {
-    write("m.mcr", "ONE ECHO a\n");
+    write("m.macro", "ONE ECHO a\n");
     fs::permissions(folder(), fs::perms(0555));
     const ProgramResult result = runUnprivileged(macroRunner({"--trace", "t.json"}));
     fs::permissions(folder(), fs::perms(0755));
@@ -154,10 +154,10 @@ TEST_F(Trace, OnAFullDiskIsAnErrorAfterTheRun) {
     // A limit on the size of files stands for the full disk.
     std::string macro;
     for (int i = 0; i != 50; ++i) macro += "ONE ECHO a\n";
-    write("m.mcr", macro);
+    write("m.macro", macro);
     for (const char* option : kOptions) {
         const std::string command =
-            std::string("trap '' XFSZ; ulimit -f 1; " VEXA_STANDIN " run m.mcr --addon " ADDON_ONE " ") + option +
+            std::string("trap '' XFSZ; ulimit -f 1; " VEXA_STANDIN " run m.macro --addon " ADDON_ONE " ") + option +
             " t | wc -l; exit ${PIPESTATUS[0]}";
         const ProgramResult result = runProgram({{"bash", "-c", command}, folder(), "", false});
         EXPECT_EQ(result.status, 2);

@@ -6,7 +6,7 @@ namespace {
 using TraceText = RunnerTest;
 
 TEST_F(TraceText, TellsTheWholeRun) {
-    runMacro("ONE SAY a\nONE FAIL no\n", {"--record", "r.mcr", "--trace-text", "t.txt"});
+    runMacro("ONE SAY a\nONE FAIL no\n", {"--record", "r.macro", "--trace-text", "t.txt"});
     EXPECT_EQ(read("t.txt"),
               "# thread, then commands, and their calls of the host with arguments and results\n"
               "1  load e2e-addon-one.so\n"
@@ -16,11 +16,11 @@ TEST_F(TraceText, TellsTheWholeRun) {
               "1    VexaUtilStyleGetLowLevelX(arglist#1) = GetValueReturnCode_UnknownPath\n"
               "1    VexaUtilArgListDealloc(arglist#1)\n"
               "1    => loaded ONE\n"
-              "1  m.mcr:1: ONE SAY a\n"
+              "1  m.macro:1: ONE SAY a\n"
               "1    VexaUtilMacroIsRecordingActive() = 1\n"
               "1    VexaUtilMacroRecordExtCommand(\"ONE\", \"SAY a\") = 1\n"
               "1    => accepted\n"
-              "1  m.mcr:2: ONE FAIL no\n"
+              "1  m.macro:2: ONE FAIL no\n"
               "1    VexaUtilStringAlloc(3, \"error string\") = string#1\n"
               "1    => failed: no\n"
               "1  unload ONE\n"

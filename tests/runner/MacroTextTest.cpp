@@ -10,7 +10,7 @@ namespace {
 
 MacroFile readBack(const standin::JournalEntry& entry) {
     const tests::TemporaryFolder folder;
-    return readMacroFile(folder.write("j.mcr", journalText({entry})), {"ONE"});
+    return readMacroFile(folder.write("j.macro", journalText({entry})), {"ONE"});
 }
 
 TEST(JournalText, IsAMacroFileWhateverTheData) {

@@ -111,7 +111,7 @@ const Misbehaviour kMisbehaviours[] = {
 std::vector<Finding> findingsOf(const std::string& command) {
     Host host;
     host.loadAddOn(VEXA_TEST_ADDONS "/misbehaving.so");
-    host.run("MISBEHAVING", command, "wake.mcr:3");
+    host.run("MISBEHAVING", command, "wake.macro:3");
     host.unloadAddOns();
     return host.violations();
 }

@@ -83,26 +83,26 @@ TEST(Rules, AreFoundByTheirNames) {
 
 TEST_F(Findings, ShowBothPlaces) {
     m_host.run("MISBEHAVING", "unbalanced-lock-twin");  // six calls
-    const std::vector<Finding> findings = run("unbalanced-lock", "wake.mcr:7");
+    const std::vector<Finding> findings = run("unbalanced-lock", "wake.macro:7");
     ASSERT_EQ(findings.size(), 1U);
     ASSERT_TRUE(findings[0].opened);
     EXPECT_EQ(findings[0].opened->call, 7U);
     EXPECT_EQ(findings[0].opened->function, "VexaUtilLockStart");
     EXPECT_EQ(findings[0].opened->command, "MISBEHAVING unbalanced-lock");
-    EXPECT_EQ(findings[0].opened->macroLine, "wake.mcr:7");
+    EXPECT_EQ(findings[0].opened->macroLine, "wake.macro:7");
     EXPECT_EQ(findings[0].opened->thread, 1U);
     EXPECT_EQ(findings[0].seen.call, 0U);
     EXPECT_EQ(findings[0].seen.function, "");
     EXPECT_EQ(findings[0].seen.command, "MISBEHAVING unbalanced-lock");
-    EXPECT_EQ(findings[0].seen.macroLine, "wake.mcr:7");
+    EXPECT_EQ(findings[0].seen.macroLine, "wake.macro:7");
 }
 
 TEST_F(Findings, ShowTheCommandThatAllocatedWhatLeaksInTheEnd) {
-    run("leaked-mutex", "wake.mcr:7");
+    run("leaked-mutex", "wake.macro:7");
     m_host.unloadAddOns();
     const std::vector<Finding> findings = m_host.violations();
     ASSERT_EQ(findings.size(), 1U);
-    EXPECT_EQ(findings[0].opened->macroLine, "wake.mcr:7");
+    EXPECT_EQ(findings[0].opened->macroLine, "wake.macro:7");
     EXPECT_EQ(findings[0].seen.command, "unloading of MISBEHAVING");
     EXPECT_EQ(findings[0].seen.macroLine, "");
 }
@@ -115,15 +115,15 @@ TEST_F(Findings, ShowBothThreads) {
 }
 
 TEST_F(Findings, AreReadable) {
-    const std::vector<Finding> findings = run("unbalanced-auxdata", "wake.mcr:7");
+    const std::vector<Finding> findings = run("unbalanced-auxdata", "wake.macro:7");
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(
         textOf(findings[0]),
-        "wake.mcr:7: MISBEHAVING: error: the command ended without VexaUtilAuxDataEndAssign after "
+        "wake.macro:7: MISBEHAVING: error: the command ended without VexaUtilAuxDataEndAssign after "
         "VexaUtilAuxDataBeginAssign [unbalanced-auxdata]\n"
-        "    first: call 1, VexaUtilAuxDataBeginAssign, in \"MISBEHAVING unbalanced-auxdata\", wake.mcr:7, thread "
+        "    first: call 1, VexaUtilAuxDataBeginAssign, in \"MISBEHAVING unbalanced-auxdata\", wake.macro:7, thread "
         "1\n"
-        "    seen:  the end of \"MISBEHAVING unbalanced-auxdata\", wake.mcr:7, thread 1\n"
+        "    seen:  the end of \"MISBEHAVING unbalanced-auxdata\", wake.macro:7, thread 1\n"
         "    hint:  Hold an AuxDataSuspendBroadcast while you assign; it ends on every way out.\n");
 }
 
@@ -318,12 +318,12 @@ TEST(LastCall, IsOfTheCommandThatRuns) {
     host.loadAddOn(addOnFile("probe"));
     Place seen;
     host.onDialog([&](const std::string&) { std::thread([&] { seen = host.lastCall(); }).join(); });
-    host.run("PROBE", "SHOW", "wake.mcr:7");
+    host.run("PROBE", "SHOW", "wake.macro:7");
     host.onDialog(nullptr);
     EXPECT_EQ(seen.call, 1U);
     EXPECT_EQ(seen.function, "VexaUtilDialogErrMsg");
     EXPECT_EQ(seen.command, "PROBE SHOW");
-    EXPECT_EQ(seen.macroLine, "wake.mcr:7");
+    EXPECT_EQ(seen.macroLine, "wake.macro:7");
     EXPECT_EQ(host.lastCall().command, "PROBE SHOW") << "the one that ran last";
 }
 

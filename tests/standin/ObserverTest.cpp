@@ -88,12 +88,12 @@ TEST(Observer, IsToldOfAllThatHappensInOrder) {
     host.setObserver(&writer);
     const std::string file = addOnFile("misbehaving");
     host.loadAddOn(file);
-    host.run("MISBEHAVING", "percent-backwards", "wake.mcr:7");
+    host.run("MISBEHAVING", "percent-backwards", "wake.macro:7");
     host.run("MISBEHAVING", "missing-errmsg-twin");
     host.unloadAddOns();
     EXPECT_EQ(writer.lines(), Lines({"> load " + file + " @",
                                      "< load MISBEHAVING @ well",
-                                     "> run MISBEHAVING percent-backwards@wake.mcr:7",
+                                     "> run MISBEHAVING percent-backwards@wake.macro:7",
                                      "> 1 VexaUtilStatusStartPercentDone(\"working\", 0, 1)",
                                      "= 0",
                                      "< 1 ",
@@ -107,7 +107,7 @@ TEST(Observer, IsToldOfAllThatHappensInOrder) {
                                      "> 4 VexaUtilStatusFinishPercentDone()",
                                      "= 49",
                                      "< 4 ",
-                                     "< run MISBEHAVING percent-backwards@wake.mcr:7 well",
+                                     "< run MISBEHAVING percent-backwards@wake.macro:7 well",
                                      "> run MISBEHAVING missing-errmsg-twin@",
                                      "> 5 VexaUtilStringAlloc(13, \"error message\")",
                                      "< 5 string#1",

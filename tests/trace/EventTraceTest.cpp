@@ -24,7 +24,8 @@ using tests::Json;
 using tests::nestingProblems;
 using tests::traceEvents;
 
-const RunFacts kFacts = {"tool 1.2", "m.mcr", {{"--record", {"r.mcr"}}, {"--batch", {}}}, true, false, {"leaked-set"}};
+const RunFacts kFacts = {"tool 1.2", "m.macro", {{"--record", {"r.macro"}}, {"--batch", {}}},
+                         true,       false,     {"leaked-set"}};
 
 class EventTraceTest : public ::testing::Test {
 protected:
@@ -63,7 +64,7 @@ TEST_F(EventTraceTest, HasTheFactsOfTheRunFirstAndItsOutcomeLast) {
     EXPECT_EQ(
         events.front().at("args"),
         Json::parse(
-            R"({"tool":"tool 1.2","macroFile":"m.mcr","options":{"--record":["r.mcr"],"--batch":[]},"isStrict":true,"hasTimeLimit":false,"suppressed":["leaked-set"]})"));
+            R"({"tool":"tool 1.2","macroFile":"m.macro","options":{"--record":["r.macro"],"--batch":[]},"isStrict":true,"hasTimeLimit":false,"suppressed":["leaked-set"]})"));
     EXPECT_EQ(events.back().at("name"), "outcome");
     EXPECT_EQ(events.back().at("args"), Json::parse(R"({"exitStatus":0,"outcome":"all went well"})"));
 }
@@ -101,11 +102,11 @@ TEST_F(EventTraceTest, HasTheNumbersOfProcessAndThread) {
 
 TEST_F(EventTraceTest, HasCommandsAsSpansWithTheirOutcome) {
     load();
-    host().run("MISBEHAVING", "missing-errmsg-twin", "m.mcr:7");
+    host().run("MISBEHAVING", "missing-errmsg-twin", "m.macro:7");
     const std::vector<Json> events = eventsWhere(finished(), "cat", "command");
     ASSERT_EQ(events.size(), 2U);
     EXPECT_EQ(events[0].at("name"), "MISBEHAVING missing-errmsg-twin");
-    EXPECT_EQ(events[0].at("args").at("macroLine"), "m.mcr:7");
+    EXPECT_EQ(events[0].at("args").at("macroLine"), "m.macro:7");
     EXPECT_EQ(events[1].at("args").at("succeeded"), false);
     EXPECT_NE(events[1].at("args").at("error"), "");
 }
@@ -183,7 +184,7 @@ TEST_F(EventTraceTest, HasThePercentageAsACounter) {
 
 TEST_F(EventTraceTest, HasAFindingAsAnInstantWithBothPlacesAndTheHint) {
     load();
-    host().run("MISBEHAVING", "unbalanced-lock", "m.mcr:3");
+    host().run("MISBEHAVING", "unbalanced-lock", "m.macro:3");
     const std::vector<Json> findings = eventsWhere(finished(), "cat", "finding");
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].at("ph"), "i");
@@ -194,7 +195,7 @@ TEST_F(EventTraceTest, HasAFindingAsAnInstantWithBothPlacesAndTheHint) {
     EXPECT_EQ(facts.at("severity"), "error");
     EXPECT_EQ(facts.at("addOn"), "MISBEHAVING");
     EXPECT_EQ(facts.at("opened").at("function"), "VexaUtilLockStart");
-    EXPECT_EQ(facts.at("opened").at("macroLine"), "m.mcr:3");
+    EXPECT_EQ(facts.at("opened").at("macroLine"), "m.macro:3");
     EXPECT_EQ(facts.at("opened").at("call"), expected.opened->call);
     EXPECT_EQ(facts.at("seen").at("command"), "MISBEHAVING unbalanced-lock");
     EXPECT_EQ(facts.at("count"), 1);

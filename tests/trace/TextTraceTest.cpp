@@ -26,11 +26,11 @@ protected:
 
 TEST_F(TextTraceTest, HasALineACallWithinTheLinesOfItsCommand) {
     host().loadAddOn(MISBEHAVING_ADDON);
-    host().run("MISBEHAVING", "unbalanced-lock-twin", "m.mcr:3");
+    host().run("MISBEHAVING", "unbalanced-lock-twin", "m.macro:3");
     EXPECT_EQ(finished(),
               "1  load misbehaving.so\n"
               "1    => loaded MISBEHAVING\n"
-              "1  m.mcr:3: MISBEHAVING unbalanced-lock-twin\n"
+              "1  m.macro:3: MISBEHAVING unbalanced-lock-twin\n"
               "1    VexaUtilLockStart(MISBEHAVING)\n"
               "1    VexaUtilAuxDataBeginAssign()\n"
               "1    VexaUtilLockStart(MISBEHAVING)\n"
@@ -64,10 +64,10 @@ TEST_F(TextTraceTest, HasAFindingBehindItsCall) {
 
 TEST_F(TextTraceTest, HasAFindingAboutTheEndOfACommandWithWhereItBegan) {
     host().loadAddOn(MISBEHAVING_ADDON);
-    host().run("MISBEHAVING", "unbalanced-lock", "m.mcr:3");
+    host().run("MISBEHAVING", "unbalanced-lock", "m.macro:3");
     EXPECT_NE(finished().find("1    VexaUtilLockStart(MISBEHAVING)\n"
                               "1    ! error: the command ended without VexaUtilLockFinish after VexaUtilLockStart "
-                              "[unbalanced-lock] (first: VexaUtilLockStart, m.mcr:3)\n"
+                              "[unbalanced-lock] (first: VexaUtilLockStart, m.macro:3)\n"
                               "1    => accepted\n"),
               std::string::npos);
 }

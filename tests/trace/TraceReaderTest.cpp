@@ -13,7 +13,7 @@ namespace {
 
 using Kind_e = TracedSpan::Kind_e;
 
-const RunFacts kFacts = {"tool 1.2", "m.mcr", {{"--record", {"r.mcr"}}}, true, false, {"leaked-set"}};
+const RunFacts kFacts = {"tool 1.2", "m.macro", {{"--record", {"r.macro"}}}, true, false, {"leaked-set"}};
 
 std::string refusalOf(const std::string& text) {
     const tests::TemporaryFolder folder;
@@ -30,7 +30,7 @@ std::string refusalOf(const std::string& text) {
 std::string someTrace() {
     TracedHost<EventTrace> traced(kFacts);
     traced.host().loadAddOn(MISBEHAVING_ADDON);
-    traced.host().run("MISBEHAVING", "unbalanced-status", "m.mcr:3");
+    traced.host().run("MISBEHAVING", "unbalanced-status", "m.macro:3");
     return traced.finished();
 }
 
@@ -45,8 +45,8 @@ protected:
 TEST_F(TraceReaderTest, ReadsTheFactsAndTheOutcome) {
     const TracedRun run = readBack();
     EXPECT_EQ(run.tool, "tool 1.2");
-    EXPECT_EQ(run.macroFile, "m.mcr");
-    EXPECT_EQ(run.options.at("--record").at(0), "r.mcr");
+    EXPECT_EQ(run.macroFile, "m.macro");
+    EXPECT_EQ(run.options.at("--record").at(0), "r.macro");
     EXPECT_TRUE(run.isStrict);
     EXPECT_FALSE(run.hasTimeLimit);
     EXPECT_EQ(run.suppressed, std::vector<std::string>{"leaked-set"});
@@ -61,7 +61,7 @@ TEST_F(TraceReaderTest, ReadsEntriesWithTheirCallsAndOutcome) {
     EXPECT_EQ(run.entries[0].kind, "loading");
     EXPECT_EQ(run.entries[0].addOnId, "MISBEHAVING");
     EXPECT_EQ(run.entries[1].command, "unbalanced-status");
-    EXPECT_EQ(run.entries[1].macroLine, "m.mcr:3");
+    EXPECT_EQ(run.entries[1].macroLine, "m.macro:3");
     EXPECT_EQ(run.entries[1].calls, 1U);
     EXPECT_TRUE(run.entries[1].succeeded);
     EXPECT_EQ(run.spans[run.entries[1].span].name, "MISBEHAVING unbalanced-status");

@@ -22,7 +22,7 @@ constexpr const char* kCheckFooter = R"(Levels:
   3  and allocations that fail, and damaged commands
 
 Example:
-  vexa-standin check ./libstats.so --macro sweep.mcr --level 3
+  vexa-standin check ./libstats.so --macro sweep.macro --level 3
 
 The commands run in the current folder, and write their files there.
 

@@ -31,7 +31,7 @@ tabulator completes ids and names of files, the arrows bring lines of before
 back. Ctrl-C gives a line up, and stops a task; quit or Ctrl-D ends.
 
 Example:
-  vexa-standin repl --addon ./libstats.so --record session.mcr
+  vexa-standin repl --addon ./libstats.so --record session.macro
   > STATS LOAD FILE = 'wake.txt'
 
 Exit status:

@@ -19,7 +19,7 @@ constexpr const char* kReportFooter =
 is shown up to there.
 
 Example:
-  vexa-standin run sweep.mcr --addon ./libstats.so --trace sweep.trace
+  vexa-standin run sweep.macro --addon ./libstats.so --trace sweep.trace
   vexa-standin report sweep.trace -o sweep.html
 
 Exit status:

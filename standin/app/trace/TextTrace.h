@@ -14,7 +14,7 @@ namespace vexa::runner {
 /// Writes what it observes to a file as text, a line a call, without times and addresses: two runs that do the same
 /// write the same.
 ///
-///     1  sweep.mcr:3: STATS MEAN
+///     1  sweep.macro:3: STATS MEAN
 ///     1    VexaUtilLockStart(STATS)
 ///     1    => accepted
 ///     1    ! error: the command ended without VexaUtilLockFinish ... [unbalanced-lock] (first: VexaUtilLockStart)
