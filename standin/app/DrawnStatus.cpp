@@ -16,8 +16,8 @@ constexpr std::chrono::milliseconds kLeastInterval{100};
 
 }  // namespace
 
-DrawnStatus::DrawnStatus(std::function<bool()> isStopping)
-    : m_isStopping(std::move(isStopping)), m_inColour(wantsColour()) {}
+DrawnStatus::DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
+    : m_isStopping(std::move(isStopping)), m_inColour(wantsColour()), m_isDrawn(isDrawn) {}
 
 void DrawnStatus::show(const standin::StatusLine& line) {
     // A line that is up and goes back was started again.

@@ -17,7 +17,8 @@ namespace vexa::runner {
 class DrawnStatus {
 public:
     /// \param isStopping whether the user has asked to stop; asked at each drawing.
-    explicit DrawnStatus(std::function<bool()> isStopping);
+    /// \param isDrawn    kept at whether something is drawn
+    DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
 
     /// Takes over the status line as it is now. A new one, and one taken down, show at once, other changes when due.
     void show(const standin::StatusLine& line);
@@ -42,7 +43,7 @@ private:
     standin::StatusLine m_line;
     Clock::time_point m_begin;
     Clock::time_point m_lastDrawing;
-    std::atomic<bool> m_isDrawn{false};
+    std::atomic<bool>& m_isDrawn;
     // What the last drawing showed.
     bool m_hasChanged = false;
     bool m_drawnStopping = false;

@@ -1,17 +1,11 @@
 #include "Hang.h"
 
-#include <array>
-#include <cstdio>
 #include <string>
+
+#include "Seconds.h"
 
 namespace vexa::runner {
 namespace {
-
-std::string secondsText(std::chrono::duration<double> time) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%g", time.count());
-    return std::string(text.data()) + (time.count() == 1 ? " second" : " seconds");
-}
 
 // Of a command; what else an add-on does has no id in front.
 std::string addOnIdOf(const standin::Place& place) {

@@ -5,24 +5,25 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <memory>
 #include <string_view>
-#include <thread>
 #include <type_traits>
+#include <utility>
 
 #include "AddOns.h"
 #include "Console.h"
-#include "Descriptor.h"
 #include "DiscardedOutput.h"
 #include "FailureText.h"
 #include "FindingTeller.h"
 #include "Hang.h"
 #include "MacroFile.h"
+#include "MacroText.h"
+#include "OutputTarget.h"
 #include "PlainStatus.h"
 #include "Replay.h"
 #include "ResultsFile.h"
-#include "RunOutputs.h"
+#include "RunNotes.h"
 #include "Screen.h"
+#include "Seconds.h"
 #include "StopButton.h"
 #include "StyleFile.h"
 #include "Terminal.h"
@@ -34,30 +35,45 @@ namespace {
 
 constexpr std::chrono::seconds kTimeForLastWords{5};
 
-// The files that the run reads or writes, beside its traces.
-std::vector<std::string> filesOf(const RunOptions& options) {
-    std::vector<std::string> files = options.addOns;
-    files.push_back(options.macroFile);
-    for (const auto& file : {options.record, options.journal, options.style}) {
-        if (file) files.push_back(*file);
-    }
-    return files;
-}
-
 std::string counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
+// Has the calls of another host counted where those of \p host are, as long as this lives.
+class OtherHostCounted {
+public:
+    OtherHostCounted(standin::Host& host, ProcessBox& box) : m_host(host), m_box(box) {
+        host.setCallProgress(nullptr);
+        box.calls.calls = 0;
+    }
+    OtherHostCounted(const OtherHostCounted&) = delete;
+    OtherHostCounted& operator=(const OtherHostCounted&) = delete;
+    ~OtherHostCounted() { m_host.setCallProgress(&m_box.calls); }
+
+private:
+    standin::Host& m_host;
+    ProcessBox& m_box;
+};
+
 class MacroRun {
 public:
-    explicit MacroRun(const RunOptions& options) : m_options(options) {
+    MacroRun(const RunOptions& options, ProcessBox& box, NotesInterface& notes)
+        : m_options(options), m_box(box), m_notes(notes) {
+        if (options.json) m_results.tellTo(notes);
+        m_host.setCallProgress(&box.calls);
+        m_host.onRecorded([&](const standin::RecordedCommand& command) {
+            if (options.record) notes.tell(kRecordedNote, recordingLine(command));
+        });
+        m_host.onJournaled([&](const standin::JournalEntry& entry) {
+            if (options.journal) notes.tell(kJournaledNote, journalLines(entry));
+        });
         m_host.setKeepsCalls(false);
         m_host.setBatchMode(options.batch);
         m_host.setRecording(options.record || options.contract.isStrict());
         for (const std::string& rule : options.contract.suppressed) m_host.suppress(rule);
         m_host.onDialog([this](const std::string& text) { showDialog(text); });
         m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
-        if (drawsStatus()) m_screen.emplace([this] { return m_stopButton.isPressed(); });
+        if (drawsStatus()) m_screen.emplace([this] { return m_stopButton.isPressed(); }, box.isStatusDrawn);
         if (options.contract.timeout) m_watchdog.emplace([this] { endHung(); });
     }
     MacroRun(const MacroRun&) = delete;
@@ -74,7 +90,9 @@ private:
     }
 
     ExitStatus_e finish(ExitStatus_e status) {
-        return m_results.finish(m_traces.finish(status), m_options.macroFile, m_host);
+        const ExitStatus_e traced = m_traces.finish(status);
+        m_results.finish(traced, m_options.macroFile, m_host);
+        return traced;
     }
 
     ExitStatus_e runToEnd() {
@@ -102,9 +120,7 @@ private:
 
     bool openOutputs() {
         try {
-            m_outputs.open(m_options.record, m_options.journal);
             m_traces.open(m_options.trace, filesOf(m_options));
-            openResults();
         } catch (const OutputError& error) {
             tell(error.what());
             return false;
@@ -112,18 +128,6 @@ private:
         m_host.setObserver(m_traces.observer());
         m_stopButton.install();
         return true;
-    }
-
-    void openResults() {
-        if (m_options.jsonDescriptor) {
-            m_results.open(std::make_unique<LiveFile>("<results>", *m_options.jsonDescriptor));
-        } else if (m_options.json) {
-            std::vector<std::string> taken = filesOf(m_options);
-            for (const auto& trace : {m_options.trace.events, m_options.trace.text}) {
-                if (trace) taken.push_back(*trace);
-            }
-            m_results.open(openResultsFile(*m_options.json, taken));
-        }
     }
 
     bool loadStyle() {
@@ -136,18 +140,23 @@ private:
     bool loadAddOnsOf(standin::Host& host) {
         bool allLoaded = true;
         for (const std::string& file : m_options.addOns) {
-            allLoaded &= inTime(host, 1, [&] { return loadAddOn(host, file); });
+            const auto load = [&] { return loadAddOn(host, file); };
+            allLoaded &= inTime({&host, "", "", "loading of " + file, 1}, load);
         }
         return allLoaded;
     }
 
     // There is one call to unload all.
     void unloadAddOnsOf(standin::Host& host) {
-        inTime(host, host.addOns().size(), [&] { host.unloadAddOns(); });
+        std::string work = "unloading of";
+        for (const standin::AddOnInfo& addOn : host.addOns()) work += ' ' + addOn.id;
+        inTime({&host, "", "", work, host.addOns().size()}, [&] { host.unloadAddOns(); });
     }
 
+    // A pipe may have no end.
     bool readMacro() {
-        m_macro = readMacroFile(m_options.macroFile, loadedIds(m_host));
+        const auto read = [&] { return readMacroFile(m_options.macroFile, loadedIds(m_host)); };
+        m_macro = inTime({nullptr, "", "", "reading of " + m_options.macroFile, 1}, read);
         for (const std::string& problem : m_macro.problems) tell(problem);
         return m_macro.problems.empty();
     }
@@ -155,6 +164,7 @@ private:
     void runCommands() {
         m_stopButton.arm(m_host);
         m_isRunning = true;
+        m_notes.tell(kBeganNote, "");
         for (const MacroCommand& command : m_macro.commands) {
             m_current = &command;
             runCommand(command);
@@ -169,8 +179,9 @@ private:
     void runCommand(const MacroCommand& command) {
         if (m_options.verbose) tell(m_macro.place(command.line), command.addOnId + ' ' + command.text);
         const auto begin = std::chrono::steady_clock::now();
-        const standin::CommandResult result =
-            inTime(m_host, 1, [&] { return m_host.run(command.addOnId, command.text, m_macro.place(command.line)); });
+        const std::string place = m_macro.place(command.line);
+        const auto execute = [&] { return m_host.run(command.addOnId, command.text, place); };
+        const standin::CommandResult result = inTime({&m_host, place, command.addOnId, command.text, 1}, execute);
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
         ++m_run;
         m_findings.tellNew();
@@ -186,7 +197,10 @@ private:
 
     bool writeOutputs() {
         m_isRunning = false;
-        return m_outputs.write(m_host, m_summary);
+        const std::string answer = m_notes.ask(kWriteNote, "");
+        const bool isWritten = !answer.empty() && answer.front() == kWritten;
+        if (isWritten) m_summary += answer.substr(1);
+        return isWritten;
     }
 
     // Plays the recording in a new session, as a user does who plays a recorded macro. What is printed, and the dialogs
@@ -195,7 +209,9 @@ private:
         const std::vector<standin::RecordedCommand> recorded = m_host.recordedCommands();
         if (recorded.empty()) return true;
         const DiscardedOutput discarded;
+        const OtherHostCounted counted(m_host, m_box);
         standin::Host session;
+        session.setCallProgress(&m_box.calls);
         session.setChecking(false);
         session.setKeepsCalls(false);
         session.setBatchMode(m_options.batch);
@@ -204,7 +220,10 @@ private:
         const bool loaded = loadAddOnsOf(session);
         m_stopButton.handOver(session);
         for (std::size_t i = 0; loaded && i != recorded.size() && !m_stopButton.isPressed(); ++i) {
-            const auto finding = inTime(session, 1, [&] { return replay(session, recorded[i]); });
+            const standin::RecordedCommand& command = recorded[i];
+            const auto playBack = [&] { return replay(session, command); };
+            const auto finding =
+                inTime({&session, command.recordedAt.macroLine, command.addOnId, command.command, 1}, playBack);
             if (finding && !m_stopButton.isPressed()) m_host.report(*finding);
             m_findings.tellNew();
         }
@@ -215,38 +234,58 @@ private:
         return loaded;
     }
 
-    // Has \p host's add-ons do something that the program does not outlive when it takes longer than \p times the
-    // limit.
+    // What add-ons are entered for, or, without a host, what else may not take for ever.
+    struct Entered {
+        const standin::Host* host = nullptr;
+        std::string place;
+        std::string addOnId;
+        std::string work;
+        std::size_t times = 1;  // the limit that it may take
+        std::size_t calls = 0;  // before it
+    };
+
+    // Calls \p work, which enters add-ons or may have no end. If it takes longer than it may, the process ends.
     template <class Work>
-    std::invoke_result_t<Work> inTime(const standin::Host& host, std::size_t times, const Work& work) {
+    std::invoke_result_t<Work> inTime(Entered entered, const Work& work) {
+        m_entered = std::move(entered);
+        const TimeInAddOn time(m_box, m_entered.place, m_entered.addOnId, m_entered.work);
         if (!m_watchdog) return work();
-        m_entered = {&host, host.lastCall().call, *m_options.contract.timeout * static_cast<double>(times)};
-        const WatchedTime time(*m_watchdog, m_entered.limit);
+        if (m_entered.host != nullptr) m_entered.calls = m_entered.host->lastCall().call;
+        const WatchedTime watched(*m_watchdog, limit());
+        const AllowedTime allowed(m_box, limit());
         return work();
     }
 
+    Watchdog::Seconds limit() const { return *m_options.contract.timeout * static_cast<double>(m_entered.times); }
+
     // The add-on goes on meanwhile, and may hold whatever there is to hold: the standard output, when nobody reads it.
+    // Then the process that watches this one ends it.
     void endHung() {
-        const standin::Finding finding = hangFinding(m_entered.host->lastCall(), m_entered.calls, m_entered.limit);
-        std::atomic<bool> isTold{false};
-        std::thread([&] {
-            std::this_thread::sleep_for(kTimeForLastWords);
-            if (!isTold) writeAll(STDERR_FILENO, textOf(finding));
-            endProgram();
-        }).detach();
+        m_box.allow(kTimeForLastWords);
+        if (m_entered.host == nullptr) return endUnread();
+        const standin::Finding finding = hangFinding(m_entered.host->lastCall(), m_entered.calls, limit());
         m_findings.tellNew();
         tellLines(textOf(finding));
-        isTold = true;
         m_host.report(finding);
         const MacroCommand* const command = m_current;
-        if (command != nullptr) addResult(*command, false, "the command has not returned", m_entered.limit.count());
+        if (command != nullptr) addResult(*command, false, "the command has not returned", limit().count());
         if (m_isRunning) writeOutputs();
         finish(ExitStatus_e::CommandHung);
-        if (m_screen) m_screen->leave();
-        endProgram();
+        endProgram(ExitStatus_e::CommandHung);
     }
 
-    [[noreturn]] static void endProgram() { _exit(static_cast<int>(ExitStatus_e::CommandHung)); }
+    void endUnread() {
+        tell(m_options.macroFile, "cannot be read: it has no end after " + secondsText(limit()));
+        finish(ExitStatus_e::BadUsageOrInput);
+        endProgram(ExitStatus_e::BadUsageOrInput);
+    }
+
+    [[noreturn]] void endProgram(ExitStatus_e status) {
+        if (m_screen) m_screen->leave();
+        m_box.report(static_cast<int>(status));
+        m_box.markLeft();
+        _exit(static_cast<int>(status));
+    }
 
     void showDialog(const std::string& text) const { tell(currentPlace() + ": dialog", text); }
 
@@ -268,21 +307,15 @@ private:
         return m_macro.place(command.line) + ": " + command.addOnId;
     }
 
-    // What an add-on is entered for.
-    struct Entered {
-        const standin::Host* host = nullptr;
-        std::size_t calls = 0;  // before it was
-        Watchdog::Seconds limit{};
-    };
-
     const RunOptions& m_options;
+    ProcessBox& m_box;
+    NotesInterface& m_notes;
     MacroFile m_macro;
     std::optional<std::vector<StyleSetting>> m_styles;
-    RunOutputs m_outputs;
     bool m_isRunning = false;  // commands run, and what they record is still to be written
     Entered m_entered;
     TraceOutputs m_traces;
-    ResultsFile m_results;
+    Results m_results;
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;
@@ -300,6 +333,17 @@ private:
 
 }  // namespace
 
-ExitStatus_e runMacro(const RunOptions& options) { return MacroRun(options).execute(); }
+std::vector<std::string> filesOf(const RunOptions& options) {
+    std::vector<std::string> files = options.addOns;
+    files.push_back(options.macroFile);
+    for (const auto& file : {options.record, options.journal, options.style}) {
+        if (file) files.push_back(*file);
+    }
+    return files;
+}
+
+ExitStatus_e runMacro(const RunOptions& options, ProcessBox& box, NotesInterface& notes) {
+    return MacroRun(options, box, notes).execute();
+}
 
 }  // namespace vexa::runner

@@ -7,6 +7,8 @@
 #include "ContractOptions.h"
 #include "ExitStatus.h"
 #include "trace/TraceOutputs.h"
+#include "watch/Notes.h"
+#include "watch/ProcessBox.h"
 
 namespace vexa::runner {
 
@@ -18,15 +20,20 @@ struct RunOptions {
     std::optional<std::string> journal;  ///< where the journal goes
     std::optional<std::string> style;    ///< the style file
     std::optional<std::string> json;     ///< where the results for other programs go
-    std::optional<int> jsonDescriptor;   ///< the same, open already; the run takes it over
     ContractOptions contract;            ///< what of the host's contract is asked for
     TraceOptions trace;                  ///< where the traces go
     bool batch = false;                  ///< the host says that it is in batch mode
     bool keepGoing = false;              ///< run on after a failed command
     bool verbose = false;                ///< show each command, and a summary
+    bool inProcess = false;              ///< run in this process, for a debugger
 };
 
-/// Runs a macro file as \p options say. Ends the program when a command takes longer than it may.
-ExitStatus_e runMacro(const RunOptions& options);
+/// The files that a run reads or writes, beside its traces and results.
+std::vector<std::string> filesOf(const RunOptions& options);
+
+/// Runs a macro file in this process, as \p options say. Ends the process when a command takes longer than it may.
+/// \param box   gets what the add-ons do.
+/// \param notes get what is to be kept: the recording, the journal and the results.
+ExitStatus_e runMacro(const RunOptions& options, ProcessBox& box, NotesInterface& notes);
 
 }  // namespace vexa::runner

@@ -36,20 +36,23 @@ std::string commandText(const standin::JournalEntry& entry) {
 
 }  // namespace
 
+std::string recordingLine(const standin::RecordedCommand& recorded) {
+    return recorded.addOnId + ' ' + recorded.command + '\n';
+}
+
 std::string recordingText(const std::vector<standin::RecordedCommand>& commands) {
     std::string text = "# Macro commands as the add-ons recorded them. vexa-standin runs this file.\n";
-    for (const standin::RecordedCommand& recorded : commands) {
-        text += recorded.addOnId + ' ' + recorded.command + '\n';
-    }
+    for (const standin::RecordedCommand& recorded : commands) text += recordingLine(recorded);
     return text;
+}
+
+std::string journalLines(const standin::JournalEntry& entry) {
+    return commandText(entry) + (entry.journalData ? asComments(*entry.journalData) : "");
 }
 
 std::string journalText(const std::vector<standin::JournalEntry>& entries) {
     std::string text = "# Data-set journal: commands, and the data that the add-ons keep with them.\n";
-    for (const standin::JournalEntry& entry : entries) {
-        text += commandText(entry);
-        if (entry.journalData) text += asComments(*entry.journalData);
-    }
+    for (const standin::JournalEntry& entry : entries) text += journalLines(entry);
     return text;
 }
 

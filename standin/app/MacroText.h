@@ -10,6 +10,9 @@ namespace vexa::runner {
 /// The macro file that runs \p commands again. The same commands give the same text.
 std::string recordingText(const std::vector<standin::RecordedCommand>& commands);
 
+/// What recordingText() has of one command, after its head.
+std::string recordingLine(const standin::RecordedCommand& recorded);
+
 /// \p entries for people to read: each command, then its journal data as comments. It is a macro file, too.
 ///
 ///     STATS LOAD FILE = 'wake.txt'
@@ -18,5 +21,8 @@ std::string recordingText(const std::vector<standin::RecordedCommand>& commands)
 ///
 /// A command that does not fit one line of a macro file becomes a comment, too.
 std::string journalText(const std::vector<standin::JournalEntry>& entries);
+
+/// What journalText() has of one entry, after its head.
+std::string journalLines(const standin::JournalEntry& entry);
 
 }  // namespace vexa::runner

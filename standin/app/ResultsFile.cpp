@@ -9,6 +9,7 @@
 
 #include "Console.h"
 #include "OutputTarget.h"
+#include "RunNotes.h"
 #include "SeverityName.h"
 
 namespace vexa::runner {
@@ -42,6 +43,16 @@ Json newFindings(const standin::Host& host, std::size_t& done) {
     return list;
 }
 
+Json commandRecord(const CommandOutcome& outcome, Json findings) {
+    return {{"place", outcome.place},         {"addOn", outcome.addOnId}, {"command", outcome.command},
+            {"accepted", outcome.accepted},   {"error", outcome.error},   {"seconds", outcome.seconds},
+            {"findings", std::move(findings)}};
+}
+
+Json endRecord(ExitStatus_e status, const std::string& macroFile, Json findings) {
+    return {{"macroFile", macroFile}, {"exitStatus", static_cast<int>(status)}, {"findings", std::move(findings)}};
+}
+
 }  // namespace
 
 std::unique_ptr<LiveFile> openResultsFile(const std::string& path, const std::vector<std::string>& taken) {
@@ -50,31 +61,20 @@ std::unique_ptr<LiveFile> openResultsFile(const std::string& path, const std::ve
     return std::make_unique<LiveFile>(path);
 }
 
-void ResultsFile::open(std::unique_ptr<LiveFile> file) { m_file = std::move(file); }
-
-void ResultsFile::add(const CommandOutcome& outcome, const standin::Host& host) {
-    if (!m_file) return;
-    m_file->append(lineOf({{"place", outcome.place},
-                           {"addOn", outcome.addOnId},
-                           {"command", outcome.command},
-                           {"accepted", outcome.accepted},
-                           {"error", outcome.error},
-                           {"seconds", outcome.seconds},
-                           {"findings", newFindings(host, m_findings)}}));
+void Results::add(const CommandOutcome& outcome, const standin::Host& host) {
+    if (m_notes != nullptr) m_notes->tell(kResultNote, lineOf(commandRecord(outcome, newFindings(host, m_findings))));
 }
 
-ExitStatus_e ResultsFile::finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host) {
-    if (!m_file) return status;
-    m_file->append(lineOf({{"macroFile", macroFile},
-                           {"exitStatus", static_cast<int>(status)},
-                           {"findings", newFindings(host, m_findings)}}));
-    try {
-        m_file->close();
-        return status;
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
-    }
+void Results::finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host) {
+    if (m_notes != nullptr)
+        m_notes->tell(kResultNote, lineOf(endRecord(status, macroFile, newFindings(host, m_findings))));
+}
+
+std::string linesOfDeath(const CommandOutcome& outcome, ExitStatus_e status, const std::string& macroFile) {
+    const std::string command = outcome.addOnId.empty() ? "" : lineOf(commandRecord(outcome, Json::array()));
+    Json end = endRecord(status, macroFile, Json::array());
+    end["error"] = outcome.error;
+    return command + lineOf(end);
 }
 
 }  // namespace vexa::runner

@@ -8,6 +8,7 @@
 #include "ExitStatus.h"
 #include "LiveFile.h"
 #include "vexastandin/Host.h"
+#include "watch/Notes.h"
 
 namespace vexa::runner {
 
@@ -27,21 +28,24 @@ struct CommandOutcome {
 std::unique_ptr<LiveFile> openResultsFile(const std::string& path, const std::vector<std::string>& taken);
 
 /// The results of a run for other programs: a JSON object a line, one for each command, and a last one for the end.
-/// Each is there as soon as it is known. docs/testing.md describes them.
-class ResultsFile {
+/// Each is told as soon as it is known. docs/testing.md describes them.
+class Results {
 public:
-    /// Writes to \p file from now on.
-    void open(std::unique_ptr<LiveFile> file);
+    /// Tells \p notes from now on.
+    void tellTo(NotesInterface& notes) { m_notes = &notes; }
 
     /// Adds a command, and the findings of \p host since the last one.
     void add(const CommandOutcome& outcome, const standin::Host& host);
     /// Adds the end, and the findings of \p host since the last command.
-    /// \return \p status, or that the results could not be written; this is told.
-    ExitStatus_e finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host);
+    void finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host);
 
 private:
-    std::unique_ptr<LiveFile> m_file;
-    std::size_t m_findings = 0;  // that were written
+    NotesInterface* m_notes = nullptr;
+    std::size_t m_findings = 0;  // that were told
 };
+
+/// The lines of the results for a run that an add-on ended: for the command that did, and for the end.
+/// \param outcome the command; without an add-on it was no command, and gets no line.
+std::string linesOfDeath(const CommandOutcome& outcome, ExitStatus_e status, const std::string& macroFile);
 
 }  // namespace vexa::runner

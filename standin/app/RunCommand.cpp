@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "MacroRun.h"
+#include "WatchedRun.h"
 #include "many/ManyRuns.h"
 
 namespace vexa::runner {
@@ -45,7 +45,11 @@ Exit status:
   2    wrong usage or input; a file could not be read or written
   3    with --strict: an add-on broke the host's contract
   4    with --timeout: a command did not return
-  130  stopped by Ctrl-C; a second Ctrl-C ends the program at once)";
+  5    an add-on ended its process: a crash, exit() or the like
+  130  stopped by Ctrl-C; a second Ctrl-C ends the program at once
+
+The add-ons run in a process of their own, which the program watches. Under gdb,
+lldb, rr, strace and valgrind they run in the program itself.)";
 
 struct RunRequest {
     RunOptions options;  // but the macro file
@@ -61,6 +65,7 @@ void refuseForSeveral(const RunRequest& request) {
         {"--journal", options.journal.has_value()},
         {"--trace", options.trace.events.has_value()},
         {"--trace-text", options.trace.text.has_value()},
+        {"--in-process", options.inProcess},
         {"MACROFILE -", std::count(request.macroFiles.begin(), request.macroFiles.end(), "-") > 0},
     };
     for (const auto& [name, isGiven] : given) {
@@ -83,7 +88,7 @@ ExitStatus_e run(RunRequest& request) {
     if (request.macroFiles.size() > 1) return runMacros(options, request.macroFiles, request.jobs);
     options.macroFile = request.macroFiles.front();
     completeFacts(options);
-    return runMacro(options);
+    return runOneMacro(options);
 }
 
 }  // namespace
@@ -110,6 +115,7 @@ void addRunCommand(CLI::App& app, Action& chosen) {
     addJobsOption(command, request->jobs, "macro files");
     command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
     command.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
+    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
     command.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");
     command.callback([request, &chosen] {
         if (request->macroFiles.size() > 1) refuseForSeveral(*request);

@@ -1,44 +1,62 @@
 #include "RunOutputs.h"
 
-#include <cstddef>
-
 #include "Console.h"
 #include "MacroText.h"
+#include "RunNotes.h"
 
 namespace vexa::runner {
-namespace {
-
-bool replace(AtomicFile& file, const std::string& text, std::size_t count, const char* how, std::string& summary) {
-    try {
-        file.replace(text);
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return false;
-    }
-    summary += "; " + std::to_string(count) + ' ' + how + " in " + file.path();
-    return true;
-}
-
-}  // namespace
 
 void RunOutputs::open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile) {
-    if (recordFile) m_record.emplace(*recordFile);
-    if (journalFile) m_journal.emplace(*journalFile);
-    const bool same = m_record && m_journal && m_record->target() == m_journal->target();
+    if (recordFile) m_record.emplace(Output{AtomicFile(*recordFile), recordingText({}), "recorded"});
+    if (journalFile) m_journal.emplace(Output{AtomicFile(*journalFile), journalText({}), "journaled"});
+    const bool same = m_record && m_journal && m_record->file.target() == m_journal->file.target();
     if (same) throw OutputError(*journalFile + ": cannot hold both the recording and the journal");
 }
 
-bool RunOutputs::write(const standin::Host& host, std::string& summary) {
-    bool written = true;
-    if (m_record) {
-        const auto commands = host.recordedCommands();
-        written &= replace(*m_record, recordingText(commands), commands.size(), "recorded", summary);
+void RunOutputs::tell(char kind, std::string_view text) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    switch (kind) {
+        case kRecordedNote: return add(m_record, text);
+        case kJournaledNote: return add(m_journal, text);
+        case kResultNote: return m_results(text);
+        case kBeganNote: m_isLeft = true; return;
+        default: return;
     }
-    if (m_journal) {
-        const auto entries = host.journalEntries();
-        written &= replace(*m_journal, journalText(entries), entries.size(), "journaled", summary);
+}
+
+std::string RunOutputs::ask(char kind, std::string_view) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    std::string summary;
+    if (kind != kWriteNote || !write(summary)) return "";
+    return kWritten + summary;
+}
+
+bool RunOutputs::writeWhatIsLeft() {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    std::string summary;
+    return !m_isLeft || write(summary);
+}
+
+bool RunOutputs::write(std::string& summary) {
+    m_isLeft = false;
+    bool written = true;
+    for (const auto* output : {&m_record, &m_journal}) {
+        if (!*output) continue;
+        try {
+            (*output)->file.replace((*output)->text);
+            summary += "; " + std::to_string((*output)->count) + ' ' + (*output)->how + " in " + (*output)->file.path();
+        } catch (const OutputError& error) {
+            runner::tell(error.what());
+            written = false;
+        }
     }
     return written;
+}
+
+void RunOutputs::add(std::optional<Output>& output, std::string_view lines) {
+    if (!output) return;
+    output->text += lines;
+    ++output->count;
 }
 
 }  // namespace vexa::runner

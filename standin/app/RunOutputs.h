@@ -1,28 +1,56 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "AtomicFile.h"
-#include "vexastandin/Host.h"
+#include "watch/Notes.h"
 
 namespace vexa::runner {
 
-/// The recording and the journal of a run, each written as a whole when it is over.
-class RunOutputs {
+/// The recording and the journal of a run, which are kept as they come and each written as a whole when it is over, and
+/// the results, which are handed on at once.
+///
+/// It is its own notes: what a run in this process tells goes here, and so does what a run in another one sends.
+/// Threads: tell() and ask() are safe from any.
+class RunOutputs : public NotesInterface {
 public:
-    /// Makes sure that what is asked for can be written.
+    /// \param results gets each line of the results.
+    explicit RunOutputs(std::function<void(std::string_view)> results) : m_results(std::move(results)) {}
+
+    /// Makes sure that the files asked for can be written.
     /// \throws OutputError
     void open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile);
-    /// Writes what \p host was given to record and to add to its journal. What goes wrong is told.
-    /// \param summary gets what was written.
-    /// \return whether all was written.
-    bool write(const standin::Host& host, std::string& summary);
+
+    void tell(char kind, std::string_view text) override;
+    std::string ask(char kind, std::string_view text) override;
+
+    /// Writes the recording and the journal of a run that ended before it had them written. They stay as they were when
+    /// no command began.
+    /// \return whether all was written; what is wrong was told.
+    bool writeWhatIsLeft();
 
 private:
-    std::optional<AtomicFile> m_record;
-    std::optional<AtomicFile> m_journal;
+    /// A file, and what it is to hold.
+    struct Output {
+        AtomicFile file;
+        std::string text;  // its head, and what came
+        const char* how;   // what is done with what comes
+        std::size_t count = 0;
+    };
+
+    bool write(std::string& summary);
+    static void add(std::optional<Output>& output, std::string_view lines);
+
+    std::mutex m_guard;
+    std::function<void(std::string_view)> m_results;
+    std::optional<Output> m_record;
+    std::optional<Output> m_journal;
+    bool m_isLeft = false;  // commands began, and what they recorded is still to be written
 };
 
 }  // namespace vexa::runner

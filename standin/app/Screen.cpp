@@ -25,7 +25,8 @@ std::atomic<Screen*> theScreen{nullptr};
 
 }  // namespace
 
-Screen::Screen(std::function<bool()> isStopping) : m_status(std::move(isStopping)), m_wakeUp(eventfd(0, EFD_CLOEXEC)) {
+Screen::Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
+    : m_status(std::move(isStopping), isDrawn), m_wakeUp(eventfd(0, EFD_CLOEXEC)) {
     if (m_wakeUp < 0) throwLastError("eventfd");
     if (isTerminal(STDOUT_FILENO)) m_relay.emplace();
     const BlockedSignals blocked;

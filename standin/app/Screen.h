@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -21,7 +22,8 @@ class Screen {
 public:
     /// For the standard error output, which must be a terminal.
     /// \param isStopping as for DrawnStatus
-    explicit Screen(std::function<bool()> isStopping);
+    /// \param isDrawn    tells whether the status line is drawn, also after the process has died
+    Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
     /// Takes the status line down, and puts out what was held back.

@@ -1,5 +1,7 @@
 #include "Seconds.h"
 
+#include <array>
+#include <cstdio>
 #include <locale>
 #include <sstream>
 
@@ -17,6 +19,12 @@ std::optional<std::chrono::duration<double>> secondsOf(const std::string& text) 
     const bool isNumber = in >> std::noskipws >> seconds && in.peek() == std::istringstream::traits_type::eof();
     if (!isNumber || seconds <= 0 || seconds > kMost) return std::nullopt;
     return std::chrono::duration<double>(seconds);
+}
+
+std::string secondsText(std::chrono::duration<double> time) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%g", time.count());
+    return std::string(text.data()) + (time.count() == 1 ? " second" : " seconds");
 }
 
 }  // namespace vexa::runner

@@ -12,4 +12,7 @@ inline constexpr char kExpectedSeconds[] = "expected seconds, more than 0 and at
 /// A time limit as users write it, in seconds: `2`, `0.5`. Nothing when it is none, or is out of bounds.
 std::optional<std::chrono::duration<double>> secondsOf(const std::string& text);
 
+/// A time for people: `2 seconds`, `0.5 seconds`, `1 second`.
+std::string secondsText(std::chrono::duration<double> time);
+
 }  // namespace vexa::runner

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -21,6 +22,7 @@
 #include "repl/ReplCommand.h"
 #include "report/ReportCommand.h"
 #include "test/TestCommand.h"
+#include "watch/AwaitedSignals.h"
 
 namespace vexa::runner {
 namespace {
@@ -84,10 +86,20 @@ ExitStatus_e checkOutput(ExitStatus_e status) {
     return ExitStatus_e::BadUsageOrInput;
 }
 
+// All is cleaned up by now. So the shell sees what happened.
+void endBySignal(int number) {
+    std::fflush(stdout);
+    std::signal(number, SIG_DFL);
+    std::raise(number);
+}
+
 ExitStatus_e guardedMain(int argc, char** argv) {
     try {
         keepStandardStreamsTaken();
+        std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
         return checkOutput(runProgram(argc, argv));
+    } catch (const EndedBySignal& end) {
+        endBySignal(end.signal);
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: out of memory\n", kProgramName);
     } catch (const std::exception& error) {

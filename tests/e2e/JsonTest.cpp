@@ -62,10 +62,18 @@ TEST_F(Json, TellsTheFindingsOfEachCommandOnce) {
 }
 
 TEST_F(Json, IsThereWhenTheAddOnTakesTheProgramDown) {
-    EXPECT_EQ(runMacro("ONE ECHO a\nONE KILL now\n", {"--json", "r.jsonl"}).status, -SIGKILL);
+    EXPECT_EQ(runMacro("ONE ECHO a\nONE KILL now\n", {"--json", "r.jsonl"}).status, 5);
     const std::vector<json> lines = objectsIn("r.jsonl");
-    ASSERT_EQ(lines.size(), 1U);
+    ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[0].at("command"), "ECHO a");
+    EXPECT_EQ(lines[1].at("place"), "m.macro:2");
+    EXPECT_EQ(lines[1].at("addOn"), "ONE");
+    EXPECT_EQ(lines[1].at("command"), "KILL now");
+    EXPECT_EQ(lines[1].at("accepted"), false);
+    EXPECT_EQ(lines[1].at("error"), "the process ended: SIGKILL (Killed)");
+    EXPECT_EQ(lines[2].at("macroFile"), "m.macro");
+    EXPECT_EQ(lines[2].at("exitStatus"), 5);
+    EXPECT_EQ(lines[2].at("error"), "the process ended: SIGKILL (Killed)");
 }
 
 TEST_F(Json, TellsOfACommandThatHangs) {

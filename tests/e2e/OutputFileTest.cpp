@@ -106,12 +106,13 @@ TEST_F(OutputFile, IsUntouchedWhenNothingRuns) {
     EXPECT_EQ(fileNames().size(), 2U) << "a temporary file is left";
 }
 
-TEST_F(OutputFile, IsUntouchedWhenTheRunIsKilled) {
+TEST_F(OutputFile, HoldsTheCommandsUpToACrash) {
     write("r.macro", "old\n");
     const ProgramResult result = runMacro("ONE SAY a\nONE KILL now\n", {"--record", "r.macro"});
-    EXPECT_EQ(result.status, -SIGKILL);
+    EXPECT_EQ(result.status, 5);
     EXPECT_EQ(result.out, "a\n");
-    EXPECT_EQ(read("r.macro"), "old\n");
+    EXPECT_EQ(read("r.macro"), kRecordingHead + "ONE SAY a\n");
+    EXPECT_EQ(fileNames().size(), 2U) << "a temporary file is left";
 }
 
 TEST_F(OutputFile, LeavesNoTemporaryFile) {

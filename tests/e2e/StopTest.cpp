@@ -90,7 +90,7 @@ TEST_F(StopButton, PressedAgainEndsATaskThatDoesNotLook) {
     ASSERT_TRUE(program.waitFor("stopping"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), -SIGINT);
-    EXPECT_EQ(screenOf(program).rows(), Rows());
+    EXPECT_EQ(screenOf(program).rows(), Rows({"m.macro:1: PROGRESS: ended \"PROGRESS START Reading;HANG\" by SIGINT"}));
     EXPECT_EQ(fileNames(), std::vector<std::string>({"m.macro"}));
 }
 

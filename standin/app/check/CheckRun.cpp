@@ -234,7 +234,8 @@ private:
     const CheckOptions& m_options;
     ContractOptions m_contract;
     Subject m_subject;
-    TestSetting m_setting;
+    const AwaitedSignals m_signals;
+    TestSetting m_setting{m_signals};
     std::set<std::string> m_addOnIds;
     CheckReport m_report;
     std::vector<ReportFile> m_files;

@@ -1,12 +1,22 @@
 #pragma once
 
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace vexa::runner {
 
 /// Adds \p line to \p lines, which have no line feed at their end; not an empty one.
 inline void addLine(std::string& lines, const std::string& line) {
     if (!line.empty()) lines += (lines.empty() ? "" : "\n") + line;
+}
+
+/// The lines of \p text, without their line feeds.
+inline std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
 }
 
 }  // namespace vexa::runner

@@ -44,8 +44,8 @@ std::string brokenRules(const std::vector<standin::Finding>& findings) {
 
 class Shrinker {
 public:
-    Shrinker(const Subject& subject, milliseconds timeout, std::vector<MacroStep> steps)
-        : m_subject(subject), m_timeout(timeout), m_steps(std::move(steps)) {}
+    Shrinker(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout, std::vector<MacroStep> steps)
+        : m_signals(signals), m_subject(subject), m_timeout(timeout), m_steps(std::move(steps)) {}
 
     std::vector<MacroStep> shrink() {
         std::vector<MacroStep> whole = m_steps;
@@ -60,7 +60,7 @@ public:
 private:
     // What the commands do wrong, in a word; empty when it is nothing.
     std::string symptomOf(const std::vector<MacroStep>& steps, milliseconds timeout) const {
-        const ProcessEnd end = runWatched(*m_box, timeout, [&] { return verdictOn(steps); });
+        const ProcessEnd end = runWatched(m_signals, *m_box, timeout, [&] { return verdictOn(steps); });
         if (end.timedOut) return "hangs";
         if (WIFSIGNALED(end.waitStatus)) return "signal " + std::to_string(WTERMSIG(end.waitStatus));
         if (!end.verdict) return "exit " + std::to_string(WEXITSTATUS(end.waitStatus));
@@ -119,18 +119,20 @@ private:
         return fitsMacroLine(shorter[index].text) && takeIfSame(std::move(shorter));
     }
 
+    const AwaitedSignals& m_signals;
     const Subject& m_subject;
     milliseconds m_timeout;
     std::vector<MacroStep> m_steps;
     std::string m_symptom;
-    SharedBlackBox m_box;
+    SharedMemory<BlackBox> m_box;
     BlackBox::Clock::time_point m_end = BlackBox::Clock::now() + kTimeForAll;
 };
 
 }  // namespace
 
-std::string shrunkMacro(const Subject& subject, milliseconds timeout, const std::string& macro) {
-    return macroOf(Shrinker(subject, timeout, stepsOf(macro)).shrink());
+std::string shrunkMacro(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout,
+                        const std::string& macro) {
+    return macroOf(Shrinker(signals, subject, timeout, stepsOf(macro)).shrink());
 }
 
 }  // namespace vexa::runner

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "check/Trial.h"
+#include "watch/AwaitedSignals.h"
 
 namespace vexa::runner {
 
@@ -13,6 +14,8 @@ namespace vexa::runner {
 /// \param timeout for each command.
 /// \return \p macro itself when it does not show a thing by itself, or when there is nothing smaller.
 /// \throws std::system_error when there cannot be another process.
-std::string shrunkMacro(const Subject& subject, std::chrono::milliseconds timeout, const std::string& macro);
+/// \throws EndedBySignal when one of \p signals came that ends the program.
+std::string shrunkMacro(const AwaitedSignals& signals, const Subject& subject, std::chrono::milliseconds timeout,
+                        const std::string& macro);
 
 }  // namespace vexa::runner

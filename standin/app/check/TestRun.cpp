@@ -21,13 +21,6 @@ namespace {
 
 constexpr std::size_t kOutputLines = 12;
 
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-
 std::string whatWasTried(const BlackBox& box) {
     const std::string tried = box.tried.text();
     return tried.empty() ? "" : "tried: " + tried;
@@ -90,6 +83,7 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
     if (end.timedOut && end.verdict) return "its process did not end";
     if (end.timedOut && box.isInAddOn) return "the add-on did not return within " + secondsText(timeout);
     if (end.timedOut) return "the test did not go on";
+    if (end.hasLeft) return "its outcome could not be told: the add-on closed files that are not its own";
     if (WIFSIGNALED(end.waitStatus)) {
         const int number = WTERMSIG(end.waitStatus);
         const char* const name = sigabbrev_np(number);
@@ -98,9 +92,7 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
     return "the add-on ended the process, with status " + std::to_string(WEXITSTATUS(end.waitStatus));
 }
 
-bool isWell(const ProcessEnd& end) {
-    return !end.timedOut && end.verdict && WIFEXITED(end.waitStatus) && WEXITSTATUS(end.waitStatus) == 0;
-}
+bool isWell(const ProcessEnd& end) { return end.hasLeft && end.verdict; }
 
 // In the process that watches: the verdict, if the process lived to tell it.
 Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
@@ -114,9 +106,9 @@ Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseco
     return verdict;
 }
 
-void shrinkMacro(Verdict& verdict, const Subject& subject, std::chrono::milliseconds timeout) {
+void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& setting) {
     if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
-    std::string smaller = shrunkMacro(subject, timeout, verdict.macro);
+    std::string smaller = shrunkMacro(setting.signals, subject, setting.timeout, verdict.macro);
     if (smaller == verdict.macro) return;
     addLine(verdict.reason, "a smaller macro shows the same:\n    " + smaller);
     verdict.macro = std::move(smaller);
@@ -124,7 +116,8 @@ void shrinkMacro(Verdict& verdict, const Subject& subject, std::chrono::millisec
 
 Verdict runTame(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
     const auto task = [&] { return verdictOf(test, subject, box); };
-    return setting.inProcess ? task() : judge(runWatched(box, setting.timeout, task), box, setting.timeout);
+    return setting.inProcess ? task()
+                             : judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
 }
 
 Subject withAbsoluteFiles(Subject subject) {
@@ -145,14 +138,14 @@ Verdict runWild(const CheckTest& test, const Subject& subject, const TestSetting
     }
     const CurrentFolder there(scratch->path());
     Verdict verdict = runTame(test, movable, setting, box);
-    if (!setting.inProcess) shrinkMacro(verdict, movable, setting.timeout);
+    if (!setting.inProcess) shrinkMacro(verdict, movable, setting);
     return verdict;
 }
 
 }  // namespace
 
 TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting) {
-    const SharedBlackBox box;
+    const SharedMemory<BlackBox> box;
     const auto begin = BlackBox::Clock::now();
     TestResult result;
     result.test = &test;

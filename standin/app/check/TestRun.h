@@ -6,11 +6,13 @@
 
 #include "check/CheckTest.h"
 #include "check/Trial.h"
+#include "watch/AwaitedSignals.h"
 
 namespace vexa::runner {
 
 /// How tests are run.
 struct TestSetting {
+    const AwaitedSignals& signals;        ///< what ends the whole check
     bool inProcess = false;               ///< in this process, for a debugger
     std::chrono::milliseconds timeout{};  ///< for each command; a process of its own is killed then
 };

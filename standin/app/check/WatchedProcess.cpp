@@ -1,103 +1,49 @@
 #include "check/WatchedProcess.h"
 
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
+#include <csignal>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <new>
-#include <string_view>
 
-#include "ChildProcess.h"
-#include "Descriptor.h"
-#include "LastError.h"
+#include "watch/Death.h"
+#include "watch/LastWords.h"
+#include "watch/Processes.h"
 
 namespace vexa::runner {
 namespace {
 
-using std::chrono::milliseconds;
-
-constexpr milliseconds kLookInterval(20);
-constexpr milliseconds kTimeWithoutAddOn = std::chrono::minutes(1);  // for what a test does itself
-constexpr milliseconds kTimeToLeave = std::chrono::seconds(5);       // from the verdict to the end of the process
+constexpr std::chrono::seconds kTimeToLeave{5};  // from the verdict to the end of the process
 constexpr std::size_t kOutputKept = 4096;
-constexpr std::uint64_t kFrameBegin = 0x7665786163686b31;
-constexpr std::uint64_t kFrameEnd = ~kFrameBegin;
+constexpr char kVerdictNote = 'v';
 constexpr rlim_t kMemory = rlim_t{4} << 30;
 constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // they reserve more addresses than any program needs
 
-// A verdict in transit. It counts when it is whole.
-struct FrameHead {
-    std::uint64_t begin;
+// How a verdict is told: this, and its two texts.
+struct VerdictHead {
     std::uint64_t outcome;
     std::uint64_t reasonSize;
-    std::uint64_t macroSize;
 };
 
-std::string_view bytesOf(const FrameHead& head) { return {reinterpret_cast<const char*>(&head), sizeof head}; }
-
-std::string framed(const Verdict& verdict) {
-    const FrameHead head = {kFrameBegin, static_cast<std::uint64_t>(verdict.outcome), verdict.reason.size(),
-                            verdict.macro.size()};
-    const std::string_view end(reinterpret_cast<const char*>(&kFrameEnd), sizeof kFrameEnd);
-    return std::string(bytesOf(head)) + verdict.reason + verdict.macro + std::string(end);
+std::string textOf(const Verdict& verdict) {
+    const VerdictHead head = {static_cast<std::uint64_t>(verdict.outcome), verdict.reason.size()};
+    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + verdict.reason + verdict.macro;
 }
 
-std::optional<Verdict> unframed(const std::string& bytes) {
-    FrameHead head{};
-    if (bytes.size() < sizeof head + sizeof kFrameEnd) return std::nullopt;
-    std::memcpy(&head, bytes.data(), sizeof head);
-    const std::size_t texts = bytes.size() - sizeof head - sizeof kFrameEnd;
-    std::uint64_t end = 0;
-    std::memcpy(&end, bytes.data() + sizeof head + texts, sizeof end);
-    const bool isWhole = head.begin == kFrameBegin && end == kFrameEnd && head.reasonSize <= texts &&
-                         head.macroSize == texts - head.reasonSize &&
-                         head.outcome <= static_cast<std::uint64_t>(Outcome_e::TimedOut);
-    if (!isWhole) return std::nullopt;
-    return Verdict{static_cast<Outcome_e>(head.outcome), bytes.substr(sizeof head, head.reasonSize),
-                   bytes.substr(sizeof head + head.reasonSize, head.macroSize)};
+std::optional<Verdict> verdictOf(const std::string& text) {
+    VerdictHead head{};
+    if (text.size() < sizeof head) return std::nullopt;
+    std::memcpy(&head, text.data(), sizeof head);
+    const bool isVerdict =
+        head.outcome <= static_cast<std::uint64_t>(Outcome_e::TimedOut) && head.reasonSize <= text.size() - sizeof head;
+    if (!isVerdict) return std::nullopt;
+    return Verdict{static_cast<Outcome_e>(head.outcome), text.substr(sizeof head, head.reasonSize),
+                   text.substr(sizeof head + head.reasonSize)};
 }
-
-// One end of a pipe.
-class End {
-public:
-    explicit End(int descriptor = -1) : m_descriptor(descriptor) {}
-    End(const End&) = delete;
-    End& operator=(const End&) = delete;
-    ~End() { shut(); }
-
-    int descriptor() const { return m_descriptor; }
-    void open(int descriptor) { m_descriptor = descriptor; }
-    void shut() {
-        if (m_descriptor >= 0) close(m_descriptor);
-        m_descriptor = -1;
-    }
-
-private:
-    int m_descriptor;
-};
-
-struct Pipe {
-    Pipe() {
-        std::array<int, 2> ends{};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) throwLastError("no pipe");
-        in.open(ends[0]);
-        out.open(ends[1]);
-        fcntl(ends[0], F_SETFL, O_NONBLOCK);
-    }
-    End in;
-    End out;
-};
-
-// ---- In the process
 
 BlackBox* boxOfThisProcess = nullptr;  // a new-handler is given nothing
 
@@ -122,86 +68,58 @@ void limitResources() {
     setrlimit(RLIMIT_AS, &memory);
 }
 
-// Leaves without what belongs to the whole program: it is run by the process that watches.
-[[noreturn]] void tellVerdict(BlackBox& box, int verdicts, const std::function<Verdict()>& work) {
-    limitResources();
-    boxOfThisProcess = &box;
-    std::set_new_handler(noteWantOfMemory);
-    const bool told = writeAll(verdicts, framed(work()));
-    std::fflush(nullptr);
-    _exit(told ? EXIT_SUCCESS : EXIT_FAILURE);
-}
-
-// ---- In the process that watches
-
-// What comes out of a pipe.
-class Drain {
+class WatchedTest : public ProcessWorkInterface {
 public:
-    Drain(int descriptor, std::size_t most) : m_descriptor(descriptor), m_most(most) {}
+    WatchedTest(BlackBox& box, std::chrono::milliseconds timeout, const std::function<Verdict()>& work)
+        : m_box(box), m_timeout(timeout), m_work(work) {}
 
-    // Takes what is there. Returns whether the pipe is still open.
-    bool take() {
-        std::array<char, 4096> bytes;
-        for (;;) {
-            const ssize_t count = read(m_descriptor, bytes.data(), bytes.size());
-            if (count < 0 && errno == EINTR) continue;
-            if (count <= 0) return count != 0;
-            m_taken.append(bytes.data(), static_cast<std::size_t>(count));
-            if (m_taken.size() > 2 * m_most) m_taken.erase(0, m_taken.size() - m_most);
-        }
+    int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
+        limitResources();
+        boxOfThisProcess = &m_box;
+        std::set_new_handler(noteWantOfMemory);
+        m_box.process = &box;
+        m_box.timeout = m_timeout;
+        m_box.touch();
+        notes.tell(kVerdictNote, textOf(m_work()));
+        return 0;
     }
-    const std::string& taken() const { return m_taken; }
+    void take(std::size_t, const Message& message, RunningProcessInterface&) override {
+        if (message.kind == kVerdictNote) m_end.verdict = verdictOf(message.text);
+    }
+    void end(std::size_t, const ProcessBox&, const ProcessOutcome& outcome) override {
+        if (m_isStopAsked) throw EndedBySignal{SIGINT};
+        m_end.hasLeft = outcome.end == End_e::Left;
+        m_end.timedOut = outcome.end == End_e::TimedOut;
+        m_end.waitStatus = outcome.waitStatus;
+        m_end.output = outcome.out.text;
+    }
+    void stopAsked(std::size_t, const ProcessBox&) override { m_isStopAsked = true; }
+    void killed(std::size_t, const ProcessBox&, int) override {}
+
+    const ProcessEnd& result() const { return m_end; }
 
 private:
-    int m_descriptor;
-    std::size_t m_most;
-    std::string m_taken;
+    BlackBox& m_box;
+    std::chrono::milliseconds m_timeout;
+    const std::function<Verdict()>& m_work;
+    ProcessEnd m_end;
+    bool m_isStopAsked = false;
 };
-
-bool isHanging(const BlackBox& box, milliseconds timeout) {
-    return box.sinceChange() > (box.isInAddOn ? timeout : std::max(timeout, kTimeWithoutAddOn));
-}
-
-ProcessEnd watch(ChildProcess& child, const BlackBox& box, milliseconds timeout, int verdicts, int output) {
-    ProcessEnd end;
-    Drain verdict(verdicts, std::string().max_size() / 4);
-    Drain printed(output, kOutputKept);
-    std::array<pollfd, 2> ends = {pollfd{verdicts, POLLIN, 0}, pollfd{output, POLLIN, 0}};
-    auto told = BlackBox::Clock::time_point::max();
-    bool isKilled = false;
-    while (!child.hasEnded()) {
-        poll(ends.data(), ends.size(), static_cast<int>(kLookInterval.count()));
-        // A closed pipe would wake us without a pause.
-        if (!verdict.take()) ends[0].fd = -1;
-        if (!printed.take()) ends[1].fd = -1;
-        const auto now = BlackBox::Clock::now();
-        if (told == BlackBox::Clock::time_point::max() && unframed(verdict.taken())) told = now;
-        const bool isTold = told != BlackBox::Clock::time_point::max();
-        const bool isLate = isTold ? now - told > kTimeToLeave : isHanging(box, timeout);
-        if (isLate && !isKilled) {
-            child.kill();
-            isKilled = true;
-        }
-    }
-    verdict.take();
-    printed.take();
-    end.verdict = unframed(verdict.taken());
-    end.timedOut = isKilled;
-    end.waitStatus = child.reap();
-    end.output = printed.taken();
-    return end;
-}
 
 }  // namespace
 
-ProcessEnd runWatched(BlackBox& box, milliseconds timeout, const std::function<Verdict()>& work) {
-    Pipe verdicts;
-    Pipe output;
-    const int printed = output.out.descriptor();
-    ChildProcess child({printed, printed}, [&]() -> int { tellVerdict(box, verdicts.out.descriptor(), work); });
-    verdicts.out.shut();
-    output.out.shut();
-    return watch(child, box, timeout, verdicts.in.descriptor(), output.in.descriptor());
+ProcessEnd runWatched(const AwaitedSignals& signals, BlackBox& box, std::chrono::milliseconds timeout,
+                      const std::function<Verdict()>& work) {
+    ProcessSetting setting;
+    setting.printed = Printed_e::CaughtAsOne;
+    setting.kept = kOutputKept;
+    setting.keepsEnd = true;
+    setting.isTimed = true;
+    setting.timeToLeave = kTimeToLeave;
+    setting.leavesAtOnce = true;
+    WatchedTest test(box, timeout, work);
+    runInProcesses(signals, 1, setting, test);
+    return test.result();
 }
 
 }  // namespace vexa::runner

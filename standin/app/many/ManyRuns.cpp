@@ -1,36 +1,35 @@
 #include "many/ManyRuns.h"
 
+#include <sys/wait.h>
+
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
 #include "Console.h"
-#include "Descriptor.h"
 #include "OutputTarget.h"
 #include "ResultsFile.h"
-#include "many/Processes.h"
+#include "WatchedRun.h"
+#include "watch/Death.h"
+#include "watch/LastWords.h"
 
 namespace vexa::runner {
 namespace {
 
-std::string outcomeText(const ProcessOutcome& outcome) {
-    if (outcome.signal != 0) return std::string("ended by signal: ") + strsignal(outcome.signal);
-    const std::string meaning = meaningOf(static_cast<ExitStatus_e>(outcome.status));
-    return meaning.empty() ? "exit status " + std::to_string(outcome.status) : meaning;  // an add-on may end it by any
-}
-
-class ManyRuns {
+class ManyRuns : public ProcessWorkInterface {
 public:
     ManyRuns(const RunOptions& options, const std::vector<std::string>& macroFiles)
-        : m_options(options), m_macroFiles(macroFiles) {}
+        : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()) {}
 
     ExitStatus_e run(std::size_t jobs) {
+        const AwaitedSignals signals;
         if (!openResults()) return ExitStatus_e::BadUsageOrInput;
-        const auto runOne = [this](std::size_t index, ProcessFiles& files) { return runMacroFile(index, files); };
-        const auto endOne = [this](std::size_t index, const ProcessOutcome& outcome) { conclude(index, outcome); };
-        const std::size_t ended = runInProcesses(m_macroFiles.size(), jobs, {runOne, endOne});
+        ProcessSetting setting = settingOf(m_options);
+        setting.printed = Printed_e::Caught;
+        setting.jobs = jobs;
+        const std::size_t ended = runInProcesses(signals, m_macroFiles.size(), setting, *this);
         const std::size_t left = m_macroFiles.size() - ended;
         if (left > 0) note(ExitStatus_e::Stopped, std::to_string(left) + " not begun: stopped by Ctrl-C");
         closeResults();
@@ -39,7 +38,65 @@ public:
         return static_cast<ExitStatus_e>(m_status);
     }
 
+    int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
+        RunOptions options = m_options;
+        options.macroFile = m_macroFiles[index];
+        return static_cast<int>(runMacro(options, box, notes));
+    }
+
+    void take(std::size_t index, const Message& message, RunningProcessInterface& process) override {
+        runOf(index).watched.take(message, process);
+    }
+
+    void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        print(outcome.out, stdout);
+        print(outcome.err, stderr);
+        const ExitStatus_e status = statusOf(index, box, outcome);
+        if (m_results) m_results->append(runOf(index).results);
+        m_runs[index].reset();
+        if (status == ExitStatus_e::AllWell) return;
+        ++m_failed;
+        note(status, m_macroFiles[index] + ": " + meaningOf(status));
+    }
+
+    void stopAsked(std::size_t, const ProcessBox& box) override {
+        m_isStopAsked = true;
+        tellStopAsked(box);
+    }
+
+    void killed(std::size_t, const ProcessBox& box, int signal) override {
+        const LastWords lastWords(kKilledBySignal + signal);
+        tellKilled(box, signal);
+    }
+
 private:
+    // One of the runs, while it is of interest.
+    struct Run {
+        Run(const RunOptions& options, const std::string& macroFile)
+            : watched(options, macroFile, [this](std::string_view lines) { results += lines; }) {}
+        std::string results;
+        WatchedRun watched;
+    };
+
+    Run& runOf(std::size_t index) {
+        if (!m_runs[index]) m_runs[index] = std::make_unique<Run>(m_options, m_macroFiles[index]);
+        return *m_runs[index];
+    }
+
+    // One that Ctrl-C ended before it could stop its macro was stopped, too.
+    ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
+        const bool isStopped =
+            m_isStopAsked && WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
+        return isStopped ? ExitStatus_e::Stopped : runOf(index).watched.judge(box, outcome);
+    }
+
+    static void print(const KeptText& printed, FILE* file) {
+        std::string text = printed.text;
+        if (printed.leftOut > 0) text += "\n(" + std::to_string(printed.leftOut) + " bytes more are left out)\n";
+        if (file == stderr) return tellLines(text);
+        std::fwrite(text.data(), 1, text.size(), file);
+    }
+
     bool openResults() {
         try {
             std::vector<std::string> taken = m_options.addOns;
@@ -61,31 +118,16 @@ private:
         }
     }
 
-    int runMacroFile(std::size_t index, ProcessFiles& files) const {
-        RunOptions options = m_options;
-        options.macroFile = m_macroFiles[index];
-        if (options.json) options.jsonDescriptor = files.notes.descriptor();
-        return static_cast<int>(runMacro(options));
-    }
-
-    void conclude(std::size_t index, const ProcessOutcome& outcome) {
-        std::fwrite(outcome.out.data(), 1, outcome.out.size(), stdout);
-        tellLines(outcome.err);
-        if (m_results) m_results->append(outcome.notes);
-        if (outcome.status == 0) return;
-        ++m_failed;
-        note(outcome.status, m_macroFiles[index] + ": " + outcomeText(outcome));
-    }
-
-    void note(ExitStatus_e status, const std::string& text) { note(static_cast<int>(status), text); }
-    void note(int status, const std::string& text) {
-        m_status = std::max(m_status, status);
+    void note(ExitStatus_e status, const std::string& text) {
+        m_status = std::max(m_status, static_cast<int>(status));
         m_notes += '\n' + text;
     }
 
     const RunOptions& m_options;
     const std::vector<std::string>& m_macroFiles;
     std::unique_ptr<LiveFile> m_results;
+    std::vector<std::unique_ptr<Run>> m_runs;
+    bool m_isStopAsked = false;
     std::size_t m_failed = 0;
     int m_status = 0;
     std::string m_notes;

@@ -15,13 +15,20 @@
 #include "FailureText.h"
 #include "FindingTeller.h"
 #include "MacroFile.h"
+#include "MacroText.h"
 #include "PlainStatus.h"
+#include "RunNotes.h"
 #include "RunOutputs.h"
 #include "Screen.h"
 #include "StopButton.h"
 #include "StyleFile.h"
 #include "Terminal.h"
+#include "check/Lines.h"
 #include "repl/LineReader.h"
+#include "watch/Death.h"
+#include "watch/LastWords.h"
+#include "watch/Processes.h"
+#include "watch/Tracer.h"
 
 namespace vexa::runner {
 namespace {
@@ -36,7 +43,8 @@ Example:
 
 Exit status:
   0  all went well, whatever became of the commands
-  2  wrong usage or input; a file could not be read or written)";
+  2  wrong usage or input; a file could not be read or written
+  5  an add-on ended its process: a crash, exit() or the like)";
 
 constexpr const char* kQuit = "quit";
 constexpr const char* kHelp = "help";
@@ -45,22 +53,32 @@ struct ReplOptions {
     std::vector<std::string> addOns;
     std::optional<std::string> style;
     std::optional<std::string> record;
+    bool inProcess = false;
 };
 
+constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
+constexpr char kLineRead = 'y';  // the answer's first character when there is a line
+
+// Runs the commands. What the user types comes from whoever is asked.
 class Repl {
 public:
-    explicit Repl(const ReplOptions& options) : m_options(options) {
+    Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
+        : m_options(options), m_box(box), m_notes(notes) {
+        m_host.setCallProgress(&box.calls);
         m_host.setKeepsCalls(false);
         m_host.setRecording(options.record.has_value());
+        m_host.onRecorded(
+            [&](const standin::RecordedCommand& command) { notes.tell(kRecordedNote, recordingLine(command)); });
         m_host.onDialog([this](const std::string& text) { tell(m_place + ": dialog", text); });
         m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
     }
 
     ExitStatus_e execute() {
         if (!prepare()) return ExitStatus_e::BadUsageOrInput;
+        m_notes.tell(kBeganNote, "");
         readLines();
-        std::string summary;
-        const bool isWritten = m_outputs.write(m_host, summary);
+        const bool isWritten = !m_notes.ask(kWriteNote, "").empty();
+        const TimeInAddOn time(m_box, "", "", "unloading of the add-ons");
         m_host.unloadAddOns();
         m_findings.tellNew();
         return isWritten ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
@@ -68,27 +86,27 @@ public:
 
 private:
     bool prepare() {
-        try {
-            m_outputs.open(m_options.record, std::nullopt);
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
         if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
-        if (!loadAddOns(m_host, m_options.addOns)) return false;
+        bool allLoaded = true;
+        for (const std::string& file : m_options.addOns) {
+            const TimeInAddOn time(m_box, "", "", "loading of " + file);
+            allLoaded &= loadAddOn(m_host, file);
+        }
         m_ids = loadedIds(m_host);
         m_findings.tellNew();
-        return true;
+        return allLoaded;
     }
 
     void readLines() {
-        std::vector<std::string> words(m_ids.begin(), m_ids.end());
-        words.insert(words.end(), {kHelp, kQuit});
-        const LineReader reader(words);
-        while (const auto line = reader.next()) {
-            const MacroWords command = macroWords(*line);
+        std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
+        for (const std::string& id : m_ids) words += id + '\n';
+        for (;;) {
+            std::fflush(stdout);
+            const std::string answer = m_notes.ask(kLineNote, words);
+            if (answer.empty()) return;
+            const MacroWords command = macroWords(answer.substr(1));
             const bool isEnd = command.addOnId == kQuit && !isLoaded(kQuit);
-            if (isEnd) break;
+            if (isEnd) return;
             if (!command.addOnId.empty()) obey(command);
         }
     }
@@ -119,8 +137,11 @@ private:
         m_host.releaseStop();
         StopButton stopButton;
         stopButton.install();
-        if (isTerminal(STDERR_FILENO)) m_screen.emplace([&stopButton] { return stopButton.isPressed(); });
+        if (isTerminal(STDERR_FILENO)) {
+            m_screen.emplace([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);
+        }
         stopButton.arm(m_host);
+        const TimeInAddOn time(m_box, "", command.addOnId, command.text);
         const standin::CommandResult result = m_host.run(command.addOnId, command.text);
         m_screen.reset();
         m_place = kProgramName;
@@ -134,14 +155,91 @@ private:
     }
 
     const ReplOptions& m_options;
+    ProcessBox& m_box;
+    NotesInterface& m_notes;
     std::set<std::string> m_ids;
     std::string m_place = kProgramName;
-    RunOutputs m_outputs;
     PlainStatus m_plainStatus;
     std::optional<Screen> m_screen;
     FindingTeller m_findings{m_host};
     standin::Host m_host;  // last: while it is destroyed, its add-ons may still show dialogs
 };
+
+// The user's side: reads what he types, and keeps the recording.
+class ReplDesk : public ProcessWorkInterface, private NotesInterface {
+public:
+    explicit ReplDesk(const ReplOptions& options) : m_options(options) { m_outputs.open(options.record, std::nullopt); }
+
+    ExitStatus_e execute() {
+        const AwaitedSignals signals;
+        m_signals = &signals;
+        if (m_options.inProcess || isTraced()) {
+            const UnblockedSignals unblocked(signals);
+            const auto box = std::make_unique<ProcessBox>();
+            return Repl(m_options, *box, *this).execute();
+        }
+        ProcessSetting setting;
+        setting.printed = Printed_e::Inherited;
+        setting.readsNothing = true;
+        runInProcesses(signals, 1, setting, *this);
+        return m_status;
+    }
+
+    int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(Repl(m_options, box, notes).execute());
+    }
+    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
+        const bool isAsked = message.kind == kLineNote || message.kind == kWriteNote;
+        if (isAsked) return process.answer(ask(message.kind, message.text));
+        tell(message.kind, message.text);
+    }
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        clearStatusOf(box);
+        m_status = static_cast<ExitStatus_e>(outcome.status);
+        if (outcome.end == End_e::Left && outcome.areNotesWhole) return;
+        if (outcome.end == End_e::Left) {
+            runner::tell(kProgramName, "error: part of what the add-ons recorded was lost");
+            m_status = ExitStatus_e::BadUsageOrInput;
+        } else {
+            runner::tell(deathText(box, outcome));
+            m_status = m_outputs.writeWhatIsLeft() ? ExitStatus_e::ProcessEnded : ExitStatus_e::BadUsageOrInput;
+        }
+    }
+    void stopAsked(std::size_t, const ProcessBox& box) override {
+        if (!box.isStatusDrawn) tellStopAsked(box);
+    }
+    void killed(std::size_t, const ProcessBox& box, int signal) override {
+        const LastWords lastWords(kKilledBySignal + signal);
+        clearStatusOf(box);
+        tellKilled(box, signal);
+    }
+
+private:
+    void tell(char kind, std::string_view text) override { m_outputs.tell(kind, text); }
+
+    std::string ask(char kind, std::string_view text) override {
+        if (kind != kLineNote) return m_outputs.ask(kind, text);
+        const UnblockedSignals unblocked(*m_signals);
+        if (!m_reader) m_reader.emplace(linesOf(std::string(text)));
+        const auto line = m_reader->next();
+        return line ? kLineRead + *line : "";
+    }
+
+    const ReplOptions& m_options;
+    RunOutputs m_outputs{[](std::string_view) {}};
+    std::optional<LineReader> m_reader;
+    const AwaitedSignals* m_signals = nullptr;
+    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
+};
+
+ExitStatus_e runRepl(const ReplOptions& options) {
+    try {
+        return ReplDesk(options).execute();
+    } catch (const OutputError& error) {
+        tell(error.what());
+        return ExitStatus_e::BadUsageOrInput;
+    }
+}
 
 }  // namespace
 
@@ -152,7 +250,8 @@ void addReplCommand(CLI::App& app, Action& chosen) {
     addAddOnOption(command, options->addOns);
     addStyleOption(command, options->style);
     command.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
-    command.callback([options, &chosen] { chosen = [options] { return Repl(*options).execute(); }; });
+    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
+    command.callback([options, &chosen] { chosen = [options] { return runRepl(*options); }; });
 }
 
 }  // namespace vexa::runner

@@ -1,10 +1,13 @@
 #include "test/MacroTests.h"
 
+#include <sys/wait.h>
+
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -17,9 +20,12 @@
 #include "StartsWith.h"
 #include "WholeFile.h"
 #include "check/JunitText.h"
-#include "many/Processes.h"
 #include "test/LineDifference.h"
+#include "test/OwnTranscript.h"
 #include "test/Transcript.h"
+#include "watch/Death.h"
+#include "watch/LastWords.h"
+#include "watch/Processes.h"
 
 namespace vexa::runner {
 namespace {
@@ -67,21 +73,21 @@ std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
     return macros;
 }
 
+constexpr std::chrono::seconds kGrace{1};
+
 struct MacroVerdict {
     bool passed = false;
     std::string reason;  // one line; empty when it passed
     std::string lines;   // that show it
 };
 
-class MacroTests {
+class MacroTests : public ProcessWorkInterface {
 public:
     explicit MacroTests(const MacroTestOptions& options) : m_options(options) {}
 
     ExitStatus_e run() {
         if (!prepare()) return ExitStatus_e::BadUsageOrInput;
-        const auto write = [this](std::size_t index, ProcessFiles& files) { return writeOne(index, files); };
-        const auto compare = [this](std::size_t index, const ProcessOutcome& outcome) { conclude(index, outcome); };
-        const std::size_t ended = runInProcesses(m_macros.size(), m_options.jobs, {write, compare});
+        const std::size_t ended = m_options.inProcess ? runHere() : runWatched();
         const bool isWritten = writeReport();
         std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
         if (!isWritten || m_isBroken) return ExitStatus_e::BadUsageOrInput;
@@ -106,17 +112,74 @@ private:
         return false;
     }
 
-    int writeOne(std::size_t index, ProcessFiles& files) const {
-        const TranscriptOptions options = {m_macros[index], m_options.addOns, m_style, m_options.contract,
-                                           m_options.batch};
-        return static_cast<int>(writeTranscript(options, files));
+    std::size_t runWatched() {
+        const AwaitedSignals signals;
+        ProcessSetting setting;
+        setting.jobs = m_options.jobs;
+        setting.printed = Printed_e::CaughtAsOne;
+        setting.isTimed = m_options.contract.timeout.has_value();
+        setting.grace = kGrace;
+        if (setting.isTimed) {
+            setting.timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*m_options.contract.timeout);
+        }
+        m_transcripts.resize(m_macros.size());
+        return runInProcesses(signals, m_macros.size(), setting, *this);
     }
 
-    void conclude(std::size_t index, const ProcessOutcome& outcome) {
-        const std::string& macro = m_macros[index];
+    std::size_t runHere() {
+        for (const std::string& macro : m_macros) {
+            const auto begin = std::chrono::steady_clock::now();
+            const auto box = std::make_unique<ProcessBox>();
+            TranscriptEnd_e end{};
+            std::string transcript;
+            {
+                OwnTranscript own;
+                end = writeTranscript(optionsFor(macro), *box, own);
+                transcript = own.text();
+            }
+            const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+            conclude(
+                macro, [&] { return verdictOn(macro, end, transcript); }, time.count());
+        }
+        return m_macros.size();
+    }
+
+    TranscriptOptions optionsFor(const std::string& macro) const {
+        return {macro, m_options.addOns, m_style, m_options.contract, m_options.batch};
+    }
+
+    int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(writeTranscript(optionsFor(m_macros[index]), box, notes));
+    }
+
+    void take(std::size_t index, const Message& message, RunningProcessInterface& process) override {
+        const bool isAsked = message.kind == kPrintedNote;
+        const std::string answer =
+            m_transcripts[index].take(message.kind, message.text, isAsked ? process.takePrinted() : KeptText());
+        if (isAsked) process.answer(answer);
+    }
+
+    void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        const TranscriptText transcript = std::exchange(m_transcripts[index], {});
+        const auto verdict = [&] { return verdictOn(m_macros[index], box, outcome, transcript.text()); };
+        conclude(m_macros[index], verdict, outcome.seconds);
+    }
+
+    void stopAsked(std::size_t, const ProcessBox& box) override {
+        m_isStopAsked = true;
+        tellStopAsked(box);
+    }
+
+    void killed(std::size_t, const ProcessBox& box, int signal) override {
+        const LastWords lastWords(kKilledBySignal + signal);
+        tellKilled(box, signal);
+    }
+
+    template <class Judge>
+    void conclude(const std::string& macro, const Judge& judge, double seconds) {
         MacroVerdict verdict;
         try {
-            verdict = verdictOn(macro, outcome);
+            verdict = judge();
         } catch (const OutputError& error) {
             verdict = {false, error.what(), ""};
             m_isBroken = true;
@@ -126,23 +189,33 @@ private:
                     verdict.reason.empty() ? "" : (": " + verdict.reason).c_str());
         std::fputs(verdict.lines.c_str(), stdout);
         std::fflush(stdout);
-        report(macro, verdict, outcome.seconds);
+        report(macro, verdict, seconds);
     }
 
-    MacroVerdict verdictOn(const std::string& macro, const ProcessOutcome& outcome) {
-        if (outcome.signal == SIGINT) m_isStopped = true;
-        if (outcome.signal != 0) return ended(std::string("by signal: ") + strsignal(outcome.signal), outcome);
-        switch (static_cast<TranscriptEnd_e>(outcome.status)) {
-            case TranscriptEnd_e::Whole: return compared(macro, outcome.notes);
-            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", findingsOf(outcome.notes)};
-            case TranscriptEnd_e::CommandHung: return {false, "a command did not return", lastCommand(outcome.notes)};
-            case TranscriptEnd_e::NotRun: m_isBroken = true; return {false, "it cannot be run", outcome.notes};
+    MacroVerdict verdictOn(const std::string& macro, const ProcessBox& box, const ProcessOutcome& outcome,
+                           const std::string& transcript) {
+        if (outcome.end == End_e::Left && outcome.areNotesWhole) {
+            return verdictOn(macro, static_cast<TranscriptEnd_e>(outcome.status), transcript);
         }
-        return ended("with exit status " + std::to_string(outcome.status), outcome);
+        const std::string lines = lastCommand(transcript) + printedLines(outcome.out);
+        if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
+        if (outcome.end == End_e::TimedOut) return {false, "it did not return within its time limit", lateText(box)};
+        const bool isStopped =
+            m_isStopAsked && WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
+        if (isStopped) m_isStopped = true;
+        if (isStopped) return {false, "stopped by Ctrl-C", lines};
+        return {false, "an add-on ended the process", lines + deathText(box, outcome) + '\n'};
     }
 
-    static MacroVerdict ended(const std::string& how, const ProcessOutcome& outcome) {
-        return {false, "the program was ended " + how, lastCommand(outcome.notes) + printedLines(outcome.out)};
+    MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const std::string& transcript) {
+        switch (end) {
+            case TranscriptEnd_e::Whole: return compared(macro, transcript);
+            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", findingsOf(transcript)};
+            case TranscriptEnd_e::CommandHung: return {false, "a command did not return", lastCommand(transcript)};
+            case TranscriptEnd_e::NotRun: break;
+        }
+        m_isBroken = true;
+        return {false, "it cannot be run", transcript};
     }
 
     // What the transcript has of the last command.
@@ -205,6 +278,8 @@ private:
     const MacroTestOptions& m_options;
     std::vector<std::string> m_macros;
     std::vector<StyleSetting> m_style;
+    std::vector<TranscriptText> m_transcripts;
+    bool m_isStopAsked = false;
     std::size_t m_passed = 0;
     bool m_isBroken = false;  // something could not be read, run or written
     bool m_isStopped = false;

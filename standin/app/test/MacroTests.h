@@ -19,6 +19,7 @@ struct MacroTestOptions {
     ContractOptions contract;          ///< what of the host's contract is asked for
     std::size_t jobs = 1;              ///< how many macros run at a time
     bool batch = false;                ///< the host says that it is in batch mode
+    bool inProcess = false;            ///< run in this process, for a debugger
     bool accepts = false;              ///< what the macros do is expected from now on
 };
 

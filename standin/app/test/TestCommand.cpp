@@ -42,6 +42,7 @@ void addTestCommand(CLI::App& app, Action& chosen) {
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
+    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
     command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
     command.callback([options, &chosen] {
         chosen = [options] {

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <functional>
@@ -12,7 +13,6 @@
 
 #include "AddOns.h"
 #include "Console.h"
-#include "Descriptor.h"
 #include "FailureText.h"
 #include "FindingTeller.h"
 #include "Hang.h"
@@ -23,6 +23,8 @@
 
 namespace vexa::runner {
 namespace {
+
+constexpr std::chrono::seconds kTimeForLastWords{5};
 
 std::string marked(const std::string& mark, const std::string& text) {
     std::istringstream in(text);
@@ -35,9 +37,10 @@ std::string told(const std::string& text) { return marked("! ", std::string(with
 
 class Transcript {
 public:
-    Transcript(const TranscriptOptions& options, ProcessFiles& files) : m_options(options), m_files(files) {
-        dup2(files.out.descriptor(), STDERR_FILENO);  // what is printed comes in its order
-        std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    Transcript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes)
+        : m_options(options), m_box(box), m_notes(notes) {
+        std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);  // both outputs go to one place: what is printed keeps its order
+        m_host.setCallProgress(&box.calls);
         m_host.setKeepsCalls(false);
         m_host.setBatchMode(options.batch);
         m_host.setRecording(true);
@@ -52,7 +55,7 @@ public:
     TranscriptEnd_e write() {
         giveStyles(m_host, m_options.style);
         if (!loadAll() || !readMacro()) return TranscriptEnd_e::NotRun;
-        note(news());
+        noteNews();
         for (const MacroCommand& command : m_macro.commands) run(command);
         unload();
         const ContractOptions& contract = m_options.contract;
@@ -63,7 +66,9 @@ public:
 private:
     bool loadAll() {
         try {
-            for (const std::string& file : m_options.addOns) inTime([&] { m_host.loadAddOn(file); });
+            for (const std::string& file : m_options.addOns) {
+                inTime("", "", "loading of " + file, [&] { m_host.loadAddOn(file); });
+            }
             return true;
         } catch (const standin::LoadError& error) {
             note(error.message() + '\n');
@@ -72,7 +77,8 @@ private:
     }
 
     bool readMacro() {
-        m_macro = readMacroFile(m_options.macroFile, loadedIds(m_host));
+        const std::string work = "reading of " + m_options.macroFile;
+        inTime("", "", work, [&] { m_macro = readMacroFile(m_options.macroFile, loadedIds(m_host)); });
         for (const std::string& problem : m_macro.problems) note(problem + '\n');
         return m_macro.problems.empty();
     }
@@ -80,8 +86,11 @@ private:
     void run(const MacroCommand& command) {
         note("> " + command.addOnId + ' ' + command.text + '\n');
         standin::CommandResult result;
-        inTime([&] { result = m_host.run(command.addOnId, command.text, m_macro.place(command.line)); });
-        std::string lines = news();
+        const std::string place = m_macro.place(command.line);
+        const auto execute = [&] { result = m_host.run(command.addOnId, command.text, place); };
+        inTime(place, command.addOnId, command.text, execute);
+        noteNews();
+        std::string lines;
         if (!result.accepted) lines += told(std::string(failureText(result)));
         for (const standin::RecordedCommand& recorded : m_host.recordedCommands()) {
             lines += "+ " + recorded.addOnId + ' ' + recorded.command + '\n';
@@ -91,9 +100,14 @@ private:
     }
 
     void unload() {
-        inTime([&] { m_host.unloadAddOns(); });
+        std::string work = "unloading of";
+        for (const standin::AddOnInfo& addOn : m_host.addOns()) work += ' ' + addOn.id;
+        inTime("", "", work, [&] { m_host.unloadAddOns(); });
+        std::fflush(stdout);
+        const std::string head = "> (unloading)\n";
+        const bool hasPrinted = !m_notes.ask(kPrintedNote, head).empty();
         const std::string lines = news();
-        if (!lines.empty()) note("> (unloading)\n" + lines);
+        if (!lines.empty()) note((hasPrinted ? "" : head) + lines);
     }
 
     // A dialog may come from any thread of an add-on.
@@ -106,11 +120,15 @@ private:
         return std::exchange(m_dialogs, "");
     }
 
-    // What happened since this was asked last, but for what was recorded.
-    std::string news() {
+    void noteNews() {
         std::fflush(stdout);
-        std::string lines = printedLines(m_files.out.text()) + takeDialogs();
-        m_files.out.clear();
+        m_notes.ask(kPrintedNote, "");
+        note(news());
+    }
+
+    // What happened since this was asked last, but for what was printed and recorded.
+    std::string news() {
+        std::string lines = takeDialogs();
         const std::vector<standin::Finding> findings = m_host.violations();
         for (; m_findings < findings.size(); ++m_findings) lines += findingLine(findings[m_findings]);
         return lines;
@@ -120,24 +138,33 @@ private:
         return told(std::string(nameOf(finding.severity)) + ": " + finding.message + " [" + finding.rule + ']');
     }
 
-    void inTime(const std::function<void()>& work) {
+    void inTime(const std::string& place, const std::string& addOnId, const std::string& what,
+                const std::function<void()>& work) {
+        const TimeInAddOn entered(m_box, place, addOnId, what);
         if (!m_watchdog) return work();
         m_callsBefore = m_host.lastCall().call;
         const WatchedTime time(*m_watchdog, *m_options.contract.timeout);
+        const AllowedTime allowed(m_box, *m_options.contract.timeout);
         work();
     }
 
     // The add-on goes on meanwhile, and may hold the standard output.
     [[noreturn]] void endHung() {
+        m_box.allow(kTimeForLastWords);
         const standin::Finding finding = hangFinding(m_host.lastCall(), m_callsBefore, *m_options.contract.timeout);
-        note(printedLines(m_files.out.text()) + findingLine(finding));
-        _exit(static_cast<int>(TranscriptEnd_e::CommandHung));
+        m_notes.ask(kPrintedNote, "");
+        note(findingLine(finding));
+        constexpr int kStatus = static_cast<int>(TranscriptEnd_e::CommandHung);
+        m_box.report(kStatus);
+        m_box.markLeft();
+        _exit(kStatus);
     }
 
-    void note(const std::string& lines) const { writeAll(m_files.notes.descriptor(), lines); }
+    void note(const std::string& lines) const { m_notes.tell(kTranscriptNote, lines); }
 
     const TranscriptOptions& m_options;
-    ProcessFiles& m_files;
+    ProcessBox& m_box;
+    NotesInterface& m_notes;
     MacroFile m_macro;
     std::mutex m_guard;
     std::string m_dialogs;
@@ -149,13 +176,16 @@ private:
 
 }  // namespace
 
-TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessFiles& files) {
-    return Transcript(options, files).write();
+TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes) {
+    return Transcript(options, box, notes).write();
 }
 
-std::string printedLines(const std::string& text) {
-    const bool isCut = !text.empty() && text.back() != '\n';
-    return marked("  ", text) + (isCut ? "\\ no line end\n" : "");
+std::string printedLines(const KeptText& printed) {
+    const bool isCut = !printed.text.empty() && printed.text.back() != '\n';
+    std::string lines = marked("  ", printed.text);
+    if (isCut) lines += "\\ no line end\n";
+    if (printed.leftOut > 0) lines += "\\ " + std::to_string(printed.leftOut) + " bytes more are left out\n";
+    return lines;
 }
 
 }  // namespace vexa::runner

@@ -5,7 +5,7 @@
 
 #include "ContractOptions.h"
 #include "StyleFile.h"
-#include "many/Processes.h"
+#include "watch/Processes.h"
 
 namespace vexa::runner {
 
@@ -26,19 +26,31 @@ enum class TranscriptEnd_e : int {
     CommandHung = 13,  ///< the notes hold the transcript up to a command that did not return
 };
 
-/// Runs a macro in this process, and writes what its add-ons do to the notes of \p files, line by line:
+/// \name What a transcript is told by
+/// @{
+inline constexpr char kTranscriptNote = 't';  ///< lines of it
+/// Asks to put in what was printed since the last time, after the line told with it. The answer is empty when that is
+/// nothing; then the line is left out, too.
+inline constexpr char kPrintedNote = 'p';
+/// @}
+
+/// Runs a macro in this process, and tells \p notes what its add-ons do, line by line:
 ///
 ///     > STATS MEAN ZONES = '1-3'      a command of the macro
-///       mean 5.9                      what was printed, on both outputs, which is taken out of \p files
+///       mean 5.9                      what was printed, on both outputs
 ///     \ no line end                   of what was printed last
+///     \ 99 bytes more are left out    of what was printed
 ///     ! no such zone                  why the command failed
 ///     ! dialog: no such zone          a dialog
 ///     ! error: ... [unbalanced-lock]  a breach of the contract
 ///     + STATS MEAN ZONES = '1-3'      what was recorded
 ///     > (unloading)                   what comes of that; left out when there is nothing
-TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessFiles& files);
+///
+/// What was printed is put in by whoever is told.
+/// \param box gets what the add-ons do.
+TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes);
 
 /// The lines of a transcript for what was printed.
-std::string printedLines(const std::string& text);
+std::string printedLines(const KeptText& printed);
 
 }  // namespace vexa::runner

@@ -1,0 +1,175 @@
+#include "WatchedRun.h"
+
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <memory>
+
+#include "Console.h"
+#include "MemoryFile.h"
+#include "ResultsFile.h"
+#include "RunNotes.h"
+#include "WholeFile.h"
+#include "watch/Death.h"
+#include "watch/LastWords.h"
+#include "watch/Tracer.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::chrono::seconds kGrace{1};
+
+bool isBroken(int descriptor) {
+    pollfd polled{descriptor, POLLOUT, 0};
+    return poll(&polled, 1, 0) > 0 && (polled.revents & POLLERR) != 0;
+}
+
+// Nobody reads what is printed any more, which ends a program that prints.
+bool endedForWantOfReaders(const ProcessOutcome& outcome) {
+    const bool isPipe = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGPIPE;
+    return isPipe && (isBroken(STDOUT_FILENO) || isBroken(STDERR_FILENO));
+}
+
+std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
+    if (!options.json) return nullptr;
+    std::vector<std::string> taken = filesOf(options);
+    for (const auto& trace : {options.trace.events, options.trace.text}) {
+        if (trace) taken.push_back(*trace);
+    }
+    return openResultsFile(*options.json, taken);
+}
+
+// The one run of a program, which prints where the program does.
+class OneRun : public ProcessWorkInterface {
+public:
+    explicit OneRun(const RunOptions& options)
+        : m_options(options), m_results(openResults(options)), m_run(options, options.macroFile, [this](auto lines) {
+              if (m_results) m_results->append(lines);
+          }) {
+        m_run.open();
+    }
+
+    ExitStatus_e execute() {
+        if (m_options.inProcess || isTraced()) return close(runHere());
+        const AwaitedSignals signals;
+        runInProcesses(signals, 1, settingOf(m_options), *this);
+        return close(m_status);
+    }
+
+    int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(runMacro(m_options, box, notes));
+    }
+    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
+        m_run.take(message, process);
+    }
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        const bool wasInterrupted = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
+        if (m_isStopAsked && wasInterrupted) throw EndedBySignal{SIGINT};
+        if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
+        clearStatusOf(box);
+        m_status = m_run.judge(box, outcome);
+    }
+    void stopAsked(std::size_t, const ProcessBox& box) override {
+        m_isStopAsked = true;
+        if (!box.isStatusDrawn) tellStopAsked(box);
+    }
+    void killed(std::size_t, const ProcessBox& box, int signal) override {
+        const LastWords lastWords(kKilledBySignal + signal);
+        clearStatusOf(box);
+        tellKilled(box, signal);
+    }
+
+private:
+    ExitStatus_e runHere() {
+        const auto box = std::make_unique<ProcessBox>();
+        return runMacro(m_options, *box, m_run.outputs());
+    }
+
+    ExitStatus_e close(ExitStatus_e status) {
+        try {
+            if (m_results) m_results->close();
+            return status;
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return ExitStatus_e::BadUsageOrInput;
+        }
+    }
+
+    const RunOptions& m_options;
+    std::unique_ptr<LiveFile> m_results;
+    WatchedRun m_run;
+    bool m_isStopAsked = false;
+    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
+};
+
+// A process of the background cannot read from the terminal, so a macro that is typed is read here.
+void readTypedMacro(const RunOptions& options) {
+    if (options.macroFile != "-" || isatty(STDIN_FILENO) == 0) return;
+    const MemoryFile file(readStandardInput());
+    lseek(file.descriptor(), 0, SEEK_SET);
+    dup2(file.descriptor(), STDIN_FILENO);
+}
+
+}  // namespace
+
+void WatchedRun::take(const Message& message, RunningProcessInterface& process) {
+    if (message.kind == kWriteNote) {
+        process.answer(m_outputs.ask(message.kind, message.text));
+    } else {
+        m_outputs.tell(message.kind, message.text);
+    }
+}
+
+ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
+    if (outcome.end == End_e::TimedOut) {
+        const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
+        tellLines(lateText(box));
+        return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
+    }
+    if (outcome.end == End_e::Died) {
+        const LastWords lastWords(static_cast<int>(ExitStatus_e::ProcessEnded));
+        tell(deathText(box, outcome));
+        return conclude(box, ExitStatus_e::ProcessEnded, "the process ended: " + howItEnded(outcome.waitStatus));
+    }
+    if (outcome.areNotesWhole) return static_cast<ExitStatus_e>(outcome.status);
+    tell(m_macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
+    return ExitStatus_e::BadUsageOrInput;
+}
+
+ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {
+    const bool isWritten = m_outputs.writeWhatIsLeft();
+    if (m_options.json) {
+        const std::chrono::duration<double> seconds = box.sinceEntered();
+        const bool isCommand = box.isInAddOn;
+        m_results(linesOfDeath(
+            {box.place.text(), isCommand ? box.addOnId.text() : "", box.work.text(), false, error, seconds.count()},
+            status, m_macroFile));
+    }
+    return isWritten ? status : ExitStatus_e::BadUsageOrInput;
+}
+
+ProcessSetting settingOf(const RunOptions& options) {
+    ProcessSetting setting;
+    setting.printed = Printed_e::Inherited;
+    setting.isTimed = options.contract.timeout.has_value();
+    setting.grace = kGrace;
+    if (setting.isTimed) {
+        setting.timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*options.contract.timeout);
+    }
+    return setting;
+}
+
+ExitStatus_e runOneMacro(const RunOptions& options) {
+    try {
+        readTypedMacro(options);
+        return OneRun(options).execute();
+    } catch (const OutputError& error) {
+        tell(error.what());
+        return ExitStatus_e::BadUsageOrInput;
+    }
+}
+
+}  // namespace vexa::runner
