@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 #include "vexastandin/CallProgress.h"
@@ -44,6 +45,11 @@ struct ProcessBox {
     Clock::duration sinceEntered() const noexcept {
         return Clock::now().time_since_epoch() - Clock::duration(m_entered);
     }
+
+    /// The process whose box it is; 0 when nobody watches it.
+    std::atomic<pid_t> owner{0};
+    /// Whether this process is a copy that an add-on forked off, and not the one that is watched.
+    bool isOfOther() const noexcept { return owner != 0 && owner != getpid(); }
 
     /// \name The time limit
     /// @{
@@ -91,7 +97,8 @@ private:
                   "Processes share no lock");
 };
 
-/// An add-on is at work as long as this lives.
+/// An add-on is at work as long as this lives. A copy of the process that the add-on forked off does not live longer:
+/// it must not go on with the work of the process.
 class TimeInAddOn {
 public:
     TimeInAddOn(ProcessBox& box, std::string_view place, std::string_view addOnId, std::string_view work) : m_box(box) {
@@ -99,7 +106,10 @@ public:
     }
     TimeInAddOn(const TimeInAddOn&) = delete;
     TimeInAddOn& operator=(const TimeInAddOn&) = delete;
-    ~TimeInAddOn() { m_box.leaveAddOn(); }
+    ~TimeInAddOn() {
+        if (m_box.isOfOther()) _exit(EXIT_FAILURE);
+        m_box.leaveAddOn();
+    }
 
 private:
     ProcessBox& m_box;

@@ -124,6 +124,7 @@ int statusOf(std::size_t index, ProcessBox& box, NotesInterface& notes, ProcessW
 [[noreturn]] void workInProcess(std::size_t index, int descriptor, ProcessBox& box, const ProcessSetting& setting,
                                 ProcessWorkInterface& work) {
     boxOfThisProcess = &box;
+    box.owner = getpid();
     // Registered first, so it runs last.
     std::atexit([] { boxOfThisProcess->markLeft(); });
     Channel channel(descriptor, box.sent);
