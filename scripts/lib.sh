@@ -91,8 +91,9 @@ explain_failure() {
 }
 trap explain_failure EXIT
 
+# is_installed PACKAGE: on any architecture. dpkg also knows packages that others mention, as not-installed.
 is_installed() {
-    [[ $(dpkg-query --show --showformat '${db:Status-Status} ' "$1" 2>/dev/null) == *"installed "* ]]
+    [[ " $(dpkg-query --show --showformat '${db:Status-Status} ' "$1" 2>/dev/null)" == *" installed "* ]]
 }
 
 # need PACKAGE...: installs those Debian packages that are missing.
