@@ -65,7 +65,7 @@ if(VEXA_BUILD_STANDIN)
     vexa_debian_package(standin vexa-standin devel
         DEPENDS "${runtime} (>= ${PROJECT_VERSION})"
         RECOMMENDS "libvexautilutil-utils-dev (= ${this_version})"
-        SUGGESTS "cmake, g++, libgtest-dev, make"
+        SUGGESTS "cmake, g++, libgtest-dev, ninja-build"
         DESCRIPTION
         "runs, tests and checks add-ons without their host"
         "A stand-in for a scientific-visualisation host. The program vexa-standin runs"

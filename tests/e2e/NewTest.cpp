@@ -58,6 +58,15 @@ TEST_F(New, KeepsEachFileShort) {
     }
 }
 
+TEST_F(New, ListsTheDebianPackagesThatTheProjectNeeds) {
+    writeNew({"p"});
+    EXPECT_NE(read("p/CMakePresets.json").find("\"generator\": \"Ninja\""), std::string::npos);
+    EXPECT_NE(read("p/README.md")
+                  .find("    apt-get install cmake g++ libgtest-dev ninja-build "
+                        "libvexautilutil-utils-dev vexa-standin\n"),
+              std::string::npos);
+}
+
 TEST_F(New, MayRunTheScriptOnly) {
     writeNew({"p"});
     const auto mayRun = [&](const char* file) {
