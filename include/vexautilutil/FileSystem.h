@@ -74,8 +74,9 @@ VEXAUTILUTIL_API std::string homeDirectory();
 /// Without memory for a directory's probe the answer is no.
 ///
 /// An existing file keeps its contents; its times may change. What was made for the probe is removed.
-/// \warning Do not ask for a path that others may create or remove at the same moment: a file that appears between the
-///          look and the probe is kept, and one that vanishes is made anew, empty. Directories have no such moment.
+/// \warning Do not ask for a path that others may create or remove at the same moment. A file that appears between the
+///          look and the probe is removed, with its contents; one that vanishes is made anew, empty. A directory is
+///          probed by a file of a random name, so this cannot happen to the files in it.
 /// \warning A link that leads nowhere is removed by the probe, and what it led to is left behind, empty.
 /// \warning In the path of a directory, each `%` stands for a random digit, so that such a directory counts as not
 ///          writable.

@@ -47,6 +47,14 @@ TEST_F(AsciiFileFailure, KeepsTheTextBeforeWhenTheNextFileIsMissing) {
     EXPECT_EQ(file.fileName(), m_folder.path("missing.txt"));
 }
 
+TEST_F(AsciiFileFailure, KeepsTheTextBeforeWhenTheNextIsADirectory) {
+    AsciiFile file;
+    ASSERT_TRUE(file.open(m_path));
+    EXPECT_FALSE(file.open(m_folder.path()));
+    EXPECT_TRUE(file.isOpen());
+    EXPECT_EQ(file.readLineAtOffset(2), "three");
+}
+
 TEST_F(AsciiFileFailure, RefusesADirectory) {
     AsciiFile file;
     errno = 0;  // making the folder may have left this very reason
