@@ -33,10 +33,11 @@ struct NewOptions {
 };
 
 ExitStatus_e writeNewProject(const NewOptions& options) {
-    ProjectNames names = namesFor(options.folder);
-    if (options.id) names.id = *options.id;
-    if (options.title) names.title = *options.title;
+    ProjectNames names;
     try {
+        names = namesFor(options.folder);
+        if (options.id) names.id = *options.id;
+        if (options.title) names.title = *options.title;
         writeProject(options.folder, names);
     } catch (const NewProjectError& error) {
         tell(error.what());
@@ -56,7 +57,9 @@ void addNewCommand(CLI::App& app, Action& chosen) {
     const auto options = std::make_shared<NewOptions>();
     CLI::App& command = *app.add_subcommand("new", "Write the project of a new add-on");
     command.footer(kNewFooter);
-    command.add_option("FOLDER", options->folder, "Where it goes; it must be missing, or empty")
+    command
+        .add_option("FOLDER", options->folder,
+                    "Where it goes; it must be missing, or empty. Its name is that of the CMake target")
         ->required()
         ->type_name("");
     command.add_option("--id", options->id, "How macros address the add-on; made of the folder's name unless given")

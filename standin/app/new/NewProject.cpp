@@ -30,8 +30,11 @@ constexpr std::string_view kScript = "#!";  // what a program begins with that a
 constexpr mode_t kFile = 0666;
 constexpr mode_t kProgram = 0777;
 
-// Targets of this name belong to CMake.
-constexpr const char* kTakenNames[] = {"all", "clean", "help", "install", "package", "package_source", "test"};
+// Names that CMake keeps for targets of its own, with any generator. The last one names its variables, which project()
+// would overwrite.
+constexpr std::string_view kTakenNames[] = {
+    "all",     "ALL_BUILD",      "clean",      "edit_cache",    "help",      "install", "INSTALL",    "package",
+    "PACKAGE", "package_source", "preinstall", "rebuild_cache", "RUN_TESTS", "test",    "ZERO_CHECK", "CMAKE"};
 
 // Of ASCII, whatever the locale.
 bool isLower(char c) { return c >= 'a' && c <= 'z'; }
@@ -40,6 +43,7 @@ bool isLetter(char c) { return isLower(c) || isUpper(c); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isNameCharacter(char c) { return isLetter(c) || isDigit(c) || c == '_' || c == '-'; }
 bool isControl(char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }
+bool isTargetCharacter(char c) { return isNameCharacter(c) || c == '.' || c == '+'; }
 char upper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 
 [[noreturn]] void refuse(const fs::path& path, const std::string& why) {
@@ -50,14 +54,23 @@ char upper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
     refuse(path, "cannot be written: " + error.message());
 }
 
+void refuseAsTarget(const fs::path& folder, const std::string& name) {
+    const std::string other = "; choose another name for the folder";
+    if (std::find(std::begin(kTakenNames), std::end(kTakenNames), name) != std::end(kTakenNames)) {
+        refuse(folder, "CMake keeps the name '" + name + "' for itself" + other);
+    }
+    if (!std::all_of(name.begin(), name.end(), isTargetCharacter)) {
+        refuse(folder, "'" + name +
+                           "' cannot be a target of CMake, whose name has letters, digits, '_', '-', '.' and '+'" +
+                           other);
+    }
+}
+
 std::string nameFor(const fs::path& folder) {
     std::string name = fs::absolute(folder).lexically_normal().filename().string();
     if (name.empty()) name = fs::absolute(folder).lexically_normal().parent_path().filename().string();  // "folder/"
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return !isNameCharacter(c); }, '-');
-    if (name.empty() || !isLetter(name.front())) name.insert(0, "addon-");
-    const bool isTaken = std::find(std::begin(kTakenNames), std::end(kTakenNames), name) != std::end(kTakenNames);
-    return isTaken ? name + "-addon" : name;
+    refuseAsTarget(folder, name);
+    return name.empty() || !isLetter(name.front()) ? "addon-" + name : name;
 }
 
 std::string idFor(const std::string& name) {

@@ -13,7 +13,7 @@ public:
 
 /// What the project of a new add-on is called.
 struct ProjectNames {
-    std::string name;   ///< of the project, its target and its file: letters, digits, `_` and `-`
+    std::string name;   ///< of the project, its target and its file: letters, digits, `_`, `-`, `.` and `+`
     std::string id;     ///< by which macros address the add-on
     std::string title;  ///< for people; one line
 };
@@ -22,6 +22,9 @@ struct ProjectNames {
 ///
 ///     work/wake-probe    name wake-probe, id WAKEPROBE, title "Wake probe"
 ///     42                 name addon-42, id ADDON42, title "Addon 42"
+///
+/// \throws NewProjectError when CMake takes no target of the folder's name: it has other characters, or CMake keeps it
+/// for itself, such as `test`.
 ProjectNames namesFor(const std::string& folder);
 
 /// What is wrong with an id that an add-on is to have; empty when nothing is.
