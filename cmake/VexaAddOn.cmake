@@ -3,7 +3,8 @@ include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 # vexa_add_addon(NAME SOURCES file... [CHECK ON|OFF]
 #                [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
 #   Adds the add-on NAME: a target that makes NAME.so, for a host to load. It exports vexaAddOn and nothing else, links
-#   the library, and takes further libraries by target_link_libraries(NAME PRIVATE ...).
+#   the library, and takes further libraries by target_link_libraries(NAME PRIVATE ...). Installed, it looks for them
+#   beside itself, unless CMAKE_INSTALL_RPATH or its property INSTALL_RPATH says otherwise.
 #
 #   The test NAME-keeps-the-contract checks it, where the tests are built (BUILD_TESTING) and the package's component
 #   standin was asked for; CHECK OFF leaves it out. What stands after CHECK is for the test, as vexa_add_check() takes
@@ -30,7 +31,11 @@ function(vexa_add_addon name)
         C_VISIBILITY_PRESET hidden
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
-        LINK_DEPENDS ${exports})
+        LINK_DEPENDS ${exports}
+        BUILD_RPATH_USE_ORIGIN ON)
+    if(NOT DEFINED CMAKE_INSTALL_RPATH)
+        set_target_properties(${name} PROPERTIES INSTALL_RPATH $ORIGIN)
+    endif()
 
     if((DEFINED BUILD_TESTING AND NOT BUILD_TESTING) OR (DEFINED arg_CHECK AND NOT arg_CHECK))
         return()

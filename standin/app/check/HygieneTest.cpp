@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <elf.h>
+#include <link.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -69,6 +70,11 @@ public:
         if (m_handle != nullptr) dlclose(m_handle);
     }
 
+    std::filesystem::path folder() const {
+        link_map* object = nullptr;
+        if (m_handle == nullptr || dlinfo(m_handle, RTLD_DI_LINKMAP, &object) != 0) return {};
+        return std::filesystem::path(object->l_name).parent_path();
+    }
     bool has(const std::string& symbol) const { return m_handle != nullptr && dlsym(m_handle, symbol.c_str()); }
     bool isThere() const { return m_handle != nullptr; }
     const std::string& error() const { return m_error; }
@@ -147,10 +153,25 @@ void checkExports(const ElfFile& file, Findings& found) {
 
 // ---- How it is linked
 
+// Whether this program itself has a library from there that the add-on needs. CMake notes this folder in build trees.
+bool isWhereTheHostLooks(const std::string& folder, const ElfFile& file) {
+    return std::any_of(file.needed.begin(), file.needed.end(), [&](const std::string& library) {
+        std::error_code ignored;
+        return std::filesystem::equivalent(folder, Loaded(library, RTLD_LAZY | RTLD_NOLOAD).folder(), ignored);
+    });
+}
+
+// Without the empty entries at the end: CMake makes room by them for the run path of the installed file.
+std::vector<std::string> withoutPadding(std::vector<std::string> paths) {
+    while (!paths.empty() && paths.back().empty()) paths.pop_back();
+    return paths;
+}
+
 void checkRunPaths(const ElfFile& file, Findings& found) {
-    for (const std::string& path : file.runPaths) {
+    for (const std::string& path : withoutPadding(file.runPaths)) {
         if (startsWith(path, "$ORIGIN") || startsWith(path, "${ORIGIN}")) continue;
         if (startsWith(path, "/")) {
+            if (isWhereTheHostLooks(path, file)) continue;
             found.warnings.push_back("it looks for libraries in " + path +
                                      ", which is there on this machine; install it with a run path from $ORIGIN on");
         } else {
