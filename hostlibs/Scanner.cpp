@@ -24,21 +24,42 @@ std::size_t afterWhiteSpace(const std::string& text, std::size_t at) {
     return at;
 }
 
+// A token that was found is kept where an integer would be, for the size of a Scanner is part of the binary contract.
+// One of these bits of the position tells what is kept; no text is long enough to have them set.
+constexpr std::size_t kTokenMark = std::size_t{1} << 63;
+constexpr std::size_t kDelimitedMark = std::size_t{1} << 62;
+
+// The functions below are told what is kept, use it when it is what they look for, and else find and keep that.
+
 // The first token from `at` on; empty when there is none.
-std::string_view findToken(const std::string& text, std::size_t at) {
-    const std::size_t begin = afterWhiteSpace(text, at);
-    std::size_t end = begin;
-    while (end < text.size() && !isWhiteSpace(text[end])) ++end;
-    return {text.data() + begin, end - begin};
+template <typename Found>
+std::string_view findToken(const std::string& text, std::size_t at, Found& kept) {
+    if (kept.at != (at | kTokenMark)) {
+        const std::size_t begin = afterWhiteSpace(text, at);
+        std::size_t end = begin;
+        while (end < text.size() && !isWhiteSpace(text[end])) ++end;
+        kept = {at | kTokenMark, end, false, static_cast<int64_t>(begin)};
+    }
+    return {text.data() + kept.value, kept.end - static_cast<std::size_t>(kept.value)};
 }
 
 // The characters from `at` to the first of `delimiters`; empty when no delimiter follows.
-std::string_view findToken(const std::string& text, std::size_t at, const std::string& delimiters) {
-    // find_first_of() does not know that one character can be found much faster than one of several.
-    const std::size_t end =
-        delimiters.size() == 1 ? text.find(delimiters.front(), at) : text.find_first_of(delimiters, at);
+std::string_view findAnyDelimited(const std::string& text, std::size_t at, const std::string& delimiters) {
+    const std::size_t end = text.find_first_of(delimiters, at);
     if (end == std::string::npos) return {};
     return std::string_view(text).substr(at, end - at);
+}
+
+// The same; kept for a single delimiter, which can also be found much faster.
+template <typename Found>
+std::string_view findDelimited(const std::string& text, std::size_t at, const std::string& delimiters, Found& kept) {
+    if (delimiters.size() != 1) return findAnyDelimited(text, at, delimiters);
+    const char delimiter = delimiters.front();
+    if (kept.at != (at | kDelimitedMark) || kept.value != delimiter) {
+        const std::size_t end = text.find(delimiter, at);
+        kept = {at | kDelimitedMark, end == std::string::npos ? at : end, false, delimiter};
+    }
+    return {text.data() + at, kept.end - at};
 }
 
 // Where in `text` the part of it that `token` is ends.
@@ -170,21 +191,21 @@ bool Scanner::hasNextChar(char c) const { return hasNextChar() && m_text[m_posit
 
 char Scanner::nextChar() { return hasNextChar() ? m_text[m_position++] : '\0'; }
 
-bool Scanner::hasNextToken() const { return !findToken(m_text, m_position).empty(); }
+bool Scanner::hasNextToken() const { return !findToken(m_text, m_position, m_int64).empty(); }
 
 std::string Scanner::nextToken() {
-    const std::string_view token = findToken(m_text, m_position);
+    const std::string_view token = findToken(m_text, m_position, m_int64);
     std::string result(token);
     if (!token.empty()) m_position = endOf(token, m_text);
     return result;
 }
 
 bool Scanner::hasNextToken(const std::string& delimiters) const {
-    return !findToken(m_text, m_position, delimiters).empty();
+    return !findDelimited(m_text, m_position, delimiters, m_int64).empty();
 }
 
 std::string Scanner::nextToken(const std::string& delimiters) {
-    const std::string_view token = findToken(m_text, m_position, delimiters);
+    const std::string_view token = findDelimited(m_text, m_position, delimiters, m_int64);
     std::string result(token);
     m_position += token.size();
     return result;

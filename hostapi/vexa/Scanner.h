@@ -32,7 +32,8 @@ namespace vexa {
 ///     1e400                         no double: over the largest; 1e-400 is read as 0
 ///
 /// Threads: one scanner is for one thread at a time, also for the operations that are const.
-/// Cost:    a number that was asked for is converted once: next...Token() returns what hasNext...Token() found.
+/// Cost:    next...Token() does not search again for what hasNext...Token() found, except a token before one of
+///          several delimiters.
 class VEXAHOSTLIBS_API Scanner {
 public:
     /// Makes a scanner over an empty text.
@@ -92,7 +93,7 @@ private:
     std::string m_text;
     std::size_t m_position = 0;
     mutable Found<double> m_double;
-    mutable Found<int64_t> m_int64;
+    mutable Found<int64_t> m_int64;  // or a token
 };
 
 }  // namespace vexa

@@ -241,6 +241,15 @@ TEST(ScannerDelimitedToken, LooksOnlyAtWhatIsLeft) {
     EXPECT_FALSE(scanner.hasNextToken("]"));
 }
 
+TEST(ScannerDelimitedToken, AskedForIsNotTakenForOneOfOtherDelimiters) {
+    Scanner scanner = scannerOf("ab,c]");
+    EXPECT_TRUE(scanner.hasNextToken(","));
+    EXPECT_EQ(Scanner(scanner).nextToken("]"), "ab,c");
+    EXPECT_EQ(Scanner(scanner).nextToken("],"), "ab");
+    EXPECT_EQ(Scanner(scanner).nextToken(), "ab,c]");
+    EXPECT_EQ(scanner.nextToken(","), "ab");
+}
+
 TEST(ScannerInt64, ReadsDecimalIntegers) {
     struct Case {
         const char* why;
@@ -541,6 +550,33 @@ RC_GTEST_PROP(ScannerProperty, ReadsEveryIntegerBackUnchanged, (int64_t value)) 
     Scanner scanner = scannerOf(std::to_string(value));
     RC_ASSERT(scanner.hasNextInt64Token());
     RC_ASSERT(scanner.nextInt64Token() == value);
+}
+
+// What an operation answers, as text; `number` tells which one it is.
+std::string answerOf(Scanner& scanner, int number) {
+    switch (number) {
+        case 0: return scanner.hasNextToken() ? "token" : "none";
+        case 1: return scanner.hasNextToken("]") ? "bracketed" : "none";
+        case 2: return scanner.hasNextToken("=]") ? "delimited" : "none";
+        case 3: return scanner.hasNextDoubleToken() ? "double" : "none";
+        case 4: return scanner.hasNextInt64Token() ? "integer" : "none";
+        case 5: return scanner.nextToken();
+        case 6: return scanner.nextToken("]");
+        case 7: return scanner.nextToken("=");
+        case 8: return std::to_string(scanner.nextDoubleToken());
+        case 9: return std::to_string(scanner.nextInt64Token());
+        case 10: return {scanner.nextChar()};
+        default: scanner.skipWhitespace(); return "";
+    }
+}
+
+RC_GTEST_PROP(ScannerProperty, AnswersAsOneThatWasAskedNothingBefore, ()) {
+    Scanner scanner = scannerOf(*rc::gen::container<std::string>(rc::gen::elementOf(std::string("12.-=]] a"))));
+    for (const int operation : *rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 12))) {
+        Scanner fresh = scannerOf(restOf(scanner));
+        RC_ASSERT(answerOf(scanner, operation) == answerOf(fresh, operation));
+        RC_ASSERT(restOf(scanner) == restOf(fresh));
+    }
 }
 
 // Any text: what `has` says, `next` keeps, and tokens and white space together are the text.
