@@ -62,7 +62,8 @@ SetMacroOption::SetMacroOption(MacroTokenIterator& current, const MacroTokenIter
     parseAssignmentOperator(current, end);
     if (current == end) throw MacroCommandError("Expected set operator missing");
     if (*current != OPENING_token) throw MacroCommandError("Expected opening set character, [");
-    m_value = std::make_shared<Set>(parseSet(current, end));
+    const Set value = parseSet(current, end);
+    m_value = copyOf(&value);  // the host maker's sets may be copied, but not moved
     m_defaultValue = defaultOf(hasDefault, defaultValue);
 }
 

@@ -18,7 +18,6 @@ namespace vexa::vexautilutil {
 namespace {
 
 constexpr char ESCAPE_character = '\\';
-constexpr char END_character = '\0';  // what the scanner returns at the end of a command, and nowhere else
 const std::string SET_END_delimiter = "]";
 
 // As toupper() in the locale of the process does. The C library's table is asked for once a word and not once a
@@ -47,6 +46,8 @@ char* toHostString(const std::string& message) {
 
 }  // namespace
 
+// The scanner may be the host maker's own. So each getter first asks whether something is left, and never relies on
+// what the scanner does when nothing is.
 struct MacroCommandProcessorAbstract::Impl {
     explicit Impl(MacroCommandProcessorAbstract* processor) : owner(processor) {}
 
@@ -78,17 +79,33 @@ struct MacroCommandProcessorAbstract::Impl {
         return false;
     }
 
-    // Reads the rest of a string, up to and including its closing quote. False when the text ends after an escape.
-    bool readQuoted(std::string& value, char quote, bool processEscapes) {
-        [[maybe_unused]] volatile bool asked = false;  // keeps the compiler from assuming that the loop below must end
+    // Reads the next word in upper case. False when no word is left; `word` is then unchanged.
+    bool readWord(std::string& word) {
+        if (!scanner.hasNextToken()) return false;
+        word = scanner.nextToken();
+        toUpperCase(word);
+        return true;
+    }
+
+    // Waits until a character is left. At the end of the text that is forever: add-ons rely on it.
+    void waitForCharacter() {
+        [[maybe_unused]] volatile bool asked = false;  // keeps the compiler from assuming that the loop must end
+        while (!scanner.hasNextChar()) asked = true;
+    }
+
+    // Reads a string up to and including its closing quote. False when there is no opening quote, or when the text ends
+    // after an escape.
+    bool readQuoted(std::string& value, bool processEscapes) {
+        if (!scanner.hasNextChar()) return false;
+        const char quote = scanner.nextChar();
+        if (!isQuote(quote)) return false;
         while (true) {
+            waitForCharacter();
             char c = scanner.nextChar();
             if (c == quote) return true;
-            // At the end of the text it asks for ever: an unterminated string hangs, and is relied upon to.
-            while (c == END_character && !scanner.hasNextChar()) asked = true;
             if (c == ESCAPE_character && processEscapes) {
+                if (!scanner.hasNextChar()) return false;
                 c = scanner.nextChar();
-                if (c == END_character) return false;
             }
             value += c;
         }
@@ -99,11 +116,11 @@ struct MacroCommandProcessorAbstract::Impl {
         scanner.skipWhitespace();
         if (scanner.nextChar() != '[') return refuse("Invalid Set syntax.  Missing starting [");
         if (scanner.hasNextChar(']')) return true;  // the bracket stays unread; add-ons count on it
-        const std::string members = scanner.nextToken(SET_END_delimiter);
-        if (members.empty()) return refuse("Invalid Set syntax.  Missing ending ]");
+        if (!scanner.hasNextToken(SET_END_delimiter)) return refuse("Invalid Set syntax.  Missing ending ]");
+        std::string text = '[' + scanner.nextToken(SET_END_delimiter) + ']';
         scanner.nextChar();
         try {
-            value.assign('[' + members + ']');
+            value.assign(std::move(text));
         } catch (const InvalidArgumentException&) {
             return refuse("Invalid Set syntax.");
         } catch (const OutOfMemoryException&) {
@@ -145,33 +162,24 @@ bool MacroCommandProcessorAbstract::journalMacroCommand(const char* addOnId, con
 
 void MacroCommandProcessorAbstract::depositErrorMessage(const std::string& message) { m_impl->errorMessage = message; }
 
-bool MacroCommandProcessorAbstract::getCommand(std::string& command) {
-    std::string word = m_impl->scanner.nextToken();
-    if (word.empty()) return false;
-    toUpperCase(word);
-    command = std::move(word);
-    return true;
-}
+bool MacroCommandProcessorAbstract::getCommand(std::string& command) { return m_impl->readWord(command); }
 
 bool MacroCommandProcessorAbstract::getNextName(std::string& name) {
     Scanner& scanner = m_impl->scanner;
-    std::string word = scanner.nextToken();
-    if (word.empty()) return false;
-    m_impl->currentOptionName = word;
-    toUpperCase(word);
-    name = std::move(word);
+    if (!scanner.hasNextToken()) return false;
+    name = scanner.nextToken();
+    m_impl->currentOptionName = name;
+    toUpperCase(name);
     scanner.skipWhitespace();
-    const char sign = scanner.nextChar();
-    if (sign == END_character) return false;
-    if (sign != '=') return m_impl->refuse("Missing = ");
+    if (!scanner.hasNextChar()) return false;
+    if (scanner.nextChar() != '=') return m_impl->refuse("Missing = ");
     return true;
 }
 
 bool MacroCommandProcessorAbstract::getBooleanValue(char& value) {
     m_impl->scanner.skipWhitespace();
-    std::string word = m_impl->scanner.nextToken();
-    if (word.empty()) return false;
-    toUpperCase(word);
+    std::string word;
+    if (!m_impl->readWord(word)) return false;
     const auto* const known = std::find_if(std::begin(kBooleans), std::end(kBooleans),
                                            [&](const BooleanWord& one) { return one.word == word; });
     if (known == std::end(kBooleans)) return m_impl->refuse("Invalid Boolean value");
@@ -198,13 +206,10 @@ bool MacroCommandProcessorAbstract::getInt64Value(int64_t& value) {
 }
 
 bool MacroCommandProcessorAbstract::getStringValue(std::string& value, bool processEscapes) {
-    Scanner& scanner = m_impl->scanner;
-    scanner.skipWhitespace();
-    value.clear();
-    const char quote = scanner.nextChar();
-    if (!isQuote(quote)) return false;
     try {
-        return m_impl->readQuoted(value, quote, processEscapes);
+        m_impl->scanner.skipWhitespace();
+        value.clear();
+        return m_impl->readQuoted(value, processEscapes);
     } catch (const std::bad_alloc&) {
         return false;
     }

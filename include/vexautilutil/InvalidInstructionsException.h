@@ -16,7 +16,6 @@ public:
     /// Joins the message from \p context, ": " and \p detail; either may be empty. Without a stack trace.
     InvalidInstructionsException(std::string context, std::string detail);
     InvalidInstructionsException(const InvalidInstructionsException&) = default;
-    InvalidInstructionsException& operator=(const InvalidInstructionsException&) = default;
     ~InvalidInstructionsException() override;
 };
 

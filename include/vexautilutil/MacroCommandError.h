@@ -14,7 +14,6 @@ public:
     /// Keeps \p message, without a stack trace.
     explicit MacroCommandError(const std::string& message);
     MacroCommandError(const MacroCommandError&) = default;
-    MacroCommandError& operator=(const MacroCommandError&) = default;
     ~MacroCommandError() override;
 };
 
