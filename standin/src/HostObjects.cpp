@@ -1,11 +1,19 @@
 #include "HostObjects.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
+#include <iterator>
 #include <new>
+#include <system_error>
 #include <utility>
 
-#include "vexa/InvalidArgumentException.h"
+namespace {
+
+// Whether a run that begins at `first`, and not before `run`, overlaps it or goes on where it ends.
+bool continues(const std::pair<const int64_t, int64_t>& run, int64_t first) { return first - 1 <= run.second; }
+
+}  // namespace
 
 void ThreadMutex_s::lock() {
     std::unique_lock<std::mutex> lock(m_guard);
@@ -45,25 +53,44 @@ std::vector<vexa::standin::Argument> ArgList_s::all() const {
     return m_arguments;
 }
 
-bool Set_s::insert(int64_t first, int64_t last) {
-    const std::lock_guard<std::mutex> lock(m_guard);
-    try {
-        m_members.insert(first, last);
-        return true;
-    } catch (const vexa::InvalidArgumentException&) {
-        return false;
+Set_s::Set_s(const vexa::toolbox::Set& members) {
+    const std::string text = members.toString();
+    const char* const end = text.data() + text.size();
+    const auto read = [end](const char*& at, int64_t& number) {
+        const std::from_chars_result result = std::from_chars(at + 1, end, number);  // behind a bracket, comma or dash
+        at = result.ptr;
+        return result.ec == std::errc();
+    };
+    int64_t first = 0;
+    for (const char* at = text.data(); read(at, first);) {
+        int64_t last = first;
+        if (*at == '-') read(at, last);
+        insert(first, last);
     }
 }
 
-bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last) const {
-    using Range = vexa::toolbox::Set::Range;
+bool Set_s::insert(int64_t first, int64_t last) {
+    if (first < 0 || last < first) return false;
     const std::lock_guard<std::mutex> lock(m_guard);
-    const std::vector<Range>& ranges = m_members.ranges();
-    const auto found = std::lower_bound(ranges.begin(), ranges.end(), from,
-                                        [](const Range& range, int64_t member) { return range.last < member; });
-    if (found == ranges.end()) return false;
+    auto run = m_runs.try_emplace(first, last).first;
+    run->second = std::max(run->second, last);
+    if (run != m_runs.begin() && continues(*std::prev(run), first)) {
+        std::prev(run)->second = std::max(std::prev(run)->second, run->second);
+        run = std::prev(m_runs.erase(run));
+    }
+    for (auto next = std::next(run); next != m_runs.end() && continues(*run, next->first); next = m_runs.erase(next)) {
+        run->second = std::max(run->second, next->second);
+    }
+    return true;
+}
+
+bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last) const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    auto found = m_runs.upper_bound(from);
+    if (found != m_runs.begin() && std::prev(found)->second >= from) --found;
+    if (found == m_runs.end()) return false;
     first = found->first;
-    last = found->last;
+    last = found->second;
     return true;
 }
 

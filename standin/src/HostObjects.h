@@ -6,11 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -64,8 +64,8 @@ private:
 struct Set_s {
 public:
     Set_s() = default;
-    /// Holds \p members.
-    explicit Set_s(vexa::toolbox::Set members) : m_members(std::move(members)) {}
+    /// Holds \p members, read from their text form: the class libraries may be the host maker's own.
+    explicit Set_s(const vexa::toolbox::Set& members);
 
     /// Adds the members \p first to \p last.
     /// \return false when the range is refused.
@@ -75,7 +75,7 @@ public:
 
 private:
     mutable std::mutex m_guard;
-    vexa::toolbox::Set m_members;
+    std::map<int64_t, int64_t> m_runs;  // the last member of each run by its first; runs are disjoint, never adjacent
 };
 
 namespace vexa::standin {

@@ -83,7 +83,6 @@ public:
     /// Keeps \p message.
     explicit LoadError(const std::string& message);
     LoadError(const LoadError&) = default;
-    LoadError& operator=(const LoadError&) = default;
     ~LoadError() override;
 };
 
