@@ -14,6 +14,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "CallInProgress.h"
 #include "CallText.h"
 #include "HostFunction.h"
 #include "HostState.h"
@@ -121,9 +122,10 @@ std::size_t numberOf(const HostState&, Number) {
 template <HostFunction function, class Action, class... Arguments>
 std::invoke_result_t<Action, HostState&> answer(const Action& action, const Arguments&... arguments) {
     using Result = std::invoke_result_t<Action, HostState&>;
-    HostState* const host = HostState::current();
-    if (host == nullptr) return refusal<Result>();
     const Whereabouts backInHost(false);
+    const CallInProgress inProgress;
+    HostState* const host = inProgress.host();
+    if (host == nullptr) return refusal<Result>();
     if (host->isLeftAlone()) {
         host->countUnnumbered(function);
         return act(action, *host);

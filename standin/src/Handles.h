@@ -53,6 +53,13 @@ public:
         return m_entries.count(handle) == 0 && std::find(m_removed.begin(), m_removed.end(), handle) != m_removed.end();
     }
 
+    /// Calls \p act, which must not come back here, with each living object.
+    template <class Action>
+    void forEach(const Action& act) const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        for (const auto& [handle, entry] : m_entries) act(*entry.object);
+    }
+
 private:
     struct Entry {
         std::shared_ptr<Object> object;

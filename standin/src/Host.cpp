@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "CallInProgress.h"
 #include "HostState.h"
 #include "Whereabouts.h"
 #include "vexa/InvalidArgumentException.h"
@@ -174,11 +175,19 @@ void HostState::setStyle(const std::vector<std::string>& path, const StyleTree::
     }
 }
 
+void HostState::endWaiting() {
+    lock.endWaiting();
+    mutexes.forEach([](ThreadMutex_s& mutex) { mutex.endWaiting(); });
+}
+
 LoadError::LoadError(const std::string& message) : ExceptionBase(message, false) {}
 
 LoadError::~LoadError() = default;
 
-Host::Host() : m_state(std::make_unique<HostState>(*this)) { enterLiving(*m_state); }
+Host::Host() : m_state(std::make_unique<HostState>(*this)) {
+    prepareForCalls();
+    enterLiving(*m_state);
+}
 
 Host::~Host() {
     try {
@@ -186,6 +195,8 @@ Host::~Host() {
     } catch (...) {  // no memory for what there is to tell; what is still loaded goes with the state
     }
     leaveLiving(*m_state);
+    m_state->endWaiting();
+    waitForCallsOf(*m_state);
 }
 
 Host* Host::current() {

@@ -7,7 +7,8 @@ namespace vexa::standin {
 
 void HostLock::start(const AddOnList_s* identity) {
     std::unique_lock<std::mutex> lock(m_guard);
-    m_free.wait(lock, [this] { return m_holds.empty() || isMine(); });
+    m_free.wait(lock, [this] { return m_hasEnded || m_holds.empty() || isMine(); });
+    if (m_hasEnded) return;
     m_holds.push_back(identity);
     m_owner = std::this_thread::get_id();
 }
@@ -33,6 +34,12 @@ std::size_t HostLock::releaseDownTo(std::size_t depth) {
     m_holds.resize(depth);
     passOnWhenFree();
     return tooOften;
+}
+
+void HostLock::endWaiting() {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_hasEnded = true;
+    m_free.notify_all();
 }
 
 void HostLock::passOnWhenFree() {

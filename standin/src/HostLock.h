@@ -26,6 +26,9 @@ public:
     /// \return how often that was too often.
     std::size_t releaseDownTo(std::size_t depth);
 
+    /// Ends its use: who waits for it, or asks for it from now on, goes on without it.
+    void endWaiting();
+
 private:
     bool isMine() const { return m_owner == std::this_thread::get_id(); }
     void passOnWhenFree();
@@ -34,6 +37,7 @@ private:
     std::condition_variable m_free;
     std::thread::id m_owner;  // no thread's id while the lock is free
     std::vector<const AddOnList_s*> m_holds;
+    bool m_hasEnded = false;
 };
 
 }  // namespace vexa::standin

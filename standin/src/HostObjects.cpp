@@ -38,6 +38,13 @@ bool ThreadMutex_s::close() {
     return true;
 }
 
+void ThreadMutex_s::endWaiting() {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_isClosed = true;
+    m_owner = std::thread::id();
+    m_changed.notify_all();
+}
+
 void ArgList_s::append(std::string name, vexa::standin::ArgumentValue value) {
     const std::lock_guard<std::mutex> lock(m_guard);
     m_arguments.push_back({std::move(name), std::move(value)});

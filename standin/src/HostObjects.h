@@ -27,6 +27,8 @@ public:
     /// Ends its use: who still waits for it goes on without it.
     /// \return false, with nothing done, when it is held or its use has ended before.
     bool close();
+    /// Ends its use although it may be held: who waits for it, or asks for it from now on, goes on without it.
+    void endWaiting();
 
 private:
     std::mutex m_guard;

@@ -121,6 +121,9 @@ struct HostState {
     Handles<Set_s> sets;
     Handles<HostString, char> strings;
 
+    /// Lets go on who waits in a call of a host that ends: nobody may be there to end the wait.
+    void endWaiting();
+
     Handles<Set_s> styleSets;  ///< the host's own, which add-ons may read
 
     Contract contract{threads, strings, [this](const Finding& finding) {

@@ -103,15 +103,17 @@ public:
 ///
 /// Ownership: the host owns its add-ons; it shuts them down and unloads them when it is destroyed, the last loaded
 ///            first. What they allocated from it and did not release is released then.
-/// Threads:   the C functions may be called from any thread. Hosts are constructed, destroyed and told to load, run
-///            and unload from one thread, while no other thread is inside a C function.
+/// Threads:   the C functions may be called from any thread, also while a host ends. Hosts are constructed, destroyed
+///            and told to load, run and unload from one thread, and not from within a C function of the same host.
 class VEXASTANDIN_API Host {
 public:
     /// Becomes the process's host. Nothing is active: no recording, no playback, no batch mode.
     Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
-    /// Unloads the add-ons, and brings back the host before.
+    /// Unloads the add-ons, brings back the host before, and waits for the calls that other threads still make of this
+    /// one: what shows a dialog or the status line must return. A thread that waits for the lock or for a mutex of the
+    /// host goes on without it.
     ~Host();
 
     /// The process's host; null when none is alive.
