@@ -36,6 +36,8 @@ VexaBoolean append(ArgList_s* list, const char* name, Value value) {
 
 #pragma GCC visibility push(default)
 
+extern "C" {
+
 ArgList_s* VexaUtilArgListAlloc() { return new (std::nothrow) ArgList_s; }
 
 void VexaUtilArgListDealloc(ArgList_s** argList) {
@@ -77,5 +79,7 @@ GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList) {
     }
     return *last == "Count" ? GetValueReturnCode_OtherType : GetValueReturnCode_UnknownPath;
 }
+
+}  // extern "C"
 
 #pragma GCC visibility pop

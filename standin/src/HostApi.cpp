@@ -62,6 +62,10 @@ void changeStatus(HostState& host, const Change& change) {
 
 using namespace vexa::standin;
 
+// Without this a parameter that differs from the header's would make another function, and the header's would be
+// missing.
+extern "C" {
+
 void VexaUtilLockStart(AddOnList_s* addOnId) {
     answer<HostFunction::VexaUtilLockStart>([=](HostState& host) { host.lock.start(addOnId); }, addOnId);
 }
@@ -295,3 +299,5 @@ VexaBoolean VexaUtilSetNextRange(const Set_s* set, int64_t from, int64_t* first,
         },
         set, from, first, last);
 }
+
+}  // extern "C"
