@@ -38,10 +38,14 @@ std::string textOf(const Finding& finding) {
 
 void Findings::add(Finding finding) {
     if (isSuppressed(finding.rule)) return;
-    Tally& tally = m_tallies[{finding.rule, finding.addOnId}];
     m_new.push_back(finding);
+    keep(std::move(finding));
+}
+
+void Findings::keep(Finding finding) {
+    Tally& tally = m_tallies[{finding.rule, finding.addOnId}];
     if (tally.kept == kMostKept) {
-        ++m_kept[tally.last].repeats;
+        m_kept[tally.last].repeats += 1 + finding.repeats;
         return;
     }
     m_kept.push_back(std::move(finding));
@@ -61,8 +65,10 @@ void Findings::add(const char* rule, std::string message, const Moment& seen, co
 }
 
 void Findings::rename(const std::string& before, const std::string& addOnId) {
-    for (Finding& finding : m_kept) {
+    m_tallies.clear();
+    for (Finding& finding : std::exchange(m_kept, {})) {
         if (finding.addOnId == before) finding.addOnId = addOnId;
+        keep(std::move(finding));
     }
 }
 

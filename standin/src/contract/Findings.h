@@ -19,7 +19,7 @@ public:
     /// Adds a finding about what is seen at \p seen, and whose other place, if any, is \p opened.
     void add(const char* rule, std::string message, const Moment& seen, const Moment* opened = nullptr,
              std::size_t count = 1);
-    /// Gives an add-on that was known by \p before its id.
+    /// Gives an add-on that was known by \p before its id. Its findings count together with those that the id has.
     void rename(const std::string& before, const std::string& addOnId);
 
     void suppress(const Rule& rule);
@@ -39,6 +39,7 @@ private:
         bool isUsed = false;
     };
 
+    void keep(Finding finding);
     bool isSuppressed(const std::string& rule);
 
     std::vector<Finding> m_kept;
