@@ -29,6 +29,7 @@ using vexautilutil::AsciiFile;
 
 constexpr char COMMENT_token = '#';
 constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kWhiteSpace = " \t\v\f\r";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kStandardInput = "-";
 constexpr std::string_view kNul("\0", 1);
@@ -94,7 +95,8 @@ private:
         const std::string& addOnId = words.addOnId;
         if (m_addOnIds.count(addOnId) == 0)
             return refuse(lineNumber, "no add-on '" + shortText(addOnId) + "' is loaded");
-        if (words.text.empty()) return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
+        if (words.text.find_first_not_of(kWhiteSpace) == std::string::npos)
+            return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
         m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text)});
     }
 

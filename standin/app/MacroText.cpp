@@ -22,23 +22,15 @@ std::string asComments(std::string_view data) {
     return comments + '\n';
 }
 
-// The host takes any text for the journal: one with line breaks, or of blanks, too, which is no command of a macro
-// file.
-bool fitsOneLine(const standin::JournalEntry& entry) {
-    return !entry.addOnId.empty() && entry.command.find_first_not_of(" \t") != std::string::npos &&
-           entry.command.find_first_of("\r\n") == std::string::npos;
-}
-
-std::string commandText(const standin::JournalEntry& entry) {
-    const std::string text = entry.addOnId + ' ' + entry.command;
-    return fitsOneLine(entry) ? text + '\n' : "# No macro command:\n" + asComments(text);
+// The host takes only commands that such a line gives back.
+template <class Command>
+std::string lineOf(const Command& command) {
+    return command.addOnId + ' ' + command.command + '\n';
 }
 
 }  // namespace
 
-std::string recordingLine(const standin::RecordedCommand& recorded) {
-    return recorded.addOnId + ' ' + recorded.command + '\n';
-}
+std::string recordingLine(const standin::RecordedCommand& recorded) { return lineOf(recorded); }
 
 std::string recordingText(const std::vector<standin::RecordedCommand>& commands) {
     std::string text = "# Macro commands as the add-ons recorded them. vexa-standin runs this file.\n";
@@ -47,7 +39,7 @@ std::string recordingText(const std::vector<standin::RecordedCommand>& commands)
 }
 
 std::string journalLines(const standin::JournalEntry& entry) {
-    return commandText(entry) + (entry.journalData ? asComments(*entry.journalData) : "");
+    return lineOf(entry) + (entry.journalData ? asComments(*entry.journalData) : "");
 }
 
 std::string journalText(const std::vector<standin::JournalEntry>& entries) {

@@ -18,8 +18,6 @@ std::string recordingLine(const standin::RecordedCommand& recorded);
 ///     STATS LOAD FILE = 'wake.txt'
 ///     #   rows=128
 ///     #   columns=3
-///
-/// A command that does not fit one line of a macro file becomes a comment, too.
 std::string journalText(const std::vector<standin::JournalEntry>& entries);
 
 /// What journalText() has of one entry, after its head.

@@ -49,6 +49,10 @@ VexaBoolean append(HostState& host, const ArgList_s* argList, const char* name, 
     return 1;
 }
 
+bool canBeReadBack(const char* addOnId, const char* command) {
+    return addOnId != nullptr && command != nullptr && whyNoMacroLine(addOnId, command).empty();
+}
+
 // Has a change of the status line shown. Nobody is told to stop for want of memory: the change is left out then.
 template <class Change>
 void changeStatus(HostState& host, const Change& change) {
@@ -174,10 +178,7 @@ VexaBoolean VexaUtilStateIsProcessingLayout() {
 VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* command) {
     return answer<HostFunction::VexaUtilMacroRecordExtCommand>(
         [=](HostState& host) -> VexaBoolean {
-            // A macro line is the id, a blank and the command: what would not be read back so is not recorded.
-            const bool fitsOneLine =
-                !isNullOrEmpty(addOnId) && !hasWhiteSpace(addOnId) && !isNullOrEmpty(command) && !hasLineBreak(command);
-            if (!fitsOneLine || !host.isRecording) return 0;
+            if (!host.isRecording || !canBeReadBack(addOnId, command)) return 0;
             const auto function = HostFunction::VexaUtilMacroRecordExtCommand;
             const RecordedCommand recorded{addOnId, command, host.contract.placeNow(host.progress->calls, function)};
             host.recorded.append(recorded);
@@ -190,7 +191,7 @@ VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* comma
 VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* command, const char* journalData) {
     return answer<HostFunction::VexaUtilDataSetAddJournalCommand>(
         [=](HostState& host) -> VexaBoolean {
-            if (addOnId == nullptr || command == nullptr) return 0;
+            if (!canBeReadBack(addOnId, command)) return 0;
             JournalEntry entry{addOnId, command, std::nullopt};
             if (journalData != nullptr) entry.journalData = journalData;
             host.journal.append(entry);

@@ -75,7 +75,7 @@ TEST_F(OutputFile, HoldsTheJournalWithItsDataAsComments) {
 }
 
 TEST_F(OutputFile, HoldsTheJournalAsAMacroFile) {
-    runMacro("ONE JOURNAL a\nONE JOURNALDATA b|ONE FAIL c\nONE JOURNAL d|ONE FAIL e\n", {"--journal", "j1.macro"});
+    runMacro("ONE JOURNAL a\nONE JOURNALDATA b|ONE FAIL c\n", {"--journal", "j1.macro"});
     const ProgramResult second =
         runProgram(runner({"run", "j1.macro", "--addon", ADDON_ONE, "--verbose", "--journal", "j2.macro"}));
     EXPECT_EQ(second.status, 0);
@@ -83,8 +83,6 @@ TEST_F(OutputFile, HoldsTheJournalAsAMacroFile) {
               "j1.macro:2: ONE JOURNAL a\n"
               "j1.macro:3: ONE JOURNALDATA\n"
               "2 commands run, 0 failed; 2 journaled in j2.macro\n");
-    EXPECT_NE(read("j1.macro").find("\n# No macro command:\n#   ONE JOURNAL d\n#   ONE FAIL e\n"), std::string::npos)
-        << read("j1.macro");
 }
 
 TEST_F(OutputFile, CannotHoldBothRecordingAndJournal) {

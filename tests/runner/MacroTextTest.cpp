@@ -2,8 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "MacroFile.h"
 #include "support/TemporaryFolder.h"
+#include "vexa/VexaUtil.h"
+#include "vexastandin/Host.h"
 
 namespace vexa::runner {
 namespace {
@@ -22,12 +30,45 @@ TEST(JournalText, IsAMacroFileWhateverTheData) {
     }
 }
 
-TEST(JournalText, IsAMacroFileWhateverTheCommand) {
-    for (const char* command : {"", " ", "\t ", "SAY\ra", "SAY a\r", "SAY\r\na", "\n"}) {
-        const MacroFile macro = readBack({"ONE", command, std::nullopt});
-        EXPECT_TRUE(macro.problems.empty()) << testing::PrintToString(command);
-        EXPECT_TRUE(macro.commands.empty()) << testing::PrintToString(command);
+// Every text of up to `length` of the characters that mean something in a macro file.
+std::vector<std::string> textsUpTo(std::size_t length) {
+    std::vector<std::string> texts = {""};
+    for (std::size_t i = 0; i < texts.size() && texts[i].size() < length; ++i) {
+        for (const char c : std::string_view("a# \t\n\v\f\r'")) texts.push_back(texts[i] + c);
     }
+    return texts;
+}
+
+template <class Command>
+void expectReadBack(const std::string& text, const std::vector<Command>& commands) {
+    std::set<std::string> addOnIds;
+    for (const Command& command : commands) addOnIds.insert(command.addOnId);
+    const tests::TemporaryFolder folder;
+    const MacroFile macro = readMacroFile(folder.write("m.macro", text), addOnIds);
+    EXPECT_EQ(macro.problems, std::vector<std::string>());
+    ASSERT_EQ(macro.commands.size(), commands.size());
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        ASSERT_EQ(macro.commands[i].addOnId, commands[i].addOnId);
+        ASSERT_EQ(macro.commands[i].text, commands[i].command);
+    }
+}
+
+TEST(MacroText, GivesBackEveryCommandThatTheHostTakes) {
+    standin::Host host;
+    host.setKeepsCalls(false);
+    host.setRecording(true);
+    std::size_t accepted = 0;
+    for (const std::string& addOnId : textsUpTo(2)) {
+        for (const std::string& command : textsUpTo(3)) {
+            const VexaBoolean isRecorded = VexaUtilMacroRecordExtCommand(addOnId.c_str(), command.c_str());
+            EXPECT_EQ(VexaUtilDataSetAddJournalCommand(addOnId.c_str(), command.c_str(), command.c_str()), isRecorded);
+            if (isRecorded == 1) ++accepted;
+        }
+    }
+    EXPECT_EQ(host.recordedCommands().size(), accepted);
+    EXPECT_GT(accepted, 1000U);
+    expectReadBack(recordingText(host.recordedCommands()), host.recordedCommands());
+    expectReadBack(journalText(host.journalEntries()), host.journalEntries());
 }
 
 TEST(JournalText, HasALineOfDataForEachOfItsLineEnds) {

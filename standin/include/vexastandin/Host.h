@@ -177,14 +177,15 @@ public:
     /// Whether calls, and the history of the status line, are kept; they are, unless told otherwise. A program that
     /// runs for long keeps none.
     void setKeepsCalls(bool keeps);
-    /// The commands recorded so far, while recording was on. What does not fit a line of a macro file is refused: an
-    /// empty command or one with a line break, an add-on id that is empty or has white space in it.
+    /// The commands recorded so far, while recording was on. What a macro file would not give back as the same command
+    /// is refused, and a finding: a command that is blank, begins with a blank or has a line break in it; an add-on id
+    /// that is empty, has white space in it or begins with `#`.
     std::vector<RecordedCommand> recordedCommands() const;
     /// Forgets the commands recorded so far.
     void clearRecordedCommands();
     /// Has \p keep called with each command as it is recorded, on the calling thread.
     void onRecorded(std::function<void(const RecordedCommand&)> keep);
-    /// The journal so far.
+    /// The journal so far. It refuses the commands that a recording refuses.
     std::vector<JournalEntry> journalEntries() const;
     /// Has \p keep called with each journal entry as it is added, on the calling thread.
     void onJournaled(std::function<void(const JournalEntry&)> keep);

@@ -2,9 +2,12 @@
 /// What the contract makes of each host function. What holds for every argument of a type stands in ArgumentChecks.h.
 #pragma once
 
+#include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "HostFunction.h"
+#include "Text.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/Books.h"
 
@@ -133,9 +136,23 @@ struct Check<HostFunction::VexaUtilStateIsProcessingJournal> : NoCheck {};
 template <>
 struct Check<HostFunction::VexaUtilStateIsProcessingLayout> : NoCheck {};
 template <>
-struct Check<HostFunction::VexaUtilMacroRecordExtCommand> : NoCheck {};
+struct Check<HostFunction::VexaUtilMacroRecordExtCommand> : NoCheck {
+    static void began(Books& books, const Moment& now, const char* addOnId, const char* command) {
+        if (addOnId == nullptr || command == nullptr) return;
+        const std::string_view reason = whyNoMacroLine(addOnId, command);
+        if (reason.empty()) return;
+        books.findings.add("recording-not-replayable",
+                           std::string(nameOf(*now.function)) +
+                               " was given a command that no line of a macro file holds: " + std::string(reason),
+                           now);
+    }
+};
 template <>
-struct Check<HostFunction::VexaUtilDataSetAddJournalCommand> : NoCheck {};
+struct Check<HostFunction::VexaUtilDataSetAddJournalCommand> : NoCheck {
+    static void began(Books& books, const Moment& now, const char* addOnId, const char* command, OptionalText) {
+        Check<HostFunction::VexaUtilMacroRecordExtCommand>::began(books, now, addOnId, command);
+    }
+};
 template <>
 struct Check<HostFunction::VexaUtilDialogErrMsg> : NoCheck {};
 

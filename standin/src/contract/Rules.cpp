@@ -143,7 +143,8 @@ const std::vector<Rule>& rules() {
          "Look at the last host call and at the command's text: a quote that is never closed, a loop that waits for "
          "more text, and a lock taken twice are the usual causes."},
         {"recording-not-replayable", kEntries, Error,
-         "A recorded command is accepted when it is run, and records the same text again.",
+         "A command that is recorded or journaled fits one line of a macro file; a recorded one is accepted when it is "
+         "run, and records the same text again.",
          "The user's macro fails, or does something else, when it is played back.",
          "Record what the command model writes of itself, all options with their values quoted as they are read."},
     };

@@ -416,6 +416,9 @@ const Behaviour behaviours[] = {
     {"recording-not-replayable", [] { VexaUtilMacroRecordExtCommand("MISBEHAVING", "no-such-command"); }},
     {"recording-not-replayable-other-text",
      [] { VexaUtilMacroRecordExtCommand("MISBEHAVING", "recording-not-replayable-twin "); }},
+    {"recording-not-replayable-blank", [] { VexaUtilMacroRecordExtCommand("MISBEHAVING", "\t"); }},
+    {"recording-not-replayable-journal",
+     [] { VexaUtilDataSetAddJournalCommand("MISBEHAVING", "one\nANOTHER two", "its data"); }},
     {"recording-not-replayable-twin",
      [] { VexaUtilMacroRecordExtCommand("MISBEHAVING", "recording-not-replayable-twin"); }},
 };
