@@ -53,6 +53,7 @@ bool addProjectFile(ContractOptions& options) {
     if (path.empty()) return true;
     try {
         const ContractOptions project = readProjectFile(path);
+        options.projectFile = path;
         if (!options.strict) options.strict = project.strict;
         if (!options.warningsAsErrors) options.warningsAsErrors = project.warningsAsErrors;
         if (!options.timeout) options.timeout = project.timeout;

@@ -16,6 +16,7 @@ struct ContractOptions {
     std::vector<std::string> suppressed;                   ///< rules whose breaches pass
     std::optional<std::chrono::duration<double>> timeout;  ///< how long a command may take
     bool ignoresProjectFile = false;                       ///< whether the project file is not looked for
+    std::optional<std::string> projectFile;                ///< the project file that was read
 
     /// Whether breaches count. They do when warnings are to count as errors, unless somebody said otherwise.
     bool isStrict() const { return strict.value_or(warningsAsErrors.value_or(false)); }

@@ -1,6 +1,5 @@
 #include "LiveFile.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,21 +8,12 @@
 
 #include "Descriptor.h"
 #include "OutputTarget.h"
+#include "StandardStreams.h"
 
 namespace vexa::runner {
-namespace {
 
-constexpr mode_t kNewFile = 0666;
-
-int opened(const std::string& path) {
-    const int descriptor = open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kNewFile);
-    if (descriptor < 0) refuseOutput(path);
-    return descriptor;
-}
-
-}  // namespace
-
-LiveFile::LiveFile(const std::string& path) : m_path(path), m_descriptor(opened(path)) {}
+LiveFile::LiveFile(const std::string& path)
+    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openOutput(path)) {}
 
 LiveFile::~LiveFile() {
     if (m_descriptor >= 0) ::close(m_descriptor);

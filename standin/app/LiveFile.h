@@ -16,6 +16,7 @@ namespace vexa::runner {
 /// Threads: one uses it at a time.
 class LiveFile {
 public:
+    /// Opens \p path as openOutput() does.
     explicit LiveFile(const std::string& path);
     /// Takes over \p descriptor, which is called \p name.
     LiveFile(const std::string& name, int descriptor) : m_path(name), m_descriptor(descriptor) {}

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -24,6 +25,7 @@
 #include "RunNotes.h"
 #include "Screen.h"
 #include "Seconds.h"
+#include "StandardStreams.h"
 #include "StopButton.h"
 #include "StyleFile.h"
 #include "Terminal.h"
@@ -83,10 +85,13 @@ public:
     ExitStatus_e execute() { return finish(runToEnd()); }
 
 private:
-    // Results on the standard output may come between, in the same terminal.
+    // An output on the standard output may come between, in the same terminal.
     bool drawsStatus() const {
-        const bool showsResults = m_options.json == "-";
-        return !m_options.batch && !showsResults && isTerminal(STDERR_FILENO);
+        const auto isShown = [](const auto& output) { return output && isStandardOutput(*output); };
+        const TraceOptions& trace = m_options.trace;
+        const auto outputs = {m_options.json, m_options.record, m_options.journal, trace.events, trace.text};
+        const bool showsOutput = std::any_of(outputs.begin(), outputs.end(), isShown);
+        return !m_options.batch && !showsOutput && isTerminal(STDERR_FILENO);
     }
 
     ExitStatus_e finish(ExitStatus_e status) {
@@ -120,7 +125,7 @@ private:
 
     bool openOutputs() {
         try {
-            m_traces.open(m_options.trace, filesOf(m_options));
+            m_traces.open(m_options.trace);
         } catch (const OutputError& error) {
             tell(error.what());
             return false;
@@ -332,15 +337,6 @@ private:
 };
 
 }  // namespace
-
-std::vector<std::string> filesOf(const RunOptions& options) {
-    std::vector<std::string> files = options.addOns;
-    files.push_back(options.macroFile);
-    for (const auto& file : {options.record, options.journal, options.style}) {
-        if (file) files.push_back(*file);
-    }
-    return files;
-}
 
 ExitStatus_e runMacro(const RunOptions& options, ProcessBox& box, NotesInterface& notes) {
     return MacroRun(options, box, notes).execute();

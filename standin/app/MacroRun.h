@@ -28,9 +28,6 @@ struct RunOptions {
     bool inProcess = false;              ///< run in this process, for a debugger
 };
 
-/// The files that a run reads or writes, beside its traces and results.
-std::vector<std::string> filesOf(const RunOptions& options);
-
 /// Runs a macro file in this process, as \p options say. Ends the process when a command takes longer than it may.
 /// \param box   gets what the add-ons do.
 /// \param notes get what is to be kept: the recording, the journal and the results.

@@ -1,15 +1,20 @@
 #include "OutputTarget.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 
+#include "StandardStreams.h"
+
 namespace vexa::runner {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr mode_t kNewFile = 0666;
 
 std::string resolved(const std::string& path) {
     fs::path file(path);
@@ -18,12 +23,14 @@ std::string resolved(const std::string& path) {
     return fs::canonical(folder) / file.filename();
 }
 
-// An output may not be there yet; then its name is all there is to compare.
-bool isSameFile(const std::string& output, const std::string& other) {
-    std::error_code error;
-    if (fs::equivalent(output, other, error)) return true;
-    const fs::path path = fs::weakly_canonical(fs::absolute(other, error), error);
-    return !error && path == outputTarget(output);
+bool isStream(mode_t mode) { return S_ISFIFO(mode) || S_ISCHR(mode); }
+
+// Opening a pipe that nobody reads would wait for a reader for ever.
+int openedStream(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0 && errno == ENXIO) refuseOutput(path, "nobody reads it");
+    if (descriptor < 0 || fcntl(descriptor, F_SETFL, 0) != 0) refuseOutput(path);
+    return descriptor;
 }
 
 }  // namespace
@@ -49,10 +56,17 @@ std::string outputTarget(const std::string& path) {
     }
 }
 
-void refuseTaken(const std::string& output, const std::vector<std::string>& taken) {
-    for (const std::string& file : taken) {
-        if (isSameFile(output, file)) refuseOutput(output, "the run uses it as " + file + ", too");
-    }
+bool isStream(const std::string& path) {
+    struct stat status {};
+    return isStandardOutput(path) || (stat(path.c_str(), &status) == 0 && isStream(status.st_mode));
+}
+
+int openOutput(const std::string& path) {
+    if (isStandardOutput(path)) return takeStandardOutput();
+    if (isStream(path)) return openedStream(path);
+    const int descriptor = open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kNewFile);
+    if (descriptor < 0) refuseOutput(path);
+    return descriptor;
 }
 
 }  // namespace vexa::runner

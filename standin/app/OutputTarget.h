@@ -2,8 +2,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <system_error>
-#include <vector>
 
 namespace vexa::runner {
 
@@ -23,7 +21,13 @@ public:
 /// \throws OutputError when its folder is missing, and for what exists and is no regular file that may be written.
 std::string outputTarget(const std::string& path);
 
-/// \throws OutputError when \p output is one of the files \p taken, whatever they are called.
-void refuseTaken(const std::string& output, const std::vector<std::string>& taken);
+/// Whether \p path is written to as it is: the standard output, a pipe or a device of characters.
+bool isStream(const std::string& path);
+
+/// Opens \p path for writing. A regular file is emptied, or made; a stream is opened as it is. `-` is the standard
+/// output, which the caller has alone then, as takeStandardOutput() says.
+/// \return a descriptor. The caller closes it.
+/// \throws OutputError, also for a pipe that nobody reads.
+int openOutput(const std::string& path);
 
 }  // namespace vexa::runner

@@ -1,9 +1,5 @@
 #include "ResultsFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -16,14 +12,6 @@ namespace vexa::runner {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// The add-ons' prints go to the standard error output from now on. Returns where the standard output is now.
-int takeStandardOutput() {
-    std::fflush(stdout);
-    const int descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    if (descriptor < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput("<stdout>");
-    return descriptor;
-}
 
 std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
@@ -54,12 +42,6 @@ Json endRecord(ExitStatus_e status, const std::string& macroFile, Json findings)
 }
 
 }  // namespace
-
-std::unique_ptr<LiveFile> openResultsFile(const std::string& path, const std::vector<std::string>& taken) {
-    if (path == "-") return std::make_unique<LiveFile>("<stdout>", takeStandardOutput());
-    refuseTaken(path, taken);
-    return std::make_unique<LiveFile>(path);
-}
 
 void Results::add(const CommandOutcome& outcome, const standin::Host& host) {
     if (m_notes != nullptr) m_notes->tell(kResultNote, lineOf(commandRecord(outcome, newFindings(host, m_findings))));

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "ExitStatus.h"
 #include "LiveFile.h"
@@ -21,11 +20,6 @@ struct CommandOutcome {
     std::string error;  ///< empty when it was accepted
     double seconds = 0;
 };
-
-/// Opens a file for results. `-` is the standard output; what else is printed there goes to the standard error output
-/// then.
-/// \throws OutputError, also when \p path is one of the files \p taken.
-std::unique_ptr<LiveFile> openResultsFile(const std::string& path, const std::vector<std::string>& taken);
 
 /// The results of a run for other programs: a JSON object a line, one for each command, and a last one for the end.
 /// Each is told as soon as it is known. docs/testing.md describes them.

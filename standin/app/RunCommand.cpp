@@ -8,6 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "Console.h"
+#include "OutputTarget.h"
+#include "RunFiles.h"
 #include "WatchedRun.h"
 #include "many/ManyRuns.h"
 
@@ -82,9 +85,29 @@ void completeFacts(RunOptions& options) {
     facts.suppressed = options.contract.suppressed;
 }
 
+// Whether no output would take the place of an input, or of another output.
+bool areFilesApart(const RunRequest& request) {
+    const RunOptions& options = request.options;
+    RunFiles files;
+    files.read(request.macroFiles);
+    files.read(options.addOns);
+    files.read(options.style);
+    files.read(options.contract.projectFile);
+    try {
+        for (const auto& output : {options.record, options.journal, options.trace.events, options.trace.text}) {
+            files.write(output);
+        }
+        files.write(options.json);
+        return true;
+    } catch (const OutputError& error) {
+        tell(error.what());
+        return false;
+    }
+}
+
 ExitStatus_e run(RunRequest& request) {
     RunOptions& options = request.options;
-    if (!addProjectFile(options.contract)) return ExitStatus_e::BadUsageOrInput;
+    if (!addProjectFile(options.contract) || !areFilesApart(request)) return ExitStatus_e::BadUsageOrInput;
     if (request.macroFiles.size() > 1) return runMacros(options, request.macroFiles, request.jobs);
     options.macroFile = request.macroFiles.front();
     completeFacts(options);

@@ -7,10 +7,8 @@
 namespace vexa::runner {
 
 void RunOutputs::open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile) {
-    if (recordFile) m_record.emplace(Output{AtomicFile(*recordFile), recordingText({}), "recorded"});
-    if (journalFile) m_journal.emplace(Output{AtomicFile(*journalFile), journalText({}), "journaled"});
-    const bool same = m_record && m_journal && m_record->file.target() == m_journal->file.target();
-    if (same) throw OutputError(*journalFile + ": cannot hold both the recording and the journal");
+    if (recordFile) m_record.emplace(*recordFile, recordingText({}), "recorded");
+    if (journalFile) m_journal.emplace(*journalFile, journalText({}), "journaled");
 }
 
 void RunOutputs::tell(char kind, std::string_view text) {
@@ -40,7 +38,7 @@ bool RunOutputs::writeWhatIsLeft() {
 bool RunOutputs::write(std::string& summary) {
     m_isLeft = false;
     bool written = true;
-    for (const auto* output : {&m_record, &m_journal}) {
+    for (auto* output : {&m_record, &m_journal}) {
         if (!*output) continue;
         try {
             (*output)->file.replace((*output)->text);

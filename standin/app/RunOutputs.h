@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "AtomicFile.h"
+#include "WholeOutput.h"
 #include "watch/Notes.h"
 
 namespace vexa::runner {
@@ -37,7 +37,9 @@ public:
 private:
     /// A file, and what it is to hold.
     struct Output {
-        AtomicFile file;
+        Output(const std::string& path, std::string head, const char* itsHow)
+            : file(path), text(std::move(head)), how(itsHow) {}
+        WholeOutput file;
         std::string text;  // its head, and what came
         const char* how;   // what is done with what comes
         std::size_t count = 0;

@@ -34,12 +34,7 @@ bool endedForWantOfReaders(const ProcessOutcome& outcome) {
 }
 
 std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
-    if (!options.json) return nullptr;
-    std::vector<std::string> taken = filesOf(options);
-    for (const auto& trace : {options.trace.events, options.trace.text}) {
-        if (trace) taken.push_back(*trace);
-    }
-    return openResultsFile(*options.json, taken);
+    return options.json ? std::make_unique<LiveFile>(*options.json) : nullptr;
 }
 
 // The one run of a program, which prints where the program does.

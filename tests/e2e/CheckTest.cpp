@@ -98,7 +98,7 @@ TEST_F(Check, RefusesWrongUsageAndInput) {
         {"a missing macro", {addOn, "--macro", "gone.macro"}, "gone.macro: cannot be read"},
         {"a macro for another add-on", {addOn, "--macro", "wrong.macro"}, "wrong.macro:1: no add-on 'OTHER' is loaded"},
         {"a wrong style file", {addOn, "--style", "style.json"}, "style.json:1:1"},
-        {"one file for two reports", {addOn, "--json", "r", "--sarif", "./r"}, "./r: cannot hold two reports"},
+        {"one file for two reports", {addOn, "--json", "r", "--sarif", "./r"}, "./r: cannot be written: the run uses it as r, too"},
         {"a report that cannot be written",
          {addOn, "--json", "gone/report.json"},
          "gone/report.json: cannot be written"},

@@ -111,15 +111,6 @@ TEST_F(ManyRuns, WriteTheirResultsInTheOrderOfTheFiles) {
     }
 }
 
-TEST_F(ManyRuns, WriteNoResultsOverAMacro) {
-    write("a.macro", "ONE ECHO a\n");
-    write("b.macro", "ONE ECHO b\n");
-    const ProgramResult result = runProgram(runMany({"a.macro", "b.macro", "--json", "b.macro"}));
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "b.macro: cannot be written: the run uses it as b.macro, too\n");
-    EXPECT_EQ(read("b.macro"), "ONE ECHO b\n");
-}
-
 TEST_F(ManyRuns, AreStoppedByCtrlC) {
     write("a.macro", "PROGRESS MAKE a;START Reading;UNTILSTOPPED;FINISH\nPROGRESS SAY never\n");
     write("b.macro", "PROGRESS WAITFOR a;MAKE ready;START Reading;UNTILSTOPPED;FINISH\n");

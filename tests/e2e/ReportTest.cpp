@@ -55,15 +55,6 @@ TEST_F(Report, OfWhatIsNoTraceIsRefused) {
     }
 }
 
-TEST_F(Report, DoesNotReplaceItsTrace) {
-    traceMacro("ONE SAY a\n");
-    const std::string trace = read("t.json");
-    const ProgramResult result = runProgram(runner({"report", "t.json", "-o", "./t.json"}));
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "./t.json: cannot be written: it is the trace\n");
-    EXPECT_EQ(read("t.json"), trace);
-}
-
 TEST_F(Report, ThatCannotBeWrittenIsAnError) {
     traceMacro("ONE SAY a\n");
     const ProgramResult result = runProgram(runner({"report", "t.json", "-o", "gone/r.html"}));

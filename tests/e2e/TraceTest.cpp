@@ -125,7 +125,7 @@ TEST_F(Trace, ThatCannotBeWrittenIsRefusedBeforeAnythingRuns) {
     };
     const Case cases[] = {
         {"folder", "it is no regular file"},
-        {"pipe", "it is no regular file"},
+        {"pipe", "nobody reads it"},
         {"gone/t", "No such file or directory"},
         {"", "No such file or directory"},
     };

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <random>
 #include <set>
 #include <string_view>
@@ -16,7 +17,9 @@
 #include "Console.h"
 #include "MacroFile.h"
 #include "OutputTarget.h"
+#include "RunFiles.h"
 #include "ShellWord.h"
+#include "WholeOutput.h"
 #include "check/CheckReport.h"
 #include "check/CheckTests.h"
 #include "check/ReportFiles.h"
@@ -65,8 +68,10 @@ public:
 private:
     // A report: where it goes, and what makes its text.
     struct ReportFile {
-        std::string path;
-        std::string (*text)(const CheckReport& report);
+        using Text = std::string (*)(const CheckReport& report);
+        ReportFile(const std::string& path, Text textOf) : output(path), text(textOf) {}
+        WholeOutput output;
+        Text text;
     };
 
     bool prepare() { return addProjectFile(m_contract) && isThere() && findReports() && readStyle(); }
@@ -80,15 +85,16 @@ private:
 
     // Looked at now, so that nobody waits for a report that cannot be written.
     bool findReports() {
-        if (m_options.json) m_files.push_back({*m_options.json, jsonText});
-        if (m_options.junit) m_files.push_back({*m_options.junit, junitText});
-        if (m_options.sarif) m_files.push_back({*m_options.sarif, sarifText});
-        std::set<std::string> targets;
+        m_files.read(m_options.addOn);
+        m_files.read(m_options.others);
+        m_files.read(m_options.macros);
+        m_files.read(m_options.style);
+        m_files.read(m_contract.projectFile);
         try {
-            for (const ReportFile& report : m_files) {
-                const bool isNew = targets.insert(outputTarget(report.path)).second;
-                if (!isNew) throw OutputError(report.path + ": cannot hold two reports");
-            }
+            for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
+            if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
+            if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
+            if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
             return true;
         } catch (const OutputError& error) {
             tell(error.what());
@@ -179,7 +185,7 @@ private:
         m_report.tests.push_back(reported);
     }
 
-    std::string reproducingCommand(const TestResult& result) const {
+    std::string reproducingCommand(const TestResult& result) {
         const std::string macro = result.verdict.macro.empty() ? "" : writeMacro(result);
         std::string command = kProgramName;
         command += macro.empty() ? checkAgain(*result.test) : " run " + shellWord(macro) + " --strict --keep-going";
@@ -200,14 +206,16 @@ private:
     }
 
     // Returns where the macro is; empty when it could not be written.
-    std::string writeMacro(const TestResult& result) const {
+    std::string writeMacro(const TestResult& result) {
         const std::string name = std::string("vexa-standin-check-") + result.test->name + ".macro";
         std::string path = (std::filesystem::path(m_options.folder) / name).lexically_normal();
         try {
+            m_files.write(path);
             AtomicFile(path).replace(result.verdict.macro);
             return path;
         } catch (const OutputError& error) {
             tell(error.what());
+            m_isUnwritten = true;
             return "";
         }
     }
@@ -216,13 +224,13 @@ private:
         const bool written = writeReports();
         const bool passed = isPassed(m_report);
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
-        if (!written) return ExitStatus_e::BadUsageOrInput;
+        if (!written || m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
         return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
     }
 
     bool writeReports() {
         try {
-            for (const ReportFile& report : m_files) AtomicFile(report.path).replace(report.text(m_report));
+            for (ReportFile& report : m_reports) report.output.replace(report.text(m_report));
             return true;
         } catch (const OutputError& error) {
             tell(error.what());
@@ -238,7 +246,9 @@ private:
     TestSetting m_setting{m_signals};
     std::set<std::string> m_addOnIds;
     CheckReport m_report;
-    std::vector<ReportFile> m_files;
+    RunFiles m_files;
+    std::list<ReportFile> m_reports;
+    bool m_isUnwritten = false;  // a macro could not be written
 };
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "Console.h"
+#include "LiveFile.h"
 #include "OutputTarget.h"
-#include "ResultsFile.h"
 #include "WatchedRun.h"
 #include "watch/Death.h"
 #include "watch/LastWords.h"
@@ -99,10 +99,7 @@ private:
 
     bool openResults() {
         try {
-            std::vector<std::string> taken = m_options.addOns;
-            taken.insert(taken.end(), m_macroFiles.begin(), m_macroFiles.end());
-            if (m_options.style) taken.push_back(*m_options.style);
-            if (m_options.json) m_results = openResultsFile(*m_options.json, taken);
+            if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
             return true;
         } catch (const OutputError& error) {
             tell(error.what());

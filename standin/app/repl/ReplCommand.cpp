@@ -16,7 +16,9 @@
 #include "FindingTeller.h"
 #include "MacroFile.h"
 #include "MacroText.h"
+#include "OutputTarget.h"
 #include "PlainStatus.h"
+#include "RunFiles.h"
 #include "RunNotes.h"
 #include "RunOutputs.h"
 #include "Screen.h"
@@ -168,7 +170,13 @@ private:
 // The user's side: reads what he types, and keeps the recording.
 class ReplDesk : public ProcessWorkInterface, private NotesInterface {
 public:
-    explicit ReplDesk(const ReplOptions& options) : m_options(options) { m_outputs.open(options.record, std::nullopt); }
+    explicit ReplDesk(const ReplOptions& options) : m_options(options) {
+        RunFiles files;
+        files.read(options.addOns);
+        files.read(options.style);
+        files.write(options.record);
+        m_outputs.open(options.record, std::nullopt);
+    }
 
     ExitStatus_e execute() {
         const AwaitedSignals signals;

@@ -1,13 +1,13 @@
 #include "report/ReportCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <system_error>
 
-#include "AtomicFile.h"
 #include "Console.h"
+#include "OutputTarget.h"
+#include "RunFiles.h"
+#include "WholeOutput.h"
 #include "report/ReportPage.h"
 #include "report/TraceReader.h"
 
@@ -33,12 +33,11 @@ struct ReportOptions {
 
 ExitStatus_e report(const ReportOptions& options) {
     try {
-        std::error_code none;
-        if (std::filesystem::equivalent(options.trace, options.output, none)) {
-            refuseOutput(options.output, "it is the trace");
-        }
+        RunFiles files;
+        files.read(options.trace);
+        files.write(options.output);
         const std::string page = reportPage(readTrace(options.trace));
-        AtomicFile(options.output).replace(page);
+        WholeOutput(options.output).replace(page);
         return ExitStatus_e::AllWell;
     } catch (const TraceError& error) {
         tell(error.what());

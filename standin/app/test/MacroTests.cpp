@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -17,8 +19,10 @@
 #include "AtomicFile.h"
 #include "Console.h"
 #include "OutputTarget.h"
+#include "RunFiles.h"
 #include "StartsWith.h"
 #include "WholeFile.h"
+#include "WholeOutput.h"
 #include "check/JunitText.h"
 #include "test/LineDifference.h"
 #include "test/OwnTranscript.h"
@@ -73,6 +77,8 @@ std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
     return macros;
 }
 
+std::string expectationOf(const std::string& macro) { return fs::path(macro).replace_extension(kExpected).string(); }
+
 constexpr std::chrono::seconds kGrace{1};
 
 struct MacroVerdict {
@@ -99,7 +105,7 @@ private:
     bool prepare() {
         try {
             m_macros = macrosOf(m_options.paths);
-            if (m_options.junit) outputTarget(*m_options.junit);
+            findFiles();
             if (!m_options.style) return true;
             auto style = readStyles(*m_options.style);
             if (style) m_style = std::move(*style);
@@ -110,6 +116,24 @@ private:
             tell(error.what());
         }
         return false;
+    }
+
+    // Makes sure that what is written takes the place of nothing that is read.
+    void findFiles() {
+        RunFiles files;
+        files.read(m_macros);
+        files.read(m_options.addOns);
+        files.read(m_options.style);
+        files.read(m_options.contract.projectFile);
+        std::set<std::string> expectations;  // a macro may be named twice
+        for (const std::string& macro : m_macros) {
+            const std::string expectation = expectationOf(macro);
+            const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
+            if (!isNew) continue;
+            m_options.accepts ? files.write(expectation) : files.read(expectation);
+        }
+        files.write(m_options.junit);
+        if (m_options.junit) m_junit.emplace(*m_options.junit);
     }
 
     std::size_t runWatched() {
@@ -238,7 +262,7 @@ private:
     }
 
     MacroVerdict compared(const std::string& macro, const std::string& transcript) const {
-        const std::string path = fs::path(macro).replace_extension(kExpected).string();
+        const std::string path = expectationOf(macro);
         std::optional<std::string> expected;
         try {
             expected = readWholeFile(path);
@@ -264,10 +288,10 @@ private:
                             verdict.lines});
     }
 
-    bool writeReport() const {
-        if (!m_options.junit) return true;
+    bool writeReport() {
+        if (!m_junit) return true;
         try {
-            AtomicFile(*m_options.junit).replace(junitText("vexa-standin test", {}, m_report));
+            m_junit->replace(junitText("vexa-standin test", {}, m_report));
             return true;
         } catch (const OutputError& error) {
             tell(error.what());
@@ -284,6 +308,7 @@ private:
     bool m_isBroken = false;  // something could not be read, run or written
     bool m_isStopped = false;
     std::vector<JunitCase> m_report;
+    std::optional<WholeOutput> m_junit;
 };
 
 }  // namespace

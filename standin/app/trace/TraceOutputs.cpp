@@ -38,15 +38,12 @@ void addTraceOptions(CLI::App& command, TraceOptions& options) {
     });
 }
 
-void TraceOutputs::open(const TraceOptions& options, const std::vector<std::string>& taken) {
+void TraceOutputs::open(const TraceOptions& options) {
     if (options.events) {
-        refuseTaken(*options.events, taken);
         m_events.emplace(*options.events, options.facts);
         m_tee.add(*m_events);
     }
     if (options.text) {
-        refuseTaken(*options.text, taken);
-        if (options.events) refuseTaken(*options.text, {*options.events});
         m_text.emplace(*options.text);
         m_tee.add(*m_text);
     }

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "ExitStatus.h"
 #include "trace/EventTrace.h"
@@ -29,9 +28,8 @@ void addTraceOptions(CLI::App& command, TraceOptions& options);
 class TraceOutputs {
 public:
     /// Opens what is asked for.
-    /// \param taken the files that the run uses otherwise; no trace may go to one of them.
     /// \throws OutputError when a trace cannot be written.
-    void open(const TraceOptions& options, const std::vector<std::string>& taken);
+    void open(const TraceOptions& options);
     /// Who is to observe the run; null when no trace is asked for.
     standin::ObserverInterface* observer();
     /// Ends the traces; to be called once, when all add-ons are unloaded.
