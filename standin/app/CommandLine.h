@@ -21,6 +21,13 @@ using Action = std::function<ExitStatus_e()>;
 /// Adds the option for add-ons to load, at least one.
 void addAddOnOption(CLI::App& command, std::vector<std::string>& files);
 
+/// For options that name an add-on or a folder: what is wrong with `-`, which names a standard stream. CLI11's form of
+/// a check.
+std::string whyNoStream(const std::string& path);
+
+/// \throws CLI::ValidationError when more than one of \p inputs is the standard input.
+void refuseSecondStandardInput(const std::vector<std::string>& inputs);
+
 /// Adds the option for how many of \p what run at a time: one, unless it is given.
 void addJobsOption(CLI::App& command, std::size_t& jobs, const std::string& what);
 

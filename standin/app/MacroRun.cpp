@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -112,7 +113,15 @@ private:
         if (m_options.contract.isStrict() && written && !m_isStopped) written = replayRecording();
         if (ready) m_findings.tellEnd();
         if (ready && m_options.verbose) tell(m_summary);
-        return written ? statusOfRun() : ExitStatus_e::BadUsageOrInput;
+        return written && isPrinted() ? statusOfRun() : ExitStatus_e::BadUsageOrInput;
+    }
+
+    // What add-ons printed may still lie in the buffer; a full disk shows only now.
+    static bool isPrinted() {
+        if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
+        tell(kProgramName, "the standard output could not be written");
+        std::clearerr(stdout);
+        return false;
     }
 
     ExitStatus_e statusOfRun() const {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 
 #include "StandardStreams.h"
@@ -24,6 +25,19 @@ std::string resolved(const std::string& path) {
 }
 
 bool isStream(mode_t mode) { return S_ISFIFO(mode) || S_ISCHR(mode); }
+
+// What the program and its add-ons print goes to the standard error output from now on. Returns a descriptor for what
+// was the standard output.
+int takeStandardOutput() {
+    std::fflush(stdout);
+    const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+    if (flags < 0) refuseOutput(kStandardOutputName);
+    // The program opens a closed standard output for reading, so that nothing else gets its number.
+    if ((flags & O_ACCMODE) == O_RDONLY) refuseOutput(kStandardOutputName, "it is closed");
+    const int descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (descriptor < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput(kStandardOutputName);
+    return descriptor;
+}
 
 // Opening a pipe that nobody reads would wait for a reader for ever.
 int openedStream(const std::string& path) {

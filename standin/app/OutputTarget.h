@@ -25,9 +25,9 @@ std::string outputTarget(const std::string& path);
 bool isStream(const std::string& path);
 
 /// Opens \p path for writing. A regular file is emptied, or made; a stream is opened as it is. `-` is the standard
-/// output, which the caller has alone then, as takeStandardOutput() says.
+/// output; the caller has it alone then, for what the program and its add-ons print goes to the standard error output.
 /// \return a descriptor. The caller closes it.
-/// \throws OutputError, also for a pipe that nobody reads.
+/// \throws OutputError, also for a pipe that nobody reads, and for a standard output that is closed.
 int openOutput(const std::string& path);
 
 }  // namespace vexa::runner

@@ -122,7 +122,7 @@ std::string findProjectFile() {
     std::error_code ignored;
     for (fs::path folder = fs::current_path(ignored); !folder.empty(); folder = folder.parent_path()) {
         const fs::path file = folder / kFileName;
-        if (fs::is_regular_file(file, ignored)) return file;
+        if (fs::exists(file, ignored) && !fs::is_directory(file, ignored)) return file;
         if (folder == folder.root_path()) break;
     }
     return "";
@@ -130,7 +130,7 @@ std::string findProjectFile() {
 
 ContractOptions readProjectFile(const std::string& path) {
     try {
-        return optionsOf(itemsOf(readWholeFile(path)));
+        return optionsOf(itemsOf(readInput(path)));
     } catch (const std::system_error& error) {
         throw ProjectFileError(path + ": " + error.code().message());
     } catch (const ProjectFileError& error) {

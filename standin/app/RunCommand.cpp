@@ -11,6 +11,7 @@
 #include "Console.h"
 #include "OutputTarget.h"
 #include "RunFiles.h"
+#include "StandardStreams.h"
 #include "WatchedRun.h"
 #include "many/ManyRuns.h"
 
@@ -37,6 +38,9 @@ Project file: vexa-standin.toml, here or in a folder above; options go before it
 Several macro files run each in a process of its own, --jobs of them at a time.
 What they print comes in the order of the files, and then a summary; the exit
 status is the highest of theirs. Ctrl-C stops all.
+
+An output - is the standard output; what the add-ons print goes to the standard
+error output then.
 
 Examples:
   vexa-standin run sweep.macro --addon ./libstats.so --record recorded.macro
@@ -69,7 +73,8 @@ void refuseForSeveral(const RunRequest& request) {
         {"--trace", options.trace.events.has_value()},
         {"--trace-text", options.trace.text.has_value()},
         {"--in-process", options.inProcess},
-        {"MACROFILE -", std::count(request.macroFiles.begin(), request.macroFiles.end(), "-") > 0},
+        {"MACROFILE -", std::count_if(request.macroFiles.begin(), request.macroFiles.end(), isStandardInput) > 0},
+        {"--style -", options.style && isStandardInput(*options.style)},
     };
     for (const auto& [name, isGiven] : given) {
         if (isGiven) throw CLI::ValidationError(name, "goes with one macro file only");
@@ -132,9 +137,7 @@ void addRunCommand(CLI::App& app, Action& chosen) {
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
     addTraceOptions(command, options->trace);
-    command
-        .add_option("--json", options->json, "Write results for programs, a line a command; - is the standard output")
-        ->type_name("FILE");
+    command.add_option("--json", options->json, "Write results for programs, a line a command")->type_name("FILE");
     addJobsOption(command, request->jobs, "macro files");
     command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
     command.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
@@ -142,6 +145,7 @@ void addRunCommand(CLI::App& app, Action& chosen) {
     command.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");
     command.callback([request, &chosen] {
         if (request->macroFiles.size() > 1) refuseForSeveral(*request);
+        refuseSecondStandardInput({request->macroFiles.front(), request->options.style.value_or("")});
         chosen = [request] { return run(*request); };
     });
 }

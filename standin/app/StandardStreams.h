@@ -4,18 +4,18 @@
 
 namespace vexa::runner {
 
-/// What messages call the standard output.
+/// What messages call the standard input and the standard output.
+inline constexpr const char* kStandardInputName = "<stdin>";
 inline constexpr const char* kStandardOutputName = "<stdout>";
 
 /// Whether \p path names the standard input: `-`, `/dev/stdin`, or descriptor 0 in `/dev/fd` or `/proc/self/fd`.
-bool isStandardInput(const std::string& path);
-/// Whether \p path names the standard output, in the same ways.
-bool isStandardOutput(const std::string& path);
+inline bool isStandardInput(const std::string& path) {
+    return path == "-" || path == "/dev/stdin" || path == "/dev/fd/0" || path == "/proc/self/fd/0";
+}
 
-/// Gives the standard output to the caller alone: what the program and its add-ons print goes to the standard error
-/// output from now on.
-/// \return a descriptor for what was the standard output. The caller closes it.
-/// \throws OutputError when the standard output is closed.
-int takeStandardOutput();
+/// Whether \p path names the standard output: `-`, `/dev/stdout`, or descriptor 1 in `/dev/fd` or `/proc/self/fd`.
+inline bool isStandardOutput(const std::string& path) {
+    return path == "-" || path == "/dev/stdout" || path == "/dev/fd/1" || path == "/proc/self/fd/1";
+}
 
 }  // namespace vexa::runner

@@ -17,6 +17,7 @@
 #include "Console.h"
 #include "JsonText.h"
 #include "ShortText.h"
+#include "StandardStreams.h"
 #include "WholeFile.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/toolbox/Set.h"
@@ -289,14 +290,15 @@ std::string placeIn(std::string_view text, std::size_t at) {
 std::vector<StyleSetting> parseStyles(const std::string& text) { return SettingCollector().collect(parseJson(text)); }
 
 std::optional<std::vector<StyleSetting>> readStyles(const std::string& file) {
+    const std::string name = isStandardInput(file) ? kStandardInputName : file;
     std::string text;
     try {
-        text = readWholeFile(file);
+        text = readInput(file);
         return parseStyles(text);
     } catch (const JsonError& error) {
-        tell(file + ':' + placeIn(text, error.at()), error.what());
+        tell(name + ':' + placeIn(text, error.at()), error.what());
     } catch (const std::system_error& error) {
-        tell(file, "cannot be read: " + error.code().message());
+        tell(name, "cannot be read: " + error.code().message());
     }
     return std::nullopt;
 }

@@ -39,7 +39,8 @@ struct StyleSetting {
 /// \throws JsonError
 std::vector<StyleSetting> parseStyles(const std::string& text);
 
-/// Reads a style file, and tells what is wrong with it: "FILE:LINE:COLUMN: reason". Nothing comes of a wrong one.
+/// Reads a style file, `-` for the standard input, and tells what is wrong with it: "FILE:LINE:COLUMN: reason". Nothing
+/// comes of a wrong one.
 std::optional<std::vector<StyleSetting>> readStyles(const std::string& file);
 
 /// Gives \p host settings.

@@ -8,6 +8,11 @@ namespace vexa::runner {
 /// \throws std::system_error when it cannot be read.
 std::string readWholeFile(const std::string& path);
 
+/// The same for a file, a device or a pipe that a process substitution made. `-` is the standard input. A pipe in the
+/// file system is refused: reading it may wait for a writer for ever.
+/// \throws std::system_error when it cannot be read.
+std::string readInput(const std::string& path);
+
 /// The same for the standard input, from where it stands.
 std::string readStandardInput();
 

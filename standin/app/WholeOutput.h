@@ -10,7 +10,7 @@
 namespace vexa::runner {
 
 /// An output that is written as a whole: a file is replaced, and a stream gets all of it at once. `-` is the standard
-/// output, which this has alone from its construction on, as takeStandardOutput() says.
+/// output, which this has alone from its construction on, as openOutput() says.
 /// Errors: OutputError, from construction and replace().
 class WholeOutput {
 public:

@@ -36,10 +36,11 @@ constexpr const char* kFooter = R"(Examples:
 'vexa-standin COMMAND --help' shows the options of a command, examples, and the
 exit statuses.)";
 
-// An output file must not get the number of a closed standard stream: what add-ons print would end up in it.
+// An output file must not get the number of a closed standard stream: what add-ons print would end up in it. What is
+// read from such a stream, or printed to it, fails as before; only messages are lost.
 void keepStandardStreamsTaken() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", O_WRONLY);
+        if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDOUT_FILENO ? O_RDONLY : O_WRONLY);
     }
 }
 

@@ -253,11 +253,5 @@ TEST_F(StyleFile, ThatIsAFolderIsRefused) {
     EXPECT_EQ(runProgram(styleProgram({"A"})).err, "s.json: cannot be read: Is a directory\n");
 }
 
-TEST_F(StyleFile, MayComeThroughAPipe) {
-    const std::string command =
-        "mkfifo s.json && { echo '{\"A\": 1}' > s.json & }; " VEXA_STANDIN " style --style s.json A";
-    EXPECT_EQ(runProgram({{"sh", "-c", command}, folder(), "", false}).out, "integer 1\n");
-}
-
 }  // namespace
 }  // namespace vexa::e2e

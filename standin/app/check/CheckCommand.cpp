@@ -24,7 +24,8 @@ constexpr const char* kCheckFooter = R"(Levels:
 Example:
   vexa-standin check ./libstats.so --macro sweep.macro --level 3
 
-The commands run in the current folder, and write their files there.
+The commands run in the current folder, and write their files there. A report -
+goes to the standard output, and the text to the standard error output then.
 
 Exit status:
   0    passed
@@ -59,9 +60,10 @@ void addCheckCommand(CLI::App& app, Action& chosen) {
     const auto options = std::make_shared<CheckOptions>();
     CLI::App& command = *app.add_subcommand("check", "Test an add-on thoroughly, in processes of their own");
     command.footer(kCheckFooter);
-    command.add_option("FILE.so", options->addOn, "The add-on")->type_name("");
+    const CLI::Validator isNoStream(whyNoStream, "");
+    command.add_option("FILE.so", options->addOn, "The add-on")->check(isNoStream)->type_name("");
     addFiles(command, "--macro", options->macros, "A macro of its commands; may be given more than once");
-    addFiles(command, "--addon", options->others, "A further add-on, which the macros need");
+    addFiles(command, "--addon", options->others, "A further add-on, which the macros need")->check(isNoStream);
     command.add_option("--level", options->level, "How thorough to be, 1 to 3")
         ->check(CLI::Range(1, 3))
         ->type_name("N");
@@ -81,11 +83,15 @@ void addCheckCommand(CLI::App& app, Action& chosen) {
     addTimeoutOption(command, options->contract);
     command.add_flag("--warnings-as-errors", options->contract.warningsAsErrors, "Fail also where tests warn");
     command.add_option("-o,--output-dir", options->folder, "Where macros that show a failure are written; .")
+        ->check(isNoStream)
         ->type_name("FOLDER");
     command.add_flag("--in-process", options->inProcess, "Run the tests in this process, for a debugger");
     const CLI::Option& list = *command.add_flag("--list", "Explain the tests, and run none");
     command.callback([options, &list, &chosen] {
         const bool isList = list.count() > 0;
+        std::vector<std::string> inputs = options->macros;
+        inputs.push_back(options->style.value_or(""));
+        refuseSecondStandardInput(inputs);
         chosen = [options, isList] { return isList ? listTests() : check(*options); };
     });
 }

@@ -61,6 +61,7 @@ void addNewCommand(CLI::App& app, Action& chosen) {
         .add_option("FOLDER", options->folder,
                     "Where it goes; it must be missing, or empty. Its name is that of the CMake target")
         ->required()
+        ->check(CLI::Validator(whyNoStream, ""))
         ->type_name("");
     command.add_option("--id", options->id, "How macros address the add-on; made of the folder's name unless given")
         ->check(CLI::Validator(whyNoId, ""))

@@ -259,7 +259,10 @@ void addReplCommand(CLI::App& app, Action& chosen) {
     addStyleOption(command, options->style);
     command.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
     command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
-    command.callback([options, &chosen] { chosen = [options] { return runRepl(*options); }; });
+    command.callback([options, &chosen] {
+        refuseSecondStandardInput({"-", options->style.value_or("")});
+        chosen = [options] { return runRepl(*options); };
+    });
 }
 
 }  // namespace vexa::runner

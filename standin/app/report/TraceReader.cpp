@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ShortText.h"
+#include "StandardStreams.h"
 #include "WholeFile.h"
 
 namespace vexa::runner {
@@ -194,9 +195,9 @@ private:
     std::vector<std::size_t> m_openEntries;
 };
 
-std::string wholeFile(const std::string& path) {
+std::string textOf(const std::string& file, const std::string& path) {
     try {
-        return readWholeFile(path);
+        return readInput(file);
     } catch (const std::system_error& error) {
         throw TraceError(path + ": cannot be read: " + error.code().message());
     }
@@ -209,8 +210,9 @@ std::string_view withoutComma(std::string_view line) {
 
 }  // namespace
 
-TracedRun readTrace(const std::string& path) {
-    const std::string text = wholeFile(path);
+TracedRun readTrace(const std::string& file) {
+    const std::string path = isStandardInput(file) ? kStandardInputName : file;
+    const std::string text = textOf(file, path);
     RunBuilder builder;
     std::size_t number = 0;
     for (std::size_t at = 0; at < text.size();) {

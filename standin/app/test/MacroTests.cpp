@@ -265,7 +265,7 @@ private:
         const std::string path = expectationOf(macro);
         std::optional<std::string> expected;
         try {
-            expected = readWholeFile(path);
+            expected = readInput(path);
         } catch (const std::system_error& error) {
             if (error.code() != std::errc::no_such_file_or_directory) {
                 refuseOutput(path, "it cannot be read: " + error.code().message());
