@@ -5,6 +5,9 @@
 
 namespace vexa::runner {
 
+// Whatever this program says leaves through these functions, which make it printable(): parts of it come from add-ons,
+// macros and names of files, and must not steer the terminal. What add-ons print themselves is passed on as it is.
+
 /// The program's name, as it stands before messages about nothing in particular.
 inline constexpr const char* kProgramName = "vexa-standin";
 
@@ -21,7 +24,14 @@ void tell(const std::string& place, std::string_view text);
 void tell(std::string_view message);
 
 /// The same for lines that are laid out already.
-void tellLines(const std::string& lines);
+void tellLines(std::string_view lines);
+
+/// The same for lines that a process of this program put on its standard error output: what it said is printable
+/// already, and what its add-ons printed is theirs. They stay as they are.
+void passOn(const std::string& lines);
+
+/// Puts \p text on the standard output.
+void print(std::string_view text);
 
 /// \p text without the blanks and line ends at its end.
 std::string_view withoutTrailingBlanks(std::string_view text);

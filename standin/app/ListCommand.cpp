@@ -2,13 +2,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "AddOns.h"
+#include "Console.h"
 #include "FindingTeller.h"
+#include "Printable.h"
 #include "TextWidth.h"
 
 namespace vexa::runner {
@@ -24,7 +25,11 @@ Exit status:
 constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
 
-std::string titleOf(const standin::AddOnInfo& addOn) { return addOn.title.empty() ? kNoTitle : addOn.title; }
+// What stands in a column is on one line, whatever the add-on says.
+std::string titleOf(const standin::AddOnInfo& addOn) {
+    return addOn.title.empty() ? kNoTitle : printableLine(addOn.title);
+}
+std::string idOf(const standin::AddOnInfo& addOn) { return printableLine(addOn.id); }
 
 std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(width - widthOf(text), ' ');
@@ -34,13 +39,13 @@ std::string tableOf(const std::vector<standin::AddOnInfo>& addOns) {
     std::size_t idWidth = 0;
     std::size_t titleWidth = 0;
     for (const standin::AddOnInfo& addOn : addOns) {
-        idWidth = std::max(idWidth, widthOf(addOn.id));
+        idWidth = std::max(idWidth, widthOf(idOf(addOn)));
         titleWidth = std::max(titleWidth, widthOf(titleOf(addOn)));
     }
     std::string table;
     for (const standin::AddOnInfo& addOn : addOns) {
-        table += padded(addOn.id, idWidth) + kColumnGap + padded(titleOf(addOn), titleWidth) + kColumnGap + addOn.path +
-                 '\n';
+        table += padded(idOf(addOn), idWidth) + kColumnGap + padded(titleOf(addOn), titleWidth) + kColumnGap +
+                 printableLine(addOn.path) + '\n';
     }
     return table;
 }
@@ -49,7 +54,7 @@ ExitStatus_e listAddOns(const std::vector<std::string>& files) {
     standin::Host host;
     host.setKeepsCalls(false);
     const bool allLoaded = loadAddOns(host, files);
-    if (allLoaded) std::fputs(tableOf(host.addOns()).c_str(), stdout);
+    if (allLoaded) print(tableOf(host.addOns()));
     host.unloadAddOns();
     FindingTeller(host).tellNew();
     return allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;

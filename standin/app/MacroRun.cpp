@@ -21,6 +21,7 @@
 #include "MacroText.h"
 #include "OutputTarget.h"
 #include "PlainStatus.h"
+#include "Printable.h"
 #include "Replay.h"
 #include "ResultsFile.h"
 #include "RunNotes.h"

@@ -1,7 +1,6 @@
 #include "StyleCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -72,7 +71,7 @@ ExitStatus_e showStyle(StyleOptions& options) {
         tell(joined(options.path), reasonOf(code, options));
         return ExitStatus_e::BadUsageOrInput;
     }
-    std::printf("%s %s\n", kKindNames[type], value.c_str());
+    print(std::string(kKindNames[type]) + ' ' + value + '\n');
     return ExitStatus_e::AllWell;
 }
 

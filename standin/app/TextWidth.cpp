@@ -6,6 +6,8 @@
 
 #include <locale.h>
 
+#include "Printable.h"
+
 namespace vexa::runner {
 namespace {
 
@@ -45,7 +47,7 @@ Character firstOf(std::string_view text) {
     if (bytes == 0 || bytes > text.size()) return {1, false, 1};  // a NUL, or no character
     const int width = wcwidth(character);
     if (width < 0) return {bytes, false, 1};
-    return {bytes, true, static_cast<std::size_t>(width)};
+    return {bytes, printableLength(text) == bytes, static_cast<std::size_t>(width)};
 }
 
 bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80U; }

@@ -104,7 +104,7 @@ ExitStatus_e guardedMain(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: out of memory\n", kProgramName);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s: unexpected error: %s\n", kProgramName, error.what());
+        tell(kProgramName, std::string("unexpected error: ") + error.what());
     } catch (...) {
         std::fprintf(stderr, "%s: unexpected error\n", kProgramName);
     }

@@ -88,7 +88,7 @@ TEST_F(TextTraceTest, NumbersThreads) {
 
 TEST_F(TextTraceTest, HasALineForATextWithControlCharacters) {
     VexaUtilDialogErrMsg("a\x01\n\x7f\x1f");
-    EXPECT_EQ(finished(), "1  VexaUtilDialogErrMsg(\"a\\x01\\n\\x7f\\x1f\")\n");
+    EXPECT_EQ(finished(), "1  VexaUtilDialogErrMsg(\"a\\x01\\n\\x7F\\x1F\")\n");
 }
 
 TEST_F(TextTraceTest, TellsOfACallThatThrew) {

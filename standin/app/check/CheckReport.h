@@ -36,7 +36,4 @@ bool isPassed(const CheckReport& report);
 /// How often each outcome came: "7 passed, 1 skipped, 2 crashed".
 std::string countsText(const CheckReport& report);
 
-/// \p text such that a terminal shows it: a byte that is no part of printable UTF-8 becomes `\xHH`; line feeds stay.
-std::string printable(const std::string& text);
-
 }  // namespace vexa::runner

@@ -17,6 +17,7 @@
 #include "Console.h"
 #include "MacroFile.h"
 #include "OutputTarget.h"
+#include "Printable.h"
 #include "RunFiles.h"
 #include "ShellWord.h"
 #include "WholeOutput.h"
@@ -55,8 +56,8 @@ public:
     ExitStatus_e execute() {
         if (!prepare()) return ExitStatus_e::BadUsageOrInput;
         configure();
-        std::printf("checking %s, level %d, seed %s\n", m_options.addOn.c_str(), m_options.level,
-                    std::to_string(m_subject.seed).c_str());
+        print("checking " + printableLine(m_options.addOn) + ", level " + std::to_string(m_options.level) + ", seed " +
+              std::to_string(m_subject.seed) + '\n');
         loadFirst();
         if (!readMacros()) return ExitStatus_e::BadUsageOrInput;
         for (const CheckTest& test : checkTests()) {
@@ -179,8 +180,8 @@ private:
         if (isOfInterest) reported.reproduce = reproducingCommand(result);
         std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
                     secondsText(result.duration).c_str());
-        if (!verdict.reason.empty()) std::printf("%s\n", indented(verdict.reason).c_str());
-        if (!reported.reproduce.empty()) std::printf("      reproduce: %s\n", reported.reproduce.c_str());
+        if (!verdict.reason.empty()) print(indented(verdict.reason) + '\n');
+        if (!reported.reproduce.empty()) print("      reproduce: " + reported.reproduce + '\n');
         std::fflush(stdout);
         m_report.tests.push_back(reported);
     }

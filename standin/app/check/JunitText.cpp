@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "check/CheckReport.h"
+#include "Printable.h"
 
 namespace vexa::runner {
 namespace {
@@ -13,11 +13,12 @@ std::string escaped(const std::string& text) {
     std::string xml;
     for (const char c : printable(text)) {
         switch (c) {
+            case '\t': xml += "&#9;"; break;  // in an attribute a tab or line feed itself would become a blank
             case '&': xml += "&amp;"; break;
             case '<': xml += "&lt;"; break;
             case '>': xml += "&gt;"; break;
             case '"': xml += "&quot;"; break;
-            case '\n': xml += "&#10;"; break;  // in an attribute a line feed itself would become a blank
+            case '\n': xml += "&#10;"; break;
             default: xml += c;
         }
     }

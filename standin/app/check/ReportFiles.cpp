@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Printable.h"
 #include "check/JunitText.h"
 
 namespace vexa::runner {

@@ -93,7 +93,7 @@ private:
     static void print(const KeptText& printed, FILE* file) {
         std::string text = printed.text;
         if (printed.leftOut > 0) text += "\n(" + std::to_string(printed.leftOut) + " bytes more are left out)\n";
-        if (file == stderr) return tellLines(text);
+        if (file == stderr) return passOn(text);
         std::fwrite(text.data(), 1, text.size(), file);
     }
 

@@ -1,7 +1,6 @@
 #include "new/NewCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,11 +42,9 @@ ExitStatus_e writeNewProject(const NewOptions& options) {
         tell(error.what());
         return ExitStatus_e::BadUsageOrInput;
     }
-    std::printf(
-        "%s: the project of the add-on %s. Build it, and run its tests:\n"
-        "  cd %s\n"
-        "  cmake --preset release && cmake --build --preset release && ctest --preset release\n",
-        options.folder.c_str(), names.id.c_str(), shellWord(options.folder).c_str());
+    print(printableLine(options.folder + ": the project of the add-on " + names.id) +
+          ". Build it, and run its tests:\n" + "  cd " + shellWord(options.folder) + "\n" +
+          "  cmake --preset release && cmake --build --preset release && ctest --preset release\n");
     return ExitStatus_e::AllWell;
 }
 

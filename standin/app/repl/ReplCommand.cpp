@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <set>
@@ -18,6 +17,7 @@
 #include "MacroText.h"
 #include "OutputTarget.h"
 #include "PlainStatus.h"
+#include "Printable.h"
 #include "RunFiles.h"
 #include "RunNotes.h"
 #include "RunOutputs.h"
@@ -127,9 +127,9 @@ private:
     }
 
     void showHelp() const {
-        std::printf("ID COMMAND runs a command of an add-on; quit ends. Loaded are:\n");
+        print("ID COMMAND runs a command of an add-on; quit ends. Loaded are:\n");
         for (const standin::AddOnInfo& addOn : m_host.addOns()) {
-            std::printf("  %s%s%s\n", addOn.id.c_str(), addOn.title.empty() ? "" : "  ", addOn.title.c_str());
+            print(printableLine("  " + addOn.id + (addOn.title.empty() ? "" : "  ") + addOn.title) + '\n');
         }
     }
 

@@ -19,6 +19,7 @@
 #include "AtomicFile.h"
 #include "Console.h"
 #include "OutputTarget.h"
+#include "Printable.h"
 #include "RunFiles.h"
 #include "StartsWith.h"
 #include "WholeFile.h"
@@ -209,9 +210,8 @@ private:
             m_isBroken = true;
         }
         m_passed += verdict.passed ? 1 : 0;
-        std::printf("%s %s%s\n", verdict.passed ? "passed" : "failed", macro.c_str(),
-                    verdict.reason.empty() ? "" : (": " + verdict.reason).c_str());
-        std::fputs(verdict.lines.c_str(), stdout);
+        const std::string reason = verdict.reason.empty() ? "" : ": " + verdict.reason;
+        print((verdict.passed ? "passed " : "failed ") + printableLine(macro + reason) + '\n' + verdict.lines);
         std::fflush(stdout);
         report(macro, verdict, seconds);
     }

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "Printable.h"
 #include "SeverityName.h"
 
 namespace vexa::runner {
@@ -15,23 +16,6 @@ using standin::Finding;
 
 constexpr const char* kHead = "# thread, then commands, and their calls of the host with arguments and results\n";
 constexpr std::string_view kIndentation = "  ";
-
-// A line is one line, whatever an add-on hands over.
-std::string onOneLine(std::string_view text) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string line;
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (c == '\n') {
-            line += "\\n";
-        } else if (code < ' ' || code == 0x7f) {
-            line += {'\\', 'x', kDigits[code >> 4U], kDigits[code & 0xfU]};
-        } else {
-            line += c;
-        }
-    }
-    return line;
-}
 
 // The folder is left out: it is another one on another machine.
 std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
@@ -75,7 +59,7 @@ std::string lineOf(const Finding& finding) {
 void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::string& text) {
     std::string line = std::to_string(thread) + std::string(kIndentation);
     for (std::size_t i = 0; i != depth; ++i) line += kIndentation;
-    file.append(line + onOneLine(text) + '\n');
+    file.append(line + printableLine(text) + '\n');  // a line is one line, whatever an add-on hands over
 }
 
 }  // namespace

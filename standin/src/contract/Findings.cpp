@@ -9,6 +9,13 @@ namespace {
 
 constexpr std::size_t kMostKept = 10;
 
+// What add-ons say may have several lines: the others stand below the first.
+std::string indented(const std::string& text) {
+    std::string lines;
+    for (const char c : text) lines += c == '\n' ? "\n    " : std::string(1, c);
+    return lines;
+}
+
 // `moment` is what a place that is no call was of its command: its beginning or its end.
 std::string textOf(const Place& place, const std::string& moment) {
     if (place.call == 0 && place.command.empty()) return "";
@@ -27,10 +34,10 @@ std::string textOf(const Finding& finding) {
     if (!finding.seen.macroLine.empty()) text += finding.seen.macroLine + ": ";
     if (!finding.addOnId.empty()) text += finding.addOnId + ": ";
     text += finding.severity == Severity_e::Error ? "error" : "warning";
-    text += ": " + finding.message + " [" + finding.rule + "]\n";
-    if (finding.opened) text += "    first: " + textOf(*finding.opened, "the beginning") + '\n';
+    text += ": " + indented(finding.message) + " [" + finding.rule + "]\n";
+    if (finding.opened) text += "    first: " + indented(textOf(*finding.opened, "the beginning")) + '\n';
     const std::string seen = textOf(finding.seen, "the end");
-    if (!seen.empty()) text += "    seen:  " + seen + '\n';
+    if (!seen.empty()) text += "    seen:  " + indented(seen) + '\n';
     if (const Rule* const rule = findRule(finding.rule)) text += std::string("    hint:  ") + rule->hint + '\n';
     if (finding.repeats != 0) text += "    and " + std::to_string(finding.repeats) + " more of the same rule\n";
     return text;

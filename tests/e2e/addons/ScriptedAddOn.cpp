@@ -34,6 +34,11 @@ bool say(const std::string& text, char**) {
     return true;
 }
 
+bool sayOnStandardError(const std::string& text, char**) {
+    std::fprintf(stderr, "%s\n", text.c_str());
+    return true;
+}
+
 // Recorded by itself, so that a recording of a macro of SAYs says the same again.
 bool sayAndRecord(const std::string& text, char** errMsg) {
     const std::string command = "SAY " + text;
@@ -144,6 +149,7 @@ struct Command {
 constexpr Command kCommands[] = {
     {"SAY", sayAndRecord},
     {"ECHO", say},
+    {"ECHOERR", sayOnStandardError},
     {"RECORD", record},
     {"RECORDFOR", recordFor},
     {"RECORDSTYLE", recordStyle},
