@@ -21,13 +21,10 @@ DrawnStatus::DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& is
 
 void DrawnStatus::show(const standin::StatusLine& line) {
     // A line that is up and goes back was started again.
-    const bool begins = line.active && (!m_line.active || line.percent < m_line.percent);
+    if (line.active && (!m_line.active || line.percent < m_line.percent)) m_begin = Clock::now();
     m_line = line;
     m_hasChanged = true;
-    if (begins) {
-        m_begin = Clock::now();
-        draw();
-    } else if (line.active) {
+    if (line.active) {
         refresh();
     } else {
         clear();

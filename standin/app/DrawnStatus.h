@@ -20,7 +20,7 @@ public:
     /// \param isDrawn    kept at whether something is drawn
     DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
 
-    /// Takes over the status line as it is now. A new one, and one taken down, show at once, other changes when due.
+    /// Takes over the status line as it is now. One that is taken down goes at once, all else shows when it is due.
     void show(const standin::StatusLine& line);
     /// Draws the line again if there is something new to draw, and it is due.
     void refresh();

@@ -104,12 +104,14 @@ private:
 
     ExitStatus_e runToEnd() {
         const bool ready = openOutputs() && loadStyle() && loadAddOnsOf(m_host) && readMacro();
+        m_plainStatus.conclude(true);
         bool written = false;
         if (ready) {
             runCommands();
             written = writeOutputs();
         }
         unloadAddOnsOf(m_host);
+        m_plainStatus.conclude(true);
         m_findings.tellNew();
         if (m_options.contract.isStrict() && written && !m_isStopped) written = replayRecording();
         if (ready) m_findings.tellEnd();
@@ -199,6 +201,7 @@ private:
         const standin::CommandResult result = inTime({&m_host, place, command.addOnId, command.text, 1}, execute);
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
         ++m_run;
+        m_plainStatus.conclude(result.accepted);
         m_findings.tellNew();
         addResult(command, result.accepted, std::string(withoutTrailingBlanks(result.error)), time.count());
         if (result.accepted) return;

@@ -38,11 +38,11 @@ TEST_F(Printed, TextOfAnAddOnIsHarmless) {
         std::string shown;
     };
     const Case cases[] = {
-        {"an error message", "FAIL " + kHarm, "m.mcr:1: ONE: " + kShown},
-        {"a dialog", "DIALOG " + kHarm, "m.mcr:1: ONE: dialog: " + kShown},
+        {"an error message", "FAIL " + kHarm, "m.macro:1: ONE: " + kShown},
+        {"a dialog", "DIALOG " + kHarm, "m.macro:1: ONE: dialog: " + kShown},
         {"an exception", "THROW " + kHarm, kShown + " [escaped-exception]"},
         {"a command in a finding", "LEAVELOCKOPEN " + kHarm, "\"ONE LEAVELOCKOPEN " + kShown + "\""},
-        {"an unknown command", kHarm, "m.mcr:1: ONE: unknown command " + kShown},
+        {"an unknown command", kHarm, "m.macro:1: ONE: unknown command " + kShown},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -51,7 +51,7 @@ TEST_F(Printed, TextOfAnAddOnIsHarmless) {
 }
 
 TEST_F(Printed, CommandOfAVerboseRunIsHarmless) {
-    EXPECT_TRUE(shows(runMacro("ONE FAIL " + kHarm + '\n', {"--verbose"}), "m.mcr:1: ONE FAIL " + kShown));
+    EXPECT_TRUE(shows(runMacro("ONE FAIL " + kHarm + '\n', {"--verbose"}), "m.macro:1: ONE FAIL " + kShown));
 }
 
 TEST_F(Printed, SecondLineOfAFindingStandsBelowIt) {
@@ -88,24 +88,24 @@ TEST_F(Printed, TextOfAnAddOnIsHarmlessInTheRepl) {
 }
 
 TEST_F(Printed, TextOfAnAddOnIsHarmlessInManyFiles) {
-    write("a.mcr", "ONE FAIL " + kHarm + '\n');
-    write("b.mcr", "ONE DIALOG " + kHarm + '\n');
-    const ProgramResult result = runProgram(runner({"run", "a.mcr", "b.mcr", "--addon", ADDON_ONE}));
-    EXPECT_TRUE(shows(result, "a.mcr:1: ONE: " + kShown));
-    EXPECT_TRUE(shows(result, "b.mcr:1: ONE: dialog: " + kShown));
+    write("a.macro", "ONE FAIL " + kHarm + '\n');
+    write("b.macro", "ONE DIALOG " + kHarm + '\n');
+    const ProgramResult result = runProgram(runner({"run", "a.macro", "b.macro", "--addon", ADDON_ONE}));
+    EXPECT_TRUE(shows(result, "a.macro:1: ONE: " + kShown));
+    EXPECT_TRUE(shows(result, "b.macro:1: ONE: dialog: " + kShown));
 }
 
 TEST_F(Printed, IdAndTitleAreHarmless) {
-    write("m.mcr", kHarmfulId + " FAIL text\n");
     write("m.macro", kHarmfulId + " FAIL text\n");
-    write("c.mcr", kHarmfulId + " LEAVELOCKOPEN\n");
+    write("m.macro", kHarmfulId + " FAIL text\n");
+    write("c.macro", kHarmfulId + " LEAVELOCKOPEN\n");
     EXPECT_TRUE(
         shows(runProgram(runner({"list", "--addon", ADDON_HARMFUL})), kShownId + R"(  Title\n\x1B]0;x\x07  /)"));
     EXPECT_TRUE(
-        shows(runProgram(runner({"run", "m.mcr", "--addon", ADDON_HARMFUL})), "m.mcr:1: " + kShownId + ": text"));
+        shows(runProgram(runner({"run", "m.macro", "--addon", ADDON_HARMFUL})), "m.macro:1: " + kShownId + ": text"));
     EXPECT_TRUE(
         shows(runProgram(runner({"test", "m.macro", "--addon", ADDON_HARMFUL})), "> " + kShownId + " FAIL text"));
-    EXPECT_TRUE(shows(runProgram(runner({"check", ADDON_HARMFUL, "--macro", "c.mcr", "--only", "commands-in-order"})),
+    EXPECT_TRUE(shows(runProgram(runner({"check", ADDON_HARMFUL, "--macro", "c.macro", "--only", "commands-in-order"})),
                       kShownId));
     Program repl = runner({"repl", "--addon", ADDON_HARMFUL});
     repl.input = "help\n" + kHarmfulId + " FAIL text\n";
@@ -116,17 +116,17 @@ TEST_F(Printed, NameOfAFileIsHarmless) {
     const std::string name = kHarm + "\r\n";
     const std::string addOn = (folder() / (name + ".so")).string();
     std::filesystem::copy_file(ADDON_ONE, addOn);
-    write(name + ".mcr", "ONE FAIL text\n");
     write(name + ".macro", "ONE FAIL text\n");
-    write("m.mcr", "ONE FAIL text\n");
+    write(name + ".macro", "ONE FAIL text\n");
+    write("m.macro", "ONE FAIL text\n");
     const std::vector<Arguments> programs = {
-        {"run", name + ".mcr", "--addon", ADDON_ONE},
-        {"run", name + ".mcr", "m.mcr", "--addon", ADDON_ONE},
+        {"run", name + ".macro", "--addon", ADDON_ONE},
+        {"run", name + ".macro", "m.macro", "--addon", ADDON_ONE},
         {"run", name, "--addon", ADDON_ONE},
-        {"run", "m.mcr", "--addon", name},
-        {"run", "m.mcr", "--addon", ADDON_ONE, "--style", name},
-        {"run", "m.mcr", "--addon", ADDON_ONE, "--record", name + "/file"},
-        {"run", "m.mcr", "--addon", ADDON_ONE, "--trace", name + "/file"},
+        {"run", "m.macro", "--addon", name},
+        {"run", "m.macro", "--addon", ADDON_ONE, "--style", name},
+        {"run", "m.macro", "--addon", ADDON_ONE, "--record", name + "/file"},
+        {"run", "m.macro", "--addon", ADDON_ONE, "--trace", name + "/file"},
         {"list", "--addon", addOn},
         {"list", "--addon", name},
         {"test", name + ".macro", "--addon", ADDON_ONE},
@@ -134,7 +134,7 @@ TEST_F(Printed, NameOfAFileIsHarmless) {
         {"check", addOn, "--only", "load"},
         {"check", name},
         {"check", ADDON_ONE, "--macro", name},
-        {"check", ADDON_ONE, "--macro", name + ".mcr", "--only", "commands-in-order"},
+        {"check", ADDON_ONE, "--macro", name + ".macro", "--only", "commands-in-order"},
         {"repl", "--addon", name},
         {"style", "--style", name, "TITLE"},
         {"report", name, "--output", "page.html"},
@@ -150,9 +150,9 @@ TEST_F(Printed, ArgumentsAreHarmless) {
     const std::vector<Arguments> programs = {
         {kHarm},
         {"--" + kHarm},
-        {"run", "m.mcr", "--addon", ADDON_ONE, "--" + kHarm},
-        {"run", "m.mcr", "--addon", ADDON_ONE, "--jobs", kHarm},
-        {"run", "m.mcr", "--addon", ADDON_ONE, "--suppress", kHarm},
+        {"run", "m.macro", "--addon", ADDON_ONE, "--" + kHarm},
+        {"run", "m.macro", "--addon", ADDON_ONE, "--jobs", kHarm},
+        {"run", "m.macro", "--addon", ADDON_ONE, "--suppress", kHarm},
         {"test", "m.macro", "--addon", ADDON_ONE, "--" + kHarm},
         {"check", ADDON_ONE, "--only", kHarm},
         {"check", ADDON_ONE, "--seed", kHarm},
@@ -164,7 +164,7 @@ TEST_F(Printed, ArgumentsAreHarmless) {
         {"report", "trace", "--output", "page.html", "--" + kHarm},
     };
     write("s.json", "{\"TITLE\": 3}");
-    write("m.mcr", "");
+    write("m.macro", "");
     for (const Arguments& program : programs) {
         SCOPED_TRACE(testing::PrintToString(program));
         EXPECT_TRUE(shows(runProgram(runner(program))));
@@ -202,8 +202,8 @@ TEST_F(Printed, OutputOfAnAddOnIsItsOwn) {
     const ProgramResult one = runMacro(macro);
     EXPECT_EQ(one.out, kHarm + '\n');
     EXPECT_EQ(one.err, kHarm + '\n');
-    write("b.mcr", macro);
-    const ProgramResult many = runProgram(runner({"run", "m.mcr", "b.mcr", "--addon", ADDON_ONE}));
+    write("b.macro", macro);
+    const ProgramResult many = runProgram(runner({"run", "m.macro", "b.macro", "--addon", ADDON_ONE}));
     EXPECT_EQ(many.out, kHarm + '\n' + kHarm + '\n');
     EXPECT_EQ(many.err.find(kHarm + '\n' + kHarm + '\n'), 0U) << many.err;
 }

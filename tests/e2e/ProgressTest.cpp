@@ -60,17 +60,20 @@ TEST_F(StatusLine, ShowsItsLastTextThoughItCameTooSoonToDraw) {
     EXPECT_EQ(program.finish(), 0);
 }
 
+// The add-on's output is among it, so that the line makes room for it again and again.
 TEST_F(StatusLine, IsDrawnAtMostTenTimesASecond) {
-    const auto begin = std::chrono::steady_clock::now();
-    PtyProgram program(
-        progressRunner("PROGRESS START Sweeping;SWEEP 1000;SAYMUCH 1000;FINISH\n", {"--suppress", "percent-backwards"}),
-        kColumns, plainTerminal());
-    EXPECT_EQ(program.finish(), 0);
-    const auto duration = std::chrono::steady_clock::now() - begin;
-    // A line that goes back begins anew, and each beginning is drawn: here at most eleven times.
-    const auto tenths = static_cast<std::size_t>(duration / std::chrono::milliseconds(100));
-    EXPECT_LE(countOf(program.output(), "Sweeping"), 12 + tenths);
-    EXPECT_GE(countOf(program.output(), "Sweeping"), 1U);
+    for (const char* const flood : {"SWEEP 10000", "RESTART 10000", "RETITLE 10000", "SAYMUCH 1000"}) {
+        SCOPED_TRACE(flood);
+        const auto begin = std::chrono::steady_clock::now();
+        PtyProgram program(progressRunner("PROGRESS START Working;" + std::string(flood) + ";FINISH\n",
+                                          {"--suppress", "percent-backwards"}),
+                           kColumns, plainTerminal());
+        EXPECT_EQ(program.finish(), 0);
+        const auto duration = std::chrono::steady_clock::now() - begin;
+        const auto tenths = static_cast<std::size_t>(duration / std::chrono::milliseconds(100));
+        EXPECT_LE(countOf(program.output(), "  [#") + countOf(program.output(), "  [ "), 1 + tenths);
+        EXPECT_GE(countOf(program.output(), "Working  ["), 1U);
+    }
 }
 
 TEST_F(StatusLine, IsRemovedWhenTheAddOnForgotIt) {
@@ -252,6 +255,10 @@ TEST_F(StatusLine, IsAFewMessagesWithoutATerminal) {
          "m.macro:1: PROGRESS: A: ended at 20 %\n"
          "m.macro:1: PROGRESS: B\n"
          "m.macro:1: PROGRESS: B: done\n"},
+        {"output after the end", "START A;PERCENT 100;FINISH;DIALOG b",
+         "m.macro:1: PROGRESS: A\n"
+         "m.macro:1: PROGRESS: dialog: b\n"
+         "m.macro:1: PROGRESS: A: done\n"},
         {"nothing to show", "STARTBARE;PERCENT 20;FINISH", ""},
     };
     for (const Case& c : cases) {
@@ -261,6 +268,62 @@ TEST_F(StatusLine, IsAFewMessagesWithoutATerminal) {
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err, c.err);
     }
+}
+
+TEST_F(StatusLine, IsNotDoneWhenItsCommandFailed) {
+    struct Case {
+        const char* why;
+        const char* macro;
+        const char* err;
+    };
+    const Case cases[] = {
+        {"a bar that finished", "PROGRESS START A;PERCENT 100;FINISH;FAIL b\n",
+         "m.macro:1: PROGRESS: A\n"
+         "m.macro:1: PROGRESS: A: failed\n"
+         "m.macro:1: PROGRESS: b\n"},
+        {"no bar", "PROGRESS STARTWITHOUTBAR A;FINISH;FAIL b\n",
+         "m.macro:1: PROGRESS: A\n"
+         "m.macro:1: PROGRESS: A: failed\n"
+         "m.macro:1: PROGRESS: b\n"},
+        {"the last of two tasks", "PROGRESS START A;PERCENT 100;FINISH;START B;FINISH;FAIL b\n",
+         "m.macro:1: PROGRESS: A\n"
+         "m.macro:1: PROGRESS: A: done\n"
+         "m.macro:1: PROGRESS: B\n"
+         "m.macro:1: PROGRESS: B: failed\n"
+         "m.macro:1: PROGRESS: b\n"},
+        {"a command before", "PROGRESS START A;PERCENT 100;FINISH\nPROGRESS FAIL b\n",
+         "m.macro:1: PROGRESS: A\n"
+         "m.macro:1: PROGRESS: A: done\n"
+         "m.macro:2: PROGRESS: b\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(runProgram(progressRunner(c.macro)).err, c.err);
+    }
+    Program repl = runner({"repl", "--addon", ADDON_PROGRESS});
+    repl.input = "PROGRESS START A;PERCENT 100;FINISH;FAIL b\n";
+    EXPECT_EQ(runProgram(repl).err, "PROGRESS: A\nPROGRESS: A: failed\nPROGRESS: b\n");
+}
+
+TEST_F(StatusLine, FillsNoLog) {
+    for (const char* const flood : {"SWEEP 10000", "RESTART 10000", "RETITLE 10000"}) {
+        SCOPED_TRACE(flood);
+        const auto begin = std::chrono::steady_clock::now();
+        const ProgramResult result = runProgram(progressRunner(
+            "PROGRESS START Working;" + std::string(flood) + ";FINISH\n", {"--suppress", "percent-backwards"}));
+        const auto duration = std::chrono::steady_clock::now() - begin;
+        const auto seconds = static_cast<std::size_t>(duration / std::chrono::seconds(1));
+        EXPECT_LE(countOf(result.err, "m.macro:1: PROGRESS: "), 21 + 10 * seconds) << result.err;
+    }
+}
+
+TEST_F(StatusLine, CountsTheTasksThatItLeavesOut) {
+    const std::string err =
+        runProgram(progressRunner("PROGRESS START Working;RESTART 1000;FINISH\nPROGRESS START A;FINISH\n")).err;
+    EXPECT_NE(err.find("m.macro:1: PROGRESS: Restarting 8\n"), std::string::npos) << err;
+    EXPECT_NE(err.find("m.macro:1: PROGRESS: and 99"), std::string::npos) << err;
+    EXPECT_NE(err.find(" more tasks\nm.macro:2: PROGRESS: A\nm.macro:2: PROGRESS: A: ended at 0 %\n"), std::string::npos)
+        << err;
 }
 
 TEST_F(StatusLine, IsMessagesInATerminalThatCannotDraw) {

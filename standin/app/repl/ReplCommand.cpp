@@ -82,6 +82,7 @@ public:
         const bool isWritten = !m_notes.ask(kWriteNote, "").empty();
         const TimeInAddOn time(m_box, "", "", "unloading of the add-ons");
         m_host.unloadAddOns();
+        m_plainStatus.conclude(true);
         m_findings.tellNew();
         return isWritten ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
     }
@@ -94,6 +95,7 @@ private:
             const TimeInAddOn time(m_box, "", "", "loading of " + file);
             allLoaded &= loadAddOn(m_host, file);
         }
+        m_plainStatus.conclude(allLoaded);
         m_ids = loadedIds(m_host);
         m_findings.tellNew();
         return allLoaded;
@@ -146,6 +148,7 @@ private:
         const TimeInAddOn time(m_box, "", command.addOnId, command.text);
         const standin::CommandResult result = m_host.run(command.addOnId, command.text);
         m_screen.reset();
+        m_plainStatus.conclude(result.accepted);
         m_place = kProgramName;
         m_findings.tellNew();
         if (!result.accepted) tell(command.addOnId, failureText(result));

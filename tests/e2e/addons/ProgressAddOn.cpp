@@ -24,6 +24,20 @@ void sweep(int changes) {
     for (int change = 0; change < changes; ++change) VexaUtilStatusCheckPercentDone(change % 101);
 }
 
+// Tasks that are over as soon as they start.
+void restart(int tasks) {
+    for (int task = 0; task < tasks; ++task) {
+        VexaUtilStatusFinishPercentDone();
+        VexaUtilStatusStartPercentDone(("Restarting " + std::to_string(task)).c_str(), 1, 1);
+    }
+}
+
+void retitle(int changes) {
+    for (int change = 0; change < changes; ++change) {
+        VexaUtilStatusSetPercentDoneText(("Retitling " + std::to_string(change)).c_str());
+    }
+}
+
 void sayMuch(int lines) {
     for (int line = 0; line < lines; ++line) {
         std::printf("line %d\n", line);
@@ -55,6 +69,8 @@ bool takeStep(const std::string& name, const std::string& argument, char** errMs
     if (name == "TEXT") VexaUtilStatusSetPercentDoneText(argument.c_str());
     if (name == "FINISH") VexaUtilStatusFinishPercentDone();
     if (name == "SWEEP") sweep(number);
+    if (name == "RESTART") restart(number);
+    if (name == "RETITLE") retitle(number);
     if (name == "SAYMUCH") sayMuch(number);
     if (name == "SAY") std::printf("%s\n", argument.c_str());
     if (name == "PART") std::fputs(argument.c_str(), stdout);
