@@ -63,13 +63,22 @@ TestedCommand AddOnTester::run(const std::string& command) {
 }
 
 ExpectNoFindings::ExpectNoFindings(Host& host, std::function<void(const std::string& text)> report)
-    : m_host(host), m_report(std::move(report)) {
+    : m_host(host), m_report(std::move(report)), m_causes(nullptr) {
     if (!m_report) throw InvalidArgumentException("Without a report no test would fail over a finding");
+}
+
+ExpectNoFindings::ExpectNoFindings(Host& host, std::function<void(const std::string& text)> report,
+                                   FindingCauses& causes)
+    : ExpectNoFindings(host, std::move(report)) {
+    m_causes = &causes;
 }
 
 ExpectNoFindings::~ExpectNoFindings() {
     m_host.unloadAddOns();
-    for (const Finding& finding : m_host.violations()) m_report(textOf(finding));
+    for (const Finding& finding : m_host.violations()) {
+        const bool isNew = m_causes == nullptr || m_causes->add(finding);
+        m_report(isNew ? textOf(finding) : briefTextOf(finding));
+    }
 }
 
 }  // namespace vexa::standin

@@ -153,6 +153,7 @@ TEST_F(MacroTests, NeverAcceptACommandThatHangs) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out.rfind("failed t/a.macro: a command did not return\n> HANGING HANG\n", 0), 0U) << result.out;
     EXPECT_NE(result.out.find("[command-timeout]\n"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("\n    more:  vexa-standin explain command-timeout\n"), std::string::npos) << result.out;
     EXPECT_FALSE(std::filesystem::exists(folder() / "t/a.expected"));
 }
 
@@ -162,11 +163,40 @@ TEST_F(MacroTests, FailForABrokenContractWhenStrict) {
     EXPECT_EQ(test().status, 0);
     const ProgramResult strict = test({"--strict"});
     EXPECT_EQ(strict.status, 1);
-    EXPECT_EQ(strict.out.rfind("failed t/m.macro: the host's contract was broken\n> ONE LEAVELOCKOPEN\n! error: ", 0),
-              0U)
+    EXPECT_EQ(strict.out.rfind("failed t/m.macro: the host's contract was broken\nt/m.macro:2: ONE: error: ", 0), 0U)
         << strict.out;
     write("t/m.expected", "> ONE ECHO a\n  a\n> ONE LEAVELOCKOPEN\n");
     EXPECT_EQ(test({"--strict", "--suppress", "unbalanced-lock"}).status, 0);
+}
+
+TEST_F(MacroTests, ShowPlaceAndHintOfEachCauseOnce) {
+    write("t/m.macro", "ONE LEAVELOCKOPEN\nONE ECHO a\nONE LEAVELOCKOPEN\nONE FAILSILENTLY\n");
+    const std::string head =
+        "error: the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]";
+    const std::string out = test({"--strict"}).out;
+    EXPECT_EQ(
+        out.find("t/m.macro:1: ONE: " + head + "\n    first: call 6, VexaUtilLockStart, in \"ONE LEAVELOCKOPEN\""),
+        out.find('\n') + 1)
+        << out;
+    EXPECT_NE(out.find("\n    hint:  Hold the lock by an AddOnIdLock"), std::string::npos) << out;
+    EXPECT_NE(out.find("\n    more:  vexa-standin explain unbalanced-lock\n"
+                       "t/m.macro:3: ONE: " +
+                       head + ", as before\nt/m.macro:4: ONE: warning: "),
+              std::string::npos)
+        << out;
+    EXPECT_NE(out.find("\n    more:  vexa-standin explain missing-errmsg\n0 of 1 macros passed\n"), std::string::npos)
+        << out;
+}
+
+TEST_F(MacroTests, ShowPlaceAndHintOfFindingsThatWereNotExpected) {
+    accepted("ONE LEAVELOCKOPEN\nONE ECHO a\n");
+    write("t/m.macro", "ONE LEAVELOCKOPEN\nONE ECHO b\n");
+    EXPECT_EQ(test().out.find("hint:"), std::string::npos);
+    write("t/m.expected", "> ONE LEAVELOCKOPEN\n> ONE ECHO b\n  b\n");
+    const std::string out = test().out;
+    EXPECT_NE(out.find("\n+ ! error: "), std::string::npos) << out;
+    EXPECT_NE(out.find("\nt/m.macro:1: ONE: error: "), std::string::npos) << out;
+    EXPECT_NE(out.find("\n    more:  vexa-standin explain unbalanced-lock\n"), std::string::npos) << out;
 }
 
 TEST_F(MacroTests, RefuseWhatIsNoMacro) {

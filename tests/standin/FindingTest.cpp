@@ -147,6 +147,42 @@ TEST_F(Findings, AreReadableWithoutACommandOrAThread) {
         << textOf(finding);
 }
 
+TEST(FindingCauses, AreTheSameForOneRuleAndAddOnAndTheSameFunctions) {
+    Finding first;
+    first.rule = "unbalanced-lock";
+    first.addOnId = "ONE";
+    first.opened = Place{3, "VexaUtilLockStart", "ONE GO", "m.macro:1", 1};
+    Finding again = first;
+    again.message = "3 times";
+    again.opened = Place{7, "VexaUtilLockStart", "ONE COME", "m.macro:2", 2};
+    Finding otherRule = first;
+    otherRule.rule = "unbalanced-status";
+    Finding otherAddOn = first;
+    otherAddOn.addOnId = "TWO";
+    Finding otherBeginning = first;
+    otherBeginning.opened->function = "VexaUtilStringAlloc";
+    Finding otherEnd = first;
+    otherEnd.seen.function = "VexaUtilLockFinish";
+    Finding noBeginning = first;
+    noBeginning.opened.reset();
+
+    FindingCauses causes;
+    EXPECT_TRUE(causes.add(first));
+    EXPECT_FALSE(causes.add(again));
+    for (const Finding& other : {otherRule, otherAddOn, otherBeginning, otherEnd, noBeginning}) {
+        EXPECT_TRUE(causes.add(other)) << textOf(other);
+        EXPECT_FALSE(causes.add(other)) << textOf(other);
+    }
+}
+
+TEST_F(Findings, AreToldBrieflyInALine) {
+    const std::vector<Finding> findings = run("unbalanced-auxdata", "wake.macro:7");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(briefTextOf(findings[0]),
+              "wake.macro:7: MISBEHAVING: error: the command ended without VexaUtilAuxDataEndAssign after "
+              "VexaUtilAuxDataBeginAssign [unbalanced-auxdata], as before\n");
+}
+
 // ---- Attribution
 
 TEST(Attribution, IsToTheAddOnThatMadeTheCall) {

@@ -185,6 +185,21 @@ TEST(ExpectNoFindings, ReportsWhenAnExceptionEndsTheScope) {
     }
 }
 
+// Each test of a suite has a host of its own.
+TEST(ExpectNoFindings, ReportsACauseInFullOnceForSeveralTests) {
+    FindingCauses causes;
+    Lines reports;
+    for (int test = 0; test != 2; ++test) {
+        AddOnTester misbehaving(addOnFile("misbehaving"));
+        const ExpectNoFindings expectation(
+            misbehaving.host(), [&](const std::string& text) { reports.push_back(text); }, causes);
+        misbehaving.run("leaked-string");
+    }
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_NE(reports[0].find("\n    hint:  "), std::string::npos) << reports[0];
+    EXPECT_EQ(reports[1], reports[0].substr(0, reports[0].find('\n')) + ", as before\n");
+}
+
 TEST(ExpectNoFindings, NeedsAReport) {
     Host host;
     EXPECT_THROW(const ExpectNoFindings expectation(host, nullptr), InvalidArgumentException);

@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -21,7 +20,6 @@
 #include "OutputTarget.h"
 #include "Printable.h"
 #include "RunFiles.h"
-#include "StartsWith.h"
 #include "WholeFile.h"
 #include "WholeOutput.h"
 #include "check/JunitText.h"
@@ -156,11 +154,11 @@ private:
             const auto begin = std::chrono::steady_clock::now();
             const auto box = std::make_unique<ProcessBox>();
             TranscriptEnd_e end{};
-            std::string transcript;
+            TranscriptText transcript;
             {
                 OwnTranscript own;
                 end = writeTranscript(optionsFor(macro), *box, own);
-                transcript = own.text();
+                transcript = own.transcript();
             }
             const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
             conclude(
@@ -186,7 +184,7 @@ private:
 
     void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
         const TranscriptText transcript = std::exchange(m_transcripts[index], {});
-        const auto verdict = [&] { return verdictOn(m_macros[index], box, outcome, transcript.text()); };
+        const auto verdict = [&] { return verdictOn(m_macros[index], box, outcome, transcript); };
         conclude(m_macros[index], verdict, outcome.seconds);
     }
 
@@ -217,11 +215,11 @@ private:
     }
 
     MacroVerdict verdictOn(const std::string& macro, const ProcessBox& box, const ProcessOutcome& outcome,
-                           const std::string& transcript) {
+                           const TranscriptText& transcript) {
         if (outcome.end == End_e::Left && outcome.areNotesWhole) {
             return verdictOn(macro, static_cast<TranscriptEnd_e>(outcome.status), transcript);
         }
-        const std::string lines = lastCommand(transcript) + printedLines(outcome.out);
+        const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
         if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
         if (outcome.end == End_e::TimedOut) return {false, "it did not return within its time limit", lateText(box)};
         const bool isStopped =
@@ -231,15 +229,16 @@ private:
         return {false, "an add-on ended the process", lines + deathText(box, outcome) + '\n'};
     }
 
-    MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const std::string& transcript) {
+    MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const TranscriptText& transcript) {
         switch (end) {
             case TranscriptEnd_e::Whole: return compared(macro, transcript);
-            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", findingsOf(transcript)};
-            case TranscriptEnd_e::CommandHung: return {false, "a command did not return", lastCommand(transcript)};
+            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", transcript.explained()};
+            case TranscriptEnd_e::CommandHung:
+                return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained()};
             case TranscriptEnd_e::NotRun: break;
         }
         m_isBroken = true;
-        return {false, "it cannot be run", transcript};
+        return {false, "it cannot be run", transcript.text()};
     }
 
     // What the transcript has of the last command.
@@ -248,20 +247,13 @@ private:
         return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
     }
 
-    // The lines that tell of breaches of the contract, behind their commands.
-    static std::string findingsOf(const std::string& transcript) {
-        std::istringstream in(transcript);
-        std::string command;
-        std::string lines;
-        for (std::string line; std::getline(in, line);) {
-            if (startsWith(line, "> ")) command = line + '\n';
-            if (!startsWith(line, "! error: ") && !startsWith(line, "! warning: ")) continue;
-            lines += std::exchange(command, "") + line + '\n';
-        }
-        return lines;
+    static bool hasNewFinding(const std::string& difference) {
+        return difference.find("\n+ ! error: ") != std::string::npos ||
+               difference.find("\n+ ! warning: ") != std::string::npos;
     }
 
-    MacroVerdict compared(const std::string& macro, const std::string& transcript) const {
+    MacroVerdict compared(const std::string& macro, const TranscriptText& told) const {
+        const std::string& transcript = told.text();
         const std::string path = expectationOf(macro);
         std::optional<std::string> expected;
         try {
@@ -276,7 +268,8 @@ private:
             AtomicFile(path).replace(transcript);
             return {true, "accepted", ""};
         }
-        const std::string difference = lineDifference(expected.value_or(""), transcript);
+        std::string difference = lineDifference(expected.value_or(""), transcript);
+        if (hasNewFinding(difference)) difference += told.explained();
         if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
         return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
     }

@@ -20,6 +20,7 @@ int copyOf(int descriptor) {
 
 std::string TranscriptText::take(char kind, std::string_view text, const KeptText& printed) {
     if (kind == kTranscriptNote) m_text += text;
+    if (kind == kExplainedNote) m_explained += text;
     const std::string lines = printedLines(printed);
     if (kind != kPrintedNote || lines.empty()) return "";
     m_text += text;

@@ -17,9 +17,12 @@ public:
     std::string take(char kind, std::string_view text, const KeptText& printed);
 
     const std::string& text() const { return m_text; }
+    /// The breaches of the contract with their places and hints.
+    const std::string& explained() const { return m_explained; }
 
 private:
     std::string m_text;
+    std::string m_explained;
 };
 
 /// The transcript of a macro that runs in this process: what is printed is caught as long as this lives.
@@ -34,7 +37,7 @@ public:
     void tell(char kind, std::string_view text) override;
     std::string ask(char kind, std::string_view text) override;
 
-    const std::string& text() const { return m_transcript.text(); }
+    const TranscriptText& transcript() const { return m_transcript; }
 
 private:
     MemoryFile m_printed;

@@ -130,12 +130,24 @@ private:
     std::string news() {
         std::string lines = takeDialogs();
         const std::vector<standin::Finding> findings = m_host.violations();
-        for (; m_findings < findings.size(); ++m_findings) lines += findingLine(findings[m_findings]);
+        for (; m_findings < findings.size(); ++m_findings) {
+            lines += findingLine(findings[m_findings]);
+            explain(findings[m_findings]);
+        }
         return lines;
     }
 
     static std::string findingLine(const standin::Finding& finding) {
         return told(std::string(nameOf(finding.severity)) + ": " + finding.message + " [" + finding.rule + ']');
+    }
+
+    // For whoever looks into a failed test: what is compared has no places. Of a cause the first finding has
+    // everything.
+    void explain(const standin::Finding& finding) {
+        const std::string text = m_causes.add(finding)
+                                     ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
+                                     : briefTextOf(finding);
+        m_notes.tell(kExplainedNote, text);
     }
 
     void inTime(const std::string& place, const std::string& addOnId, const std::string& what,
@@ -154,6 +166,7 @@ private:
         const standin::Finding finding = hangFinding(m_host.lastCall(), m_callsBefore, *m_options.contract.timeout);
         m_notes.ask(kPrintedNote, "");
         note(findingLine(finding));
+        explain(finding);
         constexpr int kStatus = static_cast<int>(TranscriptEnd_e::CommandHung);
         m_box.report(kStatus);
         m_box.markLeft();
@@ -169,6 +182,7 @@ private:
     std::mutex m_guard;
     std::string m_dialogs;
     std::size_t m_findings = 0;  // that were noted
+    standin::FindingCauses m_causes;
     std::size_t m_callsBefore = 0;
     std::optional<Watchdog> m_watchdog;
     standin::Host m_host;  // last: its add-ons may still show dialogs

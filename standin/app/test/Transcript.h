@@ -29,6 +29,8 @@ enum class TranscriptEnd_e : int {
 /// \name What a transcript is told by
 /// @{
 inline constexpr char kTranscriptNote = 't';  ///< lines of it
+/// Breaches of the contract with their places and hints, each cause in full once; not part of it.
+inline constexpr char kExplainedNote = 'x';
 /// Asks to put in what was printed since the last time, after the line told with it. The answer is empty when that is
 /// nothing; then the line is left out, too.
 inline constexpr char kPrintedNote = 'p';

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,5 +57,26 @@ struct Finding {
 
 /// \p finding for people to read: a line with the macro's line and the rule, then both places and the hint, indented.
 VEXASTANDIN_API std::string textOf(const Finding& finding);
+/// \p finding as one line, for people who have read textOf() of another finding of the same cause.
+VEXASTANDIN_API std::string briefTextOf(const Finding& finding);
+
+/// Remembers causes of findings, so that each is told in full only once:
+///
+///     vexa::standin::FindingCauses causes;
+///     for (const Finding& finding : host.violations()) {
+///         std::cout << (causes.add(finding) ? textOf(finding) : briefTextOf(finding));
+///     }
+///
+/// Findings have the same cause when one add-on broke one rule by the same host functions.
+/// Threads: one at a time.
+class VEXASTANDIN_API FindingCauses {
+public:
+    /// Adds the cause of \p finding.
+    /// \return whether it is the first of this cause.
+    bool add(const Finding& finding);
+
+private:
+    std::set<std::vector<std::string>> m_causes;
+};
 
 }  // namespace vexa::standin

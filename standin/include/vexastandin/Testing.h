@@ -83,6 +83,10 @@ public:
     /// \param host   lives longer than this.
     /// \param report called with the text of each finding; makes it a failure of the test.
     [[nodiscard]] ExpectNoFindings(Host& host, std::function<void(const std::string& text)> report);
+    /// The same for one of several tests: what breaks the contract in all of them is reported in full once.
+    /// \param causes those that were reported, in one line from now on; lives longer than this.
+    [[nodiscard]] ExpectNoFindings(Host& host, std::function<void(const std::string& text)> report,
+                                   FindingCauses& causes);
     ExpectNoFindings(const ExpectNoFindings&) = delete;
     ExpectNoFindings& operator=(const ExpectNoFindings&) = delete;
     ~ExpectNoFindings();
@@ -90,6 +94,7 @@ public:
 private:
     Host& m_host;
     std::function<void(const std::string& text)> m_report;
+    FindingCauses* m_causes;
 };
 
 }  // namespace vexa::standin

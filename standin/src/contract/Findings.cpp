@@ -27,20 +27,32 @@ std::string textOf(const Place& place, const std::string& moment) {
     return text;
 }
 
-}  // namespace
-
-std::string textOf(const Finding& finding) {
+// The line that says what happened, without its end.
+std::string headOf(const Finding& finding) {
     std::string text;
     if (!finding.seen.macroLine.empty()) text += finding.seen.macroLine + ": ";
     if (!finding.addOnId.empty()) text += finding.addOnId + ": ";
     text += finding.severity == Severity_e::Error ? "error" : "warning";
-    text += ": " + indented(finding.message) + " [" + finding.rule + "]\n";
+    return text + ": " + indented(finding.message) + " [" + finding.rule + ']';
+}
+
+}  // namespace
+
+std::string textOf(const Finding& finding) {
+    std::string text = headOf(finding) + '\n';
     if (finding.opened) text += "    first: " + indented(textOf(*finding.opened, "the beginning")) + '\n';
     const std::string seen = textOf(finding.seen, "the end");
     if (!seen.empty()) text += "    seen:  " + indented(seen) + '\n';
     if (const Rule* const rule = findRule(finding.rule)) text += std::string("    hint:  ") + rule->hint + '\n';
     if (finding.repeats != 0) text += "    and " + std::to_string(finding.repeats) + " more of the same rule\n";
     return text;
+}
+
+std::string briefTextOf(const Finding& finding) { return headOf(finding) + ", as before\n"; }
+
+bool FindingCauses::add(const Finding& finding) {
+    const std::string opened = finding.opened ? finding.opened->function : "";
+    return m_causes.insert({finding.rule, finding.addOnId, opened, finding.seen.function}).second;
 }
 
 void Findings::add(Finding finding) {

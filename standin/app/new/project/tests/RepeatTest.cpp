@@ -3,11 +3,15 @@
 
 namespace {
 
-// The add-on in a stand-in host. A breach of the host's contract fails the test, whatever it is about.
+// The add-on in a stand-in host. A breach of the host's contract fails the test, whatever it is about. The first test
+// that fails from a cause shows all about it, the others a line.
 class Repeat : public ::testing::Test {
 protected:
+    static void fail(const std::string& finding) { ADD_FAILURE() << finding; }
+    static inline vexa::standin::FindingCauses causes;
+
     vexa::standin::AddOnTester addOn{ADDON_FILE};
-    vexa::standin::ExpectNoFindings noFindings{addOn.host(), [](const std::string& text) { ADD_FAILURE() << text; }};
+    vexa::standin::ExpectNoFindings noFindings{addOn.host(), fail, causes};
 };
 
 TEST_F(Repeat, RecordsWhatItUnderstood) {
