@@ -49,10 +49,10 @@ public:
     /// \param path a regular file. It becomes fileName(), also on failure.
     /// \return false, with the reason in `errno`, when the file cannot be opened, sized, held in memory, or read whole.
     ///         Nothing is thrown. What is held after a failure depends on how far open() came:
-    ///         - before reading, the text and the lines of the file before stay: after a file that is missing or may not
-    ///           be read, a directory, a pipe, and when there is no memory for the text;
-    ///         - from reading on, no file is held: when reading fails or comes back short, or when there is no memory
-    ///           for the table of lines.
+    ///         - Before it reads, the text and lines of the previous file are kept: the file is missing or forbidden, a
+    ///           directory or a pipe, or there is no memory for its text.
+    ///         - After that, no file is held: reading fails or comes back short, or there is no memory for the table of
+    ///           lines.
     /// \warning A pipe without a writer is waited for; one with a writer is refused, for it has no size.
     bool open(const std::string& path);
     /// Lets go of the text. The name, the number of lines and the current line stay.
