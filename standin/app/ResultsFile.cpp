@@ -17,7 +17,7 @@ std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
-// The findings from the `done`th on. No more than ten of a rule are kept, so there are few.
+// The findings from the `done`th on. No more than ten of a rule and add-on are kept, so there are few.
 Json newFindings(const standin::Host& host, std::size_t& done) {
     const std::vector<standin::Finding> findings = host.violations();
     Json list = Json::array();

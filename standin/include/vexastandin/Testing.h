@@ -18,8 +18,8 @@ struct TestedCommand {
     std::string error;                  ///< the add-on's message, or what escaped from it; empty on success
     std::vector<std::string> recorded;  ///< the texts of the commands recorded meanwhile, ready to be run again
     std::vector<std::string> dialogs;   ///< the texts of the error dialogs that came up meanwhile
-    /// The breaches of rules that came to light meanwhile. Where more than ten are of one rule, the tenth comes again
-    /// and counts the others.
+    /// The breaches of rules that came to light meanwhile. Where more than ten are of one rule and add-on, the tenth
+    /// comes again and counts the others.
     std::vector<Finding> findings;
 };
 
