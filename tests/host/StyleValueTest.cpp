@@ -7,11 +7,13 @@
 
 #include "support/FailingAllocator.h"
 #include "support/GlobalLocale.h"
+#include "support/Sets.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::vexautilutil {
 namespace {
 
+using tests::setOf;
 using Path = std::vector<std::string>;
 
 struct Value {
@@ -30,12 +32,6 @@ void expectValue(const Value& value, ResultType_e type, const std::string& text)
     EXPECT_EQ(value.code, GetValueReturnCode_Ok);
     EXPECT_EQ(value.type, type);
     EXPECT_EQ(value.text, text);
-}
-
-toolbox::Set setOf(const char* text) {
-    toolbox::Set set;
-    set.assign(text);
-    return set;
 }
 
 class StyleValueTest : public testing::Test {

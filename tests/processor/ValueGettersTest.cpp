@@ -12,6 +12,7 @@
 
 #include "processor/ScriptedProcessor.h"
 #include "support/FailingAllocator.h"
+#include "support/Sets.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/OutOfMemoryException.h"
 #include "vexastandin/Host.h"
@@ -231,11 +232,10 @@ TEST(GetSetValue, ReadsASetAndItsClosingBracket) {
 }
 
 TEST(GetSetValue, LeavesTheClosingBracketOfAnEmptySetUnread) {
-    Set value;
-    value.insert(4);
+    Set value = tests::setOf("[4]");
     const Reading reading = readOption("[] next", [&](Processor& p) { return p.getSetValue(value); });
     EXPECT_EQ(reading.outcome, std::nullopt);
-    EXPECT_TRUE(value.isEmpty());
+    EXPECT_EQ(value.toString(), "[]");
     EXPECT_EQ(reading.rest, "]");
 }
 
@@ -243,17 +243,16 @@ TEST(GetSetValue, ReadsAnEmptySetWithABlankWhole) {
     Set value;
     const Reading reading = readOption("[ ] next", [&](Processor& p) { return p.getSetValue(value); });
     EXPECT_EQ(reading.outcome, std::nullopt);
-    EXPECT_TRUE(value.isEmpty());
+    EXPECT_EQ(value.toString(), "[]");
     EXPECT_EQ(reading.rest, "NEXT");
 }
 
 TEST(GetSetValue, RefusesAValueWithoutOpeningBracketAndReadsItsFirstCharacter) {
-    Set value;
-    value.insert(4);
+    Set value = tests::setOf("[4]");
     const Reading reading = readOption("1,2]", [&](Processor& p) { return p.getSetValue(value); });
     EXPECT_EQ(reading.outcome, "Error: Invalid Set syntax.  Missing starting [ for command option: Opt\n");
     EXPECT_EQ(reading.rest, ",2]");
-    EXPECT_TRUE(value.isEmpty()) << "emptied first";
+    EXPECT_EQ(value.toString(), "[]") << "emptied first";
 }
 
 TEST(GetSetValue, RefusesTheEndAsAMissingBracket) {
@@ -263,12 +262,11 @@ TEST(GetSetValue, RefusesTheEndAsAMissingBracket) {
 }
 
 TEST(GetSetValue, RefusesASetWithoutClosingBracketAndStaysBehindTheOpeningOne) {
-    Set value;
-    value.insert(4);
+    Set value = tests::setOf("[4]");
     const Reading reading = readOption("[1,2", [&](Processor& p) { return p.getSetValue(value); });
     EXPECT_EQ(reading.outcome, "Error: Invalid Set syntax.  Missing ending ] for command option: Opt\n");
     EXPECT_EQ(reading.rest, "1,2");
-    EXPECT_TRUE(value.isEmpty());
+    EXPECT_EQ(value.toString(), "[]");
 }
 
 TEST(GetSetValue, RefusesALoneOpeningBracket) {
@@ -279,12 +277,11 @@ TEST(GetSetValue, RefusesALoneOpeningBracket) {
 
 TEST(GetSetValue, RefusesWhatTheSetRefusesAndReadsPastIt) {
     for (const char* command : {"[3-1] next", "[1~2] next"}) {
-        Set value;
-        value.insert(4);
+        Set value = tests::setOf("[4]");
         const Reading reading = readOption(command, [&](Processor& p) { return p.getSetValue(value); });
         EXPECT_EQ(reading.outcome, "Error: Invalid Set syntax. for command option: Opt\n") << command;
         EXPECT_EQ(reading.rest, "NEXT") << command;
-        EXPECT_TRUE(value.isEmpty()) << command;
+        EXPECT_EQ(value.toString(), "[]") << command;
     }
 }
 

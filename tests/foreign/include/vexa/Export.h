@@ -1,0 +1,3 @@
+#pragma once
+
+#define FOREIGN_API __attribute__((visibility("default")))
