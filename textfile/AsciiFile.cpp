@@ -129,7 +129,11 @@ std::string AsciiFile::readLineAtOffset(uint64_t index) const { return readRawLi
 
 const char* AsciiFile::readRawLine() { return readRawLineAtOffset(m_impl->currentLine++); }
 
-std::string AsciiFile::readLine() { return readRawLine(); }
+std::string AsciiFile::readLine() {
+    std::string line = readLineAtOffset(m_impl->currentLine);
+    ++m_impl->currentLine;  // not when there is no memory for the copy
+    return line;
+}
 
 bool AsciiFile::isEmptyLine(uint64_t index) const { return *skipSpace(readRawLineAtOffset(index)) == '\0'; }
 

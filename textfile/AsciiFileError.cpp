@@ -10,7 +10,10 @@ namespace vexa::vexautilutil {
 namespace {
 
 constexpr std::size_t kFormattedSize = 4096;
+constexpr std::string_view kFirstValue = "1$";
 constexpr std::string_view kFlagsAndSizes = "-+ #'0123456789.";
+
+bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 // Whether `printf` may be given `format` and one value: it must find one conversion, one of `conversions`, with
 // `modifier` before it. Anything else would make it read what is not there.
@@ -19,12 +22,13 @@ bool fitsOneValue(std::string_view format, std::string_view modifier, std::strin
     for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at)) {
         format.remove_prefix(at + 1);
         at = 0;
-        if (format.substr(0, 1) == "%") {
+        if (startsWith(format, "%")) {
             at = 1;
             continue;
         }
+        if (startsWith(format, kFirstValue)) format.remove_prefix(kFirstValue.size());
         format.remove_prefix(std::min(format.find_first_not_of(kFlagsAndSizes), format.size()));
-        if (format.substr(0, modifier.size()) != modifier) return false;
+        if (!startsWith(format, modifier)) return false;
         format.remove_prefix(modifier.size());
         if (format.empty() || conversions.find(format.front()) == std::string_view::npos) return false;
         ++found;
@@ -35,11 +39,13 @@ bool fitsOneValue(std::string_view format, std::string_view modifier, std::strin
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"  // checked above, which is where a wrong one is harmless
 
-// What `printf` makes of a format that fits, cut at the end of the buffer.
+// What `printf` makes of a format that fits, cut at the end of the buffer; any other format as it stands. Either ends
+// at its first NUL.
 template <class Value>
-std::string formatted(const std::string& format, Value value) {
+std::string formatted(const char* format, std::string_view modifier, std::string_view conversions, Value value) {
+    if (!fitsOneValue(format, modifier, conversions)) return format;
     std::array<char, kFormattedSize> text{};
-    std::snprintf(text.data(), text.size(), format.c_str(), value);
+    std::snprintf(text.data(), text.size(), format, value);
     return text.data();
 }
 
@@ -55,11 +61,11 @@ void AsciiFile::error(const std::string& message, std::size_t lineNumber) const 
 void AsciiFile::error(const std::string& message) const { error(message, currentLineNumber()); }
 
 void AsciiFile::errorWithFormattedString(const std::string& format, const std::string& value) const {
-    error(fitsOneValue(format, "", "s") ? formatted(format, value.c_str()) : format);
+    error(formatted(format.c_str(), "", "s", value.c_str()));
 }
 
 void AsciiFile::errorWithFormattedInteger(const std::string& format, long value) const {
-    error(fitsOneValue(format, "l", "dioxXu") ? formatted(format, value) : format);
+    error(formatted(format.c_str(), "l", "dioxXu", value));
 }
 
 }  // namespace vexa::vexautilutil

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -38,6 +39,14 @@ void preferLargePages(std::vector<uint64_t>& table) {
     auto* const begin = reinterpret_cast<char*>(table.data());
     const std::size_t toPage = kPage - reinterpret_cast<uintptr_t>(begin) % kPage;
     madvise(begin + toPage, (size - toPage) / kPage * kPage, MADV_HUGEPAGE);
+}
+
+// The estimate may be too large. When there is no memory for it, the table grows as lines are found.
+void reserveFor(const char* text, std::size_t size, std::vector<uint64_t>& offsets) {
+    try {
+        offsets.reserve(offsets.size() + estimatedLines(text, size));
+        preferLargePages(offsets);
+    } catch (const std::bad_alloc&) {}
 }
 
 // Takes the lines in the order of their ends. Offsets go to the table many at a time, which is cheaper than one by one.
@@ -125,8 +134,7 @@ std::size_t splitStrides(char*, std::size_t, LineCollector&) { return 0; }
 
 void splitLines(char* text, std::size_t size, std::vector<uint64_t>& offsets) {
     if (*text == '\0') return;
-    offsets.reserve(offsets.size() + estimatedLines(text, size));
-    preferLargePages(offsets);
+    reserveFor(text, size, offsets);
     LineCollector lines(offsets);
     std::size_t at = splitStrides(text, size, lines);
     for (; text[at] != '\0'; ++at) {

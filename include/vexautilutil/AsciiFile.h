@@ -80,7 +80,8 @@ public:
     std::string readLineAtOffset(uint64_t index) const;
     /// The text of the current line, which then moves on. Not copied.
     const char* readRawLine();
-    /// A copy of the text of the current line, which then moves on.
+    /// A copy of the text of the current line, which then moves on. When there is no memory for the copy, the current
+    /// line stays.
     std::string readLine();
 
     /// Whether line \p index has nothing but white space: blank, tab, vertical tab, form feed.
@@ -98,11 +99,14 @@ public:
     /// The same, for currentLineNumber(): right after a line was read, that line counted from 1.
     void error(const std::string& message) const;
     /// Formats the message as `printf` does, and shows it as error(message) does.
-    /// \param format has exactly one conversion, `%s` or one like it (`%-8s`); else it is shown as it stands.
+    /// \param format has exactly one conversion, `%s` or one like it (`%-8s`, `%1$s`); else it is shown as it stands.
+    /// It
+    ///               ends at its first NUL.
     /// \param value  a result of more than 4095 characters is cut there.
     void errorWithFormattedString(const std::string& format, const std::string& value) const;
     /// The same, for an integer.
-    /// \param format has exactly one conversion, `%ld` or one like it (`%5ld`, `%lx`); else it is shown as it stands.
+    /// \param format has exactly one conversion, `%ld` or one like it (`%5ld`, `%lx`, `%1$ld`); else it is shown as it
+    ///               stands. It ends at its first NUL.
     void errorWithFormattedInteger(const std::string& format, long value) const;
     /// @}
 

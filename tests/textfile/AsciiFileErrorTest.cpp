@@ -152,6 +152,33 @@ TEST_F(AsciiFileError, FormatsAnIntegerInOtherWays) {
     EXPECT_EQ(shown(), "%000000ff % on line 1 in file: FILE");
 }
 
+TEST_F(AsciiFileError, FormatsAValueThatIsNamedByItsNumber) {
+    read(1);
+    m_file.errorWithFormattedString("<%1$-6.2s> %%", "ZONE");
+    m_file.errorWithFormattedInteger("<%1$5ld>", -3);
+    EXPECT_EQ(m_host.dialogs(), (std::vector<std::string>{"<ZO    > % on line 1 in file: " + m_path,
+                                                          "<   -3> on line 1 in file: " + m_path}));
+}
+
+TEST_F(AsciiFileError, EndsAFormatAtItsFirstNul) {
+    const struct {
+        const char* why;
+        std::string format;
+        const char* text;
+    } cases[] = {{"a conversion before it", std::string("<%s>\0 %s", 8), "<value>"},
+                 {"none before it", std::string("none\0 %s", 8), "none"},
+                 {"two before it", std::string("%s %s\0", 6), "%s %s"},
+                 {"in the middle of a conversion", std::string("%\0s", 3), "%"},
+                 {"at once", std::string("\0%s", 3), ""}};
+    read(1);
+    for (const auto& c : cases) {
+        m_file.errorWithFormattedString(c.format, "value");
+        EXPECT_EQ(m_host.dialogs().back(), c.text + (" on line 1 in file: " + m_path)) << c.why;
+    }
+    m_file.errorWithFormattedInteger(std::string("%ld\0%ld", 7), 7);
+    EXPECT_EQ(m_host.dialogs().back(), "7 on line 1 in file: " + m_path);
+}
+
 TEST_F(AsciiFileError, CutsAFormattedTextAndKeepsWhatFollows) {
     read(1);
     m_file.errorWithFormattedString("%s", std::string(5000, 'v'));
@@ -178,9 +205,11 @@ TEST_F(AsciiFileError, FormatsValuesWithPercentSigns) {
 
 TEST_F(AsciiFileError, ShowsAFormatThatDoesNotFitTheValueAsItStands) {
     read(1);
-    const char* const stringFormats[] = {"none", "%s %s", "two %s%s", "%ld", "%n", "%*s", "%", "%-", "100%%", "%ls"};
+    const char* const stringFormats[] = {"none",  "%s %s", "two %s%s", "%ld", "%n",     "%*s",       "%",    "%-",
+                                         "100%%", "%ls",   "%2$s",     "%1$", "%1$1$s", "%1$s %1$s", "%11$s"};
     for (const char* format : stringFormats) m_file.errorWithFormattedString(format, "value");
-    const char* const integerFormats[] = {"none", "%ld %ld", "%d", "%dx", "%s", "%lf", "%ln", "%*ld", "%l", "%"};
+    const char* const integerFormats[] = {"none", "%ld %ld", "%d", "%dx", "%s",    "%lf",
+                                          "%ln",  "%*ld",    "%l", "%",   "%2$ld", "%1$d"};
     for (const char* format : integerFormats) m_file.errorWithFormattedInteger(format, 7);
 
     const std::vector<std::string> dialogs = m_host.dialogs();
