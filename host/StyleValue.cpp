@@ -96,9 +96,14 @@ void setNumber(double value, ResultType_e& resultType, std::string& result) {
     resultType = ResultType_Double;
 }
 
+// A host that has no set leaves no handle, and a set need not take such a one.
+std::string setText(VexaArbParam value) {
+    return value == 0 ? toolbox::Set().toString() : toolbox::Set(reinterpret_cast<Set_s*>(value)).toString();
+}
+
 std::string textOf(VexaArbParam value, ResultType_e type) {
     switch (type) {
-        case ResultType_Set: return toolbox::Set(reinterpret_cast<Set_s*>(value)).toString();
+        case ResultType_Set: return setText(value);
         case ResultType_String: return value == 0 ? "" : reinterpret_cast<const char*>(value);
         default: return std::to_string(value);
     }

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <new>
 #include <set>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -89,7 +90,7 @@ Set::Set(const Set& other) : m_impl(std::make_unique<Impl>(*other.m_impl)) { ++f
 
 Set::Set(Set_s* handle) : m_impl(std::make_unique<Impl>()) {
     ++foreign::setCalls().constructedFromHandle;
-    if (handle == nullptr) return;
+    if (handle == nullptr) throw std::logic_error("There is no handle");
     int64_t first = 0;
     int64_t last = -1;
     while (VexaUtilSetNextRange(handle, last + 1, &first, &last) != 0) m_impl->insert(first, last);

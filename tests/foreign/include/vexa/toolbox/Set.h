@@ -10,7 +10,8 @@ struct Set_s;
 namespace vexa::toolbox {
 
 /// A set of integers with the operations that the library may use and no others. It counts them, see
-/// foreign/SetCalls.h. Its text form is that of this project's own set, without stepped ranges.
+/// foreign/SetCalls.h. A null handle makes it throw std::logic_error. Its text form is that of this project's own set,
+/// without stepped ranges.
 class FOREIGN_API Set {
 public:
     Set();
