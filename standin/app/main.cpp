@@ -104,7 +104,8 @@ ExitStatus_e guardedMain(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: out of memory\n", kProgramName);
     } catch (const std::exception& error) {
-        tell(kProgramName, std::string("unexpected error: ") + error.what());
+        const char* const text = error.what();
+        tell(kProgramName, std::string("unexpected error: ") + (text == nullptr ? "no message" : text));
     } catch (...) {
         std::fprintf(stderr, "%s: unexpected error\n", kProgramName);
     }

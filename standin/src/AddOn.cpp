@@ -3,15 +3,17 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <array>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 
+#include "ObjectFile.h"
 #include "Text.h"
 #include "Whereabouts.h"
+
+// dlopen(), which initializes the globals of the object, and so may throw: its own declaration says that it does not.
+extern "C" void* openObject(const char* path, int mode) __asm__("dlopen");
 
 namespace vexa::standin {
 namespace {
@@ -21,26 +23,18 @@ constexpr char kEntryName[] = "vexaAddOn";
 // The loader looks a bare name up in the system's folders, where nobody expects it to look.
 std::string withFolder(const std::string& path) { return path.find('/') == std::string::npos ? "./" + path : path; }
 
-// Why the file cannot be a shared object; empty when it may be one.
+// Why the file cannot be loaded; empty when the loader may try.
 std::string whyNoFile(const std::string& path) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (status.type() == std::filesystem::file_type::not_found) return "no such file";
     if (error) return error.message();
-    return std::filesystem::is_regular_file(status) ? "" : "not a regular file";
-}
-
-bool hasObjectFormat(const std::string& path) {
-    constexpr std::array<char, 4> kMagic = {'\x7f', 'E', 'L', 'F'};
-    std::array<char, kMagic.size()> start{};
-    std::ifstream(path, std::ios::binary).read(start.data(), start.size());
-    return start == kMagic;
+    return std::filesystem::is_regular_file(status) ? whyNotLoadable(path) : "not a regular file";
 }
 
 // The loader's own text begins with the path, and names a missing symbol at its end.
 std::string whyNotLoaded(const std::string& path, std::string_view loaderText) {
     constexpr std::string_view kUndefined = "undefined symbol: ";
-    if (!hasObjectFormat(path)) return "not a shared object";
     const std::string prefix = path + ": ";
     if (loaderText.substr(0, prefix.size()) == prefix) loaderText.remove_prefix(prefix.size());
     if (loaderText.substr(0, kUndefined.size()) == kUndefined) {
@@ -57,7 +51,8 @@ std::optional<std::string> whatEscapes(const std::string& place, const Action& a
         action();
         return std::nullopt;
     } catch (const std::exception& exception) {
-        return "an exception escaped from " + place + ": " + exception.what();
+        return "an exception escaped from " + place + ": " +
+               (isNullOrEmpty(exception.what()) ? "no message" : exception.what());
     } catch (...) {
         return "an exception of unknown type escaped from " + place;
     }
@@ -82,7 +77,10 @@ AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>
     m_info.path = withFolder(path);
     const std::string noFile = whyNoFile(m_info.path);
     if (!noFile.empty()) throw refusal(noFile);
-    m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
+    const std::optional<std::string> escaped = whatEscapes("the initialization of its globals", [this] {
+        m_object.reset(openObject(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
+    });
+    if (escaped) throw refusal(*escaped);
     if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
     m_entry = reinterpret_cast<AddOnEntry>(dlsym(m_object.get(), kEntryName));
     if (m_entry == nullptr) throw refusal("it exports no function vexaAddOn, so it is no add-on");

@@ -128,7 +128,7 @@ TEST(LoadAddOn, RefusesFilesThatAreNoAddOns) {
          writtenFile("standin-cut-off.so",
                      "\x7f"
                      "ELF"),
-         "it cannot be loaded: file too short"},
+         "it is truncated"},
         {"needs what is not there", addOnFile("unresolved"), "unresolved symbol suppliedByNobody"},
         {"another library", addOnFile("no-entry"), "it exports no function vexaAddOn, so it is no add-on"},
     };
@@ -148,6 +148,8 @@ TEST(LoadAddOn, RefusesAddOnsThatDoNotKeepTheRules) {
     const Case cases[] = {
         {"throwing", "an exception escaped from its entry vexaAddOn: no licence: ask for one"},
         {"throwing-integer", "an exception of unknown type escaped from its entry vexaAddOn"},
+        {"throwing-speechless", "an exception escaped from its entry vexaAddOn: no message"},
+        {"throwing-empty", "an exception escaped from its entry vexaAddOn: no message"},
         {"refusing", "it refuses to be loaded (its entry returned null)"},
         {"other-version", "it was built for version 7 of the add-on interface, but the host has version 1"},
         {"null-id", "it has no id"},
@@ -161,6 +163,14 @@ TEST(LoadAddOn, RefusesAddOnsThatDoNotKeepTheRules) {
         EXPECT_FALSE(isInMemory(addOnFile(c.file))) << c.file;
     }
     EXPECT_TRUE(host.addOns().empty());
+}
+
+TEST(LoadAddOn, RefusesAnAddOnWhoseGlobalsThrow) {
+    Host host;
+    EXPECT_EQ(refusalOf(host, addOnFile("throwing-global")),
+              addOnFile("throwing-global") +
+                  ": an exception escaped from the initialization of its globals: no licence: ask for one");
+    EXPECT_EQ(host.loadAddOn(addOnFile("probe")).id, "PROBE");
 }
 
 TEST(LoadAddOn, RefusesAnIdThatIsTaken) {

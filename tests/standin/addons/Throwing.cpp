@@ -1,5 +1,6 @@
-// An add-on whose entry throws the exception THROWN.
+// An add-on whose entry, or a global of which, throws the exception THROWN.
 
+#include <exception>
 #include <stdexcept>
 
 #include "vexa/AddOn.h"
@@ -11,6 +12,14 @@ struct [[maybe_unused]] NoLicence : std::runtime_error {
     NoLicence() : std::runtime_error("no licence:\nask for one") {}
 };
 
+struct [[maybe_unused]] Speechless : std::exception {
+    const char* what() const noexcept override { return nullptr; }
+};
+
 }  // namespace
+
+#ifdef WHEN_LOADED
+[[maybe_unused]] const int global = []() -> int { throw THROWN; }();
+#endif
 
 const VexaAddOn_s* vexaAddOn(AddOnList_s*) { throw THROWN; }
