@@ -33,4 +33,10 @@ std::string countsText(const CheckReport& report) {
     return text;
 }
 
+std::size_t refusedWrites(const CheckReport& report) {
+    std::size_t count = 0;
+    for (const ReportedTest& test : report.tests) count += test.result.refusedWrites;
+    return count;
+}
+
 }  // namespace vexa::runner

@@ -36,4 +36,7 @@ bool isPassed(const CheckReport& report);
 /// How often each outcome came: "7 passed, 1 skipped, 2 crashed".
 std::string countsText(const CheckReport& report);
 
+/// How often confinements refused to change a file, in all tests.
+std::size_t refusedWrites(const CheckReport& report);
+
 }  // namespace vexa::runner

@@ -39,8 +39,9 @@ struct CheckTest {
     const char* why;      ///< what users suffer from add-ons that do not pass
     /// Runs it. What the add-on does wrong is returned, or thrown as a CaseFailed.
     Verdict (*run)(Trial& trial);
-    /// Whether its commands may be anything. They may write anywhere then, so it works in a copy of the current folder;
-    /// and the macro of its verdict can be made smaller.
+    /// Whether its commands are texts that the user did not write. They may write anywhere, so the test works in a copy
+    /// of the current folder, in a process that can write nowhere else; and the macro of its verdict can be made
+    /// smaller.
     bool isWild = false;
 };
 

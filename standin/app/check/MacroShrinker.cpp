@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "check/BlackBox.h"
+#include "check/Confinement.h"
 #include "check/FreeRun.h"
 #include "check/MacroLine.h"
 #include "check/WatchedProcess.h"
@@ -70,6 +71,7 @@ private:
     // In the process of a try.
     Verdict verdictOn(const std::vector<MacroStep>& steps) const {
         try {
+            if (m_subject.confinement != nullptr) m_subject.confinement->enter();
             Trial trial(m_subject, *m_box);
             return {Outcome_e::Passed, brokenRules(findingsOf(trial, steps))};
         } catch (const std::exception&) {  // it is not the add-on that is at fault

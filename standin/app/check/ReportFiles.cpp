@@ -88,6 +88,7 @@ std::string jsonText(const CheckReport& report) {
                          {"summary", test.result.test->summary},
                          {"outcome", nameOf(test.result.verdict.outcome)},
                          {"seconds", secondsOf(test.result)},
+                         {"refusedWrites", test.result.refusedWrites},
                          {"reason", test.result.verdict.reason},
                          {"reproduce", printable(test.reproduce)}});
     }
@@ -110,7 +111,10 @@ std::string junitText(const CheckReport& report) {
                          firstLine(verdict.reason), withReproduction(test)});
     }
     return junitText(std::string(kTool) + ' ' + report.addOn,
-                     {{"seed", std::to_string(report.seed)}, {"level", std::to_string(report.level)}}, cases);
+                     {{"seed", std::to_string(report.seed)},
+                      {"level", std::to_string(report.level)},
+                      {"refused-writes", std::to_string(refusedWrites(report))}},
+                     cases);
 }
 
 std::string sarifText(const CheckReport& report) {
@@ -124,6 +128,7 @@ std::string sarifText(const CheckReport& report) {
                    {"version", "2.1.0"},
                    {"runs", Json::array({{{"tool", {{"driver", driver}}},
                                           {"invocations", Json::array({{{"executionSuccessful", true}}})},
+                                          {"properties", {{"refusedWrites", refusedWrites(report)}}},
                                           {"results", results}}})}});
 }
 

@@ -31,7 +31,9 @@ void removeAll(const fs::path& path) noexcept {
 
 ScratchFolder::ScratchFolder() : m_path(newFolder()) {
     try {
-        copy(fs::current_path(), m_path);
+        fs::create_directory(temporary());
+        fs::create_directory(copy());
+        fill(fs::current_path(), copy());
     } catch (...) {
         removeAll(m_path);
         throw;
@@ -40,7 +42,7 @@ ScratchFolder::ScratchFolder() : m_path(newFolder()) {
 
 ScratchFolder::~ScratchFolder() { removeAll(m_path); }
 
-void ScratchFolder::copy(const fs::path& from, const fs::path& to) {
+void ScratchFolder::fill(const fs::path& from, const fs::path& to) {
     for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
         const fs::path name = entry.path().filename();
         // The copy may lie within the folder that is copied.
@@ -50,7 +52,7 @@ void ScratchFolder::copy(const fs::path& from, const fs::path& to) {
             fs::copy_symlink(entry.path(), to / name);
         } else if (entry.is_directory()) {
             fs::create_directory(to / name);
-            copy(entry.path(), to / name);
+            fill(entry.path(), to / name);
         } else if (entry.is_regular_file()) {
             m_bytes += entry.file_size();
             if (m_bytes <= kMostBytes) fs::copy_file(entry.path(), to / name);

@@ -17,10 +17,15 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
 
+    /// All of it: the copy, and the folder for temporary files.
     const std::filesystem::path& path() const { return m_path; }
+    /// The copy.
+    std::filesystem::path copy() const { return m_path / "copy"; }
+    /// A folder for temporary files.
+    std::filesystem::path temporary() const { return m_path / "tmp"; }
 
 private:
-    void copy(const std::filesystem::path& from, const std::filesystem::path& to);
+    void fill(const std::filesystem::path& from, const std::filesystem::path& to);
 
     std::filesystem::path m_path;
     std::uintmax_t m_bytes = 0;

@@ -8,9 +8,11 @@
 #include <new>
 #include <optional>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 #include "check/BlackBox.h"
+#include "check/Confinement.h"
 #include "check/Lines.h"
 #include "check/MacroShrinker.h"
 #include "check/ScratchFolder.h"
@@ -20,6 +22,7 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kOutputLines = 12;
+constexpr const char* kWritesAnywhere = "its commands may write under any name";
 
 std::string whatWasTried(const BlackBox& box) {
     const std::string tried = box.tried.text();
@@ -127,19 +130,48 @@ Subject withAbsoluteFiles(Subject subject) {
     return subject;
 }
 
-Verdict runWild(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
-    const Subject movable = withAbsoluteFiles(subject);
+// In the test's process, whose commands may be anything.
+Verdict confinedVerdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
+    try {
+        subject.confinement->enter();
+    } catch (const std::system_error& error) {
+        return {Outcome_e::Skipped,
+                std::string(kWritesAnywhere) + ", and this system has nothing to confine it by: " + error.what()};
+    }
+    return verdictOf(test, subject, box);
+}
+
+std::string refusalsText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " attempt to change a file outside of its folder was refused"
+                                               : " attempts to change files outside of its folder were refused");
+}
+
+void runWild(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box,
+             TestResult& result) {
+    Verdict& verdict = result.verdict;
+    if (setting.inProcess) {
+        verdict = {Outcome_e::Skipped,
+                   std::string(kWritesAnywhere) + ", and only a process of its own can be confined"};
+        return;
+    }
+    Subject movable = withAbsoluteFiles(subject);
     std::optional<ScratchFolder> scratch;
     try {
         scratch.emplace();
     } catch (const std::exception& error) {
-        return {Outcome_e::Skipped, std::string("it works in a copy of the current folder, and there is none: ") +
-                                        error.what() + "\nrun it where the files of the macros are, and little else"};
+        verdict = {Outcome_e::Skipped, std::string("it works in a copy of the current folder, and there is none: ") +
+                                           error.what() +
+                                           "\nrun it where the files of the macros are, and little else"};
+        return;
     }
-    const CurrentFolder there(scratch->path());
-    Verdict verdict = runTame(test, movable, setting, box);
-    if (!setting.inProcess) shrinkMacro(verdict, movable, setting);
-    return verdict;
+    const Confinement confinement(scratch->path(), scratch->temporary());
+    movable.confinement = &confinement;
+    const CurrentFolder there(scratch->copy());
+    const auto task = [&] { return confinedVerdictOf(test, movable, box); };
+    verdict = judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    result.refusedWrites = confinement.refusals();
+    if (result.refusedWrites > 0) addLine(verdict.reason, refusalsText(result.refusedWrites));
+    shrinkMacro(verdict, movable, setting);
 }
 
 }  // namespace
@@ -149,7 +181,11 @@ TestResult runTest(const CheckTest& test, const Subject& subject, const TestSett
     const auto begin = BlackBox::Clock::now();
     TestResult result;
     result.test = &test;
-    result.verdict = (test.isWild ? runWild : runTame)(test, subject, setting, *box);
+    if (test.isWild) {
+        runWild(test, subject, setting, *box, result);
+    } else {
+        result.verdict = runTame(test, subject, setting, *box);
+    }
     result.duration = std::chrono::duration_cast<std::chrono::milliseconds>(BlackBox::Clock::now() - begin);
     result.addOnIds = linesOf(box->addOnIds.text());
     return result;

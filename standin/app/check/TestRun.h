@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ struct TestResult {
     const CheckTest* test = nullptr;
     Verdict verdict;
     std::chrono::milliseconds duration{};
+    std::size_t refusedWrites = 0;      ///< how often the confinement of the test refused to change a file
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
 };
 

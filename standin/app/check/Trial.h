@@ -14,6 +14,7 @@
 
 namespace vexa::runner {
 
+class Confinement;
 struct BlackBox;
 
 /// A command of one of the macros.
@@ -28,13 +29,14 @@ std::string macroOf(const std::vector<MacroStep>& steps);
 
 /// What is checked, and by what.
 struct Subject {
-    std::string addOn;                    ///< the add-on's file
-    std::vector<std::string> others;      ///< the files of further add-ons, which the macros need
-    std::vector<MacroStep> steps;         ///< the commands of all macros, in order
-    std::vector<StyleSetting> style;      ///< the host's style settings
-    std::vector<std::string> suppressed;  ///< rules whose breaches pass
-    std::uint64_t seed = 0;               ///< of all that is random
-    std::chrono::milliseconds time{};     ///< for how long a test that could go on for ever does
+    std::string addOn;                         ///< the add-on's file
+    std::vector<std::string> others;           ///< the files of further add-ons, which the macros need
+    std::vector<MacroStep> steps;              ///< the commands of all macros, in order
+    std::vector<StyleSetting> style;           ///< the host's style settings
+    std::vector<std::string> suppressed;       ///< rules whose breaches pass
+    std::uint64_t seed = 0;                    ///< of all that is random
+    std::chrono::milliseconds time{};          ///< for how long a test that could go on for ever does
+    const Confinement* confinement = nullptr;  ///< what a process of the test enters; null when it writes anywhere
 };
 
 /// What the add-on did wrong. Ends the test.
