@@ -40,6 +40,16 @@ TEST_F(CheckReports, TellProgramsAll) {
     EXPECT_GE(crashed.at("seconds").get<double>(), 0.0);
 }
 
+TEST_F(CheckReports, TellEveryCauseInFull) {
+    EXPECT_EQ(result.out.find("SIGABRT: "), result.out.rfind("SIGABRT: ", result.out.find("2 tests have the cause")))
+        << result.out;
+    const auto json = nlohmann::json::parse(read("c.json"));
+    const auto& again = json.at("tests").at(3);
+    EXPECT_EQ(again.at("name"), "record-replay");
+    EXPECT_NE(again.at("reason").get<std::string>().find("during: ROGUE abort"), std::string::npos) << again;
+    EXPECT_NE(again.at("reproduce").get<std::string>().find("record-replay"), std::string::npos) << again;
+}
+
 TEST_F(CheckReports, TellBuildServersInTheFormOfJUnit) {
     boost::property_tree::ptree xml;
     std::istringstream text(read("c.xml"));

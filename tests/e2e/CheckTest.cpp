@@ -98,7 +98,9 @@ TEST_F(Check, RefusesWrongUsageAndInput) {
         {"a missing macro", {addOn, "--macro", "gone.macro"}, "gone.macro: cannot be read"},
         {"a macro for another add-on", {addOn, "--macro", "wrong.macro"}, "wrong.macro:1: no add-on 'OTHER' is loaded"},
         {"a wrong style file", {addOn, "--style", "style.json"}, "style.json:1:1"},
-        {"one file for two reports", {addOn, "--json", "r", "--sarif", "./r"}, "./r: cannot be written: the run uses it as r, too"},
+        {"one file for two reports",
+         {addOn, "--json", "r", "--sarif", "./r"},
+         "./r: cannot be written: the run uses it as r, too"},
         {"a report that cannot be written",
          {addOn, "--json", "gone/report.json"},
          "gone/report.json: cannot be written"},
@@ -405,6 +407,27 @@ TEST_F(Check, PlaysBackWhatIsRecorded) {
         EXPECT_TRUE(cameOut(result, "record-replay", c.outcome)) << result.out;
         EXPECT_TRUE(has(result, c.out)) << result.out;
     }
+}
+
+std::size_t countOf(const std::string& part, const std::string& text) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++count;
+    return count;
+}
+
+TEST_F(Check, TellsACauseOnceWithOneCommandThatShowsIt) {
+    write("m.mcr", "MISBEHAVING unbalanced-lock\n");
+    const ProgramResult result = runProgram(
+        runner({"check", ADDON_MISBEHAVING, "--macro", "m.mcr", "--suppress", "unbalanced-status", "--level", "2"}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(cameOut(result, "stop-pressed", "failed")) << result.out;
+    EXPECT_EQ(countOf("hint:  Hold the lock", result.out), 1U) << result.out;
+    EXPECT_EQ(countOf("reproduce: vexa-standin run", result.out), 1U) << result.out;
+    EXPECT_EQ(countOf("\n      as above (commands-in-order)\n", result.out), 11U) << result.out;
+    EXPECT_TRUE(has(result,
+                    "12 tests have the cause that commands-in-order shows: m.mcr:1: MISBEHAVING: error: the "
+                    "command ended without VexaUtilLockFinish"))
+        << result.out;
 }
 
 }  // namespace

@@ -143,6 +143,17 @@ TEST_F(CheckTorture, MakesTheMacroOfACrashSmall) {
     EXPECT_EQ(runShrunk("quote-crash", "mutated-text").status, 5);
 }
 
+TEST_F(CheckTorture, QuotesTheBeginningOfASmallMacroThatIsLong) {
+    const ProgramResult result = check("long-crash", "mutated-text");
+    const std::string head = "a smaller macro shows the same:\n          ";
+    const std::size_t begin = result.out.find(head);
+    ASSERT_NE(begin, std::string::npos) << result.out;
+    const std::string macro = read(macroOf("mutated-text"));
+    const std::size_t quoted = begin + head.size();
+    EXPECT_GT(macro.size(), 250U);
+    EXPECT_EQ(result.out.substr(quoted, result.out.find('\n', quoted) - quoted), macro.substr(0, 200) + "...");
+}
+
 TEST_F(CheckTorture, MakesTheMacroOfAHangSmall) {
     const ProgramResult result = check("quote-hang", "mutated-text");
     EXPECT_EQ(result.status, 1) << result.out;

@@ -25,6 +25,7 @@
 #include "check/CheckTests.h"
 #include "check/ReportFiles.h"
 #include "check/TestRun.h"
+#include "check/ToldCauses.h"
 #include "check/Trial.h"
 
 namespace vexa::runner {
@@ -180,8 +181,9 @@ private:
         if (isOfInterest) reported.reproduce = reproducingCommand(result);
         std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
                     secondsText(result.duration).c_str());
-        if (!verdict.reason.empty()) print(indented(verdict.reason) + '\n');
-        if (!reported.reproduce.empty()) print("      reproduce: " + reported.reproduce + '\n');
+        const ToldCauses::Told told = m_causes.tell(result.test->name, verdict);
+        if (!told.text.empty()) print(indented(told.text) + '\n');
+        if (told.isNew) print("      reproduce: " + reported.reproduce + '\n');
         std::fflush(stdout);
         m_report.tests.push_back(reported);
     }
@@ -224,6 +226,8 @@ private:
     ExitStatus_e conclude() {
         const bool written = writeReports();
         const bool passed = isPassed(m_report);
+        const std::string causes = m_causes.summary();
+        if (!causes.empty()) std::printf("%s\n", causes.c_str());
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
         if (!written || m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
         return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
@@ -247,6 +251,7 @@ private:
     TestSetting m_setting{m_signals};
     std::set<std::string> m_addOnIds;
     CheckReport m_report;
+    ToldCauses m_causes;
     RunFiles m_files;
     std::list<ReportFile> m_reports;
     bool m_isUnwritten = false;  // a macro could not be written

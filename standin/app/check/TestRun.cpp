@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "ShortText.h"
 #include "check/BlackBox.h"
 #include "check/Confinement.h"
 #include "check/Lines.h"
@@ -113,7 +114,7 @@ void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& se
     if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
     std::string smaller = shrunkMacro(setting.signals, subject, setting.timeout, verdict.macro);
     if (smaller == verdict.macro) return;
-    addLine(verdict.reason, "a smaller macro shows the same:\n    " + smaller);
+    addLine(verdict.reason, "a smaller macro shows the same:\n    " + shortText(smaller));
     verdict.macro = std::move(smaller);
 }
 

@@ -25,6 +25,7 @@ enum class Mistake {
     LeaksSetWithoutMemory,
     LetsBadAllocEscape,
     CrashesOnOpenQuote,
+    CrashesOnLongText,
     HangsOnOpenQuote,
     LeaksStringForControlCharacter,
     RecordsQuotesUnescaped
@@ -128,6 +129,8 @@ std::string quotedText(const char* at) {
         text += *at;
     }
     if (at[1] != '\0') throw Failure("there is more behind the text");
+    constexpr std::size_t kLong = 250;
+    if (kMistake == Mistake::CrashesOnLongText && text.size() > kLong) std::abort();
     return text;
 }
 
