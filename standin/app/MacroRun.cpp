@@ -21,7 +21,7 @@
 #include "MacroText.h"
 #include "OutputTarget.h"
 #include "PlainStatus.h"
-#include "Printable.h"
+#include "PrintedOutput.h"
 #include "Replay.h"
 #include "ResultsFile.h"
 #include "RunNotes.h"
@@ -84,7 +84,7 @@ public:
     MacroRun& operator=(const MacroRun&) = delete;
     ~MacroRun() { m_stopButton.disarm(); }
 
-    ExitStatus_e execute() { return finish(runToEnd()); }
+    ExitStatus_e execute() { return finish(checkOutput(runToEnd())); }
 
 private:
     // An output on the standard output may come between, in the same terminal.
@@ -116,15 +116,7 @@ private:
         if (m_options.contract.isStrict() && written && !m_isStopped) written = replayRecording();
         if (ready) m_findings.tellEnd();
         if (ready && m_options.verbose) tell(m_summary);
-        return written && isPrinted() ? statusOfRun() : ExitStatus_e::BadUsageOrInput;
-    }
-
-    // What add-ons printed may still lie in the buffer; a full disk shows only now.
-    static bool isPrinted() {
-        if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
-        tell(kProgramName, "the standard output could not be written");
-        std::clearerr(stdout);
-        return false;
+        return written ? statusOfRun() : ExitStatus_e::BadUsageOrInput;
     }
 
     ExitStatus_e statusOfRun() const {

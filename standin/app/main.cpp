@@ -14,6 +14,7 @@
 #include "ExitStatus.h"
 #include "ExplainCommand.h"
 #include "ListCommand.h"
+#include "PrintedOutput.h"
 #include "RunCommand.h"
 #include "StyleCommand.h"
 #include "check/CheckCommand.h"
@@ -77,13 +78,6 @@ ExitStatus_e runProgram(int argc, char** argv) {
     }
     if (chosen) return chosen();
     std::fputs(app.help().c_str(), stderr);
-    return ExitStatus_e::BadUsageOrInput;
-}
-
-// What was printed may still lie in the buffer; a full disk shows only now.
-ExitStatus_e checkOutput(ExitStatus_e status) {
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
-    tell(kProgramName, "the standard output could not be written");
     return ExitStatus_e::BadUsageOrInput;
 }
 

@@ -416,16 +416,16 @@ std::size_t countOf(const std::string& part, const std::string& text) {
 }
 
 TEST_F(Check, TellsACauseOnceWithOneCommandThatShowsIt) {
-    write("m.mcr", "MISBEHAVING unbalanced-lock\n");
+    write("m.macro", "MISBEHAVING unbalanced-lock\n");
     const ProgramResult result = runProgram(
-        runner({"check", ADDON_MISBEHAVING, "--macro", "m.mcr", "--suppress", "unbalanced-status", "--level", "2"}));
+        runner({"check", ADDON_MISBEHAVING, "--macro", "m.macro", "--suppress", "unbalanced-status", "--level", "2"}));
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(cameOut(result, "stop-pressed", "failed")) << result.out;
     EXPECT_EQ(countOf("hint:  Hold the lock", result.out), 1U) << result.out;
     EXPECT_EQ(countOf("reproduce: vexa-standin run", result.out), 1U) << result.out;
     EXPECT_EQ(countOf("\n      as above (commands-in-order)\n", result.out), 11U) << result.out;
     EXPECT_TRUE(has(result,
-                    "12 tests have the cause that commands-in-order shows: m.mcr:1: MISBEHAVING: error: the "
+                    "12 tests have the cause that commands-in-order shows: m.macro:1: MISBEHAVING: error: the "
                     "command ended without VexaUtilLockFinish"))
         << result.out;
 }

@@ -150,7 +150,7 @@ TEST_F(CheckTorture, QuotesTheBeginningOfASmallMacroThatIsLong) {
     ASSERT_NE(begin, std::string::npos) << result.out;
     const std::string macro = read(macroOf("mutated-text"));
     const std::size_t quoted = begin + head.size();
-    EXPECT_GT(macro.size(), 250U);
+    EXPECT_GT(macro.size(), 200U);
     EXPECT_EQ(result.out.substr(quoted, result.out.find('\n', quoted) - quoted), macro.substr(0, 200) + "...");
 }
 

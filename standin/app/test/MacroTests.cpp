@@ -235,6 +235,9 @@ private:
             case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", transcript.explained()};
             case TranscriptEnd_e::CommandHung:
                 return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained()};
+            case TranscriptEnd_e::OutputLost:
+                m_isBroken = true;
+                return {false, "the standard output could not be written", transcript.text()};
             case TranscriptEnd_e::NotRun: break;
         }
         m_isBroken = true;

@@ -17,6 +17,7 @@
 #include "FindingTeller.h"
 #include "Hang.h"
 #include "MacroFile.h"
+#include "PrintedOutput.h"
 #include "SeverityName.h"
 #include "Watchdog.h"
 #include "vexastandin/Host.h"
@@ -58,6 +59,7 @@ public:
         noteNews();
         for (const MacroCommand& command : m_macro.commands) run(command);
         unload();
+        if (!isOutputWhole()) return TranscriptEnd_e::OutputLost;
         const ContractOptions& contract = m_options.contract;
         const bool isBroken = contract.isStrict() && hasBreach(m_host, contract.warningsAsErrors.value_or(false));
         return isBroken ? TranscriptEnd_e::Broken : TranscriptEnd_e::Whole;

@@ -24,6 +24,7 @@ enum class TranscriptEnd_e : int {
     Broken = 11,       ///< so they do, and with --strict the contract was broken
     NotRun = 12,       ///< the macro could not be run; the notes tell why
     CommandHung = 13,  ///< the notes hold the transcript up to a command that did not return
+    OutputLost = 14,   ///< the notes lack what was printed: an add-on closed the standard output
 };
 
 /// \name What a transcript is told by

@@ -1,6 +1,8 @@
 // An add-on that does what its commands say: `SAY hello` prints, `FAIL text` fails, and so on. A `|` in an argument
 // stands for a line feed. Its id and title are compiled in, so that several can be loaded side by side.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -141,6 +143,8 @@ bool killProcess(const std::string&, char**) {
     return std::raise(SIGKILL) == 0;
 }
 
+bool closeOutput(const std::string&, char**) { return close(STDOUT_FILENO) == 0; }
+
 struct Command {
     const char* name;
     bool (*run)(const std::string& argument, char** errMsg);
@@ -169,6 +173,7 @@ constexpr Command kCommands[] = {
     {"THROWATSHUTDOWN", throwAtShutdown},
     {"DIALOGATSHUTDOWN", showDialogAtShutdown},
     {"KILL", killProcess},
+    {"CLOSEOUT", closeOutput},
 };
 
 VexaBoolean execute(const char* text, char** errMsg) {

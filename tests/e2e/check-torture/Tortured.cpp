@@ -129,7 +129,7 @@ std::string quotedText(const char* at) {
         text += *at;
     }
     if (at[1] != '\0') throw Failure("there is more behind the text");
-    constexpr std::size_t kLong = 250;
+    constexpr std::size_t kLong = 190;
     if (kMistake == Mistake::CrashesOnLongText && text.size() > kLong) std::abort();
     return text;
 }
