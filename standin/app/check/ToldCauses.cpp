@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <set>
-#include <sstream>
 #include <string_view>
 
 #include "ShortText.h"
@@ -70,13 +69,6 @@ std::string essence(const std::string& line) {
     const std::size_t quote = line.rfind('"');
     const std::string essential = quote == std::string::npos ? line : line.substr(0, quote + 1);
     return withoutNumber(withoutNumber(essential, "call "), "thread ");
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
 }
 
 // An end of the process is one cause: how it ended, and in the middle of what.
