@@ -1,15 +1,24 @@
 #include "Console.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "Printable.h"
 #include "Screen.h"
+#include "StartsWith.h"
+#include "Terminal.h"
 
 namespace vexa::runner {
 namespace {
 
 constexpr std::string_view kBlanksAndLineEnds = " \t\r\n";
 constexpr std::string_view kIndentation = "    ";
+constexpr std::string_view kError = "error";
+constexpr std::string_view kWarning = "warning";
+constexpr const char* kPlaceColour = "\033[1m";
+constexpr const char* kErrorColour = "\033[1;31m";
+constexpr const char* kWarningColour = "\033[1;33m";
+constexpr const char* kUsualColour = "\033[0m";
 
 std::string withFollowingLinesIndented(std::string_view text) {
     std::string lines;
@@ -20,13 +29,32 @@ std::string withFollowingLinesIndented(std::string_view text) {
     return lines;
 }
 
+std::string coloured(std::string_view text, const char* colour) {
+    return wantsColour() && !text.empty() ? colour + printable(text) + kUsualColour : printable(text);
+}
+
 }  // namespace
 
-void tell(const std::string& place, std::string_view text) { tell(place + ": " + std::string(text)); }
+void tell(const std::string& place, std::string_view text) {
+    const std::string_view shown = withoutTrailingBlanks(text);
+    if (shown.empty()) return tell(place + ':');
+    tellLines(withFollowingLinesIndented(place), withFollowingLinesIndented(shown) + '\n');
+}
 
-void tell(std::string_view message) { tellLines(withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n'); }
+void tell(std::string_view message) {
+    tellLines("", withFollowingLinesIndented(withoutTrailingBlanks(message)) + '\n');
+}
 
-void tellLines(std::string_view lines) { passOn(printable(lines)); }
+void tellLines(std::string_view place, std::string_view lines) {
+    std::string text = coloured(place, kPlaceColour);
+    if (!place.empty()) text += ": ";
+    for (const auto& [word, colour] : {std::pair{kError, kErrorColour}, std::pair{kWarning, kWarningColour}}) {
+        if (!startsWith(lines, std::string(word) + ": ")) continue;
+        text += coloured(word, colour);
+        lines.remove_prefix(word.size());
+    }
+    passOn(text + printable(lines));
+}
 
 void passOn(const std::string& lines) {
     if (Screen* const screen = Screen::current()) return screen->tell(lines);

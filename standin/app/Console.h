@@ -17,14 +17,15 @@ inline constexpr const char* kProgramName = "vexa-standin";
 ///     // sweep.macro:3: STATS: no such zone
 ///     //     zones are 1 to 4
 ///
-/// Blanks and line feeds at the end of \p text are left away.
+/// Blanks and line feeds at the end of \p text are left away. When the user wants colour, the place has one, and so has
+/// the word "error" or "warning" at the start of \p text.
 void tell(const std::string& place, std::string_view text);
 
 /// The same for a message that names its place itself.
 void tell(std::string_view message);
 
-/// The same for lines that are laid out already.
-void tellLines(std::string_view lines);
+/// The same for lines that are laid out already. Without a place they name it themselves.
+void tellLines(std::string_view place, std::string_view lines);
 
 /// The same for lines that a process of this program put on its standard error output: what it said is printable
 /// already, and what its add-ons printed is theirs. They stay as they are.

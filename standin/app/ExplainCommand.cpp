@@ -1,5 +1,7 @@
 #include "ExplainCommand.h"
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
@@ -13,6 +15,7 @@
 #include "ContractPage.h"
 #include "RuleNames.h"
 #include "SeverityName.h"
+#include "Terminal.h"
 #include "WrappedText.h"
 #include "vexastandin/Finding.h"
 
@@ -26,8 +29,6 @@ Exit status:
   0  all went well
   2  wrong usage, or there is no such rule)";
 
-constexpr std::size_t kWidth = 79;
-
 struct ExplainOptions {
     std::optional<std::string> rule;  // all of them without
     bool markdown = false;            // the page of all rules
@@ -38,7 +39,12 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
+std::size_t outputWidth() { return textColumnsOf(STDOUT_FILENO) - 1; }
+
+// A line a rule, which is continued below its text in a terminal. A narrow one has the text below the name.
 std::string listOfRules() {
+    constexpr std::size_t kLeastText = 40;
+    const std::size_t width = isTerminal(STDOUT_FILENO) ? outputWidth() : std::string::npos;
     std::size_t nameWidth = 0;
     for (const standin::Rule& rule : standin::rules()) nameWidth = std::max(nameWidth, std::strlen(rule.name));
     std::string list;
@@ -46,15 +52,19 @@ std::string listOfRules() {
     for (const standin::Rule& rule : standin::rules()) {
         if (family != rule.family) list += (family.empty() ? "" : "\n") + std::string(rule.family) + '\n';
         family = rule.family;
-        list += "  " + padded(rule.name, nameWidth) + "  " + padded(nameOf(rule.severity), std::strlen("warning")) +
-                "  " + rule.summary + '\n';
+        const std::string name = "  " + padded(rule.name, nameWidth) + "  ";
+        const std::string start = name + padded(nameOf(rule.severity), std::strlen("warning")) + "  ";
+        list += width >= start.size() + kLeastText
+                    ? wrapped(rule.summary, width, start)
+                    : name + nameOf(rule.severity) + '\n' + wrapped(rule.summary, width, "    ");
     }
     return list;
 }
 
 std::string explanationOf(const standin::Rule& rule) {
-    return std::string(rule.name) + ", " + nameOf(rule.severity) + "\n\n" + wrapped(rule.summary, kWidth, "  Rule:  ") +
-           wrapped(rule.why, kWidth, "  Why:   ") + wrapped(rule.hint, kWidth, "  Hint:  ");
+    return std::string(rule.name) + ", " + nameOf(rule.severity) + "\n\n" +
+           wrapped(rule.summary, outputWidth(), "  Rule:  ") + wrapped(rule.why, outputWidth(), "  Why:   ") +
+           wrapped(rule.hint, outputWidth(), "  Hint:  ");
 }
 
 ExitStatus_e print(const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Console.h"
@@ -14,7 +15,7 @@ void FindingTeller::tellNew() {
     for (; m_told < findings.size(); ++m_told) {
         standin::Finding finding = findings[m_told];
         finding.repeats = 0;  // there may be more to come
-        tellLines(textOf(finding));
+        tellFinding(finding);
     }
 }
 
@@ -27,6 +28,14 @@ void FindingTeller::tellEnd() const {
     for (const std::string& rule : m_host.unusedSuppressions()) {
         tell(kProgramName, "warning: " + rule + " is suppressed, but was not broken");
     }
+}
+
+void tellFinding(const standin::Finding& finding) {
+    const std::string text = textOf(finding);
+    const std::string& line = finding.seen.macroLine;
+    const std::string& addOn = finding.addOnId;
+    const std::string place = line + (line.empty() || addOn.empty() ? "" : ": ") + addOn;
+    tellLines(place, std::string_view(text).substr(place.empty() ? 0 : place.size() + 2));
 }
 
 bool hasBreach(const standin::Host& host, bool countsWarnings) {

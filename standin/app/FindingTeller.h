@@ -26,6 +26,9 @@ private:
     std::size_t m_told = 0;
 };
 
+/// Tells the user of \p finding.
+void tellFinding(const standin::Finding& finding);
+
 /// Whether \p host found a breach of a rule of severity error, or of any rule, if \p countsWarnings.
 bool hasBreach(const standin::Host& host, bool countsWarnings);
 

@@ -275,7 +275,7 @@ private:
         if (m_entered.host == nullptr) return endUnread();
         const standin::Finding finding = hangFinding(m_entered.host->lastCall(), m_entered.calls, limit());
         m_findings.tellNew();
-        tellLines(textOf(finding));
+        tellFinding(finding);
         m_host.report(finding);
         const MacroCommand* const command = m_current;
         if (command != nullptr) addResult(*command, false, "the command has not returned", limit().count());

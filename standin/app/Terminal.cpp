@@ -3,13 +3,18 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kUsualColumns = 80;
+
+std::optional<bool> theColour;
 
 std::string_view environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -29,6 +34,17 @@ std::size_t columnsOf(int descriptor) {
     return window.ws_col;
 }
 
-bool wantsColour() { return environment("NO_COLOR").empty(); }
+std::size_t textColumnsOf(int descriptor) {
+    if (!isTerminal(descriptor)) return kUsualColumns;
+    const std::string_view told = environment("COLUMNS");
+    std::size_t columns = 0;
+    const auto [end, error] = std::from_chars(told.data(), told.data() + told.size(), columns);
+    const bool isNumber = error == std::errc() && end == told.data() + told.size() && columns > 0;
+    return isNumber ? columns : columnsOf(descriptor);
+}
+
+bool wantsColour() { return theColour.value_or(environment("NO_COLOR").empty() && isTerminal(STDERR_FILENO)); }
+
+void chooseColour(bool wanted) { theColour = wanted; }
 
 }  // namespace vexa::runner

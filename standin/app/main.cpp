@@ -5,18 +5,22 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
 
+#include "ColourOption.h"
 #include "CommandLine.h"
 #include "Console.h"
 #include "Corrections.h"
 #include "ExitStatus.h"
 #include "ExplainCommand.h"
+#include "HelpFormatter.h"
 #include "ListCommand.h"
 #include "PrintedOutput.h"
 #include "RunCommand.h"
 #include "StyleCommand.h"
+#include "Terminal.h"
 #include "check/CheckCommand.h"
 #include "manual/ManualCommand.h"
 #include "new/NewCommand.h"
@@ -55,6 +59,7 @@ ExitStatus_e refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
 ExitStatus_e runProgram(int argc, char** argv) {
     Action chosen;
     CLI::App app(kAbout, kProgramName);
+    app.formatter(std::make_shared<HelpFormatter>(textColumnsOf(STDOUT_FILENO)));
     app.set_version_flag("--version", std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION);
     addNewCommand(app, chosen);
     addRunCommand(app, chosen);
@@ -66,6 +71,8 @@ ExitStatus_e runProgram(int argc, char** argv) {
     addListCommand(app, chosen);
     addStyleCommand(app, chosen);
     addManualCommand(app, chosen);
+    addColourOption(app);
+    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; })) addColourOption(*command);
     app.footer(kFooter);
     app.require_subcommand(0, 1);
     try {

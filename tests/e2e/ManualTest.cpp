@@ -95,7 +95,7 @@ TEST_F(Manual, CompletesWordByWord) {
         {"tests of the check", "vexa-standin check --only load", "load load-unload\n"},
         {"files are left to bash", "vexa-standin run --addon ''", "\n"},
         {"numbers are nobody's", "vexa-standin run --jobs ''", "\n"},
-        {"an option's value is no command", "vexa-standin list --addon run --addon x --", "--help --addon\n"},
+        {"an option's value is no command", "vexa-standin list --addon run --addon x --", "--help --addon --color\n"},
     };
     for (const Case& c : cases) EXPECT_EQ(completion(c.words), c.offered) << c.why;
 }

@@ -59,6 +59,7 @@ std::string testNames() {
 std::string valuesFor(const std::string& name) {
     if (name == "RULE") return ruleNames();
     if (name == "NAME") return testNames();
+    if (name == "WHEN") return "auto always never";
     for (const char* file : {"FILE", "MACRO", "TRACE", "FOLDER"}) {
         if (startsWith(name, file)) return "files";
     }
