@@ -7,6 +7,8 @@ namespace {
 
 bool isIn(unsigned char byte, unsigned first, unsigned last) { return byte >= first && byte <= last; }
 
+bool isPlain(char c) { return c >= ' ' && c <= '~'; }
+
 // U+202A to U+202E and U+2066 to U+2069: a text that they turn around reads as another one.
 bool turnsDirection(unsigned char first, unsigned char second, unsigned char third) {
     if (first != 0xE2) return false;
@@ -23,7 +25,13 @@ template <class LayOut>
 std::string shownBy(std::string_view text, const LayOut& layOut) {
     std::string shown;
     shown.reserve(text.size());
-    while (!text.empty()) {
+    for (;;) {
+        // Nearly all is of ASCII, and quickly passed over.
+        const auto plainEnd = std::find_if_not(text.begin(), text.end(), isPlain);
+        const auto plain = static_cast<std::size_t>(plainEnd - text.begin());
+        shown += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) return shown;
         const std::size_t length = printableLength(text);
         if (length != 0) {
             shown += text.substr(0, length);
@@ -34,7 +42,6 @@ std::string shownBy(std::string_view text, const LayOut& layOut) {
         }
         text.remove_prefix(std::max<std::size_t>(length, 1));
     }
-    return shown;
 }
 
 }  // namespace
@@ -55,7 +62,7 @@ std::size_t printableLength(std::string_view text) {
     const auto continues = [&](std::size_t i) { return isIn(byte(i), 0x80, 0xBF); };
     const unsigned char first = byte(0);
     const unsigned char second = byte(1);
-    if (isIn(first, 0x20, 0x7E)) return 1;
+    if (!text.empty() && isPlain(text.front())) return 1;
     if (isIn(first, 0xC2, 0xDF)) return continues(1) && !(first == 0xC2 && second < 0xA0) ? 2 : 0;
     if (isIn(first, 0xE0, 0xEF)) {
         const bool isRefused = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "Console.h"
+#include "FindingTeller.h"
 #include "MemoryFile.h"
 #include "ResultsFile.h"
 #include "RunNotes.h"
@@ -121,7 +122,7 @@ void WatchedRun::take(const Message& message, RunningProcessInterface& process) 
 ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
-        tellLines(lateText(box));
+        tellFinding(lateFinding(box));
         return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
     }
     if (outcome.end == End_e::Died) {

@@ -88,6 +88,15 @@ TEST_F(EditingRepl, CompletesIdsAndFilesInATerminal) {
     EXPECT_EQ(program.finish(), 0) << program.output();
 }
 
+TEST_F(EditingRepl, CompletesNoIdThatATerminalWouldObey) {
+    PtyProgram program(runner({"repl", "--addon", ADDON_HARMFUL}), kColumns, terminal());
+    ASSERT_TRUE(program.waitFor("> ")) << program.output();
+    program.type("EV\t\nquit\n");
+    EXPECT_EQ(program.finish(), 0) << program.output();
+    EXPECT_EQ(program.output().find("EVIL"), std::string::npos) << program.output();
+    EXPECT_NE(program.output().find("no add-on 'EV' is loaded"), std::string::npos) << program.output();
+}
+
 TEST_F(EditingRepl, BringsLinesOfBeforeBack) {
     for (const char* keys : {"ONE ECHO first\n", "\x1b[A\n"}) {
         PtyProgram program(repl(), kColumns, terminal());

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <set>
@@ -103,7 +105,10 @@ private:
 
     void readLines() {
         std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
-        for (const std::string& id : m_ids) words += id + '\n';
+        for (const std::string& id : m_ids) {
+            // What is completed is put on the terminal as it is.
+            if (printableLine(id) == id) words += id + '\n';
+        }
         for (;;) {
             std::fflush(stdout);
             const std::string answer = m_notes.ask(kLineNote, words);

@@ -60,10 +60,11 @@ std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
     return placeOf(box) + ": error: an add-on ended the process after \"" + work + "\": " + how;
 }
 
-std::string lateText(const ProcessBox& box) {
+standin::Finding lateFinding(const ProcessBox& box) {
     const std::chrono::duration<double> waited = box.limit();
-    if (box.isInAddOn) return textOf(hangFinding(lastPlaceOf(box), box.callsBefore, waited));
-    return placeOf(box) + ": error: the process for the add-ons did not end after \"" + workOf(box) + "\"\n";
+    standin::Finding finding = hangFinding(lastPlaceOf(box), box.callsBefore, waited);
+    if (!box.isInAddOn) finding.message = "the process for the add-ons did not end after \"" + workOf(box) + '"';
+    return finding;
 }
 
 void tellStopAsked(const ProcessBox& box) {

@@ -17,8 +17,8 @@ standin::Place lastPlaceOf(const ProcessBox& box);
 /// What to tell of a process that an add-on ended: a line that names the place, the command and the last host call.
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome);
 
-/// What to tell of a process that was killed because it took longer than it may.
-std::string lateText(const ProcessBox& box);
+/// The finding about a process that was killed because it took longer than it may.
+standin::Finding lateFinding(const ProcessBox& box);
 
 /// Tells the user that he asked to stop, and how to end the program at once.
 void tellStopAsked(const ProcessBox& box);
