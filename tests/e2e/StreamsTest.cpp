@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include "PtyProgram.h"
 #include "RunnerTest.h"
 
 namespace vexa::e2e {
@@ -77,6 +78,12 @@ TEST_F(Streams, MayBeAFile) {
         EXPECT_EQ(shell(arguments, "> out").status, 0);
         EXPECT_EQ(read("out").rfind(output.begin, 0), 0U) << read("out");
     }
+}
+
+TEST_F(Streams, MayBeATerminal) {
+    PtyProgram terminal(runner({"run", "m.macro", "--addon", ADDON_ONE, "--json", "/dev/stdout"}), 200);
+    EXPECT_EQ(terminal.finish(), 0);
+    EXPECT_NE(terminal.output().find("{\"place\":\"m.macro:1\""), std::string::npos) << terminal.output();
 }
 
 TEST_F(Streams, ThatAreClosedAreAnError) {
