@@ -170,6 +170,12 @@ template <typename Found>
     kept = found<Found>(text, at, readDouble(text, at));
 }
 
+// What is inline in the header is exported, too, for add-ons whose compiler does not inline it.
+[[gnu::used]] constexpr struct {
+    bool (Scanner::*hasNextChar)() const;
+    char (Scanner::*nextChar)();
+} kInlineButExported = {&Scanner::hasNextChar, &Scanner::nextChar};
+
 }  // namespace
 
 Scanner::Scanner() = default;
@@ -185,11 +191,7 @@ void Scanner::reset(const std::string& text) {
 
 void Scanner::skipWhitespace() { m_position = afterWhiteSpace(m_text, m_position); }
 
-bool Scanner::hasNextChar() const { return m_position < m_text.size(); }
-
 bool Scanner::hasNextChar(char c) const { return hasNextChar() && m_text[m_position] == c; }
-
-char Scanner::nextChar() { return hasNextChar() ? m_text[m_position++] : '\0'; }
 
 bool Scanner::hasNextToken() const { return !findToken(m_text, m_position, m_int64).empty(); }
 

@@ -49,11 +49,11 @@ public:
     void skipWhitespace();
 
     /// Whether a character is left.
-    bool hasNextChar() const;
+    VEXAHOSTLIBS_API bool hasNextChar() const { return m_position < m_text.size(); }
     /// Whether the next character is \p c.
     bool hasNextChar(char c) const;
     /// Returns the next character, white space included, and moves past it. At the end: returns NUL and stays.
-    char nextChar();
+    VEXAHOSTLIBS_API char nextChar() { return hasNextChar() ? m_text[m_position++] : '\0'; }
 
     /// Whether, after white space, a token is left.
     bool hasNextToken() const;
