@@ -37,6 +37,8 @@ namespace vexa::vexautilutil {
 /// Errors: a getter that meets bad input stores one message and returns false; the last message stored before
 ///         processCommand() returns false is handed to the host. Each message begins with "Error: ". Once an option's
 ///         name has been read, " for command option: ", the name as written and a line feed follow.
+/// Scanner: a getter asks the scanner whether something is left before it reads. Only getSetValue() reads the opening
+///         bracket without asking; whatever the scanner returns at the end of the command, no set is read there.
 /// Threads: one processor is for one thread at a time. The host is called on the caller's thread.
 /// The order of the virtual operations is part of the binary contract.
 class VEXAUTILUTIL_API MacroCommandProcessorAbstract {
