@@ -63,7 +63,7 @@ private:
         if (addOnId.empty() || addOnId.front() == '#') return;
         const bool isBlank = line.find_first_not_of(" \t\v\f\r") == std::string_view::npos;
         if (kAddOnIds.count(addOnId) == 0 || isBlank) return refused.push_back(number);
-        commands.push_back({number, addOnId, std::string(line)});
+        commands.push_back({number, addOnId, std::string(line), ""});
     }
 
     // Takes the first word, and the blanks on both sides of it.

@@ -1,6 +1,8 @@
 #include "AddOns.h"
 
 #include "Console.h"
+#include "NearNames.h"
+#include "ShortText.h"
 
 namespace vexa::runner {
 
@@ -18,6 +20,16 @@ bool loadAddOns(standin::Host& host, const std::vector<std::string>& files) {
     bool allLoaded = true;
     for (const std::string& file : files) allLoaded &= loadAddOn(host, file);
     return allLoaded;
+}
+
+std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded) {
+    const std::string name = shortText(id);
+    const std::vector<std::string> ids(loaded.begin(), loaded.end());
+    std::string message = "no add-on '" + name + "' is loaded";
+    for (const std::string& one : ids) message += (&one == &ids.front() ? " (loaded: " : ", ") + one;
+    if (!ids.empty()) message += ')';
+    const std::vector<std::string> near = nearNames(name, ids);
+    return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
 }
 
 std::set<std::string> loadedIds(const standin::Host& host) {

@@ -13,9 +13,9 @@
 #include <system_error>
 #include <utility>
 
+#include "AddOns.h"
 #include "LastError.h"
 #include "MemoryFile.h"
-#include "ShortText.h"
 #include "StartsWith.h"
 #include "WholeFile.h"
 #include "vexastandin/Host.h"
@@ -63,7 +63,8 @@ std::string_view withoutLeadingBlanks(std::string_view text) {
 
 class MacroReader {
 public:
-    MacroReader(MacroFile& macro, const std::set<std::string>& addOnIds) : m_macro(macro), m_addOnIds(addOnIds) {}
+    MacroReader(MacroFile& macro, const std::set<std::string>& addOnIds, UnknownId_e unknownId)
+        : m_macro(macro), m_addOnIds(addOnIds), m_unknownId(unknownId) {}
 
     void read(const std::string& path) {
         std::optional<MemoryFile> copy;
@@ -93,11 +94,17 @@ private:
 
     void takeCommand(std::size_t lineNumber, MacroWords words) {
         const std::string& addOnId = words.addOnId;
-        if (m_addOnIds.count(addOnId) == 0)
-            return refuse(lineNumber, "no add-on '" + shortText(addOnId) + "' is loaded");
-        if (words.text.find_first_not_of(kWhiteSpace) == std::string::npos)
+        if (m_addOnIds.count(addOnId) == 0) return takeUnknown(lineNumber, std::move(words));
+        if (words.text.find_first_not_of(kWhiteSpace) == std::string::npos) {
             return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
-        m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text)});
+        }
+        m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text), ""});
+    }
+
+    void takeUnknown(std::size_t lineNumber, MacroWords words) {
+        std::string problem = noSuchAddOn(words.addOnId, m_addOnIds);
+        if (m_unknownId == UnknownId_e::RefusesFile) return refuse(lineNumber, problem);
+        m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text), std::move(problem)});
     }
 
     // The reader ends the file at a NUL, so one can only be behind the last line that it found.
@@ -139,6 +146,7 @@ private:
 
     MacroFile& m_macro;
     const std::set<std::string>& m_addOnIds;
+    UnknownId_e m_unknownId;
     AsciiFile m_file;
 };
 
@@ -153,11 +161,11 @@ MacroWords macroWords(std::string_view line) {
     return {std::string(line.substr(0, idEnd)), std::string(withoutLeadingBlanks(line.substr(idEnd)))};
 }
 
-MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds) {
+MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds, UnknownId_e unknownId) {
     MacroFile macro;
     macro.name = path == kStandardInput ? "<stdin>" : path;
     try {
-        MacroReader(macro, addOnIds).read(path);
+        MacroReader(macro, addOnIds, unknownId).read(path);
     } catch (const std::system_error& error) {
         macro.problems.push_back(macro.name + ": cannot be read: " + error.code().message());
     }

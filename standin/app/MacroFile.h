@@ -13,6 +13,13 @@ struct MacroCommand {
     std::size_t line = 0;  ///< where it stands, counted from 1
     std::string addOnId;   ///< the add-on it is for
     std::string text;      ///< the command, as written
+    std::string problem;   ///< why it cannot be run; empty when it can
+};
+
+/// What becomes of a command of an add-on that is not loaded.
+enum class UnknownId_e {
+    RefusesFile,    ///< it is a problem of the file
+    RefusesCommand  ///< it is a command with a problem of its own
 };
 
 /// A macro file, read and checked.
@@ -42,7 +49,10 @@ MacroWords macroWords(std::string_view line);
 ///
 /// Lines end with LF or CRLF; the last one may end with the file. A byte-order mark at the start is skipped. Refused
 /// are a line with a carriage return before its end, and one with a NUL byte, behind which nothing is looked at. The
-/// file may be a pipe or a device. \param addOnIds the loaded add-ons.
-MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds);
+/// file may be a pipe or a device.
+/// \param addOnIds  the loaded add-ons.
+/// \param unknownId what becomes of the lines of others.
+MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds,
+                        UnknownId_e unknownId = UnknownId_e::RefusesFile);
 
 }  // namespace vexa::runner

@@ -164,7 +164,8 @@ private:
 
     // A pipe may have no end.
     bool readMacro() {
-        const auto read = [&] { return readMacroFile(m_options.macroFile, loadedIds(m_host)); };
+        const UnknownId_e unknownId = m_options.keepGoing ? UnknownId_e::RefusesCommand : UnknownId_e::RefusesFile;
+        const auto read = [&] { return readMacroFile(m_options.macroFile, loadedIds(m_host), unknownId); };
         m_macro = inTime({nullptr, "", "", "reading of " + m_options.macroFile, 1}, read);
         for (const std::string& problem : m_macro.problems) tell(problem);
         return m_macro.problems.empty();
@@ -187,6 +188,7 @@ private:
 
     void runCommand(const MacroCommand& command) {
         if (m_options.verbose) tell(m_macro.place(command.line), command.addOnId + ' ' + command.text);
+        if (!command.problem.empty()) return refuse(command);
         const auto begin = std::chrono::steady_clock::now();
         const std::string place = m_macro.place(command.line);
         const auto execute = [&] { return m_host.run(command.addOnId, command.text, place); };
@@ -199,6 +201,13 @@ private:
         if (result.accepted) return;
         ++m_failed;
         tell(placeOf(command), failureText(result));
+    }
+
+    void refuse(const MacroCommand& command) {
+        ++m_run;
+        ++m_failed;
+        addResult(command, false, command.problem, 0);
+        tell(m_macro.place(command.line), command.problem);
     }
 
     void addResult(const MacroCommand& command, bool accepted, const std::string& error, double seconds) {

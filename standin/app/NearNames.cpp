@@ -1,6 +1,7 @@
 #include "NearNames.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <string_view>
 
@@ -26,8 +27,16 @@ std::size_t distance(std::string_view from, std::string_view to) {
     return steps[from.size()][to.size()];
 }
 
+void toLower(std::string& text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+}
+
 // What is a part of a name is as close to it as what has a slip of the pen.
-std::size_t remoteness(const std::string& name, const std::string& meant) {
+std::size_t remoteness(std::string name, std::string meant) {
+    toLower(name);
+    toLower(meant);
+    if (name == meant) return 0;
     const bool isPart = !name.empty() && meant.find(name) != std::string::npos;
     return isPart ? 1 : distance(name, meant);
 }

@@ -46,10 +46,10 @@ TEST_F(MacroFile, RefusesALine) {
         const char* err;
     };
     const Case cases[] = {
-        {"unknown id", "TWO ECHO a\n", "m.macro:1: no add-on 'TWO' is loaded\n"},
-        {"ids differ by case", "one ECHO a\n", "m.macro:1: no add-on 'one' is loaded\n"},
+        {"unknown id", "TWO ECHO a\n", "m.macro:1: no add-on 'TWO' is loaded (loaded: ONE)\n"},
+        {"ids differ by case", "one ECHO a\n", "m.macro:1: no add-on 'one' is loaded (loaded: ONE); did you mean ONE?\n"},
         {"a second byte-order mark", "\n\xEF\xBB\xBFONE ECHO a\n",
-         "m.macro:2: no add-on '\xEF\xBB\xBFONE' is loaded\n"},
+         "m.macro:2: no add-on '\xEF\xBB\xBFONE' is loaded (loaded: ONE)\n"},
         {"no command", "ONE\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
         {"no command, CRLF", "ONE\r\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
         {"only blanks for a command", "ONE \t \r\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
@@ -84,17 +84,17 @@ TEST_F(MacroFile, AllProblemsAreToldAndNothingRuns) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "m.macro:2: no add-on 'TWO' is loaded\n"
+              "m.macro:2: no add-on 'TWO' is loaded (loaded: ONE)\n"
               "m.macro:4: a command of 'ONE' was expected after its name\n"
-              "m.macro:5: no add-on 'THREE' is loaded\n");
+              "m.macro:5: no add-on 'THREE' is loaded (loaded: ONE)\n");
 }
 
 TEST_F(MacroFile, IsQuotedShortlyWhenAnIdIsLong) {
     const std::string whole(200, 'x');
-    EXPECT_EQ(runMacro(whole).err, "m.macro:1: no add-on '" + whole + "' is loaded\n");
-    EXPECT_EQ(runMacro(whole + 'x').err, "m.macro:1: no add-on '" + whole + "...' is loaded\n");
+    EXPECT_EQ(runMacro(whole).err, "m.macro:1: no add-on '" + whole + "' is loaded (loaded: ONE)\n");
+    EXPECT_EQ(runMacro(whole + 'x').err, "m.macro:1: no add-on '" + whole + "...' is loaded (loaded: ONE)\n");
     const std::string accented = std::string(199, 'x') + "\xC3\xA9";
-    EXPECT_EQ(runMacro(accented).err, "m.macro:1: no add-on '" + std::string(199, 'x') + "...' is loaded\n")
+    EXPECT_EQ(runMacro(accented).err, "m.macro:1: no add-on '" + std::string(199, 'x') + "...' is loaded (loaded: ONE)\n")
         << "no character is cut apart";
 }
 
@@ -102,7 +102,7 @@ TEST_F(MacroFile, IsShownAsItWasNamed) {
     write("m.macro", "TWO ECHO a\n");
     const std::string path = (folder() / "m.macro").string();
     const ProgramResult result = runProgram(runner({"run", path, "--addon", ADDON_ONE}));
-    EXPECT_EQ(result.err, path + ":1: no add-on 'TWO' is loaded\n");
+    EXPECT_EQ(result.err, path + ":1: no add-on 'TWO' is loaded (loaded: ONE)\n");
 }
 
 TEST_F(MacroFile, ThatIsMissingIsRefused) {
@@ -156,7 +156,7 @@ TEST_F(MacroFile, OfTheStandardInputHasItsProblemsPlacedThere) {
     const ProgramResult result = runProgram(program);
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "<stdin>:2: no add-on 'TWO' is loaded\n<stdin>:3: the line holds a NUL byte\n");
+    EXPECT_EQ(result.err, "<stdin>:2: no add-on 'TWO' is loaded (loaded: ONE)\n<stdin>:3: the line holds a NUL byte\n");
 }
 
 TEST_F(MacroFile, MayComeThroughAPipe) {
@@ -175,13 +175,14 @@ TEST_F(MacroFile, FromAPipeHasItsProblemsPlacedUnderItsName) {
     const ProgramResult result = runProgram({{"sh", "-c", command}, folder(), "", false});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "m.macro:2: the line holds a carriage return\nm.macro:3: no add-on 'TWO' is loaded\n");
+    EXPECT_EQ(result.err,
+              "m.macro:2: the line holds a carriage return\nm.macro:3: no add-on 'TWO' is loaded (loaded: ONE)\n");
 }
 
 TEST_F(MacroFile, MayBeOneOfTheSystemThatTellsNoSize) {
     const ProgramResult result = runProgram(runner({"run", "/proc/sys/kernel/ostype", "--addon", ADDON_ONE}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "/proc/sys/kernel/ostype:1: no add-on 'Linux' is loaded\n");
+    EXPECT_EQ(result.err, "/proc/sys/kernel/ostype:1: no add-on 'Linux' is loaded (loaded: ONE)\n");
 }
 
 TEST_F(MacroFile, LongerThanAnyBufferIsRead) {

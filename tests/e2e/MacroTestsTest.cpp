@@ -232,9 +232,10 @@ TEST_F(MacroTests, TellWhatCannotBeRun) {
     write("t/b.expected", "> ONE ECHO b\n  b\n");
     const ProgramResult result = test({"--accept"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out,
-              "failed t/a.macro: it cannot be run\nt/a.macro:1: no add-on 'TWO' is loaded\npassed t/b.macro\n"
-              "1 of 2 macros passed\n");
+    EXPECT_EQ(
+        result.out,
+        "failed t/a.macro: it cannot be run\nt/a.macro:1: no add-on 'TWO' is loaded (loaded: ONE)\npassed t/b.macro\n"
+        "1 of 2 macros passed\n");
     EXPECT_FALSE(std::filesystem::exists(folder() / "t/a.expected"));
 }
 
@@ -247,6 +248,21 @@ TEST_F(MacroTests, TakeSingleMacrosSideBySide) {
         runProgram(runner({"test", "t/a.macro", "t/b.macro", "--jobs", "2", "--addon", ADDON_PROGRESS}));
     EXPECT_EQ(result.status, 0) << result.out;
     EXPECT_EQ(result.out, "passed t/a.macro\npassed t/b.macro\n2 of 2 macros passed\n");
+}
+
+TEST_F(MacroTests, AreRefusedWhenTheirPathLeadsNowhere) {
+    std::filesystem::create_symlink("loop.macro", folder() / "loop.macro");
+    const std::string longName = std::string(300, 'a') + ".macro";
+    struct Case {
+        std::string path;
+        const char* reason;
+    };
+    for (const Case& c : {Case{"loop.macro", "Too many levels of symbolic links"}, {longName, "File name too long"}}) {
+        const ProgramResult result = runProgram(runner({"test", c.path, "--addon", ADDON_ONE}));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, c.path + ": cannot be read: " + c.reason + '\n');
+    }
 }
 
 TEST_F(MacroTests, AreReportedInTheFormOfJUnit) {

@@ -37,7 +37,7 @@ TEST_F(ManyRuns, NameThoseThatFailed) {
     EXPECT_EQ(result.out, "b\n");
     EXPECT_EQ(result.err,
               "a.macro:1: ONE: no\n"
-              "c.macro:1: no add-on 'TWO' is loaded\n"
+              "c.macro:1: no add-on 'TWO' is loaded (loaded: ONE)\n"
               "vexa-standin: 3 macro files run, 2 failed\n"
               "    a.macro: a command failed\n"
               "    c.macro: wrong input, or a file could not be read or written\n");

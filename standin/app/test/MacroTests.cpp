@@ -51,7 +51,8 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
     for (const auto& entry : fs::directory_iterator(folder, error)) {
         const fs::path& path = entry.path();
         if (path.extension() == kMacro) macros.push_back(path.string());
-        if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro))) {
+        std::error_code isUnknown;
+        if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
             throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");
         }
     }
@@ -64,7 +65,11 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
 std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
     std::vector<std::string> macros;
     for (const std::string& path : paths) {
-        if (fs::is_directory(path)) {
+        std::error_code error;
+        const fs::file_status status = fs::status(path, error);
+        const bool isOfNoFile = error && status.type() != fs::file_type::not_found;
+        if (isOfNoFile) throw PathError(path + ": cannot be read: " + error.message());
+        if (fs::is_directory(status)) {
             const std::vector<std::string> found = macrosIn(path);
             macros.insert(macros.end(), found.begin(), found.end());
         } else if (fs::path(path).extension() != kMacro) {
