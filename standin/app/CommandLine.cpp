@@ -7,13 +7,13 @@
 
 namespace vexa::runner {
 
-void addAddOnOption(CLI::App& command, std::vector<std::string>& files) {
+CLI::Option& addAddOnOption(CLI::App& command, std::vector<std::string>& files) {
     // One file per --addon, so that a macro file behind it is not taken for a second add-on.
-    command.add_option("--addon", files, "An add-on to load; may be given more than once")
-        ->required()
-        ->allow_extra_args(false)
-        ->check(CLI::Validator(whyNoStream, ""))
-        ->type_name("FILE.so");
+    return *command.add_option("--addon", files, "An add-on to load; may be given more than once")
+                ->required()
+                ->allow_extra_args(false)
+                ->check(CLI::Validator(whyNoStream, ""))
+                ->type_name("FILE.so");
 }
 
 std::string whyNoStream(const std::string& path) {

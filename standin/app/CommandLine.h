@@ -18,8 +18,8 @@ namespace vexa::runner {
 /// What the command line asks for. Each command, when it is found there, puts itself here; it runs afterwards.
 using Action = std::function<ExitStatus_e()>;
 
-/// Adds the option for add-ons to load, at least one.
-void addAddOnOption(CLI::App& command, std::vector<std::string>& files);
+/// Adds the option for add-ons to load, at least one unless made optional.
+CLI::Option& addAddOnOption(CLI::App& command, std::vector<std::string>& files);
 
 /// For options that name an add-on or a folder: what is wrong with `-`, which names a standard stream. CLI11's form of
 /// a check.

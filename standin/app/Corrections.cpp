@@ -24,6 +24,14 @@ std::vector<std::string> optionsOf(const CLI::App& command) {
 
 }  // namespace
 
+std::string unexpectedWords(const CLI::App& app) {
+    const std::vector<std::string> words = app.remaining(true);
+    std::string text =
+        words.size() == 1 ? "The following argument was not expected:" : "The following arguments were not expected:";
+    for (const std::string& word : words) text += ' ' + word;
+    return text;
+}
+
 std::vector<std::string> corrections(const CLI::App& app) {
     const std::vector<CLI::App*> parsed = app.get_subcommands();
     std::vector<std::string> messages;

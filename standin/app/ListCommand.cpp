@@ -16,7 +16,7 @@ namespace vexa::runner {
 namespace {
 
 constexpr const char* kListFooter = R"(Example:
-  vexa-standin list --addon ./libstats.so --addon ./libloader.so
+  vexa-standin list ./libstats.so ./libloader.so
 
 Exit status:
   0  all went well
@@ -64,10 +64,16 @@ ExitStatus_e listAddOns(const std::vector<std::string>& files) {
 
 void addListCommand(CLI::App& app, Action& chosen) {
     const auto files = std::make_shared<std::vector<std::string>>();
+    const auto more = std::make_shared<std::vector<std::string>>();
     CLI::App& list = *app.add_subcommand("list", "List add-ons: id, title, file");
     list.footer(kListFooter);
-    addAddOnOption(list, *files);
-    list.callback([files, &chosen] { chosen = [files] { return listAddOns(*files); }; });
+    list.add_option("FILE.so", *files, "The add-ons")->type_name("");
+    addAddOnOption(list, *more).required(false);
+    list.callback([files, more, &chosen] {
+        files->insert(files->end(), more->begin(), more->end());
+        if (files->empty()) throw CLI::RequiredError("FILE.so");
+        chosen = [files] { return listAddOns(*files); };
+    });
 }
 
 }  // namespace vexa::runner

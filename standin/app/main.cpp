@@ -50,9 +50,12 @@ void keepStandardStreamsTaken() {
 }
 
 ExitStatus_e refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
-    tell(kProgramName, error.what());
+    const bool hasUnexpectedWords = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+    tell(kProgramName, hasUnexpectedWords ? unexpectedWords(app) : error.what());
     for (const std::string& correction : corrections(app)) tell(kProgramName, correction);
-    tell(std::string("run '") + kProgramName + " --help' for the usage");
+    std::string command = kProgramName;
+    for (const CLI::App* subcommand : app.get_subcommands()) command += ' ' + subcommand->get_name();
+    tell("run '" + command + " --help' for the usage");
     return ExitStatus_e::BadUsageOrInput;
 }
 

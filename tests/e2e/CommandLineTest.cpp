@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "RunnerTest.h"
 
 namespace vexa::e2e {
@@ -10,7 +12,12 @@ std::vector<std::string> subcommands() {
     return {"new", "run", "repl", "test", "check", "report", "explain", "list", "style"};
 }
 
-const std::string kHint = "run 'vexa-standin --help' for the usage\n";
+// What a refused command line ends with: the help of its command, if it has one.
+std::string hintFor(const std::vector<std::string>& arguments) {
+    const std::vector<std::string> commands = subcommands();
+    const bool isCommand = std::find(commands.begin(), commands.end(), arguments[0]) != commands.end();
+    return "run 'vexa-standin " + (isCommand ? arguments[0] + ' ' : "") + "--help' for the usage\n";
+}
 
 TEST_F(CommandLine, HelpGoesToTheStandardOutput) {
     const ProgramResult result = runProgram(runner({"--help"}));
@@ -68,7 +75,7 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
         {"unknown option", {"run", "m.macro", "--addon", ADDON_ONE, "--fast"}, "--fast"},
         {"no macro file", {"run", "--addon", ADDON_ONE}, "MACROFILE"},
         {"no add-on to run with", {"run", "m.macro"}, "--addon"},
-        {"no add-on to list", {"list"}, "--addon"},
+        {"no add-on to list", {"list"}, "FILE.so"},
         {"option without its file", {"run", "m.macro", "--addon", ADDON_ONE, "--record"}, "--record"},
         {"option given twice", {"run", "m.macro", "--addon", ADDON_ONE, "--record", "a", "--record", "b"}, "--record"},
         {"one recording of two", {"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--record", "r"}, "--record"},
@@ -83,7 +90,7 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
          {"style", "--style", "s.json", "A", "B", "C", "D", "E", "F", "G"},
          "six keywords are the most"},
         {"an offset that is no number", {"style", "--style", "s.json", "A", "--offset1", "one"}, "--offset1"},
-        {"two subcommands", {"list", "--addon", ADDON_ONE, "run", "m.macro", "--addon", ADDON_ONE}, "run"},
+        {"two subcommands", {"check", ADDON_ONE, "run", "m.macro", "--addon", ADDON_ONE}, "run"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -92,8 +99,9 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err.rfind("vexa-standin: ", 0), 0U) << result.err;
         EXPECT_NE(result.err.find(c.part), std::string::npos) << result.err;
-        ASSERT_GE(result.err.size(), kHint.size());
-        EXPECT_EQ(result.err.substr(result.err.size() - kHint.size()), kHint);
+        const std::string hint = hintFor(c.arguments);
+        ASSERT_GE(result.err.size(), hint.size());
+        EXPECT_EQ(result.err.substr(result.err.size() - hint.size()), hint);
     }
 }
 
@@ -107,6 +115,7 @@ TEST_F(CommandLine, TellsWhatMayBeMeant) {
     const Case cases[] = {
         {"letters swapped", {"rnu", "m.macro", "--addon", ADDON_ONE}, "rnu: did you mean run?"},
         {"a letter missing", {"chek"}, "chek: did you mean check?"},
+        {"a command in capitals", {"RUN", "a"}, "RUN: did you mean run?"},
         {"nothing is near", {"frobnicate"}, ""},
         {"an option", {"run", "m.macro", "--addon", ADDON_ONE, "--recrod", "r"}, "--recrod: did you mean --record?"},
         {"with its value", {"run", "m.macro", "--addon", ADDON_ONE, "--recrod=r"}, "--recrod: did you mean --record?"},
@@ -122,12 +131,26 @@ TEST_F(CommandLine, TellsWhatMayBeMeant) {
         const ProgramResult result = runProgram(runner(c.arguments));
         EXPECT_EQ(result.status, 2);
         if (c.line[0] != '\0') {
-            EXPECT_NE(result.err.find("\nvexa-standin: " + std::string(c.line) + '\n' + kHint), std::string::npos)
+            EXPECT_NE(result.err.find("\nvexa-standin: " + std::string(c.line) + '\n' + hintFor(c.arguments)),
+                      std::string::npos)
                 << result.err;
         } else {
             EXPECT_EQ(result.err.find("did you mean"), std::string::npos) << result.err;
         }
     }
+}
+
+TEST_F(CommandLine, ShowsUnexpectedWordsInTheirOrder) {
+    EXPECT_EQ(runProgram(runner({"rn", "a", "b", "c"})).err,
+              "vexa-standin: The following arguments were not expected: rn a b c\n"
+              "vexa-standin: rn: did you mean run?\n"
+              "run 'vexa-standin --help' for the usage\n");
+    EXPECT_EQ(runProgram(runner({"check", "a.so", "b", "c"})).err,
+              "vexa-standin: The following arguments were not expected: b c\n"
+              "run 'vexa-standin check --help' for the usage\n");
+    EXPECT_EQ(runProgram(runner({"check", "a.so", "b"})).err,
+              "vexa-standin: The following argument was not expected: b\n"
+              "run 'vexa-standin check --help' for the usage\n");
 }
 
 TEST_F(CommandLine, HelpListsTheCommandsInTheOrderOfTheirUse) {

@@ -17,6 +17,14 @@ TEST_F(ListCommand, ShowsIdTitleAndFileInTheOrderOfLoading) {
                           "ONE       The first  " ADDON_ONE "\n");
 }
 
+TEST_F(ListCommand, TakesFilesWithAndWithoutAnOption) {
+    const ProgramResult result = runProgram(runner({"list", ADDON_SECOND, ADDON_UNTITLED, "--addon", ADDON_ONE}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.out,
+        runProgram(runner({"list", "--addon", ADDON_SECOND, "--addon", ADDON_UNTITLED, "--addon", ADDON_ONE})).out);
+}
+
 TEST_F(ListCommand, TellsOfEveryAddOnThatCannotBeLoaded) {
     write("text.so", "not a library");
     const ProgramResult result =

@@ -143,7 +143,7 @@ TEST_F(Suppression, RefusesARuleThereIsNot) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err,
               "vexa-standin: --suppress: there is no rule \"unbalanced-lok\"; is unbalanced-lock meant?\n"
-              "run 'vexa-standin --help' for the usage\n");
+              "run 'vexa-standin run --help' for the usage\n");
 }
 
 // ---- Replay

@@ -148,7 +148,7 @@ TEST_F(Timeout, TellsWhatItTakes) {
     const ProgramResult result = runMacro("ONE ECHO ran\n", {"--timeout", "soon"});
     EXPECT_EQ(result.err,
               "vexa-standin: --timeout: expected seconds, more than 0 and at most 1000000\n"
-              "run 'vexa-standin --help' for the usage\n");
+              "run 'vexa-standin run --help' for the usage\n");
 }
 
 }  // namespace
