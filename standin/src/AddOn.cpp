@@ -8,6 +8,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "CallInProgress.h"
 #include "ObjectFile.h"
 #include "Text.h"
 #include "Whereabouts.h"
@@ -118,6 +119,9 @@ LoadError AddOn::refusal(const std::string& reason) const {
     return LoadError(line);
 }
 
-void AddOn::Unload::operator()(void* object) const { dlclose(object); }
+// Without its code a thread of the add-on would crash when it returns from the host.
+void AddOn::Unload::operator()(void* object) const {
+    if (!haveOtherThreadsCalled()) dlclose(object);
+}
 
 }  // namespace vexa::standin

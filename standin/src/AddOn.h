@@ -15,7 +15,8 @@ namespace vexa::standin {
 /// Stands for the file of an add-on that is part of the program.
 constexpr char kLinkedIn[] = "(linked in)";
 
-/// An add-on: a shared object, loaded as long as this lives, or a part of the program.
+/// An add-on: a shared object, loaded as long as this lives, or a part of the program. The shared object stays loaded
+/// when another thread that has called the host still runs then.
 ///
 /// Errors: what escapes from the add-on's code is returned as text. The exception itself is gone by then, for its
 ///         code may lie in the add-on, and go with it.

@@ -17,10 +17,11 @@ std::atomic<CallSlot*> slots{nullptr};
 
 bool fenceThreads(int command) { return syscall(SYS_membarrier, command, 0, 0) == 0; }
 
-// The child has only the thread that forked: the calls of the others do not end there.
+// The child has only the thread that forked: the calls of the others do not end there. Which of the slots in use it
+// has itself, for a call that it forked within, is not known, so they stay taken.
 void forgetOtherThreads() {
     for (CallSlot* slot = slots; slot != nullptr; slot = slot->next) {
-        if (slot != keptCallSlot) slot->host = nullptr;
+        if (slot != keptCallSlot && slot->host.exchange(nullptr) == nullptr) slot->isTaken = false;
     }
 }
 
@@ -77,6 +78,13 @@ void prepareForCalls() {
     static_cast<void>(isPrepared);
     if (keptCallSlot != nullptr) return;
     if (CallSlot* const slot = takeCallSlot(); slot != keptCallSlot) giveBack(slot);
+}
+
+bool haveOtherThreadsCalled() {
+    for (const CallSlot* slot = slots; slot != nullptr; slot = slot->next) {
+        if (slot != keptCallSlot && slot->isTaken) return true;
+    }
+    return false;
 }
 
 void waitForCallsOf(const HostState& host) {

@@ -36,6 +36,9 @@ void prepareForCalls();
 /// Waits until no other thread is in a call of \p host, which has stopped being the process's host.
 void waitForCallsOf(const HostState& host);
 
+/// Whether a thread other than the calling one has called a host and still runs.
+bool haveOtherThreadsCalled();
+
 /// A call of the process's host, which does not end as long as this lives.
 class CallInProgress {
 public:

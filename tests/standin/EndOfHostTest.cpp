@@ -20,11 +20,12 @@ namespace vexa::standin {
 namespace {
 
 const std::string kOutliving = VEXA_TEST_ADDONS "/outliving.so";
+const std::string kUnloadable = VEXA_TEST_ADDONS "/outliving-unloadable.so";  // the same, but linked as others are
 
-// Stops the thread of the add-on, which stays loaded.
-void stopOutliving() {
-    void* const object = dlopen(kOutliving.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    ASSERT_NE(object, nullptr) << dlerror();
+// Stops the thread of an add-on, which is still loaded.
+void stopOutliving(const std::string& file = kOutliving) {
+    void* const object = dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(object, nullptr) << "it is not loaded any more";
     reinterpret_cast<void (*)()>(dlsym(object, "stopOutliving"))();
     dlclose(object);
 }
@@ -81,6 +82,26 @@ TEST(EndOfHost, PassesAThreadThatGoesOnCallingToTheNextHost) {
         while (host->calls().empty()) std::this_thread::yield();
     }
     stopOutliving();
+}
+
+TEST(EndOfHost, KeepsTheCodeOfAThreadThatGoesOnCalling) {
+    {
+        Host host;
+        host.loadAddOn(kUnloadable);
+        EXPECT_TRUE(host.run("OUTLIVING", "START").accepted);
+    }
+    giveTime();
+    stopOutliving(kUnloadable);
+}
+
+TEST(EndOfHost, UnloadsTheCodeOfAThreadThatHasEnded) {
+    {
+        Host host;
+        host.loadAddOn(kUnloadable);
+        EXPECT_TRUE(host.run("OUTLIVING", "START").accepted);
+        stopOutliving(kUnloadable);
+    }
+    EXPECT_EQ(dlopen(kUnloadable.c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr);
 }
 
 TEST(EndOfHost, WaitsForADialogThatIsShown) {

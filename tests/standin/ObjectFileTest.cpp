@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <fstream>
@@ -33,6 +34,17 @@ ElfW(Ehdr) headerOf(const std::string& bytes) {
     ElfW(Ehdr) header;
     std::memcpy(&header, bytes.data(), sizeof(header));
     return header;
+}
+
+std::size_t endOfSegments(const std::string& bytes) {
+    const ElfW(Ehdr) header = headerOf(bytes);
+    std::size_t end = 0;
+    for (std::size_t i = 0; i != header.e_phnum; ++i) {
+        ElfW(Phdr) segment;
+        std::memcpy(&segment, bytes.data() + header.e_phoff + i * sizeof(segment), sizeof(segment));
+        end = std::max<std::size_t>(end, segment.p_offset + segment.p_filesz);
+    }
+    return end;
 }
 
 // "accepted", or the reason without the file's name.
@@ -116,7 +128,8 @@ TEST(ObjectFile, WithoutSectionsIsRefusedWhereASegmentIsTruncated) {
     put(bytes, offsetof(ElfW(Ehdr), e_shnum), ElfW(Half){0});
     put(bytes, offsetof(ElfW(Ehdr), e_shstrndx), ElfW(Half){0});
     EXPECT_EQ(refusalOfBytes(bytes), "accepted");
-    EXPECT_EQ(refusalOfBytes(bytes.substr(0, bytes.size() / 3)), "it is truncated");
+    EXPECT_EQ(refusalOfBytes(bytes.substr(0, endOfSegments(bytes))), "accepted");
+    EXPECT_EQ(refusalOfBytes(bytes.substr(0, endOfSegments(bytes) - 1)), "it is truncated");
 }
 
 TEST(ObjectFile, WithASegmentBeyondAllBoundsIsTruncated) {

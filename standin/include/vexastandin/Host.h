@@ -102,7 +102,8 @@ public:
 /// goes by its identity alone, which may be any: it is given back under an identity it was taken under.
 ///
 /// Ownership: the host owns its add-ons; it shuts them down and unloads them when it is destroyed, the last loaded
-///            first. What they allocated from it and did not release is released then.
+///            first. What they allocated from it and did not release is released then. The code of an add-on stays
+///            loaded while another thread that has called the host runs: it may be the add-on's.
 /// Threads:   the C functions may be called from any thread, also while a host ends. Hosts are constructed, destroyed
 ///            and told to load, run and unload from one thread, and not from within a C function of the same host.
 class VEXASTANDIN_API Host {

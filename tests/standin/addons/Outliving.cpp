@@ -1,5 +1,5 @@
-// An add-on whose thread goes on calling the host after the command that started it. The shared object stays loaded,
-// so that the thread has code to run when the host has unloaded the add-on.
+// An add-on whose thread goes on calling the host after the command that started it. Built twice: once so that it stays
+// loaded whatever the host does.
 
 #include <atomic>
 #include <cstddef>
