@@ -88,7 +88,7 @@ struct MacroCommandProcessorAbstract::Impl {
     }
 
     // Waits until a character is left. At the end of the text that is forever: add-ons rely on it.
-    void waitForCharacter() {
+    void waitForCharacter() const {
         [[maybe_unused]] volatile bool asked = false;  // keeps the compiler from assuming that the loop must end
         while (!scanner.hasNextChar()) asked = true;
     }
