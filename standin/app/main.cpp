@@ -4,9 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
-#include <exception>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "ColourOption.h"
@@ -15,6 +13,7 @@
 #include "Corrections.h"
 #include "ExitStatus.h"
 #include "ExplainCommand.h"
+#include "GuardedWork.h"
 #include "HelpFormatter.h"
 #include "ListCommand.h"
 #include "PrintedOutput.h"
@@ -98,25 +97,20 @@ void endBySignal(int number) {
     std::raise(number);
 }
 
-ExitStatus_e guardedMain(int argc, char** argv) {
+int runGuarded(int argc, char** argv) {
     try {
-        keepStandardStreamsTaken();
-        std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
-        return checkOutput(runProgram(argc, argv));
+        return guarded([&] {
+            keepStandardStreamsTaken();
+            std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
+            return static_cast<int>(checkOutput(runProgram(argc, argv)));
+        });
     } catch (const EndedBySignal& end) {
         endBySignal(end.signal);
-    } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "%s: out of memory\n", kProgramName);
-    } catch (const std::exception& error) {
-        const char* const text = error.what();
-        tell(kProgramName, std::string("unexpected error: ") + (text == nullptr ? "no message" : text));
-    } catch (...) {
-        std::fprintf(stderr, "%s: unexpected error\n", kProgramName);
+        return kKilledBySignal + end.signal;
     }
-    return ExitStatus_e::BadUsageOrInput;
 }
 
 }  // namespace
 }  // namespace vexa::runner
 
-int main(int argc, char** argv) { return static_cast<int>(vexa::runner::guardedMain(argc, argv)); }
+int main(int argc, char** argv) { return vexa::runner::runGuarded(argc, argv); }

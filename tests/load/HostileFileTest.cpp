@@ -79,7 +79,7 @@ const Hostile kFiles[] = {
     {"MacroOfOneCommand", Kind_e::Macro, [](std::size_t n) { return "ONE ECHO " + filled(n, '\xff'); }, 0, "", 16},
     {"MacroOfCommands", Kind_e::Macro, [](std::size_t n) { return repeated(n, "ONE SLEEP 0\n"); }, 0, "", 16},
     {"MacroOfBadLines", Kind_e::Macro, [](std::size_t n) { return repeated(n, "NO add-on of this name\n"); }, 2,
-     "1: no add-on 'NO' is loaded\n", 16},
+     "1: no add-on 'NO' is loaded (loaded: ONE)\n", 16},
     {"MacroOfNuls", Kind_e::Macro, [](std::size_t n) { return filled(n, '\0'); }, 2, "1: the line holds a NUL byte", 8},
     {"MacroOfCarriageReturns", Kind_e::Macro, [](std::size_t n) { return filled(n, '\r'); }, 2,
      "1: the line holds a carriage return", 8},

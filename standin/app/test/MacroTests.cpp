@@ -226,7 +226,8 @@ private:
         }
         const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
         if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
-        if (outcome.end == End_e::TimedOut) return {false, "it did not return within its time limit", textOf(lateFinding(box))};
+        if (outcome.end == End_e::TimedOut)
+            return {false, "it did not return within its time limit", textOf(lateFinding(box))};
         const bool isStopped =
             m_isStopAsked && WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
         if (isStopped) m_isStopped = true;

@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <iterator>
 #include <list>
 #include <map>
@@ -18,8 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "Console.h"
-#include "ExitStatus.h"
+#include "GuardedWork.h"
 #include "LastError.h"
 #include "watch/ChildProcess.h"
 #include "watch/Strays.h"
@@ -112,15 +110,6 @@ void leave(ProcessBox& box, const ProcessSetting& setting, int status) {
     _exit(status);
 }
 
-int statusOf(std::size_t index, ProcessBox& box, NotesInterface& notes, ProcessWorkInterface& work) {
-    try {
-        return work.run(index, box, notes);
-    } catch (const std::exception& error) {
-        tell(kProgramName, std::string("unexpected error: ") + error.what());
-    }
-    return static_cast<int>(ExitStatus_e::BadUsageOrInput);
-}
-
 [[noreturn]] void workInProcess(std::size_t index, int descriptor, ProcessBox& box, const ProcessSetting& setting,
                                 ProcessWorkInterface& work) {
     boxOfThisProcess = &box;
@@ -128,7 +117,7 @@ int statusOf(std::size_t index, ProcessBox& box, NotesInterface& notes, ProcessW
     // Registered first, so it runs last.
     std::atexit([] { boxOfThisProcess->markLeft(); });
     Channel channel(descriptor, box.sent);
-    leave(box, setting, statusOf(index, box, channel, work));
+    leave(box, setting, guarded([&] { return work.run(index, box, channel); }));
     std::abort();
 }
 
