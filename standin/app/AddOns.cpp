@@ -16,9 +16,12 @@ bool loadAddOn(standin::Host& host, const std::string& file) {
     }
 }
 
-bool loadAddOns(standin::Host& host, const std::vector<std::string>& files) {
+bool loadAddOns(standin::Host& host, const std::vector<std::string>& files, ProcessBox& box) {
     bool allLoaded = true;
-    for (const std::string& file : files) allLoaded &= loadAddOn(host, file);
+    for (const std::string& file : files) {
+        const TimeInAddOn time(box, "", "", "loading of " + file);
+        allLoaded &= loadAddOn(host, file);
+    }
     return allLoaded;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "vexastandin/Host.h"
+#include "watch/ProcessBox.h"
 
 namespace vexa::runner {
 
@@ -13,8 +14,9 @@ namespace vexa::runner {
 bool loadAddOn(standin::Host& host, const std::string& file);
 
 /// Loads the add-ons \p files into \p host, and tells of each that cannot be loaded.
+/// \param box gets what the add-ons do.
 /// \return whether all of them were loaded.
-bool loadAddOns(standin::Host& host, const std::vector<std::string>& files);
+bool loadAddOns(standin::Host& host, const std::vector<std::string>& files, ProcessBox& box);
 
 /// What to say when no add-on \p id is among the loaded ones: which are, and which of them may be meant.
 std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded);

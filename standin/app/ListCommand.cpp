@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,7 +11,11 @@
 #include "Console.h"
 #include "FindingTeller.h"
 #include "Printable.h"
+#include "PrintedOutput.h"
 #include "TextWidth.h"
+#include "watch/Death.h"
+#include "watch/Processes.h"
+#include "watch/Tracer.h"
 
 namespace vexa::runner {
 namespace {
@@ -20,7 +25,8 @@ constexpr const char* kListFooter = R"(Example:
 
 Exit status:
   0  all went well
-  2  wrong usage, or an add-on could not be loaded)";
+  2  wrong usage, or an add-on could not be loaded
+  5  an add-on ended its process: a crash, exit() or the like)";
 
 constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
@@ -50,14 +56,53 @@ std::string tableOf(const std::vector<standin::AddOnInfo>& addOns) {
     return table;
 }
 
-ExitStatus_e listAddOns(const std::vector<std::string>& files) {
+ExitStatus_e listHere(const std::vector<std::string>& files, ProcessBox& box) {
     standin::Host host;
+    host.setCallProgress(&box.calls);
     host.setKeepsCalls(false);
-    const bool allLoaded = loadAddOns(host, files);
+    const bool allLoaded = loadAddOns(host, files, box);
     if (allLoaded) print(tableOf(host.addOns()));
+    const TimeInAddOn time(box, "", "", "unloading of the add-ons");
     host.unloadAddOns();
     FindingTeller(host).tellNew();
-    return allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
+    return checkOutput(allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput);
+}
+
+// Loads the add-ons in a process of their own, which they may end.
+class WatchedList : public ProcessWorkInterface {
+public:
+    explicit WatchedList(const std::vector<std::string>& files) : m_files(files) {}
+
+    ExitStatus_e list() {
+        const AwaitedSignals signals;
+        ProcessSetting setting;
+        setting.printed = Printed_e::Inherited;
+        runInProcesses(signals, 1, setting, *this);
+        return m_status;
+    }
+
+    int run(std::size_t, ProcessBox& box, NotesInterface&) override { return static_cast<int>(listHere(m_files, box)); }
+    void take(std::size_t, const Message&, RunningProcessInterface&) override {}
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        if (m_isStopAsked) throw EndedBySignal{SIGINT};
+        m_status = static_cast<ExitStatus_e>(outcome.status);
+        if (outcome.end == End_e::Left) return;
+        tell(deathText(box, outcome));
+        m_status = ExitStatus_e::ProcessEnded;
+    }
+    void stopAsked(std::size_t, const ProcessBox&) override { m_isStopAsked = true; }
+    void killed(std::size_t, const ProcessBox&, int) override {}
+
+private:
+    const std::vector<std::string>& m_files;
+    bool m_isStopAsked = false;
+    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
+};
+
+ExitStatus_e listAddOns(const std::vector<std::string>& files) {
+    if (!isTraced()) return WatchedList(files).list();
+    const auto box = std::make_unique<ProcessBox>();
+    return listHere(files, *box);
 }
 
 }  // namespace

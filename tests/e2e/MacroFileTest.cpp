@@ -47,7 +47,8 @@ TEST_F(MacroFile, RefusesALine) {
     };
     const Case cases[] = {
         {"unknown id", "TWO ECHO a\n", "m.macro:1: no add-on 'TWO' is loaded (loaded: ONE)\n"},
-        {"ids differ by case", "one ECHO a\n", "m.macro:1: no add-on 'one' is loaded (loaded: ONE); did you mean ONE?\n"},
+        {"ids differ by case", "one ECHO a\n",
+         "m.macro:1: no add-on 'one' is loaded (loaded: ONE); did you mean ONE?\n"},
         {"a second byte-order mark", "\n\xEF\xBB\xBFONE ECHO a\n",
          "m.macro:2: no add-on '\xEF\xBB\xBFONE' is loaded (loaded: ONE)\n"},
         {"no command", "ONE\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
@@ -94,7 +95,8 @@ TEST_F(MacroFile, IsQuotedShortlyWhenAnIdIsLong) {
     EXPECT_EQ(runMacro(whole).err, "m.macro:1: no add-on '" + whole + "' is loaded (loaded: ONE)\n");
     EXPECT_EQ(runMacro(whole + 'x').err, "m.macro:1: no add-on '" + whole + "...' is loaded (loaded: ONE)\n");
     const std::string accented = std::string(199, 'x') + "\xC3\xA9";
-    EXPECT_EQ(runMacro(accented).err, "m.macro:1: no add-on '" + std::string(199, 'x') + "...' is loaded (loaded: ONE)\n")
+    EXPECT_EQ(runMacro(accented).err,
+              "m.macro:1: no add-on '" + std::string(199, 'x') + "...' is loaded (loaded: ONE)\n")
         << "no character is cut apart";
 }
 

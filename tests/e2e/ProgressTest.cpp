@@ -322,7 +322,8 @@ TEST_F(StatusLine, CountsTheTasksThatItLeavesOut) {
         runProgram(progressRunner("PROGRESS START Working;RESTART 1000;FINISH\nPROGRESS START A;FINISH\n")).err;
     EXPECT_NE(err.find("m.macro:1: PROGRESS: Restarting 8\n"), std::string::npos) << err;
     EXPECT_NE(err.find("m.macro:1: PROGRESS: and 99"), std::string::npos) << err;
-    EXPECT_NE(err.find(" more tasks\nm.macro:2: PROGRESS: A\nm.macro:2: PROGRESS: A: ended at 0 %\n"), std::string::npos)
+    EXPECT_NE(err.find(" more tasks\nm.macro:2: PROGRESS: A\nm.macro:2: PROGRESS: A: ended at 0 %\n"),
+              std::string::npos)
         << err;
 }
 

@@ -42,7 +42,7 @@ TEST_F(Repl, TellsWhatIsNoCommand) {
     const ProgramResult result = typed("TWO ECHO a\nONE\n");
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "no add-on 'TWO' is loaded; 'help' helps\n"
+              "no add-on 'TWO' is loaded (loaded: ONE); 'help' lists what there is\n"
               "a command of 'ONE' was expected after its name\n");
 }
 

@@ -1,6 +1,7 @@
 // Add-ons that end their process, stop it, flood it and leave processes behind, run by every command that runs add-ons.
 
 #include <signal.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -177,6 +178,14 @@ TEST_F(WatchedRun, TellsOfAnEndInTheEntryOfAnAddOn) {
     EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 5);
 }
 
+TEST_F(WatchedRun, ListsNoAddOnThatEndsItsProcess) {
+    const ProgramResult result = runProgram(runner({"list", ADDON_ENDING_IN_ENTRY}));
+    EXPECT_EQ(result.status, 5);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "vexa-standin: error: \"loading of " ADDON_ENDING_IN_ENTRY
+                          "\" ended the process: exit status 0; it made no host call\n");
+}
+
 TEST_F(WatchedRun, TellsOfAnEndAtShutdownAndInDestructors) {
     for (const std::string when : {"at-shutdown", "at-unload"}) {
         for (const std::string way : {"exit0", "_exit0", "kill"}) {
@@ -213,6 +222,15 @@ TEST_F(WatchedRun, KeepsToItsTimeLimitAtShutdownAndInDestructors) {
         EXPECT_NE(result.err.find("\"unloading of ENDING\" has not returned within 0.3 seconds"), std::string::npos)
             << result.err;
     }
+}
+
+TEST_F(WatchedRun, KeepsToItsTimeLimitWhenItsMacroIsAPipeThatNobodyWrites) {
+    ASSERT_EQ(mkfifo((folder() / "pipe").c_str(), 0600), 0);
+    const ProgramResult result =
+        runProgram(runner({"run", "pipe", "--addon", ADDON_ENDING, "--timeout", "0.3", "--json", "r.jsonl"}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "pipe: cannot be read: it has no end after 0.3 seconds\n");
+    EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 2);
 }
 
 TEST_F(WatchedRun, OfATestKeepsToItsTimeLimit) {

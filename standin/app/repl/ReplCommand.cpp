@@ -92,11 +92,7 @@ public:
 private:
     bool prepare() {
         if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
-        bool allLoaded = true;
-        for (const std::string& file : m_options.addOns) {
-            const TimeInAddOn time(m_box, "", "", "loading of " + file);
-            allLoaded &= loadAddOn(m_host, file);
-        }
+        const bool allLoaded = loadAddOns(m_host, m_options.addOns, m_box);
         m_plainStatus.conclude(allLoaded);
         m_ids = loadedIds(m_host);
         m_findings.tellNew();
@@ -129,7 +125,7 @@ private:
         } else if (command.addOnId == kHelp) {
             showHelp();
         } else {
-            tell("no add-on '" + command.addOnId + "' is loaded; 'help' helps");
+            tell(noSuchAddOn(command.addOnId, m_ids) + "; 'help' lists what there is");
         }
     }
 
