@@ -14,8 +14,8 @@
 #include "PrintedOutput.h"
 #include "TextWidth.h"
 #include "watch/Death.h"
-#include "watch/Processes.h"
 #include "watch/Tracer.h"
+#include "watch/UserWork.h"
 
 namespace vexa::runner {
 namespace {
@@ -69,7 +69,7 @@ ExitStatus_e listHere(const std::vector<std::string>& files, ProcessBox& box) {
 }
 
 // Loads the add-ons in a process of their own, which they may end.
-class WatchedList : public ProcessWorkInterface {
+class WatchedList : public UserWork {
 public:
     explicit WatchedList(const std::vector<std::string>& files) : m_files(files) {}
 
@@ -84,18 +84,15 @@ public:
     int run(std::size_t, ProcessBox& box, NotesInterface&) override { return static_cast<int>(listHere(m_files, box)); }
     void take(std::size_t, const Message&, RunningProcessInterface&) override {}
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
-        if (m_isStopAsked) throw EndedBySignal{SIGINT};
+        if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         m_status = static_cast<ExitStatus_e>(outcome.status);
         if (outcome.end == End_e::Left) return;
         tell(deathText(box, outcome));
         m_status = ExitStatus_e::ProcessEnded;
     }
-    void stopAsked(std::size_t, const ProcessBox&) override { m_isStopAsked = true; }
-    void killed(std::size_t, const ProcessBox&, int) override {}
 
 private:
     const std::vector<std::string>& m_files;
-    bool m_isStopAsked = false;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 

@@ -17,6 +17,7 @@
 #include "watch/Death.h"
 #include "watch/LastWords.h"
 #include "watch/Tracer.h"
+#include "watch/UserWork.h"
 
 namespace vexa::runner {
 namespace {
@@ -39,7 +40,7 @@ std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
 }
 
 // The one run of a program, which prints where the program does.
-class OneRun : public ProcessWorkInterface {
+class OneRun : public UserWork {
 public:
     explicit OneRun(const RunOptions& options)
         : m_options(options), m_results(openResults(options)), m_run(options, options.macroFile, [this](auto lines) {
@@ -62,20 +63,10 @@ public:
         m_run.take(message, process);
     }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
-        const bool wasInterrupted = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
-        if (m_isStopAsked && wasInterrupted) throw EndedBySignal{SIGINT};
+        if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
         clearStatusOf(box);
         m_status = m_run.judge(box, outcome);
-    }
-    void stopAsked(std::size_t, const ProcessBox& box) override {
-        m_isStopAsked = true;
-        if (!box.isStatusDrawn) tellStopAsked(box);
-    }
-    void killed(std::size_t, const ProcessBox& box, int signal) override {
-        const LastWords lastWords(kKilledBySignal + signal);
-        clearStatusOf(box);
-        tellKilled(box, signal);
     }
 
 private:
@@ -97,7 +88,6 @@ private:
     const RunOptions& m_options;
     std::unique_ptr<LiveFile> m_results;
     WatchedRun m_run;
-    bool m_isStopAsked = false;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 

@@ -1,9 +1,6 @@
 #include "many/ManyRuns.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <string_view>
@@ -12,13 +9,12 @@
 #include "LiveFile.h"
 #include "OutputTarget.h"
 #include "WatchedRun.h"
-#include "watch/Death.h"
-#include "watch/LastWords.h"
+#include "watch/UserWork.h"
 
 namespace vexa::runner {
 namespace {
 
-class ManyRuns : public ProcessWorkInterface {
+class ManyRuns : public UserWork {
 public:
     ManyRuns(const RunOptions& options, const std::vector<std::string>& macroFiles)
         : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()) {}
@@ -59,16 +55,6 @@ public:
         note(status, m_macroFiles[index] + ": " + meaningOf(status));
     }
 
-    void stopAsked(std::size_t, const ProcessBox& box) override {
-        m_isStopAsked = true;
-        tellStopAsked(box);
-    }
-
-    void killed(std::size_t, const ProcessBox& box, int signal) override {
-        const LastWords lastWords(kKilledBySignal + signal);
-        tellKilled(box, signal);
-    }
-
 private:
     // One of the runs, while it is of interest.
     struct Run {
@@ -85,9 +71,7 @@ private:
 
     // One that Ctrl-C ended before it could stop its macro was stopped, too.
     ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
-        const bool isStopped =
-            m_isStopAsked && WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
-        return isStopped ? ExitStatus_e::Stopped : runOf(index).watched.judge(box, outcome);
+        return wasInterrupted(outcome) ? ExitStatus_e::Stopped : runOf(index).watched.judge(box, outcome);
     }
 
     static void print(const KeptText& printed, FILE* file) {
@@ -124,7 +108,6 @@ private:
     const std::vector<std::string>& m_macroFiles;
     std::unique_ptr<LiveFile> m_results;
     std::vector<std::unique_ptr<Run>> m_runs;
-    bool m_isStopAsked = false;
     std::size_t m_failed = 0;
     int m_status = 0;
     std::string m_notes;

@@ -30,9 +30,8 @@
 #include "check/Lines.h"
 #include "repl/LineReader.h"
 #include "watch/Death.h"
-#include "watch/LastWords.h"
-#include "watch/Processes.h"
 #include "watch/Tracer.h"
+#include "watch/UserWork.h"
 
 namespace vexa::runner {
 namespace {
@@ -172,7 +171,7 @@ private:
 };
 
 // The user's side: reads what he types, and keeps the recording.
-class ReplDesk : public ProcessWorkInterface, private NotesInterface {
+class ReplDesk : public UserWork, private NotesInterface {
 public:
     explicit ReplDesk(const ReplOptions& options) : m_options(options) {
         RunFiles files;
@@ -216,14 +215,6 @@ public:
             runner::tell(deathText(box, outcome));
             m_status = m_outputs.writeWhatIsLeft() ? ExitStatus_e::ProcessEnded : ExitStatus_e::BadUsageOrInput;
         }
-    }
-    void stopAsked(std::size_t, const ProcessBox& box) override {
-        if (!box.isStatusDrawn) tellStopAsked(box);
-    }
-    void killed(std::size_t, const ProcessBox& box, int signal) override {
-        const LastWords lastWords(kKilledBySignal + signal);
-        clearStatusOf(box);
-        tellKilled(box, signal);
     }
 
 private:

@@ -1,10 +1,7 @@
 #include "test/MacroTests.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -27,8 +24,7 @@
 #include "test/OwnTranscript.h"
 #include "test/Transcript.h"
 #include "watch/Death.h"
-#include "watch/LastWords.h"
-#include "watch/Processes.h"
+#include "watch/UserWork.h"
 
 namespace vexa::runner {
 namespace {
@@ -91,7 +87,7 @@ struct MacroVerdict {
     std::string lines;   // that show it
 };
 
-class MacroTests : public ProcessWorkInterface {
+class MacroTests : public UserWork {
 public:
     explicit MacroTests(const MacroTestOptions& options) : m_options(options) {}
 
@@ -193,16 +189,6 @@ private:
         conclude(m_macros[index], verdict, outcome.seconds);
     }
 
-    void stopAsked(std::size_t, const ProcessBox& box) override {
-        m_isStopAsked = true;
-        tellStopAsked(box);
-    }
-
-    void killed(std::size_t, const ProcessBox& box, int signal) override {
-        const LastWords lastWords(kKilledBySignal + signal);
-        tellKilled(box, signal);
-    }
-
     template <class Judge>
     void conclude(const std::string& macro, const Judge& judge, double seconds) {
         MacroVerdict verdict;
@@ -228,8 +214,7 @@ private:
         if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
         if (outcome.end == End_e::TimedOut)
             return {false, "it did not return within its time limit", textOf(lateFinding(box))};
-        const bool isStopped =
-            m_isStopAsked && WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
+        const bool isStopped = wasInterrupted(outcome);
         if (isStopped) m_isStopped = true;
         if (isStopped) return {false, "stopped by Ctrl-C", lines};
         return {false, "an add-on ended the process", lines + deathText(box, outcome) + '\n'};
@@ -305,7 +290,6 @@ private:
     std::vector<std::string> m_macros;
     std::vector<StyleSetting> m_style;
     std::vector<TranscriptText> m_transcripts;
-    bool m_isStopAsked = false;
     std::size_t m_passed = 0;
     bool m_isBroken = false;  // something could not be read, run or written
     bool m_isStopped = false;
