@@ -49,7 +49,7 @@ void Results::add(const CommandOutcome& outcome, const standin::Host& host) {
 
 void Results::finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host) {
     if (m_notes != nullptr)
-        m_notes->tell(kResultNote, lineOf(endRecord(status, macroFile, newFindings(host, m_findings))));
+        m_notes->tell(kEndNote, lineOf(endRecord(status, macroFile, newFindings(host, m_findings))));
 }
 
 std::string linesOfDeath(const CommandOutcome& outcome, ExitStatus_e status, const std::string& macroFile) {

@@ -17,6 +17,10 @@ void RunOutputs::tell(char kind, std::string_view text) {
         case kRecordedNote: return add(m_record, text);
         case kJournaledNote: return add(m_journal, text);
         case kResultNote: return m_results(text);
+        case kEndNote:
+            m_end = text;
+            if (!m_keepsEndBack) tellEnd();
+            return;
         case kBeganNote: m_isLeft = true; return;
         default: return;
     }

@@ -22,6 +22,10 @@ public:
     /// \param results gets each line of the results.
     explicit RunOutputs(std::function<void(std::string_view)> results) : m_results(std::move(results)) {}
 
+    /// Keeps the last line of the results back until tellEnd(), for a run that may still come to another end.
+    void keepEndBack() { m_keepsEndBack = true; }
+    void tellEnd() { m_results(m_end); }
+
     /// Makes sure that the files asked for can be written.
     /// \throws OutputError
     void open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile);
@@ -50,6 +54,8 @@ private:
 
     std::mutex m_guard;
     std::function<void(std::string_view)> m_results;
+    bool m_keepsEndBack = false;
+    std::string m_end;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
     bool m_isLeft = false;  // commands began, and what they recorded is still to be written

@@ -52,6 +52,7 @@ public:
     ExitStatus_e execute() {
         if (m_options.inProcess || isTraced()) return close(runHere());
         const AwaitedSignals signals;
+        m_run.outputs().keepEndBack();
         runInProcesses(signals, 1, settingOf(m_options), *this);
         return close(m_status);
     }
@@ -120,9 +121,12 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
         tell(deathText(box, outcome));
         return conclude(box, ExitStatus_e::ProcessEnded, "the process ended: " + howItEnded(outcome.waitStatus));
     }
-    if (outcome.areNotesWhole) return static_cast<ExitStatus_e>(outcome.status);
+    if (outcome.areNotesWhole) {
+        m_outputs.tellEnd();
+        return static_cast<ExitStatus_e>(outcome.status);
+    }
     tell(m_macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
-    return ExitStatus_e::BadUsageOrInput;
+    return conclude(box, ExitStatus_e::BadUsageOrInput, "part of what the run told was lost");
 }
 
 ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {

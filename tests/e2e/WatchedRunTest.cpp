@@ -200,6 +200,31 @@ TEST_F(WatchedRun, TellsOfAnEndAtShutdownAndInDestructors) {
     }
 }
 
+TEST_F(WatchedRun, TellsOfAnEndInDestructorsThatRunLast) {
+    for (const std::string way : {"_exit0", "_exit3", "kill"}) {
+        SCOPED_TRACE(way);
+        const ProgramResult result =
+            run("ENDING stay-loaded\nENDING at-unload " + way + '\n', {"--json", "r.jsonl", "--record", "r.macro"});
+        EXPECT_EQ(result.status, 5);
+        EXPECT_EQ(
+            result.err.rfind("vexa-standin: error: an add-on ended the process after \"unloading of ENDING\": ", 0), 0U)
+            << result.err;
+        const std::string results = read("r.jsonl");
+        EXPECT_EQ(std::count(results.begin(), results.end(), '\n'), 3) << results;
+        EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 5);
+    }
+}
+
+TEST_F(WatchedRun, KeepsToItsTimeLimitInDestructorsThatRunLast) {
+    const ProgramResult result =
+        run("ENDING stay-loaded\nENDING at-unload hang-blocked\n", {"--timeout", "0.3", "--json", "r.jsonl"});
+    EXPECT_EQ(result.status, 4);
+    EXPECT_NE(result.err.find("the process for the add-ons did not end after \"unloading of ENDING\""),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 4);
+}
+
 TEST_F(WatchedRun, KeepsToItsTimeLimitWhateverAnAddOnDoes) {
     for (const std::string way : {"hang", "hang-blocked", "stop", "exec-sleep", "flood", "flood-err"}) {
         SCOPED_TRACE(way);
@@ -266,9 +291,11 @@ TEST_F(WatchedRun, LeavesTheProcessesOfOthersAlone) {
 }
 
 TEST_F(WatchedRun, IsNoSuccessWhenWhatItToldIsLost) {
-    const ProgramResult result = run("ENDING close-all\nENDING record nothing\n", {"--record", "r.macro"});
+    const ProgramResult result =
+        run("ENDING close-all\nENDING record nothing\n", {"--record", "r.macro", "--json", "r.jsonl"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
+    EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 2);
     EXPECT_EQ(test("ENDING close-all\nENDING nothing\n").status, 1);
 }
 

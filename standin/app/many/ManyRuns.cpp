@@ -59,7 +59,9 @@ private:
     // One of the runs, while it is of interest.
     struct Run {
         Run(const RunOptions& options, const std::string& macroFile)
-            : watched(options, macroFile, [this](std::string_view lines) { results += lines; }) {}
+            : watched(options, macroFile, [this](std::string_view lines) { results += lines; }) {
+            watched.outputs().keepEndBack();
+        }
         std::string results;
         WatchedRun watched;
     };

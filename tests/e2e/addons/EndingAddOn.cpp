@@ -1,5 +1,6 @@
 // An add-on that ends its process, stops it, or leaves something behind, in every way there is.
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sched.h>
 #include <signal.h>
@@ -60,6 +61,13 @@ void closeAll() {
     for (int descriptor = 3; descriptor != 256; ++descriptor) close(descriptor);
 }
 
+// The loader does not unload it from now on, so its destructors run when the process ends.
+void stayLoaded() {
+    Dl_info info{};
+    dladdr(reinterpret_cast<void*>(&stayLoaded), &info);
+    dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
 void outliveOnThread() {
     std::thread([] {
         for (;;) VexaUtilMacroIsBatchModeActive();
@@ -107,6 +115,7 @@ const std::map<std::string, std::function<void()>>& ways() {
         {"flood-err", [] { flood(STDERR_FILENO); }},
         {"leave-process", leaveProcess},
         {"close-all", closeAll},
+        {"stay-loaded", stayLoaded},
         {"thread", outliveOnThread},
         {"fail", [] {}},
     };
