@@ -13,9 +13,6 @@
 #include "Text.h"
 #include "Whereabouts.h"
 
-// dlopen(), which initializes the globals of the object, and so may throw: its own declaration says that it does not.
-extern "C" void* openObject(const char* path, int mode) __asm__("dlopen");
-
 namespace vexa::standin {
 namespace {
 
@@ -78,10 +75,8 @@ AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>
     m_info.path = withFolder(path);
     const std::string noFile = whyNoFile(m_info.path);
     if (!noFile.empty()) throw refusal(noFile);
-    const std::optional<std::string> escaped = whatEscapes("the initialization of its globals", [this] {
-        m_object.reset(openObject(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
-    });
-    if (escaped) throw refusal(*escaped);
+    // An exception from its globals ends the process: passed through, it would leave the loader locked.
+    m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
     m_entry = reinterpret_cast<AddOnEntry>(dlsym(m_object.get(), kEntryName));
     if (m_entry == nullptr) throw refusal("it exports no function vexaAddOn, so it is no add-on");

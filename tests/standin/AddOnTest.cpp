@@ -165,14 +165,6 @@ TEST(LoadAddOn, RefusesAddOnsThatDoNotKeepTheRules) {
     EXPECT_TRUE(host.addOns().empty());
 }
 
-TEST(LoadAddOn, RefusesAnAddOnWhoseGlobalsThrow) {
-    Host host;
-    EXPECT_EQ(refusalOf(host, addOnFile("throwing-global")),
-              addOnFile("throwing-global") +
-                  ": an exception escaped from the initialization of its globals: no licence: ask for one");
-    EXPECT_EQ(host.loadAddOn(addOnFile("probe")).id, "PROBE");
-}
-
 TEST(LoadAddOn, RefusesAnIdThatIsTaken) {
     Host host;
     host.loadAddOn(addOnFile("second"));

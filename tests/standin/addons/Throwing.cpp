@@ -1,4 +1,4 @@
-// An add-on whose entry, or a global of which, throws the exception THROWN.
+// An add-on whose entry throws the exception THROWN.
 
 #include <exception>
 #include <stdexcept>
@@ -17,9 +17,5 @@ struct [[maybe_unused]] Speechless : std::exception {
 };
 
 }  // namespace
-
-#ifdef WHEN_LOADED
-[[maybe_unused]] const int global = []() -> int { throw THROWN; }();
-#endif
 
 const VexaAddOn_s* vexaAddOn(AddOnList_s*) { throw THROWN; }
