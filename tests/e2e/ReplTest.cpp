@@ -93,7 +93,7 @@ TEST_F(EditingRepl, CompletesNoIdThatATerminalWouldObey) {
     ASSERT_TRUE(program.waitFor("> ")) << program.output();
     program.type("EV\t\nquit\n");
     EXPECT_EQ(program.finish(), 0) << program.output();
-    EXPECT_EQ(program.output().find("EVIL"), std::string::npos) << program.output();
+    EXPECT_EQ(program.output().find("> EVIL"), std::string::npos) << program.output();
     EXPECT_NE(program.output().find("no add-on 'EV' is loaded"), std::string::npos) << program.output();
 }
 
