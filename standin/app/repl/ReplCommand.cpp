@@ -182,17 +182,15 @@ public:
     }
 
     ExitStatus_e execute() {
-        const AwaitedSignals signals;
-        m_signals = &signals;
         if (m_options.inProcess || isTraced()) {
-            const UnblockedSignals unblocked(signals);
+            const UnblockedSignals unblocked(m_signals);
             const auto box = std::make_unique<ProcessBox>();
             return Repl(m_options, *box, *this).execute();
         }
         ProcessSetting setting;
         setting.printed = Printed_e::Inherited;
         setting.readsNothing = true;
-        runInProcesses(signals, 1, setting, *this);
+        runInProcesses(m_signals, 1, setting, *this);
         return m_status;
     }
 
@@ -222,16 +220,16 @@ private:
 
     std::string ask(char kind, std::string_view text) override {
         if (kind != kLineNote) return m_outputs.ask(kind, text);
-        const UnblockedSignals unblocked(*m_signals);
+        const UnblockedSignals unblocked(m_signals);
         if (!m_reader) m_reader.emplace(linesOf(std::string(text)));
         const auto line = m_reader->next();
         return line ? kLineRead + *line : "";
     }
 
+    const AwaitedSignals m_signals;
     const ReplOptions& m_options;
     RunOutputs m_outputs{[](std::string_view) {}};
     std::optional<LineReader> m_reader;
-    const AwaitedSignals* m_signals = nullptr;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 

@@ -23,7 +23,7 @@ pid_t parentOf(const std::string& process) {
     std::getline(file, line, '\0');
     const std::size_t nameEnd = line.rfind(')');
     if (nameEnd == std::string::npos || nameEnd + 4 > line.size()) return 0;
-    return static_cast<pid_t>(std::atol(line.c_str() + nameEnd + 4));  // ") S PARENT"
+    return static_cast<pid_t>(std::strtol(line.c_str() + nameEnd + 4, nullptr, 10));  // ") S PARENT"
 }
 
 std::set<pid_t> childrenOfThisProcess() {
@@ -34,7 +34,8 @@ std::set<pid_t> childrenOfThisProcess() {
     while (const dirent* const entry = readdir(folder.get())) {
         const std::string name = entry->d_name;
         const bool isProcess = std::isdigit(static_cast<unsigned char>(name.front())) != 0;
-        if (isProcess && parentOf(name) == getpid()) children.insert(static_cast<pid_t>(std::atol(name.c_str())));
+        if (isProcess && parentOf(name) == getpid())
+            children.insert(static_cast<pid_t>(std::strtol(name.c_str(), nullptr, 10)));
     }
     return children;
 }

@@ -12,7 +12,8 @@ bool hasTracer() {
     constexpr std::string_view kField = "TracerPid:";
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, kField.size(), kField) == 0) return std::atol(line.c_str() + kField.size()) != 0;
+        if (line.compare(0, kField.size(), kField) == 0)
+            return std::strtol(line.c_str() + kField.size(), nullptr, 10) != 0;
     }
     return false;
 }
