@@ -25,7 +25,7 @@ struct BlackBox {
     Clock::duration timeout{};              ///< how long the add-on may take for anything
 
     /// Notes that the test starts or ends something now.
-    void touch() noexcept {
+    void touch() const noexcept {
         constexpr Clock::duration kTimeWithoutAddOn = std::chrono::minutes(1);  // for what a test does itself
         if (process != nullptr) process->allow(isInAddOn ? timeout : std::max(timeout, kTimeWithoutAddOn));
     }

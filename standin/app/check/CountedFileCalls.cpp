@@ -48,6 +48,7 @@ mode_t modeOf(int flags, va_list arguments) {
 }  // namespace
 
 // The function that would have been called but for the one here.
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a type cannot stand in them
 #define VEXA_NEXT(function) static const auto next = reinterpret_cast<decltype(&function)>(dlsym(RTLD_NEXT, #function))
 
 #define VEXA_OPEN(function)                            \
@@ -82,7 +83,7 @@ mode_t modeOf(int flags, va_list arguments) {
         return opened(next(path, mode, old), mode);                 \
     }
 
-// NOLINTBEGIN(cert-dcl50-cpp,bugprone-reserved-identifier)
+// NOLINTBEGIN(cert-dcl50-cpp,bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
 #pragma GCC visibility push(default)
 extern "C" {
 // What the library calls for open() in programs that are built with its checks.
@@ -191,4 +192,4 @@ int remove(const char* path) noexcept {
 }
 }
 #pragma GCC visibility pop
-// NOLINTEND(cert-dcl50-cpp,bugprone-reserved-identifier)
+// NOLINTEND(cert-dcl50-cpp,bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
