@@ -264,7 +264,8 @@ TEST_F(WatchedRun, OfATestKeepsToItsTimeLimit) {
         const ProgramResult result = test("ENDING " + way + '\n', {"--timeout", "0.3"});
         EXPECT_EQ(result.status, 1);
         EXPECT_NE(result.out.find("0 of 1 macros passed\n"), std::string::npos) << result.out.substr(0, 400);
-        EXPECT_LT(result.peakKiB, 200L * 1024) << "of what is printed without end a part is kept";
+        const bool isSmall = VEXA_IS_SANITIZED || result.peakKiB < 200L * 1024;
+        EXPECT_TRUE(isSmall) << "of what is printed without end a part is kept: " << result.peakKiB << " KiB";
     }
 }
 
@@ -318,6 +319,7 @@ TEST_F(WatchedRun, TestsMacrosInTheProgramItselfWhenAsked) {
 }
 
 TEST_F(WatchedRun, RunsInTheProgramItselfUnderATracer) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "the leak sanitizer is a tracer itself";
     write("m.macro", "ENDING exit3\n");
     const ProgramResult traced =
         runProgram({{"/bin/sh", "-c",
