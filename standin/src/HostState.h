@@ -140,14 +140,14 @@ struct HostState {
 
     /// Counts a call that begins.
     /// \return its number.
-    std::size_t countCall(HostFunction function) {
+    std::size_t countCall(HostFunction function) const {
         progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
         return progress->calls.fetch_add(1, std::memory_order_relaxed) + 1;
     }
 
     /// Counts a call that nobody tells from others, so that one may be lost to another thread's: counting exactly would
     /// be most of the cost.
-    void countUnnumbered(HostFunction function) {
+    void countUnnumbered(HostFunction function) const {
         progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
         progress->calls.store(progress->calls.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     }

@@ -107,8 +107,8 @@ std::string whyOtherMachine(const Machine& its, const Machine& here) {
            (isOfOtherName ? nameOf(here.number) : fullNameOf(here));
 }
 
-bool isWithin(std::uint64_t fileSize, std::uint64_t offset, std::uint64_t size) {
-    return offset <= fileSize && size <= fileSize - offset;
+bool isWithin(std::uint64_t whole, std::uint64_t offset, std::uint64_t length) {
+    return offset <= whole && length <= whole - offset;
 }
 
 // The file is one for this machine. Its sections lie within it when their table does, which comes last.
@@ -118,10 +118,10 @@ bool isTruncated(const ReadFile& file) {
     const std::string start = file.bytes(0, sizeof(header));
     if (start.size() < sizeof(header)) return true;
     std::memcpy(&header, start.data(), sizeof(header));
-    const std::size_t segmentsSize = std::size_t{header.e_phnum} * sizeof(ElfW(Phdr));
-    const std::size_t sectionsSize = std::size_t{header.e_shnum} * sizeof(ElfW(Shdr));
-    if (!isWithin(size, header.e_phoff, segmentsSize) || !isWithin(size, header.e_shoff, sectionsSize)) return true;
-    const std::string table = file.bytes(header.e_phoff, segmentsSize);
+    const std::size_t segmentsLength = std::size_t{header.e_phnum} * sizeof(ElfW(Phdr));
+    const std::size_t sectionsLength = std::size_t{header.e_shnum} * sizeof(ElfW(Shdr));
+    if (!isWithin(size, header.e_phoff, segmentsLength) || !isWithin(size, header.e_shoff, sectionsLength)) return true;
+    const std::string table = file.bytes(header.e_phoff, segmentsLength);
     for (std::size_t at = 0; at + sizeof(ElfW(Phdr)) <= table.size(); at += sizeof(ElfW(Phdr))) {
         ElfW(Phdr) segment;
         std::memcpy(&segment, table.data() + at, sizeof(segment));

@@ -15,6 +15,6 @@ public:
 
 /// Reads a trace that an EventTrace wrote, also one that ends where the run was killed.
 /// \throws TraceError
-TracedRun readTrace(const std::string& path);
+TracedRun readTrace(const std::string& file);
 
 }  // namespace vexa::runner
