@@ -79,49 +79,46 @@ void outliveOnThread() {
     hang();
 }
 
-// Never destroyed: a destructor that runs later asks for it.
-const std::map<std::string, std::function<void()>>& ways() {
-    static const auto& all = *new std::map<std::string, std::function<void()>>{
-        {"nothing", [] {}},
-        {"exit0", [] { std::exit(0); }},
-        {"exit3", [] { std::exit(3); }},
-        {"_exit0", [] { _exit(0); }},
-        {"_exit3", [] { _exit(3); }},
-        {"quick_exit0", [] { std::quick_exit(0); }},
-        {"abort", [] { std::abort(); }},
-        {"terminate",
-         [] {
-             std::set_terminate(std::abort);  // which prints nothing
-             std::thread([] { std::terminate(); }).join();
-         }},
-        {"segv", [] { raiseAndWait(SIGSEGV); }},
-        {"kill", [] { raiseAndWait(SIGKILL); }},
-        {"term", [] { raiseAndWait(SIGTERM); }},
-        {"pipe", [] { raiseAndWait(SIGPIPE); }},
-        {"kill-group", [] { kill(0, SIGKILL); }},
-        {"exec-true", [] { execl("/bin/true", "true", nullptr); }},
-        {"exec-sleep", [] { execl("/bin/sleep", "sleep", "1000", nullptr); }},
-        {"copy-goes-on",
-         [] {
-             if (fork() != 0) _exit(0);
-         }},
-        {"stop", [] { raise(SIGSTOP); }},
-        {"hang", hang},
-        {"hang-blocked",
-         [] {
-             blockSignals();
-             hang();
-         }},
-        {"flood", [] { flood(STDOUT_FILENO); }},
-        {"flood-err", [] { flood(STDERR_FILENO); }},
-        {"leave-process", leaveProcess},
-        {"close-all", closeAll},
-        {"stay-loaded", stayLoaded},
-        {"thread", outliveOnThread},
-        {"fail", [] {}},
-    };
-    return all;
-}
+// Above what is destroyed before it: a destructor asks for it.
+const std::map<std::string, std::function<void()>> ways = {
+    {"nothing", [] {}},
+    {"exit0", [] { std::exit(0); }},
+    {"exit3", [] { std::exit(3); }},
+    {"_exit0", [] { _exit(0); }},
+    {"_exit3", [] { _exit(3); }},
+    {"quick_exit0", [] { std::quick_exit(0); }},
+    {"abort", [] { std::abort(); }},
+    {"terminate",
+     [] {
+         std::set_terminate(std::abort);  // which prints nothing
+         std::thread([] { std::terminate(); }).join();
+     }},
+    {"segv", [] { raiseAndWait(SIGSEGV); }},
+    {"kill", [] { raiseAndWait(SIGKILL); }},
+    {"term", [] { raiseAndWait(SIGTERM); }},
+    {"pipe", [] { raiseAndWait(SIGPIPE); }},
+    {"kill-group", [] { kill(0, SIGKILL); }},
+    {"exec-true", [] { execl("/bin/true", "true", nullptr); }},
+    {"exec-sleep", [] { execl("/bin/sleep", "sleep", "1000", nullptr); }},
+    {"copy-goes-on",
+     [] {
+         if (fork() != 0) _exit(0);
+     }},
+    {"stop", [] { raise(SIGSTOP); }},
+    {"hang", hang},
+    {"hang-blocked",
+     [] {
+         blockSignals();
+         hang();
+     }},
+    {"flood", [] { flood(STDOUT_FILENO); }},
+    {"flood-err", [] { flood(STDERR_FILENO); }},
+    {"leave-process", leaveProcess},
+    {"close-all", closeAll},
+    {"stay-loaded", stayLoaded},
+    {"thread", outliveOnThread},
+    {"fail", [] {}},
+};
 
 void record(const char* command) { VexaUtilMacroRecordExtCommand(kId, command); }
 
@@ -139,15 +136,15 @@ VexaBoolean execute(const char* command, char**) {
         way.erase(0, blank + 1);
     }
     VexaUtilMacroIsBatchModeActive();
-    const auto found = ways().find(way);
-    if (found == ways().end()) return 0;
+    const auto found = ways.find(way);
+    if (found == ways.end()) return 0;
     found->second();
     return way == "fail" ? 0 : 1;
 }
 
 void endAt(const std::string& when) {
     const std::string start = when + ' ';
-    if (theEnd.compare(0, start.size(), start) == 0) ways().at(theEnd.substr(start.size()))();
+    if (theEnd.compare(0, start.size(), start) == 0) ways.at(theEnd.substr(start.size()))();
 }
 
 void shutdown() { endAt("at-shutdown"); }
