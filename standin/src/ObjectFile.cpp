@@ -139,7 +139,7 @@ std::string whyNotLoadable(const std::string& path) {
     if (start.compare(0, SELFMAG, ELFMAG) != 0) return kNoObject;
     if (start.size() < kMachineEnd) return kTruncated;
     const auto bytesOf = [](const void* header) { return static_cast<const unsigned char*>(header); };
-    const std::string reason = whyOtherMachine(machineOf(bytesOf(start.data())), machineOf(bytesOf(&__ehdr_start)));
+    std::string reason = whyOtherMachine(machineOf(bytesOf(start.data())), machineOf(bytesOf(&__ehdr_start)));
     if (!reason.empty()) return reason;
     return isTruncated(file) ? kTruncated : "";
 }
