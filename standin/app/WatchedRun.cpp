@@ -22,8 +22,6 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::chrono::seconds kGrace{1};
-
 bool isBroken(int descriptor) {
     pollfd polled{descriptor, POLLOUT, 0};
     return poll(&polled, 1, 0) > 0 && (polled.revents & POLLERR) != 0;
@@ -144,11 +142,7 @@ ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, co
 ProcessSetting settingOf(const RunOptions& options) {
     ProcessSetting setting;
     setting.printed = Printed_e::Inherited;
-    setting.isTimed = options.contract.timeout.has_value();
-    setting.grace = kGrace;
-    if (setting.isTimed) {
-        setting.timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*options.contract.timeout);
-    }
+    setting.limitTime(options.contract.timeout);
     return setting;
 }
 

@@ -79,8 +79,6 @@ std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
 
 std::string expectationOf(const std::string& macro) { return fs::path(macro).replace_extension(kExpected).string(); }
 
-constexpr std::chrono::seconds kGrace{1};
-
 struct MacroVerdict {
     bool passed = false;
     std::string reason;  // one line; empty when it passed
@@ -141,11 +139,7 @@ private:
         ProcessSetting setting;
         setting.jobs = m_options.jobs;
         setting.printed = Printed_e::CaughtAsOne;
-        setting.isTimed = m_options.contract.timeout.has_value();
-        setting.grace = kGrace;
-        if (setting.isTimed) {
-            setting.timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*m_options.contract.timeout);
-        }
+        setting.limitTime(m_options.contract.timeout);
         m_transcripts.resize(m_macros.size());
         return runInProcesses(signals, m_macros.size(), setting, *this);
     }

@@ -173,7 +173,6 @@ public:
         ProcessOutcome outcome;
         const pid_t id = m_child.id();
         outcome.waitStatus = m_child.reap();
-        outcome.hasReported = m_box->hasReported(id);
         outcome.status = m_box->status();
         const bool hasLeft =
             m_box->hasLeft(id) && WIFEXITED(outcome.waitStatus) && WEXITSTATUS(outcome.waitStatus) == outcome.status;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,8 +31,7 @@ enum class End_e {
 /// What came of a process.
 struct ProcessOutcome {
     End_e end = End_e::Died;
-    int status = 0;  ///< what it reported; meaningful when it has
-    bool hasReported = false;
+    int status = 0;             ///< what it reported; meaningful when it has
     int waitStatus = 0;         ///< as from waitpid()
     bool areNotesWhole = true;  ///< whether all that it told arrived
     double seconds = 0;         ///< how long it took
@@ -91,7 +91,13 @@ struct ProcessSetting {
     bool isTimed = false;                      ///< whether they may have a time limit
     std::chrono::milliseconds grace{0};        ///< how much longer than their limit they may take
     std::chrono::milliseconds timeToLeave{0};  ///< the limit from the report to the end; 0 for none
-    bool leavesAtOnce = false;                 ///< whether what runs at the end of a program is left out
+    /// Sets the limit of work that looks at its own time limit: a second later the process is killed from outside.
+    void limitTime(const std::optional<std::chrono::duration<double>>& limit) {
+        isTimed = limit.has_value();
+        grace = std::chrono::seconds(1);
+        if (limit) timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*limit);
+    }
+    bool leavesAtOnce = false;  ///< whether what runs at the end of a program is left out
 };
 
 /// Does \p count works, each in a process of its own that is watched from here. What a process says of itself counts
