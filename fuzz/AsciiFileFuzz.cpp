@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "MemoryFile.h"
-#include "tests/textfile/ByteLoopSplit.h"
+#include "tests/library/textfile/ByteLoopSplit.h"
 #include "vexautilutil/AsciiFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -3,7 +3,7 @@
 # it was made for. Ends with status 1 when a group misses its bar, or an exclusion does not fit.
 
 BEGIN {
-    defineGroup("library", "^(macro|processor|host|text|textfile|filesystem|include)/", 100)
+    defineGroup("library", "^library/", 100)
     defineGroup("hostlibs", "^(hostlibs|hostapi)/", 100)
     defineGroup("standin/src", "^standin/(src|include)/", 95)
     defineGroup("standin/app", "^standin/app/", 0)

@@ -5,7 +5,7 @@
 
 BEGIN {
     areDecisions = 1
-    defineGroup("parsers", "^(macro|processor|hostapi)/|^hostlibs/(Scanner|toolbox/Set)\\.cpp", 95)
+    defineGroup("parsers", "^(library/(macro|processor)|hostapi)/|^hostlibs/(Scanner|toolbox/Set)\\.cpp", 95)
     defineGroup("state", "^standin/src/", 95)
 }
 

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/textfile/ByteLoopSplit.h"
+#include "tests/library/textfile/ByteLoopSplit.h"
 #include "vexautilutil/AsciiFile.h"
 
 namespace {

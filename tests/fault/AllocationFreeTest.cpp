@@ -5,7 +5,7 @@
 
 #include "AllocationFaults.h"
 #include "SparingHost.h"
-#include "macro/Tokens.h"
+#include "library/macro/Tokens.h"
 #include "support/TemporaryFolder.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/Scanner.h"

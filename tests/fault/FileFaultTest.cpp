@@ -13,9 +13,9 @@
 #include <thread>
 
 #include "Child.h"
+#include "library/textfile/FailingStreams.h"
 #include "support/FailingAllocator.h"
 #include "support/TemporaryFolder.h"
-#include "textfile/FailingStreams.h"
 #include "vexautilutil/AsciiFile.h"
 #include "vexautilutil/FileSystem.h"
 

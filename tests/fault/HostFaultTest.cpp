@@ -11,7 +11,7 @@
 #include <stdexcept>
 
 #include "Child.h"
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/FailingAllocator.h"
 #include "vexa/AddOn.h"
 #include "vexa/toolbox/Set.h"

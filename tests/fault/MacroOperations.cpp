@@ -2,7 +2,7 @@
 #include <stdexcept>
 
 #include "AllocationFaults.h"
-#include "macro/Tokens.h"
+#include "library/macro/Tokens.h"
 #include "support/GlobalLocale.h"
 #include "vexautilutil/BooleanMacroOption.h"
 #include "vexautilutil/MacroCommandAbstract.h"

@@ -3,7 +3,7 @@
 
 #include "AllocationFaults.h"
 #include "SparingHost.h"
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/GlobalLocale.h"
 
 namespace vexa::tests {

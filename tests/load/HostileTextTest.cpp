@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
+#include "library/macro/Tokens.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "load/LargeTexts.h"
 #include "load/Load.h"
 #include "load/Resources.h"
-#include "macro/Tokens.h"
-#include "processor/ScriptedProcessor.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/toolbox/Set.h"
 #include "vexastandin/Host.h"

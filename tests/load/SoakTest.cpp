@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <string>
 
+#include "library/macro/Tokens.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "load/Load.h"
 #include "load/Resources.h"
-#include "macro/Tokens.h"
-#include "processor/ScriptedProcessor.h"
 #include "support/TemporaryFolder.h"
 #include "vexa/toolbox/Set.h"
 #include "vexastandin/Host.h"

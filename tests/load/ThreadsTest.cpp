@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
+#include "library/macro/Tokens.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "load/Load.h"
-#include "macro/Tokens.h"
-#include "processor/ScriptedProcessor.h"
 #include "support/TemporaryFolder.h"
 #include "vexa/Scanner.h"
 #include "vexa/toolbox/Set.h"

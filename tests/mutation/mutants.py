@@ -1,6 +1,6 @@
 """Small changes to a C++ source, each of which a test should notice.
 
-    for mutant in mutants_of("macro/MacroTokens.cpp", text): build_and_test(mutant.text)
+    for mutant in mutants_of("library/macro/MacroTokens.cpp", text): build_and_test(mutant.text)
 
 There is no parser here. What a token is follows from how clang-format lays the sources out: an operator with two
 operands stands between blanks, a template argument list does not. A guess that is wrong makes a mutant that does not

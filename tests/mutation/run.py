@@ -31,17 +31,17 @@ NOBODY = 65534  # who runs the tests when root starts them: a mutant may remove 
 MEMORY = 4 << 30  # a mutant that never stops to allocate is stopped here
 COMPILE_SECONDS = 300
 
-# By the first folder of a source: what is built and, in this order until one fails, run.
+# By the folder of a source: what is built and, in this order until one fails, run.
 LIBRARY = 'vexautilutil_utils'
 FAULTS = 'fault/fault_tests'
 PROGRAMS = {
-    'filesystem': (LIBRARY, ['filesystem/filesystem_tests', FAULTS]),
-    'host': (LIBRARY, ['host/host_tests', FAULTS]),
-    'hostlibs': ('vexahostlibs', ['hostlibs/hostlibs_tests', 'processor/processor_tests', 'macro/macro_tests', FAULTS]),
-    'macro': (LIBRARY, ['macro/macro_tests', FAULTS]),
-    'processor': (LIBRARY, ['processor/processor_tests', FAULTS]),
-    'text': (LIBRARY, ['text/text_tests', 'macro/macro_tests', 'processor/processor_tests', 'host/host_tests', FAULTS]),
-    'textfile': (LIBRARY, ['textfile/textfile_tests', 'textfile/line_splitter_tests', FAULTS]),
+    'library/filesystem': (LIBRARY, ['library/filesystem/filesystem_tests', FAULTS]),
+    'library/host': (LIBRARY, ['library/host/host_tests', FAULTS]),
+    'hostlibs': ('vexahostlibs', ['hostlibs/hostlibs_tests', 'library/processor/processor_tests', 'library/macro/macro_tests', FAULTS]),
+    'library/macro': (LIBRARY, ['library/macro/macro_tests', FAULTS]),
+    'library/processor': (LIBRARY, ['library/processor/processor_tests', FAULTS]),
+    'library/text': (LIBRARY, ['library/text/text_tests', 'library/macro/macro_tests', 'library/processor/processor_tests', 'library/host/host_tests', FAULTS]),
+    'library/textfile': (LIBRARY, ['library/textfile/textfile_tests', 'library/textfile/line_splitter_tests', FAULTS]),
 }
 
 
@@ -158,7 +158,7 @@ def build(targets):
 
 def targets_of(folder):
     library, programs = PROGRAMS[folder]
-    return [library, *(program.split('/')[1] for program in programs)]
+    return [library, *(program.rsplit('/', 1)[1] for program in programs)]
 
 
 class Suite:
@@ -185,7 +185,7 @@ class Suite:
 
 
 def verdict(mutant, suite):
-    folder = mutant.file.split('/')[0]
+    folder = next(folder for folder in PROGRAMS if mutant.file.startswith(f'{folder}/'))
     with changed_file(mutant.file, mutant.text):
         if not build(targets_of(folder)):
             return 'does not compile'

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/FailingAllocator.h"
 #include "support/Sets.h"
 #include "vexastandin/Host.h"

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "foreign/SetCalls.h"
-#include "macro/Tokens.h"
-#include "processor/ScriptedProcessor.h"
+#include "library/macro/Tokens.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/Sets.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/SetMacroOption.h"

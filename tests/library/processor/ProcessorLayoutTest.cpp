@@ -3,7 +3,7 @@
 
 #include <type_traits>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/VirtualSlots.h"
 #include "vexa/Scanner.h"
 

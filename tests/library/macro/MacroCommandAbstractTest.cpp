@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "macro/Tokens.h"
+#include "library/macro/Tokens.h"
 #include "support/VirtualSlots.h"
 #include "vexautilutil/BooleanMacroOption.h"
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::vexautilutil {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "macro/Tokens.h"
+#include "library/macro/Tokens.h"
 
 namespace vexa::vexautilutil {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::vexautilutil {

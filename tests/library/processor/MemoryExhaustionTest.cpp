@@ -1,7 +1,7 @@
 // What getters do when memory runs out in the middle. That nothing leaks, and no text is cut, is tested in tests/fault.
 #include <gtest/gtest.h>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/FailingAllocator.h"
 #include "vexastandin/Host.h"
 

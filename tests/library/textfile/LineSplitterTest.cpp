@@ -114,7 +114,7 @@ TEST(LineSplitter, AgreesOnATableThatIsHandedOutInLargePages) {
 
 TEST(LineSplitter, AgreesOnRealFiles) {
     int files = 0;
-    for (const char* folder : {VEXA_SOURCE_DIR "/textfile", VEXA_SOURCE_DIR "/examples", VEXA_SOURCE_DIR "/tests"}) {
+    for (const char* folder : {VEXA_SOURCE_DIR "/library", VEXA_SOURCE_DIR "/examples", VEXA_SOURCE_DIR "/tests"}) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
             if (!entry.is_regular_file()) continue;
             std::ifstream file(entry.path(), std::ios::binary);

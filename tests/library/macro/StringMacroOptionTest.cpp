@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "macro/OptionTests.h"
-#include "macro/Tokens.h"
+#include "library/macro/OptionTests.h"
+#include "library/macro/Tokens.h"
 #include "support/VirtualSlots.h"
 
 namespace vexa::vexautilutil {

@@ -5,8 +5,8 @@
 
 #include <type_traits>
 
-#include "macro/OptionTests.h"
-#include "macro/Tokens.h"
+#include "library/macro/OptionTests.h"
+#include "library/macro/Tokens.h"
 #include "support/GlobalLocale.h"
 #include "support/VirtualSlots.h"
 

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/FailingAllocator.h"
 #include "support/Sets.h"
 #include "vexa/InvalidArgumentException.h"

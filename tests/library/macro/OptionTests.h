@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "macro/Tokens.h"
+#include "library/macro/Tokens.h"
 #include "support/VirtualSlots.h"
 
 namespace vexa::vexautilutil {

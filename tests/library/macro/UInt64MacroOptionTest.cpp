@@ -5,8 +5,8 @@
 
 #include <limits>
 
-#include "macro/OptionTests.h"
-#include "macro/Tokens.h"
+#include "library/macro/OptionTests.h"
+#include "library/macro/Tokens.h"
 #include "support/GlobalLocale.h"
 #include "support/VirtualSlots.h"
 #include "vexautilutil/MacroCommandAbstract.h"

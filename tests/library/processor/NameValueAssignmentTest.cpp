@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "support/GlobalLocale.h"
 #include "support/Sets.h"
 #include "vexa/toolbox/Set.h"

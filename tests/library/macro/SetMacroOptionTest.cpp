@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "macro/OptionTests.h"
-#include "macro/Tokens.h"
+#include "library/macro/OptionTests.h"
+#include "library/macro/Tokens.h"
 #include "support/Sets.h"
 #include "support/VirtualSlots.h"
 #include "vexa/InvalidArgumentException.h"
