@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "MacroFile.h"
-#include "MacroText.h"
 #include "MemoryFile.h"
+#include "formats/MacroFile.h"
+#include "formats/MacroText.h"
 #include "vexa/AddOn.h"
 #include "vexastandin/Host.h"
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "JsonText.h"
 #include "SteppedRanges.h"
-#include "StyleFile.h"
+#include "formats/JsonText.h"
+#include "formats/StyleFile.h"
 #include "vexautilutil/StyleValue.h"
 
 namespace vexa::fuzz {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "MemoryFile.h"
-#include "WholeFile.h"
-#include "report/PageData.h"
-#include "report/TraceReader.h"
+#include "commands/report/PageData.h"
+#include "commands/report/TraceReader.h"
+#include "system/files/WholeFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "trace/EventTrace.h"
 #include "vexa/AddOn.h"

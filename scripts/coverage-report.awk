@@ -6,7 +6,7 @@ BEGIN {
     defineGroup("library", "^library/", 100)
     defineGroup("hostlibs", "^(hostlibs|hostapi)/", 100)
     defineGroup("standin/src", "^standin/(src|include)/", 95)
-    defineGroup("standin/app", "^standin/app/", 0)
+    defineGroup("runner", "^runner/", 0)
 }
 
 /^ *[0-9]+\|/ {

@@ -1,0 +1,121 @@
+#include "commands/ListCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <csignal>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "session/AddOns.h"
+#include "session/FindingTeller.h"
+#include "session/watch/Death.h"
+#include "session/watch/UserWork.h"
+#include "system/processes/Tracer.h"
+#include "terminal/Console.h"
+#include "terminal/PrintedOutput.h"
+#include "terminal/TextWidth.h"
+#include "text/Printable.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr const char* kListFooter = R"(Example:
+  vexa-standin list ./libstats.so ./libloader.so
+
+Exit status:
+  0  all went well
+  2  wrong usage, or an add-on could not be loaded
+  5  an add-on ended its process: a crash, exit() or the like)";
+
+constexpr const char* kColumnGap = "  ";
+constexpr const char* kNoTitle = "-";
+
+// What stands in a column is on one line, whatever the add-on says.
+std::string titleOf(const standin::AddOnInfo& addOn) {
+    return addOn.title.empty() ? kNoTitle : printableLine(addOn.title);
+}
+std::string idOf(const standin::AddOnInfo& addOn) { return printableLine(addOn.id); }
+
+std::string padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - widthOf(text), ' ');
+}
+
+std::string tableOf(const std::vector<standin::AddOnInfo>& addOns) {
+    std::size_t idWidth = 0;
+    std::size_t titleWidth = 0;
+    for (const standin::AddOnInfo& addOn : addOns) {
+        idWidth = std::max(idWidth, widthOf(idOf(addOn)));
+        titleWidth = std::max(titleWidth, widthOf(titleOf(addOn)));
+    }
+    std::string table;
+    for (const standin::AddOnInfo& addOn : addOns) {
+        table += padded(idOf(addOn), idWidth) + kColumnGap + padded(titleOf(addOn), titleWidth) + kColumnGap +
+                 printableLine(addOn.path) + '\n';
+    }
+    return table;
+}
+
+ExitStatus_e listHere(const std::vector<std::string>& files, ProcessBox& box) {
+    standin::Host host;
+    host.setCallProgress(&box.calls);
+    host.setKeepsCalls(false);
+    const bool allLoaded = loadAddOns(host, files, box);
+    if (allLoaded) print(tableOf(host.addOns()));
+    const TimeInAddOn time(box, "", "", "unloading of the add-ons");
+    host.unloadAddOns();
+    FindingTeller(host).tellNew();
+    return checkOutput(allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput);
+}
+
+// Loads the add-ons in a process of their own, which they may end.
+class WatchedList : public UserWork {
+public:
+    explicit WatchedList(const std::vector<std::string>& files) : m_files(files) {}
+
+    ExitStatus_e list() {
+        const AwaitedSignals signals;
+        ProcessSetting setting;
+        setting.printed = Printed_e::Inherited;
+        runInProcesses(signals, 1, setting, *this);
+        return m_status;
+    }
+
+    int run(std::size_t, ProcessBox& box, NotesInterface&) override { return static_cast<int>(listHere(m_files, box)); }
+    void take(std::size_t, const Message&, RunningProcessInterface&) override {}
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
+        m_status = static_cast<ExitStatus_e>(outcome.status);
+        if (outcome.end == End_e::Left) return;
+        tell(deathText(box, outcome));
+        m_status = ExitStatus_e::ProcessEnded;
+    }
+
+private:
+    const std::vector<std::string>& m_files;
+    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
+};
+
+ExitStatus_e listAddOns(const std::vector<std::string>& files) {
+    if (!isTraced()) return WatchedList(files).list();
+    const auto box = std::make_unique<ProcessBox>();
+    return listHere(files, *box);
+}
+
+}  // namespace
+
+void addListCommand(CLI::App& app, Action& chosen) {
+    const auto files = std::make_shared<std::vector<std::string>>();
+    const auto more = std::make_shared<std::vector<std::string>>();
+    CLI::App& list = *app.add_subcommand("list", "List add-ons: id, title, file");
+    list.footer(kListFooter);
+    list.add_option("FILE.so", *files, "The add-ons")->type_name("");
+    addAddOnOption(list, *more).required(false);
+    list.callback([files, more, &chosen] {
+        files->insert(files->end(), more->begin(), more->end());
+        if (files->empty()) throw CLI::RequiredError("FILE.so");
+        chosen = [files] { return listAddOns(*files); };
+    });
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,97 @@
+#include "commands/StyleCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "formats/StyleFile.h"
+#include "terminal/Console.h"
+#include "vexastandin/Host.h"
+#include "vexautilutil/StyleValue.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr const char* kFooter = R"(Style file: JSON, keywords in one another, six at most, in any letter case:
+  {"FIELDMAP": {"MESH": {"LINETHICKNESS": 0.4, "COLOR": 3}},
+   "ACTIVEFIELDMAPS": [1, 2, "5-7"],
+   "TITLE": {"TEXT": "Wake"},
+   "SIZE": {"$offsets": [{"offset1": 1, "offset2": 0, "value": 2.5}],
+            "$value": 1.5}}
+A number with a point or an exponent is a double, and so is {"$double": 3}. An
+array is a set, and so is {"$set": "[1-2,5-7]"}. "$offsets" are values for pairs
+of offsets, "$value" is the value for all others.
+Add-ons tell integers, texts and sets apart by the last keyword alone; a value of
+another kind is refused.
+
+Example:
+  vexa-standin style --style look.json FIELDMAP MESH LINETHICKNESS
+
+Exit status:
+  0  the value was printed
+  2  wrong usage, the style file is refused, or the setting has no value)";
+
+// In the order of vexautilutil::ResultType_e.
+constexpr const char* kKindNames[] = {"double", "integer", "set", "text"};
+
+struct StyleOptions {
+    std::optional<std::string> style;
+    std::vector<std::string> path;
+    long offset1 = 0;
+    long offset2 = 0;
+};
+
+std::string joined(const std::vector<std::string>& keywords) {
+    std::string text;
+    for (const std::string& keyword : keywords) text += (text.empty() ? "" : " ") + keyword;
+    return text;
+}
+
+std::string reasonOf(GetValueReturnCode_e code, const StyleOptions& options) {
+    switch (code) {
+        case GetValueReturnCode_UnknownPath: return "unknown: the style file has no such setting";
+        case GetValueReturnCode_OtherType: return "its value is of another kind than was asked for";
+        default:
+            return "no value: it holds other settings, or has none for the offsets " + std::to_string(options.offset1) +
+                   " and " + std::to_string(options.offset2);
+    }
+}
+
+ExitStatus_e showStyle(StyleOptions& options) {
+    standin::Host host;
+    host.setKeepsCalls(false);
+    if (!loadStyles(host, *options.style)) return ExitStatus_e::BadUsageOrInput;
+    vexautilutil::ResultType_e type{};
+    GetValueReturnCode_e code{};
+    std::string value;
+    vexautilutil::getValueAsString(options.path, options.offset1, options.offset2, type, code, value);
+    if (code != GetValueReturnCode_Ok) {
+        tell(joined(options.path), reasonOf(code, options));
+        return ExitStatus_e::BadUsageOrInput;
+    }
+    print(std::string(kKindNames[type]) + ' ' + value + '\n');
+    return ExitStatus_e::AllWell;
+}
+
+}  // namespace
+
+void addStyleCommand(CLI::App& app, Action& chosen) {
+    const auto options = std::make_shared<StyleOptions>();
+    CLI::App& style = *app.add_subcommand("style", "Show a setting of a style file as add-ons get it");
+    style.footer(kFooter);
+    addStyleOption(style, options->style).required();
+    style.add_option("PATH", options->path, "The setting's keywords, outermost first, an argument each")
+        ->required()
+        ->type_name("");
+    style.add_option("--offset1", options->offset1, "The query's first index; 0 unless given")->type_name("N");
+    style.add_option("--offset2", options->offset2, "The query's second index; 0 unless given")->type_name("N");
+    style.callback([options, &chosen] {
+        // The library would leave further keywords away, except that the last one tells the kind.
+        if (options->path.size() > kMostStyleKeywords) throw CLI::ValidationError("PATH", "six keywords are the most");
+        chosen = [options] { return showStyle(*options); };
+    });
+}
+
+}  // namespace vexa::runner

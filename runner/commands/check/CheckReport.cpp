@@ -1,0 +1,42 @@
+#include "commands/check/CheckReport.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::array<const char*, 6> kNames = {"passed", "warned", "skipped", "failed", "crashed", "timed out"};
+
+}  // namespace
+
+const char* nameOf(Outcome_e outcome) { return kNames[static_cast<std::size_t>(outcome)]; }
+
+bool isBad(Outcome_e outcome, bool warningsAsErrors) {
+    return outcome > Outcome_e::Skipped || (warningsAsErrors && outcome == Outcome_e::Warned);
+}
+
+bool isPassed(const CheckReport& report) {
+    const auto is = [&](const auto& has) { return std::any_of(report.tests.begin(), report.tests.end(), has); };
+    return is([](const ReportedTest& test) { return test.result.verdict.outcome <= Outcome_e::Warned; }) &&
+           !is([&](const ReportedTest& test) { return isBad(test.result.verdict.outcome, report.warningsAsErrors); });
+}
+
+std::string countsText(const CheckReport& report) {
+    std::string text;
+    for (std::size_t i = 0; i != kNames.size(); ++i) {
+        const auto count = std::count_if(report.tests.begin(), report.tests.end(), [&](const ReportedTest& test) {
+            return test.result.verdict.outcome == static_cast<Outcome_e>(i);
+        });
+        if (count > 0) text += (text.empty() ? "" : ", ") + std::to_string(count) + ' ' + kNames[i];
+    }
+    return text;
+}
+
+std::size_t refusedWrites(const CheckReport& report) {
+    std::size_t count = 0;
+    for (const ReportedTest& test : report.tests) count += test.result.refusedWrites;
+    return count;
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,135 @@
+#include "commands/check/ReportFiles.h"
+
+#include <array>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <vector>
+
+#include "formats/JunitText.h"
+#include "text/Printable.h"
+
+namespace vexa::runner {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr char kTool[] = "vexa-standin check";
+constexpr int kJsonFormat = 1;
+constexpr int kIndent = 2;
+
+double secondsOf(const TestResult& result) { return std::chrono::duration<double>(result.duration).count(); }
+
+std::string dumped(const Json& json) { return json.dump(kIndent) + '\n'; }
+
+std::string withReproduction(const ReportedTest& test) {
+    const std::string& reason = test.result.verdict.reason;
+    if (test.reproduce.empty()) return reason;
+    return reason + (reason.empty() ? "" : "\n") + "reproduce: " + printable(test.reproduce);
+}
+
+// ---- JUnit
+
+std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+JunitOutcome_e junitOutcome(Outcome_e outcome, bool warningsAsErrors) {
+    switch (outcome) {
+        case Outcome_e::Passed: return JunitOutcome_e::Passed;
+        case Outcome_e::Skipped: return JunitOutcome_e::Skipped;
+        case Outcome_e::Warned: return warningsAsErrors ? JunitOutcome_e::Failure : JunitOutcome_e::Remarked;
+        case Outcome_e::Failed: return JunitOutcome_e::Failure;
+        case Outcome_e::Crashed:
+        case Outcome_e::TimedOut: break;
+    }
+    return JunitOutcome_e::Error;
+}
+
+// ---- SARIF
+
+std::string asUri(const std::string& path) {
+    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    std::string uri = path.compare(0, 1, "/") == 0 ? "file://" : "";
+    for (const char c : path) {
+        std::array<char, 4> code{};
+        std::snprintf(code.data(), code.size(), "%%%02X", static_cast<unsigned char>(c));
+        uri += kPlain.find(c) == std::string_view::npos ? code.data() : std::string(1, c);
+    }
+    return uri;
+}
+
+Json sarifRules(const CheckReport& report) {
+    Json rules = Json::array();
+    for (const ReportedTest& test : report.tests) {
+        rules.push_back({{"id", test.result.test->name},
+                         {"shortDescription", {{"text", test.result.test->summary}}},
+                         {"fullDescription", {{"text", test.result.test->why}}}});
+    }
+    return rules;
+}
+
+Json sarifResult(const CheckReport& report, std::size_t index) {
+    const ReportedTest& test = report.tests[index];
+    const Outcome_e outcome = test.result.verdict.outcome;
+    const Json file = {{"physicalLocation", {{"artifactLocation", {{"uri", asUri(report.addOn)}}}}}};
+    return {{"ruleId", test.result.test->name},
+            {"ruleIndex", index},
+            {"level", isBad(outcome, report.warningsAsErrors) ? "error" : "warning"},
+            {"message", {{"text", withReproduction(test)}}},
+            {"locations", Json::array({file})},
+            {"properties", {{"outcome", nameOf(outcome)}, {"seed", report.seed}}}};
+}
+
+}  // namespace
+
+std::string jsonText(const CheckReport& report) {
+    Json tests = Json::array();
+    for (const ReportedTest& test : report.tests) {
+        tests.push_back({{"name", test.result.test->name},
+                         {"summary", test.result.test->summary},
+                         {"outcome", nameOf(test.result.verdict.outcome)},
+                         {"seconds", secondsOf(test.result)},
+                         {"refusedWrites", test.result.refusedWrites},
+                         {"reason", test.result.verdict.reason},
+                         {"reproduce", printable(test.reproduce)}});
+    }
+    return dumped({{"tool", kTool},
+                   {"version", VEXA_STANDIN_VERSION},
+                   {"format", kJsonFormat},
+                   {"addOn", printable(report.addOn)},
+                   {"seed", report.seed},
+                   {"level", report.level},
+                   {"passed", isPassed(report)},
+                   {"tests", tests}});
+}
+
+std::string junitText(const CheckReport& report) {
+    std::vector<JunitCase> cases;
+    for (const ReportedTest& test : report.tests) {
+        const Verdict& verdict = test.result.verdict;
+        cases.push_back({report.addOn, test.result.test->name, secondsOf(test.result),
+                         junitOutcome(verdict.outcome, report.warningsAsErrors), nameOf(verdict.outcome),
+                         firstLine(verdict.reason), withReproduction(test)});
+    }
+    return junitText(std::string(kTool) + ' ' + report.addOn,
+                     {{"seed", std::to_string(report.seed)},
+                      {"level", std::to_string(report.level)},
+                      {"refused-writes", std::to_string(refusedWrites(report))}},
+                     cases);
+}
+
+std::string sarifText(const CheckReport& report) {
+    Json results = Json::array();
+    for (std::size_t i = 0; i != report.tests.size(); ++i) {
+        const Outcome_e outcome = report.tests[i].result.verdict.outcome;
+        if (outcome == Outcome_e::Warned || isBad(outcome, false)) results.push_back(sarifResult(report, i));
+    }
+    const Json driver = {{"name", kTool}, {"version", VEXA_STANDIN_VERSION}, {"rules", sarifRules(report)}};
+    return dumped({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+                   {"version", "2.1.0"},
+                   {"runs", Json::array({{{"tool", {{"driver", driver}}},
+                                          {"invocations", Json::array({{{"executionSuccessful", true}}})},
+                                          {"properties", {{"refusedWrites", refusedWrites(report)}}},
+                                          {"results", results}}})}});
+}
+
+}  // namespace vexa::runner

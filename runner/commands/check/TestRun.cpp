@@ -1,0 +1,195 @@
+#include "commands/check/TestRun.h"
+
+#include <sys/wait.h>
+
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <optional>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+#include "commands/check/MacroShrinker.h"
+#include "commands/check/WatchedProcess.h"
+#include "commands/check/trial/BlackBox.h"
+#include "commands/check/trial/Confinement.h"
+#include "system/files/ScratchFolder.h"
+#include "text/Lines.h"
+#include "text/ShortText.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::size_t kOutputLines = 12;
+constexpr const char* kWritesAnywhere = "its commands may write under any name";
+
+std::string whatWasTried(const BlackBox& box) {
+    const std::string tried = box.tried.text();
+    return tried.empty() ? "" : "tried: " + tried;
+}
+
+// In the test's process: how the test comes out, if the process lives to tell.
+Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
+    Trial trial(subject, box);
+    const auto failed = [&](const std::string& reason, std::string macro) {
+        std::string lines = reason;
+        addLine(lines, whatWasTried(box));
+        addLine(lines, trial.warnings());
+        if (macro.empty()) macro = box.macro.text();
+        return Verdict{Outcome_e::Failed, lines, std::move(macro)};
+    };
+    try {
+        Verdict verdict = test.run(trial);
+        const std::string warnings = trial.warnings();
+        if (!warnings.empty() && verdict.outcome == Outcome_e::Passed) verdict.outcome = Outcome_e::Warned;
+        addLine(verdict.reason, warnings);
+        return verdict;
+    } catch (const CaseFailed& failure) {
+        return failed(failure.what(), failure.macro());
+    } catch (const std::bad_alloc&) {
+        return failed("the test got no memory", "");
+    } catch (const std::exception& error) {
+        return failed(std::string("the test could not be carried out: ") + error.what(), "");
+    }
+}
+
+std::string whatRan(const BlackBox& box) {
+    std::string lines = whatWasTried(box);
+    const std::string entry = box.entry.text();
+    const std::string call = box.hostCall.text();
+    if (entry.empty()) {
+        addLine(lines, "the add-on was not at work yet");
+    } else {
+        addLine(lines, (box.isInAddOn ? "during: " : "after: ") + entry);
+        addLine(lines, call.empty() ? "it had not called the host"
+                                    : (box.isInHostCall ? "in host call " : "last host call: ") + call);
+    }
+    return lines;
+}
+
+std::string lastLinesOf(const std::string& output) {
+    const std::vector<std::string> lines = linesOf(output);
+    const std::size_t first = lines.size() > kOutputLines ? lines.size() - kOutputLines : 0;
+    std::string text;
+    for (std::size_t i = first; i != lines.size(); ++i) addLine(text, "    " + lines[i]);
+    return text.empty() ? "" : "the last that was printed:\n" + text;
+}
+
+std::string secondsText(std::chrono::milliseconds time) {
+    std::ostringstream text;
+    text << std::chrono::duration<double>(time).count() << " s";
+    return text.str();
+}
+
+std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
+    if (end.timedOut && end.verdict) return "its process did not end";
+    if (end.timedOut && box.isInAddOn) return "the add-on did not return within " + secondsText(timeout);
+    if (end.timedOut) return "the test did not go on";
+    if (end.hasLeft) return "its outcome could not be told: the add-on closed files that are not its own";
+    if (WIFSIGNALED(end.waitStatus)) {
+        const int number = WTERMSIG(end.waitStatus);
+        const char* const name = sigabbrev_np(number);
+        return "SIG" + (name == nullptr ? std::to_string(number) : std::string(name)) + ": " + strsignal(number);
+    }
+    return "the add-on ended the process, with status " + std::to_string(WEXITSTATUS(end.waitStatus));
+}
+
+bool isWell(const ProcessEnd& end) { return end.hasLeft && end.verdict; }
+
+// In the process that watches: the verdict, if the process lived to tell it.
+Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
+    const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
+    if (isPassed) return *end.verdict;
+    Verdict verdict = isWell(end) ? *end.verdict
+                                  : Verdict{end.timedOut ? Outcome_e::TimedOut : Outcome_e::Crashed,
+                                            howItEnded(end, box, timeout) + '\n' + whatRan(box), box.macro.text()};
+    if (box.wantedMemory) addLine(verdict.reason, "the process ran out of memory on the way");
+    addLine(verdict.reason, lastLinesOf(end.output));
+    return verdict;
+}
+
+void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& setting) {
+    if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
+    std::string smaller = shrunkMacro(setting.signals, subject, setting.timeout, verdict.macro);
+    if (smaller == verdict.macro) return;
+    addLine(verdict.reason, "a smaller macro shows the same:\n    " + shortText(smaller));
+    verdict.macro = std::move(smaller);
+}
+
+Verdict runTame(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
+    const auto task = [&] { return verdictOf(test, subject, box); };
+    return setting.inProcess ? task()
+                             : judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+}
+
+Subject withAbsoluteFiles(Subject subject) {
+    const auto makeAbsolute = [](std::string& file) { file = std::filesystem::absolute(file); };
+    makeAbsolute(subject.addOn);
+    for (std::string& other : subject.others) makeAbsolute(other);
+    return subject;
+}
+
+// In the test's process, whose commands may be anything.
+Verdict confinedVerdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
+    try {
+        subject.confinement->enter();
+    } catch (const std::system_error& error) {
+        return {Outcome_e::Skipped,
+                std::string(kWritesAnywhere) + ", and this system has nothing to confine it by: " + error.what()};
+    }
+    return verdictOf(test, subject, box);
+}
+
+std::string refusalsText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " attempt to change a file outside of its folder was refused"
+                                               : " attempts to change files outside of its folder were refused");
+}
+
+void runWild(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box,
+             TestResult& result) {
+    Verdict& verdict = result.verdict;
+    if (setting.inProcess) {
+        verdict = {Outcome_e::Skipped,
+                   std::string(kWritesAnywhere) + ", and only a process of its own can be confined"};
+        return;
+    }
+    Subject movable = withAbsoluteFiles(subject);
+    std::optional<ScratchFolder> scratch;
+    try {
+        scratch.emplace();
+    } catch (const std::exception& error) {
+        verdict = {Outcome_e::Skipped, std::string("it works in a copy of the current folder, and there is none: ") +
+                                           error.what() +
+                                           "\nrun it where the files of the macros are, and little else"};
+        return;
+    }
+    const Confinement confinement(scratch->path(), scratch->temporary());
+    movable.confinement = &confinement;
+    const CurrentFolder there(scratch->copy());
+    const auto task = [&] { return confinedVerdictOf(test, movable, box); };
+    verdict = judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    result.refusedWrites = confinement.refusals();
+    if (result.refusedWrites > 0) addLine(verdict.reason, refusalsText(result.refusedWrites));
+    shrinkMacro(verdict, movable, setting);
+}
+
+}  // namespace
+
+TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting) {
+    const SharedMemory<BlackBox> box;
+    const auto begin = BlackBox::Clock::now();
+    TestResult result;
+    result.test = &test;
+    if (test.isWild) {
+        runWild(test, subject, setting, *box, result);
+    } else {
+        result.verdict = runTame(test, subject, setting, *box);
+    }
+    result.duration = std::chrono::duration_cast<std::chrono::milliseconds>(BlackBox::Clock::now() - begin);
+    result.addOnIds = linesOf(box->addOnIds.text());
+    return result;
+}
+
+}  // namespace vexa::runner

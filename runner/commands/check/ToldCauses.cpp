@@ -1,0 +1,142 @@
+#include "commands/check/ToldCauses.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+
+#include "text/Lines.h"
+#include "text/ShortText.h"
+#include "text/StartsWith.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kIndentation = "    ";
+// How lines begin that tell what went on, and lines that belong to the one before.
+constexpr std::string_view kContext[] = {"tried: ",
+                                         "during: ",
+                                         "after: ",
+                                         "in host call ",
+                                         "last host call: ",
+                                         "it had not called the host",
+                                         "the add-on was not at work yet",
+                                         "the process ran out of memory",
+                                         "the last that was printed:",
+                                         "a smaller macro shows the same:"};
+constexpr std::string_view kFurther[] = {kIndentation, "its message: ", "without a message"};
+
+template <class Beginnings>
+bool startsWithAny(std::string_view line, const Beginnings& beginnings) {
+    return std::any_of(std::begin(beginnings), std::end(beginnings),
+                       [&](std::string_view beginning) { return startsWith(line, beginning); });
+}
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// `line` without the number that stands behind `word`.
+std::string withoutNumber(std::string line, std::string_view word) {
+    const std::size_t begin = line.find(word);
+    if (begin == std::string::npos) return line;
+    std::size_t end = begin + word.size();
+    while (end < line.size() && isDigit(line[end])) ++end;
+    return line.erase(begin, end - begin);
+}
+
+// Without the place in a macro that a headline begins with: `FILE:LINE: `.
+std::string withoutPlace(const std::string& line) {
+    for (std::size_t colon = line.find(':'); colon != std::string::npos; colon = line.find(':', colon + 1)) {
+        std::size_t end = colon + 1;
+        while (end < line.size() && isDigit(line[end])) ++end;
+        if (end > colon + 1 && line.compare(end, 2, ": ") == 0) return line.substr(end + 2);
+    }
+    return line;
+}
+
+// Without the place at the end of what an add-on did: ` (FILE:LINE)`.
+std::string withoutLastPlace(const std::string& line) {
+    const std::size_t begin = line.rfind(" (");
+    const std::size_t colon = line.rfind(':');
+    const bool hasPlace = begin != std::string::npos && colon > begin && colon + 2 < line.size() &&
+                          line.back() == ')' &&
+                          std::all_of(line.begin() + static_cast<std::ptrdiff_t>(colon) + 1, line.end() - 1, isDigit);
+    return hasPlace ? line.substr(0, begin) : line;
+}
+
+// What of a line of a cause is the same in each test. Behind a command in quotation marks comes where it stands.
+std::string essence(const std::string& line) {
+    if (startsWith(line, "    and ")) return "";
+    if (!startsWith(line, kIndentation)) return withoutPlace(line);
+    const std::size_t quote = line.rfind('"');
+    const std::string essential = quote == std::string::npos ? line : line.substr(0, quote + 1);
+    return withoutNumber(withoutNumber(essential, "call "), "thread ");
+}
+
+// An end of the process is one cause: how it ended, and in the middle of what.
+std::string howItEnded(const std::vector<std::string>& lines) {
+    std::string how = lines.empty() ? "" : lines.front();
+    for (const std::string& line : lines) {
+        if (startsWith(line, "during: ") || startsWith(line, "after: ")) how += ", " + withoutLastPlace(line);
+    }
+    return how;
+}
+
+}  // namespace
+
+std::vector<ToldCauses::Part> ToldCauses::partsOf(const Verdict& verdict) {
+    const std::vector<std::string> lines = linesOf(verdict.reason);
+    const bool isEnd = verdict.outcome == Outcome_e::Crashed || verdict.outcome == Outcome_e::TimedOut;
+    if (isEnd) return {{verdict.reason, howItEnded(lines), howItEnded(lines)}};
+    std::vector<Part> parts;
+    for (const std::string& line : lines) {
+        const bool isFurther = !parts.empty() && startsWithAny(line, kFurther);
+        if (!isFurther) parts.push_back({"", "", line});
+        Part& part = parts.back();
+        const bool isCause = isFurther ? !part.key.empty() : !startsWithAny(line, kContext);
+        addLine(part.text, line);
+        if (isCause) part.key += essence(line) + '\n';
+    }
+    return parts;
+}
+
+ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdict) {
+    if (verdict.outcome == Outcome_e::Passed || verdict.outcome == Outcome_e::Skipped) return {verdict.reason, false};
+    Told told;
+    std::string context;
+    std::set<std::string> here;     // the causes that this test had
+    std::set<std::string> earlier;  // the tests that told those that are told
+    for (const Part& part : partsOf(verdict)) {
+        if (part.key.empty()) {
+            addLine(context, part.text);
+            continue;
+        }
+        if (!here.insert(part.key).second) continue;
+        const auto [cause, isNew] = m_causes.try_emplace(part.key, Cause{part.headline, test});
+        ++cause->second.tests;
+        if (isNew) {
+            m_order.push_back(part.key);
+            addLine(told.text, part.text);
+            told.isNew = true;
+        } else {
+            earlier.insert(cause->second.firstTest);
+        }
+    }
+    if (told.isNew || here.empty()) addLine(told.text, context);
+    std::string names;
+    for (const std::string& name : earlier) names += (names.empty() ? "" : ", ") + name;
+    if (!names.empty()) addLine(told.text, (told.isNew ? "and as above (" : "as above (") + names + ')');
+    told.isNew = told.isNew || here.empty();
+    return told;
+}
+
+std::string ToldCauses::summary() const {
+    std::string lines;
+    for (const std::string& key : m_order) {
+        const Cause& cause = m_causes.at(key);
+        if (cause.tests < 2) continue;
+        addLine(lines, std::to_string(cause.tests) + " tests have the cause that " + cause.firstTest +
+                           " shows: " + shortText(cause.headline));
+    }
+    return lines;
+}
+
+}  // namespace vexa::runner

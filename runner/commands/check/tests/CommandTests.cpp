@@ -1,0 +1,97 @@
+#include "commands/check/tests/CommandTests.h"
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "vexa/AddOn.h"
+
+namespace vexa::runner {
+namespace {
+
+std::string nameOf(const MacroStep& step) { return step.addOnId + ' ' + step.text + " (" + step.place + ')'; }
+
+// Runs commands, each of which may fail: what it needs may not have come before.
+void runInOneSession(Trial& trial, const std::vector<MacroStep>& steps) {
+    Session session(trial);
+    for (const MacroStep& step : steps) session.run(step);
+    session.end();
+}
+
+// ---- The second add-on: its command `ID text` is to run the command `text` of the add-on ID.
+
+constexpr char kCaller[] = "VEXA-STANDIN-CHECK";
+
+char* asHostString(const std::string& text) {
+    char* const string = VexaUtilStringAlloc(static_cast<int>(text.size() + 1), "error message");
+    if (string != nullptr) std::memcpy(string, text.c_str(), text.size() + 1);
+    return string;
+}
+
+VexaBoolean runOther(const char* command, char** errMsg) {
+    const char* const idEnd = std::strchr(command, ' ');
+    const standin::CommandResult result = standin::Host::current()->run({command, idEnd}, idEnd + 1);
+    if (!result.accepted) *errMsg = asHostString(result.error);
+    return result.accepted ? 1 : 0;
+}
+
+const VexaAddOn_s* enterCaller(AddOnList_s*) {
+    static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, kCaller, nullptr, runOther, nullptr};
+    return &description;
+}
+
+}  // namespace
+
+Verdict commandsInOrder(Trial& trial) {
+    const std::vector<MacroStep>& steps = trial.subject().steps;
+    trial.nowTrying("the commands of the macros, in order", macroOf(steps));
+    Session session(trial);
+    for (const MacroStep& step : steps) session.runWell(step);
+    session.end();
+    return {};
+}
+
+Verdict commandsAlone(Trial& trial) {
+    for (const MacroStep& step : trial.subject().steps) {
+        trial.nowTrying("alone: " + nameOf(step), macroOf({step}));
+        runInOneSession(trial, {step});
+    }
+    return {};
+}
+
+Verdict commandsTwice(Trial& trial) {
+    std::vector<MacroStep> steps;
+    for (const MacroStep& step : trial.subject().steps) steps.insert(steps.end(), 2, step);
+    trial.nowTrying("the commands of the macros, each twice", macroOf(steps));
+    runInOneSession(trial, steps);
+    return {};
+}
+
+Verdict commandsInRandomOrder(Trial& trial) {
+    constexpr int kOrders = 5;
+    std::vector<MacroStep> steps = trial.subject().steps;
+    for (int order = 0; order != kOrders; ++order) {
+        // Not by std::shuffle(), whose result is the library's own affair.
+        for (std::size_t left = steps.size(); left > 1; --left) {
+            std::swap(steps[left - 1], steps[trial.random()() % left]);
+        }
+        trial.nowTrying("the commands of the macros, in random order", macroOf(steps));
+        runInOneSession(trial, steps);
+    }
+    return {};
+}
+
+Verdict commandsFromSecondAddOn(Trial& trial) {
+    trial.nowTrying("the commands of the macros, in order, each run by a command of another add-on");
+    Session session(trial);
+    session.host().linkAddOn(enterCaller);
+    for (const MacroStep& step : trial.subject().steps) {
+        session.runWell({step.place, kCaller, step.addOnId + ' ' + step.text});
+    }
+    session.end();
+    return {};
+}
+
+}  // namespace vexa::runner

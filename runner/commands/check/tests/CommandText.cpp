@@ -1,0 +1,245 @@
+#include "commands/check/tests/CommandText.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\n\v\f\r";
+constexpr std::size_t kVeryLong = 70000;  // more than 64 KiB
+constexpr std::size_t kManyOptions = 5000;
+constexpr std::size_t kMostCuts = 400;  // in longer texts, cuts have a distance
+
+// Values of every kind, and what is nearly one.
+const std::vector<std::string>& values() {
+    static const std::vector<std::string> all = {"",
+                                                 "TRUE",
+                                                 "-1",
+                                                 "0",
+                                                 "1.5",
+                                                 "1e999",
+                                                 "nan",
+                                                 "99999999999999999999",
+                                                 "'text'",
+                                                 "\"text\"",
+                                                 "''",
+                                                 "'",
+                                                 "\"",
+                                                 "'\\",
+                                                 "[1-3]",
+                                                 "[]",
+                                                 "[",
+                                                 "]",
+                                                 "[3-1]",
+                                                 "[1,",
+                                                 "[0-9223372036854775807]",
+                                                 "[1-9000000000:2]",
+                                                 "=",
+                                                 "\\",
+                                                 "text",
+                                                 "'\xC3\xA4\xFF'",
+                                                 "%s%n"};
+    return all;
+}
+
+std::size_t endOfValue(const std::string& text, std::size_t at) {
+    const char first = text[at];
+    if (first == '\'' || first == '"') {
+        for (++at; at < text.size() && text[at] != first; ++at) {
+            if (text[at] == '\\') ++at;
+        }
+        return std::min(at + 1, text.size());
+    }
+    if (first == '[') return std::min(text.find(']', at), text.size() - 1) + 1;
+    return std::min(text.find_first_of(kBlanks, at), text.size());
+}
+
+std::size_t skipBlanks(const std::string& text, std::size_t at) {
+    return std::min(text.find_first_not_of(kBlanks, at), text.size());
+}
+
+std::string textOf(const CommandText::Option& option) {
+    return option.value.empty() ? option.name : option.name + " = " + option.value;
+}
+
+class Damages {
+public:
+    explicit Damages(const std::string& text) : m_text(text), m_command(text) {}
+
+    std::vector<DamagedText> all() {
+        options();
+        cuts();
+        bytes();
+        return std::move(m_damages);
+    }
+
+private:
+    void add(std::string how, std::string text) { m_damages.push_back({std::move(how), std::move(text)}); }
+    void add(std::string how, const CommandText& command) { add(std::move(how), command.text()); }
+
+    // Changes one option.
+    template <class Change>
+    void change(std::string how, std::size_t option, const Change& change) {
+        CommandText changed = m_command;
+        change(changed.options[option]);
+        add(std::move(how), changed);
+    }
+
+    void options() {
+        CommandText changed = m_command;
+        changed.word.clear();
+        add("without its first word", changed);
+        for (std::size_t i = 0; i != m_command.options.size(); ++i) option(i);
+        std::string swollen = m_command.word;
+        for (std::size_t i = 0; i != kManyOptions; ++i) swollen += " N" + std::to_string(i) + " = 1";
+        add("with very many options", swollen);
+        add("with a very long first word", m_command.word + std::string(kVeryLong, 'A'));
+        add("with very many blanks behind it", m_text + std::string(kVeryLong, ' '));
+    }
+
+    void option(std::size_t i) {
+        using Option = CommandText::Option;
+        const std::string name = m_command.options[i].name;
+        CommandText changed = m_command;
+        changed.options.erase(changed.options.begin() + static_cast<std::ptrdiff_t>(i));
+        add("without " + name, changed);
+        changed = m_command;
+        changed.options.push_back(changed.options[i]);
+        add("with " + name + " twice", changed);
+        if (i != 0) {
+            changed = m_command;
+            std::swap(changed.options[i - 1], changed.options[i]);
+            add("with " + name + " before the option before it", changed);
+        }
+        for (const std::string& value : values()) {
+            change(std::string(name).append(" = ").append(value), i, [&](Option& option) { option.value = value; });
+        }
+        quotesWithin(i);
+        change("without the = of " + name, i, [&](Option& option) { option = {option.name + ' ' + option.value, ""}; });
+        change("with nothing behind the = of " + name, i, [&](Option& option) { option = {name + " =", ""}; });
+        change("with two = of " + name, i, [&](Option& option) { option.value.insert(0, "= "); });
+        change("without the name " + name, i, [&](Option& option) { option.name.clear(); });
+        change("with a very long name", i, [&](Option& option) { option.name.append(kVeryLong, 'A'); });
+        change("with a very long value of " + name, i,
+               [&](Option& option) { option.value = '\'' + std::string(kVeryLong, 'a') + '\''; });
+        change("with a very long number for " + name, i,
+               [&](Option& option) { option.value = std::string(kVeryLong, '1'); });
+        std::string set = "[1";
+        for (std::size_t n = 3; set.size() < kVeryLong; n += 2) set += ',' + std::to_string(n);
+        change("with a very long set for " + name, i, [&](Option& option) { option.value = set + ']'; });
+    }
+
+    // Quotes and escapes within a quoted text have to be read, and recorded so that they are read again.
+    void quotesWithin(std::size_t i) {
+        const std::string& value = m_command.options[i].value;
+        if (value.size() < 2 || (value.front() != '\'' && value.front() != '"')) return;
+        for (const char* const within : {"''", "\"\"", "\\'", "\\\"", "\\\\", "'", "\""}) {
+            change("with " + std::string(within) + " within " + m_command.options[i].name, i,
+                   [&](CommandText::Option& option) { option.value.insert(option.value.size() / 2, within); });
+        }
+    }
+
+    void cuts() {
+        const std::size_t step = m_text.size() / kMostCuts + 1;
+        for (std::size_t at = 1; at < m_text.size(); at += step) {
+            add("cut behind byte " + std::to_string(at), m_text.substr(0, at));
+        }
+        for (std::size_t at = 1; at < m_text.size(); at += step) {
+            add("without its first " + std::to_string(at) + " bytes", m_text.substr(at));
+        }
+    }
+
+    void bytes() {
+        for (std::size_t at = 0; at != m_text.size(); ++at) {
+            if (std::string_view("'\"=[]").find(m_text[at]) == std::string_view::npos) continue;
+            std::string text = m_text;
+            text.erase(at, 1);
+            add("without byte " + std::to_string(at + 1), text);
+        }
+        for (const char byte : std::string_view("\x01\t\n\r\x1B\x7F\x80\xC3\xFF'\"\\=[]")) {
+            for (const std::size_t at : {m_text.size() / 3, m_text.size() * 2 / 3, m_text.size()}) {
+                std::string text = m_text;
+                text.insert(at, 1, byte);
+                add("with a strange byte behind byte " + std::to_string(at), text);
+            }
+        }
+    }
+
+    const std::string& m_text;
+    CommandText m_command;
+    std::vector<DamagedText> m_damages;
+};
+
+std::size_t below(std::mt19937_64& random, std::size_t limit) {
+    return static_cast<std::size_t>(random() % std::max<std::size_t>(limit, 1));
+}
+
+void damageOnce(std::string& text, std::mt19937_64& random) {
+    const std::size_t at = below(random, text.size() + 1);
+    const std::size_t length = 1 + below(random, 12);
+    switch (below(random, 6)) {
+        case 0: text.erase(at, length); break;
+        case 1: text.insert(at, text.substr(at, length)); break;
+        case 2: text.insert(at, 1, static_cast<char>(1 + below(random, 255))); break;
+        case 3: text.insert(at, values()[below(random, values().size())]); break;
+        case 4: text.insert(at, text.substr(below(random, text.size()), length)); break;
+        default:
+            if (at != text.size()) text[at] = static_cast<char>(1 + below(random, 255));
+    }
+}
+
+}  // namespace
+
+CommandText::CommandText(const std::string& text) {
+    std::size_t at = skipBlanks(text, 0);
+    const std::size_t wordEnd = std::min(text.find_first_of(kBlanks, at), text.size());
+    word = text.substr(at, wordEnd - at);
+    for (at = skipBlanks(text, wordEnd); at < text.size(); at = skipBlanks(text, at)) {
+        const std::size_t nameEnd = std::min(text.find_first_of(" \t\n\v\f\r=", at), text.size());
+        Option option = {text.substr(at, nameEnd - at), ""};
+        at = skipBlanks(text, nameEnd);
+        if (at < text.size() && text[at] == '=') {
+            at = skipBlanks(text, at + 1);
+            const std::size_t valueEnd = at == text.size() ? at : endOfValue(text, at);
+            option.value = text.substr(at, valueEnd - at);
+            at = valueEnd;
+        }
+        options.push_back(std::move(option));
+    }
+}
+
+std::string CommandText::text() const {
+    std::string text = word;
+    for (const Option& option : options) text += ' ' + textOf(option);
+    return text;
+}
+
+std::vector<DamagedText> strangeTexts() {
+    std::vector<DamagedText> texts;
+    std::string every;
+    for (int byte = 1; byte != 256; ++byte) {
+        const std::string one(1, static_cast<char>(byte));
+        every += one;
+        texts.push_back({"byte " + std::to_string(byte) + " alone", one});
+    }
+    texts.push_back({"every byte there is", every});
+    for (const std::string& text : values()) texts.push_back({"a value alone", text});
+    for (const char byte : std::string_view("A '\"[=\\1\xFF")) {
+        texts.push_back({"the same byte very often", std::string(kVeryLong, byte)});
+    }
+    for (const char* const text : {" ", "NAME =", "NAME = 'text'", "A = 1 A = 1", "= 1", "'a' 'b'"}) {
+        texts.push_back({"a strange text", text});
+    }
+    return texts;
+}
+
+std::vector<DamagedText> damaged(const std::string& text) { return Damages(text).all(); }
+
+std::string damagedAtRandom(std::string text, std::mt19937_64& random) {
+    for (std::size_t times = 1 + below(random, 4); times != 0; --times) damageOnce(text, random);
+    return text;
+}
+
+}  // namespace vexa::runner

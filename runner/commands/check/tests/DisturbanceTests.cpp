@@ -1,0 +1,162 @@
+#include "commands/check/tests/DisturbanceTests.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "commands/check/tests/DisturbedCommand.h"
+#include "commands/check/trial/AllocationFaults.h"
+#include "vexastandin/HostFunctions.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::size_t kMostOfOneKind = 200;  // how many places are tried of a kind that one command has more of
+constexpr const char* kCheckPercent = "VexaUtilStatusCheckPercentDone";
+constexpr const char* kAllocString = "VexaUtilStringAlloc";
+
+// ---- Host calls
+
+// What a failed call returns. An add-on cannot see that a function failed that returns nothing, so there is nothing to
+// try.
+std::vector<int> failuresOf(standin::ResultKind_e kind) {
+    switch (kind) {
+        case standin::ResultKind_e::None: return {};
+        case standin::ResultKind_e::Handle:
+        case standin::ResultKind_e::Boolean: return {0};
+        case standin::ResultKind_e::ReturnCode: return {1, 2, 3};
+    }
+    return {};
+}
+
+// As the host writes it down.
+std::string resultText(standin::ResultKind_e kind, int result) {
+    constexpr std::array<const char*, 4> kCodes = {"GetValueReturnCode_Ok", "GetValueReturnCode_OtherType",
+                                                   "GetValueReturnCode_UnknownPath", "GetValueReturnCode_NotAvailable"};
+    switch (kind) {
+        case standin::ResultKind_e::Handle: return "null";
+        case standin::ResultKind_e::ReturnCode: return kCodes.at(static_cast<std::size_t>(result));
+        default: return std::to_string(result);
+    }
+}
+
+Disturbance failing(const standin::HostFunctionInfo& info, std::size_t nth, int result) {
+    Disturbance disturbance;
+    const std::string function = info.name;
+    disturbance.what =
+        "call " + std::to_string(nth) + " of " + function + " returns " + resultText(info.result, result);
+    disturbance.run = [=](standin::Host& host, const std::function<void()>& command) {
+        host.failCall(function, nth, result);
+        command();
+        host.forgetFaults();  // it may have gone another way this time
+    };
+    return disturbance;
+}
+
+// Failing commands that get no memory for their message, too, have a way out of their own.
+Disturbance withoutMessage(Disturbance disturbance) {
+    disturbance.what += ", and " + std::string(kAllocString) + " null";
+    disturbance.run = [run = disturbance.run](standin::Host& host, const std::function<void()>& command) {
+        host.failCall(kAllocString);
+        run(host, command);
+    };
+    return disturbance;
+}
+
+// ---- The stop button
+
+Disturbance stopping(std::size_t nth) {
+    Disturbance disturbance;
+    disturbance.what = "the user presses stop before call " + std::to_string(nth) + " of " + kCheckPercent;
+    disturbance.run = [=](standin::Host& host, const std::function<void()>& command) {
+        host.pressStopAtCheck(nth);
+        command();
+        host.releaseStop();
+    };
+    return disturbance;
+}
+
+// ---- Allocations
+
+// A command that fails for want of memory has none for a message, either. And the library's getValueAsString()
+// deliberately does not free its argument list when memory runs out, so what uses it cannot.
+Disturbance withoutMemory(Failing_e failing, std::size_t nth) {
+    Disturbance disturbance;
+    disturbance.what =
+        "allocation " + std::to_string(nth) + (failing == Failing_e::One ? " fails" : " and all behind it fail");
+    disturbance.suppressed = {"missing-errmsg", "leaked-arglist"};
+    disturbance.successIsWhole = true;
+    disturbance.run = [=](standin::Host&, const std::function<void()>& command) {
+        const AllocationFaults faults(failing, nth);
+        command();
+    };
+    return disturbance;
+}
+
+using Cases = std::vector<DisturbedCase>;
+
+// Adds the cases of a function that the command with this index calls.
+void addFailures(Trial& trial, Cases& cases, std::size_t index, const DisturbedCommand& command,
+                 const standin::HostFunctionInfo& info) {
+    const std::vector<std::string> results = command.resultsOf(info.name);
+    std::size_t rank = 0;
+    for (const std::size_t nth : sampled(trial, results.size(), kMostOfOneKind)) {
+        ++rank;
+        for (const int result : failuresOf(info.result)) {
+            // What is answered anyway disturbs nobody.
+            if (results[nth - 1] == resultText(info.result, result)) continue;
+            const Disturbance one = failing(info, nth, result);
+            cases.push_back({index, rank, one});
+            if (rank == 1 && info.name != std::string(kAllocString))
+                cases.push_back({index, rank, withoutMessage(one)});
+        }
+    }
+}
+
+}  // namespace
+
+Verdict hostCallFails(Trial& trial) {
+    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
+    Cases cases;
+    for (std::size_t i = 0; i != commands.size(); ++i) {
+        for (const standin::HostFunctionInfo& info : standin::hostFunctions()) {
+            addFailures(trial, cases, i, commands[i], info);
+        }
+    }
+    return tryCases(trial, commands, std::move(cases));
+}
+
+Verdict stopPressed(Trial& trial) {
+    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
+    Cases cases;
+    for (std::size_t i = 0; i != commands.size(); ++i) {
+        std::size_t rank = 0;
+        for (const std::size_t nth : sampled(trial, commands[i].resultsOf(kCheckPercent).size(), kMostOfOneKind)) {
+            cases.push_back({i, ++rank, stopping(nth)});
+        }
+    }
+    if (cases.empty()) return {Outcome_e::Skipped, "no command shows a progress that could be stopped"};
+    return tryCases(trial, commands, std::move(cases));
+}
+
+Verdict allocationFails(Trial& trial) {
+    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
+    Cases cases;
+    for (std::size_t i = 0; i != commands.size(); ++i) {
+        std::size_t rank = 0;
+        for (const std::size_t nth : sampled(trial, commands[i].countAllocations(), kMostOfOneKind)) {
+            cases.push_back({i, ++rank, withoutMemory(Failing_e::One, nth)});
+            cases.push_back({i, rank, withoutMemory(Failing_e::FromThere, nth)});
+        }
+    }
+    if (cases.empty()) {
+        return {Outcome_e::Skipped,
+                "no allocation was seen: the commands make none, or the add-on has an operator new of its own, as when "
+                "it is linked with the C++ library inside"};
+    }
+    return tryCases(trial, commands, std::move(cases));
+}
+
+}  // namespace vexa::runner

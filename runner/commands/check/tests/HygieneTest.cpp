@@ -1,0 +1,221 @@
+#include "commands/check/tests/HygieneTest.h"
+
+#include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "system/files/ElfFile.h"
+#include "text/Lines.h"
+#include "text/StartsWith.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kEntry = "vexaAddOn";
+constexpr std::size_t kNamesShown = 3;
+constexpr std::size_t kNameLength = 60;
+
+// What is wrong with the file, lines.
+struct Findings {
+    std::vector<std::string> errors;
+    std::vector<std::string> warnings;
+};
+
+// Names of templates can be longer than anybody reads.
+std::string shortened(const std::string& name) {
+    return name.size() <= kNameLength ? name : name.substr(0, kNameLength) + "...";
+}
+
+// The first few of many.
+std::string listed(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t i = 0; i != std::min(names.size(), kNamesShown); ++i) {
+        text += (i == 0 ? "" : ", ") + shortened(names[i]);
+    }
+    const std::size_t more = names.size() - std::min(names.size(), kNamesShown);
+    return more == 0 ? text : text + " and " + std::to_string(more) + " more";
+}
+
+// ---- Whether this machine's programs can load it
+
+std::string bitsOf(const ElfFile& file) { return file.fileClass == ELFCLASS64 ? "64" : "32"; }
+
+// Empty when it is of the kind that this program is.
+std::string whyOfAnotherKind(const ElfFile& file) {
+    const ElfFile own = readElfFile("/proc/self/exe");
+    if (file.fileClass != own.fileClass) {
+        return "it is built for " + bitsOf(file) + " bits, but the host has " + bitsOf(own);
+    }
+    if (file.machine != own.machine) {
+        return "it is built for processors of ELF machine " + std::to_string(file.machine) + ", but the host for " +
+               std::to_string(own.machine);
+    }
+    return file.type == ET_DYN ? "" : "it is no shared object, but an object file or a program; link it as a module";
+}
+
+class Loaded {
+public:
+    Loaded(const std::string& file, int flags) : m_handle(dlopen(file.c_str(), flags | RTLD_LOCAL)) {
+        if (m_handle == nullptr) m_error = dlerror();
+    }
+    Loaded(const Loaded&) = delete;
+    Loaded& operator=(const Loaded&) = delete;
+    ~Loaded() {
+        if (m_handle != nullptr) dlclose(m_handle);
+    }
+
+    std::filesystem::path folder() const {
+        link_map* object = nullptr;
+        if (m_handle == nullptr || dlinfo(m_handle, RTLD_DI_LINKMAP, &object) != 0) return {};
+        return std::filesystem::path(object->l_name).parent_path();
+    }
+    bool has(const std::string& symbol) const { return m_handle != nullptr && dlsym(m_handle, symbol.c_str()); }
+    bool isThere() const { return m_handle != nullptr; }
+    const std::string& error() const { return m_error; }
+
+private:
+    void* m_handle;
+    std::string m_error;
+};
+
+std::string whereFrom(const std::string& symbol) {
+    if (startsWith(symbol, "VexaUtil")) return "the host has no such function; was it written for another host?";
+    if (startsWith(demangled(symbol), "vexa::")) return "link vexa::vexautilutil, of the version it was compiled with";
+    return "link the library that has it";
+}
+
+// Not lazily bound, a symbol is missed that is an object; then there is nothing to look in but the process itself.
+std::vector<std::string> missingSymbols(const std::string& path, const ElfFile& file) {
+    const Loaded lazily(path, RTLD_LAZY);
+    std::vector<std::string> missing;
+    for (const ElfSymbol& symbol : file.symbols) {
+        const bool isWanted = !symbol.isDefined && symbol.isStrong;
+        if (!isWanted || dlsym(RTLD_DEFAULT, symbol.name.c_str()) != nullptr || lazily.has(symbol.name)) continue;
+        if (lazily.isThere()) missing.push_back(symbol.name);
+    }
+    return missing;
+}
+
+std::string explained(const std::string& path, const ElfFile& file, const std::string& error) {
+    constexpr std::string_view kNotFound = ": cannot open shared object file";
+    const std::size_t library = error.find(kNotFound);
+    if (library != std::string::npos) {
+        const std::string folders = file.runPaths.empty() ? "" : " its run path (" + listed(file.runPaths) + "),";
+        return "the library " + error.substr(0, library) + ", which it needs, was not found in" + folders +
+               " LD_LIBRARY_PATH and the system's folders";
+    }
+    std::string lines = "it cannot be bound: " + error;
+    for (const std::string& symbol : missingSymbols(path, file)) {
+        lines += "\nnobody has " + demangled(symbol) + ": " + whereFrom(symbol);
+    }
+    return lines;
+}
+
+void checkBinding(const std::string& path, const ElfFile& file, Findings& found) {
+    const Loaded now(path, RTLD_NOW);
+    if (!now.isThere()) found.errors.push_back(explained(path, file, now.error()));
+}
+
+// ---- What it offers
+
+// Linkers and instrumentation add names of their own.
+bool isToolchains(const std::string& name) {
+    return startsWith(name, "__") || name == "_init" || name == "_fini" || name == "_edata" || name == "_end";
+}
+
+void checkExports(const ElfFile& file, Findings& found) {
+    std::vector<std::string> strong;
+    std::vector<std::string> weak;
+    bool hasEntry = false;
+    for (const ElfSymbol& symbol : file.symbols) {
+        if (!symbol.isDefined || isToolchains(symbol.name)) continue;
+        const bool isEntry = symbol.name == kEntry;
+        hasEntry |= isEntry;
+        if (!isEntry) (symbol.isStrong ? strong : weak).push_back(demangled(symbol.name));
+    }
+    const std::string mend = "; link with a version script that exports vexaAddOn alone";
+    if (!hasEntry) found.errors.emplace_back("it exports no vexaAddOn, so it is no add-on");
+    if (!strong.empty()) {
+        found.errors.push_back(
+            "it exports more than vexaAddOn, which other add-ons may take for theirs: " + listed(strong) + mend);
+    }
+    if (!weak.empty()) {
+        found.warnings.push_back(
+            "templates and inline functions are exported, which add-ons then share by chance: " + listed(weak) + mend);
+    }
+}
+
+// ---- How it is linked
+
+// Whether this program itself has a library from there that the add-on needs. CMake notes this folder in build trees.
+bool isWhereTheHostLooks(const std::string& folder, const ElfFile& file) {
+    return std::any_of(file.needed.begin(), file.needed.end(), [&](const std::string& library) {
+        std::error_code ignored;
+        return std::filesystem::equivalent(folder, Loaded(library, RTLD_LAZY | RTLD_NOLOAD).folder(), ignored);
+    });
+}
+
+// Without the empty entries at the end: CMake makes room by them for the run path of the installed file.
+std::vector<std::string> withoutPadding(std::vector<std::string> paths) {
+    while (!paths.empty() && paths.back().empty()) paths.pop_back();
+    return paths;
+}
+
+void checkRunPaths(const ElfFile& file, Findings& found) {
+    for (const std::string& path : withoutPadding(file.runPaths)) {
+        if (startsWith(path, "$ORIGIN") || startsWith(path, "${ORIGIN}")) continue;
+        if (startsWith(path, "/")) {
+            if (isWhereTheHostLooks(path, file)) continue;
+            found.warnings.push_back("it looks for libraries in " + path +
+                                     ", which is there on this machine; install it with a run path from $ORIGIN on");
+        } else {
+            found.errors.push_back("it looks for libraries in \"" + path +
+                                   "\", so in the folder the host is started in, where anybody may put one");
+        }
+    }
+}
+
+void checkMemory(const ElfFile& file, Findings& found) {
+    if (file.hasExecutableStack) {
+        found.errors.emplace_back(
+            "it asks for a stack whose content can be executed, for the whole host; an assembly source without a "
+            ".note.GNU-stack section does that, or -z execstack");
+    }
+    if (file.hasTextRelocations) {
+        found.errors.emplace_back(
+            "its code is changed while it is loaded (text relocations); compile all of it with -fPIC");
+    }
+}
+
+}  // namespace
+
+Verdict binaryHygiene(Trial& trial) {
+    const std::string path = std::filesystem::absolute(trial.subject().addOn);
+    Findings found;
+    try {
+        const ElfFile file = readElfFile(path);
+        const std::string otherKind = whyOfAnotherKind(file);
+        if (!otherKind.empty()) throw CaseFailed(otherKind);
+        checkExports(file, found);
+        checkRunPaths(file, found);
+        checkMemory(file, found);
+        trial.nowTrying("all symbols are bound");
+        checkBinding(path, file, found);
+        trial.nowTrying("");
+    } catch (const ElfError& error) {
+        throw CaseFailed(error.what());
+    }
+    for (const std::string& warning : found.warnings) trial.warn(warning);
+    std::string reason;
+    for (const std::string& error : found.errors) addLine(reason, error);
+    if (!reason.empty()) throw CaseFailed(reason);
+    return {};
+}
+
+}  // namespace vexa::runner

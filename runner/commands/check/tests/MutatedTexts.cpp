@@ -1,0 +1,99 @@
+#include "commands/check/tests/MutatedTexts.h"
+
+#include <algorithm>
+#include <deque>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "commands/check/tests/CommandText.h"
+#include "commands/check/trial/FreeRun.h"
+#include "commands/check/trial/MacroLine.h"
+#include "vexastandin/Finding.h"
+
+namespace vexa::runner {
+namespace {
+
+// A command to damage.
+struct Original {
+    std::vector<MacroStep> before;  // the commands before it
+    MacroStep step;
+    std::deque<DamagedText> left;  // what is still to be tried of it
+};
+
+class Mutations {
+public:
+    explicit Mutations(Trial& trial) : m_trial(trial) {
+        const std::string addOnId = Session(trial).host().addOns().front().id;
+        const std::vector<DamagedText> strange = strangeTexts();
+        m_originals.push_back({{}, {"", addOnId, "NAME = 'text'"}, {strange.begin(), strange.end()}});
+        std::vector<MacroStep> before;
+        for (const MacroStep& step : trial.subject().steps) {
+            const std::vector<DamagedText> texts = damaged(step.text);
+            m_originals.push_back({before, step, {texts.begin(), texts.end()}});
+            before.push_back(step);
+        }
+    }
+
+    Verdict run() {
+        const bool all = trySystematically();
+        tryAtRandom();
+        std::string reason = std::to_string(m_count) + " texts";
+        if (!all) reason += "; the time was up before all of the kinds were tried";
+        return {Outcome_e::Passed, reason};
+    }
+
+private:
+    // Takes a text of each original in turn, so that what there is time for is of all of them. Returns whether there
+    // was time for all.
+    bool trySystematically() {
+        for (bool hasMore = true; hasMore;) {
+            hasMore = false;
+            for (Original& original : m_originals) {
+                if (original.left.empty()) continue;
+                if (m_trial.isTimeUp()) return false;
+                hasMore = true;
+                const DamagedText damage = std::move(original.left.front());
+                original.left.pop_front();
+                tryText(original, damage.how, damage.text);
+            }
+        }
+        return true;
+    }
+
+    void tryAtRandom() {
+        while (!m_trial.isTimeUp()) {
+            const Original& original = m_originals[m_trial.random()() % m_originals.size()];
+            tryText(original, "damaged at random", damagedAtRandom(original.step.text, m_trial.random()));
+        }
+    }
+
+    void tryText(const Original& original, const std::string& how, const std::string& text) {
+        ++m_count;
+        std::vector<MacroStep> steps = original.before;
+        steps.push_back({original.step.place, original.step.addOnId, text});
+        const std::string macro = fitsMacroLine(text) ? macroOf(steps) : "";
+        m_trial.nowTrying(how + ": " + original.step.addOnId + ' ' + text, macro);
+        std::string errors;
+        for (const standin::Finding& finding : findingsOf(m_trial, steps)) {
+            if (finding.severity == standin::Severity_e::Error) {
+                errors += textOf(finding);
+            } else if (m_warned.insert(finding.rule).second) {
+                m_trial.warn(textOf(finding));
+            }
+        }
+        if (!errors.empty()) throw CaseFailed(errors, macro);
+    }
+
+    Trial& m_trial;
+    std::vector<Original> m_originals;
+    std::set<std::string> m_warned;  // the rules of which one warning was given: thousands of texts break the same
+    std::size_t m_count = 0;
+};
+
+}  // namespace
+
+Verdict mutatedTexts(Trial& trial) { return Mutations(trial).run(); }
+
+}  // namespace vexa::runner

@@ -1,0 +1,60 @@
+#include "commands/check/trial/FreeRun.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "commands/check/trial/MacroLine.h"
+#include "session/Replay.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::size_t kChecksUntilStop = 20;
+
+void runAll(Session& session, const std::vector<MacroStep>& steps) {
+    standin::Host& host = session.host();
+    host.setRecording(true);
+    host.setKeepsCalls(false);
+    for (const MacroStep& step : steps) {
+        host.clearRecordedCommands();
+        host.pressStopAtCheck(kChecksUntilStop);
+        session.run(step);
+        host.releaseStop();
+    }
+}
+
+// The finding about what cannot be played back; nothing when it can be.
+std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroStep>& before,
+                                         const standin::RecordedCommand& recorded) {
+    Session session(trial);
+    runAll(session, before);
+    return replay(session.host(), recorded);
+}
+
+bool haveMacroLines(const std::vector<MacroStep>& steps) {
+    return std::all_of(steps.begin(), steps.end(), [](const MacroStep& step) { return fitsMacroLine(step.text); });
+}
+
+// A command that no macro holds is recorded as it came, and so refused. That is no fault of the add-on.
+void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
+    const auto isRefusal = [](const auto& finding) { return finding.rule == "recording-not-replayable"; };
+    findings.erase(std::remove_if(findings.begin(), findings.end(), isRefusal), findings.end());
+}
+
+}  // namespace
+
+std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroStep>& steps) {
+    Session session(trial);
+    standin::Host& host = session.host();
+    runAll(session, steps);
+    const std::vector<MacroStep> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
+    for (const standin::RecordedCommand& recorded : host.recordedCommands()) {
+        if (const auto finding = playBack(trial, before, recorded)) host.report(*finding);
+    }
+    host.unloadAddOns();
+    std::vector<standin::Finding> findings = host.violations();
+    if (!haveMacroLines(steps)) forgetRefusedRecordings(findings);
+    return findings;
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,156 @@
+#include "commands/check/trial/Trial.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <mutex>
+#include <utility>
+
+#include "commands/check/trial/BlackBox.h"
+#include "terminal/Console.h"
+#include "text/Lines.h"
+#include "vexastandin/Finding.h"
+#include "vexastandin/Observer.h"
+
+namespace vexa::runner {
+namespace {
+
+std::string nameOf(const standin::EntryEvent& entry) {
+    const std::string place = entry.macroLine.empty() ? "" : " (" + entry.macroLine + ')';
+    switch (entry.kind) {
+        case standin::Entry_e::Loading: return "loading of " + entry.addOnId;
+        case standin::Entry_e::Unloading: return "unloading of " + entry.addOnId;
+        case standin::Entry_e::Command: break;
+    }
+    return entry.addOnId + ' ' + entry.command + place;
+}
+
+}  // namespace
+
+std::string macroOf(const std::vector<MacroStep>& steps) {
+    std::string text;
+    for (const MacroStep& step : steps) text += step.addOnId + ' ' + step.text + '\n';
+    return text;
+}
+
+CaseFailed::CaseFailed(const std::string& reason, std::string macro)
+    : std::runtime_error(reason), m_macro(std::move(macro)) {}
+
+Trial::Trial(const Subject& subject, BlackBox& blackBox)
+    : m_subject(subject),
+      m_blackBox(blackBox),
+      m_random(subject.seed),
+      m_end(std::chrono::steady_clock::now() + subject.time) {}
+
+void Trial::nowTrying(const std::string& what, const std::string& macro) {
+    m_blackBox.tried.set(what);
+    // Half a macro shows nothing.
+    m_blackBox.macro.set(macro.size() <= decltype(m_blackBox.macro)::capacity() ? macro : "");
+    m_blackBox.touch();
+}
+
+bool Trial::isTimeUp() const { return std::chrono::steady_clock::now() >= m_end; }
+
+void Trial::warn(const std::string& reason) {
+    if (std::find(m_warnings.begin(), m_warnings.end(), reason) == m_warnings.end()) m_warnings.push_back(reason);
+}
+
+std::string Trial::warnings() const {
+    std::string lines;
+    for (const std::string& warning : m_warnings) addLine(lines, warning);
+    return lines;
+}
+
+// Writes the black box. Itself it allocates nothing during a command, whose allocations may be made to fail.
+class Session::Recorder : public standin::ObserverInterface {
+public:
+    explicit Recorder(BlackBox& box) : m_box(box) {}
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
+    ~Recorder() override = default;
+
+    // An add-on's command may run one of another add-on.
+    void entryBegan(const standin::EntryEvent& entry) override {
+        m_entries.push_back(nameOf(entry));
+        m_box.entry.set(m_entries.back());
+        m_box.hostCall.set("");
+        m_box.isInHostCall = false;
+        m_box.isInAddOn = true;
+        m_box.touch();
+    }
+    void entryEnded(const standin::EntryEvent&) override {
+        m_entries.pop_back();
+        m_box.isInAddOn = !m_entries.empty();
+        if (!m_entries.empty()) m_box.entry.set(m_entries.back());
+        m_box.touch();
+    }
+    void callBegan(const standin::CallEvent& call) override {
+        std::array<char, decltype(m_box.hostCall)::capacity() + 1> text{};
+        std::snprintf(text.data(), text.size(), "%zu, %s(%s)", call.number, call.function, call.arguments.c_str());
+        const std::lock_guard<std::mutex> lock(m_guard);
+        m_box.hostCall.set(text.data());
+        m_box.isInHostCall = true;
+    }
+    void callEnded(const standin::CallEvent&) override { m_box.isInHostCall = false; }
+    void findingMade(const standin::Finding&) override {}
+    void statusChanged(const standin::StatusLine&) override {}
+
+private:
+    BlackBox& m_box;
+    std::vector<std::string> m_entries;
+    std::mutex m_guard;  // calls come from any thread
+};
+
+Session::Session(Trial& trial) : m_trial(trial), m_recorder(std::make_unique<Recorder>(trial.m_blackBox)) {
+    const Subject& subject = trial.subject();
+    m_host.setObserver(m_recorder.get());
+    for (const std::string& rule : subject.suppressed) m_host.suppress(rule);
+    giveStyles(m_host, subject.style);
+    try {
+        std::string ids = m_host.loadAddOn(subject.addOn).id;
+        for (const std::string& other : subject.others) ids += '\n' + m_host.loadAddOn(other).id;
+        trial.m_blackBox.addOnIds.set(ids);
+    } catch (const standin::LoadError& error) {
+        throw CaseFailed(error.message());
+    }
+}
+
+Session::~Session() = default;
+
+standin::CommandResult Session::run(const MacroStep& step) { return m_host.run(step.addOnId, step.text, step.place); }
+
+void Session::runWell(const MacroStep& step) {
+    const standin::CommandResult result = run(step);
+    if (result.accepted) return;
+    const std::string place = step.place.empty() ? "" : step.place + ": ";
+    std::string lines = place + "the command failed: " + step.addOnId + ' ' + step.text;
+    addLine(lines, result.error.empty() ? "without a message" : "its message: " + result.error);
+    addLine(lines, breaches());
+    throw CaseFailed(lines);
+}
+
+void Session::expectContractKept() {
+    const std::string errors = breaches();
+    if (!errors.empty()) throw CaseFailed(errors);
+}
+
+void Session::end() {
+    m_host.unloadAddOns();
+    expectContractKept();
+}
+
+// The breaches of rules of severity error; of others it warns.
+std::string Session::breaches() {
+    std::string errors;
+    for (const standin::Finding& finding : m_host.violations()) {
+        const std::string text(withoutTrailingBlanks(textOf(finding)));
+        if (finding.severity == standin::Severity_e::Warning) {
+            m_trial.warn(text);
+        } else {
+            addLine(errors, text);
+        }
+    }
+    return errors;
+}
+
+}  // namespace vexa::runner

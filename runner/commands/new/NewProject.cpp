@@ -1,0 +1,199 @@
+#include "commands/new/NewProject.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "system/files/Descriptor.h"
+
+namespace vexa::runner {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct TemplateFile {
+    const char* path;  // within the project
+    std::string_view text;
+};
+
+#include "ProjectFiles.inc"
+
+constexpr std::string_view kScript = "#!";  // what a program begins with that a shell runs
+constexpr mode_t kFile = 0666;
+constexpr mode_t kProgram = 0777;
+
+// Names that CMake keeps for targets of its own, with any generator. The last one names its variables, which project()
+// would overwrite.
+constexpr std::string_view kTakenNames[] = {
+    "all",     "ALL_BUILD",      "clean",      "edit_cache",    "help",      "install", "INSTALL",    "package",
+    "PACKAGE", "package_source", "preinstall", "rebuild_cache", "RUN_TESTS", "test",    "ZERO_CHECK", "CMAKE"};
+
+// Of ASCII, whatever the locale.
+bool isLower(char c) { return c >= 'a' && c <= 'z'; }
+bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
+bool isLetter(char c) { return isLower(c) || isUpper(c); }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isNameCharacter(char c) { return isLetter(c) || isDigit(c) || c == '_' || c == '-'; }
+bool isControl(char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }
+bool isTargetCharacter(char c) { return isNameCharacter(c) || c == '.' || c == '+'; }
+char upper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
+
+[[noreturn]] void refuse(const fs::path& path, const std::string& why) {
+    throw NewProjectError(path.string() + ": " + why);
+}
+
+[[noreturn]] void refuseForError(const fs::path& path, std::error_code error) {
+    refuse(path, "cannot be written: " + error.message());
+}
+
+void refuseAsTarget(const fs::path& folder, const std::string& name) {
+    const std::string other = "; choose another name for the folder";
+    if (std::find(std::begin(kTakenNames), std::end(kTakenNames), name) != std::end(kTakenNames)) {
+        refuse(folder, "CMake keeps the name '" + name + "' for itself" + other);
+    }
+    if (!std::all_of(name.begin(), name.end(), isTargetCharacter)) {
+        refuse(folder, "'" + name +
+                           "' cannot be a target of CMake, whose name has letters, digits, '_', '-', '.' and '+'" +
+                           other);
+    }
+}
+
+std::string nameFor(const fs::path& folder) {
+    std::string name = fs::absolute(folder).lexically_normal().filename().string();
+    if (name.empty()) name = fs::absolute(folder).lexically_normal().parent_path().filename().string();  // "folder/"
+    refuseAsTarget(folder, name);
+    return name.empty() || !isLetter(name.front()) ? "addon-" + name : name;
+}
+
+std::string idFor(const std::string& name) {
+    std::string id;
+    for (const char c : name) {
+        if (isLetter(c) || isDigit(c)) id += upper(c);
+    }
+    return id;
+}
+
+std::string titleFor(std::string name) {
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return c == '_' || c == '-'; }, ' ');
+    name.front() = upper(name.front());
+    return name;
+}
+
+// As it stands between double quotes in C++.
+std::string escaped(const std::string& text) {
+    std::string literal;
+    for (const char c : text) {
+        if (c == '"' || c == '\\') literal += '\\';
+        literal += c;
+    }
+    return literal;
+}
+
+// Puts the names where the template has their placeholders.
+std::string filled(std::string_view text, const ProjectNames& names) {
+    const std::pair<std::string_view, std::string> values[] = {{"@NAME@", names.name},
+                                                               {"@ID@", names.id},
+                                                               {"@TITLE@", names.title},
+                                                               {"@TITLE_LITERAL@", escaped(names.title)}};
+    std::string result;
+    while (!text.empty()) {
+        const auto value = std::find_if(std::begin(values), std::end(values), [&](const auto& candidate) {
+            return text.substr(0, candidate.first.size()) == candidate.first;
+        });
+        result += value == std::end(values) ? std::string(1, text.front()) : value->second;
+        text.remove_prefix(value == std::end(values) ? 1 : value->first.size());
+    }
+    return result;
+}
+
+// What was made so far. It is removed again, unless all went well.
+class MadePaths {
+public:
+    MadePaths() = default;
+    MadePaths(const MadePaths&) = delete;
+    MadePaths& operator=(const MadePaths&) = delete;
+    ~MadePaths() {
+        std::error_code ignored;
+        for (auto path = m_paths.rbegin(); path != m_paths.rend(); ++path) fs::remove(*path, ignored);
+    }
+
+    // Makes \p folder, and those above it that are missing.
+    void makeFolder(const fs::path& folder) {
+        std::error_code error;
+        if (fs::is_directory(folder, error)) return;
+        if (folder.has_relative_path() && folder.has_parent_path()) makeFolder(folder.parent_path());
+        m_paths.push_back(folder);
+        const bool isMade = fs::create_directory(folder, error);
+        if (isMade) return;
+        m_paths.pop_back();
+        refuseForError(folder, error ? error : std::make_error_code(std::errc::file_exists));
+    }
+    void makeFile(const fs::path& path, const std::string& text) {
+        const bool isProgram = text.substr(0, kScript.size()) == kScript;
+        m_paths.push_back(path);
+        const int descriptor =
+            open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, isProgram ? kProgram : kFile);
+        if (descriptor < 0) {
+            m_paths.pop_back();
+            refuseForError(path, {errno, std::generic_category()});
+        }
+        const bool isWritten = writeAll(descriptor, text);
+        const std::error_code error(errno, std::generic_category());
+        const bool isClosed = close(descriptor) == 0;
+        if (!isWritten) refuseForError(path, error);
+        if (!isClosed) refuseForError(path, {errno, std::generic_category()});
+    }
+    void keep() { m_paths.clear(); }
+
+private:
+    std::vector<fs::path> m_paths;
+};
+
+void refuseWhatIsThere(const fs::path& folder) {
+    std::error_code error;
+    const fs::file_status status = fs::status(folder, error);
+    if (!fs::exists(status)) return;
+    if (!fs::is_directory(status)) refuse(folder, "is there already, and no folder");
+    const bool isEmpty = fs::is_empty(folder, error);
+    if (error) refuse(folder, "cannot be read: " + error.message());
+    if (!isEmpty) refuse(folder, "is there already, and not empty");
+}
+
+}  // namespace
+
+ProjectNames namesFor(const std::string& folder) {
+    const std::string name = nameFor(folder);
+    return {name, idFor(name), titleFor(name)};
+}
+
+std::string whyNoId(const std::string& id) {
+    const bool isId = !id.empty() && isLetter(id.front()) && std::all_of(id.begin(), id.end(), isNameCharacter);
+    return isId ? "" : "expected an id: a letter, then letters, digits, '_' and '-'";
+}
+
+std::string whyNoTitle(const std::string& title) {
+    const bool isLine = !title.empty() && std::none_of(title.begin(), title.end(), isControl);
+    return isLine ? "" : "expected a title: a line of text";
+}
+
+void writeProject(const std::string& folder, const ProjectNames& names) {
+    refuseWhatIsThere(folder);
+    MadePaths made;
+    for (const TemplateFile& file : kTemplateFiles) {
+        const fs::path path = fs::path(folder) / file.path;
+        made.makeFolder(path.parent_path());
+        made.makeFile(path, filled(file.text, names));
+    }
+    made.keep();
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,124 @@
+// For a program that is built with readline.
+
+#include <readline/history.h>
+#include <readline/readline.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "commands/repl/LineReader.h"
+#include "commands/repl/PlainLines.h"
+#include "terminal/Console.h"
+#include "terminal/Terminal.h"
+
+namespace vexa::runner {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostKept = 1000;
+
+// The library takes functions, and nothing to hand to them.
+std::vector<std::string> theWords;
+volatile std::sig_atomic_t isGivenUp = 0;
+
+struct Free {
+    void operator()(char* text) const { std::free(text); }
+};
+
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+// Empty when there is no place for it.
+std::string historyFile() {
+    const std::string home = variable("HOME");
+    const std::string state = variable("XDG_STATE_HOME");
+    if (!state.empty()) return fs::path(state) / kProgramName / "history";
+    return home.empty() ? "" : (fs::path(home) / ".local/state" / kProgramName / "history").string();
+}
+
+// The `state`th word that begins with `text`; null behind the last one.
+char* nextWord(const char* text, int state) {
+    static std::size_t next = 0;
+    if (state == 0) next = 0;
+    while (next < theWords.size()) {
+        const std::string& word = theWords[next++];
+        if (word.compare(0, std::strlen(text), text) == 0) return strdup(word.c_str());
+    }
+    return nullptr;
+}
+
+// Null has the library complete names of files.
+char** complete(const char* text, int start, int) {
+    if (start != 0) return nullptr;
+    rl_attempted_completion_over = 1;
+    return rl_completion_matches(text, nextWord);
+}
+
+int giveUpLine() {
+    if (isGivenUp == 0) return 0;
+    isGivenUp = 0;
+    rl_replace_line("", 0);
+    rl_crlf();
+    rl_on_new_line();
+    rl_redisplay();
+    return 0;
+}
+
+// Ctrl-C gives the line up, as long as this lives.
+class GivingUp {
+public:
+    GivingUp() {
+        struct sigaction action {};
+        action.sa_handler = [](int) { isGivenUp = 1; };
+        sigaction(SIGINT, &action, &m_before);
+    }
+    GivingUp(const GivingUp&) = delete;
+    GivingUp& operator=(const GivingUp&) = delete;
+    ~GivingUp() { sigaction(SIGINT, &m_before, nullptr); }
+
+private:
+    struct sigaction m_before {};
+};
+
+}  // namespace
+
+LineReader::LineReader(std::vector<std::string> words)
+    : m_isEditing(isTerminal(STDIN_FILENO) && isTerminal(STDOUT_FILENO)) {
+    if (!m_isEditing) return;
+    theWords = std::move(words);
+    rl_readline_name = kProgramName;
+    rl_attempted_completion_function = complete;
+    rl_event_hook = giveUpLine;  // asked again and again: a signal may come just before the keyboard is waited for
+    using_history();
+    stifle_history(kMostKept);
+    read_history(historyFile().c_str());
+}
+
+LineReader::~LineReader() {
+    const std::string file = historyFile();
+    if (!m_isEditing || file.empty()) return;
+    std::error_code ignored;
+    fs::create_directories(fs::path(file).parent_path(), ignored);
+    write_history(file.c_str());
+}
+
+std::optional<std::string> LineReader::next() const {
+    std::fflush(stdout);
+    if (!m_isEditing) return plainLine();
+    const GivingUp givingUp;
+    const std::unique_ptr<char, Free> line(readline("> "));
+    if (!line) return std::nullopt;
+    if (*line != '\0') add_history(line.get());
+    return std::string(line.get());
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,261 @@
+#include "commands/repl/ReplCommand.h"
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "commands/repl/LineReader.h"
+#include "formats/MacroFile.h"
+#include "formats/MacroText.h"
+#include "formats/StyleFile.h"
+#include "session/AddOns.h"
+#include "session/FailureText.h"
+#include "session/FindingTeller.h"
+#include "session/RunNotes.h"
+#include "session/RunOutputs.h"
+#include "session/watch/Death.h"
+#include "session/watch/UserWork.h"
+#include "system/files/OutputTarget.h"
+#include "system/files/RunFiles.h"
+#include "system/processes/Tracer.h"
+#include "terminal/Console.h"
+#include "terminal/PlainStatus.h"
+#include "terminal/Screen.h"
+#include "terminal/StopButton.h"
+#include "terminal/Terminal.h"
+#include "text/Lines.h"
+#include "text/Printable.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr const char* kReplFooter = R"(A line is a command as macro files have it: the add-on's id, and its command. The
+tabulator completes ids and names of files, the arrows bring lines of before
+back. Ctrl-C gives a line up, and stops a task; quit or Ctrl-D ends.
+
+Example:
+  vexa-standin repl --addon ./libstats.so --record session.macro
+  > STATS LOAD FILE = 'wake.txt'
+
+Exit status:
+  0  all went well, whatever became of the commands
+  2  wrong usage or input; a file could not be read or written
+  5  an add-on ended its process: a crash, exit() or the like)";
+
+constexpr const char* kQuit = "quit";
+constexpr const char* kHelp = "help";
+
+struct ReplOptions {
+    std::vector<std::string> addOns;
+    std::optional<std::string> style;
+    std::optional<std::string> record;
+    bool inProcess = false;
+};
+
+constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
+constexpr char kLineRead = 'y';  // the answer's first character when there is a line
+
+// Runs the commands. What the user types comes from whoever is asked.
+class Repl {
+public:
+    Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
+        : m_options(options), m_box(box), m_notes(notes) {
+        m_host.setCallProgress(&box.calls);
+        m_host.setKeepsCalls(false);
+        m_host.setRecording(options.record.has_value());
+        m_host.onRecorded(
+            [&](const standin::RecordedCommand& command) { notes.tell(kRecordedNote, recordingLine(command)); });
+        m_host.onDialog([this](const std::string& text) { tell(m_place + ": dialog", text); });
+        m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
+    }
+
+    ExitStatus_e execute() {
+        if (!prepare()) return ExitStatus_e::BadUsageOrInput;
+        m_notes.tell(kBeganNote, "");
+        readLines();
+        const bool isWritten = !m_notes.ask(kWriteNote, "").empty();
+        const TimeInAddOn time(m_box, "", "", "unloading of the add-ons");
+        m_host.unloadAddOns();
+        m_plainStatus.conclude(true);
+        m_findings.tellNew();
+        return isWritten ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
+    }
+
+private:
+    bool prepare() {
+        if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
+        const bool allLoaded = loadAddOns(m_host, m_options.addOns, m_box);
+        m_plainStatus.conclude(allLoaded);
+        m_ids = loadedIds(m_host);
+        m_findings.tellNew();
+        return allLoaded;
+    }
+
+    void readLines() {
+        std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
+        for (const std::string& id : m_ids) {
+            // What is completed is put on the terminal as it is.
+            if (printableLine(id) == id) words += id + '\n';
+        }
+        for (;;) {
+            std::fflush(stdout);
+            const std::string answer = m_notes.ask(kLineNote, words);
+            if (answer.empty()) return;
+            const MacroWords command = macroWords(answer.substr(1));
+            const bool isEnd = command.addOnId == kQuit && !isLoaded(kQuit);
+            if (isEnd) return;
+            if (!command.addOnId.empty()) obey(command);
+        }
+    }
+
+    bool isLoaded(const std::string& id) const { return m_ids.count(id) != 0; }
+
+    void obey(const MacroWords& command) {
+        if (isLoaded(command.addOnId)) {
+            if (command.text.empty()) return tell("a command of '" + command.addOnId + "' was expected after its name");
+            run(command);
+        } else if (command.addOnId == kHelp) {
+            showHelp();
+        } else {
+            tell(noSuchAddOn(command.addOnId, m_ids) + "; 'help' lists what there is");
+        }
+    }
+
+    void showHelp() const {
+        print("ID COMMAND runs a command of an add-on; quit ends. Loaded are:\n");
+        for (const standin::AddOnInfo& addOn : m_host.addOns()) {
+            print(printableLine("  " + addOn.id + (addOn.title.empty() ? "" : "  ") + addOn.title) + '\n');
+        }
+    }
+
+    // While it runs Ctrl-C is the stop button, and the status line is drawn.
+    void run(const MacroWords& command) {
+        m_place = command.addOnId;
+        m_host.releaseStop();
+        StopButton stopButton;
+        stopButton.install();
+        if (isTerminal(STDERR_FILENO)) {
+            m_screen.emplace([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);
+        }
+        stopButton.arm(m_host);
+        const TimeInAddOn time(m_box, "", command.addOnId, command.text);
+        const standin::CommandResult result = m_host.run(command.addOnId, command.text);
+        m_screen.reset();
+        m_plainStatus.conclude(result.accepted);
+        m_place = kProgramName;
+        m_findings.tellNew();
+        if (!result.accepted) tell(command.addOnId, failureText(result));
+    }
+
+    void showStatus(const standin::StatusLine& line) {
+        if (m_screen) return m_screen->show(line);
+        m_plainStatus.show(m_place, line, m_host.isStopPressed());
+    }
+
+    const ReplOptions& m_options;
+    ProcessBox& m_box;
+    NotesInterface& m_notes;
+    std::set<std::string> m_ids;
+    std::string m_place = kProgramName;
+    PlainStatus m_plainStatus;
+    std::optional<Screen> m_screen;
+    FindingTeller m_findings{m_host};
+    standin::Host m_host;  // last: while it is destroyed, its add-ons may still show dialogs
+};
+
+// The user's side: reads what he types, and keeps the recording.
+class ReplDesk : public UserWork, private NotesInterface {
+public:
+    explicit ReplDesk(const ReplOptions& options) : m_options(options) {
+        RunFiles files;
+        files.read(options.addOns);
+        files.read(options.style);
+        files.write(options.record);
+        m_outputs.open(options.record, std::nullopt);
+    }
+
+    ExitStatus_e execute() {
+        if (m_options.inProcess || isTraced()) {
+            const UnblockedSignals unblocked(m_signals);
+            const auto box = std::make_unique<ProcessBox>();
+            return Repl(m_options, *box, *this).execute();
+        }
+        ProcessSetting setting;
+        setting.printed = Printed_e::Inherited;
+        setting.readsNothing = true;
+        runInProcesses(m_signals, 1, setting, *this);
+        return m_status;
+    }
+
+    int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(Repl(m_options, box, notes).execute());
+    }
+    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
+        const bool isAsked = message.kind == kLineNote || message.kind == kWriteNote;
+        if (isAsked) return process.answer(ask(message.kind, message.text));
+        tell(message.kind, message.text);
+    }
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        clearStatusOf(box);
+        m_status = static_cast<ExitStatus_e>(outcome.status);
+        if (outcome.end == End_e::Left && outcome.areNotesWhole) return;
+        if (outcome.end == End_e::Left) {
+            runner::tell(kProgramName, "error: part of what the add-ons recorded was lost");
+            m_status = ExitStatus_e::BadUsageOrInput;
+        } else {
+            runner::tell(deathText(box, outcome));
+            m_status = m_outputs.writeWhatIsLeft() ? ExitStatus_e::ProcessEnded : ExitStatus_e::BadUsageOrInput;
+        }
+    }
+
+private:
+    void tell(char kind, std::string_view text) override { m_outputs.tell(kind, text); }
+
+    std::string ask(char kind, std::string_view text) override {
+        if (kind != kLineNote) return m_outputs.ask(kind, text);
+        const UnblockedSignals unblocked(m_signals);
+        if (!m_reader) m_reader.emplace(linesOf(std::string(text)));
+        const auto line = m_reader->next();
+        return line ? kLineRead + *line : "";
+    }
+
+    const AwaitedSignals m_signals;
+    const ReplOptions& m_options;
+    RunOutputs m_outputs{[](std::string_view) {}};
+    std::optional<LineReader> m_reader;
+    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
+};
+
+ExitStatus_e runRepl(const ReplOptions& options) {
+    try {
+        return ReplDesk(options).execute();
+    } catch (const OutputError& error) {
+        tell(error.what());
+        return ExitStatus_e::BadUsageOrInput;
+    }
+}
+
+}  // namespace
+
+void addReplCommand(CLI::App& app, Action& chosen) {
+    const auto options = std::make_shared<ReplOptions>();
+    CLI::App& command = *app.add_subcommand("repl", "Run commands as they are typed");
+    command.footer(kReplFooter);
+    addAddOnOption(command, options->addOns);
+    addStyleOption(command, options->style);
+    command.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
+    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
+    command.callback([options, &chosen] {
+        refuseSecondStandardInput({"-", options->style.value_or("")});
+        chosen = [options] { return runRepl(*options); };
+    });
+}
+
+}  // namespace vexa::runner

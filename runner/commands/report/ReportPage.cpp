@@ -1,0 +1,55 @@
+#include "commands/report/ReportPage.h"
+
+#include <string_view>
+
+#include "commands/report/PageData.h"
+
+namespace vexa::runner {
+namespace {
+
+// The files of page/, byte by byte: a compiler need not take a literal as long as that.
+constexpr char kPage[] = {
+#include "report.html.inc"
+};
+constexpr char kStyle[] = {
+#include "report.css.inc"
+};
+constexpr char kScript[] = {
+#include "report.js.inc"
+};
+
+template <std::size_t size>
+std::string_view textOf(const char (&bytes)[size]) {
+    return {bytes, size};
+}
+
+// A text of the data must not end the element that it stands in.
+std::string escapedForScript(const std::string& json) {
+    std::string text;
+    text.reserve(json.size());
+    for (const char c : json) {
+        if (c == '<') {
+            text += "\\u003c";
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+void replaceOnce(std::string& page, std::string_view placeholder, std::string_view text) {
+    page.replace(page.find(placeholder), placeholder.size(), text);
+}
+
+}  // namespace
+
+std::string reportPage(const TracedRun& run) {
+    std::string page(textOf(kPage));
+    replaceOnce(page, "/* STYLE */", textOf(kStyle));
+    replaceOnce(page, "/* SCRIPT */", textOf(kScript));
+    replaceOnce(page, "/* DATA */",
+                escapedForScript(pageData(run).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)));
+    return page;
+}
+
+}  // namespace vexa::runner

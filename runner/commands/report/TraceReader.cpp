@@ -1,0 +1,241 @@
+#include "commands/report/TraceReader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "system/files/StandardStreams.h"
+#include "system/files/WholeFile.h"
+#include "text/ShortText.h"
+
+namespace vexa::runner {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Kind_e = TracedSpan::Kind_e;
+
+constexpr const char* kNoTrace = "this is no trace that 'vexa-standin run --trace' wrote";
+constexpr const char* kWrongPart = "an event with a part missing, or of another kind";
+constexpr double kNanosecondsPerMicrosecond = 1000;
+constexpr double kMostNanoseconds = 1LL << 53;  // what the page's numbers count one by one: a hundred days
+constexpr int kMostNested = 8;
+constexpr std::size_t kMostParts = 1000;
+
+[[noreturn]] void refuse(const std::string& path, std::size_t line, const std::string& why) {
+    throw TraceError(path + ':' + std::to_string(line) + ": " + why);
+}
+
+// The event of a line, discarded when it is none. Refused is what others made, and the JSON library would not live
+// through, or not in time: it copies what is nested by recursion, and looks for each part among all.
+Json eventIn(std::string_view line) {
+    std::size_t parts = 0;
+    const auto isBounded = [&](int depth, Json::parse_event_t token, const Json&) {
+        if (depth > kMostNested) throw std::invalid_argument("an event that is nested too deeply");
+        if (token == Json::parse_event_t::key && ++parts > kMostParts) {
+            throw std::invalid_argument("an event of too many parts");
+        }
+        return true;
+    };
+    return Json::parse(line, isBounded, false);
+}
+
+// The JSON library would take Booleans and fractions for integers, too, and numbers that fit nowhere.
+template <class Integer>
+Integer integerIn(const Json& part) {
+    const std::int64_t value = part.get_ref<const Json::number_integer_t&>();
+    using Limits = std::numeric_limits<Integer>;
+    const bool fits = value < 0 ? Limits::is_signed && value >= static_cast<std::int64_t>(Limits::min())
+                                : static_cast<std::uint64_t>(value) <= static_cast<std::uint64_t>(Limits::max());
+    if (!fits) throw std::invalid_argument(kWrongPart);
+    return static_cast<Integer>(value);
+}
+
+void checkOptions(const Json& options) {
+    for (const auto& [name, values] : options.get_ref<const Json::object_t&>()) {
+        (void)values.get<std::vector<std::string>>();
+    }
+}
+
+void checkPlace(const Json& place) {
+    for (const char* name : {"function", "command", "macroLine"}) (void)place.at(name).get<std::string>();
+    for (const char* name : {"call", "thread"}) integerIn<std::size_t>(place.at(name));
+}
+
+// The page shows the facts of a finding as they are.
+void checkFinding(const Json& facts) {
+    for (const char* name : {"rule", "severity", "message", "addOn", "hint"}) (void)facts.at(name).get<std::string>();
+    for (const char* name : {"count", "repeats"}) integerIn<std::size_t>(facts.at(name));
+    if (!facts.at("opened").is_null()) checkPlace(facts.at("opened"));
+    checkPlace(facts.at("seen"));
+}
+
+// Builds the run from its events, which are given one after the other.
+class RunBuilder {  // NOLINT(bugprone-exception-escape): moving JSON throws nothing
+public:
+    // What is missing in the event, or is of another kind than it should be, is told by an exception of the JSON
+    // library; what does not fit what was before by a std::invalid_argument.
+    void add(const Json& event) {
+        const std::string phase = event.at("ph");
+        if (!m_hasHeader) return readHeader(event);
+        if (phase == "M") return readName(event);
+        const std::int64_t time = timeOf(event);
+        m_run.end = std::max(m_run.end, time);
+        if (phase == "B") return begin(event, time);
+        if (phase == "E") return end(event, time);
+        if (phase == "C") return m_run.percents.push_back({time, integerIn<int>(event.at("args").at("percent"))});
+        if (phase == "i") return readInstant(event, time);
+        throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
+    }
+
+    bool hasHeader() const { return m_hasHeader; }
+    TracedRun take() { return std::move(m_run); }
+
+private:
+    void readHeader(const Json& event) {
+        if (event.at("cat") != "run" || event.at("name") != "run") throw std::invalid_argument(kNoTrace);
+        const Json& facts = event.at("args");
+        m_run.tool = facts.at("tool");
+        m_run.macroFile = facts.at("macroFile");
+        checkOptions(facts.at("options"));
+        m_run.options = facts.at("options");
+        m_run.isStrict = facts.at("isStrict");
+        m_run.hasTimeLimit = facts.at("hasTimeLimit");
+        m_run.suppressed = facts.at("suppressed").get<std::vector<std::string>>();
+        m_origin = event.at("ts");
+        m_hasHeader = true;
+    }
+
+    void readName(const Json& event) {
+        if (event.at("name") == "thread_name") m_run.tracks[trackOf(event)].name = event.at("args").at("name");
+    }
+
+    void begin(const Json& event, std::int64_t time) {
+        TracedSpan span;
+        span.track = trackOf(event);
+        span.name = event.at("name");
+        span.start = time;
+        const std::string category = event.at("cat");
+        const Json& facts = event.at("args");
+        if (category == "call") {
+            span.number = integerIn<std::size_t>(facts.at("number"));
+            span.arguments = facts.at("arguments");
+            if (!m_openEntries.empty()) ++m_run.entries[m_openEntries.back()].calls;
+        } else if (category == "scope") {
+            span.kind = Kind_e::Scope;
+            span.arguments = facts.at("arguments");
+            m_run.tracks[span.track].isScope = true;
+        } else {
+            span.kind = Kind_e::Entry;
+            m_openEntries.push_back(m_run.entries.size());
+            m_run.entries.push_back({m_run.spans.size(), category, facts.at("addOn"), facts.at("command"),
+                                     facts.at("macroLine"), false, "", 0});
+        }
+        auto& open = m_open[span.track];
+        span.depth = open.size();
+        open.push_back(m_run.spans.size());
+        m_run.spans.push_back(std::move(span));
+    }
+
+    void end(const Json& event, std::int64_t time) {
+        auto& open = m_open[trackOf(event)];
+        if (open.empty()) throw std::invalid_argument("an end without its beginning");
+        TracedSpan& span = m_run.spans[open.back()];
+        open.pop_back();
+        if (event.at("cat") == "cut off") return;  // it did not end
+        span.end = time;
+        if (span.kind == Kind_e::Call) {
+            const Json& facts = event.at("args");
+            span.result = facts.value("threw", false) ? "threw" : std::string(facts.at("result"));
+        } else if (span.kind == Kind_e::Entry) {
+            endEntry(event.at("args"));
+        }
+    }
+
+    void endEntry(const Json& facts) {
+        TracedEntry& entry = m_run.entries[m_openEntries.back()];
+        m_openEntries.pop_back();
+        entry.addOnId = facts.at("addOn");
+        entry.succeeded = facts.at("succeeded");
+        entry.error = facts.at("error");
+    }
+
+    void readInstant(const Json& event, std::int64_t time) {
+        const Json& facts = event.at("args");
+        if (event.at("cat") == "finding") {
+            checkFinding(facts);
+            m_run.findings.push_back({trackOf(event), time, facts});
+        } else {
+            m_run.outcome = {integerIn<int>(facts.at("exitStatus")), facts.at("outcome")};
+        }
+    }
+
+    std::int64_t timeOf(const Json& event) const {
+        const double time = event.at("ts");
+        const double nanoseconds = (time - m_origin) * kNanosecondsPerMicrosecond;
+        if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("a time that no run can have");
+        return std::llround(nanoseconds);
+    }
+
+    std::size_t trackOf(const Json& event) {
+        const long id = integerIn<long>(event.at("tid"));
+        const auto [place, isNew] = m_trackIndexes.try_emplace(id, m_run.tracks.size());
+        if (isNew) m_run.tracks.push_back({id, "thread " + std::to_string(id), false});
+        return place->second;
+    }
+
+    TracedRun m_run;
+    bool m_hasHeader = false;
+    double m_origin = 0;
+    std::map<long, std::size_t> m_trackIndexes;
+    std::map<std::size_t, std::vector<std::size_t>> m_open;  // by track, the spans, the outermost first
+    std::vector<std::size_t> m_openEntries;
+};
+
+std::string textOf(const std::string& file, const std::string& path) {
+    try {
+        return readInput(file);
+    } catch (const std::system_error& error) {
+        throw TraceError(path + ": cannot be read: " + error.code().message());
+    }
+}
+
+std::string_view withoutComma(std::string_view line) {
+    if (!line.empty() && line.back() == ',') line.remove_suffix(1);
+    return line;
+}
+
+}  // namespace
+
+TracedRun readTrace(const std::string& file) {
+    const std::string path = isStandardInput(file) ? kStandardInputName : file;
+    const std::string text = textOf(file, path);
+    RunBuilder builder;
+    std::size_t number = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
+        const std::string_view line = withoutComma(std::string_view(text).substr(at, lineEnd - at));
+        at = lineEnd + 1;
+        ++number;
+        if (number == 1 && line != "[") throw TraceError(path + ": " + kNoTrace);
+        if (line == "[" || line == "]") continue;
+        const bool isLast = at >= text.size();
+        try {
+            const Json event = eventIn(line);
+            if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written
+            if (event.is_discarded()) throw std::invalid_argument("no event of a trace");
+            builder.add(event);
+        } catch (const Json::exception&) {
+            refuse(path, number, builder.hasHeader() ? kWrongPart : kNoTrace);
+        } catch (const std::invalid_argument& problem) {
+            refuse(path, number, problem.what());
+        }
+    }
+    if (!builder.hasHeader()) throw TraceError(path + ": " + kNoTrace);
+    return builder.take();
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,124 @@
+#include "commands/run/ManyRuns.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+#include "session/WatchedRun.h"
+#include "session/watch/UserWork.h"
+#include "system/files/LiveFile.h"
+#include "system/files/OutputTarget.h"
+#include "terminal/Console.h"
+
+namespace vexa::runner {
+namespace {
+
+class ManyRuns : public UserWork {
+public:
+    ManyRuns(const RunOptions& options, const std::vector<std::string>& macroFiles)
+        : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()) {}
+
+    ExitStatus_e run(std::size_t jobs) {
+        const AwaitedSignals signals;
+        if (!openResults()) return ExitStatus_e::BadUsageOrInput;
+        ProcessSetting setting = settingOf(m_options);
+        setting.printed = Printed_e::Caught;
+        setting.jobs = jobs;
+        const std::size_t ended = runInProcesses(signals, m_macroFiles.size(), setting, *this);
+        const std::size_t left = m_macroFiles.size() - ended;
+        if (left > 0) note(ExitStatus_e::Stopped, std::to_string(left) + " not begun: stopped by Ctrl-C");
+        closeResults();
+        tell(kProgramName,
+             std::to_string(ended) + " macro files run, " + std::to_string(m_failed) + " failed" + m_notes);
+        return static_cast<ExitStatus_e>(m_status);
+    }
+
+    int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
+        RunOptions options = m_options;
+        options.macroFile = m_macroFiles[index];
+        return static_cast<int>(runMacro(options, box, notes));
+    }
+
+    void take(std::size_t index, const Message& message, RunningProcessInterface& process) override {
+        runOf(index).watched.take(message, process);
+    }
+
+    void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        print(outcome.out, stdout);
+        print(outcome.err, stderr);
+        const ExitStatus_e status = statusOf(index, box, outcome);
+        if (m_results) m_results->append(runOf(index).results);
+        m_runs[index].reset();
+        if (status == ExitStatus_e::AllWell) return;
+        ++m_failed;
+        note(status, m_macroFiles[index] + ": " + meaningOf(status));
+    }
+
+private:
+    // One of the runs, while it is of interest.
+    struct Run {
+        Run(const RunOptions& options, const std::string& macroFile)
+            : watched(options, macroFile, [this](std::string_view lines) { results += lines; }) {
+            watched.outputs().keepEndBack();
+        }
+        std::string results;
+        WatchedRun watched;
+    };
+
+    Run& runOf(std::size_t index) {
+        if (!m_runs[index]) m_runs[index] = std::make_unique<Run>(m_options, m_macroFiles[index]);
+        return *m_runs[index];
+    }
+
+    // One that Ctrl-C ended before it could stop its macro was stopped, too.
+    ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
+        return wasInterrupted(outcome) ? ExitStatus_e::Stopped : runOf(index).watched.judge(box, outcome);
+    }
+
+    static void print(const KeptText& printed, FILE* file) {
+        std::string text = printed.text;
+        if (printed.leftOut > 0) text += "\n(" + std::to_string(printed.leftOut) + " bytes more are left out)\n";
+        if (file == stderr) return passOn(text);
+        std::fwrite(text.data(), 1, text.size(), file);
+    }
+
+    bool openResults() {
+        try {
+            if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
+            return true;
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return false;
+        }
+    }
+
+    void closeResults() {
+        try {
+            if (m_results) m_results->close();
+        } catch (const OutputError& error) {
+            note(ExitStatus_e::BadUsageOrInput, error.what());
+        }
+    }
+
+    void note(ExitStatus_e status, const std::string& text) {
+        m_status = std::max(m_status, static_cast<int>(status));
+        m_notes += '\n' + text;
+    }
+
+    const RunOptions& m_options;
+    const std::vector<std::string>& m_macroFiles;
+    std::unique_ptr<LiveFile> m_results;
+    std::vector<std::unique_ptr<Run>> m_runs;
+    std::size_t m_failed = 0;
+    int m_status = 0;
+    std::string m_notes;
+};
+
+}  // namespace
+
+ExitStatus_e runMacros(const RunOptions& options, const std::vector<std::string>& macroFiles, std::size_t jobs) {
+    return ManyRuns(options, macroFiles).run(jobs);
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,298 @@
+#include "commands/test/MacroTests.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "commands/test/LineDifference.h"
+#include "commands/test/OwnTranscript.h"
+#include "commands/test/Transcript.h"
+#include "formats/JunitText.h"
+#include "session/watch/Death.h"
+#include "session/watch/UserWork.h"
+#include "system/files/AtomicFile.h"
+#include "system/files/OutputTarget.h"
+#include "system/files/RunFiles.h"
+#include "system/files/WholeFile.h"
+#include "system/files/WholeOutput.h"
+#include "terminal/Console.h"
+#include "text/Printable.h"
+
+namespace vexa::runner {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kMacro = ".macro";
+constexpr const char* kExpected = ".expected";
+
+// A file or folder that cannot be taken for macros. The message is one line.
+class PathError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The macros in a folder, by name. What is expected of a macro that is not there would never be looked at.
+std::vector<std::string> macrosIn(const fs::path& folder) {
+    std::vector<std::string> macros;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        const fs::path& path = entry.path();
+        if (path.extension() == kMacro) macros.push_back(path.string());
+        std::error_code isUnknown;
+        if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
+            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");
+        }
+    }
+    if (error) throw PathError(folder.string() + ": cannot be read: " + error.message());
+    if (macros.empty()) throw PathError(folder.string() + ": there is no macro in it, NAME" + kMacro);
+    std::sort(macros.begin(), macros.end());
+    return macros;
+}
+
+std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
+    std::vector<std::string> macros;
+    for (const std::string& path : paths) {
+        std::error_code error;
+        const fs::file_status status = fs::status(path, error);
+        const bool isOfNoFile = error && status.type() != fs::file_type::not_found;
+        if (isOfNoFile) throw PathError(path + ": cannot be read: " + error.message());
+        if (fs::is_directory(status)) {
+            const std::vector<std::string> found = macrosIn(path);
+            macros.insert(macros.end(), found.begin(), found.end());
+        } else if (fs::path(path).extension() != kMacro) {
+            throw PathError(path + ": expected a folder, or a macro NAME" + kMacro);
+        } else {
+            macros.push_back(path);
+        }
+    }
+    return macros;
+}
+
+std::string expectationOf(const std::string& macro) { return fs::path(macro).replace_extension(kExpected).string(); }
+
+struct MacroVerdict {
+    bool passed = false;
+    std::string reason;  // one line; empty when it passed
+    std::string lines;   // that show it
+};
+
+class MacroTests : public UserWork {
+public:
+    explicit MacroTests(const MacroTestOptions& options) : m_options(options) {}
+
+    ExitStatus_e run() {
+        if (!prepare()) return ExitStatus_e::BadUsageOrInput;
+        const std::size_t ended = m_options.inProcess ? runHere() : runWatched();
+        const bool isWritten = writeReport();
+        std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
+        if (!isWritten || m_isBroken) return ExitStatus_e::BadUsageOrInput;
+        if (m_isStopped || ended != m_macros.size()) return ExitStatus_e::Stopped;
+        return m_passed == ended ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    }
+
+private:
+    bool prepare() {
+        try {
+            m_macros = macrosOf(m_options.paths);
+            findFiles();
+            if (!m_options.style) return true;
+            auto style = readStyles(*m_options.style);
+            if (style) m_style = std::move(*style);
+            return style.has_value();
+        } catch (const PathError& error) {
+            tell(error.what());
+        } catch (const OutputError& error) {
+            tell(error.what());
+        }
+        return false;
+    }
+
+    // Makes sure that what is written takes the place of nothing that is read.
+    void findFiles() {
+        RunFiles files;
+        files.read(m_macros);
+        files.read(m_options.addOns);
+        files.read(m_options.style);
+        files.read(m_options.contract.projectFile);
+        std::set<std::string> expectations;  // a macro may be named twice
+        for (const std::string& macro : m_macros) {
+            const std::string expectation = expectationOf(macro);
+            const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
+            if (!isNew) continue;
+            m_options.accepts ? files.write(expectation) : files.read(expectation);
+        }
+        files.write(m_options.junit);
+        if (m_options.junit) m_junit.emplace(*m_options.junit);
+    }
+
+    std::size_t runWatched() {
+        const AwaitedSignals signals;
+        ProcessSetting setting;
+        setting.jobs = m_options.jobs;
+        setting.printed = Printed_e::CaughtAsOne;
+        setting.limitTime(m_options.contract.timeout);
+        m_transcripts.resize(m_macros.size());
+        return runInProcesses(signals, m_macros.size(), setting, *this);
+    }
+
+    std::size_t runHere() {
+        for (const std::string& macro : m_macros) {
+            const auto begin = std::chrono::steady_clock::now();
+            const auto box = std::make_unique<ProcessBox>();
+            TranscriptEnd_e end{};
+            TranscriptText transcript;
+            {
+                OwnTranscript own;
+                end = writeTranscript(optionsFor(macro), *box, own);
+                transcript = own.transcript();
+            }
+            const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+            conclude(
+                macro, [&] { return verdictOn(macro, end, transcript); }, time.count());
+        }
+        return m_macros.size();
+    }
+
+    TranscriptOptions optionsFor(const std::string& macro) const {
+        return {macro, m_options.addOns, m_style, m_options.contract, m_options.batch};
+    }
+
+    int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(writeTranscript(optionsFor(m_macros[index]), box, notes));
+    }
+
+    void take(std::size_t index, const Message& message, RunningProcessInterface& process) override {
+        const bool isAsked = message.kind == kPrintedNote;
+        const std::string answer =
+            m_transcripts[index].take(message.kind, message.text, isAsked ? process.takePrinted() : KeptText());
+        if (isAsked) process.answer(answer);
+    }
+
+    void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        const TranscriptText transcript = std::exchange(m_transcripts[index], {});
+        const auto verdict = [&] { return verdictOn(m_macros[index], box, outcome, transcript); };
+        conclude(m_macros[index], verdict, outcome.seconds);
+    }
+
+    template <class Judge>
+    void conclude(const std::string& macro, const Judge& judge, double seconds) {
+        MacroVerdict verdict;
+        try {
+            verdict = judge();
+        } catch (const OutputError& error) {
+            verdict = {false, error.what(), ""};
+            m_isBroken = true;
+        }
+        m_passed += verdict.passed ? 1 : 0;
+        const std::string reason = verdict.reason.empty() ? "" : ": " + verdict.reason;
+        print((verdict.passed ? "passed " : "failed ") + printableLine(macro + reason) + '\n' + verdict.lines);
+        std::fflush(stdout);
+        report(macro, verdict, seconds);
+    }
+
+    MacroVerdict verdictOn(const std::string& macro, const ProcessBox& box, const ProcessOutcome& outcome,
+                           const TranscriptText& transcript) {
+        if (outcome.end == End_e::Left && outcome.areNotesWhole) {
+            return verdictOn(macro, static_cast<TranscriptEnd_e>(outcome.status), transcript);
+        }
+        const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
+        if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
+        if (outcome.end == End_e::TimedOut)
+            return {false, "it did not return within its time limit", textOf(lateFinding(box))};
+        const bool isStopped = wasInterrupted(outcome);
+        if (isStopped) m_isStopped = true;
+        if (isStopped) return {false, "stopped by Ctrl-C", lines};
+        return {false, "an add-on ended the process", lines + deathText(box, outcome) + '\n'};
+    }
+
+    MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const TranscriptText& transcript) {
+        switch (end) {
+            case TranscriptEnd_e::Whole: return compared(macro, transcript);
+            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", transcript.explained()};
+            case TranscriptEnd_e::CommandHung:
+                return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained()};
+            case TranscriptEnd_e::OutputLost:
+                m_isBroken = true;
+                return {false, "the standard output could not be written", transcript.text()};
+            case TranscriptEnd_e::NotRun: break;
+        }
+        m_isBroken = true;
+        return {false, "it cannot be run", transcript.text()};
+    }
+
+    // What the transcript has of the last command.
+    static std::string lastCommand(const std::string& transcript) {
+        const std::size_t begin = transcript.rfind("\n> ");
+        return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
+    }
+
+    static bool hasNewFinding(const std::string& difference) {
+        return difference.find("\n+ ! error: ") != std::string::npos ||
+               difference.find("\n+ ! warning: ") != std::string::npos;
+    }
+
+    MacroVerdict compared(const std::string& macro, const TranscriptText& told) const {
+        const std::string& transcript = told.text();
+        const std::string path = expectationOf(macro);
+        std::optional<std::string> expected;
+        try {
+            expected = readInput(path);
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::no_such_file_or_directory) {
+                refuseOutput(path, "it cannot be read: " + error.code().message());
+            }
+        }
+        if (expected == transcript) return {true, "", ""};
+        if (m_options.accepts) {
+            AtomicFile(path).replace(transcript);
+            return {true, "accepted", ""};
+        }
+        std::string difference = lineDifference(expected.value_or(""), transcript);
+        if (hasNewFinding(difference)) difference += told.explained();
+        if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
+        return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
+    }
+
+    void report(const std::string& macro, const MacroVerdict& verdict, double seconds) {
+        const fs::path path(macro);
+        m_report.push_back({path.parent_path().string(), path.stem().string(), seconds,
+                            verdict.passed ? JunitOutcome_e::Passed : JunitOutcome_e::Failure, "failed", verdict.reason,
+                            verdict.lines});
+    }
+
+    bool writeReport() {
+        if (!m_junit) return true;
+        try {
+            m_junit->replace(junitText("vexa-standin test", {}, m_report));
+            return true;
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return false;
+        }
+    }
+
+    const MacroTestOptions& m_options;
+    std::vector<std::string> m_macros;
+    std::vector<StyleSetting> m_style;
+    std::vector<TranscriptText> m_transcripts;
+    std::size_t m_passed = 0;
+    bool m_isBroken = false;  // something could not be read, run or written
+    bool m_isStopped = false;
+    std::vector<JunitCase> m_report;
+    std::optional<WholeOutput> m_junit;
+};
+
+}  // namespace
+
+ExitStatus_e testMacros(const MacroTestOptions& options) { return MacroTests(options).run(); }
+
+}  // namespace vexa::runner

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "formats/StyleFile.h"
+#include "options/ContractOptions.h"
+#include "session/watch/Processes.h"
+
+namespace vexa::runner {
+
+/// What a macro is run with for a transcript.
+struct TranscriptOptions {
+    std::string macroFile;
+    std::vector<std::string> addOns;
+    std::vector<StyleSetting> style;
+    ContractOptions contract;
+    bool batch = false;
+};
+
+/// How the process that writes a transcript ends, if nothing ends it before.
+enum class TranscriptEnd_e : int {
+    Whole = 10,        ///< the notes hold the transcript
+    Broken = 11,       ///< so they do, and with --strict the contract was broken
+    NotRun = 12,       ///< the macro could not be run; the notes tell why
+    CommandHung = 13,  ///< the notes hold the transcript up to a command that did not return
+    OutputLost = 14,   ///< the notes lack what was printed: an add-on closed the standard output
+};
+
+/// \name What a transcript is told by
+/// @{
+inline constexpr char kTranscriptNote = 't';  ///< lines of it
+/// Breaches of the contract with their places and hints, each cause in full once; not part of it.
+inline constexpr char kExplainedNote = 'x';
+/// Asks to put in what was printed since the last time, after the line told with it. The answer is empty when that is
+/// nothing; then the line is left out, too.
+inline constexpr char kPrintedNote = 'p';
+/// @}
+
+/// Runs a macro in this process, and tells \p notes what its add-ons do, line by line:
+///
+///     > STATS MEAN ZONES = '1-3'      a command of the macro
+///       mean 5.9                      what was printed, on both outputs
+///     \ no line end                   of what was printed last
+///     \ 99 bytes more are left out    of what was printed
+///     ! no such zone                  why the command failed
+///     ! dialog: no such zone          a dialog
+///     ! error: ... [unbalanced-lock]  a breach of the contract
+///     + STATS MEAN ZONES = '1-3'      what was recorded
+///     > (unloading)                   what comes of that; left out when there is nothing
+///
+/// What was printed is put in by whoever is told.
+/// \param box gets what the add-ons do.
+TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes);
+
+/// The lines of a transcript for what was printed.
+std::string printedLines(const KeptText& printed);
+
+}  // namespace vexa::runner

@@ -1,0 +1,30 @@
+#include "session/GuardedWork.h"
+
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "options/ExitStatus.h"
+#include "system/processes/AwaitedSignals.h"
+#include "terminal/Console.h"
+
+namespace vexa::runner {
+
+int guarded(const std::function<int()>& work) {
+    try {
+        return work();
+    } catch (const EndedBySignal&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "%s: out of memory\n", kProgramName);
+    } catch (const std::exception& error) {
+        const char* const text = error.what();
+        tell(kProgramName, std::string("unexpected error: ") + (text == nullptr ? "no message" : text));
+    } catch (...) {
+        std::fprintf(stderr, "%s: unexpected error\n", kProgramName);
+    }
+    return static_cast<int>(ExitStatus_e::BadUsageOrInput);
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,159 @@
+#include "session/WatchedRun.h"
+
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <memory>
+
+#include "formats/ResultsFile.h"
+#include "session/FindingTeller.h"
+#include "session/RunNotes.h"
+#include "session/watch/Death.h"
+#include "session/watch/LastWords.h"
+#include "session/watch/UserWork.h"
+#include "system/files/MemoryFile.h"
+#include "system/files/WholeFile.h"
+#include "system/processes/Tracer.h"
+#include "terminal/Console.h"
+
+namespace vexa::runner {
+namespace {
+
+bool isBroken(int descriptor) {
+    pollfd polled{descriptor, POLLOUT, 0};
+    return poll(&polled, 1, 0) > 0 && (polled.revents & POLLERR) != 0;
+}
+
+// Nobody reads what is printed any more, which ends a program that prints.
+bool endedForWantOfReaders(const ProcessOutcome& outcome) {
+    const bool isPipe = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGPIPE;
+    return isPipe && (isBroken(STDOUT_FILENO) || isBroken(STDERR_FILENO));
+}
+
+std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
+    return options.json ? std::make_unique<LiveFile>(*options.json) : nullptr;
+}
+
+// The one run of a program, which prints where the program does.
+class OneRun : public UserWork {
+public:
+    explicit OneRun(const RunOptions& options)
+        : m_options(options), m_results(openResults(options)), m_run(options, options.macroFile, [this](auto lines) {
+              if (m_results) m_results->append(lines);
+          }) {
+        m_run.open();
+    }
+
+    ExitStatus_e execute() {
+        if (m_options.inProcess || isTraced()) return close(runHere());
+        const AwaitedSignals signals;
+        m_run.outputs().keepEndBack();
+        runInProcesses(signals, 1, settingOf(m_options), *this);
+        return close(m_status);
+    }
+
+    int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(runMacro(m_options, box, notes));
+    }
+    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
+        m_run.take(message, process);
+    }
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
+        if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
+        clearStatusOf(box);
+        m_status = m_run.judge(box, outcome);
+    }
+
+private:
+    ExitStatus_e runHere() {
+        const auto box = std::make_unique<ProcessBox>();
+        return runMacro(m_options, *box, m_run.outputs());
+    }
+
+    ExitStatus_e close(ExitStatus_e status) {
+        try {
+            if (m_results) m_results->close();
+            return status;
+        } catch (const OutputError& error) {
+            tell(error.what());
+            return ExitStatus_e::BadUsageOrInput;
+        }
+    }
+
+    const RunOptions& m_options;
+    std::unique_ptr<LiveFile> m_results;
+    WatchedRun m_run;
+    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
+};
+
+// A process of the background cannot read from the terminal, so a macro that is typed is read here.
+void readTypedMacro(const RunOptions& options) {
+    if (options.macroFile != "-" || isatty(STDIN_FILENO) == 0) return;
+    const MemoryFile file(readStandardInput());
+    lseek(file.descriptor(), 0, SEEK_SET);
+    dup2(file.descriptor(), STDIN_FILENO);
+}
+
+}  // namespace
+
+void WatchedRun::take(const Message& message, RunningProcessInterface& process) {
+    if (message.kind == kWriteNote) {
+        process.answer(m_outputs.ask(message.kind, message.text));
+    } else {
+        m_outputs.tell(message.kind, message.text);
+    }
+}
+
+ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
+    if (outcome.end == End_e::TimedOut) {
+        const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
+        tellFinding(lateFinding(box));
+        return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
+    }
+    if (outcome.end == End_e::Died) {
+        const LastWords lastWords(static_cast<int>(ExitStatus_e::ProcessEnded));
+        tell(deathText(box, outcome));
+        return conclude(box, ExitStatus_e::ProcessEnded, "the process ended: " + howItEnded(outcome.waitStatus));
+    }
+    if (outcome.areNotesWhole) {
+        m_outputs.tellEnd();
+        return static_cast<ExitStatus_e>(outcome.status);
+    }
+    tell(m_macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
+    return conclude(box, ExitStatus_e::BadUsageOrInput, "part of what the run told was lost");
+}
+
+ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {
+    const bool isWritten = m_outputs.writeWhatIsLeft();
+    if (m_options.json) {
+        const std::chrono::duration<double> seconds = box.sinceEntered();
+        const bool isCommand = box.isInAddOn;
+        m_results(linesOfDeath(
+            {box.place.text(), isCommand ? box.addOnId.text() : "", box.work.text(), false, error, seconds.count()},
+            status, m_macroFile));
+    }
+    return isWritten ? status : ExitStatus_e::BadUsageOrInput;
+}
+
+ProcessSetting settingOf(const RunOptions& options) {
+    ProcessSetting setting;
+    setting.printed = Printed_e::Inherited;
+    setting.limitTime(options.contract.timeout);
+    return setting;
+}
+
+ExitStatus_e runOneMacro(const RunOptions& options) {
+    try {
+        readTypedMacro(options);
+        return OneRun(options).execute();
+    } catch (const OutputError& error) {
+        tell(error.what());
+        return ExitStatus_e::BadUsageOrInput;
+    }
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "session/watch/Notes.h"
+
+namespace vexa::runner {
+
+/// What one process sends to the other.
+struct Message {
+    char kind = 0;
+    std::string text;
+};
+
+/// The two ends of a connection between this process and one that it forks off.
+class Connection {
+public:
+    /// \throws std::system_error
+    Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection();
+
+    int parentEnd() const { return m_ends[0]; }
+    int childEnd() const { return m_ends[1]; }
+    /// To be called in the parent, once the child has its end: then the end of the child shows.
+    void closeChildEnd();
+    void closeParentEnd();
+
+private:
+    int m_ends[2] = {-1, -1};
+};
+
+/// Sends messages from the child to the parent.
+class Channel : public NotesInterface {
+public:
+    /// \param sent counts the messages, so that the parent knows whether it got them all.
+    Channel(int descriptor, std::atomic<std::uint64_t>& sent) : m_descriptor(descriptor), m_sent(sent) {}
+
+    void tell(char kind, std::string_view text) override;
+    std::string ask(char kind, std::string_view text) override;
+
+private:
+    void send(char kind, std::string_view text);
+
+    std::mutex m_guard;
+    int m_descriptor;
+    std::atomic<std::uint64_t>& m_sent;
+};
+
+/// Receives the messages of a child.
+class Mailbox {
+public:
+    explicit Mailbox(int descriptor) : m_descriptor(descriptor) {}
+
+    /// Takes in what was sent so far, without waiting.
+    /// \return whether the child's end is still open.
+    bool fetch();
+    /// The next message; nothing when it is not complete yet.
+    std::optional<Message> next();
+    /// How many messages next() returned.
+    std::uint64_t received() const { return m_received; }
+    /// Answers the message that came last.
+    void answer(std::string_view text) const;
+
+private:
+    int m_descriptor;
+    std::string m_bytes;
+    std::size_t m_at = 0;  // where the next message starts
+    std::uint64_t m_received = 0;
+};
+
+}  // namespace vexa::runner

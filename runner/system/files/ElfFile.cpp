@@ -1,0 +1,130 @@
+#include "system/files/ElfFile.h"
+
+#include <cxxabi.h>
+#include <fcntl.h>
+#include <gelf.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <memory>
+#include <sstream>
+
+namespace vexa::runner {
+namespace {
+
+class OpenElf {
+public:
+    explicit OpenElf(const std::string& path) : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+        elf_version(EV_CURRENT);
+        m_elf = elf_begin(m_descriptor, ELF_C_READ, nullptr);
+    }
+    OpenElf(const OpenElf&) = delete;
+    OpenElf& operator=(const OpenElf&) = delete;
+    ~OpenElf() {
+        elf_end(m_elf);
+        if (m_descriptor >= 0) close(m_descriptor);
+    }
+
+    Elf* get() const { return m_elf; }
+
+private:
+    int m_descriptor;
+    Elf* m_elf = nullptr;
+};
+
+std::string text(Elf* elf, const GElf_Shdr& section, std::size_t offset) {
+    const char* const found = elf_strptr(elf, section.sh_link, offset);
+    return found == nullptr ? "" : found;
+}
+
+// Calls `take` with each entry of a section that is a table.
+template <class Take>
+void forEachEntry(Elf_Scn* section, const GElf_Shdr& header, const Take& take) {
+    Elf_Data* const data = elf_getdata(section, nullptr);
+    if (data == nullptr || header.sh_entsize == 0) return;
+    for (int i = 0; i != static_cast<int>(header.sh_size / header.sh_entsize); ++i) take(data, i);
+}
+
+void takeRunPaths(ElfFile& file, const std::string& paths) {
+    std::istringstream in(paths);
+    for (std::string path; std::getline(in, path, ':');) file.runPaths.push_back(path);
+}
+
+void takeDynamic(ElfFile& file, Elf* elf, Elf_Scn* section, const GElf_Shdr& header) {
+    forEachEntry(section, header, [&](Elf_Data* data, int i) {
+        GElf_Dyn entry;
+        if (gelf_getdyn(data, i, &entry) == nullptr) return;
+        const auto value = entry.d_un.d_val;
+        switch (entry.d_tag) {
+            case DT_NEEDED: file.needed.push_back(text(elf, header, value)); break;
+            case DT_RPATH:
+            case DT_RUNPATH: takeRunPaths(file, text(elf, header, value)); break;
+            case DT_TEXTREL: file.hasTextRelocations = true; break;
+            case DT_FLAGS: file.hasTextRelocations |= (value & DF_TEXTREL) != 0; break;
+            case DT_FLAGS_1: file.isNeverUnloaded |= (value & DF_1_NODELETE) != 0; break;
+            default: break;
+        }
+    });
+}
+
+void takeSymbols(ElfFile& file, Elf* elf, Elf_Scn* section, const GElf_Shdr& header) {
+    forEachEntry(section, header, [&](Elf_Data* data, int i) {
+        GElf_Sym symbol;
+        if (gelf_getsym(data, i, &symbol) == nullptr) return;
+        const auto visibility = GELF_ST_VISIBILITY(symbol.st_other);
+        const auto binding = GELF_ST_BIND(symbol.st_info);
+        const bool isOfOthersConcern = binding != STB_LOCAL && visibility != STV_HIDDEN && visibility != STV_INTERNAL;
+        if (!isOfOthersConcern) return;
+        file.symbols.push_back({text(elf, header, symbol.st_name), symbol.st_shndx != SHN_UNDEF, binding == STB_GLOBAL,
+                                binding == STB_GNU_UNIQUE});
+    });
+}
+
+void takeSections(ElfFile& file, Elf* elf) {
+    Elf_Scn* section = nullptr;
+    while ((section = elf_nextscn(elf, section)) != nullptr) {
+        GElf_Shdr header;
+        if (gelf_getshdr(section, &header) == nullptr) continue;
+        if (header.sh_type == SHT_DYNAMIC) takeDynamic(file, elf, section, header);
+        if (header.sh_type == SHT_DYNSYM) takeSymbols(file, elf, section, header);
+    }
+}
+
+// A file that says nothing of its stack gets one whose content can be executed.
+bool hasExecutableStack(Elf* elf) {
+    std::size_t count = 0;
+    elf_getphdrnum(elf, &count);
+    for (std::size_t i = 0; i != count; ++i) {
+        GElf_Phdr header;
+        const bool isStack =
+            gelf_getphdr(elf, static_cast<int>(i), &header) != nullptr && header.p_type == PT_GNU_STACK;
+        if (isStack) return (header.p_flags & PF_X) != 0;
+    }
+    return true;
+}
+
+}  // namespace
+
+ElfFile readElfFile(const std::string& path) {
+    const OpenElf elf(path);
+    GElf_Ehdr header;
+    if (elf.get() == nullptr || elf_kind(elf.get()) != ELF_K_ELF || gelf_getehdr(elf.get(), &header) == nullptr) {
+        throw ElfError("it is no shared object");
+    }
+    ElfFile file;
+    file.fileClass = header.e_ident[EI_CLASS];
+    file.machine = header.e_machine;
+    file.type = header.e_type;
+    file.hasExecutableStack = hasExecutableStack(elf.get());
+    takeSections(file, elf.get());
+    return file;
+}
+
+std::string demangled(const std::string& symbol) {
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> text(
+        abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), &std::free);
+    return text == nullptr ? symbol : text.get();
+}
+
+}  // namespace vexa::runner

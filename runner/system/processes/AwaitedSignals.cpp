@@ -1,0 +1,42 @@
+#include "system/processes/AwaitedSignals.h"
+
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include "system/LastError.h"
+#include "system/processes/IgnoredSignal.h"
+
+namespace vexa::runner {
+
+AwaitedSignals::AwaitedSignals() {
+    sigset_t awaited;
+    sigemptyset(&awaited);
+    sigaddset(&awaited, SIGCHLD);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
+        if (!isIgnored(signal)) sigaddset(&awaited, signal);
+    }
+    m_descriptor = signalfd(-1, &awaited, SFD_NONBLOCK | SFD_CLOEXEC);
+    if (m_descriptor < 0) throwLastError("signalfd");
+    sigprocmask(SIG_BLOCK, &awaited, &m_before);
+}
+
+AwaitedSignals::~AwaitedSignals() {
+    sigprocmask(SIG_SETMASK, &m_before, nullptr);
+    close(m_descriptor);
+}
+
+std::optional<int> AwaitedSignals::next() const {
+    signalfd_siginfo info{};
+    if (read(m_descriptor, &info, sizeof info) != static_cast<ssize_t>(sizeof info)) return std::nullopt;
+    return static_cast<int>(info.ssi_signo);
+}
+
+void AwaitedSignals::throwIfEnded() const {
+    while (const auto signal = next()) {
+        if (*signal == SIGINT || endsProgram(*signal)) throw EndedBySignal{*signal};
+    }
+}
+
+bool endsProgram(int signal) { return signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT; }
+
+}  // namespace vexa::runner

@@ -1,0 +1,31 @@
+#include "system/processes/Tracer.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace vexa::runner {
+namespace {
+
+bool hasTracer() {
+    constexpr std::string_view kField = "TracerPid:";
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.compare(0, kField.size(), kField) == 0)
+            return std::strtol(line.c_str() + kField.size(), nullptr, 10) != 0;
+    }
+    return false;
+}
+
+// Valgrind runs a program without a tracer, but loads a library of its own into it.
+bool isUnderValgrind() {
+    const char* const loaded = std::getenv("LD_PRELOAD");
+    return loaded != nullptr && std::string_view(loaded).find("vgpreload_") != std::string_view::npos;
+}
+
+}  // namespace
+
+bool isTraced() { return hasTracer() || isUnderValgrind() || std::getenv("RUNNING_UNDER_RR") != nullptr; }
+
+}  // namespace vexa::runner

@@ -1,0 +1,103 @@
+#include "terminal/Screen.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <utility>
+
+#include "system/LastError.h"
+#include "system/files/Descriptor.h"
+#include "system/processes/BlockedSignals.h"
+#include "terminal/Terminal.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr int kWatchInterval = 100;  // milliseconds
+
+// The terminal is the process's, so here is what belongs to the process.
+std::atomic<Screen*> theScreen{nullptr};
+
+}  // namespace
+
+Screen::Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
+    : m_status(std::move(isStopping), isDrawn), m_wakeUp(eventfd(0, EFD_CLOEXEC)) {
+    if (m_wakeUp < 0) throwLastError("eventfd");
+    if (isTerminal(STDOUT_FILENO)) m_relay.emplace();
+    const BlockedSignals blocked;
+    m_watcher = std::thread([this] { watch(); });
+    theScreen = this;
+}
+
+Screen::~Screen() {
+    // While the watcher still makes room in the pipe.
+    std::fflush(stdout);
+    theScreen = nullptr;
+    const std::uint64_t wakes = 1;
+    static_cast<void>(!write(m_wakeUp, &wakes, sizeof wakes));
+    m_watcher.join();
+    close(m_wakeUp);
+    m_status.clear();
+}
+
+Screen* Screen::current() { return theScreen; }
+
+void Screen::tell(const std::string& lines) {
+    // Not under the guard: it waits for the watcher when the pipe is full.
+    std::fflush(stdout);
+    const std::lock_guard<std::mutex> lock(m_guard);
+    passOn();
+    m_status.clear();
+    std::fputs(lines.c_str(), stderr);
+    m_status.refresh();
+}
+
+void Screen::show(const standin::StatusLine& line) {
+    std::fflush(stdout);
+    const std::lock_guard<std::mutex> lock(m_guard);
+    passOn();
+    // The start of a line that was printed before stays to be read.
+    if (line.active && !m_status.isDrawn() && m_relay && m_relay->isWithinLine()) m_relay->pass("\n");
+    m_status.show(line);
+    passOn();
+}
+
+void Screen::clearAtOnce() const {
+    if (m_status.isDrawn()) writeAll(STDERR_FILENO, kClearLine);
+}
+
+void Screen::leave() {
+    std::fflush(stdout);
+    m_guard.lock();
+    m_status.clear();
+    if (m_relay) m_relay->pass(m_relay->take(false));
+}
+
+void Screen::watch() {
+    std::array<pollfd, 2> watched{{{m_wakeUp, POLLIN, 0}, {m_relay ? m_relay->readable() : -1, POLLIN, 0}}};
+    while (watched[0].revents == 0) {
+        poll(watched.data(), watched.size(), kWatchInterval);
+        // An add-on that closes the standard output has nothing more to say.
+        if (watched[1].revents == POLLHUP) watched[1].fd = -1;
+        const std::lock_guard<std::mutex> lock(m_guard);
+        passOn();
+        m_status.refresh();
+    }
+}
+
+// Where a line is begun by what is passed on, the status line is not up.
+void Screen::passOn() {
+    if (!m_relay) return;
+    const std::string printed = m_relay->take(m_status.isUp());
+    if (printed.empty()) return;
+    m_status.clear();
+    m_relay->pass(printed);
+    m_status.refresh();
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "terminal/DrawnStatus.h"
+#include "terminal/StdoutRelay.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+
+/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print.
+///
+/// What the add-ons print comes through a relay when it goes to a terminal, too; a thread of the screen passes it on,
+/// and draws what was not due before.
+/// Threads: safe from any. It is made and destroyed while no add-on runs; there is one at a time.
+class Screen {
+public:
+    /// For the standard error output, which must be a terminal.
+    /// \param isStopping as for DrawnStatus
+    /// \param isDrawn    tells whether the status line is drawn, also after the process has died
+    Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+    /// Takes the status line down, and puts out what was held back.
+    ~Screen();
+
+    /// The screen there is, or null.
+    static Screen* current();
+
+    /// Puts \p lines on the standard error output, after all that was printed so far.
+    void tell(const std::string& lines);
+    /// Shows the status line as it is now.
+    void show(const standin::StatusLine& line);
+    /// Clears the status line from a program that is about to end. May be called from a signal handler.
+    void clearAtOnce() const;
+
+    /// Leaves the terminal to a program that ends without destroying the screen: puts out what was held back, and takes
+    /// the status line down. Whoever shows something from now on waits for ever.
+    void leave();
+
+private:
+    void watch();
+    void passOn();
+
+    std::mutex m_guard;
+    DrawnStatus m_status;
+    std::optional<StdoutRelay> m_relay;
+    int m_wakeUp;
+    std::thread m_watcher;
+};
+
+}  // namespace vexa::runner

@@ -1,0 +1,70 @@
+#include "terminal/StopButton.h"
+
+#include <cerrno>
+#include <csignal>
+
+#include "system/processes/IgnoredSignal.h"
+#include "terminal/Screen.h"
+
+namespace vexa::runner {
+namespace {
+
+// A signal handler gets nothing but the signal's number, so here is the one it is for.
+std::atomic<StopButton*> theButton{nullptr};
+
+static_assert(std::atomic<void*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
+              "A signal handler must not wait");
+
+void handle(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;  // an add-on's input and output go on
+    sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+StopButton::~StopButton() {
+    if (!m_isInstalled) return;
+    handle(SIGINT, SIG_DFL);
+    theButton = nullptr;
+}
+
+void StopButton::install() {
+    if (isIgnored(SIGINT)) return;
+    m_isInstalled = true;
+    theButton = this;
+    handle(SIGINT, &StopButton::onSignal);
+}
+
+void StopButton::arm(standin::Host& host) { m_host = &host; }
+
+void StopButton::handOver(standin::Host& host) {
+    standin::Host* armed = m_host;
+    while (armed != nullptr && !m_host.compare_exchange_weak(armed, &host)) {}
+    if (armed == nullptr) host.pressStop();
+}
+
+void StopButton::disarm() { m_host = nullptr; }
+
+void StopButton::onSignal(int) {
+    const int error = errno;  // which is that of the code that was interrupted
+    if (StopButton* const button = theButton) button->interrupt();
+    errno = error;
+}
+
+void StopButton::interrupt() {
+    m_isPressed = true;
+    standin::Host* const host = m_host.exchange(nullptr);
+    if (host == nullptr) return endProgram();
+    host->pressStop();
+}
+
+// The signal comes again when its handler ends, and then finds the default action: so the shell sees what happened.
+void StopButton::endProgram() {
+    if (const Screen* const screen = Screen::current()) screen->clearAtOnce();
+    std::signal(SIGINT, SIG_DFL);
+    std::raise(SIGINT);
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,50 @@
+#include "terminal/Terminal.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::size_t kUsualColumns = 80;
+
+std::optional<bool> theColour;
+
+std::string_view environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+bool isTerminal(int descriptor) {
+    const std::string_view kind = environment("TERM");
+    return !kind.empty() && kind != "dumb" && isatty(descriptor) == 1;
+}
+
+std::size_t columnsOf(int descriptor) {
+    winsize window{};
+    if (ioctl(descriptor, TIOCGWINSZ, &window) != 0 || window.ws_col == 0) return kUsualColumns;
+    return window.ws_col;
+}
+
+std::size_t textColumnsOf(int descriptor) {
+    if (!isTerminal(descriptor)) return kUsualColumns;
+    const std::string_view told = environment("COLUMNS");
+    std::size_t columns = 0;
+    const auto [end, error] = std::from_chars(told.data(), told.data() + told.size(), columns);
+    const bool isNumber = error == std::errc() && end == told.data() + told.size() && columns > 0;
+    return isNumber ? columns : columnsOf(descriptor);
+}
+
+bool wantsColour() { return theColour.value_or(environment("NO_COLOR").empty() && isTerminal(STDERR_FILENO)); }
+
+void chooseColour(bool wanted) { theColour = wanted; }
+
+}  // namespace vexa::runner

@@ -1,0 +1,98 @@
+#include "terminal/TextWidth.h"
+
+#include <clocale>
+#include <cstdint>
+#include <cwchar>
+
+#include <locale.h>
+
+#include "text/Printable.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::string_view kEllipsis = "…";
+constexpr std::size_t kEllipsisWidth = 1;
+
+// Has the calling thread know the characters of UTF-8. The program's locale stays as the add-ons expect it.
+class Utf8Locale {
+public:
+    Utf8Locale() : m_utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {
+        if (m_utf8 != nullptr) m_before = uselocale(m_utf8);
+    }
+    Utf8Locale(const Utf8Locale&) = delete;
+    Utf8Locale& operator=(const Utf8Locale&) = delete;
+    ~Utf8Locale() {
+        if (m_utf8 == nullptr) return;
+        uselocale(m_before);
+        freelocale(m_utf8);
+    }
+
+private:
+    locale_t m_utf8;
+    locale_t m_before = nullptr;
+};
+
+struct Character {
+    std::size_t bytes;
+    bool isPrintable;
+    std::size_t width;
+};
+
+// The first character of a text that is not empty.
+Character firstOf(std::string_view text) {
+    wchar_t character = 0;
+    std::mbstate_t state{};
+    const std::size_t bytes = std::mbrtowc(&character, text.data(), text.size(), &state);
+    if (bytes == 0 || bytes > text.size()) return {1, false, 1};  // a NUL, or no character
+    const int width = wcwidth(character);
+    if (width < 0) return {bytes, false, 1};
+    return {bytes, printableLength(text) == bytes, static_cast<std::size_t>(width)};
+}
+
+bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80U; }
+
+}  // namespace
+
+std::size_t widthOf(std::string_view text) {
+    const Utf8Locale utf8;
+    std::size_t width = 0;
+    while (!text.empty()) {
+        const Character character = firstOf(text);
+        width += character.width;
+        text.remove_prefix(character.bytes);
+    }
+    return width;
+}
+
+std::string cutToWidth(std::string_view text, std::size_t columns) {
+    if (widthOf(text) <= columns) return std::string(text);
+    if (columns < kEllipsisWidth) return "";
+    const Utf8Locale utf8;
+    std::size_t kept = 0;
+    std::size_t width = 0;
+    while (kept < text.size()) {
+        const Character character = firstOf(text.substr(kept));
+        width += character.width;
+        if (width + kEllipsisWidth > columns) break;
+        kept += character.bytes;
+    }
+    return std::string(text.substr(0, kept)).append(kEllipsis);
+}
+
+std::string asOneLine(std::string_view text) {
+    const Utf8Locale utf8;
+    std::string line;
+    while (!text.empty()) {
+        const Character character = firstOf(text);
+        if (character.isPrintable) {
+            line += text.substr(0, character.bytes);
+        } else {
+            line += isAscii(text.front()) ? ' ' : '?';
+        }
+        text.remove_prefix(character.bytes);
+    }
+    return line;
+}
+
+}  // namespace vexa::runner

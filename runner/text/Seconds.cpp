@@ -1,0 +1,30 @@
+#include "text/Seconds.h"
+
+#include <array>
+#include <cstdio>
+#include <locale>
+#include <sstream>
+
+namespace vexa::runner {
+namespace {
+
+constexpr double kMost = 1e6;
+
+}  // namespace
+
+std::optional<std::chrono::duration<double>> secondsOf(const std::string& text) {
+    std::istringstream in(text);
+    in.imbue(std::locale::classic());
+    double seconds = 0;
+    const bool isNumber = in >> std::noskipws >> seconds && in.peek() == std::istringstream::traits_type::eof();
+    if (!isNumber || seconds <= 0 || seconds > kMost) return std::nullopt;
+    return std::chrono::duration<double>(seconds);
+}
+
+std::string secondsText(std::chrono::duration<double> time) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%g", time.count());
+    return std::string(text.data()) + (time.count() == 1 ? " second" : " seconds");
+}
+
+}  // namespace vexa::runner

@@ -1,0 +1,218 @@
+#include "trace/EventTrace.h"
+
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "text/SeverityName.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using standin::CallEvent;
+using standin::Entry_e;
+using standin::EntryEvent;
+using standin::Finding;
+using standin::Place;
+using standin::StatusLine;
+using Time = std::chrono::steady_clock::time_point;
+
+// Above every number that the kernel gives a thread.
+constexpr long kFirstScopeTrack = 1L << 22;
+
+constexpr std::string_view kCall = "call";
+constexpr std::string_view kScope = "scope";
+constexpr std::string_view kRun = "run";
+constexpr std::string_view kCutOff = "cut off";  // a span that had not ended when the trace did
+
+// The kernel's, so that other tools can tell the threads. The kernel is asked once: at each event it would be a tenth
+// of what a traced call costs.
+long thisThread() {
+    thread_local const long number = gettid();
+    return number;
+}
+
+const char* categoryOf(Entry_e kind) {
+    switch (kind) {
+        case Entry_e::Loading: return "loading";
+        case Entry_e::Command: return "command";
+        case Entry_e::Unloading: return "unloading";
+    }
+    return "";
+}
+
+// Add-ons may hand over what is no UTF-8.
+std::string textOf(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
+std::string nameOf(const EntryEvent& entry) {
+    switch (entry.kind) {
+        case Entry_e::Loading: return "load " + entry.addOnId;
+        case Entry_e::Command: return entry.addOnId + ' ' + entry.command;
+        case Entry_e::Unloading: return "unload " + entry.addOnId;
+    }
+    return "";
+}
+
+Json placeOf(const Place& place) {
+    return {{"call", place.call},
+            {"function", place.function},
+            {"command", place.command},
+            {"macroLine", place.macroLine},
+            {"thread", place.thread}};
+}
+
+std::string argumentsOf(const Finding& finding) {
+    const standin::Rule* const rule = standin::findRule(finding.rule);
+    return textOf({{"rule", finding.rule},
+                   {"severity", runner::nameOf(finding.severity)},
+                   {"message", finding.message},
+                   {"addOn", finding.addOnId},
+                   {"opened", finding.opened ? placeOf(*finding.opened) : Json()},
+                   {"seen", placeOf(finding.seen)},
+                   {"count", finding.count},
+                   {"repeats", finding.repeats},
+                   {"hint", rule == nullptr ? "" : rule->hint}});
+}
+
+std::string factsOf(const RunFacts& facts) {
+    Json options = Json::object();
+    for (const auto& [name, values] : facts.options) options[name] = values;
+    return textOf({{"tool", facts.tool},
+                   {"macroFile", facts.macroFile},
+                   {"options", options},
+                   {"isStrict", facts.isStrict},
+                   {"hasTimeLimit", facts.hasTimeLimit},
+                   {"suppressed", facts.suppressed}});
+}
+
+}  // namespace
+
+EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path), m_text(getpid()) {
+    write([&] { writeHeader(facts); });
+}
+
+void EventTrace::entryBegan(const EntryEvent& entry) {
+    write([&] {
+        m_scopes.entryBegan();
+        const long thread = thisThread();
+        const std::string name = nameOf(entry);
+        beginSpan(thread, entry.threadNumber, name);
+        m_text.event("B", name, categoryOf(entry.kind), thread, entry.time).open("args");
+        m_text.member("addOn", entry.addOnId).member("command", entry.command).member("macroLine", entry.macroLine);
+        m_text.close().close();
+    });
+}
+
+void EventTrace::entryEnded(const EntryEvent& entry) {
+    write([&] {
+        for (const ScopeEdge& edge : m_scopes.entryEnded(entry.time)) writeEdge(edge);
+        const long thread = thisThread();
+        const auto name = endSpan(thread);
+        if (!name) return;
+        m_text.event("E", *name, categoryOf(entry.kind), thread, entry.time).open("args");
+        m_text.member("addOn", entry.addOnId).member("succeeded", entry.succeeded).member("error", entry.error);
+        m_text.close().close();
+    });
+}
+
+void EventTrace::callBegan(const CallEvent& call) {
+    write([&] {
+        const long thread = thisThread();
+        beginSpan(thread, call.threadNumber, call.function);
+        m_text.event("B", call.function, kCall, thread, call.time).open("args");
+        m_text.member("number", call.number).member("arguments", call.arguments).close().close();
+        if (const auto edge = m_scopes.callBegan(call)) writeEdge(*edge);
+    });
+}
+
+void EventTrace::callEnded(const CallEvent& call) {
+    write([&] {
+        if (const auto edge = m_scopes.callEnded(call)) writeEdge(*edge);
+        const long thread = thisThread();
+        if (!endSpan(thread)) return;
+        m_text.event("E", call.function, kCall, thread, call.time).open("args").member("result", call.result);
+        if (call.threw) m_text.member("threw", true);
+        m_text.close().close();
+    });
+}
+
+void EventTrace::findingMade(const Finding& finding) {
+    write([&] {
+        m_text.event("i", finding.rule, "finding", thisThread(), std::chrono::steady_clock::now());
+        m_text.member("s", "t").json("args", argumentsOf(finding)).close();
+    });
+}
+
+void EventTrace::statusChanged(const StatusLine& line) {
+    write([&] {
+        m_text.event("C", "percent done", "status", thisThread(), std::chrono::steady_clock::now()).open("args");
+        m_text.member("percent", line.active ? line.percent : 0).close().close();
+    });
+}
+
+void EventTrace::finish(int exitStatus, const std::string& outcome) {
+    m_file.finish([&](LiveFile& file) {
+        writeEnd(exitStatus, outcome);
+        handTo(file);
+    });
+}
+
+template <class Action>
+void EventTrace::write(const Action& action) {
+    m_file.write([&](LiveFile& file) {
+        action();
+        handTo(file);
+    });
+}
+
+// What an action appends is written at once, so that it is there when the process dies, and by one call of the kernel,
+// which is most of what a traced call costs.
+void EventTrace::handTo(LiveFile& file) {
+    m_text.hand([&](std::string_view text) { file.append(text); });
+}
+
+void EventTrace::writeHeader(const RunFacts& facts) {
+    const long thread = thisThread();
+    m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
+    m_text.member("s", "p").json("args", factsOf(facts)).close();
+    m_text.metadata("process_name", thread, facts.tool);
+}
+
+void EventTrace::writeEnd(int exitStatus, const std::string& outcome) {
+    const Time now = std::chrono::steady_clock::now();
+    for (const ScopeEdge& edge : m_scopes.endAll(now)) writeEdge(edge);
+    for (auto& [track, open] : m_openSpans) {
+        while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
+    }
+    m_text.event("i", "outcome", kRun, thisThread(), now).member("s", "p").open("args");
+    m_text.member("exitStatus", exitStatus).member("outcome", outcome).close().close();
+    m_text.end();
+}
+
+void EventTrace::writeEdge(const ScopeEdge& edge) {
+    const long track = kFirstScopeTrack + static_cast<long>(edge.track);
+    if (m_openSpans.try_emplace(track).second) m_text.metadata("thread_name", track, edge.trackName);
+    m_text.event(edge.begins ? "B" : "E", edge.name, kScope, track, edge.time);
+    if (edge.begins) m_text.open("args").member("arguments", edge.arguments).close();
+    m_text.close();
+}
+
+void EventTrace::beginSpan(long thread, std::size_t threadNumber, std::string name) {
+    const auto [open, isNew] = m_openSpans.try_emplace(thread);
+    if (isNew) m_text.metadata("thread_name", thread, "thread " + std::to_string(threadNumber));
+    open->second.push_back(std::move(name));
+}
+
+// The name under which it began: the id of an add-on is not known then. An end whose beginning was not observed is
+// none.
+std::optional<std::string> EventTrace::endSpan(long thread) {
+    const auto found = m_openSpans.find(thread);
+    if (found == m_openSpans.end() || found->second.empty()) return std::nullopt;
+    std::string name = std::move(found->second.back());
+    found->second.pop_back();
+    return name;
+}
+
+}  // namespace vexa::runner
