@@ -5,7 +5,7 @@
 BEGIN {
     defineGroup("library", "^library/", 100)
     defineGroup("hostlibs", "^(hostlibs|hostapi)/", 100)
-    defineGroup("standin/src", "^standin/(src|include)/", 95)
+    defineGroup("standin", "^(contract|standin)/", 95)
     defineGroup("runner", "^runner/", 0)
 }
 

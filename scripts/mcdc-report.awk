@@ -6,7 +6,7 @@
 BEGIN {
     areDecisions = 1
     defineGroup("parsers", "^(library/(macro|processor)|hostapi)/|^hostlibs/(Scanner|toolbox/Set)\\.cpp", 95)
-    defineGroup("state", "^standin/src/", 95)
+    defineGroup("state", "^(contract|standin/src)/", 95)
 }
 
 /Condition C[0-9]+ --> \([0-9]+:[0-9]+\)/ {

@@ -16,10 +16,10 @@
 
 #include "CallInProgress.h"
 #include "CallText.h"
-#include "HostFunction.h"
 #include "HostState.h"
 #include "Whereabouts.h"
 #include "contract/Checks.h"
+#include "contract/HostFunction.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {

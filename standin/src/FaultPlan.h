@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "HostFunction.h"
+#include "contract/HostFunction.h"
 
 namespace vexa::standin {
 

@@ -11,10 +11,10 @@
 #include <utility>
 
 #include "Answer.h"
-#include "HostFunction.h"
 #include "HostState.h"
 #include "Text.h"
 #include "contract/ArgumentChecks.h"
+#include "contract/HostFunction.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "HostFunction.h"
 #include "contract/Checks.h"
+#include "contract/HostFunction.h"
 
 namespace vexa::standin {
 namespace {

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <type_traits>
 
-#include "HostFunction.h"
 #include "Text.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/Books.h"
+#include "contract/HostFunction.h"
 
 namespace vexa::standin {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "HostFunction.h"
+#include "contract/HostFunction.h"
 #include "vexastandin/Finding.h"
 #include "vexastandin/Observer.h"
 

@@ -1,4 +1,4 @@
-#include "HostFunction.h"
+#include "contract/HostFunction.h"
 
 #include <algorithm>
 #include <iterator>
