@@ -25,7 +25,7 @@
 #include "session/GuardedWork.h"
 #include "system/processes/AwaitedSignals.h"
 #include "terminal/Console.h"
-#include "terminal/PrintedOutput.h"
+#include "options/PrintedOutput.h"
 #include "terminal/Terminal.h"
 
 namespace vexa::runner {

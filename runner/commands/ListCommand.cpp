@@ -13,7 +13,7 @@
 #include "session/watch/UserWork.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
-#include "terminal/PrintedOutput.h"
+#include "options/PrintedOutput.h"
 #include "terminal/TextWidth.h"
 #include "text/Printable.h"
 

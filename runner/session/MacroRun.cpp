@@ -27,7 +27,7 @@
 #include "terminal/Console.h"
 #include "terminal/DiscardedOutput.h"
 #include "terminal/PlainStatus.h"
-#include "terminal/PrintedOutput.h"
+#include "options/PrintedOutput.h"
 #include "terminal/Screen.h"
 #include "terminal/StopButton.h"
 #include "terminal/Terminal.h"

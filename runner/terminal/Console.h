@@ -31,6 +31,28 @@ void tellLines(std::string_view place, std::string_view lines);
 /// already, and what its add-ons printed is theirs. They stay as they are.
 void passOn(const std::string& lines);
 
+/// Takes messages in place of the standard error output.
+class MessageSinkInterface {
+public:
+    MessageSinkInterface() = default;
+    MessageSinkInterface(const MessageSinkInterface&) = delete;
+    MessageSinkInterface& operator=(const MessageSinkInterface&) = delete;
+    /// Puts out \p lines, which are complete, after all that was printed so far. Called from any thread.
+    virtual void putMessage(const std::string& lines) = 0;
+
+protected:
+    ~MessageSinkInterface() = default;
+};
+
+/// While it lives, messages go to a sink. There is one at a time.
+class MessagesGoTo {
+public:
+    explicit MessagesGoTo(MessageSinkInterface& sink);
+    MessagesGoTo(const MessagesGoTo&) = delete;
+    MessagesGoTo& operator=(const MessagesGoTo&) = delete;
+    ~MessagesGoTo();
+};
+
 /// Puts \p text on the standard output.
 void print(std::string_view text);
 

@@ -32,11 +32,13 @@ Screen::Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
     const BlockedSignals blocked;
     m_watcher = std::thread([this] { watch(); });
     theScreen = this;
+    m_messages.emplace(*this);
 }
 
 Screen::~Screen() {
     // While the watcher still makes room in the pipe.
     std::fflush(stdout);
+    m_messages.reset();
     theScreen = nullptr;
     const std::uint64_t wakes = 1;
     static_cast<void>(!write(m_wakeUp, &wakes, sizeof wakes));
@@ -47,7 +49,7 @@ Screen::~Screen() {
 
 Screen* Screen::current() { return theScreen; }
 
-void Screen::tell(const std::string& lines) {
+void Screen::putMessage(const std::string& lines) {
     // Not under the guard: it waits for the watcher when the pipe is full.
     std::fflush(stdout);
     const std::lock_guard<std::mutex> lock(m_guard);

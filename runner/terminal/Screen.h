@@ -7,6 +7,7 @@
 #include <string>
 #include <thread>
 
+#include "terminal/Console.h"
 #include "terminal/DrawnStatus.h"
 #include "terminal/StdoutRelay.h"
 #include "vexastandin/Host.h"
@@ -18,22 +19,19 @@ namespace vexa::runner {
 /// What the add-ons print comes through a relay when it goes to a terminal, too; a thread of the screen passes it on,
 /// and draws what was not due before.
 /// Threads: safe from any. It is made and destroyed while no add-on runs; there is one at a time.
-class Screen {
+class Screen final : public MessageSinkInterface {
 public:
     /// For the standard error output, which must be a terminal.
     /// \param isStopping as for DrawnStatus
     /// \param isDrawn    tells whether the status line is drawn, also after the process has died
     Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
-    Screen(const Screen&) = delete;
-    Screen& operator=(const Screen&) = delete;
     /// Takes the status line down, and puts out what was held back.
     ~Screen();
 
     /// The screen there is, or null.
     static Screen* current();
 
-    /// Puts \p lines on the standard error output, after all that was printed so far.
-    void tell(const std::string& lines);
+    void putMessage(const std::string& lines) override;
     /// Shows the status line as it is now.
     void show(const standin::StatusLine& line);
     /// Clears the status line from a program that is about to end. May be called from a signal handler.
@@ -52,6 +50,7 @@ private:
     std::optional<StdoutRelay> m_relay;
     int m_wakeUp;
     std::thread m_watcher;
+    std::optional<MessagesGoTo> m_messages;
 };
 
 }  // namespace vexa::runner

@@ -18,7 +18,7 @@
 #include "session/Hang.h"
 #include "session/Watchdog.h"
 #include "terminal/Console.h"
-#include "terminal/PrintedOutput.h"
+#include "options/PrintedOutput.h"
 #include "text/SeverityName.h"
 #include "vexastandin/Host.h"
 

@@ -1,4 +1,4 @@
-#include "terminal/PrintedOutput.h"
+#include "options/PrintedOutput.h"
 
 #include <fcntl.h>
 #include <stdio_ext.h>
