@@ -305,7 +305,13 @@ Set::Set(Set_s* handle) {
 Set::Set(const Set&) = default;
 Set::Set(Set&&) noexcept = default;
 Set& Set::operator=(const Set&) = default;
-Set& Set::operator=(Set&&) noexcept = default;
+
+// A vector that is moved to itself may lose its elements; the exchange puts them back.
+Set& Set::operator=(Set&& other) noexcept {
+    m_ranges = std::exchange(other.m_ranges, {});
+    return *this;
+}
+
 Set::~Set() = default;
 
 void Set::clear() { m_ranges.clear(); }

@@ -66,12 +66,13 @@ public:
     explicit Set(Set_s* handle);
     /// Copies the members.
     Set(const Set&);
-    /// Takes the members over.
+    /// Takes the members of the other set, which is empty afterwards and can be used again.
     Set(Set&&) noexcept;
     /// Copies the members.
     Set& operator=(const Set&);
-    /// Takes the members over.
-    Set& operator=(Set&&) noexcept;
+    /// Takes the members of \p other, which is empty afterwards and can be used again. A set moved to itself keeps its
+    /// members.
+    Set& operator=(Set&& other) noexcept;
     virtual ~Set();
 
     /// Removes all members.

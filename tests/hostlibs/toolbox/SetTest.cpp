@@ -601,6 +601,35 @@ TEST(Set, MovesItsMembersWithoutAllocating) {
     EXPECT_EQ(target.toString(), "[1-3]");
 }
 
+TEST(Set, IsUnchangedWhenMovedToItself) {
+    Set set = setOf("[1-3,7]");
+    Set& itself = set;
+    set = std::move(itself);
+    EXPECT_EQ(set.toString(), "[1-3,7]");
+}
+
+TEST(Set, IsEmptyAfterItsMembersMovedToANewSet) {
+    Set source = setOf("[1-3,7]");
+    const Set taken(std::move(source));
+    EXPECT_EQ(source, Set());  // NOLINT(bugprone-use-after-move,hicpp-invalid-access-moved): the state is defined
+    EXPECT_EQ(taken.toString(), "[1-3,7]");
+}
+
+TEST(Set, IsEmptyAfterItsMembersMovedToAnExistingSet) {
+    Set source = setOf("[1-3,7]");
+    Set target = setOf("[5]");
+    target = std::move(source);
+    EXPECT_EQ(source, Set());  // NOLINT(bugprone-use-after-move,hicpp-invalid-access-moved): the state is defined
+    EXPECT_EQ(target.toString(), "[1-3,7]");
+}
+
+TEST(Set, CanBeUsedAfterItsMembersMoved) {
+    Set source = setOf("[1-3,7]");
+    const Set taken(std::move(source));
+    source.insert(4);  // NOLINT(bugprone-use-after-move,hicpp-invalid-access-moved): the state is defined
+    EXPECT_EQ(source.toString(), "[4]");
+}
+
 TEST(Set, ItsVirtualOperationsFollowTheDestructorInOrder) {
     EXPECT_TRUE(std::has_virtual_destructor_v<Set>);
     EXPECT_EQ(tests::slotOf(&Set::clear), 2);
