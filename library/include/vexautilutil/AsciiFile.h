@@ -9,7 +9,7 @@
 
 namespace vexa::vexautilutil {
 
-/// A text file, read whole and served line by line.
+/// Reads a whole text file into memory and returns it line by line.
 ///
 ///     AsciiFile file;
 ///     if (!file.open("wake.txt")) return fail();
@@ -18,95 +18,97 @@ namespace vexa::vexautilutil {
 ///         if (!take(line)) file.error("Three numbers are expected");   // "... on line 12 in file: wake.txt"
 ///     }
 ///
-/// Lines are split where they lie: none is copied when the file is opened.
-/// - A line feed ends a line, and nothing else. The last line need not have one; behind it there is no further line.
-/// - Every carriage return becomes a NUL, and a line's text ends at its first NUL. So lines may end with CR LF; but a
-///   file whose lines end with CR alone is one line, of which the first piece is seen.
-/// - A NUL in the file ends it: what follows is not looked at.
+/// How lines end:
+/// - A line feed ends a line; no other character does. The last line may lack its line feed. A line feed at the end of
+///   the file does not start another line.
+/// - open() replaces every carriage return by a NUL, and a line's text ends at its first NUL. So CR LF ends a line,
+///   too. A file whose lines end with CR alone is a single line; its text ends at the first CR.
+/// - A NUL in the file ends the text. open() ignores the rest of the file.
 ///
-/// Lines are counted from 0 where an index is taken. The line number in an error message is the one given; right after
-/// a line was read, currentLineNumber() is the number of that line counted from 1, as people do.
+/// Line indices start at 0. After readLine() has returned a line, currentLineNumber() is that line's number counted
+/// from 1, which is the number that error(message) shows.
 ///
 /// Use one object per file.
-/// \warning After a second open() the first lines still have the offsets of the first file, and the current line stays
-///          where it was.
+/// \warning After a second open(), the first lines still have the offsets of the first file, and the current line is
+///          unchanged.
 ///
-/// Errors:    open() returns false. What reads lines checks neither the index nor that a file is open: keep the index
-///            below numLinesInFile().
-/// Ownership: texts returned as pointers lie in this object, until the next open(), close() or its end.
-/// Threads:   const operations may run at the same time; the others not.
-/// Cost:      open() reads once into one piece of memory, and passes over it once. In memory: the file, and 8 bytes a
-///            line.
+/// Errors:    open() returns false. The operations that read lines check neither the index nor that a file is open:
+///            keep the index below numLinesInFile().
+/// Ownership: the object owns the texts that it returns as pointers. They are valid until the next open() or close(),
+///            or until the object is destroyed.
+/// Threads:   const operations may run at the same time. Any other operation needs the object to itself.
+/// Cost:      open() reads the file once into one block of memory and scans that block once. The object holds the file
+///            and 8 bytes per line. No line is copied.
 class VEXAUTILUTIL_API AsciiFile {
 public:
-    /// Holds no file: isOpen() is false, fileName() empty, and there are no lines.
+    /// Creates an object without a file: isOpen() is false, fileName() is empty, numLinesInFile() is 0.
     AsciiFile();
     AsciiFile(const AsciiFile&) = delete;
     AsciiFile& operator=(const AsciiFile&) = delete;
     ~AsciiFile();
 
-    /// Reads a file. A file open before is replaced.
-    /// \param path a regular file. It becomes fileName(), also on failure.
-    /// \return false, with the reason in `errno`, when the file cannot be opened, sized, held in memory, or read whole.
-    ///         Nothing is thrown. What is held after a failure depends on how far open() came:
-    ///         - Before it reads, the text and lines of the previous file are kept: the file is missing or forbidden, a
-    ///           directory or a pipe, or there is no memory for its text.
-    ///         - After that, no file is held: reading fails or comes back short, or there is no memory for the table of
-    ///           lines.
-    /// \warning A pipe without a writer is waited for; one with a writer is refused, for it has no size.
+    /// Reads a file, and forgets the previous one.
+    /// \param path a regular file. It becomes fileName(), even if open() fails.
+    /// \return false if open() cannot open the file, get its size, allocate memory for it, or read all of it. `errno`
+    ///         has the reason. open() never throws. After a failure the object holds:
+    ///         - the text and lines of the previous file, if open() failed before it read: the file is missing, not
+    ///           readable, a directory or a pipe, or there is no memory for its text;
+    ///         - no file, if open() failed later: it could not read the whole text, or there is no memory for the
+    ///           table of lines.
+    /// \warning open() waits for the writer of a pipe, and then fails, because a pipe has no size.
     bool open(const std::string& path);
-    /// Lets go of the text. The name, the number of lines and the current line stay.
+    /// Frees the text. Name, number of lines and current line are unchanged.
     void close();
-    /// Whether a text is held.
+    /// Returns true if the object holds a text.
     bool isOpen() const;
 
-    /// Makes the first line the current one.
+    /// Makes the first line the current line.
     void rewind();
-    /// Passes over the current line. There is no bound.
+    /// Makes the next line the current line. It does not stop at the end.
     void advanceToNextLine();
-    /// Whether the current line is the one behind the last.
-    /// \warning Further on it is false again.
+    /// Returns true if the current line is one past the last line.
+    /// \warning If the current line is further past the end, it returns false.
     bool isEOF() const;
-    /// The index of the current line, which is the number of lines read so far.
+    /// Returns the index of the current line, which is the number of lines read so far.
     uint64_t currentLineNumber() const;
-    /// The number of lines that the last open() found.
+    /// Returns the number of lines that the last open() found.
     uint64_t numLinesInFile() const;
-    /// The path that the last open() was given.
+    /// Returns the \p path of the last open().
     const std::string& fileName() const;
 
-    /// The text of line \p index, which is a line's index despite the operation's name. Not copied.
+    /// Returns the text of line \p index, not a copy. (The argument is an index, although the name says offset.)
     const char* readRawLineAtOffset(uint64_t index) const;
-    /// A copy of the text of line \p index.
+    /// Returns a copy of the text of line \p index.
     std::string readLineAtOffset(uint64_t index) const;
-    /// The text of the current line, which then moves on. Not copied.
+    /// Returns the text of the current line, not a copy, and makes the next line the current line.
     const char* readRawLine();
-    /// A copy of the text of the current line, which then moves on. When there is no memory for the copy, the current
-    /// line stays.
+    /// Returns a copy of the text of the current line, and makes the next line the current line. If there is no memory
+    /// for the copy, it throws `std::bad_alloc` and the current line is unchanged.
     std::string readLine();
 
-    /// Whether line \p index has nothing but white space: blank, tab, vertical tab, form feed.
+    /// Returns true if line \p index has only white space: blank, tab, vertical tab, form feed.
     bool isEmptyLine(uint64_t index) const;
-    /// Whether the first character of line \p index that is no white space is \p commentChar. An empty line is no
-    /// comment, unless \p commentChar is NUL.
+    /// Returns true if \p commentChar is the first character of line \p index that is not white space. For a
+    /// line with only white space it returns true only if \p commentChar is NUL.
     bool isCommentLine(uint64_t index, char commentChar) const;
 
     /// \name Errors in the file, shown to the user in the host's error dialog
-    /// They are reported for a closed file, too. Only lack of memory throws; no dialog is shown then.
+    /// They also work if no file is open. They throw only if memory runs out, and then show no dialog.
     /// @{
 
-    /// Shows: \p message, " on line ", \p lineNumber as given, " in file: ", fileName().
+    /// Shows: \p message, " on line ", \p lineNumber, " in file: ", fileName().
     void error(const std::string& message, std::size_t lineNumber) const;
-    /// The same, for currentLineNumber(): right after a line was read, that line counted from 1.
+    /// Calls error(message, currentLineNumber()). After readLine() this names the line that readLine() returned.
     void error(const std::string& message) const;
     /// Formats the message as `printf` does, and shows it as error(message) does.
-    /// \param format has exactly one conversion, `%s` or one like it (`%-8s`, `%1$s`); else it is shown as it stands.
-    /// It
-    ///               ends at its first NUL.
-    /// \param value  a result of more than 4095 characters is cut there.
+    /// \param format has exactly one conversion: `%s`, with or without flags and sizes (`%-8s`, `%1$s`). Any other
+    ///               format is shown unchanged. The format ends at its first NUL.
+    /// \param value  replaces the conversion. The formatted message is cut after 4095 characters.
     void errorWithFormattedString(const std::string& format, const std::string& value) const;
-    /// The same, for an integer.
-    /// \param format has exactly one conversion, `%ld` or one like it (`%5ld`, `%lx`, `%1$ld`); else it is shown as it
-    ///               stands. It ends at its first NUL.
+    /// Does the same for an integer.
+    /// \param format has exactly one integer conversion with the modifier `l`, such as `%ld`, `%5ld`, `%lx` or `%1$ld`.
+    ///               Any other format is shown unchanged. The format ends at its first NUL.
+    /// \param value  replaces the conversion. The formatted message is cut after 4095 characters.
     void errorWithFormattedInteger(const std::string& format, long value) const;
     /// @}
 

@@ -1,8 +1,8 @@
 /// \file
-/// Visibility of the library's classes and functions.
+/// Which names the library exports.
 #pragma once
 
-/// Marks what the library exports; all else stays hidden.
+/// Exports a class or function of the library. Names without it are hidden.
 #if defined(__GNUC__)
 #define VEXAUTILUTIL_API __attribute__((visibility("default")))
 #else

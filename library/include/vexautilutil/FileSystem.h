@@ -1,9 +1,10 @@
 /// \file
-/// File operations that report failure by what they return, and never throw for it.
+/// File operations that report a failure by their result. They do not throw when an operation fails.
 ///
-/// Paths are bytes, in whatever encoding the file system has; nothing is converted.
-/// Errors:  what a function returns is all there is; where it says so, `errno` has the reason.
-/// Threads: safe from any, except homeDirectory() while another thread changes the environment.
+/// Paths are bytes in the encoding of the file system. The functions do not convert them.
+/// Errors:  the result reports a failure. Where a function says so, `errno` has the reason.
+/// Threads: any thread may call these functions. Do not call homeDirectory() while another thread changes the
+///          environment.
 #pragma once
 
 #include <boost/filesystem/operations.hpp>
@@ -15,71 +16,76 @@
 
 namespace vexa::filesystem {
 
-/// Opens a file, as `std::fopen`.
+/// Opens a file, as `std::fopen` does.
 /// \param mode for example "rb".
-/// \return the stream, which the caller closes; null on failure, with the reason in `errno`.
+/// \return the stream, which the caller must close; null on failure, with the reason in `errno`.
 VEXAUTILUTIL_API FILE* fileOpen(const std::string& path, const std::string& mode);
 
-/// Lets \p stream go on with another file, as `std::freopen`.
-/// \return \p stream; null on failure, with the reason in `errno`. \p stream is closed then.
+/// Closes the file of \p stream and opens another one in its place, as `std::freopen` does.
+/// \return \p stream; null on failure, with the reason in `errno`. On failure \p stream is closed.
 VEXAUTILUTIL_API FILE* fileReopen(const std::string& path, const std::string& mode, FILE* stream);
 
-/// Renames a file or directory, as `std::rename`: an existing file of the new name is replaced.
+/// Renames a file or directory, as `std::rename` does. It replaces an existing file of the new name.
 /// \return 0; -1 on failure, with the reason in `errno`.
 VEXAUTILUTIL_API int fileRename(const std::string& from, const std::string& to);
 
-/// Removes a file or an empty directory, as `std::remove`.
+/// Removes a file or an empty directory, as `std::remove` does.
 /// \return 0; -1 on failure, with the reason in `errno`.
 VEXAUTILUTIL_API int fileRemove(const std::string& path);
 
-/// The size of a file; links are followed.
-/// \param size receives the size in bytes; untouched on failure.
+/// Gets the size of a file. Follows links.
+/// \param size receives the size in bytes; unchanged on failure.
 /// \return false on failure, with the reason in `errno`.
 VEXAUTILUTIL_API bool fileSize(const char* path, unsigned long& size);
-/// The same, for a text.
+/// Does the same for a `std::string`.
 VEXAUTILUTIL_API bool fileSize(const std::string& path, unsigned long& size);
 
-/// Replaces every backslash of \p path by a slash, and changes nothing else.
+/// Replaces every backslash in \p path by a slash.
 VEXAUTILUTIL_API void convertPathDelimitersForOS(std::string& path);
 
-/// The status of what \p path names.
-/// \param followSymlinks whether a link stands for what it leads to, or for itself.
-/// \return on failure the type is `boost::filesystem::file_not_found` or `boost::filesystem::status_error`.
+/// Returns the status of the file or directory at \p path.
+/// \param followSymlinks true to get the status of a link's target, false to get that of the link.
+/// \return the status. On failure its type is `boost::filesystem::file_not_found` or
+///         `boost::filesystem::status_error`.
 VEXAUTILUTIL_API boost::filesystem::file_status fileStatus(const boost::filesystem::path& path,
                                                            bool followSymlinks) noexcept;
 
-/// Whether \p path leads to something that is no directory; see dirExists() for those. Links are followed.
+/// Returns true if \p path exists and is not a directory. Follows links. For directories call dirExists().
 VEXAUTILUTIL_API bool fileExists(const boost::filesystem::path& path) noexcept;
 
-/// Whether \p path leads to a directory. Links are followed.
+/// Returns true if \p path is a directory. Follows links.
 VEXAUTILUTIL_API bool dirExists(const boost::filesystem::path& path) noexcept;
 
-/// Makes \p path absolute, if \p base is.
+/// Returns \p path if it is absolute, or else \p base / \p path. The result is absolute if \p base is.
 ///
-///     data/x.txt against /base  ->  /base/data/x.txt
-///     /tmp/x     against /base  ->  /tmp/x
-///     x          against rel    ->  rel/x
-///     ../x       against /base  ->  /base/../x      nothing is normalised
+///     data/x.txt, base /base  ->  /base/data/x.txt
+///     /tmp/x,     base /base  ->  /tmp/x
+///     x,          base rel    ->  rel/x
+///     ../x,       base /base  ->  /base/../x      The path is not normalised.
 ///
-/// \warning Nothing can report that memory ran out here: the program ends then.
+/// \warning If memory runs out, the program ends.
 VEXAUTILUTIL_API boost::filesystem::path makeAbsolute(const boost::filesystem::path& path,
                                                       const boost::filesystem::path& base) noexcept;
 
-/// The user's home directory: the environment variable HOME; without it "/home/" and the name that USERNAME, or else
-/// USER, holds. An empty variable counts as unset.
-/// \return empty when none of them is set. The directory need not exist.
+/// Returns the user's home directory: the environment variable HOME or, if HOME is not set, "/home/" followed by
+/// USERNAME or, if USERNAME is not set, by USER. An empty variable counts as not set.
+/// \return the directory, which need not exist; empty if none of the three variables is set.
 VEXAUTILUTIL_API std::string homeDirectory();
 
-/// Whether a file can be written, or a file be made in a directory. It is found out by opening one for appending.
-/// Without memory for a directory's probe the answer is no.
+/// Returns true if the program can write the file at \p path, or create a file in the directory at \p path. It tests
+/// this by opening the file, or a new file in the directory, for appending. If there is no memory for the name of that
+/// new file, it returns false.
 ///
-/// An existing file keeps its contents; its times may change. What was made for the probe is removed.
-/// \warning Do not ask for a path that others may create or remove at the same moment. A file that appears between the
-///          look and the probe is removed, with its contents; one that vanishes is made anew, empty. A directory is
-///          probed by a file of a random name, so this cannot happen to the files in it.
-/// \warning A link that leads nowhere is removed by the probe, and what it led to is left behind, empty.
-/// \warning In the path of a directory, each `%` stands for a random digit, so that such a directory counts as not
-///          writable.
+/// A missing file counts as writable if the program can create it. An existing file keeps its contents; its times may
+/// change. The function removes every file that it created.
+/// \warning Do not call it for a file that another program may create or remove at the same moment. If another program
+///          creates the file during the call, this function may remove it. If another program removes the file during
+///          the call, this function may leave an empty file. The files in a directory are safe, because the new file
+///          has a random name.
+/// \warning If \p path is a link without a target, the function removes the link and leaves an empty file as its
+///          target.
+/// \warning In the path of a directory, each `%` is replaced by a random digit. So the function returns false for a
+///          directory with a `%` in its path.
 VEXAUTILUTIL_API bool isFileOrDirWritable(const boost::filesystem::path& path) noexcept;
 
 }  // namespace vexa::filesystem

@@ -1,14 +1,14 @@
 /// \file
-/// Guards around the host's begin and end calls: each makes the begin call when it is constructed and the end call when
-/// it is destroyed, however the scope is left.
+/// Guards for the host's paired calls. The constructor makes the first call, the destructor makes the second, also when
+/// the scope ends by a return or an exception.
 ///
-///     const AddOnIdLock lock(addOnId);     // name it: a temporary ends at once
+///     const AddOnIdLock lock(addOnId);     // name it: an unnamed guard is destroyed at once
 ///     const DataSetSuspendMarking pause;
 ///     changeManyZones();
 ///
-/// Nesting: the host counts; the guards do not.
-/// Errors:  none reported. A host that throws from an end call ends the program.
-/// Threads: no locking of their own. Use a guard on the thread that the host called.
+/// Nesting: guards of one class may nest. The host counts the calls.
+/// Errors:  none reported. If the host throws from the second call, the program ends.
+/// Threads: the guards use no lock of their own. Use a guard on the thread on which the host called the add-on.
 /// Cost:    the two host calls.
 #pragma once
 
@@ -18,22 +18,23 @@ struct AddOnList_s;
 
 namespace vexa::vexautilutil {
 
-/// Holds the host's lock for an add-on: `VexaUtilLockStart`, `VexaUtilLockFinish`.
+/// Holds the host's lock for an add-on. Calls `VexaUtilLockStart`, then `VexaUtilLockFinish`.
 class VEXAUTILUTIL_API AddOnIdLock {
 public:
     /// Takes the lock.
-    /// \param addOnId the add-on's identity, passed to both calls as it is, null included.
+    /// \param addOnId the add-on's identity, passed unchanged to both calls. It may be null.
     [[nodiscard]] explicit AddOnIdLock(AddOnList_s* addOnId);
     AddOnIdLock(const AddOnIdLock&) = delete;
     AddOnIdLock& operator=(const AddOnIdLock&) = delete;
-    /// Gives the lock back.
+    /// Releases the lock.
     ~AddOnIdLock();
 
 private:
     AddOnList_s* m_addOnId;
 };
 
-/// Holds back the host's broadcasts of auxiliary data: `VexaUtilAuxDataBeginAssign`, `VexaUtilAuxDataEndAssign`.
+/// Suspends the host's broadcasts of auxiliary data. Calls `VexaUtilAuxDataBeginAssign`, then
+/// `VexaUtilAuxDataEndAssign`.
 class VEXAUTILUTIL_API AuxDataSuspendBroadcast {
 public:
     [[nodiscard]] AuxDataSuspendBroadcast();
@@ -42,7 +43,7 @@ public:
     ~AuxDataSuspendBroadcast();
 };
 
-/// Keeps the host from marking data sets as changed: `VexaUtilDataSetSuspendMarking` with 1, then with 0.
+/// Stops the host from marking data sets as changed. Calls `VexaUtilDataSetSuspendMarking` with 1, then with 0.
 class VEXAUTILUTIL_API DataSetSuspendMarking {
 public:
     [[nodiscard]] DataSetSuspendMarking();
@@ -51,7 +52,8 @@ public:
     ~DataSetSuspendMarking();
 };
 
-/// Defers the host's notifications of solution times: `VexaUtilZoneSolutionTimeModificationBegin`, `...End`.
+/// Defers the host's notifications about solution times. Calls `VexaUtilZoneSolutionTimeModificationBegin`, then
+/// `VexaUtilZoneSolutionTimeModificationEnd`.
 class VEXAUTILUTIL_API SolutionTimeNotificationDeferrer {
 public:
     [[nodiscard]] SolutionTimeNotificationDeferrer();

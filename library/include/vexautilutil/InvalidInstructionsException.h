@@ -7,13 +7,13 @@
 
 namespace vexa::vexautilutil {
 
-/// A text input file that does not say what it should, for add-ons that would rather throw than show a dialog.
+/// Reports a mistake in a text input file. For add-ons that throw errors instead of showing a dialog.
 ///
 ///     throw InvalidInstructionsException("Instruction file", "missing END");
 ///     // what() is "Instruction file: missing END"
 class VEXAUTILUTIL_API InvalidInstructionsException : public ExceptionBase {
 public:
-    /// Joins the message from \p context, ": " and \p detail; either may be empty. Without a stack trace.
+    /// Creates the message \p context + ": " + \p detail. Both texts may be empty. Captures no stack trace.
     InvalidInstructionsException(std::string context, std::string detail);
     InvalidInstructionsException(const InvalidInstructionsException&) = default;
     ~InvalidInstructionsException() override;

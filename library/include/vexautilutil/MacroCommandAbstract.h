@@ -11,7 +11,7 @@
 
 namespace vexa::vexautilutil {
 
-/// A macro command: a name, and named options, at most one a name. Base of the commands of an add-on.
+/// Base class of an add-on's macro commands. A command has a name and any number of options with different names.
 ///
 ///     class Slice : public MacroCommandAbstract {
 ///     public:
@@ -23,43 +23,44 @@ namespace vexa::vexautilutil {
 ///     };
 ///     Slice().toString();   // "SLICE CAPPED=TRUE"
 ///
-/// Names are kept as written and compared byte for byte: Count and COUNT are two options.
+/// Names are compared byte for byte: Count and COUNT are two options.
 ///
-/// Ownership: options are shared with whoever else holds them.
-/// Threads:   a command is for one thread at a time; name() and toString() only read.
-/// The order of the virtual operations is part of the binary contract.
+/// Ownership: a command shares its options with every other holder of the `std::shared_ptr`.
+/// Threads:   one thread at a time may use a command. name() and toString() only read, so they may run at the same
+///            time.
+/// The order of the virtual operations is part of the binary interface.
 class VEXAUTILUTIL_API MacroCommandAbstract {
 public:
     /// The options by name, in ascending byte order.
     using OptionMap = std::map<std::string, std::shared_ptr<MacroOptionInterface>>;
 
-    /// Makes a command without options. \p name is kept verbatim; it is not checked.
+    /// Creates a command without options. \p name is not checked.
     explicit MacroCommandAbstract(const std::string& name);
     virtual ~MacroCommandAbstract();
 
-    /// Does what the command is for. The library never calls it.
+    /// Runs the command. The library never calls it.
     virtual void execute() = 0;
-    /// Calls perform() of every option, in ascending order of their names, default-valued ones included. What
-    /// \p performer throws ends the walk and passes through.
+    /// Calls perform() of every option, in ascending order of their names, including options at their default. If
+    /// \p performer throws, the remaining options are not called and the exception passes through.
     virtual void forEachOption(MacroOptionPerformerInterface& performer);
-    /// A copy of the name.
+    /// Returns a copy of the name.
     virtual std::string name() const;
-    /// The name, then a blank and the text of each option that is not at its default, in ascending order of their
-    /// names: "CMD COUNT=12 ENABLED=TRUE".
+    /// Returns the command's macro text, for example "CMD COUNT=12 ENABLED=TRUE": the name, then for each option a
+    /// blank and the option's text, in ascending order of the names. Options at their default are omitted.
     virtual std::string toString() const;
 
     /// Adds an option under its name().
     /// \param option not null; the command becomes a co-owner.
-    /// \throws MacroCommandError "Duplicate macro command option " + the name, when the name is taken; the command
-    ///         stays as it was.
+    /// \throws MacroCommandError "Duplicate macro command option " + the name, if the command has an option of this
+    ///         name. The command is then unchanged.
     void addOption(std::shared_ptr<MacroOptionInterface> option);
 
-    /// The command's options themselves, not a copy: a change is seen by toString() and forEachOption().
+    /// Returns the command's own options, not a copy. A change affects toString() and forEachOption().
     OptionMap& options();
 
-    /// Cuts macro text into tokens, see MacroTokens.h.
-    /// \warning \p text must outlive the stream and its iterators, which refer to its characters. Never keep the
-    ///          stream of a temporary.
+    /// Splits macro text into tokens; see MacroTokens.h.
+    /// \warning The stream and its iterators refer to the characters of \p text, so \p text must outlive them. Do not
+    ///          pass a temporary.
     static MacroTokenizer tokenize(const std::string& text);
 
 protected:

@@ -7,11 +7,11 @@
 
 namespace vexa::vexautilutil {
 
-/// What every failure of the macro command model is thrown as. The message is the whole diagnostic; there are no
-/// codes. Throw by value, catch by reference.
+/// The exception for every failure in commands and options. Its message is the complete diagnostic; there are no error
+/// codes. Throw it by value and catch it by reference.
 class VEXAUTILUTIL_API MacroCommandError : public ExceptionBase {
 public:
-    /// Keeps \p message, without a stack trace.
+    /// Copies \p message. Captures no stack trace.
     explicit MacroCommandError(const std::string& message);
     MacroCommandError(const MacroCommandError&) = default;
     ~MacroCommandError() override;

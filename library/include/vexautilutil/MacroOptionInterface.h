@@ -8,21 +8,20 @@ namespace vexa::vexautilutil {
 
 class MacroOptionPerformerInterface;
 
-/// One named option of a macro command, whatever its type.
+/// A named option of a macro command. The classes for the types of values have this class as a public virtual base.
 ///
-/// Options are shared: a command holds them as `std::shared_ptr<MacroOptionInterface>`, and an option lives as long
-/// as its last owner. Concrete options derive from this class by public virtual inheritance.
-///
-/// The order of the virtual operations is part of the binary contract.
+/// Ownership: options are shared. A command holds each option as a `std::shared_ptr<MacroOptionInterface>`, and an
+///            option lives as long as its last owner.
+/// The order of the virtual operations is part of the binary interface.
 class VEXAUTILUTIL_API MacroOptionInterface {
 public:
-    /// Calls the `action` of \p performer that takes the option's own type, passing the option itself. Nothing else.
+    /// Calls the `action()` of \p performer for the option's class, with the option as the argument. Does nothing else.
     virtual void perform(MacroOptionPerformerInterface& performer) = 0;
-    /// A copy of the name, exactly as given or parsed.
+    /// Returns a copy of the name, exactly as given or parsed.
     virtual std::string name() const = 0;
-    /// Whether the option has a default and its value counts as equal to it. Each type has its own comparison.
+    /// Returns true if the option has a default and its value equals the default. Each class defines "equals".
     virtual bool isDefaultValue() const = 0;
-    /// The option's macro text, NAME=VALUE.
+    /// Returns the option's macro text, NAME=VALUE.
     virtual std::string toString() const = 0;
     virtual ~MacroOptionInterface();
 

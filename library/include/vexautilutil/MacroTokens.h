@@ -1,19 +1,19 @@
 /// \file
-/// Macro text as a stream of tokens, and the two steps with which the parser of every option begins.
+/// The tokens of macro text, and the first two steps of parsing an option: its name and the `=`.
 ///
-/// MacroCommandAbstract::tokenize() cuts a text into tokens. Each of the eight characters blank `=` `"` `'` `-` `,`
-/// `[` `]` is a token of its own; each longest run of other characters is one token. Nothing is dropped, so the
-/// tokens joined give the text back:
+/// MacroCommandAbstract::tokenize() splits a text into tokens. Each of the eight characters blank `=` `"` `'` `-` `,`
+/// `[` `]` is a token. Each longest run of other characters is one token. No character is dropped, so all tokens joined
+/// are the text:
 ///
 ///     CMD ENABLED=TRUE  ->  CMD | blank | ENABLED | = | TRUE
 ///     ZONES=[1-3,5]     ->  ZONES | = | [ | 1 | - | 3 | , | 5 | ]
 ///     A<tab>B           ->  A<tab>B    (a tab is an ordinary character)
 ///
-/// An option is written NAME=VALUE, with no blanks around the `=`. Parsers take a pair of token iterators, `current`
-/// and `end`. They advance `current` past what they read; when they throw, `current` designates the offending token.
-/// They do not skip blanks: whoever walks a whole command steps over the blanks between its options.
+/// An option is written NAME=VALUE, with no blanks around the `=`. A parser takes two token iterators, `current` and
+/// `end`, and moves `current` past the tokens that it reads. If it throws, `current` is at the offending token. Parsers
+/// do not skip blanks: the caller must skip the blanks between options.
 ///
-/// Threads: no shared state. An iterator pair is for one thread at a time.
+/// Threads: the functions share no state. One thread at a time may use a pair of iterators.
 #pragma once
 
 #include <boost/tokenizer.hpp>
@@ -23,30 +23,32 @@
 
 namespace vexa::vexautilutil {
 
-/// Says which characters separate tokens.
+/// Holds the characters that separate tokens.
 using MacroTokenSeparator = boost::char_separator<char>;
-/// A text seen as a stream of tokens. Refers to the text's characters: the text must outlive it.
+/// The tokens of a text. It refers to the characters of the text, so the text must outlive it.
 using MacroTokenizer = boost::tokenizer<MacroTokenSeparator>;
-/// Walks the tokens of a text. Once exhausted, it still holds the last token it delivered.
+/// An iterator over the tokens of a text. At the end it still holds the last token.
 using MacroTokenIterator = boost::token_iterator<MacroTokenSeparator, std::string::const_iterator, std::string>;
 
-/// Reads the name of an option: a letter, then letters and digits (of the process's C locale).
+/// Reads the name of an option: a letter, then letters and digits. The process's C locale defines letters and digits.
 ///
 ///     Count -> "Count"    A1 -> "A1"    1A, MY_OPT, A.B, a blank -> refused
 ///
-/// \param current where to read; past the name afterwards.
+/// \param current the name's token; it is moved past the name.
 /// \param end     the end of the stream.
-/// \return the name as written: nothing is trimmed, no letter case changed.
-/// \throws MacroCommandError "Invalid macro identifier, " + the token; at the end of the stream + the last token
-///         that the iterator delivered, or nothing if there was none.
+/// \return the name exactly as written.
+/// \throws MacroCommandError "Invalid macro identifier, " + the token. At the end of the stream the message has the
+///         last token of the text, or no token if there was none.
 VEXAUTILUTIL_API std::string parseIdentifier(MacroTokenIterator& current, const MacroTokenIterator& end);
 
 /// Reads the `=` between an option's name and its value.
-/// \param current where to read; past the operator afterwards.
+/// \param current the operator's token; it is moved past the operator.
 /// \param end     the end of the stream.
 /// \return the operator, always "=".
-/// \throws MacroCommandError "Expected assignment operator" at the end of the stream; "Expected assignment operator,
-///         but found " + the token (which may be a single blank) at anything else.
+/// \throws MacroCommandError
+///         - "Expected assignment operator" at the end of the stream;
+///         - "Expected assignment operator, but found " + the token (a single blank, for example) if another token
+///           follows.
 VEXAUTILUTIL_API std::string parseAssignmentOperator(MacroTokenIterator& current, const MacroTokenIterator& end);
 
 }  // namespace vexa::vexautilutil

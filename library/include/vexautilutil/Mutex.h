@@ -6,16 +6,16 @@ struct ThreadMutex_s;
 
 namespace vexa::vexautilutil {
 
-/// A mutex of the host, for `std::lock_guard`, `std::unique_lock` and `std::scoped_lock` (of one mutex).
+/// A mutex of the host. It works with `std::lock_guard`, `std::unique_lock`, and `std::scoped_lock` of a single mutex.
 ///
 ///     const std::lock_guard<Mutex> lock(m_mutex);
 ///
-/// Not recursive. Destroy it unlocked.
-/// Threads: lock() and unlock() may be called from any thread; the thread that locked unlocks.
+/// The mutex is not recursive. Unlock it before it is destroyed.
+/// Threads: any thread may call lock(). The thread that locked the mutex must unlock it.
 class VEXAUTILUTIL_API Mutex {
 public:
     /// Allocates the mutex.
-    /// \throws std::bad_alloc when the host has none to give.
+    /// \throws std::bad_alloc if the host cannot allocate one.
     Mutex();
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;

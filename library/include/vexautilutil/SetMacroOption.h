@@ -10,35 +10,37 @@
 
 namespace vexa::vexautilutil {
 
-/// An option that holds a set of integers, written NAME= and the set's own text: `ZONES=[1-3,5]`.
+/// An option that holds a set of integers, written NAME= and the text of the set: `ZONES=[1-3,5]`.
 ///
-/// What stands between the brackets is for vexa::toolbox::Set to accept or refuse. The option takes the text from
-/// `[` to the first `]`, blanks included; sets do not nest.
+/// The option takes the text from `[` to the first `]`, including blanks. vexa::toolbox::Set accepts or refuses it.
 ///
-/// Ownership: the option copies the sets it is made from. It shares its own set with whoever calls value(), and with
-///            its copies: a change made through one is seen by all.
-/// Threads:   one that changes the shared set and one that renders the option must be serialised by the caller.
-/// The order of the virtual operations and of the fields is part of the binary contract.
+/// Ownership: the constructors copy the sets that they are given. The option shares its own set with the callers of
+///            value() and with copies of the option: all of them see a change of the set.
+/// Threads:   do not change the shared set while another thread calls toString().
+/// The order of the virtual operations and of the fields is part of the binary interface.
 class VEXAUTILUTIL_API SetMacroOption : public virtual MacroOptionInterface {
 public:
-    /// Makes an option from values.
-    /// \param name         kept verbatim; it is not checked.
-    /// \param value        the current value, copied; null for none.
-    /// \param hasDefault   whether the option has a default. This flag decides, not the next parameter.
-    /// \param defaultValue the default, copied; ignored when \p hasDefault is false. May be null.
+    /// Creates an option from values.
+    /// \param name         the name; it is not checked.
+    /// \param value        the current value, copied; null for an option without a value.
+    /// \param hasDefault   true if the option has a default, even if \p defaultValue is null.
+    /// \param defaultValue the default, copied; may be null. Ignored if \p hasDefault is false.
     SetMacroOption(const std::string& name, const vexa::toolbox::Set* value, bool hasDefault,
                    const vexa::toolbox::Set* defaultValue);
 
-    /// Reads one option from a token stream, and leaves \p current past the closing bracket.
-    /// \param current      where to read, on the option's name.
+    /// Reads one option from a token stream, and moves \p current past the closing bracket.
+    /// \param current      the option's name in the token stream.
     /// \param end          the end of the stream.
-    /// \param hasDefault   as above.
-    /// \param defaultValue as above.
-    /// \throws MacroCommandError with \p current on the offending token: the texts of parseIdentifier() and
-    ///         parseAssignmentOperator(); "Expected set operator missing" or "Expected closing set character, ]" at
-    ///         the end of the stream; "Expected opening set character, [". With \p current past the `]`: the set's own
-    ///         text, when it refuses what stands between the brackets.
-    /// \throws std::bad_alloc when memory runs out.
+    /// \param hasDefault   as in the first constructor.
+    /// \param defaultValue as in the first constructor.
+    /// \throws MacroCommandError with \p current on the offending token. The message is one of parseIdentifier() or
+    ///         parseAssignmentOperator(), or
+    ///         - "Expected set operator missing" at the end of the stream;
+    ///         - "Expected opening set character, [" at any other token than `[`;
+    ///         - "Expected closing set character, ]" at the end of the stream;
+    ///         - the message of vexa::toolbox::Set::assign() if the set refuses the text. \p current is then past the
+    ///           `]`.
+    /// \throws std::bad_alloc if memory runs out.
     SetMacroOption(MacroTokenIterator& current, const MacroTokenIterator& end, bool hasDefault,
                    const vexa::toolbox::Set* defaultValue);
 
@@ -47,16 +49,16 @@ public:
 
     void perform(MacroOptionPerformerInterface& performer) override;
     std::string name() const override;
-    /// Whether there is a default and value and default are the same object.
-    /// \warning This is a test of identity, on purpose: an option that holds a set is never at its default, whatever
-    ///          the members, so a command always writes it. Only an option made without value, with \p hasDefault true
-    ///          and a null default is at its default.
+    /// Returns true if the option has a default, and value and default are the same object.
+    /// \warning It compares objects, not members, on purpose: an option that holds a set is never at its default, so a
+    ///          command always writes it. Only an option without a value, with \p hasDefault true and a null default,
+    ///          is at its default.
     bool isDefaultValue() const override;
-    /// NAME= and the text of the set.
-    /// \warning An option without a value must not be rendered.
+    /// Returns NAME= and the text of the set.
+    /// \warning Do not call it for an option without a value.
     std::string toString() const override;
     ~SetMacroOption() override;
-    /// A further owner of the option's set, not a copy; null when there is none.
+    /// Returns the option's own set, not a copy; null if the option has no value.
     virtual std::shared_ptr<vexa::toolbox::Set> value() const;
 
 private:

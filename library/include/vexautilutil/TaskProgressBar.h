@@ -7,7 +7,7 @@
 
 namespace vexa::vexautilutil {
 
-/// Makes the progress of a long task that shows on the host's status line, with a stop button.
+/// Creates an object that shows the progress of a long task on the host's status line, with a stop button.
 ///
 ///     const auto progress = createTaskProgressBar(rows);
 ///     progress->start("Reading rows");
@@ -17,22 +17,23 @@ namespace vexa::vexautilutil {
 ///         progress->advance();
 ///     }
 ///
-/// In batch mode it makes no host call at all and is never interrupted. Batch mode is asked for once, here.
-/// Otherwise each call of isInterrupted() asks the host, with the percentage last shown. finish() shows 100 percent
-/// before it takes the status line down. Where start() and setStatusMessage() run out of memory they end quietly.
+/// In batch mode the object calls no host function, and isInterrupted() returns false. This function checks for batch
+/// mode once. Otherwise each isInterrupted() calls the host with the last percentage shown, and finish() shows 100
+/// percent before it removes the status line. If start() or setStatusMessage() runs out of memory, it returns without
+/// an error.
 ///
-/// \warning The percentage last shown survives finish() and start(): a second task driven by the same object does not
-///          send a percentage that equals it. Make one object a task.
-/// \param count the number of steps of the task; anything below 1 counts as 1.
-/// \return the progress, owned by the caller.
-/// \throws std::bad_alloc when memory runs out.
-/// Threads: use it on the thread from which the host lets add-ons report status.
+/// \warning Create one object per task. finish() and start() keep the last percentage shown, so a second task with the
+///          same object does not show this percentage again.
+/// \param count the number of steps of the task; a number below 1 counts as 1.
+/// \return the object, owned by the caller.
+/// \throws std::bad_alloc if memory runs out.
+/// Threads: use the object on the thread on which the host lets add-ons report their status.
 VEXAUTILUTIL_API std::unique_ptr<vexa::ui::TaskProgress> createTaskProgressBar(long count);
 
-/// Makes a progress that shows nowhere, calls nobody and is never interrupted. For code that wants a progress where
-/// there is none to show. Its task has 99 steps.
-/// \return the progress, owned by the caller.
-/// \throws std::bad_alloc when memory runs out.
+/// Creates an object that shows nothing, calls no host function and is never interrupted. Use it for code that needs a
+/// TaskProgress when there is no progress to show. Its task has 99 steps.
+/// \return the object, owned by the caller.
+/// \throws std::bad_alloc if memory runs out.
 VEXAUTILUTIL_API std::unique_ptr<vexa::ui::TaskProgress> createNoopTaskProgressBar();
 
 }  // namespace vexa::vexautilutil
