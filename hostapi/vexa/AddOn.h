@@ -1,5 +1,5 @@
 /// \file
-/// How a host loads an add-on: the one function that the add-on's shared object exports, and what it returns.
+/// What an add-on's shared object must export for the host to load it: one function, which describes the add-on.
 ///
 ///     static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, "MYADDON", "My add-on", execute, shutdown};
 ///     const VexaAddOn_s* vexaAddOn(AddOnList_s* self) { return &description; }
@@ -7,31 +7,32 @@
 
 #include "vexa/VexaUtil.h"
 
-/// The version of this interface. A host refuses an add-on that was built for another one.
+/// The version of this interface. A host refuses an add-on that was built for another version.
 #define VEXA_ADDON_API_VERSION 1
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/// What an add-on tells the host about itself. Static: it must stay valid while the add-on is loaded.
+/// Describes an add-on to the host. It must stay valid while the add-on is loaded, so make it static.
 typedef struct VexaAddOn_s {
-    /// #VEXA_ADDON_API_VERSION, as the add-on was built.
+    /// #VEXA_ADDON_API_VERSION at the time the add-on was compiled.
     uint32_t apiVersion;
-    /// The name by which macros address the add-on: one word, not empty, unique among the loaded add-ons.
+    /// The name that macros use for the add-on: a single word, not empty, different from those of other loaded add-ons.
     const char* id;
-    /// A title for people. May be null.
+    /// A title shown to users. May be null.
     const char* title;
-    /// Runs one command. Returns 1 when it succeeded. Otherwise stores in \p errMsg a string from
-    /// VexaUtilStringAlloc(), which the host then owns, or leaves it null. Must not be null. No exception may
-    /// escape.
+    /// Runs one command; must not be null. On success it returns 1. Otherwise it returns 0, and may store in \p errMsg,
+    /// which is null at first, a string from VexaUtilStringAlloc(); the host then owns the string. No exception may
+    /// leave it.
     VexaBoolean (*execute)(const char* command, char** errMsg);
-    /// Called once, before the add-on is unloaded. May be null. No exception may escape.
+    /// The host calls it once, before it unloads the add-on. May be null. No exception may leave it.
     void (*shutdown)(void);
 } VexaAddOn_s;
 
-/// The entry of an add-on, called once after its shared object was loaded. Null refuses to be loaded.
-/// \param self the add-on's identity, to be handed to VexaUtilLockStart(); valid while the add-on is loaded.
+/// The entry of an add-on. The host calls it once, after it has loaded the shared object.
+/// \param self the add-on's identity, for VexaUtilLockStart(); valid while the add-on is loaded.
+/// \return the description; null to refuse to be loaded. No exception may leave the function.
 VEXA_HOST_API const VexaAddOn_s* vexaAddOn(AddOnList_s* self);
 
 #ifdef __cplusplus

@@ -9,36 +9,36 @@
 
 namespace vexa {
 
-/// Base of every exception of the class libraries: a message, and the exception that led to it.
+/// Base class of the exceptions of the class libraries. It holds a message and the exception that caused this one.
 ///
 ///     try {
 ///         set.assign(text);
 ///     } catch (const InvalidArgumentException& refusal) {
-///         throw MacroCommandError(refusal.what());   // refusal becomes the cause()
+///         throw MacroCommandError(refusal.what());   // its cause() is refusal
 ///     }
 ///
-/// Ownership: the message and the cause are the exception's own.
-/// Threads:   reading is safe from any thread.
+/// Ownership: an exception holds its own copy of the message, and shares the cause.
+/// Threads:   any thread may read an exception.
 class VEXAHOSTLIBS_API ExceptionBase : public std::exception {
 public:
-    /// Keeps a copy of \p message and, when made inside a `catch` block, the exception being handled.
-    /// Allocates nothing for a message of at most 15 characters and without a stack trace.
-    /// \param message           the whole diagnostic, fit to show a user.
-    /// \param captureStackTrace whether to keep the call stack of the caller, for printStackTrace().
+    /// Copies \p message. Inside a `catch` block it also keeps the exception being handled, as the cause.
+    /// It allocates no memory for a message of at most 15 characters without a stack trace.
+    /// \param message           the complete diagnostic, as a user should see it.
+    /// \param captureStackTrace true to keep the caller's call stack for printStackTrace().
     ExceptionBase(const std::string& message, bool captureStackTrace);
     ExceptionBase(const ExceptionBase&) = default;
     ExceptionBase& operator=(const ExceptionBase&) = default;
     ~ExceptionBase() override;
 
-    /// The message, up to its first NUL character; valid as long as the exception.
+    /// Returns the message, up to its first NUL character. The text is valid as long as the exception.
     const char* what() const noexcept override;
-    /// The exception that was being handled when this one was made; null when there was none.
+    /// Returns the exception that was being handled when this one was constructed; null if there was none.
     virtual std::exception_ptr cause() const;
-    /// The message; valid as long as the exception.
+    /// Returns the message. The reference is valid as long as the exception.
     virtual const std::string& message() const;
     /// Prints the message, the stack trace if one was captured, and the chain of causes to `stderr`.
     virtual void printStackTrace() const;
-    /// The same, to \p stream, which stays open.
+    /// Prints the same to \p stream, and leaves it open.
     virtual void printStackTrace(FILE* stream) const;
 
 private:

@@ -1,8 +1,8 @@
 /// \file
-/// Visibility of the in-house class libraries.
+/// Which names the in-house class libraries export.
 #pragma once
 
-/// Marks what the in-house class libraries export.
+/// Exports a class or function of the in-house class libraries.
 #if defined(__GNUC__)
 #define VEXAHOSTLIBS_API __attribute__((visibility("default")))
 #else

@@ -6,10 +6,10 @@
 
 namespace vexa {
 
-/// An argument that an operation cannot accept; the message says what was expected.
+/// Reports an argument that an operation cannot accept. The message says what the operation expected.
 class VEXAHOSTLIBS_API InvalidArgumentException : public ExceptionBase {
 public:
-    /// As ExceptionBase::ExceptionBase(), by default without a stack trace.
+    /// Same as ExceptionBase::ExceptionBase(). By default it captures no stack trace.
     explicit InvalidArgumentException(const std::string& message, bool captureStackTrace = false);
     InvalidArgumentException(const InvalidArgumentException&) = default;
     InvalidArgumentException& operator=(const InvalidArgumentException&) = default;

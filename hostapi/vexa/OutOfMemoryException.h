@@ -6,10 +6,10 @@
 
 namespace vexa {
 
-/// Memory ran out. A message of at most 15 characters needs none to be reported.
+/// Reports that memory ran out. With a message of at most 15 characters, constructing it allocates no memory.
 class VEXAHOSTLIBS_API OutOfMemoryException : public ExceptionBase {
 public:
-    /// As ExceptionBase::ExceptionBase(), by default without a stack trace.
+    /// Same as ExceptionBase::ExceptionBase(). By default it captures no stack trace.
     explicit OutOfMemoryException(const std::string& message, bool captureStackTrace = false);
     OutOfMemoryException(const OutOfMemoryException&) = default;
     OutOfMemoryException& operator=(const OutOfMemoryException&) = default;

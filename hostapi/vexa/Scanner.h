@@ -8,7 +8,7 @@
 
 namespace vexa {
 
-/// Reads a text from front to back: by character, by token, by number.
+/// Reads a text from its start to its end, as characters, tokens or numbers.
 ///
 ///     Scanner scanner;
 ///     scanner.reset("COUNT = 12");
@@ -17,72 +17,76 @@ namespace vexa {
 ///     scanner.nextChar();         // '='
 ///     scanner.nextInt64Token();   // 12
 ///
-/// White space is blank, tab, line feed, carriage return, vertical tab and form feed, in every locale. A token ends
-/// at white space or at the end of the text, and nowhere else: `COUNT=12` is one token.
-/// The `hasNext...` operations never advance. A `next...Token` operation whose `hasNext...` twin is false changes
-/// nothing and returns an empty text or zero.
+/// White space is blank, tab, line feed, carriage return, vertical tab and form feed, in every locale. A token ends at
+/// white space or at the end of the text. No other character ends it: `COUNT=12` is one token.
+/// A `hasNext...` operation does not move the scanner. If a `hasNext...Token` operation returns false, the
+/// `next...Token` operation of the same name does not move the scanner and returns an empty text or zero.
 ///
 /// Numbers, in every locale:
 ///
 ///     12  -3  +7                    integers (signed, 64 bits, decimal) and doubles
 ///     .5  5.  1e-7  -2.5E+6         doubles, correctly rounded
 ///     inf  -Infinity  nan           doubles, in any letter case
-///     0x10  1,5  12abc  1e  +-1     no numbers: the whole token must be one
-///     9223372036854775808           no integer: over 64 bits
-///     1e400                         no double: over the largest; 1e-400 is read as 0
+///     0x10  1,5  12abc  1e  +-1     not numbers: the whole token must be a number
+///     9223372036854775808           not an integer: it exceeds 64 bits
+///     1e400                         not a double: it exceeds the largest one. 1e-400 is read as 0.
 ///
-/// Threads: one scanner is for one thread at a time, also for the operations that are const.
-/// Cost:    next...Token() does not search again for what hasNext...Token() found, except a token before one of
-///          several delimiters.
+/// Threads: one thread at a time may use a scanner, even for its const operations.
+/// Cost:    a `next...Token` operation reuses the result of its `hasNext...Token` operation, unless it searches for
+///          more than one delimiter.
 class VEXAHOSTLIBS_API Scanner {
 public:
-    /// Makes a scanner over an empty text.
+    /// Creates a scanner with an empty text.
     Scanner();
     Scanner(const Scanner&) = default;
     Scanner& operator=(const Scanner&) = default;
     ~Scanner();
 
-    /// Starts over, on a copy of \p text, at its first character.
+    /// Copies \p text and moves to its first character.
     void reset(const std::string& text);
 
-    /// Moves to the next character that is no white space, or to the end.
+    /// Moves to the next character that is not white space, or to the end.
     void skipWhitespace();
 
-    /// Whether a character is left.
+    /// Returns true if a character is left.
     VEXAHOSTLIBS_API bool hasNextChar() const { return m_position < m_text.size(); }
-    /// Whether the next character is \p c.
+    /// Returns true if the next character is \p c.
     bool hasNextChar(char c) const;
-    /// Returns the next character, white space included, and moves past it. At the end: returns NUL and stays.
+    /// Returns the next character, which may be white space, and moves past it. At the end it returns NUL and does not
+    /// move.
     VEXAHOSTLIBS_API char nextChar() { return hasNextChar() ? m_text[m_position++] : '\0'; }
 
-    /// Whether, after white space, a token is left.
+    /// Returns true if a token is left. Ignores white space before it.
     bool hasNextToken() const;
-    /// Skips white space, returns the token and moves past it. Returns an empty text, and stays, when none is left.
+    /// Skips white space, returns the token and moves past it. If no token is left, it returns an empty text and does
+    /// not move.
     std::string nextToken();
 
-    /// Whether one or more characters are left before the first one of \p delimiters; false when none of those
-    /// follows. White space is not skipped.
+    /// Returns true if one of the characters in \p delimiters follows, with at least one other character before it.
+    /// Does not ignore white space.
     bool hasNextToken(const std::string& delimiters) const;
-    /// Returns the characters before the first one of \p delimiters, which stays unread. Returns an empty text, and
-    /// stays, when none of those follows.
+    /// Returns the characters before the first one of \p delimiters, and moves to that delimiter. If no delimiter
+    /// follows, it returns an empty text and does not move.
     std::string nextToken(const std::string& delimiters);
 
-    /// Whether, after white space, the next token is a floating-point number.
+    /// Returns true if the next token is a floating-point number. Ignores white space before it.
     bool hasNextDoubleToken() const;
-    /// Skips white space, reads the number and moves past it.
+    /// Skips white space, returns the number and moves past it. If the next token is not a floating-point number, it
+    /// returns 0 and does not move.
     double nextDoubleToken();
 
-    /// Whether, after white space, the next token is a signed 64-bit decimal integer.
+    /// Returns true if the next token is a signed 64-bit decimal integer. Ignores white space before it.
     bool hasNextInt64Token() const;
-    /// Skips white space, reads the integer and moves past it.
+    /// Skips white space, returns the integer and moves past it. If the next token is not an integer, it returns 0 and
+    /// does not move.
     int64_t nextInt64Token();
 
 private:
-    // What stands at a position, as a number.
+    // The result of the last search for a number.
     template <typename Number>
     struct Found {
-        std::size_t at = std::string::npos;  // the position; none yet
-        std::size_t end = 0;                 // where the text goes on behind the number
+        std::size_t at = std::string::npos;  // where the search started; npos before the first search
+        std::size_t end = 0;                 // the position after the number
         bool isNumber = false;
         Number value{};
     };
@@ -93,7 +97,7 @@ private:
     std::string m_text;
     std::size_t m_position = 0;
     mutable Found<double> m_double;
-    mutable Found<int64_t> m_int64;  // or a token
+    mutable Found<int64_t> m_int64;  // also keeps the last token found, see Scanner.cpp
 };
 
 }  // namespace vexa

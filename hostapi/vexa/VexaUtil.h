@@ -1,21 +1,21 @@
 /// \file
 /// The host's C add-on API.
 ///
-/// Conventions, stated once for all functions:
-/// - Declarations only. The process that loads an add-on supplies the functions: the host application, or the
-///   stand-in host. A library that calls them leaves them undefined.
-/// - Strings are NUL-terminated and stay with the caller, unless a function says otherwise.
-/// - Handles (`Set_s`, `ArgList_s`, `ThreadMutex_s`, host strings) come from an `...Alloc` function and go back
-///   through the `...Dealloc` function, which takes the address of the handle and sets the handle to null.
-/// - `...Alloc` functions return null when the host has no memory.
-/// - Begin and end calls nest; the host counts.
-/// - Threads: call from the thread on which the host entered the add-on. The mutex functions may be called from
-///   any thread.
+/// Conventions for all functions:
+/// - This header only declares the functions. The process that loads an add-on implements them: the host application or
+///   the stand-in host. A library that calls them leaves them undefined.
+/// - Strings are NUL-terminated. The caller owns the strings that it passes, unless a function says otherwise.
+/// - An `...Alloc` function returns a handle (`Set_s`, `ArgList_s`, `ThreadMutex_s`, a host string), or null if the
+///   host has no memory. The matching `...Dealloc` function takes the handle's address, frees the object and sets the
+///   handle to null.
+/// - Paired calls, such as start and finish, may nest. The host counts them.
+/// - Threads: call these functions on the thread on which the host called the add-on. Any thread may call the mutex
+///   functions.
 #pragma once
 
 #include <stdint.h>
 
-/// Marks the functions of this header as visible across shared objects, whatever visibility a build defaults to.
+/// Makes the functions of this header visible to other shared objects, whatever the default visibility of a build is.
 #if defined(__GNUC__)
 #define VEXA_HOST_API __attribute__((visibility("default")))
 #else
@@ -26,9 +26,9 @@
 extern "C" {
 #endif
 
-/// An add-on's identity with the host. Opaque.
+/// The identity that the host gives an add-on. Opaque.
 typedef struct AddOnList_s AddOnList_s;
-/// A set of integers held by the host. Opaque.
+/// A set of integers in the host. Opaque.
 typedef struct Set_s Set_s;
 /// A list of named arguments for an extended host call. Opaque.
 typedef struct ArgList_s ArgList_s;
@@ -37,36 +37,37 @@ typedef struct ThreadMutex_s ThreadMutex_s;
 
 /// The host's Boolean: 1 is true, 0 is false.
 typedef int VexaBoolean;
-/// A value as wide as a pointer: an integer, or the address of something.
+/// An integer or an address. It has the size of a pointer.
 typedef intptr_t VexaArbParam;
 
-/// The outcome of a value query.
+/// The result of a query for a value.
 typedef enum {
-    GetValueReturnCode_Ok = 0,           ///< The value was stored.
-    GetValueReturnCode_OtherType = 1,    ///< The value exists, but is not of the kind asked for.
-    GetValueReturnCode_UnknownPath = 2,  ///< There is no such setting.
+    GetValueReturnCode_Ok = 0,           ///< The host stored the value.
+    GetValueReturnCode_OtherType = 1,    ///< The value exists, but has another type than the query.
+    GetValueReturnCode_UnknownPath = 2,  ///< The setting does not exist.
     GetValueReturnCode_NotAvailable = 3  ///< The setting exists, but has no value now.
 } GetValueReturnCode_e;
 
 /// Takes the host's lock for the add-on \p addOnId. Blocks while another thread holds it.
 VEXA_HOST_API void VexaUtilLockStart(AddOnList_s* addOnId);
-/// Gives back the lock taken by VexaUtilLockStart() under the same identity.
+/// Releases the lock that VexaUtilLockStart() took with the same \p addOnId.
 VEXA_HOST_API void VexaUtilLockFinish(AddOnList_s* addOnId);
 
-/// Begins an assignment of auxiliary data: the host holds back its broadcasts until the matching end.
+/// Starts an assignment of auxiliary data. The host sends no broadcasts until the matching VexaUtilAuxDataEndAssign().
 VEXA_HOST_API void VexaUtilAuxDataBeginAssign(void);
-/// Ends an assignment of auxiliary data.
+/// Finishes an assignment of auxiliary data.
 VEXA_HOST_API void VexaUtilAuxDataEndAssign(void);
 
-/// Suspends (\p suspend 1) or resumes (0) the marking of data sets as changed.
+/// If \p suspend is 1, the host stops marking data sets as changed. If it is 0, the host resumes.
 VEXA_HOST_API void VexaUtilDataSetSuspendMarking(VexaBoolean suspend);
 
-/// Begins a modification of solution times: the host holds back its notifications until the matching end.
+/// Starts a modification of solution times. The host sends no notifications until the matching
+/// VexaUtilZoneSolutionTimeModificationEnd().
 VEXA_HOST_API void VexaUtilZoneSolutionTimeModificationBegin(void);
-/// Ends a modification of solution times.
+/// Finishes a modification of solution times.
 VEXA_HOST_API void VexaUtilZoneSolutionTimeModificationEnd(void);
 
-/// Makes a mutex, unlocked and not recursive.
+/// Creates a mutex. It is unlocked and not recursive.
 VEXA_HOST_API ThreadMutex_s* VexaUtilThreadMutexAlloc(void);
 /// Frees an unlocked mutex and sets the handle at \p mutex to null.
 VEXA_HOST_API void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex);
@@ -75,16 +76,17 @@ VEXA_HOST_API void VexaUtilThreadMutexLock(ThreadMutex_s* mutex);
 /// Unlocks \p mutex, which the calling thread must hold.
 VEXA_HOST_API void VexaUtilThreadMutexUnlock(ThreadMutex_s* mutex);
 
-/// Returns 1 while the host runs a macro in batch mode, with no user in front of it.
+/// Returns 1 while the host runs a macro in batch mode, that is, without a user.
 VEXA_HOST_API VexaBoolean VexaUtilMacroIsBatchModeActive(void);
 
-/// Shows \p text on the status line, with a stop button and a progress bar when asked for.
+/// Shows \p text on the status line. Shows a stop button if \p showStopButton is 1, and a progress bar if \p showBar is
+/// 1.
 VEXA_HOST_API void VexaUtilStatusStartPercentDone(const char* text, VexaBoolean showStopButton, VexaBoolean showBar);
-/// Moves the bar to \p percent (0 to 100). Returns 0 when the user has asked to stop, 1 otherwise.
+/// Moves the bar to \p percent (0 to 100). Returns 0 if the user has asked to stop, 1 otherwise.
 VEXA_HOST_API VexaBoolean VexaUtilStatusCheckPercentDone(int percent);
 /// Replaces the text on the status line.
 VEXA_HOST_API void VexaUtilStatusSetPercentDoneText(const char* text);
-/// Takes the status line down.
+/// Removes the status line.
 VEXA_HOST_API void VexaUtilStatusFinishPercentDone(void);
 
 /// Returns 1 while the host records macro commands.
@@ -93,49 +95,51 @@ VEXA_HOST_API VexaBoolean VexaUtilMacroIsRecordingActive(void);
 VEXA_HOST_API VexaBoolean VexaUtilStateIsProcessingJournal(void);
 /// Returns 1 while the host plays back a layout.
 VEXA_HOST_API VexaBoolean VexaUtilStateIsProcessingLayout(void);
-/// Records \p command of the add-on \p addOnId in the macro being recorded. Returns 1 when it was recorded.
+/// Records \p command of the add-on \p addOnId in the macro that the host records. Returns 1 if the host recorded it.
 VEXA_HOST_API VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* command);
-/// Adds \p command of the add-on \p addOnId, with its own \p journalData (may be null), to the data-set journal.
-/// Returns 1 when it was added.
+/// Adds \p command of the add-on \p addOnId to the data-set journal. \p journalData is the add-on's own data and may be
+/// null. Returns 1 if the host added it.
 VEXA_HOST_API VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* command,
                                                            const char* journalData);
 
-/// Allocates a host string of \p size bytes, the terminating zero included. \p purpose names it in the host's own
+/// Allocates a host string of \p size bytes, including the terminating zero. \p purpose names the string in the host's
 /// diagnostics.
 VEXA_HOST_API char* VexaUtilStringAlloc(int size, const char* purpose);
-/// Frees a host string and sets the handle at \p string to null. For the host side and for tests.
+/// Frees a host string and sets the handle at \p string to null. Hosts and tests call it.
 VEXA_HOST_API void VexaUtilStringDealloc(char** string);
 
-/// Makes an empty argument list.
+/// Creates an empty argument list.
 VEXA_HOST_API ArgList_s* VexaUtilArgListAlloc(void);
 /// Frees an argument list and sets the handle at \p argList to null.
 VEXA_HOST_API void VexaUtilArgListDealloc(ArgList_s** argList);
-/// Empties an argument list.
+/// Removes all arguments from an argument list.
 VEXA_HOST_API void VexaUtilArgListClear(ArgList_s* argList);
-/// Appends a string argument; the host copies \p value. Returns 1 on success.
+/// Appends a string argument. The host copies \p value. Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendString(ArgList_s* argList, const char* name, const char* value);
 /// Appends an integer argument. Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendInt(ArgList_s* argList, const char* name, long value);
-/// Appends the address where a double is to be stored; it must outlive the list. Returns 1 on success.
+/// Appends the address of a double, which the host will write and which must outlive the list. Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendDoublePtr(ArgList_s* argList, const char* name, double* value);
-/// Appends the address where an arbitrary value is to be stored; it must outlive the list. Returns 1 on success.
+/// Appends the address of a value, which the host will write and which must outlive the list. Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendArbParamPtr(ArgList_s* argList, const char* name, VexaArbParam* value);
 
-/// Reads one style value. The list holds the strings "P1" to "P6" (the path, outermost first), the integers
-/// "Offset1" and "Offset2" (both optional), and one of "DValue" (a double) or "IValue" (any other kind).
+/// Reads one style value. The list has the strings "P1" to "P6" (the path, outermost first), the optional integers
+/// "Offset1" and "Offset2", and either "DValue" (for a double) or "IValue" (for any other type).
 VEXA_HOST_API GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList);
 
-/// Shows \p message in the host's error dialog. Returns when the user has closed it.
+/// Shows \p message in the host's error dialog. Returns after the user has closed the dialog.
 VEXA_HOST_API void VexaUtilDialogErrMsg(const char* message);
 
-/// Makes an empty set.
+/// Creates an empty set.
 VEXA_HOST_API Set_s* VexaUtilSetAlloc(void);
 /// Frees a set and sets the handle at \p set to null.
 VEXA_HOST_API void VexaUtilSetDealloc(Set_s** set);
-/// Adds the members \p first to \p last (0 or more, ascending). Returns 1 on success.
+/// Adds the members from \p first to \p last. Neither may be negative, and \p last must not be less than \p first.
+/// Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last);
-/// Finds the lowest maximal run of members that ends at \p from or above, and stores its ends in \p first and
-/// \p last. Returns 0, and leaves both untouched, when there is none.
+/// Finds the lowest run of consecutive members whose last member is \p from or greater. Stores the run's first and last
+/// member, of the whole run, in \p first and \p last and returns 1. If there is no such run, it returns 0 and changes
+/// neither.
 VEXA_HOST_API VexaBoolean VexaUtilSetNextRange(const Set_s* set, int64_t from, int64_t* first, int64_t* last);
 
 #ifdef __cplusplus

@@ -19,9 +19,9 @@ namespace vexa::toolbox {
 ///     zones.toString();                   // "[1-3,5,10,15,20]"
 ///     for (int64_t zone : zones) show(zone);
 ///
-/// Text form: items between brackets, separated by commas, in any order, repeated at will. An item is a member, a
-/// range `a-b` (a <= b), or a stepped range `a-b:s` (s >= 1: a, a+s, ... up to b). Blanks and tabs may stand between
-/// any two of the signs and numbers.
+/// Text form: items in brackets, separated by commas, in any order. Items may repeat or overlap. An item is a member, a
+/// range `a-b` (a <= b), or a stepped range `a-b:s` (s >= 1; its members are a, a+s, ... up to b). Blanks and tabs may
+/// separate numbers and signs.
 ///
 ///     []              -> the empty set
 ///     [5,1-3,2]       -> 1, 2, 3, 5
@@ -29,20 +29,21 @@ namespace vexa::toolbox {
 ///     [007]           -> 7
 ///     [1,]  [,1]  [3-1]  [1-5:0]  [1:2]  [-1]  [+1]  [1  (1)  [1]x  [9223372036854775808]    refused
 ///
-/// The stepped ranges of one text may expand to 2^24 members in all (a step of 1 does not count); more is refused,
-/// so that a short text cannot exhaust the memory.
+/// The stepped ranges of one text may have at most 2^24 members together, so that a short text cannot exhaust the
+/// memory. Ranges with a step of 1 do not count. A text with more is refused.
 ///
-/// Structure: one flat vector of runs of consecutive members, sorted, disjoint and never adjacent. `[1-1000000000]`
-/// is one run of 16 bytes. A flat vector, because sets are read far more often than changed, and reading wants
-/// neither one allocation nor one pointer per run (the benchmarks compare it with a tree of intervals).
+/// Structure: a sorted vector of runs, that is, of ranges of consecutive members. Runs neither overlap nor adjoin.
+/// `[1-1000000000]` is a single run of 16 bytes. Programs read sets far more often than they change them, and a vector
+/// needs no allocation and no pointer per run (the benchmarks compare it with a tree of intervals).
 ///
-/// Costs, in runs r: assign() and toString() linear in the text, contains() O(log r), insert() and erase()
-/// O(log r) to find the place and up to O(r) to move what follows; copy, equality and size() O(r).
+/// Cost, for r runs: assign() and toString() take time linear in the text. contains() takes O(log r). insert() and
+/// erase() take O(log r) to find the place and up to O(r) to move the runs after it. Copying, comparing and size() take
+/// O(r).
 ///
-/// Errors:    InvalidArgumentException for a text or a member that is refused, the set then stays as it was;
-///            OutOfMemoryException from assign(), `std::bad_alloc` from all else, when memory runs out.
+/// Errors:    InvalidArgumentException if a text or a member is refused; the set is then unchanged. If memory runs out,
+///            assign() throws OutOfMemoryException and every other operation throws `std::bad_alloc`.
 /// Ownership: a copy is independent of its source.
-/// Threads:   reading is safe from any thread as long as none writes.
+/// Threads:   any thread may read a set while no thread changes it.
 class VEXAHOSTLIBS_API Set {
 public:
     /// A run of consecutive members, both ends included.
@@ -50,9 +51,9 @@ public:
         int64_t first;  ///< lowest member
         int64_t last;   ///< highest member
 
-        /// Whether both ends are the same.
+        /// Returns true if both ends are equal.
         friend bool operator==(const Range& a, const Range& b) { return a.first == b.first && a.last == b.last; }
-        /// Whether an end differs.
+        /// Returns true if an end differs.
         friend bool operator!=(const Range& a, const Range& b) { return !(a == b); }
     };
 
@@ -60,9 +61,9 @@ public:
     using iterator = const_iterator;  ///< members cannot be changed in place
     using value_type = int64_t;       ///< a member
 
-    /// Makes an empty set.
+    /// Creates an empty set.
     Set();
-    /// Copies the members of a host set. \p handle stays with its owner; null stands for the empty set.
+    /// Copies the members of a host set. The caller still owns \p handle. A null handle gives an empty set.
     explicit Set(Set_s* handle);
     /// Copies the members.
     Set(const Set&);
@@ -78,64 +79,66 @@ public:
     /// Removes all members.
     virtual void clear();
 
-    /// Replaces the members by those written in \p text (see the text form above). Linear in the text.
-    /// \throws InvalidArgumentException when the text is refused: "Expected ... at column N of set: ...", columns
-    ///         counted from 1, the set cut when long. The set stays as it was.
-    /// \throws OutOfMemoryException "Out of memory". The set stays as it was.
+    /// Replaces the members by those in \p text, which has the text form above.
+    /// \throws InvalidArgumentException "Expected ... at column N of set: ..." if the text is refused. Columns start at
+    ///         1, and the message shows only a part of a long text. The set is unchanged.
+    /// \throws OutOfMemoryException "Out of memory" if memory runs out. The set is unchanged.
     virtual void assign(std::string text);
 
-    /// Returns the canonical text: ascending, each run of two or more members as `first-last`, no blanks.
+    /// Returns the canonical text: members in ascending order, each run of two or more members as `first-last`, no
+    /// blanks.
     virtual std::string toString() const;
 
-    /// Whether there are no members.
+    /// Returns true if the set has no members.
     bool isEmpty() const;
-    /// The number of members, at most 2^63. Linear in the number of runs.
+    /// Returns the number of members, at most 2^63.
     uint64_t size() const;
-    /// Whether \p member is one. Any value may be asked for.
+    /// Returns true if \p member is in the set. The argument may be negative.
     bool contains(int64_t member) const;
 
     /// Adds one member.
-    /// \throws InvalidArgumentException "Expected a set member of 0 or more, but got N".
+    /// \throws InvalidArgumentException "Expected a set member of 0 or more, but got N" if \p member is negative.
     void insert(int64_t member);
-    /// Adds the members \p first to \p last.
-    /// \throws InvalidArgumentException as above, or "Expected a range in ascending order, but got A to B".
+    /// Adds the members from \p first to \p last.
+    /// \throws InvalidArgumentException "Expected a set member of 0 or more, but got N" if an argument is negative, or
+    ///         "Expected a range in ascending order, but got A to B" if \p first is greater than \p last.
     void insert(int64_t first, int64_t last);
-    /// Removes one member, if it is one.
-    /// \throws InvalidArgumentException as insert().
+    /// Removes one member. Does nothing if it is not in the set.
+    /// \throws InvalidArgumentException as insert() does.
     void erase(int64_t member);
-    /// Removes those of the members \p first to \p last that are there.
-    /// \throws InvalidArgumentException as insert().
+    /// Removes all members from \p first to \p last.
+    /// \throws InvalidArgumentException as insert() does.
     void erase(int64_t first, int64_t last);
 
-    /// The lowest member. Iterators last until the set is changed.
+    /// Returns an iterator at the lowest member. Iterators are valid until the set changes.
     const_iterator begin() const;
-    /// Past the highest member.
+    /// Returns the iterator past the highest member.
     const_iterator end() const;
-    /// The runs, ascending; the view lasts until the set is changed.
+    /// Returns the runs in ascending order. They are valid until the set changes.
     const std::vector<Range>& ranges() const;
 
-    /// Whether both hold the same members. Linear in the number of runs.
+    /// Returns true if both sets have the same members.
     friend bool operator==(const Set& a, const Set& b) { return a.m_ranges == b.m_ranges; }
-    /// Whether one holds a member that the other does not.
+    /// Returns true if one set has a member that the other does not have.
     friend bool operator!=(const Set& a, const Set& b) { return !(a == b); }
 
 private:
     std::vector<Range> m_ranges;
 };
 
-/// Walks the members of a Set in ascending order. The members are made on the way, so they are handed out by value.
+/// Iterates over the members of a Set in ascending order. It computes the members, so it returns them by value.
 class Set::const_iterator {
 public:
-    using iterator_category = std::forward_iterator_tag;  ///< it only goes forward
+    using iterator_category = std::forward_iterator_tag;  ///< it only moves forward
     using value_type = int64_t;                           ///< a member
     using difference_type = std::ptrdiff_t;               ///< a number of steps
-    using pointer = const int64_t*;                       ///< there is no `->`: a member has no parts
-    using reference = int64_t;                            ///< handed out by value
+    using pointer = const int64_t*;                       ///< the iterator has no `->`: a member has no parts
+    using reference = int64_t;                            ///< members are returned by value
 
-    /// An iterator over nothing.
+    /// Creates an iterator without a set.
     const_iterator() = default;
 
-    /// The member.
+    /// Returns the member.
     int64_t operator*() const { return m_member; }
     /// Moves to the next member.
     const_iterator& operator++() {
@@ -147,18 +150,18 @@ public:
         }
         return *this;
     }
-    /// Moves to the next member; returns where it was.
+    /// Moves to the next member. Returns the iterator as it was before.
     const_iterator operator++(int) {
         const const_iterator before = *this;
         ++*this;
         return before;
     }
 
-    /// Whether both stand on the same member of the same set.
+    /// Returns true if both iterators are at the same member of the same set.
     friend bool operator==(const const_iterator& a, const const_iterator& b) {
         return a.m_range == b.m_range && a.m_member == b.m_member;
     }
-    /// Whether they stand on different members.
+    /// Returns true if the iterators are at different members.
     friend bool operator!=(const const_iterator& a, const const_iterator& b) { return !(a == b); }
 
 private:

@@ -6,21 +6,21 @@
 
 namespace vexa::ui {
 
-/// Something that shows how far a long task has come.
+/// Shows the progress of a long task.
 ///
-/// The expected order is start(), any number of the operations between, finish().
-/// The order of the virtual operations is part of the binary contract.
+/// Call start() first, then any other operations, then finish().
+/// The order of the virtual operations is part of the binary interface.
 class VEXAHOSTLIBS_API ProgressBarInterface {
 public:
-    /// Shows the bar with \p message beside it.
+    /// Shows the bar, with \p message beside it.
     virtual void start(const std::string& message) = 0;
-    /// Takes the bar down.
+    /// Removes the bar.
     virtual void finish() = 0;
     /// Replaces the message beside the bar.
     virtual void setStatusMessage(const std::string& message) = 0;
     /// Moves the bar to \p percent, from 0 to 100.
     virtual void setPercentDone(int percent) = 0;
-    /// Whether the user has asked to stop the task.
+    /// Returns true if the user has asked to stop the task.
     virtual bool isInterrupted() const = 0;
     virtual ~ProgressBarInterface();
 

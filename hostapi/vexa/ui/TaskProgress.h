@@ -8,7 +8,7 @@
 
 namespace vexa::ui {
 
-/// Drives a progress bar through a task of a known number of steps.
+/// Counts the steps of a task and shows the percentage on a progress bar.
 ///
 ///     TaskProgress progress(bar, rows);
 ///     progress.start("Reading rows");
@@ -16,36 +16,39 @@ namespace vexa::ui {
 ///         read(row);
 ///         progress.advance();
 ///     }
-///     progress.finish();   // or leave it to the destructor
+///     progress.finish();   // the destructor would call it, too
 ///
-/// The bar is told a whole percentage, rounded down, only when it has changed; it never goes back within a task and
-/// never passes 100.
+/// The percentage is a whole number, rounded down. The class passes it to the bar only when it changes. Within a task
+/// it never falls, and it never exceeds 100.
 ///
-/// Costs:     advance() is an addition and a comparison unless the percentage changes. isInterrupted() asks the bar
-///            each time: in a tight loop ask every hundredth step or so.
-/// Errors:    what the bar throws passes through, except from the destructor.
-/// Ownership: shares the bar.
-/// Threads:   for one thread, the one on which the bar may be used.
+/// Cost:      advance() is an addition and a comparison, unless the percentage changes. isInterrupted() calls the bar
+///            each time: in a short loop, call it for one step in a hundred.
+/// Errors:    an exception of the bar passes through. The destructor ignores it.
+/// Ownership: the object shares ownership of the bar.
+/// Threads:   use the object on the one thread that may use the bar.
 class VEXAHOSTLIBS_API TaskProgress {
 public:
-    /// \param bar   what shows the progress.
-    /// \param count the number of steps; anything below 1 counts as 1.
-    /// \throws InvalidArgumentException "Expected a progress bar, but got none" when \p bar is null.
+    /// Creates the progress of a task. Call start() to show it.
+    /// \param bar   shows the progress; not null.
+    /// \param count the number of steps; a number below 1 counts as 1.
+    /// \throws InvalidArgumentException "Expected a progress bar, but got none" if \p bar is null.
     TaskProgress(std::shared_ptr<ProgressBarInterface> bar, long count);
     TaskProgress(const TaskProgress&) = delete;
     TaskProgress& operator=(const TaskProgress&) = delete;
-    /// Finishes the task if it was started and not finished. Never throws.
+    /// Calls finish(). Never throws.
     ~TaskProgress();
 
-    /// Starts the task, at its first step, with \p message beside the bar. May be called again after finish().
+    /// Starts the task at its first step and shows the bar, with \p message beside it. It may be called again after
+    /// finish().
     void start(const std::string& message);
-    /// Counts \p steps more as done. Steps beyond the count, and negative ones, are ignored.
+    /// Adds \p steps to the steps done. The sum stops at the number of steps of the task. A negative \p steps is
+    /// ignored.
     void advance(long steps = 1);
     /// Replaces the message beside the bar.
     void setStatusMessage(const std::string& message);
-    /// Whether the user has asked to stop the task.
+    /// Returns true if the user has asked to stop the task.
     bool isInterrupted() const;
-    /// Finishes the task: the bar is taken down. Does nothing unless the task was started.
+    /// Finishes the task and removes the bar. Does nothing if no task is started.
     void finish();
 
 private:
