@@ -5,12 +5,12 @@
 
 namespace vexa::standin {
 
-/// How far the host calls of a Host have come. Host::setCallProgress() places it, for example in memory that is shared
-/// with a process that watches: what it holds outlives the process that makes the calls.
+/// Counts the host calls of a Host; see Host::setCallProgress(). Put it into shared memory to let another process watch
+/// the calls. That process can read it even after the calling process has crashed.
 struct CallProgress {
-    std::atomic<std::size_t> calls{0};         ///< how many calls have begun
-    std::atomic<std::size_t> lastFunction{0};  ///< the function called last, as an index of hostFunctions(); meaningful
-                                               ///< once a call has begun
+    std::atomic<std::size_t> calls{0};         ///< the number of calls that have started
+    std::atomic<std::size_t> lastFunction{0};  ///< the last function called, as an index of hostFunctions(); undefined
+                                               ///< while `calls` is 0
 };
 
 }  // namespace vexa::standin

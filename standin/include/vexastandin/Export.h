@@ -1,8 +1,8 @@
 /// \file
-/// Visibility of the stand-in host's control interface.
+/// Which C++ names the stand-in host exports.
 #pragma once
 
-/// Marks what the stand-in host exports, beside the host's C functions.
+/// Exports a class or function of the stand-in host. It also exports the host's C functions.
 #if defined(__GNUC__)
 #define VEXASTANDIN_API __attribute__((visibility("default")))
 #else

@@ -11,68 +11,69 @@
 
 namespace vexa::standin {
 
-/// How bad it is to break a rule.
+/// The severity of breaking a rule.
 enum class Severity_e {
-    Warning,  ///< it works, but users are served badly
-    Error     ///< a host may crash or hang over it
+    Warning,  ///< the add-on works, but its users have a disadvantage
+    Error     ///< a host may crash or hang
 };
 
-/// A rule of the host's contract with its add-ons.
+/// A rule of the contract between the host and its add-ons.
 struct Rule {
     const char* name;     ///< short and stable, for example "unbalanced-lock"
-    const char* family;   ///< what it is about, for example "Mutexes"
-    Severity_e severity;  ///< how bad it is to break it
+    const char* family;   ///< the subject, for example "Mutexes"
+    Severity_e severity;  ///< the severity of breaking the rule
     const char* summary;  ///< the rule, in one sentence
-    const char* why;      ///< what comes of breaking it
-    const char* hint;     ///< how to mend it
+    const char* why;      ///< what happens if an add-on breaks the rule
+    const char* hint;     ///< how to fix the add-on
 };
 
-/// Every rule, sorted for reading: the rules of a family stand together.
+/// Returns all rules, grouped by family.
 VEXASTANDIN_API const std::vector<Rule>& rules();
-/// The rule \p name; null when there is none.
+/// Returns the rule \p name; null if there is no such rule.
 VEXASTANDIN_API const Rule* findRule(std::string_view name);
-/// What add-ons can do wrong and the stand-in cannot see, a sentence each.
+/// Returns the mistakes of add-ons that the stand-in host cannot detect, one sentence for each.
 VEXASTANDIN_API const std::vector<const char*>& uncheckedMistakes();
 
-/// Where something happened.
+/// The place of an event: host call, command, macro line and thread.
 struct Place {
-    std::size_t call = 0;   ///< the number of the host call, counted from 1; 0 when it was no host call
+    std::size_t call = 0;   ///< the number of the host call, counted from 1; 0 if the event was not a host call
     std::string function;   ///< the function of that call
     std::string command;    ///< `ADDON-ID text`, `loading of FILE` or `unloading of ADDON-ID`; empty outside of add-ons
-    std::string macroLine;  ///< `FILE:LINE` of the command, when it came from a macro file
-    std::size_t thread = 0;  ///< the thread, numbered from 1 in the order in which the host met them
+    std::string macroLine;  ///< `FILE:LINE` of the command, if it came from a macro file
+    std::size_t thread = 0;  ///< the thread; the host numbers threads from 1 in the order of their first event
 };
 
-/// A breach of a rule.
+/// A violation of a rule.
 struct Finding {
     std::string rule;                         ///< the name of the rule
-    Severity_e severity = Severity_e::Error;  ///< the rule's
-    std::string message;                      ///< what happened, a line that names all it is about
-    std::string addOnId;                      ///< whose it is; empty when no add-on was running
-    std::optional<Place> opened;              ///< what should have been undone, or was first; not always there
-    Place seen;                               ///< where it came to light
-    std::size_t count = 1;                    ///< how many of a kind it tells of: leaks, or beginnings without end
-    std::size_t repeats = 0;                  ///< how many more there were that are counted only, after this one
+    Severity_e severity = Severity_e::Error;  ///< the severity of the rule
+    std::string message;                      ///< what happened, in one line
+    std::string addOnId;                      ///< the add-on; empty if no add-on was running
+    std::optional<Place> opened;              ///< the earlier call that belongs to it (a start without a finish, ...)
+    Place seen;                               ///< where the stand-in host detected it
+    std::size_t count = 1;                    ///< how many leaks, or starts without a finish, this finding stands for
+    std::size_t repeats = 0;                  ///< how many later findings of the same kind were only counted
 };
 
-/// \p finding for people to read: a line with the macro's line and the rule, then both places and the hint, indented.
+/// Returns the text of \p finding: a line with the macro line and the rule, then indented lines with both places and
+/// the hint.
 VEXASTANDIN_API std::string textOf(const Finding& finding);
-/// \p finding as one line, for people who have read textOf() of another finding of the same cause.
+/// Returns a single line about \p finding. Use it if textOf() has already shown another finding with the same cause.
 VEXASTANDIN_API std::string briefTextOf(const Finding& finding);
 
-/// Remembers causes of findings, so that each is told in full only once:
+/// Remembers the causes of findings, so that a program can show each cause in full only once:
 ///
 ///     vexa::standin::FindingCauses causes;
 ///     for (const Finding& finding : host.violations()) {
 ///         std::cout << (causes.add(finding) ? textOf(finding) : briefTextOf(finding));
 ///     }
 ///
-/// Findings have the same cause when one add-on broke one rule by the same host functions.
-/// Threads: one at a time.
+/// Two findings have the same cause if the same add-on broke the same rule by calls of the same host functions.
+/// Threads: one thread at a time may use the object.
 class VEXASTANDIN_API FindingCauses {
 public:
     /// Adds the cause of \p finding.
-    /// \return whether it is the first of this cause.
+    /// \return true if no earlier finding had this cause.
     bool add(const Finding& finding);
 
 private:

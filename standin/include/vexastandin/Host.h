@@ -22,18 +22,19 @@ struct HostState;
 class ObserverInterface;
 struct CallProgress;
 
-/// One call of a function of the host's C API.
+/// A call of a function of the host's C API.
 struct Call {
     std::string function;  ///< for example "VexaUtilStringAlloc"
-    /// As in C, handles by number: `14, "error string"`, `mutex#1`, `null`. An add-on's identity is its id; a handle or
-    /// an identity that is none of the host's is `unknown`; where a number is to be stored is `address`.
+    /// Written as in C, with handles by number: `14, "error string"`, `mutex#1`, `null`. An add-on's identity is
+    /// written as its id, a handle or identity that the host does not know as `unknown`, and the address of a result as
+    /// `address`.
     std::string arguments;
-    std::string result;      ///< as in C; empty when the function returns nothing, threw, or has not returned yet
-    std::thread::id thread;  ///< who called
-    std::size_t number = 0;  ///< counted from 1 over all calls of the host, also those that are not kept
+    std::string result;      ///< written as in C; empty if the function returns nothing, threw, or has not returned yet
+    std::thread::id thread;  ///< the calling thread
+    std::size_t number = 0;  ///< the number of the call, counted from 1 over all calls, including those not kept
 };
 
-/// A command that an add-on had the host record.
+/// A command that an add-on recorded.
 struct RecordedCommand {
     std::string addOnId;  ///< the add-on
     std::string command;  ///< the command's text, without the add-on
@@ -44,216 +45,222 @@ struct RecordedCommand {
 struct JournalEntry {
     std::string addOnId;                     ///< the add-on
     std::string command;                     ///< the command's text, without the add-on
-    std::optional<std::string> journalData;  ///< the add-on's own data, if it gave any
+    std::optional<std::string> journalData;  ///< the add-on's own data, if it passed any
 };
 
-/// The host's status line, on which an add-on shows the progress of a task.
+/// The host's status line, which shows the progress of a task.
 struct StatusLine {
-    std::string text;             ///< what the task is doing; empty when the add-on gave none
-    int percent = 0;              ///< how much of it is done, 0 to 100; what is given beyond that counts as the limit
-    bool showStopButton = false;  ///< whether the user is offered to stop it
-    bool showBar = false;         ///< whether a progress bar is asked for
-    bool active = false;          ///< whether the line is up; when it is taken down the rest stays as it was
+    std::string text;             ///< the add-on's text; empty if it gave none
+    int percent = 0;              ///< how much of the task is done, 0 to 100; a value outside becomes 0 or 100
+    bool showStopButton = false;  ///< true if the add-on asked for a stop button
+    bool showBar = false;         ///< true if the add-on asked for a progress bar
+    bool active = false;          ///< true while the line is shown; the other fields keep their values afterwards
 };
 
-/// Whether two status lines show the same.
+/// Returns true if all fields are equal.
 VEXASTANDIN_API bool operator==(const StatusLine& left, const StatusLine& right);
-/// Whether two status lines show different things.
+/// Returns true if a field differs.
 VEXASTANDIN_API bool operator!=(const StatusLine& left, const StatusLine& right);
 
 /// A loaded add-on.
 struct AddOnInfo {
-    std::string id;     ///< the name by which macros address it
-    std::string title;  ///< its title for people, may be empty
-    std::string path;   ///< the file it was loaded from; `(linked in)` when it is part of the program
+    std::string id;     ///< the name that macros use for the add-on
+    std::string title;  ///< the title shown to users; may be empty
+    std::string path;   ///< the file of the add-on; `(linked in)` if it is part of the program
 };
 
 /// The entry of an add-on: the function vexaAddOn() of `vexa/AddOn.h`, or one like it.
 using AddOnEntry = const VexaAddOn_s* (*)(AddOnList_s* self);
 
-/// What came of one command.
+/// The result of a command.
 struct CommandResult {
-    bool accepted = false;  ///< whether the add-on reported success
-    std::string error;      ///< the add-on's message, or what escaped from it; empty on success
+    bool accepted = false;  ///< true if the add-on reported success
+    std::string error;      ///< the add-on's message, or the exception that left it; empty on success
 };
 
-/// An add-on that cannot be loaded. The message is one line: the file, and why.
+/// Reports an add-on that cannot be loaded. The message is one line: the file and the reason.
 class VEXASTANDIN_API LoadError : public ExceptionBase {
 public:
-    /// Keeps \p message.
+    /// Copies \p message.
     explicit LoadError(const std::string& message);
     LoadError(const LoadError&) = default;
     ~LoadError() override;
 };
 
-/// A stand-in for the host application: it supplies the host's C functions to add-ons, and to the library.
+/// A stand-in for the host application. It implements the host's C functions for add-ons and for the library.
 ///
-///     vexa::standin::Host host;               // now the process's host
+///     vexa::standin::Host host;               // the process's host from here on
 ///     host.setRecording(true);
 ///     host.loadAddOn("./libprobe-stats.so");
 ///     const CommandResult result = host.run("PROBESTATS", "LOAD FILE = 'wake.txt'");
-///     host.recordedCommands();                // what the add-on had recorded
+///     host.recordedCommands();                // the commands that the add-on recorded
 ///
-/// Constructing a Host makes it the process's host; destroying it brings back the one before. With none alive the
-/// C functions do nothing, answer false and allocate nothing.
+/// A new Host becomes the process's host. When it is destroyed, the previous one becomes the process's host again. If
+/// no Host exists, the C functions do nothing and return 0, null or GetValueReturnCode_UnknownPath.
 ///
-/// The C functions compare handles before they use them: a handle that is null, freed or of another host, also of
-/// the one before, is refused or ignored. So are a mutex locked twice, and one freed while it is locked. The lock
-/// goes by its identity alone, which may be any: it is given back under an identity it was taken under.
+/// The C functions check each handle before they use it. They refuse or ignore a handle that is null, freed, or from
+/// another host, even from the previous one. They also refuse to lock a mutex twice in a thread, and to free a locked
+/// mutex. The lock accepts any identity; it must be released with an identity with which it was taken.
 ///
-/// Ownership: the host owns its add-ons; it shuts them down and unloads them when it is destroyed, the last loaded
-///            first. What they allocated from it and did not release is released then. The code of an add-on stays
-///            loaded while another thread that has called the host runs: it may be the add-on's.
-/// Threads:   the C functions may be called from any thread, also while a host ends. Hosts are constructed, destroyed
-///            and told to load, run and unload from one thread, and not from within a C function of the same host.
+/// Ownership: the host owns its add-ons. When it is destroyed, it shuts them down and unloads them, the last loaded
+///            first, and frees everything that they allocated from it. The code of an add-on stays loaded while another
+///            thread that has called the host runs, because the thread may run that code.
+/// Threads:   any thread may call the C functions, even while a host is being destroyed. A single thread must construct
+///            and destroy hosts, and load, run and unload add-ons. It must not do so from within a C function of the
+///            same host.
 class VEXASTANDIN_API Host {
 public:
-    /// Becomes the process's host. Nothing is active: no recording, no playback, no batch mode.
+    /// Becomes the process's host. Recording, playback and batch mode are off.
     Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
-    /// Unloads the add-ons, brings back the host before, and waits for the calls that other threads still make of this
-    /// one: what shows a dialog or the status line must return. A thread that waits for the lock or for a mutex of the
-    /// host goes on without it.
+    /// Unloads the add-ons, makes the previous host the process's host, and waits until other threads have returned
+    /// from their calls of this host. So a function passed to onDialog() or onStatus() must return. A thread that waits
+    /// for the lock or for a mutex of this host stops waiting and does not get it.
     ~Host();
 
-    /// The process's host; null when none is alive.
+    /// Returns the process's host; null if no Host exists.
     static Host* current();
-    /// Whether the calling thread runs code of an add-on: a host entered the add-on on it, and it is not inside of one
-    /// of the host's C functions, nor in what these call to show or to observe something.
+    /// Returns true if the calling thread runs code of an add-on, that is, if a host has called the add-on on this
+    /// thread, and the thread is not inside a C function of the host, an observer, or a function such as the one passed
+    /// to onDialog().
     static bool isInAddOn() noexcept;
 
-    /// \name What the host answers
+    /// \name The host's answers
     /// @{
-    void setBatchMode(bool active);          ///< whether a macro runs in batch mode
-    void setRecording(bool active);          ///< whether macro commands are recorded
-    void setProcessingJournal(bool active);  ///< whether a journal is played back
-    void setProcessingLayout(bool active);   ///< whether a layout is played back
+    void setBatchMode(bool active);          ///< true: the host runs a macro in batch mode
+    void setRecording(bool active);          ///< true: the host records macro commands
+    void setProcessingJournal(bool active);  ///< true: the host plays back a journal
+    void setProcessingLayout(bool active);   ///< true: the host plays back a layout
 
-    /// Gives a style setting a value: what VexaUtilStyleGetLowLevelX() answers for every pair of offsets. A text or a
-    /// set belongs to the host, and add-ons may use it until its path is given another value.
-    /// \param path 1 to 6 keywords, outermost first, none empty; the case of ASCII letters does not matter.
-    /// \throws vexa::InvalidArgumentException when \p path is none.
+    /// Sets the value of a style setting, which VexaUtilStyleGetLowLevelX() returns for every pair of offsets. The host
+    /// owns a text or set; add-ons may use it until the path gets another value.
+    /// \param path 1 to 6 keywords, outermost first, none empty. ASCII letters match in any case.
+    /// \throws vexa::InvalidArgumentException if \p path is not such a path.
     void setStyle(const std::vector<std::string>& path, const StyleValue& value);
-    /// Gives a style setting the value that it has for one pair of offsets, whatever it is for every pair.
-    /// Parameters and errors as above.
+    /// Sets the value of a style setting for one pair of offsets. It takes precedence over the value for every pair.
+    /// \param path as in the other overload.
+    /// \throws vexa::InvalidArgumentException as the other overload does.
     void setStyle(const std::vector<std::string>& path, long offset1, long offset2, const StyleValue& value);
 
-    /// Presses the stop button of the status line: VexaUtilStatusCheckPercentDone() answers 0 from now on, whether or
-    /// not the task offers the button. May be called from any thread, and from a signal handler.
+    /// Presses the stop button of the status line. From now on VexaUtilStatusCheckPercentDone() returns 0, even if the
+    /// task shows no stop button. Any thread and any signal handler may call it.
     void pressStop() noexcept;
-    /// Presses the stop button when VexaUtilStatusCheckPercentDone() is called for the \p nth time from now on, counted
-    /// from 1: that call answers 0, and so do those after it. The last one asked for holds.
-    /// \throws vexa::InvalidArgumentException for a \p nth of 0.
+    /// Presses the stop button at a later call of VexaUtilStatusCheckPercentDone(). That call and all later ones return
+    /// 0. A second call of this function replaces the first.
+    /// \param nth which call from now on, counted from 1.
+    /// \throws vexa::InvalidArgumentException if \p nth is 0.
     void pressStopAtCheck(std::size_t nth);
-    /// Presses the stop button when VexaUtilStatusCheckPercentDone() is told \p percent or more. The last one asked for
-    /// holds.
+    /// Presses the stop button when an add-on calls VexaUtilStatusCheckPercentDone() with \p percent or more. A second
+    /// call of this function replaces the first.
     void pressStopAtPercent(int percent) noexcept;
-    /// Lets go of the stop button, and forgets when it was to be pressed. May be called from where pressStop() may.
+    /// Releases the stop button, and cancels pressStopAtCheck() and pressStopAtPercent(). Any thread and any signal
+    /// handler may call it.
     void releaseStop() noexcept;
-    /// Whether the stop button is pressed. May be called from where pressStop() may.
+    /// Returns true if the stop button is pressed. Any thread and any signal handler may call it.
     bool isStopPressed() const noexcept;
 
-    /// Lets a coming call of \p function fail: it does nothing and returns \p result (null for pointers).
-    /// \param function the C function's name.
+    /// Makes a later call of \p function fail: it does nothing and returns \p result, or null if it returns a pointer.
+    /// \param function the name of the C function.
     /// \param nth      which call from now on, counted from 1.
-    /// \param result   what it returns; ignored where it returns nothing or a pointer.
-    /// \throws vexa::InvalidArgumentException when the host has no such function, or for a \p nth of 0.
+    /// \param result   the result; ignored if the function returns nothing or a pointer.
+    /// \throws vexa::InvalidArgumentException if the host has no such function, or if \p nth is 0.
     void failCall(const std::string& function, std::size_t nth = 1, int result = 0);
-    /// Lets a coming call of \p function throw `std::runtime_error`. Parameters and errors as in failCall().
+    /// Makes a later call of \p function throw `std::runtime_error`. Parameters and errors are those of failCall().
     void throwFromCall(const std::string& function, std::size_t nth = 1);
-    /// Forgets the calls that were to fail or to throw and have not come.
+    /// Cancels failCall() and throwFromCall() for all calls that have not happened yet.
     void forgetFaults();
     /// @}
 
-    /// \name What the host saw
+    /// \name What the host recorded
     /// @{
 
-    /// Every call so far, in order. A copy, so that it can be read while others call.
+    /// Returns a copy of all calls so far, in order. Other threads may go on calling.
     std::vector<Call> calls() const;
-    /// The names of the functions called so far, in order.
+    /// Returns the names of the functions called so far, in order.
     std::vector<std::string> calledFunctions() const;
-    /// Forgets the calls so far.
+    /// Deletes the calls so far.
     void clearCalls();
-    /// Whether calls, and the history of the status line, are kept; they are, unless told otherwise. A program that
-    /// runs for long keeps none.
+    /// If \p keeps is false, the host stops keeping calls and the history of the status line. By default it keeps them.
+    /// Turn it off in a long-running program to limit the memory used.
     void setKeepsCalls(bool keeps);
-    /// The commands recorded so far, while recording was on. What a macro file would not give back as the same command
-    /// is refused, and a finding: a command that is blank, begins with a blank or has a line break in it; an add-on id
-    /// that is empty, has white space in it or begins with `#`.
+    /// Returns the commands that add-ons recorded so far, while recording was on. The host refuses, with a finding, to
+    /// record what it could not read back from a macro file: a command that is blank, starts with a blank or has a line
+    /// break; an add-on id that is empty, has white space or starts with `#`.
     std::vector<RecordedCommand> recordedCommands() const;
-    /// Forgets the commands recorded so far.
+    /// Deletes the commands recorded so far.
     void clearRecordedCommands();
-    /// Has \p keep called with each command as it is recorded, on the calling thread.
+    /// Makes the host call \p keep with each command that an add-on records, on the thread of the add-on.
     void onRecorded(std::function<void(const RecordedCommand&)> keep);
-    /// The journal so far. It refuses the commands that a recording refuses.
+    /// Returns the journal so far. The host refuses the same commands as when it records.
     std::vector<JournalEntry> journalEntries() const;
-    /// Has \p keep called with each journal entry as it is added, on the calling thread.
+    /// Makes the host call \p keep with each entry that an add-on adds to the journal, on the thread of the add-on.
     void onJournaled(std::function<void(const JournalEntry&)> keep);
-    /// The texts of the error dialogs so far.
+    /// Returns the texts of the error dialogs so far.
     std::vector<std::string> dialogs() const;
-    /// Has \p show called with the text of each dialog as it comes up, on the calling thread.
+    /// Makes the host call \p show with the text of each error dialog, on the thread of the add-on.
     void onDialog(std::function<void(const std::string&)> show);
-    /// The status line as it is now.
+    /// Returns the current status line.
     StatusLine statusLine() const;
-    /// The status line after each of its changes, in order, while calls are kept; setKeepsCalls() says whether.
+    /// Returns the status line after each change, in order. It has only the changes made while the host keeps calls;
+    /// see setKeepsCalls().
     std::vector<StatusLine> statusHistory() const;
-    /// Has \p show called with the status line after each of its changes, on the calling thread. A call that changes
-    /// nothing is none: a percentage or a text shown already, and anything but a start while the line is down.
+    /// Makes the host call \p show with the status line after each change, on the thread of the add-on. A call with the
+    /// current percentage or text changes nothing. While the line is not shown, only a start changes it.
     void onStatus(std::function<void(const StatusLine&)> show);
     /// @}
 
     /// \name Add-ons
     /// @{
 
-    /// Loads an add-on and calls its entry. The host's lock is taken from it when its entry leaves it open.
-    /// \param path the shared object; a name without a slash is looked for in the current folder.
-    /// \return what the add-on says of itself.
-    /// \throws LoadError, "FILE: " and the reason; nothing stays loaded then, and shutdown is not called.
+    /// Loads an add-on and calls its entry. If the entry returns without releasing the host's lock, the host releases
+    /// it.
+    /// \param path the shared object. A name without a slash is a file in the current folder.
+    /// \return the add-on's description of itself.
+    /// \throws LoadError "FILE: " and the reason. The host then unloads the file and does not call shutdown.
     AddOnInfo loadAddOn(const std::string& path);
-    /// Takes an add-on that is part of the program, so that nothing is loaded and nothing will be unloaded: calls its
-    /// entry, and from then on treats it like any other.
-    /// \return what the add-on says of itself.
-    /// \throws LoadError, "(linked in): " and the reason; shutdown is not called then.
+    /// Calls the entry of an add-on that is part of the program, and then treats it like a loaded add-on. The host
+    /// neither loads nor unloads a file.
+    /// \return the add-on's description of itself.
+    /// \throws LoadError "(linked in): " and the reason. The host then does not call shutdown.
     AddOnInfo linkAddOn(AddOnEntry entry);
-    /// The loaded add-ons, in the order of their loading.
+    /// Returns the loaded add-ons, in the order in which they were loaded.
     std::vector<AddOnInfo> addOns() const;
-    /// Shuts the add-ons down and unloads them, the last loaded first. The host's lock is taken from each that leaves
-    /// it open, and an exception that escapes from its shutdown is a finding.
+    /// Shuts down and unloads all add-ons, the last loaded first. If an add-on holds the host's lock after its
+    /// shutdown, the host releases it. If an exception leaves the shutdown, the host makes it a finding.
     void unloadAddOns();
-    /// Runs one command of a loaded add-on. An exception that escapes from the add-on is its failure; the host's lock,
-    /// when the add-on left it open, is taken from it, and a status line that it left up is taken down.
-    /// \param macroLine `FILE:LINE` of the command when it comes from a macro file; findings name it.
-    /// \throws vexa::InvalidArgumentException when no add-on \p addOnId is loaded.
+    /// Runs one command of a loaded add-on. If an exception leaves the add-on, the command fails. If the add-on returns
+    /// without releasing the host's lock or finishing its status line, the host does so.
+    /// \param macroLine `FILE:LINE` of the command if it comes from a macro file, for findings.
+    /// \throws vexa::InvalidArgumentException if no add-on \p addOnId is loaded.
     CommandResult run(const std::string& addOnId, const std::string& command, const std::string& macroLine = {});
     /// @}
 
     /// \name The contract
     /// @{
 
-    /// Whether the rules of rules() are checked; they are, unless told otherwise. To be switched while no add-on is
-    /// loaded, and before the C functions are called.
+    /// Turns the checks of all rules() on or off. By default they are on. Call it while no add-on is loaded, and before
+    /// the first call of a C function.
     void setChecking(bool active);
-    /// The breaches of rules so far, in order. Of each rule and add-on the first ten are kept; the last of them counts
-    /// the others. A copy, so that it can be read while others call.
+    /// Returns a copy of the findings so far, in order. Other threads may go on calling. The host keeps the first ten
+    /// findings per rule and add-on; the tenth counts the later ones.
     std::vector<Finding> violations() const;
-    /// Lets breaches of a rule pass without a finding from now on.
-    /// \throws vexa::InvalidArgumentException when there is no such rule.
+    /// From now on the host makes no findings about \p rule.
+    /// \throws vexa::InvalidArgumentException if there is no such rule.
     void suppress(const std::string& rule);
-    /// The rules suppressed of which there was no breach so far, in the order of their suppression.
+    /// Returns the suppressed rules that no add-on has broken so far, in the order of their suppression.
     std::vector<std::string> unusedSuppressions() const;
-    /// Adds a finding that was made outside of the host. It gets the severity of its rule.
-    /// \throws vexa::InvalidArgumentException when there is no such rule.
+    /// Adds a finding that another part of the program made. It gets the severity of its rule.
+    /// \throws vexa::InvalidArgumentException if there is no such rule.
     void report(Finding finding);
-    /// The host call made last, and the command that runs, or ran last. May be called from any thread, also while a
-    /// command hangs.
+    /// Returns the last host call, and the running or last command. Any thread may call it, even while a command hangs.
     Place lastCall() const;
-    /// Counts the calls in \p progress from now on, which takes over the count; null for the host's own place. To be
-    /// set while no add-on is entered. It must live until it is replaced, or longer than the host. Costs nothing per
-    /// call.
+    /// From now on the host counts its calls in \p progress, starting from the current count. Null makes it count in
+    /// its own object again. Call this while the host is not in an add-on. The object must live until it is replaced or
+    /// the host is destroyed. This adds no cost per call.
     void setCallProgress(CallProgress* progress);
-    /// Has \p observer told of all that happens from now on; null for nobody. To be set while no add-on is entered. It
-    /// must live until it is replaced, or longer than the host.
+    /// From now on the host passes all events to \p observer; null for no observer. Call this while the host is not in
+    /// an add-on. The observer must live until it is replaced or the host is destroyed.
     void setObserver(ObserverInterface* observer);
     /// @}
 

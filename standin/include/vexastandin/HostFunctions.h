@@ -6,32 +6,32 @@
 
 namespace vexa::standin {
 
-/// What a call does to the scope its function belongs to.
+/// Whether a call starts or finishes a scope, such as the time in which the lock is held.
 enum class ScopeRole_e {
-    None,         ///< its function belongs to no scope
-    Begins,       ///< opens one
-    Ends,         ///< closes one
-    BeginsOrEnds  ///< opens one when its argument is 1, closes one when it is 0
+    None,         ///< the function belongs to no scope
+    Begins,       ///< the call starts the scope
+    Ends,         ///< the call finishes the scope
+    BeginsOrEnds  ///< the call starts the scope if its argument is 1, and finishes it if the argument is 0
 };
 
-/// What a function returns, and so how a call of it can be seen to fail.
+/// The type of a function's result, which decides how a call reports a failure.
 enum class ResultKind_e {
-    None,       ///< nothing
-    Handle,     ///< a handle or a string; null when it fails
-    Boolean,    ///< 0 when it fails, or for no
-    ReturnCode  ///< how a style query came out
+    None,       ///< no result
+    Handle,     ///< a handle or a string; null on failure
+    Boolean,    ///< 0 on failure, or for the answer "no"
+    ReturnCode  ///< the result of a style query
 };
 
-/// What there is to know about a function of the host's C API.
+/// Describes a function of the host's C API.
 struct HostFunctionInfo {
     const char* name;     ///< for example "VexaUtilLockStart"
-    const char* scope;    ///< the scope it belongs to, for example "lock"; empty when there is none
-    ScopeRole_e role;     ///< what it does to its scope
-    bool isForAnyThread;  ///< whether it may be called from any thread
-    ResultKind_e result;  ///< what it returns
+    const char* scope;    ///< the function's scope, for example "lock"; empty if it has none
+    ScopeRole_e role;     ///< whether a call starts or finishes the scope
+    bool isForAnyThread;  ///< true if any thread may call the function
+    ResultKind_e result;  ///< the type of the result
 };
 
-/// Every function of the host's C API, in the order of its header.
+/// Returns all functions of the host's C API, in the order of its header.
 VEXASTANDIN_API const std::vector<HostFunctionInfo>& hostFunctions();
 
 }  // namespace vexa::standin

@@ -12,45 +12,45 @@ namespace vexa::standin {
 
 struct StatusLine;
 
-/// A host call, as an observer sees it.
+/// The start or the end of a host call.
 struct CallEvent {
-    std::size_t number = 0;                      ///< counted from 1 over all calls of the host
+    std::size_t number = 0;                      ///< the number of the call, counted from 1 over all calls of the host
     const char* function = "";                   ///< for example "VexaUtilStringAlloc"
     std::string arguments;                       ///< as in Call: handles by number, no addresses
-    std::string result;                          ///< as in Call; empty while the call has not returned
-    bool threw = false;                          ///< whether it ended by an exception, which the host was told to throw
-    std::size_t threadNumber = 0;                ///< numbered from 1 in the order in which the host met them
-    std::thread::id thread;                      ///< who called
-    std::chrono::steady_clock::time_point time;  ///< when this was
+    std::string result;                          ///< as in Call; empty at the start of the call
+    bool threw = false;                          ///< true if the call ended by an injected exception
+    std::size_t threadNumber = 0;                ///< the calling thread, numbered as in Place
+    std::thread::id thread;                      ///< the calling thread
+    std::chrono::steady_clock::time_point time;  ///< the time of this event
 };
 
-/// What the host has an add-on do.
+/// Why the host calls an add-on.
 enum class Entry_e {
-    Loading,   ///< load its shared object and call its entry
-    Command,   ///< run a command
-    Unloading  ///< call its shutdown, and unload its shared object
+    Loading,   ///< to load its shared object and call its entry
+    Command,   ///< to run a command
+    Unloading  ///< to call its shutdown and unload its shared object
 };
 
-/// The beginning or the end of the time that the host spends in an add-on.
+/// The host calls an add-on, or the add-on returns to the host.
 struct EntryEvent {
-    Entry_e kind = Entry_e::Command;  ///< what the add-on has to do
-    std::string addOnId;              ///< the add-on; its file when its loading begins, for the id is not known yet
-    std::string command;              ///< the command's text; empty when it is none
-    std::string macroLine;            ///< `FILE:LINE` of the command, when it came from a macro file
-    bool succeeded = false;           ///< at the end: whether the add-on did what it was to do
-    std::string error;                ///< at the end: what it reported, or what escaped from it
-    std::size_t threadNumber = 0;     ///< numbered from 1 in the order in which the host met them
-    std::thread::id thread;           ///< which thread does it
-    std::chrono::steady_clock::time_point time;  ///< when this was
+    Entry_e kind = Entry_e::Command;  ///< why the host calls the add-on
+    std::string addOnId;              ///< the add-on's id, or its file while the host does not know the id yet
+    std::string command;              ///< the command's text; empty if the host runs no command
+    std::string macroLine;            ///< `FILE:LINE` of the command, if it came from a macro file
+    bool succeeded = false;           ///< at the end: true if the add-on succeeded
+    std::string error;                ///< at the end: the add-on's message, or that of the exception that left it
+    std::size_t threadNumber = 0;     ///< the thread, numbered as in Place
+    std::thread::id thread;           ///< the thread
+    std::chrono::steady_clock::time_point time;  ///< the time of this event
 };
 
-/// Sees what happens between a host and its add-ons while it happens; Host::setObserver() tells it to.
+/// Receives the events between a host and its add-ons as they happen. Install an observer with Host::setObserver().
 ///
-/// A call begins and ends on one thread, and what happens in between on that thread lies within it. Calls of several
-/// threads arrive by several threads at once, not necessarily in the order of their numbers.
+/// A call starts and ends on the same thread. The events on that thread between its start and its end belong to the
+/// call. Different threads may send events at the same time, and not in the order of the call numbers.
 ///
-/// Errors:  what an operation throws is ignored.
-/// Threads: called on the thread it tells of, with nothing of the host locked.
+/// Errors:  the host ignores an exception that an operation throws.
+/// Threads: the host calls an observer on the thread of the event, and holds no lock of its own.
 class VEXASTANDIN_API ObserverInterface {
 public:
     ObserverInterface() = default;
@@ -58,17 +58,17 @@ public:
     ObserverInterface& operator=(const ObserverInterface&) = delete;
     virtual ~ObserverInterface();
 
-    /// The host enters an add-on.
+    /// The host calls an add-on.
     virtual void entryBegan(const EntryEvent& entry) = 0;
-    /// The host is back. Findings that come to light at the end were told before.
+    /// The add-on returned to the host. The host reports the findings of this return first, by findingMade().
     virtual void entryEnded(const EntryEvent& entry) = 0;
     /// An add-on calls the host.
     virtual void callBegan(const CallEvent& call) = 0;
-    /// The call ends. Findings about it were told before.
+    /// The call returned or threw. The host reports the findings about it first, by findingMade().
     virtual void callEnded(const CallEvent& call) = 0;
-    /// A rule was broken. Every breach is told, also those that Host::violations() only counts.
+    /// An add-on broke a rule. The host reports every violation, including those that Host::violations() only counts.
     virtual void findingMade(const Finding& finding) = 0;
-    /// The status line has changed.
+    /// The status line changed.
     virtual void statusChanged(const StatusLine& line) = 0;
 };
 

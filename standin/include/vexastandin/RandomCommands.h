@@ -12,22 +12,22 @@ namespace vexa::standin {
 
 class Host;
 
-/// An option of a command, for commands to be made of.
+/// An option that RandomCommands may write.
 struct OptionForm {
-    std::string name;                 ///< as written
-    std::vector<std::string> values;  ///< its values, as written; at least one
-    std::vector<std::string> others;  ///< rarer ones, most of them refused; may be empty
-    std::size_t percent = 30;         ///< how often the option is given
+    std::string name;                 ///< the name, as written in a command
+    std::vector<std::string> values;  ///< values, as written in a command; at least one
+    std::vector<std::string> others;  ///< rare values, most of which the add-on refuses; may be empty
+    std::size_t percent = 30;         ///< how many commands in a hundred have the option
 };
 
-/// A command of an add-on, for commands to be made of.
+/// A command that RandomCommands may write.
 struct CommandForm {
     std::string word;                 ///< the command's name; not empty
-    std::string assign;               ///< what stands between an option's name and its value, blanks included
-    std::vector<OptionForm> options;  ///< all that it knows
+    std::string assign;               ///< the text between an option's name and its value, including blanks
+    std::vector<OptionForm> options;  ///< the options of the command
 };
 
-/// Makes commands at random, and puts a host into any mode: for tests that run thousands of commands and expect no
+/// Writes random commands and sets random modes of a host. Use it in tests that run thousands of commands and expect no
 /// finding.
 ///
 ///     const std::vector<CommandForm> forms = {{"GREET", " = ", {{"TIMES", {"1", "2"}, {"-1", "many"}}}}};
@@ -38,21 +38,22 @@ struct CommandForm {
 ///         ASSERT_TRUE(tested.findings.empty()) << tested << "seed " << seed;
 ///     }
 ///
-/// The choices are the same ones whenever the seed is, on every machine.
+/// The same seed gives the same commands and modes, on every machine.
 class VEXASTANDIN_API RandomCommands {
 public:
-    /// Begins with \p seed.
+    /// Starts the random choices with \p seed.
     explicit RandomCommands(std::uint64_t seed);
 
-    /// A command of \p forms, of which there must be one. Most often it is well-formed: its options in any order, now
-    /// and then one doubled, or one of another command. One in ten is damaged: cut off, a byte less, a byte too many.
+    /// Returns a command of one of \p forms, which must not be empty. Most commands are well-formed, with options in
+    /// any order; sometimes an option is repeated or belongs to another command. One command in ten is damaged: it is
+    /// cut off, or has a byte too few or too many.
     std::string command(const std::vector<CommandForm>& forms);
-    /// Puts \p host into any mode: recording or not, batch mode, playback; with a user who may press stop at any time.
+    /// Sets random modes of \p host: recording, batch mode, playback, and when the user presses stop.
     void setModes(Host& host);
 
-    /// A number from 0 to \p end - 1; \p end must not be 0.
+    /// Returns a random number from 0 to \p end - 1. \p end must not be 0.
     std::size_t below(std::size_t end);
-    /// True in \p percent of all cases.
+    /// Returns true in \p percent of all calls.
     bool chance(std::size_t percent);
 
 private:

@@ -11,24 +11,24 @@
 
 namespace vexa::standin {
 
-/// A command that an add-on under test ran, and what came of it.
+/// A command that an add-on under test ran, and its results.
 struct TestedCommand {
     std::string command;                ///< the add-on's id, a blank, and the command's text
-    bool accepted = false;              ///< whether the add-on reported success
-    std::string error;                  ///< the add-on's message, or what escaped from it; empty on success
-    std::vector<std::string> recorded;  ///< the texts of the commands recorded meanwhile, ready to be run again
-    std::vector<std::string> dialogs;   ///< the texts of the error dialogs that came up meanwhile
-    /// The breaches of rules that came to light meanwhile. Where more than ten are of one rule and add-on, the tenth
-    /// comes again and counts the others.
+    bool accepted = false;              ///< true if the add-on reported success
+    std::string error;                  ///< the add-on's message, or the exception that left it; empty on success
+    std::vector<std::string> recorded;  ///< the commands that it recorded, as texts that run() takes
+    std::vector<std::string> dialogs;   ///< the texts of the error dialogs that it showed
+    /// The findings that it caused. The host keeps ten findings per rule and add-on; if this command caused further
+    /// ones, this has the tenth again, which counts them.
     std::vector<Finding> findings;
 };
 
-/// All of it, for people.
+/// Writes all fields as readable text.
 VEXASTANDIN_API std::ostream& operator<<(std::ostream& out, const TestedCommand& command);
-/// The text of textOf().
+/// Writes textOf(\p finding).
 VEXASTANDIN_API std::ostream& operator<<(std::ostream& out, const Finding& finding);
 
-/// An add-on under test, in a stand-in host of its own that records. With GoogleTest, for example:
+/// Runs an add-on under test in its own stand-in host, which records. An example with GoogleTest:
 ///
 ///     #include <gtest/gtest.h>
 ///     #include <vexastandin/Testing.h>
@@ -42,31 +42,33 @@ VEXASTANDIN_API std::ostream& operator<<(std::ostream& out, const Finding& findi
 ///         EXPECT_EQ(greeted.recorded, std::vector<std::string>{"GREET TIMES = 2 "});
 ///     }
 ///
-/// What the host answers, how the user stops a task, and which of its functions fail is told to host():
+/// Use host() to set the host's answers, to press stop, and to let host functions fail:
 ///
 ///     greeter.host().setStyle({"TEXT", "HEIGHT"}, 14.0);
 ///     greeter.host().pressStopAtPercent(50);
 ///     greeter.host().failCall("VexaUtilStringAlloc");
 ///
-/// Nothing here depends on a test framework. An add-on that is linked into the test program, not loaded, is given by
-/// its entry: `AddOnTester greeter(vexaAddOn)`.
+/// This header depends on no test framework. If the add-on is linked into the test program, pass its entry instead of a
+/// path: `AddOnTester greeter(vexaAddOn)`.
 class VEXASTANDIN_API AddOnTester {
 public:
-    /// Loads the add-on \p path. \throws LoadError
+    /// Loads the add-on from the file \p path.
+    /// \throws LoadError as Host::loadAddOn() does.
     explicit AddOnTester(const std::string& path);
-    /// Takes an add-on that is part of the test program. \throws LoadError
+    /// Uses an add-on that is part of the test program.
+    /// \throws LoadError as Host::linkAddOn() does.
     explicit AddOnTester(AddOnEntry entry);
     AddOnTester(const AddOnTester&) = delete;
     AddOnTester& operator=(const AddOnTester&) = delete;
     ~AddOnTester();
 
-    /// Its host: the process's, until another one is constructed.
+    /// Returns the add-on's host. It is the process's host until another Host is constructed.
     Host& host() { return m_host; }
-    /// The same.
+    /// Returns the add-on's host.
     const Host& host() const { return m_host; }
 
     /// Runs a command of the add-on.
-    /// \throws vexa::InvalidArgumentException when the add-on was unloaded.
+    /// \throws vexa::InvalidArgumentException if the add-on was unloaded.
     TestedCommand run(const std::string& command);
 
 private:
@@ -74,17 +76,22 @@ private:
     std::string m_id;
 };
 
-/// Expects of a host that no rule of its contract is broken until the end of the scope: there it unloads the add-ons,
-/// for leaks show only then, and reports each finding of the host. AddOnTester shows use.
+/// Reports the findings of a host at the end of its scope. Its destructor first unloads the add-ons, because the host
+/// detects leaks only then. For an example see AddOnTester.
 ///
-/// Errors: a report must not throw; one that does ends the program.
+/// Errors: if \p report throws, the program ends.
 class VEXASTANDIN_API ExpectNoFindings {
 public:
-    /// \param host   lives longer than this.
-    /// \param report called with the text of each finding; makes it a failure of the test.
+    /// Stores both arguments for the destructor.
+    /// \param host   must outlive this object.
+    /// \param report called with the text of each finding. It should make the test fail.
+    /// \throws vexa::InvalidArgumentException "Without a report no test would fail over a finding" if \p report is
+    ///         empty.
     [[nodiscard]] ExpectNoFindings(Host& host, std::function<void(const std::string& text)> report);
-    /// The same for one of several tests: what breaks the contract in all of them is reported in full once.
-    /// \param causes those that were reported, in one line from now on; lives longer than this.
+    /// Does the same for several tests that share \p causes: only the first finding with a cause is reported in full.
+    /// \param host   must outlive this object.
+    /// \param report called with the text of each finding, or with one line if \p causes has its cause.
+    /// \param causes receives the causes of the findings; must outlive this object.
     [[nodiscard]] ExpectNoFindings(Host& host, std::function<void(const std::string& text)> report,
                                    FindingCauses& causes);
     ExpectNoFindings(const ExpectNoFindings&) = delete;
