@@ -12,15 +12,15 @@ namespace vexa {
 namespace {
 
 constexpr int kMostFrames = 64;
-// An exception that was assigned to inside its own handler is its own cause, so a chain may have no end.
+// An exception that was assigned to in its own handler is its own cause, so a chain of causes may be endless.
 constexpr int kMostCauses = 64;
 
-// A stream that takes no text is nothing to report: this is the report.
+// Ignores a failure of the stream, because there is no other place to report it.
 void printLine(FILE* stream, const char* label, const char* text) {
     static_cast<void>(std::fprintf(stream, "%s%s\n", label, text));
 }
 
-// With no memory left to look for names, the addresses have to do.
+// Prints addresses if there is no memory for the names.
 void printFrames(FILE* stream, const std::vector<void*>& frames) {
     const auto count = static_cast<int>(frames.size());
     const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames.data(), count), &std::free);
@@ -55,11 +55,11 @@ struct ExceptionBase::StackTrace {
     std::vector<void*> frames;
 };
 
-// NOLINTNEXTLINE(modernize-pass-by-value): by reference, as the class libraries' users compile it.
+// NOLINTNEXTLINE(modernize-pass-by-value): the signature is part of the binary interface.
 ExceptionBase::ExceptionBase(const std::string& message, bool captureStackTrace)
     : m_message(message), m_cause(std::current_exception()) {
     if (!captureStackTrace) return;
-    // From where this constructor was called; what lies above that in the stack is no part of the caller's story.
+    // Keep only the caller's frames. The frames above it belong to the construction of this exception.
     std::array<void*, kMostFrames> frames{};
     void** const end = frames.data() + backtrace(frames.data(), kMostFrames);
     void** const caller = std::find(frames.data(), end, __builtin_return_address(0));

@@ -14,7 +14,7 @@ constexpr char CLOSEPAREN_token = ')';
 constexpr std::string_view kNonZeroDigits = "123456789";
 constexpr std::string_view kExponentSigns = "eE";
 
-// Not isspace(), which asks the locale. Nearly every character is above the blank, and is told by one comparison.
+// Not isspace(), which depends on the locale. The first comparison is enough for nearly every character.
 bool isWhiteSpace(char c) { return static_cast<unsigned char>(c) <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r')); }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -24,14 +24,15 @@ std::size_t afterWhiteSpace(const std::string& text, std::size_t at) {
     return at;
 }
 
-// A token that was found is kept where an integer would be, for the size of a Scanner is part of the binary contract.
-// One of these bits of the position tells what is kept; no text is long enough to have them set.
+// A scanner keeps the last token found in the place of an integer, because the size of Scanner is part of the binary
+// interface. One of these bits of the position then marks a token. No text is long enough to set them.
 constexpr std::size_t kTokenMark = std::size_t{1} << 63;
 constexpr std::size_t kDelimitedMark = std::size_t{1} << 62;
 
-// The functions below are told what is kept, use it when it is what they look for, and else find and keep that.
+// The functions below take the last result as `kept`. If it is the one that they look for, they reuse it. Otherwise
+// they search, and store the new result in `kept`.
 
-// The first token from `at` on; empty when there is none.
+// Returns the first token at or after `at`; empty if there is none.
 template <typename Found>
 std::string_view findToken(const std::string& text, std::size_t at, Found& kept) {
     if (kept.at != (at | kTokenMark)) {
@@ -43,14 +44,14 @@ std::string_view findToken(const std::string& text, std::size_t at, Found& kept)
     return {text.data() + kept.value, kept.end - static_cast<std::size_t>(kept.value)};
 }
 
-// The characters from `at` to the first of `delimiters`; empty when no delimiter follows.
+// Returns the characters from `at` to the first of `delimiters`; empty if no delimiter follows.
 std::string_view findAnyDelimited(const std::string& text, std::size_t at, const std::string& delimiters) {
     const std::size_t end = text.find_first_of(delimiters, at);
     if (end == std::string::npos) return {};
     return std::string_view(text).substr(at, end - at);
 }
 
-// The same; kept for a single delimiter, which can also be found much faster.
+// Does the same, faster for a single delimiter. It stores the result only then.
 template <typename Found>
 std::string_view findDelimited(const std::string& text, std::size_t at, const std::string& delimiters, Found& kept) {
     if (delimiters.size() != 1) return findAnyDelimited(text, at, delimiters);
@@ -62,18 +63,17 @@ std::string_view findDelimited(const std::string& text, std::size_t at, const st
     return {text.data() + at, kept.end - at};
 }
 
-// Where in `text` the part of it that `token` is ends.
+// Returns the position in `text` at which `token`, a part of it, ends.
 std::size_t endOf(std::string_view token, const std::string& text) {
     return static_cast<std::size_t>(token.data() - text.data()) + token.size();
 }
 
-// Where a number begins for from_chars(), which knows a minus sign but no plus. Of "+-1" the plus is kept, so that it
-// is refused.
+// Skips a plus sign, which from_chars() does not accept. It keeps the plus of "+-1", so that from_chars() refuses it.
 const char* withoutPlus(const char* begin, const char* end) {
     return end - begin > 1 && *begin == PLUS_token && begin[1] != MINUS_token ? begin + 1 : begin;
 }
 
-// What the next token is as a number: its text, without a plus sign, and its value when there is no error.
+// The result of reading a number: its text without a plus sign, and its value if there is no error.
 template <typename Number>
 struct Reading {
     std::string_view text;
@@ -98,8 +98,8 @@ Reading<Number> readNumber(const std::string& text, std::size_t at) {
     return reading;
 }
 
-// Whether a well-formed number that is out of range is so by being too small. It is then hundreds of powers of ten
-// below 1, so which side of 1 it is on need not be told to the digit.
+// Returns true if an out-of-range number is too small, and false if it is too large. Such a number is hundreds of
+// powers of ten away from 1, so the position of its first digit decides.
 bool isTooSmall(std::string_view number) {
     const std::size_t mantissaEnd = std::min(number.find_first_of(kExponentSigns), number.size());
     const std::size_t point = std::min(number.find('.'), mantissaEnd);
@@ -124,14 +124,14 @@ Reading<double> readDouble(const std::string& text, std::size_t at) {
     return reading;
 }
 
-// What `reading` says of what stands at `at`, in the form that the scanner keeps.
+// Returns `reading` in the form in which the scanner keeps it.
 template <typename Found, typename Number>
 Found found(const std::string& text, std::size_t at, const Reading<Number>& reading) {
     return {at, endOf(reading.text, text), reading.isNumber(), reading.value};
 }
 
-// Finds nearly all integers there are: of up to 18 digits, which cannot overflow, and nothing but digits behind the
-// sign. False for all else, which may still be one. Takes half of what from_chars() and the checks around it do.
+// A fast path for integers of at most 18 digits, which cannot overflow. Returns false for any other token, even if it
+// is an integer.
 template <typename Found>
 bool findPlainInt64(const std::string& text, std::size_t at, Found& found) {
     constexpr std::ptrdiff_t kSafeDigits = 18;
@@ -153,8 +153,8 @@ bool findPlainInt64(const std::string& text, std::size_t at, Found& found) {
     return true;
 }
 
-// The rare and long ways are functions of their own, not inlined: the short ones then need no stack, which is a sixth
-// of the cost of an integer.
+// These functions are not inlined, so that their callers need no stack frame, which is a large part of the cost of
+// reading an integer.
 template <typename Found>
 [[gnu::noinline]] void findAnyInt64(const std::string& text, std::size_t at, Found& kept) {
     kept = found<Found>(text, at, readNumber<int64_t>(text, at));
@@ -170,7 +170,7 @@ template <typename Found>
     kept = found<Found>(text, at, readDouble(text, at));
 }
 
-// What is inline in the header is exported, too, for add-ons whose compiler does not inline it.
+// Makes the compiler emit and export the inline members, for add-ons whose compiler does not inline them.
 [[gnu::used]] constexpr struct {
     bool (Scanner::*hasNextChar)() const;
     char (Scanner::*nextChar)();

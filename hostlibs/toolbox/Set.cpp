@@ -30,14 +30,14 @@ constexpr int64_t kMostSteppedMembers = int64_t{1} << 24;
 constexpr std::size_t kMostQuoted = 60;
 constexpr std::size_t kUsualRanges = 4;
 constexpr std::size_t kFewRanges = 256;
-constexpr int kRadixBits = 9;  // a seventh of a member's bits, which leaves digits small enough for the cache
+constexpr int kRadixBits = 9;  // a seventh of a member's bits, so that the table of a digit fits into the cache
 constexpr std::size_t kRadix = std::size_t{1} << kRadixBits;
 
-// Whether a range that begins at `first`, and not before `run`, overlaps it or goes on where it ends. (No member is
-// negative, so one less than a member cannot overflow, unlike one more.)
+// Returns true if a range that starts at `first` overlaps or adjoins `run`. It must not start before `run`.
+// (`first - 1` cannot overflow, because no member is negative. `run.last + 1` could.)
 bool continues(const Range& run, int64_t first) { return first - 1 <= run.last; }
 
-// One step of a radix sort: puts into `sorted` what `ranges` holds, in the order of the digit at `shift`.
+// One pass of a radix sort: copies `ranges` to `sorted`, ordered by the digit at `shift`.
 void sortByDigit(const Ranges& ranges, int shift, Ranges& sorted) {
     const auto digitOf = [shift](const Range& range) {
         return static_cast<std::size_t>(range.first >> shift) % kRadix;
@@ -48,8 +48,7 @@ void sortByDigit(const Ranges& ranges, int shift, Ranges& sorted) {
     for (const Range& range : ranges) sorted[begins[digitOf(range)]++] = range;
 }
 
-// Many ranges are sorted without comparing them, in time linear in their number: comparing would take longer than
-// all the rest of reading a set.
+// Uses a radix sort for many ranges, because a sort by comparison would take longer than reading the text.
 void sortByFirst(Ranges& ranges) {
     if (ranges.size() < kFewRanges) {
         std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.first < b.first; });
@@ -64,7 +63,7 @@ void sortByFirst(Ranges& ranges) {
     }
 }
 
-// Puts ranges in any order into ascending runs.
+// Sorts `ranges` and joins those that overlap or adjoin. `ranges` must not be empty.
 void normalize(Ranges& ranges) {
     sortByFirst(ranges);
     auto run = ranges.begin();
@@ -80,8 +79,8 @@ void normalize(Ranges& ranges) {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Reads the text form of a set. Stands on a character of the text, or on the NUL behind it, which is no part of the
-// text form, so that no step has to ask whether the text is at its end.
+// Reads the text form of a set. At the end of the text it reads the terminating NUL, which the text form does not
+// allow, so no step needs to check for the end.
 class Reader {
 public:
     explicit Reader(const std::string& text) : m_text(text), m_at(text.c_str()) {}
@@ -96,7 +95,7 @@ public:
     }
 
 private:
-    // Starts on the first item and ends after the closing bracket.
+    // Reads from the first item to the closing bracket, which it reads, too.
     void readItems() {
         m_ranges.reserve(kUsualRanges);
         for (;;) {
@@ -107,7 +106,7 @@ private:
         }
     }
 
-    // Returns what may stand behind the item.
+    // Returns the tokens that may follow the item, for an error message.
     const char* readItem() {
         const char* const begin = m_at;
         const int64_t first = readNumber();
@@ -138,7 +137,7 @@ private:
         return step;
     }
 
-    // Reads a number and the blanks behind it.
+    // Reads a number and the blanks after it.
     int64_t readNumber() {
         constexpr std::ptrdiff_t kDigitsThatAlwaysFit = std::numeric_limits<int64_t>::digits10;
         const char* const begin = m_at;
@@ -166,13 +165,13 @@ private:
             }
             m_isAscending = m_isAscending && ascends;
         }
-        // Filled in place: copied from a temporary, every run would wait for the one before to reach the cache.
+        // Fill the run in place. Copying it from a temporary is slower: each copy waits for the previous store.
         Range& added = m_ranges.emplace_back();
         added.first = first;
         added.last = last;
     }
 
-    // `begin` is where the range is written.
+    // `begin` is the start of the range in the text.
     void appendStepped(int64_t first, int64_t last, int64_t step, const char* begin) {
         if (step == 1) {
             append(first, last);
@@ -192,7 +191,7 @@ private:
         return true;
     }
 
-    // As take(), with the blanks behind it.
+    // Does the same as take(), and skips the blanks after the character.
     bool takeSign(char c) {
         if (!take(c)) return false;
         skipBlanks();
@@ -211,7 +210,7 @@ private:
                                        " of set: " + quote(offset));
     }
 
-    // The text around `offset`.
+    // Returns the text, or the part around `offset` if the text is long.
     std::string quote(std::size_t offset) const {
         if (m_text.size() <= kMostQuoted) return m_text;
         const std::size_t wanted = offset - std::min(offset, kMostQuoted / 2);
@@ -227,7 +226,7 @@ private:
     int64_t m_steppedMembers = 0;
 };
 
-// Text put together in a buffer of its own, which is quicker than growing a string by a few characters at a time.
+// Builds a text. It collects characters in a buffer, because appending a few at a time to a string is slower.
 class Writer {
 public:
     void put(char c) { *m_at++ = c; }
@@ -248,7 +247,7 @@ public:
     }
 
 private:
-    // Two numbers of 19 digits, the dash between them, and the comma or bracket that follows.
+    // Two numbers of 19 digits, a dash, and the comma or bracket that follows.
     static constexpr std::ptrdiff_t kLongestRun = 2 * 19 + 2;
 
     char* end() { return m_chunk.data() + m_chunk.size(); }
@@ -276,13 +275,13 @@ void requireRange(int64_t first, int64_t last) {
                                    std::to_string(last));
 }
 
-// The first run from `begin` on that ends at `member` or above.
+// Returns the first run that ends at `member` or above.
 template <typename Iterator>
 Iterator firstEndingFrom(Iterator begin, Iterator end, int64_t member) {
     return std::partition_point(begin, end, [member](const Range& run) { return run.last < member; });
 }
 
-// The first run from `begin` on that begins above `member`.
+// Returns the first run that starts above `member`.
 template <typename Iterator>
 Iterator firstBeginningAbove(Iterator begin, Iterator end, int64_t member) {
     return std::partition_point(begin, end, [member](const Range& run) { return run.first <= member; });
@@ -296,7 +295,7 @@ Set::Set(Set_s* handle) {
     if (handle == nullptr) return;
     Range run{0, -1};
     for (int64_t from = 0; VexaUtilSetNextRange(handle, from, &run.first, &run.last) != 0; from = run.last + 1) {
-        if (run.first < from || run.last < run.first) return;  // no run, and maybe none for ever
+        if (run.first < from || run.last < run.first) return;  // a faulty host could make this loop run forever
         m_ranges.push_back(run);
         if (run.last == kHighestMember) return;
     }
@@ -352,7 +351,7 @@ void Set::insert(int64_t member) { insert(member, member); }
 
 void Set::insert(int64_t first, int64_t last) {
     requireRange(first, last);
-    // From `begin` to `end` are the runs that the new range overlaps or adjoins; all become one.
+    // The new range overlaps or adjoins the runs from `begin` to `end`. They become a single run.
     const auto begin = firstEndingFrom(m_ranges.begin(), m_ranges.end(), first - 1);
     const int64_t behind = last == kHighestMember ? last : last + 1;
     const auto end = firstBeginningAbove(begin, m_ranges.end(), behind);
@@ -369,7 +368,7 @@ void Set::erase(int64_t member) { erase(member, member); }
 
 void Set::erase(int64_t first, int64_t last) {
     requireRange(first, last);
-    // From `begin` to `end` are the runs that lose members; the first and the last of them may keep some.
+    // The runs from `begin` to `end` lose members. The first and the last of them may keep some.
     auto begin = firstEndingFrom(m_ranges.begin(), m_ranges.end(), first);
     auto end = firstBeginningAbove(begin, m_ranges.end(), last);
     if (begin == end) return;

@@ -2,7 +2,7 @@
 
 namespace vexa::ui {
 
-// Out of line, so that the class's virtual table and type information live here and nowhere else.
+// Not inline, so that only this file has the virtual table and type information of the class.
 ProgressBarInterface::~ProgressBarInterface() = default;
 
 }  // namespace vexa::ui

@@ -20,7 +20,7 @@ TaskProgress::TaskProgress(std::shared_ptr<ProgressBarInterface> bar, long count
 TaskProgress::~TaskProgress() {
     try {
         finish();
-    } catch (...) {  // a destructor has nobody to tell
+    } catch (...) {  // a destructor must not throw
     }
 }
 
@@ -48,8 +48,8 @@ void TaskProgress::finish() {
     m_bar->finish();
 }
 
-// The least number of steps that are `percent` of all. Works on the count's hundreds and their rest, so that no
-// product exceeds the count.
+// Returns the smallest number of steps that is at least `percent` of the count. It splits the count into hundreds and a
+// rest, so that no product overflows.
 long TaskProgress::stepsFor(int percent) const {
     const long hundreds = m_count / kAll;
     const long rest = m_count % kAll;
