@@ -3,6 +3,7 @@
 - Every C++ fence shows a sample, which is compiled and run: the line before it names it, `<!-- sample: FILE -->` or
   `<!-- sample: FILE REGION -->`, the file from docs/samples/, the region from the line `// [REGION]` to the next such
   line. Fences of other languages may show a file, too.
+- A fence after the line `<!-- excerpt: FILE -->` shows lines of FILE, a path from the top folder.
 - The commands of the runner that are shown have the options that they are shown with.
 - What is linked to is there.
 """
@@ -15,6 +16,7 @@ from pathlib import Path
 
 FENCE = re.compile(r"^(?P<before>[^\n]*)\n```(?P<language>\w*)\n(?P<text>.*?)^```$", re.MULTILINE | re.DOTALL)
 SAMPLE = re.compile(r"^<!-- sample: (?P<file>\S+)(?: (?P<region>\S+))? -->$")
+EXCERPT = re.compile(r"^<!-- excerpt: (?P<file>\S+) -->$")
 REGION_MARK = re.compile(r"^\s*// \[([\w-]+)\]$")
 COMMAND = re.compile(r"^(?: {4})?(?:\$ )?(?:\S*/)?vexa-standin (?P<name>[a-z]+)(?P<rest>.*)$", re.MULTILINE)
 OPTION = re.compile(r"(?<=\s)--[a-z][a-z-]*")
@@ -40,7 +42,7 @@ def fence_mistakes(text, samples):
         line = text.count("\n", 0, fence.start("language")) + 1
         sample = SAMPLE.match(fence["before"])
         if not sample:
-            if fence["language"] == "cpp":
+            if fence["language"] == "cpp" and not EXCERPT.match(fence["before"]):
                 yield line, "C++ without a sample: the line before has to be <!-- sample: FILE REGION -->"
             continue
         path = samples / sample["file"]
@@ -52,6 +54,20 @@ def fence_mistakes(text, samples):
             yield line, f"{path} has no region {sample['region']}"
         elif expected != fence["text"]:
             yield line, f"it differs from {sample['file']} {sample['region'] or ''}, where stands:\n{expected}"
+
+
+def excerpt_mistakes(text, project):
+    """The excerpts of a page whose files do not have these lines."""
+    for fence in FENCE.finditer(text):
+        excerpt = EXCERPT.match(fence["before"])
+        if not excerpt:
+            continue
+        path = project / excerpt["file"]
+        line = text.count("\n", 0, fence.start("language")) + 1
+        if not path.is_file():
+            yield line, f"there is no {path}"
+        elif "\n" + fence["text"] not in "\n" + path.read_text():
+            yield line, f"{path} has no such lines"
 
 
 def renewed(text, samples):
@@ -117,8 +133,8 @@ def check(project, runner):
     mistakes = 0
     for page in pages_of(project):
         text = page.read_text()
-        found = [*fence_mistakes(text, project / "docs" / "samples"), *command_mistakes(text, help_of),
-                 *link_mistakes(text, page.parent)]
+        found = [*fence_mistakes(text, project / "docs" / "samples"), *excerpt_mistakes(text, project),
+                 *command_mistakes(text, help_of), *link_mistakes(text, page.parent)]
         for line, mistake in sorted(found):
             print(f"{page}:{line}: {mistake}")
         mistakes += len(found)

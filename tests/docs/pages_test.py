@@ -52,6 +52,35 @@ class Fences(unittest.TestCase):
         self.assertEqual(pages.renewed(fence("", "int c;\n"), self.samples), fence("", "int c;\n"))
 
 
+class Excerpts(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.project = Path(folder.name)
+        (self.project / "s.cpp").write_text("int a;\n    int b;\nint c;\n")
+
+    def mistakes(self, text):
+        return [mistake for _, mistake in pages.excerpt_mistakes(text, self.project)]
+
+    def test_lines_of_the_file_are_no_mistake(self):
+        self.assertEqual(self.mistakes(fence("<!-- excerpt: s.cpp -->", "    int b;\nint c;\n")), [])
+
+    def test_lines_that_the_file_does_not_have_are_a_mistake(self):
+        self.assertIn("no such lines", self.mistakes(fence("<!-- excerpt: s.cpp -->", "int a;\nint c;\n"))[0])
+
+    def test_a_part_of_a_line_is_a_mistake(self):
+        self.assertIn("no such lines", self.mistakes(fence("<!-- excerpt: s.cpp -->", "int b;\n"))[0])
+
+    def test_a_missing_file_is_a_mistake(self):
+        self.assertIn("there is no", self.mistakes(fence("<!-- excerpt: t.cpp -->", "int a;\n"))[0])
+
+    def test_a_fence_without_an_excerpt_is_no_mistake(self):
+        self.assertEqual(self.mistakes(fence("", "int d;\n")), [])
+
+    def test_an_excerpt_needs_no_sample(self):
+        self.assertEqual(list(pages.fence_mistakes(fence("<!-- excerpt: s.cpp -->", "int a;\n"), self.project)), [])
+
+
 class Commands(unittest.TestCase):
     def mistakes(self, text):
         return list(pages.command_mistakes(text, {"run": "  --strict  Fail\n  --no-strict"}.get))
