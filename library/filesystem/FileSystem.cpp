@@ -12,7 +12,7 @@ namespace {
 
 namespace bfs = boost::filesystem;
 
-constexpr char kProbeMode[] = "a+";  // makes the file when there is none, and never changes one that is there
+constexpr char kProbeMode[] = "a+";  // creates a missing file, and does not change an existing one
 constexpr char kProbeName[] = "%%%%-%%%%-%%%%-%%%%";
 
 std::string environmentVariable(const char* name) {
@@ -33,7 +33,7 @@ bool canCreate(const std::string& path) {
     return opened;
 }
 
-// Without memory for the probe's name nothing is tried, so the answer is no.
+// Returns false without a try if there is no memory for the name of the new file.
 bool canCreateIn(const bfs::path& folder) {
     try {
         boost::system::error_code error;

@@ -19,7 +19,7 @@ struct KeywordType {
     ResultType_e type;
 };
 
-// The settings whose value is no number.
+// The settings whose value is not a number.
 constexpr KeywordType kKeywordTypes[] = {
     {"UseClipPlanes", ResultType_Set},
     {"ActiveFieldMaps", ResultType_Set},
@@ -59,13 +59,13 @@ bool appendValue(ArgList_s* list, VexaArbParam* value) {
     return VexaUtilArgListAppendArbParamPtr(list, "IValue", value) != 0;
 }
 
-// One setting, asked of the host.
+// Queries the host for one setting.
 class StyleQuery {
 public:
     StyleQuery(ArgList_s* list, const std::vector<std::string>& path, long offset1, long offset2)
         : m_list(list), m_path(path), m_offset1(offset1), m_offset2(offset2) {}
 
-    // A list that the host had no memory for would ask for something else, so it is not asked then.
+    // Does not query with an incomplete list, because that would be a query for another setting.
     template <class Value>
     GetValueReturnCode_e ask(Value* value) const {
         const bool complete = appendPath() && VexaUtilArgListAppendInt(m_list, "Offset1", m_offset1) != 0 &&
@@ -96,7 +96,7 @@ void setNumber(double value, ResultType_e& resultType, std::string& result) {
     resultType = ResultType_Double;
 }
 
-// A host that has no set leaves no handle, and a set need not take such a one.
+// Checks for null itself, because the host maker's own Set may not accept a null handle.
 std::string setText(VexaArbParam value) {
     return value == 0 ? toolbox::Set().toString() : toolbox::Set(reinterpret_cast<Set_s*>(value)).toString();
 }

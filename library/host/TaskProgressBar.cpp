@@ -23,7 +23,7 @@ public:
     bool isInterrupted() const override { return false; }
 };
 
-// Shows a task on the host's status line, with as few host calls as will do.
+// Shows a task on the host's status line. It makes no host call that would change nothing.
 class VexaUtilProgressBar : public ui::ProgressBarInterface {
 public:
     void start(const std::string& message) override {
@@ -31,7 +31,7 @@ public:
         try {
             VexaUtilStatusStartPercentDone(message.c_str(), kTrue, kTrue);
             m_statusMessage = message;
-        } catch (const std::bad_alloc&) {  // a task does not fail for want of a text beside its bar
+        } catch (const std::bad_alloc&) {  // a missing text must not make the task fail
         }
     }
 
@@ -39,7 +39,7 @@ public:
         if (m_isBatch) return;
         try {
             setPercentDone(kAllDone);
-        } catch (...) {  // the line comes down even then
+        } catch (...) {  // remove the status line even after an exception
             VexaUtilStatusFinishPercentDone();
             throw;
         }
@@ -61,7 +61,7 @@ public:
         m_lastPercent = percent;
     }
 
-    // Asks with the percentage last shown, so that asking does not move the bar.
+    // Passes the last percentage shown, so that the call does not move the bar.
     bool isInterrupted() const override {
         return !m_isBatch && VexaUtilStatusCheckPercentDone(m_lastPercent) == kFalse;
     }

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view TRUE_token = "TRUE";
 constexpr std::string_view FALSE_token = "FALSE";
 
-// Compares in the global locale's upper case.
+// Compares in the upper case of the global locale.
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
     if (a == b) return true;
     if (a.size() != b.size()) return false;
@@ -24,7 +24,7 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b) {
                       [&](char x, char y) { return characters.toupper(x) == characters.toupper(y); });
 }
 
-// Leaves `current` on the value.
+// Does not move past the value, so that `current` is on it if the caller throws.
 bool readBoolean(const MacroTokenIterator& current, const MacroTokenIterator& end) {
     if (current == end) throw MacroCommandError("Expected Boolean operator missing");
     if (equalsIgnoringCase(*current, TRUE_token)) return true;

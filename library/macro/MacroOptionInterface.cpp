@@ -2,7 +2,7 @@
 
 namespace vexa::vexautilutil {
 
-// Out of line, so that the class's virtual table and type information live here and nowhere else.
+// Not inline, so that only this file has the virtual table and type information of the class.
 MacroOptionInterface::~MacroOptionInterface() = default;
 
 }  // namespace vexa::vexautilutil

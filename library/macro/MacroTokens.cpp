@@ -10,7 +10,7 @@ namespace {
 
 constexpr char ASSIGNMENT_token[] = "=";
 
-// The character is widened with its sign, on every platform. The runtime library allows for it.
+// Passes the character with its sign on every platform. The C library accepts negative characters.
 // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c)
 bool isInvalidIdentifierChar(char c) { return std::isalnum(static_cast<signed char>(c)) == 0; }
 
@@ -31,8 +31,8 @@ std::string takeToken(MacroTokenIterator& current) {
 }  // namespace
 
 std::string parseIdentifier(MacroTokenIterator& current, const MacroTokenIterator& end) {
-    // An exhausted iterator must not be dereferenced, but still holds its last token, which makes a better message
-    // than none.
+    // At its end the iterator must not be dereferenced, but it still holds the last token. The message shows that
+    // token.
     if (current == end) throw MacroCommandError("Invalid macro identifier, " + current.current_token());
     if (!isIdentifier(*current)) throw MacroCommandError("Invalid macro identifier, " + *current);
     return takeToken(current);

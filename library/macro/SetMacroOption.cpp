@@ -18,12 +18,12 @@ constexpr char CLOSING_character = ']';
 
 std::shared_ptr<Set> copyOf(const Set* set) { return set == nullptr ? nullptr : std::make_shared<Set>(*set); }
 
-// A null default is no set, whether the option has a default or not.
+// Returns null for a null default, even if the option has a default.
 std::shared_ptr<Set> defaultOf(bool hasDefault, const Set* defaultValue) {
     return hasDefault ? copyOf(defaultValue) : nullptr;
 }
 
-// Joins the tokens from the opening bracket, on which `current` stands, to the first closing one.
+// Joins the tokens from the opening bracket, at which `current` is, to the first closing bracket.
 std::string takeBracketedText(MacroTokenIterator& current, const MacroTokenIterator& end) {
     std::string text = *current;
     ++current;
@@ -63,7 +63,7 @@ SetMacroOption::SetMacroOption(MacroTokenIterator& current, const MacroTokenIter
     if (current == end) throw MacroCommandError("Expected set operator missing");
     if (*current != OPENING_token) throw MacroCommandError("Expected opening set character, [");
     const Set value = parseSet(current, end);
-    m_value = copyOf(&value);  // the host maker's sets may be copied, but not moved
+    m_value = copyOf(&value);  // copied, because the host maker's own Set may have no move operations
     m_defaultValue = defaultOf(hasDefault, defaultValue);
 }
 

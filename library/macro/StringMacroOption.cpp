@@ -10,12 +10,12 @@ namespace {
 const std::string SINGLE_QUOTE_token = "'";
 const std::string DOUBLE_QUOTE_token = "\"";
 
-// Double quotes are preferred. A value with both kinds gets single ones, and cannot be read back.
+// Prefers double quotes. A value with both kinds of quotes gets single ones and cannot be read back.
 const std::string& quoteFor(const std::string& value) {
     return value.find(DOUBLE_QUOTE_token) == std::string::npos ? DOUBLE_QUOTE_token : SINGLE_QUOTE_token;
 }
 
-// Leaves `current` on the opening quote.
+// Does not move past the opening quote, so that `current` is on it if this throws.
 const std::string& readOpeningQuote(const MacroTokenIterator& current, const MacroTokenIterator& end) {
     if (current == end) throw MacroCommandError("Expected string operator missing");
     if (*current == DOUBLE_QUOTE_token) return DOUBLE_QUOTE_token;
@@ -23,8 +23,8 @@ const std::string& readOpeningQuote(const MacroTokenIterator& current, const Mac
     throw MacroCommandError("Expected single or double quoted string");
 }
 
-// Joins the tokens after the opening quote, on which `current` stands, up to the next such quote, and moves past it.
-// The tokenizer drops nothing, so this is the text as it was written.
+// Joins the tokens between the opening quote, at which `current` is, and the next quote of the same kind, and moves
+// past that quote. The tokenizer drops no character, so the result is the text as written.
 std::string parseQuotedString(MacroTokenIterator& current, const MacroTokenIterator& end) {
     const std::string quote = *current;
     std::string value;

@@ -10,7 +10,7 @@
 namespace vexa::vexautilutil {
 namespace {
 
-// Leaves `current` on the value.
+// Does not move past the value, so that `current` is on it if this throws.
 uint64_t readUInt64(const MacroTokenIterator& current, const MacroTokenIterator& end) {
     if (current == end) throw MacroCommandError("Expected UInt64 operator missing");
     uint64_t value = 0;

@@ -20,8 +20,8 @@ namespace {
 constexpr char ESCAPE_character = '\\';
 const std::string SET_END_delimiter = "]";
 
-// As toupper() in the locale of the process does. The C library's table is asked for once a word and not once a
-// character, which takes a sixth off the time of a whole command.
+// Converts as toupper() does in the locale of the process. It gets the C library's table once per word, because a call
+// of toupper() per character is noticeably slower.
 void toUpperCase(std::string& text) {
     const int32_t* const upper = *__ctype_toupper_loc();
     for (char& c : text) c = static_cast<char>(upper[static_cast<unsigned char>(c)]);
@@ -35,9 +35,9 @@ struct BooleanWord {
 };
 constexpr BooleanWord kBooleans[] = {{"T", 1}, {"F", 0}, {"TRUE", 1}, {"FALSE", 0}, {"YES", 1}, {"NO", 0}};
 
-// The host's copy of a message; null when the host has no memory for it.
+// Copies a message into a host string. Returns null if the host has no memory for it.
 char* toHostString(const std::string& message) {
-    const std::size_t size = message.size() + 2;  // one more than needed: what hosts have always been asked for
+    const std::size_t size = message.size() + 2;  // one byte more than needed: hosts have always got this size
     if (size > INT_MAX) return nullptr;
     char* const text = VexaUtilStringAlloc(static_cast<int>(size), "error string");
     if (text != nullptr) std::memcpy(text, message.c_str(), message.size() + 1);
@@ -46,8 +46,8 @@ char* toHostString(const std::string& message) {
 
 }  // namespace
 
-// The scanner may be the host maker's own. So each getter first asks whether something is left, and never relies on
-// what the scanner does when nothing is.
+// The scanner may be the host maker's own, and its result at the end of the text is not defined. So each getter first
+// checks that something is left.
 struct MacroCommandProcessorAbstract::Impl {
     explicit Impl(MacroCommandProcessorAbstract* processor) : owner(processor) {}
 
@@ -58,7 +58,7 @@ struct MacroCommandProcessorAbstract::Impl {
         return owner->processCommand();
     }
 
-    // Stores what a getter found, with the option it found it in. Out of memory, the message before stays.
+    // Stores a getter's message with the name of the option. If memory runs out, the previous message stays.
     void squirrelAwayError(std::string_view message) {
         try {
             std::string text = "Error: ";
@@ -72,14 +72,14 @@ struct MacroCommandProcessorAbstract::Impl {
         } catch (const std::bad_alloc&) {}
     }
 
-    // Stores the error and returns false, for the getters to return. Not inlined: they are short without it, and need
-    // no stack.
+    // Stores the error and returns false, so that a getter can return the result. It is not inlined, so that the
+    // getters need no stack frame on success.
     [[gnu::noinline]] bool refuse(std::string_view message) {
         squirrelAwayError(message);
         return false;
     }
 
-    // Reads the next word in upper case. False when no word is left; `word` is then unchanged.
+    // Reads the next word in upper case. Returns false, and leaves `word` unchanged, if no word is left.
     bool readWord(std::string& word) {
         if (!scanner.hasNextToken()) return false;
         word = scanner.nextToken();
@@ -87,14 +87,14 @@ struct MacroCommandProcessorAbstract::Impl {
         return true;
     }
 
-    // Waits until a character is left. At the end of the text that is forever: add-ons rely on it.
+    // Waits until a character is left. At the end of the text it never returns; add-ons rely on this.
     void waitForCharacter() const {
-        [[maybe_unused]] volatile bool asked = false;  // keeps the compiler from assuming that the loop must end
+        [[maybe_unused]] volatile bool asked = false;  // without it, the compiler may assume that the loop ends
         while (!scanner.hasNextChar()) asked = true;
     }
 
-    // Reads a string up to and including its closing quote. False when there is no opening quote, or when the text ends
-    // after an escape.
+    // Reads a string, including both quotes. Returns false if the opening quote is missing, or if the text ends after
+    // the backslash of an escape.
     bool readQuoted(std::string& value, bool processEscapes) {
         if (!scanner.hasNextChar()) return false;
         const char quote = scanner.nextChar();
@@ -115,7 +115,7 @@ struct MacroCommandProcessorAbstract::Impl {
         value.clear();
         scanner.skipWhitespace();
         if (scanner.nextChar() != '[') return refuse("Invalid Set syntax.  Missing starting [");
-        if (scanner.hasNextChar(']')) return true;  // the bracket stays unread; add-ons count on it
+        if (scanner.hasNextChar(']')) return true;  // the bracket stays unread; add-ons rely on it
         if (!scanner.hasNextToken(SET_END_delimiter)) return refuse("Invalid Set syntax.  Missing ending ]");
         std::string text = '[' + scanner.nextToken(SET_END_delimiter) + ']';
         scanner.nextChar();
@@ -130,8 +130,8 @@ struct MacroCommandProcessorAbstract::Impl {
     }
 
     Scanner scanner;
-    std::string currentOptionName;  // as written; empty until the first one of the command
-    std::string errorMessage;       // what the host gets when the command fails
+    std::string currentOptionName;  // as written; empty before the command's first option
+    std::string errorMessage;       // passed to the host if the command fails
     MacroCommandProcessorAbstract* owner;
 };
 

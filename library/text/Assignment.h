@@ -6,8 +6,7 @@
 
 namespace vexa::vexautilutil {
 
-// Returns `name` and `sign`, with room behind them for `room` characters more: the value is appended without asking
-// for memory again.
+// Returns `name` + `sign`, with memory reserved for `room` more characters, so that appending the value allocates none.
 std::string beginAssignment(std::string_view name, std::string_view sign, std::size_t room);
 
 }  // namespace vexa::vexautilutil

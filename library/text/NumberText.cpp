@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kSignificantDigits = 6;
 
-// The classic locale is looked up once; that is a third of what asking takes.
+// Keeps a reference to the classic locale, because the lookup is a large part of the cost of this function.
 bool isGlobalLocaleClassic() {
     static const std::locale& classic = std::locale::classic();
     return std::locale() == classic;
@@ -18,7 +18,7 @@ bool isGlobalLocaleClassic() {
 template <class Number>
 void appendByStream(std::string& text, Number value) {
     std::ostringstream stream;
-    stream.exceptions(std::ios::badbit);  // else the stream would swallow an allocation failure
+    stream.exceptions(std::ios::badbit);  // without it, the stream would hide an allocation failure
     stream << value;
     text += stream.str();
 }

@@ -14,7 +14,7 @@
 namespace vexa::vexautilutil {
 namespace {
 
-// Closes without touching `errno`, which has the reason of a failure.
+// Keeps `errno`, which may hold the reason of an earlier failure.
 struct StreamCloser {
     void operator()(FILE* stream) const {
         const int reason = errno;
@@ -24,7 +24,7 @@ struct StreamCloser {
 };
 using Stream = std::unique_ptr<FILE, StreamCloser>;
 
-// A folder can be opened, and tells a size that depends on the file system it lies in.
+// A folder can be opened like a file, and has a size that depends on the file system.
 bool isFolder(FILE* stream) {
     struct stat status {};
     static_cast<void>(fstat(fileno(stream), &status));  // cannot fail: the descriptor is open
@@ -42,7 +42,7 @@ std::optional<std::size_t> sizeOf(FILE* stream) {
     return static_cast<std::size_t>(size);
 }
 
-// As in the default locale, whatever locale the process has.
+// White space as in the default locale, in every locale of the process.
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 const char* skipSpace(const char* text) {
@@ -53,11 +53,11 @@ const char* skipSpace(const char* text) {
 }  // namespace
 
 struct AsciiFile::Impl {
-    // Takes the text of a file of `size` bytes. False when it cannot be read whole.
+    // Reads the text of a file of `size` bytes. Returns false if it cannot read all of it.
     bool read(FILE* stream, std::size_t size) {
         buffer.reset(new char[size + 1]);
         if (std::fread(buffer.get(), 1, size, stream) != size) {
-            if (std::ferror(stream) == 0) errno = EIO;  // the file has become shorter meanwhile
+            if (std::ferror(stream) == 0) errno = EIO;  // the file became shorter since sizeOf()
             buffer.reset();
             return false;
         }
@@ -65,7 +65,7 @@ struct AsciiFile::Impl {
         return true;
     }
 
-    // False when there is no memory for all lines.
+    // Returns false if there is no memory for all lines.
     bool split(std::size_t size) {
         const std::size_t linesBefore = lineOffsets.size();
         bool complete = true;
@@ -76,16 +76,16 @@ struct AsciiFile::Impl {
             buffer.reset();
             errno = ENOMEM;
         }
-        // A line counts from its first byte on, before there is an entry for it.
+        // The line for which memory ran out has no entry, but it counts.
         lineCount = lineOffsets.size() - linesBefore + (complete ? 0 : 1);
         return complete;
     }
 
-    std::unique_ptr<char[]> buffer;  // the text, with each line's end overwritten by NUL; null when no file is held
+    std::unique_ptr<char[]> buffer;  // the text, with a NUL at the end of each line; null if no file is held
     std::string fileName;
     uint64_t currentLine = 0;
     uint64_t lineCount = 0;
-    std::vector<uint64_t> lineOffsets;  // in the buffer; those of files opened before come first
+    std::vector<uint64_t> lineOffsets;  // offsets in the buffer; those of previous files come first
 };
 
 AsciiFile::AsciiFile() : m_impl(std::make_unique<Impl>()) {}
@@ -131,7 +131,7 @@ const char* AsciiFile::readRawLine() { return readRawLineAtOffset(m_impl->curren
 
 std::string AsciiFile::readLine() {
     std::string line = readLineAtOffset(m_impl->currentLine);
-    ++m_impl->currentLine;  // not when there is no memory for the copy
+    ++m_impl->currentLine;  // after the copy, so that it does not move if memory runs out
     return line;
 }
 

@@ -15,8 +15,9 @@ constexpr std::string_view kFlagsAndSizes = "-+ #'0123456789.";
 
 bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
-// Whether `printf` may be given `format` and one value: it must find one conversion, one of `conversions`, with
-// `modifier` before it. Anything else would make it read what is not there.
+// Returns true if `printf` can take `format` and one value: the format must have exactly one conversion, it must be one
+// of `conversions`, and `modifier` must be before it. With any other format `printf` would read arguments that it was
+// not given.
 bool fitsOneValue(std::string_view format, std::string_view modifier, std::string_view conversions) {
     int found = 0;
     for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at)) {
@@ -37,10 +38,10 @@ bool fitsOneValue(std::string_view format, std::string_view modifier, std::strin
 }
 
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"  // checked above, which is where a wrong one is harmless
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"  // fitsOneValue() checks the format
 
-// What `printf` makes of a format that fits, cut at the end of the buffer; any other format as it stands. Either ends
-// at its first NUL.
+// Returns the result of `printf`, cut at the end of the buffer, if the format fits one value. Returns any other format
+// unchanged. Both end at their first NUL.
 template <class Value>
 std::string formatted(const char* format, std::string_view modifier, std::string_view conversions, Value value) {
     if (!fitsOneValue(format, modifier, conversions)) return format;

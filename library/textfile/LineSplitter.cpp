@@ -13,8 +13,8 @@
 namespace vexa::vexautilutil {
 namespace {
 
-// How many lines a text will have, to make room for them at once. Some blocks of it tell; counting all would cost
-// another pass.
+// Estimates the number of lines from a sample of blocks, to reserve memory once. Counting all lines would read the
+// whole text once more.
 std::size_t estimatedLines(const char* text, std::size_t size) {
     constexpr std::size_t kBlocks = 64;
     constexpr std::size_t kBlockSize = 4096;
@@ -29,8 +29,8 @@ std::size_t estimatedLines(const char* text, std::size_t size) {
     return estimate + estimate / 16 + 1;
 }
 
-// Has the kernel hand out a large table in large pages: page by page that would take longer than filling it. It is a
-// hint, and nothing is lost where it is not taken. A smaller table may share its pages with others, and is left alone.
+// Advises the kernel to use large pages for a large table, because allocating small pages one by one takes longer than
+// filling them. The kernel may ignore the advice. A smaller table may share its pages with other data.
 void preferLargePages(std::vector<uint64_t>& table) {
     constexpr std::size_t kLarge = std::size_t{32} << 20;
     constexpr std::size_t kPage = std::size_t{2} << 20;
@@ -41,7 +41,7 @@ void preferLargePages(std::vector<uint64_t>& table) {
     madvise(begin + toPage, (size - toPage) / kPage * kPage, MADV_HUGEPAGE);
 }
 
-// The estimate may be too large. When there is no memory for it, the table grows as lines are found.
+// Ignores a lack of memory, because the estimate may be too high. The table then grows as lines are found.
 void reserveFor(const char* text, std::size_t size, std::vector<uint64_t>& offsets) {
     try {
         offsets.reserve(offsets.size() + estimatedLines(text, size));
@@ -49,25 +49,25 @@ void reserveFor(const char* text, std::size_t size, std::vector<uint64_t>& offse
     } catch (const std::bad_alloc&) {}
 }
 
-// Takes the lines in the order of their ends. Offsets go to the table many at a time, which is cheaper than one by one.
+// Collects the lines in their order. It appends many offsets to the table at once, which is faster than one by one.
 class LineCollector {
 public:
     explicit LineCollector(std::vector<uint64_t>& offsets) : m_offsets(offsets) {}
 
-    // The line ends before `next`, where another one begins. There must be room, see makeRoom().
+    // Ends the current line. The next line starts at `next`. Call makeRoom() first.
     void endLine(uint64_t next) {
         m_waiting[m_count++] = m_begin;
         m_begin = next;
     }
 
-    // The text ends at `end`. A line that has a byte is one, though it has no line feed.
+    // Ends the text at `end`. Bytes after the last line feed are a line, too.
     void endText(uint64_t end) {
         makeRoom(1);
         if (end != m_begin) endLine(end);
         store();
     }
 
-    // Makes room for so many calls of endLine().
+    // Makes room for `lines` calls of endLine().
     void makeRoom(std::size_t lines) {
         if (m_count + lines > kMostWaiting) store();
     }
@@ -90,8 +90,8 @@ private:
 
 constexpr std::size_t kStride = 64;
 
-// Blanks the line feeds and carriage returns of the 16 bytes at `text`.
-// Returns a bit for each that was a line feed, the lowest for the first byte.
+// Replaces the line feeds and carriage returns in the 16 bytes at `text` by NUL. Returns a bit for each line feed; the
+// lowest bit stands for the first byte.
 uint64_t splitVector(char* text) {
     auto* const place = reinterpret_cast<__m128i*>(text);
     const __m128i bytes = _mm_loadu_si128(place);
@@ -101,7 +101,7 @@ uint64_t splitVector(char* text) {
     return static_cast<uint64_t>(_mm_movemask_epi8(lineFeeds));
 }
 
-// Whether a NUL is among the 64 bytes at `text`: it is the smallest byte there is.
+// Returns true if the 64 bytes at `text` have a NUL, that is, if their minimum is 0.
 bool hasNul(const char* text) {
     const auto* const place = reinterpret_cast<const __m128i*>(text);
     const __m128i lower = _mm_min_epu8(_mm_loadu_si128(place), _mm_loadu_si128(place + 1));
@@ -109,8 +109,8 @@ bool hasNul(const char* text) {
     return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(lower, upper), _mm_setzero_si128())) != 0;
 }
 
-// Splits strides of 64 bytes, up to one that has a NUL, or less than 64 bytes.
-// Returns how far it came.
+// Splits the text in strides of 64 bytes. Stops at a stride that has a NUL or is shorter. Returns the position at which
+// it stopped.
 std::size_t splitStrides(char* text, std::size_t size, LineCollector& lines) {
     std::size_t at = 0;
     for (; at + kStride <= size && !hasNul(text + at); at += kStride) {
