@@ -28,7 +28,7 @@ std::string printed(const ExceptionBase& exception) {
     return {text, size};
 }
 
-// An exception made while `cause` is being handled.
+// Returns an exception constructed in the handler of `cause`.
 template <class Cause>
 ExceptionBase causedBy(const Cause& cause, const std::string& message) {
     try {
@@ -115,7 +115,7 @@ TEST(ExceptionBasePrint, EndsForAnExceptionThatIsItsOwnCause) {
     } catch (ExceptionBase& exception) {
         exception = ExceptionBase("second", false);
         text = printed(exception);
-        exception = withoutCause;  // or it would keep itself alive
+        exception = withoutCause;  // ends the circle of causes, which would be a leak
     }
     EXPECT_EQ(text.substr(0, 25), "second\nCaused by: second\n");
     EXPECT_EQ(text.substr(text.size() - 21), "\n... and more causes\n");

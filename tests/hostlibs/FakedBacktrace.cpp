@@ -8,7 +8,7 @@ namespace {
 
 Backtrace faked = Backtrace::Real;
 
-// The C library's function of that name.
+// Returns the C library's function `name`.
 template <class Function>
 Function* original(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -24,7 +24,7 @@ FakedBacktrace::~FakedBacktrace() { faked = Backtrace::Real; }
 
 using namespace vexa::tests;
 
-// Seen by the libraries of the process, whatever visibility this build defaults to.
+// The libraries of the process must use these functions, even if the build hides names by default.
 #pragma GCC visibility push(default)
 
 extern "C" {

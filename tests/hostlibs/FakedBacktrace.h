@@ -2,15 +2,15 @@
 
 namespace vexa::tests {
 
-/// What the C library's functions about the stack can be made to answer.
+/// The results that the C library's backtrace functions can be made to return.
 enum class Backtrace {
     Real,
-    OfAnother,    ///< one frame, in which nobody called
-    WithoutNames  ///< frames as they are, but no memory for their names
+    OfAnother,    ///< one frame, which is not the caller's
+    WithoutNames  ///< the real frames, but no memory for their names
 };
 
-/// Sets the answer, from construction to destruction. Works in programs that compile FakedBacktrace.cpp, which stands
-/// between them and the C library.
+/// Sets the result while the object exists. The program must compile FakedBacktrace.cpp, which replaces the functions
+/// of the C library.
 class FakedBacktrace {
 public:
     explicit FakedBacktrace(Backtrace answer);

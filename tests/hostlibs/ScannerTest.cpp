@@ -24,14 +24,14 @@ Scanner scannerOf(const std::string& text) {
     return scanner;
 }
 
-// What is left to read.
+// Returns the unread text.
 std::string restOf(Scanner scanner) {
     std::string rest;
     while (scanner.hasNextChar()) rest += scanner.nextChar();
     return rest;
 }
 
-// Both as "number" or "refused", so that a test sees when `has` and `next` disagree.
+// Returns the number as text, or "refused". Checks that hasNextDoubleToken() and nextDoubleToken() agree.
 std::string doubleOf(const std::string& text) {
     Scanner scanner = scannerOf(text);
     if (!scanner.hasNextDoubleToken()) {
@@ -449,7 +449,7 @@ TEST(ScannerDouble, MovesPastTheNumberAndNoFurther) {
     EXPECT_EQ(restOf(scanner), " 2.5");
 }
 
-// Commas and groups in the formatting of the C++ library.
+// The global C++ locale has a decimal comma and digit groups.
 TEST(Scanner, IgnoresTheLocale) {
     const tests::GlobalLocale locale(new tests::GroupedNumbers);
     EXPECT_EQ(doubleOf("1.5"), "1.5");
@@ -552,7 +552,7 @@ RC_GTEST_PROP(ScannerProperty, ReadsEveryIntegerBackUnchanged, (int64_t value)) 
     RC_ASSERT(scanner.nextInt64Token() == value);
 }
 
-// What an operation answers, as text; `number` tells which one it is.
+// Calls the operation with this number. Returns its result as text.
 std::string answerOf(Scanner& scanner, int number) {
     switch (number) {
         case 0: return scanner.hasNextToken() ? "token" : "none";
@@ -579,7 +579,7 @@ RC_GTEST_PROP(ScannerProperty, AnswersAsOneThatWasAskedNothingBefore, ()) {
     }
 }
 
-// Any text: what `has` says, `next` keeps, and tokens and white space together are the text.
+// If hasNextToken() returns true, nextToken() returns a token. All tokens and white space together are the text.
 RC_GTEST_PROP(ScannerProperty, TokensAndWhiteSpaceMakeUpTheText, ()) {
     const auto text = *rc::gen::container<std::string>(rc::gen::elementOf(std::string("ab1.-+e= \t\n\v\f\r")));
     Scanner scanner = scannerOf(text);

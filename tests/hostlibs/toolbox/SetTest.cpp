@@ -44,14 +44,14 @@ std::string refusalOf(Operation operation) {
     return "accepted";
 }
 
-// Ascending single members, two apart: as many runs as members.
+// Returns `count` single members in ascending order, each two more than the one before, so each is a run.
 std::string textOfRuns(int count) {
     std::string text = "[0";
     for (int i = 1; i < count; ++i) text += "," + std::to_string(2 * i);
     return text + "]";
 }
 
-// The same runs, in the opposite order.
+// Returns the same runs in descending order.
 std::string textOfDescendingRuns(int count) {
     std::string text = "[";
     for (int i = count - 1; i > 0; --i) text += std::to_string(2 * i) + ",";
@@ -241,7 +241,7 @@ TEST(SetAssign, RefusalCanBeCaughtAsAStandardException) {
 }
 
 TEST(SetAssign, ExpandsSteppedRangesToTheirLimitInAll) {
-    // The plain range takes the members in, so that this needs no memory.
+    // The first range contains the stepped members, so the set stays a single run and needs little memory.
     EXPECT_EQ(setOf("[0-33554430,0-33554430:2]").size(), 33554431u);
     EXPECT_EQ(setOf("[0-33554430,0-16777214:2,0-16777214:2]").size(), 33554431u);
 }
@@ -302,7 +302,7 @@ TEST(SetAssign, IgnoresTheLocale) {
               "Expected a range end of 7654321 or more at column 10 of set: [7654321-1234567]");
 }
 
-// The outcome of an assign under failing allocations; all else is for the tests to judge.
+// Returns true if assign() throws when allocations fail. The caller checks the set.
 template <class Exception>
 bool throwsWhenMemoryFails(Set& set, const std::string& text, long allowed, tests::Failing failing) {
     std::string argument = text;
@@ -372,8 +372,8 @@ TEST(SetToString, WritesMoreThanOneChunkOfText) {
 }
 
 TEST(SetToString, WritesTheLongestRunsWhereverTheyFall) {
-    // Runs of 39 characters and a comma. Each of the members before them moves them on by three characters more, so
-    // that they come to lie in every way across the ends of the chunks.
+    // Each run has 39 characters and a comma. Each member before the runs shifts them by three characters, so the runs
+    // cross the ends of the writer's chunks at every position.
     for (int before = 0; before < 40; ++before) {
         std::string text = "[0";
         for (int i = 0; i < before; ++i) text += "," + std::to_string(11 + 2 * i);
@@ -519,7 +519,7 @@ TEST(Set, ChangesNothingWhenMemoryFails) {
     const auto unchangedBy = [](auto change) {
         return tests::sweepAllocations(tests::Failing::Once, [&](long allowed, tests::Failing failing) {
             const Set read = setOf("[1-3,5-9]");
-            Set set = read;  // a copy has no room to spare
+            Set set = read;  // a copy has no spare capacity
             bool thrown = false;
             {
                 const tests::FailingAllocator allocator(allowed, failing);
@@ -655,7 +655,7 @@ TEST(Set, CallsTheOverridesOfADerivedSet) {
     EXPECT_EQ(calls, "clear assign[1] ~");
 }
 
-// A set of the stand-in host.
+// A set in the stand-in host.
 class HostSet {
 public:
     HostSet() : m_handle(VexaUtilSetAlloc()) {}
@@ -712,7 +712,7 @@ TEST(SetOfHostSet, AsksForEachRunFromRightBehindTheOneBefore) {
 }
 
 TEST(SetOfHostSet, EndsWhereTheHostGivesNoRun) {
-    // Told that there is a run, it finds none stored at first, and later the one before.
+    // The failing call returns 1 and stores no run: the outputs have no run at first, later the previous run.
     const char* const expected[] = {"[]", "[3]", "[3,5]"};
     for (std::size_t call = 1; call <= std::size(expected); ++call) {
         standin::Host host;
@@ -730,7 +730,7 @@ TEST(SetOfHostSet, TakesANullHandleForTheEmptySet) {
     EXPECT_FALSE((std::is_convertible_v<Set_s*, Set>));
 }
 
-// An insertion (or else an erasure) of a range: where it begins, and how many members follow.
+// A change: true to insert, false to erase; the range's first member; the number of members after it.
 using Change = std::tuple<bool, int, int>;
 
 rc::Gen<std::vector<Change>> someChanges() {
@@ -783,7 +783,7 @@ RC_GTEST_PROP(SetProperty, IsReadBackUnchanged, ()) {
     RC_ASSERT(copy.toString() == set.toString());
 }
 
-// First and last member, and the step.
+// An item: first member, distance to the last member, step.
 using Item = std::tuple<int, int, int>;
 
 RC_GTEST_PROP(SetProperty, ReadsItemsInAnyOrderAndWithAnyBlanks, ()) {

@@ -75,7 +75,7 @@ TEST_F(FileSystemTest, ReportsAReopeningThatFails) {
     errno = 0;
     EXPECT_EQ(fileReopen(m_missing, "rb", stream), nullptr);
     EXPECT_EQ(errno, ENOENT);
-    std::fclose(stream);  // its file is closed already; glibc keeps the stream itself
+    std::fclose(stream);  // fileReopen() closed the file, but glibc still holds the stream
 }
 
 TEST_F(FileSystemTest, RenamesOverAFileThatIsThere) {
@@ -240,7 +240,7 @@ TEST(PathFunctions, DoNotThrow) {
     EXPECT_TRUE(noexcept(isFileOrDirWritable(path)));
 }
 
-// Sets or unsets a variable of the environment, and puts it back at the end.
+// Sets or unsets an environment variable, and restores it in the destructor.
 class Variable {
 public:
     Variable(const char* name, const char* value) : m_name(name) {

@@ -1,5 +1,4 @@
-// Whether files and directories can be written. Root may write everything, so what permissions forbid is asked for by
-// a child process without rights.
+// Tests isFileOrDirWritable(). Root may write every file, so a child process without root's rights checks permissions.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -18,8 +17,7 @@ namespace {
 constexpr uid_t kNobody = 65534;
 constexpr int kNoRights = 77;
 
-// Runs an action in a child, as a user without rights when this one is root.
-// Returns its exit status.
+// Runs an action in a child process, as an ordinary user if this process is root. Returns the exit status.
 int inChild(bool dropRights, const std::function<int()>& action) {
     const pid_t child = fork();
     if (child == 0) {

@@ -16,7 +16,7 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-// Function and arguments of each host call so far.
+// Returns the function and the arguments of each host call so far.
 Calls callsOf(const standin::Host& host) {
     Calls calls;
     for (const standin::Call& call : host.calls()) calls.push_back(call.function + "(" + call.arguments + ")");
@@ -39,7 +39,7 @@ struct Lock : AddOnIdLock {
     Lock() : AddOnIdLock(nullptr) {}
 };
 using Guards = testing::Types<Lock, AuxDataSuspendBroadcast, DataSetSuspendMarking, SolutionTimeNotificationDeferrer>;
-TYPED_TEST_SUITE(EveryGuard, Guards, );  // a macro wants each of its arguments, if only an empty one
+TYPED_TEST_SUITE(EveryGuard, Guards, );  // the macro needs its last argument, even an empty one
 
 TYPED_TEST(EveryGuard, CallsTheHostOnceAtEachEnd) {
     const standin::Host host;

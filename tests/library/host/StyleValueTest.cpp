@@ -36,7 +36,7 @@ void expectValue(const Value& value, ResultType_e type, const std::string& text)
 
 class StyleValueTest : public testing::Test {
 protected:
-    // The host's calls so far, a line each.
+    // Returns the host's calls so far, one per line.
     std::vector<std::string> calls() const {
         std::vector<std::string> lines;
         for (const standin::Call& call : m_host.calls()) lines.push_back(call.function + '(' + call.arguments + ')');
@@ -133,7 +133,7 @@ TEST_F(StyleValueTest, IgnoresTheCaseOfTheKeyword) {
 TEST_F(StyleValueTest, TakesKeywordsInFullOnly) {
     for (const char* keyword : {"NameX", "Nam", "XName", "Name ", "", "N\xe4me"}) {
         Path path{"Group", keyword};
-        if (path.back().empty()) continue;  // no keyword of a host
+        if (path.back().empty()) continue;  // hosts have no empty keyword
         m_host.setStyle(path, int64_t{4});
         expectValue(valueOf(path), ResultType_Integer, "4");
     }

@@ -17,7 +17,7 @@ using Calls = std::vector<std::string>;
 
 class TaskProgressBar : public testing::Test {
 protected:
-    // The status calls so far, in short: "start text 1 1", "check 40", "text x", "finish".
+    // Returns the status calls so far in a short form: "start text 1 1", "check 40", "text x", "finish".
     Calls statusCalls() const {
         Calls calls;
         for (const standin::Call& call : m_host.calls()) {
@@ -204,7 +204,7 @@ TEST_F(TaskProgressBar, DoesNotTakeATextForShownWhenTheHostThrows) {
 
 TEST_F(TaskProgressBar, SwallowsALackOfMemoryForItsText) {
     const std::string message = "a message that is too long to be kept without an allocation";
-    m_host.setKeepsCalls(false);  // or the host would have to allocate, too
+    m_host.setKeepsCalls(false);  // so that the host itself does not allocate
     const auto progress = createTaskProgressBar(2);
     bool failed = false;
     {
@@ -222,7 +222,7 @@ TEST_F(TaskProgressBar, SwallowsALackOfMemoryForItsText) {
 
 TEST_F(TaskProgressBar, SendsATextAgainThatItHadNoMemoryToKeep) {
     const std::string message = "a message that is too long to be kept without an allocation";
-    m_host.setKeepsCalls(false);  // or the host would have to allocate, too
+    m_host.setKeepsCalls(false);  // so that the host itself does not allocate
     const auto progress = createTaskProgressBar(2);
     bool failed = false;
     {

@@ -155,7 +155,7 @@ TEST(BooleanMacroOption, IsAnOptionByPublicVirtualInheritance) {
         using BooleanMacroOption::isDefaultValue;
     };
     Both both;
-    MacroOptionInterface& theOnlyBase = both;  // ambiguous, were the inheritance not virtual
+    MacroOptionInterface& theOnlyBase = both;  // would be ambiguous without virtual inheritance
     EXPECT_EQ(theOnlyBase.toString(), "A=TRUE");
 }
 

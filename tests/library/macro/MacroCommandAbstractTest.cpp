@@ -166,7 +166,7 @@ TEST(MacroCommand, KeepsTheFieldOrder) {
     static_assert(std::is_abstract_v<MacroCommandAbstract>);
 }
 
-// Reads a command back as an add-on does: step over the blanks, parse option after option.
+// Reads a command as an add-on does: skips the blanks and parses one option after another.
 RC_GTEST_PROP(MacroCommand, IsReadBackFromItsText, ()) {
     const auto values = *rc::gen::container<std::map<std::string, bool>>(
         rc::gen::nonEmpty(rc::gen::container<std::string>(rc::gen::elementOf(std::string("abcXYZ")))),

@@ -54,7 +54,7 @@ TEST(MacroOptionPerformer, GetsASetOptionInTheActionForSets) {
     EXPECT_EQ(performer.visited, std::vector<SetMacroOption*>{&option});
 }
 
-// Which action was called, with which option.
+// Records which action was called, and with which option.
 class ListActions : public MacroOptionPerformerInterface {
 public:
     void action(BooleanMacroOption& option) override { calls += "Boolean " + option.name() + ";"; }

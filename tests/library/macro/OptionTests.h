@@ -10,7 +10,7 @@
 
 namespace vexa::vexautilutil {
 
-/// A text that is no option: what it is refused with, and the tokens from the offending one on.
+/// A text that is not an option, the message that refuses it, and the tokens from the offending one on.
 struct RefusalCase {
     const char* why;
     const char* text;
@@ -18,7 +18,8 @@ struct RefusalCase {
     std::vector<std::string> rest;
 };
 
-/// Expects each case to be refused as it says; `more` are the option's constructor's arguments after the iterators.
+/// Expects that each case is refused with its message. `more` are the arguments of the option's constructor after the
+/// iterators.
 template <class Option, class... More>
 void expectRefusals(const std::vector<RefusalCase>& cases, More... more) {
     for (const RefusalCase& c : cases) {
@@ -28,7 +29,7 @@ void expectRefusals(const std::vector<RefusalCase>& cases, More... more) {
     }
 }
 
-/// Expects the virtual operations that all options have in their slots.
+/// Expects that the virtual operations common to all options have their fixed slots.
 template <class Option>
 void expectOptionSlots() {
     EXPECT_EQ(tests::slotOf(&Option::perform), 0);

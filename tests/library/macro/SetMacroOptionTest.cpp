@@ -24,7 +24,7 @@ std::string refusal(const std::string& text, Texts* rest) {
     return refusedAs<SetMacroOption>(text, rest, false, nullptr);
 }
 
-// What the set itself says of a text.
+// Returns the message with which Set refuses a text.
 std::string setsOwnRefusal(const std::string& text) {
     try {
         setOf(text);

@@ -9,7 +9,7 @@
 
 namespace vexa::vexautilutil {
 
-/// A text, its tokens, and a place among them.
+/// A text, its tokens, and the current position among them.
 struct Tokens {
     explicit Tokens(std::string macroText)
         : text(std::move(macroText)),
@@ -19,7 +19,7 @@ struct Tokens {
     Tokens(const Tokens&) = delete;
     Tokens& operator=(const Tokens&) = delete;
 
-    /// The tokens from the current one on.
+    /// Returns the tokens from the current one on.
     std::vector<std::string> rest() const { return {current, end}; }
 
     const std::string text;
@@ -28,7 +28,7 @@ struct Tokens {
     const MacroTokenIterator end;
 };
 
-/// The message of the MacroCommandError that `operation` throws; "accepted" when it throws none.
+/// Returns the message of the MacroCommandError that `operation` throws; "accepted" if it throws none.
 template <class Operation>
 std::string refusalOf(Operation operation) {
     try {
@@ -39,14 +39,15 @@ std::string refusalOf(Operation operation) {
     return "accepted";
 }
 
-/// Reads an option from the front of `text`; `more` are its constructor's arguments after the iterators.
+/// Reads an option at the start of `text`. `more` are the arguments of its constructor after the iterators.
 template <class Option, class... More>
 Option parsedAs(const std::string& text, More... more) {
     Tokens tokens(text);
     return Option(tokens.current, tokens.end, more...);
 }
 
-/// What `text` is refused with as an option, and in `rest`, if given, the tokens from the offending one on.
+/// Returns the message with which the option refuses `text`. Stores the tokens from the offending one on in `rest`
+/// unless it is null.
 template <class Option, class... More>
 std::string refusedAs(const std::string& text, std::vector<std::string>* rest, More... more) {
     Tokens tokens(text);

@@ -119,7 +119,7 @@ TEST(UInt64MacroOption, RefusesAnythingElseOnTheOffendingToken) {
     expectRefusals<UInt64MacroOption>(cases, nullptr);
 }
 
-// Tokens of another making may hold a minus sign. The conversion wraps them, as it does for unsigned targets.
+// Another tokenizer may make tokens with a minus sign. The conversion to unsigned then wraps around.
 TEST(UInt64MacroOption, WrapsANegativeTokenOfAnotherTokenizer) {
     const std::string text = "C = -1";
     const MacroTokenizer tokenizer(text, MacroTokenSeparator(" ", "="));

@@ -1,4 +1,4 @@
-// How a processor takes a command, reads its word and names, and hands errors to the host.
+// Tests how a processor reads a command's word and names, and passes errors to the host.
 #include <gtest/gtest.h>
 
 #include <cctype>

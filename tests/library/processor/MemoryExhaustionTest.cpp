@@ -1,4 +1,4 @@
-// What getters do when memory runs out in the middle. That nothing leaks, and no text is cut, is tested in tests/fault.
+// Tests what getters do if memory runs out. The tests in tests/fault check that nothing leaks and no text is cut.
 #include <gtest/gtest.h>
 
 #include "library/processor/ScriptedProcessor.h"
@@ -14,7 +14,7 @@ using tests::FailingAllocator;
 
 class MemoryExhaustion : public testing::TestWithParam<Failing> {
 protected:
-    // The host is to keep nothing of what it sees.
+    // The host itself must not allocate, so it keeps no calls and checks no rules.
     MemoryExhaustion() {
         m_host.setKeepsCalls(false);
         m_host.setChecking(false);

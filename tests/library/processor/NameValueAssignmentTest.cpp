@@ -1,4 +1,4 @@
-// The NAME = value text of a composed command, and that the getters read it back.
+// Tests the NAME = value text of a composed command, and that the getters read it back.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
@@ -22,7 +22,7 @@ std::string assigned(const std::string& name, Value value) {
     return Processor::toNameValueAssignment(name, value);
 }
 
-// Puts a backslash before each quote and backslash, as an add-on does before it composes a text.
+// Writes a backslash before each quote and backslash, as an add-on must do before it composes a text.
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {
@@ -91,7 +91,7 @@ TEST(ToNameValueAssignment, WritesNumbersInTheGlobalLocale) {
     EXPECT_EQ(assigned("X", 0.5), "X = 0,5 ");
 }
 
-// What was composed is read back by the getters: all values of one command, in order.
+// The values of one command. The getters must read all of them back, in order.
 class ReadBack : public ScriptedProcessor {
 public:
     ReadBack() : ScriptedProcessor([this](Processor&) { return readAll(); }) {}
@@ -116,7 +116,7 @@ private:
 RC_GTEST_PROP(ToNameValueAssignment, IsReadBackByTheGetters,
               (bool flag, int32_t small, int64_t large, int32_t mantissa)) {
     const standin::Host host;
-    // The composed text travels as a C string, so no character is NUL.
+    // The text is passed as a C string, so it must have no NUL.
     const auto text = *rc::gen::container<std::string>(rc::gen::distinctFrom(rc::gen::arbitrary<char>(), '\0'));
     const auto members = *rc::gen::container<std::vector<uint16_t>>(rc::gen::arbitrary<uint16_t>());
     const double number = (mantissa % 1000000) / 1024.0;

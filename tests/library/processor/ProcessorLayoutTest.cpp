@@ -1,4 +1,4 @@
-// What the binary contract fixes: slots and fields.
+// Tests the parts of the binary interface: slots and fields.
 #include <gtest/gtest.h>
 
 #include <type_traits>
@@ -15,7 +15,7 @@ using tests::fieldAt;
 using tests::slotOf;
 
 TEST(MacroCommandProcessor, KeepsTheSlotOrder) {
-    // The destructor takes slots 0 and 1.
+    // The destructor has slots 0 and 1.
     EXPECT_EQ(slotOf(&Processor::parseCommandString), 2);
     EXPECT_EQ(slotOf(&Processor::recordMacroCommand), 3);
     EXPECT_EQ(slotOf(&Processor::journalMacroCommand), 4);

@@ -1,4 +1,4 @@
-// How a processor records and journals commands.
+// Tests how a processor records and journals commands.
 #include <gtest/gtest.h>
 
 #include <stdexcept>

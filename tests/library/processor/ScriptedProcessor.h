@@ -10,7 +10,7 @@
 
 namespace vexa::vexautilutil {
 
-/// A processor whose hooks are given from outside.
+/// A processor whose hooks do what a test sets.
 class ScriptedProcessor : public MacroCommandProcessorAbstract {
 public:
     using Process = std::function<bool(MacroCommandProcessorAbstract&)>;
@@ -31,7 +31,7 @@ private:
     Process m_process;
 };
 
-/// What the host gets for one command: nothing on success, else the error text.
+/// The result of a command for the host: nothing on success, the error text on failure.
 using Outcome = std::optional<std::string>;
 
 inline Outcome outcomeOf(MacroCommandProcessorAbstract& processor, const char* command) {
@@ -42,7 +42,7 @@ inline Outcome outcomeOf(MacroCommandProcessorAbstract& processor, const char* c
     return message;
 }
 
-/// The same, for a processor that does what `process` says.
+/// Does the same for a processor whose processCommand() calls `process`.
 inline Outcome outcomeOf(const char* command, ScriptedProcessor::Process process) {
     ScriptedProcessor processor(std::move(process));
     return outcomeOf(processor, command);

@@ -1,4 +1,4 @@
-// The typed values of a command.
+// Tests the getters for values of each type.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -23,7 +23,7 @@ namespace {
 using Processor = MacroCommandProcessorAbstract;
 using toolbox::Set;
 
-// Runs `read` on a command, and tells what the host gets and which word is left.
+// The message that the host gets, and the word left after reading.
 struct Reading {
     Outcome outcome;
     std::string rest;
@@ -39,7 +39,7 @@ Reading readFrom(const char* command, Read read) {
     return result;
 }
 
-// The same behind an option name, as in a real command.
+// Does the same for a value after an option's name, as in a real command.
 template <class Read>
 Reading readOption(const std::string& value, Read read) {
     return readFrom(("Opt = " + value).c_str(), [&](Processor& p) {
@@ -199,8 +199,8 @@ TEST(GetStringValue, FailsWithWhatItReadWhenAnEscapeEndsTheCommand) {
     EXPECT_EQ(value, "abc");
 }
 
-// In a child process, which is ended from outside once it has had time to return, had it been going to. With no memory
-// to be had: it waits, and does not go on reading what is not there.
+// Runs the getter in a child process, gives it time to return, and kills it. No memory is left there, so a getter that
+// read past the end and collected characters would fail and return.
 TEST(GetStringValue, NeverReturnsFromATextWithoutItsClosingQuote) {
     for (const char* command : {"Opt = 'abc", "Opt = \"", "Opt = 'abc\\"}) {
         const pid_t child = fork();
@@ -285,7 +285,7 @@ TEST(GetSetValue, RefusesWhatTheSetRefusesAndReadsPastIt) {
     }
 }
 
-// A set whose own operations are called, and can be told to fail.
+// A set that records the calls of its virtual operations. They can be made to fail.
 class WatchedSet : public Set {
 public:
     enum class Failure { None, InvalidArgument, OutOfMemory, BadAlloc };

@@ -19,7 +19,7 @@ protected:
         for (int i = 0; i < lines; ++i) m_file.readLine();
     }
 
-    // The one dialog shown so far, without the file's path.
+    // Returns the text of the only dialog shown so far, without the file's path.
     std::string shown() const {
         const std::vector<std::string> dialogs = m_host.dialogs();
         if (dialogs.size() != 1) return std::to_string(dialogs.size()) + " dialogs";

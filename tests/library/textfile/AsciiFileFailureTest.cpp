@@ -1,4 +1,4 @@
-// What AsciiFile::open() does when something fails on the way.
+// Tests what AsciiFile::open() does if one of its steps fails.
 
 #include <gtest/gtest.h>
 
@@ -57,7 +57,7 @@ TEST_F(AsciiFileFailure, KeepsTheTextBeforeWhenTheNextIsADirectory) {
 
 TEST_F(AsciiFileFailure, RefusesADirectory) {
     AsciiFile file;
-    errno = 0;  // making the folder may have left this very reason
+    errno = 0;  // creating the folder may have set the same value
     EXPECT_FALSE(file.open(m_folder.path()));
     EXPECT_EQ(errno, EISDIR);
     EXPECT_FALSE(file.isOpen());
@@ -126,7 +126,7 @@ TEST_F(AsciiFileFailure, ReadsWithASingleCall) {
     EXPECT_EQ(tests::readCalls(), before + 1);
 }
 
-// Opens with so many allocations allowed. Whatever comes of it, the object is as it should be.
+// Opens a file. Allocations after the first `allowed` ones fail. Returns true if one failed.
 bool openWith(AsciiFile& file, const std::string& path, long allowed, Failing failing, bool& opened) {
     const FailingAllocator allocator(allowed, failing);
     opened = file.open(path);
@@ -142,7 +142,7 @@ TEST_F(AsciiFileFailure, ReportsThatMemoryRanOutWhereverItDoes) {
                 AsciiFile file;
                 bool opened = false;
                 hasFailed = openWith(file, m_path, allowed, how, opened);
-                const bool isForTable = allowed == 2 && how == Failing::Once;  // which then grows line by line
+                const bool isForTable = allowed == 2 && how == Failing::Once;  // the table then grows line by line
                 EXPECT_EQ(opened, !hasFailed || isForTable) << allowed;
                 EXPECT_EQ(file.isOpen(), opened) << allowed;
                 EXPECT_TRUE(opened || errno == ENOMEM) << allowed;
@@ -156,7 +156,7 @@ TEST_F(AsciiFileFailure, ReportsThatMemoryRanOutWhereverItDoes) {
 
 TEST_F(AsciiFileFailure, KeepsTheTextBeforeWhenThereIsNoMemoryForTheNext) {
     AsciiFile file;
-    ASSERT_TRUE(file.open(m_path));  // its name has its memory now
+    ASSERT_TRUE(file.open(m_path));  // the memory for its name is allocated now
     bool opened = true;
     EXPECT_TRUE(openWith(file, m_path, 0, Failing::Once, opened));
     EXPECT_FALSE(opened);
@@ -175,7 +175,7 @@ TEST_F(AsciiFileFailure, LetsGoOfTheTextWhenThereIsNoMemoryForItsLines) {
     EXPECT_EQ(file.numLinesInFile(), 1u) << "the line for which there was no memory counts";
 }
 
-// The failure is that of the estimate: the third allocation.
+// The third allocation fails, which is for the estimated number of lines.
 TEST_F(AsciiFileFailure, OpensWhenThereIsNoMemoryForAGuessAtItsLines) {
     AsciiFile file;
     bool opened = false;

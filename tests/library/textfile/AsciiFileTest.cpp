@@ -16,7 +16,7 @@ class AsciiFileTest : public testing::Test {
 protected:
     bool open(std::string_view bytes) { return m_file.open(m_folder.write("file.txt", bytes)); }
 
-    // All lines of a file of these bytes.
+    // Returns all lines of a file with these bytes.
     Lines linesOf(std::string_view bytes) {
         AsciiFile file;
         Lines lines;

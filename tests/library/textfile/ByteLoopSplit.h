@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-// The rules by which a text is split into lines, written as plainly as they can be: what the fast splitter must equal.
-// Appends the offset of each line to `offsets`; the text must end with a NUL.
+// Splits a text into lines byte by byte. The fast splitter must give the same result. It appends the offset of each
+// line to `offsets`. The text must end with a NUL.
 inline void splitByteByByte(char* text, std::vector<uint64_t>& offsets) {
     uint64_t at = 0;
     while (text[at] != '\0') {

@@ -21,7 +21,7 @@ bool fails(StreamCall call, int reason = EIO) {
     return true;
 }
 
-// The C library's function of that name.
+// Returns the C library's function `name`.
 template <class Function>
 Function* original(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -51,7 +51,7 @@ long readCalls() { return reads; }
 
 using namespace vexa::tests;
 
-// Seen by the libraries of the process, whatever visibility this build defaults to.
+// The libraries of the process must use these functions, even if the build hides names by default.
 #pragma GCC visibility push(default)
 
 extern "C" {
@@ -61,7 +61,7 @@ FILE* fopen(const char* path, const char* mode) {
     return counted(original<FILE*(const char*, const char*)>("fopen")(path, mode));
 }
 
-// The standard library's file streams open theirs by this one.
+// The C++ library's file streams call this one.
 FILE* fopen64(const char* path, const char* mode) {
     return counted(original<FILE*(const char*, const char*)>("fopen64")(path, mode));
 }
@@ -69,7 +69,7 @@ FILE* fopen64(const char* path, const char* mode) {
 int fclose(FILE* stream) {
     --streams;
     const int result = original<int(FILE*)>("fclose")(stream);
-    errno = ECANCELED;  // as a call that succeeds may
+    errno = ECANCELED;  // a successful call may change errno
     return fails(StreamCall::Close) ? EOF : result;
 }
 
@@ -88,7 +88,7 @@ int stat(const char* path, struct stat* status) {
     return original<int(const char*, struct stat*)>("stat")(path, status);
 }
 
-// Boost asks by this one.
+// Boost calls this one.
 int stat64(const char* path, struct stat64* status) {
     if (fails(StreamCall::Stat)) return -1;
     return original<int(const char*, struct stat64*)>("stat64")(path, status);

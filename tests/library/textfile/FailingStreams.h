@@ -4,15 +4,15 @@
 
 namespace vexa::tests {
 
-/// The functions on streams and files that can be made to fail. Close fails as it does for a disk that is full: the
-/// stream is closed. Stat is that of the library and of Boost.
+/// The functions on streams and files that a test can make fail. If Close fails, the stream is closed all the same, as
+/// on a full disk. Stat fails for the library and for Boost.
 enum class StreamCall { None, SeekToEnd, SeekToBegin, Tell, ShortRead, FailedRead, Open, Close, Rename, Remove, Stat };
 
-/// The reason that a FailedRead leaves in `errno`. A ShortRead leaves none.
+/// The value that a FailedRead sets in `errno`. A ShortRead sets none.
 constexpr int kReadFailure = ESTALE;
 
-/// Lets one of these functions fail with EIO, from construction to destruction. Works in programs that compile
-/// FailingStreams.cpp, which stands between them and the C library.
+/// Makes one of these functions fail with EIO while the object exists. The program must compile FailingStreams.cpp,
+/// which replaces the functions of the C library.
 class FailingStream {
 public:
     explicit FailingStream(StreamCall call);
@@ -20,13 +20,13 @@ public:
     FailingStream& operator=(const FailingStream&) = delete;
     ~FailingStream();
 
-    /// Whether the call was made, and failed.
+    /// Returns true if the program called the function and the call failed.
     static bool hasFailed();
 };
 
-/// The streams opened and not yet closed.
+/// Returns the number of open streams.
 long openStreams();
-/// The calls of `fread` so far.
+/// Returns the number of calls of `fread` so far.
 long readCalls();
 
 }  // namespace vexa::tests

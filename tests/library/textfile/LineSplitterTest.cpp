@@ -15,14 +15,14 @@
 namespace vexa::vexautilutil {
 namespace {
 
-// Splits copies of a text by both ways. Empty when they agree.
+// Splits copies of a text with both functions. Returns an empty text if the results are equal.
 std::string difference(const std::string& text, std::size_t alignment = 0) {
     std::string plain = text;
     std::vector<uint64_t> plainOffsets;
     splitByteByByte(plain.data(), plainOffsets);
 
-    const std::size_t before = text.size() + alignment;  // no NUL there that could be taken for the text's
-    const std::unique_ptr<char[]> memory(new char[before + text.size() + 1]);  // so that a checker sees its end
+    const std::size_t before = text.size() + alignment;  // filled with 'x', so that no NUL is before the text
+    const std::unique_ptr<char[]> memory(new char[before + text.size() + 1]);  // the exact size, for a sanitizer
     std::memset(memory.get(), 'x', before);
     char* const fast = memory.get() + before;
     std::memcpy(fast, text.c_str(), text.size() + 1);
@@ -89,7 +89,7 @@ TEST(LineSplitter, AgreesWhenEveryByteIsALine) {
 }
 
 TEST(LineSplitter, AgreesWhenTheSamplesMisleadAboutTheNumberOfLines) {
-    // Lines where no sample is taken: behind each sampled block.
+    // All lines are outside of the sampled blocks.
     std::string sparse;
     while (sparse.size() < 3000000) sparse += std::string(20000, 'x') + std::string(20000, '\n');
     EXPECT_EQ(difference(sparse), "");
