@@ -1,4 +1,4 @@
-// The text file reader against the plainest way to split a text into lines.
+// Compares AsciiFile with a simple loop that splits a text into lines.
 
 #include <cstring>
 #include <vector>

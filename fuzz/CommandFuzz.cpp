@@ -1,4 +1,4 @@
-// Whole commands: a name, then options of all types. What is accepted is rendered to a text that is read back to the
+// Parses whole commands: a name, then options of all types. The text of an accepted command must be read back to the
 // same text.
 
 #include <optional>
@@ -20,7 +20,7 @@ public:
     void execute() override {}
 };
 
-// The text of the command read from `text`; nothing when it is refused.
+// Returns the text of the command read from `text`; nothing if it is refused.
 std::optional<std::string> rendered(const std::string& text) {
     const auto stream = Command::tokenize(text);
     const MacroTokenIterator end = stream.end();

@@ -1,5 +1,5 @@
-// The runner's reader of macro files against a plain one: same commands, same lines refused. What was read is run by
-// add-ons that have each command recorded; the recording, and a journal of it, are macro files of the same commands.
+// Compares the runner's reader of macro files with a simple one: both must read the same commands and refuse the same
+// lines. Add-ons then record each command. The recording and the journal must be macro files of the same commands.
 
 #include <algorithm>
 #include <string_view>
@@ -49,7 +49,8 @@ private:
     void take(std::size_t number, std::string_view line) {
         m_isAtEnd = line.find('\0') != std::string_view::npos;
         if (m_isAtEnd) {
-            // A line that begins with the NUL is told once the carriage return in the line before it is mended.
+            // The reader does not refuse a line that starts with NUL after a line that it refused for its carriage
+            // return.
             if (line.front() != '\0' || !m_isCut) refused.push_back(number);
             return;
         }
@@ -66,7 +67,7 @@ private:
         commands.push_back({number, addOnId, std::string(line), ""});
     }
 
-    // Takes the first word, and the blanks on both sides of it.
+    // Takes the first word and the blanks before and after it.
     static std::string takeWord(std::string_view& line) {
         skipBlanks(line);
         std::string word(line.substr(0, line.find_first_of(kBlanks)));
@@ -79,8 +80,8 @@ private:
         line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
     }
 
-    bool m_isCut = false;    // whether the last line has a carriage return in it
-    bool m_isAtEnd = false;  // which a NUL makes
+    bool m_isCut = false;    // true if the last line has a carriage return inside
+    bool m_isAtEnd = false;  // true after a NUL
 };
 
 MacroFile readText(const std::string& text) {
@@ -138,7 +139,7 @@ void requireReadBack(const std::string& text, const std::vector<MacroCommand>& c
     require(areEqual(again.commands, commands, isSame), "it has the same commands", text);
 }
 
-// Each command with `data`, which the add-on may fill with anything.
+// Returns journal entries for the commands, each with `data`.
 std::vector<standin::JournalEntry> journalOf(const std::vector<MacroCommand>& commands, const std::string& data) {
     std::vector<standin::JournalEntry> entries;
     entries.reserve(commands.size());
@@ -158,7 +159,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     requireRefusals(macro, plain.refused);
 
     requireReadBack(vexa::runner::recordingText(recordingOf(macro.commands)), macro.commands);
-    const std::string cText = text.substr(0, text.find('\0'));  // as far as a C string of the host goes
+    const std::string cText = text.substr(0, text.find('\0'));  // the host takes C strings, which end at a NUL
     const auto journal = journalOf(macro.commands, cText);
     requireReadBack(vexa::runner::journalText(journal), macro.commands);
     return 0;

@@ -7,7 +7,7 @@
 
 namespace vexa::fuzz {
 
-/// A file in memory, with a path by which this process can open it.
+/// A file in memory. This process can open it by its path.
 class MemoryFile {
 public:
     explicit MemoryFile(const std::string& content) : m_descriptor(memfd_create("text", MFD_CLOEXEC)) {

@@ -1,5 +1,5 @@
-// Option parsers over any token stream: what is accepted is read back from its own text unchanged; what is refused is
-// refused with the one exception of the options.
+// Parses options from any token stream. The text of an accepted option must be read back to the same option. A refusal
+// must be a MacroCommandError.
 
 #include "Fuzz.h"
 #include "Options.h"
@@ -19,7 +19,7 @@ std::string joined(MacroTokenIterator current, const MacroTokenIterator& end) {
     return text;
 }
 
-// The text of the option at the front of `text`; in `rest` what is left behind it.
+// Returns the text of the option at the start of `text`, and in `rest` the text after it.
 std::string rendered(const std::string& text, std::string& rest) {
     const auto stream = MacroCommandAbstract::tokenize(text);
     MacroTokenIterator current = stream.begin();

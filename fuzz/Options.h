@@ -10,7 +10,7 @@
 
 namespace vexa::fuzz {
 
-/// Reads an option of the type that its name begins with: B a Boolean, U an integer, Z a set, all else a string.
+/// Reads an option. The first letter of its name decides the type: B Boolean, U integer, Z set, any other string.
 inline std::shared_ptr<vexautilutil::MacroOptionInterface> readOption(vexautilutil::MacroTokenIterator& current,
                                                                       const vexautilutil::MacroTokenIterator& end) {
     using namespace vexautilutil;

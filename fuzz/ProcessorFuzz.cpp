@@ -1,5 +1,5 @@
-// A processor whose hook reads what the first bytes of the input say, from the command that follows them. The host must
-// get a message exactly when the hook fails, and every value read survives being written and read again.
+// Runs a processor on the command after the first bytes of the input; these bytes choose the getters that it calls. The
+// host must get a message if and only if processCommand() fails. Every value read must be read back from its text.
 
 #include <algorithm>
 #include <string>
@@ -20,8 +20,8 @@ constexpr char kNameStep = 1;
 
 using vexautilutil::MacroCommandProcessorAbstract;
 
-// A quoted string that is never closed is waited for without end, as add-ons rely on. Behind every command stand so
-// many quotes of both kinds that each step may take some, and the last one still finds one that closes its string.
+// A getter never returns from a string without its closing quote. So this appends enough quotes of both kinds that
+// every step finds one that closes its string.
 std::string withClosingQuotes(std::string command) {
     for (std::size_t i = 0; i < 2 * kMostSteps; ++i) command += "'\"";
     return command;
@@ -36,7 +36,7 @@ public:
     }
     bool composeCommandString(std::string&) const override { return false; }
 
-    // The values read, as the class writes them, and the steps that read that again.
+    // The values read, as the class writes them, and the steps that read this text.
     std::string written;
     std::string stepsOfWritten;
 
@@ -59,7 +59,7 @@ private:
         Value value{};
         if (!(this->*getter)(value)) return false;
         if constexpr (std::is_same_v<Value, toolbox::Set>) {
-            if (value.isEmpty()) return true;  // its closing bracket is left for the next step, on purpose
+            if (value.isEmpty()) return true;  // its closing bracket stays unread, on purpose
         }
         written += toNameValueAssignment("N", value) + ' ';
         stepsOfWritten += std::string{kNameStep, step};
@@ -70,7 +70,7 @@ private:
     std::string m_text;
 };
 
-// Has the processor read a command. The host must get a message exactly when that fails.
+// Makes the processor read a command. The host must get a message if and only if that fails.
 bool isAccepted(Processor& processor, const std::string& command) {
     char untouched = 0;
     char* errMsg = &untouched;
@@ -98,7 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string input = textOf(data, size);
     const std::size_t stepsEnd = std::min(input.find('\n'), kMostSteps);
     if (stepsEnd >= input.size() || mayHaveManyMembers(input)) return 0;
-    const std::string command(&input[stepsEnd + 1]);  // as far as the host's C string goes
+    const std::string command(&input[stepsEnd + 1]);  // the host passes C strings, which end at a NUL
     const vexa::standin::Host host;
     trySteps(input.substr(0, stepsEnd), withClosingQuotes(command));
     return 0;

@@ -1,4 +1,4 @@
-// Tries every file of the folders given, so that a corpus is a test without the fuzzer, too.
+// Runs a fuzz target on every file of the given folders, so that its corpus is also a test without the fuzzer.
 
 #include <algorithm>
 #include <filesystem>
@@ -20,7 +20,7 @@ std::vector<std::filesystem::path> filesIn(const std::filesystem::path& folder) 
 void tryFile(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     const std::vector<char> bytes{std::istreambuf_iterator<char>(in), {}};
-    const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());  // of its own size, for the address sanitizer
+    const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());  // of the exact size, for the address sanitizer
     LLVMFuzzerTestOneInput(input.data(), input.size());
 }
 
@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         for (const std::filesystem::path& file : filesIn(argv[i])) {
             std::printf("%s\n", file.c_str());
-            std::fflush(stdout);  // the last line names the file when the program dies
+            std::fflush(stdout);  // if the program crashes, the last line names the file
             tryFile(file);
             ++tried;
         }

@@ -1,4 +1,4 @@
-// The scanner: its numbers against those of the C library, and tokens and white space against a plain walk.
+// Compares the scanner's numbers with those of the C library, and its tokens and white space with a simple loop.
 
 #include <cerrno>
 #include <climits>
@@ -22,7 +22,7 @@ std::string firstToken(const std::string& text) {
     return text.substr(begin, end - begin);
 }
 
-// strtod() knows hexadecimal numbers and notes on not-a-numbers, strtoll() stops at anything: neither is a token here.
+// Excludes tokens that only the C library accepts, such as hexadecimal numbers and nan(...).
 bool hasOnly(const std::string& token, const char* characters) {
     return !token.empty() && token.find_first_not_of(characters) == std::string::npos;
 }

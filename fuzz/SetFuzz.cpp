@@ -1,5 +1,5 @@
-// The text of sets, against a reader written as plainly as can be: same verdict, same members, and a canonical text
-// that is read back unchanged.
+// Compares Set with a simple reader: both must accept the same texts and have the same members. The canonical text must
+// be read back unchanged.
 
 #include <algorithm>
 #include <limits>
@@ -17,7 +17,7 @@ constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
 constexpr std::uint64_t kMostDonePlainly = 1000;
 constexpr std::uint64_t kMostStepped = std::uint64_t{1} << 24;
 
-// Runs by their first member, disjoint and never adjacent.
+// Holds runs by their first member. Runs neither overlap nor adjoin.
 class PlainSet {
 public:
     void insert(std::int64_t first, std::int64_t last) {
@@ -53,10 +53,10 @@ class PlainReader {
 public:
     explicit PlainReader(const std::string& text) : m_text(text) {}
 
-    // Whether there was more to insert than is done the plain way, or quickly at all. The verdict then means nothing.
+    // Returns true if the text has too many members for this simple reader. The result of read() is then undefined.
     bool hasGivenUp() const { return m_hasGivenUp; }
 
-    // The canonical text of the set; nothing when it is none.
+    // Returns the canonical text of the set; nothing if the text is not a set.
     std::optional<std::string> read() {
         if (!take('[')) return std::nullopt;
         if (!take(']')) {
@@ -133,7 +133,7 @@ private:
     PlainSet m_set;
 };
 
-// Nothing when the set refuses its text, of which it then shows no trace.
+// Returns nothing if the set refuses the text. The set must then be unchanged.
 std::optional<std::string> assigned(const std::string& text) {
     toolbox::Set set;
     set.insert(7);

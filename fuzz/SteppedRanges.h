@@ -4,8 +4,8 @@
 
 namespace vexa::fuzz {
 
-/// Whether a set in \p text may have a stepped range of many members, which takes a while and shows nothing new. Behind
-/// a number only the step of such a range has a colon.
+/// Returns true if a set in \p text may have a stepped range of many members. Such a set takes long and tests nothing
+/// new. Only a stepped range has a colon after a number.
 inline bool mayHaveManyMembers(const std::string& text) {
     constexpr int kMostDigits = 3;
     int digits = 0;

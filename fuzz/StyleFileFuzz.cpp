@@ -1,5 +1,5 @@
-// Style files: what is accepted is what an add-on gets, and is read back unchanged from a file that is written anew;
-// what is refused is refused with a place in the file, and a reason of one line.
+// Reads style files. An add-on must get the settings of an accepted file, and a file written from these settings must
+// be read back to the same settings. A refusal must have a place in the file and a reason of one line.
 
 #include <algorithm>
 #include <cstdio>
@@ -20,12 +20,12 @@ using Json = nlohmann::ordered_json;
 using runner::StyleSetting;
 using Settings = std::vector<StyleSetting>;
 
-// A digit, or the colon, may have another spelling.
+// JSON may write a digit or a colon as \u003...
 bool mayTakeLong(const std::string& text) {
     return mayHaveManyMembers(text) || text.find("\\u003") != std::string::npos;
 }
 
-// ---- What an add-on gets
+// ---- The add-on's values
 
 std::string textOf(double value) {
     char text[32];
@@ -45,7 +45,7 @@ std::string asAddOnsGetIt(std::vector<std::string> path, std::pair<long, long> o
     return value;
 }
 
-// A pair for which no setting of the same path is alone.
+// Returns a pair of offsets for which no setting of the same path has a value of its own.
 std::pair<long, long> unusedOffsets(const Settings& settings, const StyleSetting& setting) {
     std::pair<long, long> offsets;
     const auto isIt = [&](const StyleSetting& one) { return one.path == setting.path && one.offsets == offsets; };
@@ -65,7 +65,7 @@ void requireGiven(const Settings& settings) {
     }
 }
 
-// ---- What is written anew
+// ---- The file written from the settings
 
 Json written(double value) { return {{"$double", value}}; }
 Json written(std::int64_t value) { return value; }

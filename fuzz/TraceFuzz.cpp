@@ -1,6 +1,6 @@
-// Traces for the report. An input that begins with '!' is what happens to a trace that an EventTrace wrote, one that
-// begins with '@' is the command that it saw, any other is the file itself. What is no trace is refused in one line;
-// the page's data of any other are JSON in UTF-8, and hold together.
+// Reads traces for the report. An input that starts with '!' lists damages to a trace that an EventTrace wrote; one
+// that starts with '@' is a command to trace; any other input is the trace itself. A refusal must be one line. The page
+// data of an accepted trace must be consistent JSON in UTF-8.
 
 #include <algorithm>
 #include <array>
@@ -27,9 +27,9 @@ using Lines = std::vector<std::string>;
 constexpr char kDamagesFollow = '!';
 constexpr char kCommandFollows = '@';
 
-// ---- A trace
+// ---- The trace
 
-// Records what it is told, shows it, and leaves the status line up, which breaks a rule.
+// Records and shows the command, and does not finish the status line, which breaks a rule.
 VexaBoolean execute(const char* command, char**) {
     VexaUtilStatusStartPercentDone("working", 1, 1);
     VexaUtilStatusCheckPercentDone(50);
@@ -58,7 +58,7 @@ std::string joined(const Lines& lines) {
     return text;
 }
 
-// The same in each run of this program: what tells one run from the next is made equal.
+// Replaces the values that differ from run to run: process, thread and time.
 std::string withoutChance(std::string line, std::size_t number) {
     const bool hasComma = line.back() == ',';
     Json event = Json::parse(hasComma ? line.substr(0, line.size() - 1) : line, nullptr, false);
@@ -91,7 +91,7 @@ Lines knownTrace() {
     return lines;
 }
 
-// ---- What happens to it
+// ---- Damages
 
 struct Damage {
     std::size_t kind;
@@ -100,7 +100,7 @@ struct Damage {
     std::size_t with;
 };
 
-// Puts another value into the place of one of an event's.
+// Replaces one value of an event.
 void changeValue(std::string& line, const Damage& damage) {
     static const std::array<Json, 14> words = {nullptr,       true,          0,          -1, 1e300,    -1e300,
                                                INT64_MAX,     INT64_MIN,     UINT64_MAX, "", "\n\x7f", "call",
@@ -141,7 +141,7 @@ std::string damagedTrace(const std::string& damages) {
     return joined(lines);
 }
 
-// ---- What is shown of it
+// ---- The page
 
 void requireRefusal(const runner::TraceError& error, const std::string& path) {
     const std::string refusal = error.what();
@@ -170,7 +170,7 @@ void requireConsistent(const Json& page) {
     require(page.at("functions").size() == standin::hostFunctions().size(), "there is a row for each function");
 }
 
-// Nothing when it is refused.
+// Returns nothing if the trace is refused.
 std::optional<runner::TracedRun> runOf(const std::string& trace) {
     const MemoryFile file(trace);
     try {
@@ -184,8 +184,8 @@ std::optional<runner::TracedRun> runOf(const std::string& trace) {
 void tryPage(const runner::TracedRun& run) {
     Json page = runner::pageData(run);
     requireConsistent(page);
-    for (const char* ours : {"rules", "functions"}) page.erase(ours);  // of texts that are always the same
-    require(Json::parse(page.dump()) == page, "the page's data are JSON in UTF-8");  // what is none, dump() refuses
+    for (const char* ours : {"rules", "functions"}) page.erase(ours);                // their texts are constant
+    require(Json::parse(page.dump()) == page, "the page's data are JSON in UTF-8");  // dump() throws for other bytes
 }
 
 void tryCommand(const std::string& command) {
@@ -205,7 +205,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string input = textOf(data, size);
     const char kind = input.empty() ? '\0' : input.front();
     if (kind == kCommandFollows) {
-        tryCommand(&input[1]);  // as far as a C string of the host goes
+        tryCommand(&input[1]);  // the host takes C strings, which end at a NUL
     } else if (const auto run = runOf(kind == kDamagesFollow ? damagedTrace(input.substr(1)) : input)) {
         tryPage(*run);
     }

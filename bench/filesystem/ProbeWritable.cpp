@@ -1,4 +1,4 @@
-// Asks whether a path is writable, so many times. bench/filesystem/count-calls counts the system calls of it.
+// Calls isFileOrDirWritable() several times. bench/filesystem/count-calls counts the system calls.
 #include <cstdlib>
 
 #include "vexautilutil/FileSystem.h"

@@ -1,4 +1,4 @@
-// A loop of host calls, bare or through a guard. bench/host/count-instructions counts what it executes.
+// A loop of host calls, made directly or by a guard. bench/host/count-instructions counts the instructions.
 #include <cstdlib>
 #include <cstring>
 

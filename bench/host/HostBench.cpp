@@ -1,4 +1,4 @@
-// What guards, the mutex and the task progress add to the bare host calls and to a bare loop.
+// Measures what guards, the mutex and the task progress add to bare host calls and to a bare loop.
 #include <cstdlib>
 #include <mutex>
 

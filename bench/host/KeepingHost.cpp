@@ -1,5 +1,5 @@
-// A host that copies the arguments it is given into a list, finds them there again, and knows one style value. The rest
-// is the smallest host's. It is linked before that one, so these are the functions that are called.
+// A host that copies arguments into a list, finds them there, and knows one style value. The smallest host implements
+// the other functions. The linker takes the functions of this file first.
 #include <cstring>
 #include <new>
 #include <string>
@@ -63,7 +63,7 @@ VexaBoolean VexaUtilArgListAppendArbParamPtr(ArgList_s* argList, const char* nam
     return append(argList, name, value);
 }
 
-// A double below "LineThickness", a number below "Count", and nothing else.
+// The only settings are "LineThickness", a double, and "Count", an integer.
 GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList) {
     const std::string* const last = argList->find<std::string>("P2");
     if (last == nullptr) return GetValueReturnCode_UnknownPath;

@@ -1,4 +1,4 @@
-// What getValueAsString() adds to the host calls that it must make, on a host that keeps the argument list.
+// Measures what getValueAsString() adds to the host calls that it must make, with a host that keeps argument lists.
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -19,7 +19,7 @@ void appendPath(ArgList_s* list, const char* keyword) {
     VexaUtilArgListAppendInt(list, "Offset2", 2);
 }
 
-// A double is asked for once.
+// For a double, the function queries once.
 void askForDouble() {
     ArgList_s* list = VexaUtilArgListAlloc();
     appendPath(list, "LineThickness");
@@ -30,7 +30,7 @@ void askForDouble() {
     VexaUtilArgListDealloc(&list);
 }
 
-// What is no double is asked for twice.
+// For any other type, it queries twice.
 void askForInteger() {
     ArgList_s* list = VexaUtilArgListAlloc();
     appendPath(list, "Count");

@@ -1,4 +1,4 @@
-// What a Set costs, against the least that the same work can cost, and against a tree of intervals.
+// Compares Set with the least code that does the same work, and with a tree of intervals.
 
 #include <algorithm>
 #include <boost/icl/interval_set.hpp>
@@ -27,7 +27,7 @@ constexpr int64_t kRuns = 1000;
 
 enum class Order { Ascending, Random };
 
-// Runs of 1 to 8 members, 2 to 9 apart; the same ones each time.
+// Returns runs of 1 to 8 members, 2 to 9 apart. They are the same in every run of the program.
 Ranges makeRuns(int64_t count, Order order) {
     std::mt19937 random(42);
     std::uniform_int_distribution<int64_t> upToSeven(0, 7);
@@ -70,7 +70,7 @@ Tree makeTree(int64_t runs) {
     return tree;
 }
 
-// The least that reading takes: no blanks, no check, no order.
+// The least code that reads a set: no blanks, no checks, no order.
 Ranges readByDigitLoop(const std::string& text) {
     Ranges ranges;
     const char* at = text.c_str() + 1;
@@ -92,7 +92,7 @@ Ranges readByDigitLoop(const std::string& text) {
     return ranges;
 }
 
-// The same with what any such set needs besides: the ranges in order.
+// Does the same, and sorts the ranges, as any set must.
 Ranges readByDigitLoopAndSort(const std::string& text) {
     Ranges ranges = readByDigitLoop(text);
     std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.first < b.first; });
@@ -155,7 +155,7 @@ void toString(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(set.toString());
 }
 
-// The least that writing takes when the size is not known from the start: chunks of the text, added to it when full.
+// The least code that writes a text of unknown size: it fills chunks and appends each full chunk to the text.
 void toCharsIntoChunks(benchmark::State& state) {
     const Set set = makeSet(kRuns * state.range(0));
     for (auto _ : state) {
@@ -186,7 +186,7 @@ void toCharsIntoChunks(benchmark::State& state) {
 
 // ---- Use, against a tree of intervals
 
-// Numbers all over the set, the same ones each time.
+// Returns numbers from the whole range of the set. They are the same in every run of the program.
 std::vector<int64_t> makeProbes(const Set& set) {
     std::mt19937_64 random(7);
     std::uniform_int_distribution<int64_t> anywhere(0, set.ranges().back().last);
@@ -198,7 +198,7 @@ std::vector<int64_t> makeProbes(const Set& set) {
 bool isIn(const Set& set, int64_t member) { return set.contains(member); }
 bool isIn(const Tree& tree, int64_t member) { return boost::icl::contains(tree, member); }
 
-// Per 1024 questions.
+// Measures 1024 calls of contains().
 template <class Members>
 void contains(benchmark::State& state, Members (*make)(int64_t)) {
     const Members members = make(kRuns * state.range(0));
@@ -208,7 +208,7 @@ void contains(benchmark::State& state, Members (*make)(int64_t)) {
     }
 }
 
-// Per 1024 members put into a full set, one by one and anywhere: what a flat vector is worst at.
+// Measures 1024 insertions of single members at random places of a large set: the worst case for a vector.
 template <class Members>
 void insert(benchmark::State& state, Members (*make)(int64_t)) {
     const Members before = make(kRuns * state.range(0));

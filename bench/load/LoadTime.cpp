@@ -1,9 +1,9 @@
-// How long it takes to load the library until it is ready, beside an empty one that brings in the same libraries.
+// Measures the time to load the library, and the time to load an empty library that needs the same libraries.
 //
 // Usage: load_time [ROUNDS]
 //
-// Each load is a child's first, so that nothing is there of the one before. The figures are medians; behind the slash
-// in terms of the empty library.
+// Each load happens in a new child process, so that nothing is loaded yet. The figures are medians. The figure after
+// the slash is the ratio to the empty library.
 #include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>

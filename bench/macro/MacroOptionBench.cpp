@@ -1,4 +1,4 @@
-// Parsing options, against a bare walk of the same token stream; rendering them, against a plain append.
+// Compares parsing of options with a bare loop over the same tokens, and rendering with plain appends to a string.
 #include <charconv>
 #include <memory>
 #include <string>
@@ -43,7 +43,7 @@ void walk(benchmark::State& state, MakeValue value) {
     }
 }
 
-// Has `parseOne` parse an option after the other; the blank between them is stepped over.
+// Calls `parseOne` for one option after another, and skips the blank between them.
 template <class ParseOne>
 void parse(benchmark::State& state, MakeValue value, ParseOne parseOne) {
     const std::string text = optionsText(kOptions * state.range(0), value);

@@ -1,5 +1,5 @@
 /// \file
-/// What operator new has handed out, in a program that is linked with this, its libraries included.
+/// Counts the memory that operator new allocates, in the program that links this and in its libraries.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 namespace vexa::bench {
 
 std::size_t bytesInUse();
-/// The most that was in use since forgetPeak().
+/// Returns the largest amount in use since forgetPeak().
 std::size_t peakBytes();
 void forgetPeak();
 

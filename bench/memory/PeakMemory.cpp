@@ -1,5 +1,6 @@
-// How much memory work takes at its most, beside the least that it can take. Counts what operator new hands out, here
-// and in the libraries: the same on every run. Writes the figures, bytes per unit, as the benchmarks write theirs.
+// Compares the peak memory of the library's work with the least memory that the work needs. It counts what operator new
+// allocates, here and in the libraries, so every run gives the same figures. It writes them, in bytes per unit, in the
+// format of the other benchmarks.
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -23,7 +24,7 @@ constexpr std::size_t kUnits = 100000;
 
 const char* separator = "";
 
-// What `work` takes at its most, more than was in use before, per unit.
+// Returns the peak memory of `work` above the memory in use before, per unit.
 template <class Work>
 void print(const char* name, const Work& work) {
     const std::size_t before = vexa::bench::bytesInUse();
@@ -80,23 +81,23 @@ int main() {
     std::size_t rendered = command.toString().size();
 
     std::printf("{\"benchmarks\": [");
-    // The ranges, in a vector whose size was known.
+    // The least: a vector of the ranges, of known size.
     print("memory-set-assign/floor", [] { std::vector<Set::Range> ranges(kUnits); });
     print("memory-set-assign/ours", [&] {
         Set assigned;
         assigned.assign(text);
     });
-    // The text, in a string whose size was known.
+    // The least: a string of the text, of known size.
     print("memory-set-to-string/floor", [&] { const std::string copy(text.size(), ' '); });
     print("memory-set-to-string/ours", [&] { set.toString(); });
-    // The copy of the command that is scanned.
+    // The least: a copy of the command.
     print("memory-command/floor", [&] { const std::string copy(commands); });
     print("memory-command/ours", [&] {
         Steps steps;
         char* errMsg = nullptr;
         if (!steps.parseCommandString(commands.c_str(), &errMsg)) std::abort();
     });
-    // The text, in a string whose size was known.
+    // The least: a string of the text, of known size.
     print("memory-render/floor", [&] { const std::string copy(rendered, ' '); });
     print("memory-render/ours", [&] { command.toString(); });
     std::printf("\n]}\n");

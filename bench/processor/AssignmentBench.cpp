@@ -1,4 +1,4 @@
-// toNameValueAssignment() for each type, against the same text by to_chars() and append.
+// Compares toNameValueAssignment() with to_chars() and append, for each type.
 #include <charconv>
 #include <cstdlib>
 #include <string>

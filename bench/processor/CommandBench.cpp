@@ -1,4 +1,4 @@
-// A whole command through the processor, against a hand-written scan of the same text and against a string stream.
+// Compares the processor with a hand-written scan and with a string stream, for a whole command.
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -17,11 +17,11 @@ namespace {
 
 using bench::addSubject;
 
-// The options of the command, in turn.
+// The options of the command, in their order.
 constexpr std::string_view kNames[] = {"ISVISIBLE", "TITLE", "SPEED", "COUNT", "STEP", "ZONES", "LABEL", "ISCAPPED"};
 constexpr std::size_t kTypes = 8;
 
-// What a command told last. The same for each subject.
+// The values of the last command. Each subject must read the same ones.
 struct Values {
     char isVisible = 0;
     char isCapped = 0;
@@ -59,7 +59,7 @@ std::string commandText(std::size_t assignments) {
     return text;
 }
 
-// Reads the value of the option whose turn it is from what has a read() for each type.
+// Reads the value of the next option from a source with a read() for each type.
 template <class Source>
 bool readValue(Source&& source, std::size_t turn, Values& values) {
     switch (turn % kTypes) {
@@ -247,7 +247,7 @@ void add(const std::string& row, std::size_t assignments) {
             const std::string text = commandText(assignments * static_cast<std::size_t>(state.range(0)));
             Values values;
             for (auto _ : state) {
-                const std::string copy(text);  // the processor keeps the command, too
+                const std::string copy(text);  // the processor copies the command, too
                 if (!read(copy, values)) state.SkipWithError("the command was refused");
                 benchmark::DoNotOptimize(values);
             }

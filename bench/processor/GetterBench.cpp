@@ -1,4 +1,4 @@
-// The typed getters for numbers, against from_chars() on the same tokens.
+// Compares the getters for numbers with from_chars() on the same tokens.
 #include <charconv>
 #include <string>
 #include <system_error>
@@ -20,7 +20,7 @@ double makeDouble(int64_t i) { return static_cast<double>(i % 1000 - 500) * 0.37
 int64_t makeInt64(int64_t i) { return (i % 1000 - 500) * 123456789; }
 int32_t makeInt32(int64_t i) { return static_cast<int32_t>(i % 1000 - 500) * 4321; }
 
-// A command of nothing but values, which the hook reads one after another.
+// A command that has only values. processCommand() reads one after another.
 template <class Value>
 std::string valuesText(int64_t count, Make<Value> make) {
     std::string text;
@@ -52,7 +52,7 @@ void get(benchmark::State& state, Make<Value> make, Getter getter) {
 
 bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-// What one would write by hand: takes the next token, and accepts it when all of it is a number.
+// Hand-written code: takes the next token, and accepts it if the whole token is a number.
 template <class Value>
 bool convertToken(const char*& at, const char* end, Value& value) {
     while (at != end && isWhiteSpace(*at)) ++at;
@@ -67,7 +67,7 @@ void convert(benchmark::State& state, Make<Value> make) {
     const int64_t count = kValues * state.range(0);
     const std::string text = valuesText(count, make);
     for (auto _ : state) {
-        const std::string copy(text);  // the processor keeps the command, too
+        const std::string copy(text);  // the processor copies the command, too
         const char* at = copy.data();
         const char* const end = at + copy.size();
         Value value{};

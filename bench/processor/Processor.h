@@ -4,7 +4,7 @@
 
 namespace vexa::vexautilutil {
 
-// A processor whose hook is `Read`, called with the processor.
+// A processor whose processCommand() calls `Read` with itself.
 template <class Read>
 class Processor : public MacroCommandProcessorAbstract {
 public:

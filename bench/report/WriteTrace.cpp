@@ -1,4 +1,4 @@
-// Writes the trace of many host calls, for what is to be measured with a large one.
+// Writes a trace of many host calls, for measurements of large traces.
 //
 // Usage: write_trace FILE CALLS
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Seven calls, some of them with arguments and scopes.
+// Makes seven calls, some with arguments and scopes.
 void callAround(int round) {
     VexaUtilAuxDataBeginAssign();
     ArgList_s* list = VexaUtilArgListAlloc();

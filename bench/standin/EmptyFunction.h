@@ -1,4 +1,4 @@
 #pragma once
 
-/// Does nothing, in a library of its own: the least that a call of a host costs.
+/// Does nothing, in another library. Calling it costs the least that a host call can cost.
 extern "C" __attribute__((visibility("default"))) int vexaBenchDoNothing(void);

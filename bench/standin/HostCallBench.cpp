@@ -1,5 +1,5 @@
-// What a call of the stand-in host costs, against an empty function of another library: plain, and when it is checked,
-// written down, observed and traced.
+// Compares a call of the stand-in host with an empty function of another library: plain, and with checks, log, observer
+// and trace.
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -33,7 +33,7 @@ private:
 
 enum class Watch_e { Plain, Checked, Logged, Observed, Traced, TracedAsText };
 
-// A file of the folder for temporary ones, as long as this lives.
+// A temporary file. The destructor removes it.
 class TemporaryFile {
 public:
     TemporaryFile() : m_path(std::filesystem::temp_directory_path() / "vexa-host-call-bench") {}
@@ -49,7 +49,7 @@ private:
     std::filesystem::path m_path;
 };
 
-// A host that does with a call what a benchmark is about, and nothing else.
+// A host that does only what a benchmark measures.
 class WatchingHost {
 public:
     explicit WatchingHost(Watch_e watch) {
@@ -63,7 +63,7 @@ public:
     WatchingHost& operator=(const WatchingHost&) = delete;
     ~WatchingHost() { benchmark::DoNotOptimize(m_counter.bytes()); }
 
-    // A log that grows for ever would be measured, too.
+    // Without this, the benchmark would also measure a growing log.
     void tick() {
         if (++m_rounds % 4096 == 0) m_host.clearCalls();
     }

@@ -1,6 +1,5 @@
-/// \file
-/// How benchmarks are named: row/subject/times. A row is one kind of work, and its subjects do the same work, this
-/// library under the name of ours. Each does it once, and 10, 100 and 1000 times as much of it.
+/// \file The names of benchmarks are row/subject/times. A row is a kind of work, and its subjects do the same work; the
+/// subject "ours" is this library. Each subject does the work once, and 10, 100 and 1000 times.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -14,7 +13,7 @@ void addSubject(const std::string& rowAndSubject, const Function& function) {
     benchmark::RegisterBenchmark(rowAndSubject.c_str(), function)->RangeMultiplier(10)->Range(1, 1000);
 }
 
-/// Calls \p work so many times in a row as the benchmark is to be large: for work that is one call.
+/// Calls \p work as many times as the benchmark's name says. For work that is a single call.
 template <class Work>
 void repeat(benchmark::State& state, const Work& work) {
     for (auto _ : state) {
@@ -22,7 +21,7 @@ void repeat(benchmark::State& state, const Work& work) {
     }
 }
 
-/// Adds a subject whose work is one call.
+/// Adds a subject whose work is a single call.
 template <class Work>
 void addCall(const std::string& rowAndSubject, Work work) {
     addSubject(rowAndSubject, [work](benchmark::State& state) { repeat(state, work); });

@@ -1,10 +1,10 @@
-// Opening a text file and going through its lines: AsciiFile against what one would write instead.
+// Compares AsciiFile with hand-written code: open a text file, then read all its lines.
 //
 // Usage: text_file_open [--size MIB] [--rounds N] [--growth] [--json FILE]
 //
-// Each measurement runs in a child of its own, so that no subject gets memory that another one has touched before.
-// The figures are medians; those behind the slash are in terms of the first row of their block. The JSON file gets the
-// figures in the form that the other benchmarks write.
+// Each measurement runs in its own child process, so that no subject gets memory that another subject has used. The
+// figures are medians. The figure after the slash is the ratio to the first row of its block. The JSON file gets the
+// figures in the format of the other benchmarks.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,7 +26,7 @@
 
 namespace {
 
-// Time of the processor: the file lies in memory, so that there is nothing to wait for but other programs.
+// Measures processor time. The file is in memory, so wall time would add only the waiting for other programs.
 struct Clock {
     using duration = std::chrono::nanoseconds;
     using rep = duration::rep;
@@ -43,11 +43,11 @@ struct Clock {
 struct Measured {
     double openSeconds = 0;
     double linesSeconds = 0;
-    double checksum = 0;  // of the lines, so that going through them cannot be left out
+    double checksum = 0;  // of the lines, so that the compiler cannot remove the loop
     double peakMiB = 0;
 };
 
-// Opens the file, then goes through its lines; calls `opened` in between.
+// Opens the file, calls `opened`, and then reads all lines.
 using Subject = std::function<double(const std::string& path, const std::function<void()>& opened)>;
 
 struct NamedSubject {
@@ -159,7 +159,7 @@ Measured measureHere(const Subject& subject, const std::string& path) {
         measured.peakMiB = static_cast<double>(usage.ru_maxrss) / 1024;
         openedAt = Clock::now();
     });
-    measured.linesSeconds = secondsSince(openedAt);  // and the freeing
+    measured.linesSeconds = secondsSince(openedAt);  // includes freeing the text
     return measured;
 }
 
@@ -190,7 +190,7 @@ double median(const std::vector<Measured>& all, Member member) {
 struct TestFile {
     const char* title;
     const char* name;
-    std::string line;  // each of its lines; empty for lines of numbers that differ
+    std::string line;  // every line; empty for lines of different numbers
     const char* lineEnd;
 };
 
@@ -206,7 +206,7 @@ std::vector<TestFile> testFiles() {
             {"10 KiB lines", "long", longLine(), "\n"}};
 }
 
-// A file of so many bytes or a few more, removed at the end.
+// Creates a file of at least the given size. The destructor removes it.
 class TemporaryFile {
 public:
     TemporaryFile(const TestFile& kind, std::size_t size) : m_path("vexa-bench-text-file.tmp") {
@@ -244,7 +244,7 @@ std::vector<std::vector<Measured>> measureFirst(std::size_t subjects, const std:
     return measured;
 }
 
-// The figures as a file, in the form that the other benchmarks write. What is written nowhere is lost.
+// Writes the figures to a file, in the format of the other benchmarks. Without a file it drops them.
 class Figures {
 public:
     explicit Figures(const std::string& path) : m_file(path.empty() ? nullptr : std::fopen(path.c_str(), "w")) {
