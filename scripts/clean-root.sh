@@ -1,15 +1,15 @@
-# What the scripts share that try the project in a clean Debian root. Source it after lib.sh. All this takes root,
-# debootstrap and a mirror of Debian; the mirror, the proxy and the other settings are those of apt on this machine.
+# Functions for scripts that test the project in a clean Debian root. Source it after lib.sh. The functions need root
+# rights, debootstrap and a Debian mirror. They use the mirror, the proxy and the other settings of apt on this machine.
 # shellcheck shell=bash
 
 clean_root_packages=(debootstrap)
 
-# need_root REASON: ends the script, unless it runs as root.
+# need_root REASON: ends the script with an error unless it runs as root.
 need_root() {
     [[ $(id -u) -eq 0 ]] || fail "$1 takes root. Run $script as root."
 }
 
-# timed STEP: ends the step before, and begins the next one; an empty STEP only ends the one before.
+# timed STEP: ends the previous step and starts the next one. An empty STEP only ends the previous one.
 times=()
 timed() {
     [[ -z ${timed_step-} ]] || times+=("$(printf '%6d s  %s' $((SECONDS - timed_since)) "$timed_step")")
@@ -18,11 +18,11 @@ timed() {
     [[ -z $1 ]] || begin "$1"
 }
 
-# apart COMMAND...: runs a command whose processes and mounts end with it, and with this script.
+# apart COMMAND...: runs a command. Its processes and mounts end when the command or this script ends.
 apart_process=""
 apart() {
     local status=0
-    # A shell has what runs in the background ignore Ctrl-C.
+    # A shell makes background processes ignore Ctrl-C.
     env --default-signal=INT,QUIT setpriv --pdeathsig KILL \
         unshare --mount --pid --fork --kill-child --mount-proc -- "$@" </dev/null &
     apart_process=$!
@@ -31,30 +31,30 @@ apart() {
     return "$status"
 }
 
-# end_apart: ends what apart runs, for a script that ends before it. It waits until all of it is gone.
+# end_apart: ends the command of apart if the script ends earlier. Waits until all its processes have ended.
 end_apart() {
     local first
     [[ -n $apart_process ]] || return 0
     first=$(cat "/proc/$apart_process/task/$apart_process/children") || first=""
-    # The other processes of a namespace end with its first one. unshare ends when they are gone.
+    # When the first process of a namespace ends, the others end, too. Then unshare ends.
     kill -KILL "${first:-$apart_process}" || true
     wait "$apart_process" || true
 } 2>/dev/null
 
-# apt_mirror RELEASE: where apt gets the main part of that release of Debian.
+# apt_mirror RELEASE: prints the mirror from which apt gets the main part of that Debian release.
 apt_mirror() {
     apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Identifier: Packages' |
         sed -n "s/^$1 main //p" | head -n 1
 }
 
-# apt_settings: how apt reaches its mirror on this machine, and what it asks of the mirror's dates.
+# apt_settings: prints this machine's apt settings for the proxy and for the dates of the mirror's lists.
 apt_settings() {
     apt-config dump |
         grep -E '^Acquire::((http|https)(::|::.*::)(Proxy|CaInfo|Verify-[A-Za-z]*)|Check-[A-Za-z-]*|Retries) ' || true
 }
 
-# make_clean_root FOLDER [RELEASE]: makes a minimal Debian there, of this machine's release unless told otherwise. What
-# was there before is removed.
+# make_clean_root FOLDER [RELEASE]: creates a minimal Debian in FOLDER, by default of this machine's release. Removes
+# the previous contents of FOLDER.
 make_clean_root() {
     local folder=$1 release=${2-} mirror proxy authorities file
     [[ -n $release ]] || release=$(. /etc/os-release && echo "${VERSION_CODENAME-}")
@@ -75,13 +75,13 @@ make_clean_root() {
     fi
 }
 
-# remove_clean_root FOLDER. Nothing is mounted below it: only what runs apart sees mounts there.
+# remove_clean_root FOLDER: removes it. No mount is below it, because only the commands of apart have mounts there.
 remove_clean_root() {
     rm -rf --one-file-system -- "$1"
 }
 
-# in_clean_root FOLDER COMMAND...: runs a command apart, in the root made there, as its root, with the file systems that
-# every machine has. The root is not entered by chroot, because a process in a chroot may make no user namespaces.
+# in_clean_root FOLDER COMMAND...: runs a command by apart, as root of the Debian in FOLDER, with the file systems that
+# every machine has. It does not use chroot, because a process in a chroot cannot create user namespaces.
 in_clean_root() {
     apart sh -euc '
         mount --bind "$1" "$1"

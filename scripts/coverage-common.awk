@@ -1,10 +1,10 @@
-# What the reports of scripts/coverage share: groups of folders, each with the share of it that is to be reached; what
-# was reached of each place; and the file of what cannot be reached. Read before the report's own file, which says by
-# `areDecisions` whether it is about the conditions that decide alone.
+# Shared by the reports of scripts/coverage: groups of folders, each with its required share; the counts of each place;
+# and the list of exclusions. Load it before the file of the report, which sets `areDecisions` if it reports conditions
+# that decide alone.
 #
-#   root         the project's folder, as the paths begin
-#   exclusions   the file of what cannot be reached
-#   unmeasured   a group that is left out
+#   root         the project's folder, with which the paths start
+#   exclusions   the file that lists the places that no test can reach
+#   unmeasured   a group to omit
 
 function defineGroup(name, pattern, bar) {
     groups[++groupCount] = name
@@ -31,7 +31,7 @@ function complain(message) {
     failed = 1
 }
 
-# Blocks of lines: the file, the line's text, what of it is excluded, and the reason.
+# Reads blocks of lines: the file, the text of the line, the excluded outcomes, and the reason.
 function readExclusions(   line, part) {
     while ((getline line < exclusions) > 0) {
         if (line ~ /^#/) continue
@@ -46,7 +46,7 @@ function readExclusions(   line, part) {
     }
 }
 
-# Whether exclusion `i` is about this outcome at `place`: "never run", or a condition and its outcome.
+# Returns true if exclusion `i` covers this outcome at `place`: "never run", or a condition and its outcome.
 function excludes(i, place, outcome,   condition, length_) {
     if (used[i] || ofAnotherReport[i]) return 0
     if (excludedFile[i] != fileOf[place] || excludedText[i] != trimmed(textOf[place])) return 0
@@ -57,7 +57,7 @@ function excludes(i, place, outcome,   condition, length_) {
     return substr(textOf[place], columnOf[place], length_) == condition
 }
 
-# Takes what was not reached. Returns whether it is excluded.
+# Handles a place that no test reached. Returns true if it is excluded.
 function miss(place, outcome,   i, group) {
     for (i = 1; i <= exclusionCount; ++i) {
         if (!excludes(i, place, outcome)) continue

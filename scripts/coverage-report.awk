@@ -1,6 +1,6 @@
-# Reads the annotated sources that `llvm-cov show -show-branches=count` writes, and reports by group of folders what was
-# reached, and what was not. A branch is one outcome of one condition; branches of a template count once, for all that
-# it was made for. Ends with status 1 when a group misses its bar, or an exclusion does not fit.
+# Reads the annotated sources that `llvm-cov show -show-branches=count` writes, and reports for each group of folders
+# what the tests reached and what they did not. A branch is one outcome of one condition. A branch of a template counts
+# once for all its instantiations. Exits with status 1 if a group misses its share, or if an exclusion fits no place.
 
 BEGIN {
     defineGroup("library", "^library/", 100)

@@ -1,4 +1,5 @@
-# What the scripts share. Source it first; it leads to the project's folder and says what failed, if something does.
+# Functions that all scripts share. Source it first. It changes to the project's folder, and prints the failed step if
+# the script fails.
 #
 # A script's help is the comment at its top.
 
@@ -13,7 +14,7 @@ step="starting"
 log=""
 cd -- "$root"
 
-# The Debian packages that each purpose takes.
+# The Debian packages that each purpose needs.
 build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libelf-dev libreadline-dev
     nlohmann-json3-dev)
 test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang patch pkgconf)
@@ -34,7 +35,7 @@ usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"
 }
 
-# help_if_asked ARGUMENT...: prints the help and ends when the first argument asks for it.
+# help_if_asked ARGUMENT...: prints the help and exits if the first argument is --help or -h.
 help_if_asked() {
     if [[ ${1-} == --help || ${1-} == -h ]]; then
         usage
@@ -42,7 +43,7 @@ help_if_asked() {
     fi
 }
 
-# bad_usage MESSAGE: ends with the help.
+# bad_usage MESSAGE: prints the message and the help, and exits with status 2.
 bad_usage() {
     printf '%s: %s\n\n' "$script" "$1" >&2
     usage >&2
@@ -50,25 +51,25 @@ bad_usage() {
     exit 2
 }
 
-# fail MESSAGE: ends what was begun.
+# fail MESSAGE: prints the message and ends the script; the current step has failed.
 fail() {
     printf '%s\n' "$1" >&2
     exit 1
 }
 
-# begin STEP: names what is done from here on, also when it fails.
+# begin STEP: prints the name of the next step. If the step fails, the error names it.
 begin() {
     step=$1
     printf '\n==> %s\n' "$step"
 }
 
-# run COMMAND...: shows a command, on the standard error output, and runs it.
+# run COMMAND...: prints a command to the standard error output and runs it.
 run() {
     printf '$ %s\n' "${*@Q}" | sed "s/'\([A-Za-z0-9_.,:=/@%+-]*\)'/\1/g" >&2
     "$@"
 }
 
-# logged COMMAND...: runs a command whose output is of interest only when it fails.
+# logged COMMAND...: runs a command. Shows its output only if it fails.
 logged() {
     mkdir -p build
     log=build/$(basename -- "$script").log
@@ -91,12 +92,13 @@ explain_failure() {
 }
 trap explain_failure EXIT
 
-# is_installed PACKAGE: on any architecture. dpkg also knows packages that others mention, as not-installed.
+# is_installed PACKAGE: succeeds if the package is installed, for any architecture. dpkg-query also lists packages that
+# are not installed, because other packages mention them.
 is_installed() {
     [[ " $(dpkg-query --show --showformat '${db:Status-Status} ' "$1" 2>/dev/null)" == *" installed "* ]]
 }
 
-# need PACKAGE...: installs those Debian packages that are missing.
+# need PACKAGE...: installs the Debian packages that are missing.
 need() {
     local missing=() become_root=() package
     if ! command -v dpkg-query >/dev/null; then
@@ -122,7 +124,7 @@ need() {
         install_by_hand "apt-get install failed." "${missing[@]}"
 }
 
-# install_by_hand REASON PACKAGE...
+# install_by_hand REASON PACKAGE...: says how to install the packages by hand, and ends the script.
 install_by_hand() {
     printf '\n%s: %s These Debian packages are missing. Install them as root, with a network:\n' "$script" "$1" >&2
     printf '    apt-get update && apt-get install --no-install-recommends %s\n' "${*:2}" >&2
@@ -131,30 +133,31 @@ install_by_hand() {
     exit 1
 }
 
-# Configures build/analysis, for tools that read how the sources are compiled. Without the precompiled headers, which one
-# compiler writes and no other reads.
+# Configures build/analysis, for tools that read the compile commands. It uses no precompiled headers, because only the
+# compiler that wrote them can read them.
 configure_analysis() {
     begin "Configure build/analysis"
     run cmake --preset debug -B build/analysis -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON --log-level=WARNING
 }
 
-# sources_but_tests REGEX: the C++ sources in build/analysis whose paths match, but for tests and samples for readers.
+# sources_but_tests REGEX: prints the C++ sources in build/analysis whose paths match, except tests and samples.
 sources_but_tests() {
     sed -n "s|^ *\"file\": \"$root/\(.*\)\",*\$|\1|p" build/analysis/compile_commands.json | sort -u |
         grep -vE '^(build|docs|tests)/' | grep -E -- "$1"
 }
 
-# project_version: the whole one, of three numbers.
+# project_version: prints the version, for example 1.0.0.
 project_version() {
     sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
 }
 
-# sources_state: what differs in the folder of the sources from what is committed, but for build/.
+# sources_state: prints the differences between the sources and the last commit, except build/.
 sources_state() {
     git status --porcelain --ignored 2>/dev/null | grep -v '^!! build/$' || true
 }
 
-# temporary_files_in FOLDER: has them written there. By anyone: tests that must not be root run as nobody.
+# temporary_files_in FOLDER: makes programs write temporary files to FOLDER. Every user may write there, because the
+# tests that must not run as root run as nobody.
 temporary_files_in() {
     export TMPDIR=$root/$1
     mkdir -p "$TMPDIR"

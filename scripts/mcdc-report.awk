@@ -1,7 +1,7 @@
-# Reads the annotated sources that `llvm-cov show -show-mcdc` writes, and reports which conditions were seen to decide
-# alone: two evaluations in which, of all that were evaluated, this one differs, and with it the outcome. Conditions
-# joined with no other are a matter of branches. Ends with status 1 when a group misses its bar, or an exclusion does
-# not fit.
+# Reads the annotated sources that `llvm-cov show -show-mcdc` writes, and reports which conditions the tests show to
+# decide alone: in two evaluations only this condition differs, and the outcome differs, too. It ignores a condition
+# that is not combined with another; its branches are measured. Exits with status 1 if a group misses its share, or if
+# an exclusion fits no place.
 
 BEGIN {
     areDecisions = 1
@@ -17,7 +17,7 @@ BEGIN {
     addPlace(place, file, part[3], part[4])
 }
 
-# One that the compiler knows the outcome of cannot decide, and is none.
+# Ignores a condition whose outcome the compiler knows, because it cannot decide.
 /C[0-9]+-Pair: / {
     match($0, /C[0-9]+-Pair/)
     place = placeOf[substr($0, RSTART + 1, RLENGTH - 6)]
