@@ -1,0 +1,115 @@
+/// \file
+/// Runs one command for the host: no exception leaves it, and no error message is lost.
+#pragma once
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <exception>
+#include <type_traits>
+#include <utility>
+
+#include "vexa/ExceptionBase.h"
+#include "vexa/VexaUtil.h"
+#include "vexautilutil/MacroCommandProcessorAbstract.h"
+
+namespace vexa::vexautilutil {
+
+/// What executeCommand() is made of. Not for direct use.
+namespace detail {
+
+/// Stores a copy of \p message in \p errMsg, unless \p errMsg already has a message: the first failure is the reason
+/// for those that follow. \p errMsg stays null if the host has no memory.
+inline void storeErrorMessage(const char* message, char** errMsg) {
+    if (*errMsg != nullptr) return;
+    const std::size_t length = std::min<std::size_t>(std::strlen(message), INT_MAX - 1);
+    char* const text = VexaUtilStringAlloc(static_cast<int>(length + 1), "error message");
+    if (text == nullptr) return;
+    std::memcpy(text, message, length);
+    text[length] = '\0';
+    *errMsg = text;
+}
+
+/// Stores the message of the exception that is being handled. \p errMsg stays as it is if the host throws.
+inline void reportException(char** errMsg) noexcept {
+    try {
+        try {
+            throw;
+        } catch (const ExceptionBase& failure) {  // with the class libraries of the host, it may be no std::exception
+            storeErrorMessage(failure.what(), errMsg);
+        } catch (const std::exception& failure) {
+            storeErrorMessage(failure.what(), errMsg);
+        } catch (...) {
+            storeErrorMessage("Unknown failure", errMsg);
+        }
+    } catch (...) {
+        return;
+    }
+}
+
+}  // namespace detail
+
+/// Calls \p work and reports its outcome as the `execute` function of an add-on must: no exception escapes.
+///
+///     VexaBoolean execute(const char* command, char** errMsg) {
+///         return vexa::vexautilutil::executeCommand([&] { run(command); }, errMsg);
+///     }
+///
+/// \param work   what to call, without arguments. When it returns a value, the value says whether the command
+///               succeeded. When it returns nothing, the command succeeded unless an exception is thrown.
+/// \param errMsg where the host expects the error message; it must not be null. It is set to null before the call. When
+///               an exception is thrown, it receives a copy of `what()`, or "Unknown failure" if it is neither a
+///               vexa::ExceptionBase nor a `std::exception`. A message that \p work stored itself stays. The host owns the message. It stays null
+///               when the host has no memory, and when \p work fails without a message.
+/// \return 1 when the command succeeded, otherwise 0. When \p errMsg is null, \p work is not called and the result is
+/// 0. Threads: \p work runs on the caller's thread, and so do the calls of the host.
+template <class Work>
+VexaBoolean executeCommand(Work&& work, char** errMsg) noexcept {
+    if (errMsg == nullptr) return 0;
+    *errMsg = nullptr;
+    try {
+        if constexpr (std::is_void_v<std::invoke_result_t<Work>>) {
+            std::forward<Work>(work)();
+            return 1;
+        } else {
+            return std::forward<Work>(work)() ? 1 : 0;
+        }
+    } catch (...) {
+        detail::reportException(errMsg);
+        return 0;
+    }
+}
+
+/// Lets \p processor process \p command. For an add-on that keeps one processor for all its commands.
+///
+///     VexaBoolean execute(const char* command, char** errMsg) {
+///         return vexa::vexautilutil::executeCommand(*processor, command, errMsg);
+///     }
+///
+/// \param processor called once, by its parseCommandString(), on the caller's thread.
+/// \param command   the command, as the host hands it over.
+/// \param errMsg    as above. The message is the one that the processor stored, or that of the exception it threw.
+/// \return 1 when the command succeeded, otherwise 0.
+inline VexaBoolean executeCommand(MacroCommandProcessorAbstract& processor, const char* command,
+                                  char** errMsg) noexcept {
+    return executeCommand([&] { return processor.parseCommandString(command, errMsg); }, errMsg);
+}
+
+/// Lets a new \p Processor process \p command. For an add-on whose commands share nothing.
+///
+///     VexaBoolean execute(const char* command, char** errMsg) {
+///         return vexa::vexautilutil::executeCommand<HelloProcessor>(command, errMsg);
+///     }
+///
+/// \tparam Processor a class derived from MacroCommandProcessorAbstract, with a constructor that takes nothing. What
+///                   the constructor throws is reported, too.
+/// \param command    the command, as the host hands it over.
+/// \param errMsg     as above. The message is the one that the processor stored, or that of the exception it threw.
+/// \return 1 when the command succeeded, otherwise 0.
+template <class Processor>
+VexaBoolean executeCommand(const char* command, char** errMsg) noexcept {
+    return executeCommand([&] { return Processor().parseCommandString(command, errMsg); }, errMsg);
+}
+
+}  // namespace vexa::vexautilutil
