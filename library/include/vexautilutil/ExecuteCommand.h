@@ -1,5 +1,6 @@
 /// \file
-/// Runs one command for the host: no exception leaves it, and no error message is lost.
+/// Runs one command for the host: no exception leaves it, and no error message is lost. The class of processors comes
+/// with it.
 #pragma once
 
 #include <algorithm>
@@ -98,9 +99,8 @@ inline VexaBoolean executeCommand(MacroCommandProcessorAbstract& processor, cons
 
 /// Lets a new \p Processor process \p command. For an add-on whose commands share nothing.
 ///
-///     VexaBoolean execute(const char* command, char** errMsg) {
-///         return vexa::vexautilutil::executeCommand<HelloProcessor>(command, errMsg);
-///     }
+///     constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, "HELLO", "Says hello",
+///                                           vexa::vexautilutil::executeCommand<HelloProcessor>, nullptr};
 ///
 /// \tparam Processor a class derived from MacroCommandProcessorAbstract, with a constructor that takes nothing. What
 ///                   the constructor throws is reported, too.

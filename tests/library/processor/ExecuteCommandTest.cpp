@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "processor/ScriptedProcessor.h"
+#include "vexa/AddOn.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/MacroCommandError.h"
@@ -161,6 +162,14 @@ TEST_F(ExecuteCommand, MakesAProcessorForTheCommand) {
 TEST_F(ExecuteCommand, GivesTheHostTheMessageOfAProcessorMadeForTheCommand) {
     EXPECT_EQ(executeCommand<RefusingProcessor>("TURN", &m_errMsg), 0);
     EXPECT_EQ(message(), "Unknown command TURN");
+}
+
+TEST_F(ExecuteCommand, IsTheExecuteFunctionOfAnAddOn) {
+    static constexpr VexaAddOn_s kAddOn = {VEXA_ADDON_API_VERSION, "TURNER", nullptr, executeCommand<RefusingProcessor>,
+                                           nullptr};
+    m_host.linkAddOn([](AddOnList_s*) { return &kAddOn; });
+    EXPECT_EQ(m_host.run("TURNER", "turn").error, "Unknown command TURN");
+    EXPECT_TRUE(m_host.violations().empty());
 }
 
 TEST_F(ExecuteCommand, GivesTheHostTheMessageOfAProcessorThatCannotBeMade) {
