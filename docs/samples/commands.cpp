@@ -1,6 +1,4 @@
 #include <cstdio>
-#include <cstring>
-#include <exception>
 #include <memory>
 #include <string>
 
@@ -28,11 +26,11 @@ std::shared_ptr<MacroOptionInterface> parseOption(MacroTokenIterator& current, c
 class Slice : public MacroCommandAbstract {
 public:
     explicit Slice(const std::string& options) : MacroCommandAbstract("SLICE") {
-        const MacroTokenizer tokens = tokenize(options);  // refers to the text, so that must stay
+        const MacroTokenizer tokens = tokenize(options);  // refers to `options`, which must outlive it
         const MacroTokenIterator end = tokens.end();
         for (MacroTokenIterator current = tokens.begin(); current != end;) {
             if (*current == " ") {
-                ++current;  // the parsers of the options do not skip blanks
+                ++current;  // an option does not skip the blanks before it
             } else {
                 addOption(parseOption(current, end));
             }
@@ -45,7 +43,7 @@ public:
 // [perform]
 struct Settings : MacroOptionPerformerAbstract {
     Settings() : MacroOptionPerformerAbstract(false) {}
-    using MacroOptionPerformerAbstract::action;  // the actions that are not overridden
+    using MacroOptionPerformerAbstract::action;  // keeps the actions that are not overridden
 
     void action(UInt64MacroOption& option) override { count = option.value(); }
     void action(BooleanMacroOption& option) override { capped = option.value(); }
@@ -67,7 +65,7 @@ void Slice::execute() {
 // [perform]
 
 // [record]
-// Not while the host plays back: what it plays is recorded already.
+// Records nothing while the host plays back: those commands are already recorded.
 void record(const std::string& command) {
     if (VexaUtilMacroIsRecordingActive() == 0 || VexaUtilStateIsProcessingJournal() != 0 ||
         VexaUtilStateIsProcessingLayout() != 0) {
@@ -89,26 +87,9 @@ void run(const std::string& text) {
 // [run]
 
 // [entry]
-// The host owns the copy that it is handed.
-void explain(const char* message, char** errMsg) noexcept try {
-    const std::size_t size = std::strlen(message) + 1;
-    *errMsg = VexaUtilStringAlloc(static_cast<int>(size), "error message");
-    if (*errMsg != nullptr) std::memcpy(*errMsg, message, size);
-} catch (...) {
-    *errMsg = nullptr;
-}
-
-// No exception may escape to the host.
+// What run() throws becomes the error message of the command.
 VexaBoolean execute(const char* text, char** errMsg) {
-    try {
-        run(text);
-        return 1;
-    } catch (const std::exception& error) {
-        explain(error.what(), errMsg);
-    } catch (...) {
-        explain("Unknown failure", errMsg);
-    }
-    return 0;
+    return executeCommand([&] { run(text); }, errMsg);
 }
 
 constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Slices", execute, nullptr};

@@ -1,11 +1,11 @@
 #include <cstdio>
-#include <exception>
 #include <future>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "vexa/AddOn.h"
+#include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/HostGuards.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 #include "vexautilutil/Mutex.h"
@@ -16,10 +16,10 @@ namespace {
 
 constexpr const char* kId = "SUMMER";
 
-AddOnList_s* self = nullptr;  // what vexaAddOn() was given, for the lock
+AddOnList_s* self = nullptr;  // the identity that the host gave to vexaAddOn()
 
 // [threads]
-// Adds up 1 to `count` on four threads. These call nothing of the host but its mutex.
+// Adds up 1 to `count` on four threads. They call only the mutex functions of the host.
 int64_t sumUpTo(int64_t count) {
     Mutex mutex;
     int64_t sum = 0;
@@ -29,7 +29,7 @@ int64_t sumUpTo(int64_t count) {
         const std::lock_guard<Mutex> lock(mutex);
         sum += part;
     };
-    std::vector<std::future<void>> threads;  // they are waited for, whatever happens
+    std::vector<std::future<void>> threads;  // their destructors wait for the threads, also when an exception is thrown
     for (int64_t first = 1; first <= 4; ++first) threads.push_back(std::async(std::launch::async, add, first));
     for (std::future<void>& thread : threads) thread.get();
     return sum;
@@ -41,11 +41,14 @@ class SumProcessor : public MacroCommandProcessorAbstract {
 public:
     // [guards]
     bool processCommand() override {
-        const AddOnIdLock lock(self);          // no other add-on comes between
-        const AuxDataSuspendBroadcast quiet;   // who listens hears of it once, at the end
-        const DataSetSuspendMarking unmarked;  // the data set does not count as changed
-        // Whichever of these fails, and however, all three end.
-        return readOptions() && sumUp() && recordMacroCommand(kId);
+        const AddOnIdLock lock(self);          // no other add-on runs until the lock is released
+        const AuxDataSuspendBroadcast quiet;   // the host announces changed auxiliary data once, at the end
+        const DataSetSuspendMarking unmarked;  // the host does not mark the data set as changed
+        // All three guards end at each return, and when sumUpTo() throws.
+        if (!readOptions()) return false;
+        std::printf("%lld\n", static_cast<long long>(sumUpTo(m_count)));
+        depositErrorMessage("Error: The host did not record SUM");
+        return recordMacroCommand(kId);
     }
     // [guards]
 
@@ -59,35 +62,16 @@ private:
     bool readOptions() {
         std::string word;
         std::string option;
-        depositErrorMessage("Error: Expected SUM COUNT = number");  // unless a getter says more
+        depositErrorMessage("Error: Expected SUM COUNT = number");  // a getter that fails replaces it
         if (!getCommand(word) || word != "SUM") return false;
         return getNextName(option) && option == "COUNT" && getInt64Value(m_count) && m_count <= 1000000;
     }
     // [default-message]
 
-    bool sumUp() {
-        try {
-            std::printf("%lld\n", static_cast<long long>(sumUpTo(m_count)));
-            return true;
-        } catch (const std::exception& failure) {  // no memory, no thread, no mutex
-            depositErrorMessage(std::string("Error: ") + failure.what());
-            return false;
-        }
-    }
-
     int64_t m_count = 0;
 };
 
-VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        SumProcessor processor;
-        return processor.parseCommandString(command, errMsg);
-    } catch (...) {
-        return 0;  // no exception may escape to the host
-    }
-}
-
-constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Adds up", execute, nullptr};
+constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Adds up", executeCommand<SumProcessor>, nullptr};
 
 }  // namespace
 

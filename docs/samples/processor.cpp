@@ -2,6 +2,7 @@
 #include <string>
 
 #include "vexa/AddOn.h"
+#include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 
 namespace {
@@ -9,7 +10,7 @@ namespace {
 constexpr const char* kId = "MESHER";
 
 // [open-quote]
-// A text without its closing quote would be waited for for ever.
+// getStringValue() would wait forever for a missing closing quote.
 bool hasOpenQuote(const std::string& text) {
     char open = '\0';
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -26,7 +27,7 @@ bool hasOpenQuote(const std::string& text) {
 // [open-quote]
 
 // [escaped]
-// What stands between single quotes so that getStringValue() reads it back.
+// Escapes quotes and backslashes, so that getStringValue() reads the same text back.
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {
@@ -87,7 +88,7 @@ private:
     }
 
     bool readPoints() {
-        if (!getInt64Value(m_points)) return false;  // a message is stored
+        if (!getInt64Value(m_points)) return false;  // the getter has stored a message
         return (m_points >= 3 && m_points <= 1000) || refuse("POINTS must be from 3 to 1000");
     }
 
@@ -106,16 +107,8 @@ private:
 };
 
 // [entry]
-VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        MeshProcessor processor;
-        return processor.parseCommandString(command, errMsg);
-    } catch (...) {
-        return 0;  // no exception may escape to the host
-    }
-}
-
-constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Makes meshes", execute, nullptr};
+constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Makes meshes",
+                                      vexa::vexautilutil::executeCommand<MeshProcessor>, nullptr};
 
 }  // namespace
 

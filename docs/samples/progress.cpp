@@ -2,6 +2,7 @@
 #include <string>
 
 #include "vexa/AddOn.h"
+#include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 #include "vexautilutil/TaskProgressBar.h"
 
@@ -64,16 +65,8 @@ private:
     int m_primes = 0;
 };
 
-VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        PrimeProcessor processor;
-        return processor.parseCommandString(command, errMsg);
-    } catch (...) {
-        return 0;  // no exception may escape to the host
-    }
-}
-
-constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Counts primes", execute, nullptr};
+constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Counts primes",
+                                      vexa::vexautilutil::executeCommand<PrimeProcessor>, nullptr};
 
 }  // namespace
 

@@ -8,13 +8,17 @@
 #include "vexa/AddOn.h"
 #include "vexa/Scanner.h"
 #include "vexautilutil/AsciiFile.h"
+#include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/InvalidInstructionsException.h"
+#include "vexautilutil/MacroCommandError.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 
 namespace {
 
 using vexa::vexautilutil::AsciiFile;
+using vexa::vexautilutil::executeCommand;
 using vexa::vexautilutil::InvalidInstructionsException;
+using vexa::vexautilutil::MacroCommandError;
 
 constexpr const char* kId = "PROBES";
 
@@ -64,17 +68,22 @@ public:
     explicit ProbeProcessor(const std::string& text)
         : m_isQuoted(std::count(text.begin(), text.end(), '\'') == 2 && text.find('"') == std::string::npos) {}
 
-    // [report]
+    // [throw]
     bool processCommand() override {
-        try {
-            run();
-            return true;
-        } catch (const std::exception& error) {
-            depositErrorMessage(std::string("Error: ") + error.what());
-            return false;
+        std::string word;
+        std::string option;
+        getCommand(word);
+        getNextName(option);
+        if (word != "LOAD" || option != "FILE" || !m_isQuoted || !getStringValue(m_path, false)) {
+            throw MacroCommandError("Expected LOAD FILE = 'file name'");
         }
+        for (const Probe& probe : readProbes(m_path)) {
+            std::printf("%s at (%g, %g)\n", probe.name.c_str(), probe.x, probe.y);
+        }
+        if (!recordMacroCommand(kId)) throw MacroCommandError("The host did not record LOAD");
+        return true;
     }
-    // [report]
+    // [throw]
 
     bool composeCommandString(std::string& command) const override {
         command = "LOAD " + toNameValueAssignment("FILE", m_path);
@@ -82,30 +91,12 @@ public:
     }
 
 private:
-    void run() {
-        std::string word;
-        std::string option;
-        getCommand(word);
-        getNextName(option);
-        if (word != "LOAD" || option != "FILE" || !m_isQuoted || !getStringValue(m_path, false)) {
-            throw InvalidInstructionsException("PROBES", "expected LOAD FILE = 'file name'");
-        }
-        for (const Probe& probe : readProbes(m_path))
-            std::printf("%s at (%g, %g)\n", probe.name.c_str(), probe.x, probe.y);
-        if (!recordMacroCommand(kId)) throw InvalidInstructionsException("PROBES", "LOAD was not recorded");
-    }
-
-    const bool m_isQuoted;  // a text without its closing quote would be waited for for ever
+    const bool m_isQuoted;  // getStringValue() would wait forever for a missing closing quote
     std::string m_path;
 };
 
 VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        ProbeProcessor processor(command);
-        return processor.parseCommandString(command, errMsg);
-    } catch (...) {
-        return 0;  // no exception may escape to the host
-    }
+    return executeCommand([&] { return ProbeProcessor(command).parseCommandString(command, errMsg); }, errMsg);
 }
 
 constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, "Reads probes", execute, nullptr};

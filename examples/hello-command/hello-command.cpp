@@ -3,6 +3,7 @@
 #include <string>
 
 #include "vexa/AddOn.h"
+#include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 
 namespace {
@@ -45,18 +46,10 @@ private:
     char m_loud = 0;
 };
 
-VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        HelloProcessor processor;
-        return processor.parseCommandString(command, errMsg);
-    } catch (...) {
-        return 0;  // no exception may get out to the host
-    }
-}
+// Each command gets a new processor.
+constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, "HELLO", "Says hello",
+                                      vexa::vexautilutil::executeCommand<HelloProcessor>, nullptr};
 
 }  // namespace
 
-const VexaAddOn_s* vexaAddOn(AddOnList_s*) {
-    static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, "HELLO", "Says hello", execute, nullptr};
-    return &description;
-}
+const VexaAddOn_s* vexaAddOn(AddOnList_s*) { return &kDescription; }

@@ -3,20 +3,15 @@
 #include <memory>
 
 #include "LoaderProcessor.h"
+#include "vexautilutil/ExecuteCommand.h"
 
 namespace {
 
-// The host's functions take no pointer of ours, so what the commands share has to live here: from the entry to
-// shutdown().
+// All commands share one processor. It lives here, because the host passes the add-on nothing but the command.
 std::unique_ptr<dataloader::LoaderProcessor> processor;
 
-// The processor explains its failures. What it throws is that there is no memory even for that.
 VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        return processor->parseCommandString(command, errMsg) ? 1 : 0;
-    } catch (...) {
-        return 0;
-    }
+    return vexa::vexautilutil::executeCommand(*processor, command, errMsg);
 }
 
 void shutdown() { processor.reset(); }

@@ -1,39 +1,17 @@
 #include "vexa/AddOn.h"
 
-#include <cstring>
-#include <exception>
 #include <memory>
 
 #include "ProbeProcessor.h"
+#include "vexautilutil/ExecuteCommand.h"
 
 namespace {
 
-// The host's functions take no pointer of ours, so what the commands share has to live here: from the entry to
-// shutdown().
+// All commands share one processor. It lives here, because the host passes the add-on nothing but the command.
 std::unique_ptr<probestats::ProbeProcessor> processor;
 
-// Hands \p message to the host, which owns the copy; without memory for it, there is none.
-void explain(const char* message, char** errMsg) noexcept {
-    try {
-        const std::size_t size = std::strlen(message) + 1;
-        *errMsg = VexaUtilStringAlloc(static_cast<int>(size), "error string");
-        if (*errMsg != nullptr) std::memcpy(*errMsg, message, size);
-    } catch (...) {
-        *errMsg = nullptr;
-    }
-}
-
-// No exception may escape to the host. Failures that the processor foresees are explained by itself; what arrives
-// here is lack of memory, or a host function that throws.
 VexaBoolean execute(const char* command, char** errMsg) {
-    try {
-        return processor->parseCommandString(command, errMsg) ? 1 : 0;
-    } catch (const std::exception& failure) {
-        explain(failure.what(), errMsg);
-    } catch (...) {
-        explain("Unknown failure", errMsg);
-    }
-    return 0;
+    return vexa::vexautilutil::executeCommand(*processor, command, errMsg);
 }
 
 void shutdown() { processor.reset(); }

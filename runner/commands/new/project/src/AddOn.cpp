@@ -1,13 +1,13 @@
 // What the host calls: the entry, and one function for all commands.
 #include "vexa/AddOn.h"
 
-#include <cstring>
-#include <exception>
 #include <string>
 
 #include "RepeatCommand.h"
+#include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/MacroCommandError.h"
 
+using vexa::vexautilutil::executeCommand;
 using vexa::vexautilutil::MacroCommandError;
 
 namespace {
@@ -36,26 +36,9 @@ void run(const std::string& text) {
     record(command.toString());
 }
 
-// Hands \p message to the host, which owns the copy; without memory for it, there is none.
-void explain(const char* message, char** errMsg) noexcept try {
-    const std::size_t size = std::strlen(message) + 1;
-    *errMsg = VexaUtilStringAlloc(static_cast<int>(size), "error message");
-    if (*errMsg != nullptr) std::memcpy(*errMsg, message, size);
-} catch (...) {
-    *errMsg = nullptr;
-}
-
-// No exception may escape to the host.
+// What run() throws becomes the error message of the command.
 VexaBoolean execute(const char* text, char** errMsg) {
-    try {
-        run(text);
-        return 1;
-    } catch (const std::exception& error) {
-        explain(error.what(), errMsg);
-    } catch (...) {
-        explain("Unknown failure", errMsg);
-    }
-    return 0;
+    return executeCommand([&] { run(text); }, errMsg);
 }
 
 constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, kId, kTitle, execute, nullptr};
