@@ -61,6 +61,24 @@ TEST(Testing, StylesAreGivenValues) {
     EXPECT_EQ(text, "0.4");
 }
 
+TEST(Styles, AreAnsweredByOneOfFourCodes) {
+    Host host;
+    const auto answerTo = [](std::vector<std::string> path, long offset1) {
+        vexa::vexautilutil::ResultType_e type{};
+        GetValueReturnCode_e code{};
+        std::string text;
+        vexa::vexautilutil::getValueAsString(path, offset1, 0, type, code, text);
+        return code;
+    };
+    host.setStyle({"FieldMap", "Name"}, 1, 0, std::string("wake"));
+    EXPECT_EQ(answerTo({"FieldMap", "Name"}, 1), GetValueReturnCode_Ok);
+    EXPECT_EQ(answerTo({"FieldMap", "Name"}, 2), GetValueReturnCode_NotAvailable);
+    EXPECT_EQ(answerTo({"FieldMap"}, 1), GetValueReturnCode_NotAvailable);
+    EXPECT_EQ(answerTo({"FieldMap", "Title"}, 1), GetValueReturnCode_UnknownPath);
+    host.failCall("VexaUtilStyleGetLowLevelX", 2, GetValueReturnCode_OtherType);  // neither a double nor anything else
+    EXPECT_EQ(answerTo({"FieldMap", "Name"}, 1), GetValueReturnCode_OtherType);
+}
+
 TEST(Testing, RandomCommandsMakeNoFinding) {
     constexpr std::uint64_t seed = 1;
     AddOnTester tester(vexaAddOn);

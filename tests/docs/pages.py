@@ -19,7 +19,7 @@ SAMPLE = re.compile(r"^<!-- sample: (?P<file>\S+)(?: (?P<region>\S+))? -->$")
 EXCERPT = re.compile(r"^<!-- excerpt: (?P<file>\S+) -->$")
 REGION_MARK = re.compile(r"^\s*// \[([\w-]+)\]$")
 COMMAND = re.compile(r"^(?: {4})?(?:\$ )?(?:\S*/)?vexa-standin (?P<name>[a-z]+)(?P<rest>.*)$", re.MULTILINE)
-OPTION = re.compile(r"(?<=\s)--[a-z][a-z-]*")
+OPTION = re.compile(r"(?<=\s)--[a-z][a-z0-9-]*")
 LINK = re.compile(r"\]\((?P<target>[^)#\s]+)[^)]*\)")
 
 

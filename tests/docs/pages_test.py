@@ -88,6 +88,9 @@ class Commands(unittest.TestCase):
     def test_known_ones_are_no_mistake(self):
         self.assertEqual(self.mistakes("    $ ~/vexa/bin/vexa-standin run a.macro --strict\n"), [])
 
+    def test_names_of_options_may_have_digits(self):
+        self.assertEqual(list(pages.command_mistakes("vexa-standin run --offset1 2\n", {"run": "--offset1 N"}.get)), [])
+
     def test_unknown_ones_are(self):
         self.assertEqual(self.mistakes("vexa-standin walk\n"), [(1, "the runner has no command walk")])
         self.assertEqual(self.mistakes("\n$ vexa-standin run --str\n"), [(2, "run has no option --str")])
