@@ -16,7 +16,7 @@ EXPORTED = re.compile(r"^(?:class VEXA\w*_API (?P<class>\w+)|VEXA\w*_API [^;{(]*
                       re.MULTILINE)
 EMPTY = {"br", "hr", "img", "input", "link", "meta"}
 VERBATIM = {"code", "pre", "script", "style"}
-MARK = re.compile(r"`|\\ilinebr|</?[a-z]+[ >]")
+MARK = re.compile(r"`|\\ilinebr|(?<!template)</?[a-z]+[ >]")  # a list of template parameters is no mark
 TAGGED = re.compile(r"<name>(?:[^<]*::)?([^<:]+)</name>")
 
 

@@ -35,6 +35,10 @@ class Pages(unittest.TestCase):
         self.assertEqual(self.mistakes('<div class="fragment"><div>`</div><br>`</div>', site.bare_marks), [])
         self.assertEqual(len(self.mistakes('<div class="fragment"></div>a `b', site.bare_marks)), 1)
         self.assertEqual(len(self.mistakes(r"\ilinebr", site.bare_marks)), 1)
+        self.assertEqual(len(self.mistakes("a &lt;code&gt;", site.bare_marks)), 1)
+
+    def test_parameters_of_a_template_are_no_marks(self):
+        self.assertEqual(self.mistakes("template&lt;class Work &gt;", site.bare_marks), [])
 
 
 class Reference(unittest.TestCase):
