@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "processor/ScriptedProcessor.h"
+#include "library/processor/ScriptedProcessor.h"
 #include "vexa/AddOn.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/ExecuteCommand.h"
