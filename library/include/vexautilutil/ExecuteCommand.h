@@ -1,6 +1,6 @@
 /// \file
-/// Runs one command for the host: no exception leaves it, and no error message is lost. The class of processors comes
-/// with it.
+/// Runs one command for the host: no exception escapes, and no error message is lost. This header also includes the
+/// base class of processors.
 #pragma once
 
 #include <algorithm>
@@ -57,14 +57,16 @@ inline void reportException(char** errMsg) noexcept {
 ///         return vexa::vexautilutil::executeCommand([&] { run(command); }, errMsg);
 ///     }
 ///
-/// \param work   what to call, without arguments. When it returns a value, the value says whether the command
-///               succeeded. When it returns nothing, the command succeeded unless an exception is thrown.
-/// \param errMsg where the host expects the error message; it must not be null. It is set to null before the call. When
-///               an exception is thrown, it receives a copy of `what()`, or "Unknown failure" if it is neither a
-///               vexa::ExceptionBase nor a `std::exception`. A message that \p work stored itself stays. The host owns the message. It stays null
-///               when the host has no memory, and when \p work fails without a message.
-/// \return 1 when the command succeeded, otherwise 0. When \p errMsg is null, \p work is not called and the result is
-/// 0. Threads: \p work runs on the caller's thread, and so do the calls of the host.
+/// \param work   what to call, without arguments. If it returns a value, the value says whether the command succeeded.
+///               If it returns nothing, the command succeeded unless \p work throws.
+/// \param errMsg receives the error message, and must not be null. If \p work throws, that is a copy of `what()`, or
+///               "Unknown failure" if the exception is neither a vexa::ExceptionBase nor a `std::exception`. A message
+///               that \p work itself stored before it threw stays. \p errMsg receives null if the command succeeds, if
+///               \p work returns false without a message, and if the host has no memory.
+/// \return 1 if the command succeeded, otherwise 0. If \p errMsg is null, \p work is not called and the result is 0.
+///
+/// Ownership: the host owns the message.
+/// Threads:   \p work and the host are called on the caller's thread.
 template <class Work>
 VexaBoolean executeCommand(Work&& work, char** errMsg) noexcept {
     if (errMsg == nullptr) return 0;
@@ -88,9 +90,9 @@ VexaBoolean executeCommand(Work&& work, char** errMsg) noexcept {
 ///         return vexa::vexautilutil::executeCommand(*processor, command, errMsg);
 ///     }
 ///
-/// \param processor called once, by its parseCommandString(), on the caller's thread.
-/// \param command   the command, as the host hands it over.
-/// \param errMsg    as above. The message is the one that the processor stored, or that of the exception it threw.
+/// \param processor its parseCommandString() is called once.
+/// \param command   the text of the command, as the host passed it.
+/// \param errMsg    as above. Receives the message that the processor stored, or the message of an exception.
 /// \return 1 when the command succeeded, otherwise 0.
 inline VexaBoolean executeCommand(MacroCommandProcessorAbstract& processor, const char* command,
                                   char** errMsg) noexcept {
@@ -102,10 +104,10 @@ inline VexaBoolean executeCommand(MacroCommandProcessorAbstract& processor, cons
 ///     constexpr VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, "HELLO", "Says hello",
 ///                                           vexa::vexautilutil::executeCommand<HelloProcessor>, nullptr};
 ///
-/// \tparam Processor a class derived from MacroCommandProcessorAbstract, with a constructor that takes nothing. What
-///                   the constructor throws is reported, too.
-/// \param command    the command, as the host hands it over.
-/// \param errMsg     as above. The message is the one that the processor stored, or that of the exception it threw.
+/// \tparam Processor a class derived from MacroCommandProcessorAbstract, with a default constructor. An exception of
+///                   the constructor is reported, too.
+/// \param command    the text of the command, as the host passed it.
+/// \param errMsg     as above. Receives the message that the processor stored, or the message of an exception.
 /// \return 1 when the command succeeded, otherwise 0.
 template <class Processor>
 VexaBoolean executeCommand(const char* command, char** errMsg) noexcept {
