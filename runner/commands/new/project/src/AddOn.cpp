@@ -1,4 +1,4 @@
-// What the host calls: the entry, and one function for all commands.
+// The functions that the host calls: the entry of the add-on, and one function that runs every command.
 #include "vexa/AddOn.h"
 
 #include <string>
@@ -15,7 +15,7 @@ namespace {
 constexpr const char* kId = "@ID@";
 constexpr const char* kTitle = "@TITLE_LITERAL@";
 
-// So that the user's macro has the command, unless the host is playing it back.
+// Records the command in the user's macro. Does nothing while the host plays back.
 void record(const std::string& command) {
     if (VexaUtilMacroIsRecordingActive() == 0 || VexaUtilStateIsProcessingJournal() != 0 ||
         VexaUtilStateIsProcessingLayout() != 0) {
@@ -26,7 +26,7 @@ void record(const std::string& command) {
     }
 }
 
-// A further command is a class like RepeatCommand, and a line here.
+// To add a command, write a class like RepeatCommand and call it here.
 void run(const std::string& text) {
     const std::size_t nameEnd = text.find(' ');
     const std::string name = text.substr(0, nameEnd);
