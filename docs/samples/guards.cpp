@@ -29,7 +29,8 @@ int64_t sumUpTo(int64_t count) {
         const std::lock_guard<Mutex> lock(mutex);
         sum += part;
     };
-    std::vector<std::future<void>> threads;  // their destructors wait for the threads, also when an exception is thrown
+    // The destructor of each future waits for its thread, also when an exception is thrown.
+    std::vector<std::future<void>> threads;
     for (int64_t first = 1; first <= 4; ++first) threads.push_back(std::async(std::launch::async, add, first));
     for (std::future<void>& thread : threads) thread.get();
     return sum;

@@ -51,7 +51,8 @@ void describe(long fieldMap) {
     const double thickness = styleNumber({"FieldMap", "Mesh", "LineThickness"}, fieldMap);
     vexa::toolbox::Set active;
     active.assign(styleText({"FieldMap", "ActiveFieldMaps"}, 0));
-    std::printf("%s: lines of %g, %s\n", name.c_str(), thickness, active.contains(fieldMap) ? "shown" : "hidden");
+    const char* const state = active.contains(fieldMap) ? "shown" : "hidden";
+    std::printf("%s: lines of %g, %s\n", name.c_str(), thickness, state);
 }
 // [use]
 
