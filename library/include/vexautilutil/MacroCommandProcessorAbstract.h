@@ -58,7 +58,7 @@ public:
     ///                      with the stored message (empty if none was stored), or null if the host has no memory.
     /// \return the result of processCommand().
     /// \throws std::logic_error if \p commandString is null; the processor is then unchanged. An exception of
-    ///         processCommand() passes through and leaves \p errMsg unchanged.
+    ///         processCommand() passes through and leaves \p errMsg unchanged; executeCommand() reports it.
     virtual bool parseCommandString(const char* commandString, char** errMsg);
 
     /// Records a command in the host's macro. It calls composeCommandString() for the command and passes the command to
