@@ -15,8 +15,8 @@ TEST(Testing, TheHostFailsWhenToldTo) {
     AddOnTester tester(vexaAddOn);
     Host& host = tester.host();
     // [faults]
-    host.failCall("VexaUtilMacroRecordExtCommand");  // answers 0
-    host.failCall("VexaUtilStringAlloc", 2);         // the second call answers null
+    host.failCall("VexaUtilMacroRecordExtCommand");  // this call returns 0
+    host.failCall("VexaUtilStringAlloc", 2);         // the second call returns null
     host.throwFromCall("VexaUtilStatusStartPercentDone");
     // [faults]
     EXPECT_FALSE(tester.run("GREET").accepted);
@@ -28,9 +28,9 @@ TEST(Testing, TheUserPressesStop) {
     AddOnTester tester(PRIMES_ADDON);
     Host& host = tester.host();
     // [stop]
-    host.pressStop();             // before the command begins
-    host.pressStopAtCheck(3);     // when the add-on asks for the third time
-    host.pressStopAtPercent(50);  // halfway, or as soon as it is beyond
+    host.pressStop();             // before the command starts
+    host.pressStopAtCheck(3);     // when the add-on checks the button for the third time
+    host.pressStopAtPercent(50);  // at 50 percent or more
     host.releaseStop();           // for the next command
     // [stop]
     EXPECT_TRUE(tester.run("COUNT").accepted);
