@@ -52,8 +52,8 @@ void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind
                                     [=](const KnownArgument& argument) { return argument.name == std::string(name); });
     if (known == std::end(kKnownArguments) || known->kind == kind) return;
     findings.add("wrong-argument-kind",
-                 "\"" + std::string(name) + "\" was appended to " + label + " as " + textOf(kind) + ", but it is " +
-                     textOf(known->kind),
+                 "\"" + std::string(name) + "\" was appended to " + label + " as " + textOf(kind) +
+                     ", but it must be " + textOf(known->kind),
                  now, &m_argLists.originOf(argList));
 }
 
@@ -71,12 +71,11 @@ void ArgumentNames::queried(const void* argList, const Moment& now, Findings& fi
         missing += (missing.empty() ? "" : " and ") + std::string(R"("DValue" or "IValue")");
     }
     if (!missing.empty()) {
-        findings.add("missing-argument", "a style value was asked for by " + label + " without " + missing, now,
-                     &origin);
+        findings.add("missing-argument", "the style query with " + label + " lacks " + missing, now, &origin);
     }
     if (number != nullptr && param != nullptr) {
-        findings.add("duplicate-argument",
-                     "a style value was asked for by " + label + R"( with both "DValue" and "IValue")", now, &origin);
+        findings.add("duplicate-argument", "the style query with " + label + R"( has both "DValue" and "IValue")", now,
+                     &origin);
     }
 }
 

@@ -45,7 +45,8 @@ struct Check<HostFunction::VexaUtilLockStart> {
         if (identity == nullptr) {
             books.findings.add("null-handle", "VexaUtilLockStart was given a null identity", now);
         } else if (!isKnown && !now.entry->addOnId.empty()) {
-            books.findings.add("foreign-handle", "VexaUtilLockStart was given an identity that is no add-on's", now);
+            books.findings.add("foreign-handle", "VexaUtilLockStart was given an identity that belongs to no add-on",
+                               now);
         }
     }
     static void ended(Books& books, const Moment& now, const AddOnList_s* identity) {
@@ -141,10 +142,11 @@ struct Check<HostFunction::VexaUtilMacroRecordExtCommand> : NoCheck {
         if (addOnId == nullptr || command == nullptr) return;
         const std::string_view reason = whyNoMacroLine(addOnId, command);
         if (reason.empty()) return;
-        books.findings.add("recording-not-replayable",
-                           std::string(nameOf(*now.function)) +
-                               " was given a command that no line of a macro file holds: " + std::string(reason),
-                           now);
+        books.findings.add(
+            "recording-not-replayable",
+            std::string(nameOf(*now.function)) +
+                " was given a command that does not fit on one line of a macro file: " + std::string(reason),
+            now);
     }
 };
 template <>

@@ -43,7 +43,8 @@ bool HandleLedger::isFitToChange(const void* handle, const Moment& now, Findings
     }
     if (!found->second.isHosts) return true;
     findings.add("foreign-handle",
-                 std::string(nameOf(*now.function)) + " was given " + labelOf(handle) + ", which stays the host's",
+                 std::string(nameOf(*now.function)) + " was given " + labelOf(handle) +
+                     ", which the add-on must not change or free",
                  now);
     return false;
 }
@@ -57,7 +58,7 @@ void HandleLedger::freed(const void* handle, const Moment& now) {
 std::string HandleLedger::labelOf(const void* handle) const { return labelOf(m_living.at(handle)); }
 
 std::string HandleLedger::labelOf(const Living& living) const {
-    if (living.isHosts) return std::string(m_kind.noun) + " of the host's";
+    if (living.isHosts) return std::string(m_kind.noun) + " of the host";
     return std::string(m_kind.label) + '#' + std::to_string(living.number);
 }
 
@@ -80,9 +81,8 @@ void HandleLedger::reportLeaks(const std::function<bool(const Entry&)>& isMeant,
         if (!std::exchange(leak.isReported, true)) leaks.push_back(&leak);
     }
     if (leaks.empty()) return;
-    std::string message = nameOf(*now.entry) + " ended with " +
-                          (leaks.size() == 1 ? m_kind.noun : std::to_string(leaks.size()) + ' ' + m_kind.plural) +
-                          " left: ";
+    std::string message = nameOf(*now.entry) + " did not free " +
+                          (leaks.size() == 1 ? m_kind.noun : std::to_string(leaks.size()) + ' ' + m_kind.plural) + ": ";
     for (std::size_t i = 0; i != std::min(leaks.size(), kMostListed); ++i) {
         message += (i == 0 ? "" : ", ") + labelOf(*leaks[i]) + " (call " + std::to_string(leaks[i]->since.call) + ')';
     }
@@ -98,14 +98,14 @@ void HandleLedger::judgeNotLiving(const void* handle, const Moment& now, Finding
     }
     const auto found = m_freed.find(handle);
     if (found == m_freed.end()) {
-        findings.add("foreign-handle", function + " was given a handle that is none of the host's " + m_kind.plural,
+        findings.add("foreign-handle", function + " was given a handle that is not one of the host's " + m_kind.plural,
                      now);
         return;
     }
     const Freed& freed = found->second;
-    const std::string by = freed.until.call == 0 ? "" : ", freed by " + callText(freed.until);
-    findings.add(isFreeing ? "double-free" : "use-after-free", function + " was given " + freed.label + by, now,
-                 &freed.since);
+    const std::string by = freed.until.call == 0 ? "" : " by " + callText(freed.until);
+    findings.add(isFreeing ? "double-free" : "use-after-free",
+                 function + " was given " + freed.label + ", which was already freed" + by, now, &freed.since);
 }
 
 }  // namespace vexa::standin

@@ -11,8 +11,8 @@ void MutexHolds::lockBegan(const void* mutex, const Moment& now, Findings& findi
     if (!m_mutexes.isLiving(mutex)) return;
     if (const Moment* const hold = holdOf(mutex, now.thread)) {
         findings.add("mutex-locked-twice",
-                     m_mutexes.labelOf(mutex) + " was locked by thread " + std::to_string(now.thread) +
-                         ", which holds it; a host would wait for ever",
+                     "thread " + std::to_string(now.thread) + " locked " + m_mutexes.labelOf(mutex) +
+                         ", which it already holds; a real host would wait forever",
                      now, hold);
     }
 }
@@ -58,9 +58,8 @@ void MutexHolds::endOfEntry(const Moment& now, Findings& findings) {
             return hold.thread == now.thread && hold.entry == now.entry;
         });
         if (left != holds.end()) {
-            findings.add("mutex-left-locked",
-                         nameOf(*now.entry) + " ended with " + m_mutexes.labelOf(entry->first) + " locked", now,
-                         &*left);
+            findings.add("mutex-left-locked", nameOf(*now.entry) + " did not unlock " + m_mutexes.labelOf(entry->first),
+                         now, &*left);
             holds.erase(left);
         }
         entry = holds.empty() ? m_holds.erase(entry) : std::next(entry);

@@ -24,6 +24,10 @@ constexpr Kind kKinds[] = {
 
 std::size_t indexOf(Scope_e kind) { return static_cast<std::size_t>(kind); }
 
+std::string noMatch(const char* call, const char* counterpart) {
+    return std::string(call) + " has no matching " + counterpart;
+}
+
 }  // namespace
 
 void Scopes::begin(Scope_e kind, const Moment& now, const AddOnList_s* identity) {
@@ -34,14 +38,14 @@ void Scopes::end(Scope_e kind, const Moment& now, Findings& findings, const AddO
     const Kind& names = kKinds[indexOf(kind)];
     std::vector<Open>& open = m_open[indexOf(kind)];
     if (open.empty()) {
-        findings.add(names.rule, std::string(names.end) + " was called without " + names.begin + " before it", now);
+        findings.add(names.rule, noMatch(names.end, names.begin), now);
         return;
     }
     auto ended = std::find_if(open.rbegin(), open.rend(), [=](const Open& one) { return one.identity == identity; });
     if (ended == open.rend()) {
         ended = open.rbegin();
-        findings.add("lock-identity", "VexaUtilLockFinish was called under another identity than VexaUtilLockStart",
-                     now, &ended->since);
+        findings.add("lock-identity", "VexaUtilLockFinish got another identity than VexaUtilLockStart", now,
+                     &ended->since);
     }
     open.erase(std::next(ended).base());
 }
@@ -50,7 +54,7 @@ void Scopes::endOfEntry(const Moment& now, Findings& findings) const {
     for (std::size_t i = 0; i != m_open.size(); ++i) {
         const std::vector<Open>& open = m_open[i];
         if (open.empty()) continue;
-        std::string message = nameOf(*now.entry) + " ended without " + kKinds[i].end + " after " + kKinds[i].begin;
+        std::string message = noMatch(kKinds[i].begin, kKinds[i].end) + " in " + nameOf(*now.entry);
         if (open.size() > 1) message += ", " + std::to_string(open.size()) + " times";
         findings.add(kKinds[i].rule, std::move(message), now, &open.front().since, open.size());
     }

@@ -14,8 +14,8 @@ const Moment* addressOf(const std::optional<Moment>& moment) { return moment ? &
 
 void StatusRules::started(const Moment& now, Findings& findings) {
     if (m_start) {
-        findings.add("status-started-twice", "VexaUtilStatusStartPercentDone was called while the status line was up",
-                     now, &*m_start);
+        findings.add("status-started-twice",
+                     "VexaUtilStatusStartPercentDone was called while the status line was shown", now, &*m_start);
         ++m_needlessStarts;
     }
     m_start = now;
@@ -56,7 +56,7 @@ void StatusRules::finished(const Moment& now, Findings& findings) {
         --m_needlessStarts;
     } else {
         findings.add("unbalanced-status",
-                     "VexaUtilStatusFinishPercentDone was called without VexaUtilStatusStartPercentDone before it", now,
+                     "VexaUtilStatusFinishPercentDone has no matching VexaUtilStatusStartPercentDone", now,
                      addressOf(m_finish));
     }
     m_lastPercent.reset();
@@ -65,7 +65,10 @@ void StatusRules::finished(const Moment& now, Findings& findings) {
 
 void StatusRules::endOfEntry(const Moment& now, Findings& findings) const {
     if (!m_start) return;
-    findings.add("unbalanced-status", nameOf(*now.entry) + " ended with the status line up", now, &*m_start);
+    findings.add(
+        "unbalanced-status",
+        "VexaUtilStatusStartPercentDone has no matching VexaUtilStatusFinishPercentDone in " + nameOf(*now.entry), now,
+        &*m_start);
 }
 
 }  // namespace vexa::standin

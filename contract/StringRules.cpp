@@ -9,10 +9,10 @@ void StringRules::freeBegan(const char* string, const Moment& now, Findings& fin
 void StringRules::commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now,
                                Findings& findings) {
     if (errMsg != nullptr) {
-        if (accepted) findings.add("errmsg-on-success", "the command succeeded, and left an error message", now);
+        if (accepted) findings.add("errmsg-on-success", "the command succeeded, but set an error message", now);
         takeOver(errMsg, now, findings);
     } else if (!accepted && !hadNoMemory) {
-        findings.add("missing-errmsg", "the command failed, and left no error message", now);
+        findings.add("missing-errmsg", "the command failed, but set no error message", now);
     }
 }
 
@@ -28,7 +28,7 @@ bool StringRules::judgeEnd(const char* string, const Moment& now, Findings& find
     if (found == nullptr || found->isIntact()) return true;
     findings.add("string-overrun",
                  m_ledger.labelOf(string) + " has " + std::to_string(found->size()) +
-                     (found->size() == 1 ? " byte" : " bytes") + ", but more was written to it",
+                     (found->size() == 1 ? " byte" : " bytes") + ", but more bytes were written to it",
                  now, &m_ledger.originOf(string));
     return false;
 }
@@ -40,7 +40,7 @@ void StringRules::takeOver(const char* errMsg, const Moment& now, Findings& find
     }
     const auto string = m_strings.find(errMsg);
     if (string == nullptr || !m_ledger.isLiving(errMsg)) {
-        findings.add("foreign-errmsg", "the error message is no string of the host's", now);
+        findings.add("foreign-errmsg", "the error message is not a host string", now);
         return;
     }
     if (judgeEnd(errMsg, now, findings) && !string->isTerminated()) {

@@ -17,7 +17,8 @@ namespace vexa::runner {
 ///     1  sweep.macro:3: STATS MEAN
 ///     1    VexaUtilLockStart(STATS)
 ///     1    => accepted
-///     1    ! error: the command ended without VexaUtilLockFinish ... [unbalanced-lock] (first: VexaUtilLockStart)
+///     1    ! error: VexaUtilLockStart has no matching VexaUtilLockFinish ... [unbalanced-lock] (first:
+///     VexaUtilLockStart)
 ///
 /// Each line begins with the number of its thread. A call's line is written when it returns, findings about it behind
 /// it. Lines of several threads stand in the order in which things happened, which may differ from run to run.

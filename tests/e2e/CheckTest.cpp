@@ -421,12 +421,12 @@ TEST_F(Check, TellsACauseOnceWithOneCommandThatShowsIt) {
         runner({"check", ADDON_MISBEHAVING, "--macro", "m.macro", "--suppress", "unbalanced-status", "--level", "2"}));
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(cameOut(result, "stop-pressed", "failed")) << result.out;
-    EXPECT_EQ(countOf("hint:  Hold the lock", result.out), 1U) << result.out;
+    EXPECT_EQ(countOf("hint:  Use an AddOnIdLock", result.out), 1U) << result.out;
     EXPECT_EQ(countOf("reproduce: vexa-standin run", result.out), 1U) << result.out;
     EXPECT_EQ(countOf("\n      as above (commands-in-order)\n", result.out), 11U) << result.out;
     EXPECT_TRUE(has(result,
-                    "12 tests have the cause that commands-in-order shows: m.macro:1: MISBEHAVING: error: the "
-                    "command ended without VexaUtilLockFinish"))
+                    "12 tests have the cause that commands-in-order shows: m.macro:1: MISBEHAVING: error: "
+                    "VexaUtilLockStart has no matching VexaUtilLockFinish"))
         << result.out;
 }
 

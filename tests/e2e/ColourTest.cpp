@@ -37,10 +37,10 @@ TEST_F(Colour, MarksThePlaceOfAnError) {
 
 TEST_F(Colour, MarksThePlaceAndTheSeverityOfAFinding) {
     const std::string out = shown(runnerOf("ONE LEAVELOCKOPEN\nONE FAILSILENTLY\n", {"--keep-going"}));
-    EXPECT_NE(out.find("\033[1mm.macro:1: ONE\033[0m: \033[1;31merror\033[0m: the command ended without "),
+    EXPECT_NE(out.find("\033[1mm.macro:1: ONE\033[0m: \033[1;31merror\033[0m: VexaUtilLockStart has no matching "),
               std::string::npos)
         << out;
-    EXPECT_NE(out.find("\033[1mm.macro:2: ONE\033[0m: \033[1;33mwarning\033[0m: the command failed, and "),
+    EXPECT_NE(out.find("\033[1mm.macro:2: ONE\033[0m: \033[1;33mwarning\033[0m: the command failed, but "),
               std::string::npos)
         << out;
 }

@@ -10,10 +10,10 @@ TEST_F(Explain, ListsAllRulesWithSeverityAndSummary) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
     for (const char* part :
-         {"Beginnings and ends\n",
-          "  lock-identity             error    VexaUtilLockFinish is given the identity that VexaUtilLockStart was "
-          "given.\n",
-          "\nMutexes\n", "  percent-backwards         warning  The percentage of one task never runs backwards.\n"}) {
+         {"Calls in pairs\n",
+          "  lock-identity             error    VexaUtilLockFinish must get the same identity as "
+          "VexaUtilLockStart.\n",
+          "\nMutexes\n", "  percent-backwards         warning  The percentage of a task must not decrease.\n"}) {
         EXPECT_NE(result.out.find(part), std::string::npos) << part << " in " << result.out;
     }
 }
@@ -24,11 +24,11 @@ TEST_F(Explain, TellsRuleReasonAndHint) {
     EXPECT_EQ(result.out,
               "double-free, error\n"
               "\n"
-              "  Rule:  A handle is freed once.\n"
-              "  Why:   The second time frees memory that may be somebody else's; the host\n"
-              "         crashes later, elsewhere.\n"
-              "  Hint:  Keep a handle in one variable only: the host clears that one. Or let\n"
-              "         one object own it.\n");
+              "  Rule:  A handle must be freed only once.\n"
+              "  Why:   The second call may free memory that already belongs to something\n"
+              "         else. The host then crashes later, in another place.\n"
+              "  Hint:  Keep the handle in only one variable: the host sets that variable to\n"
+              "         null. Or let one object own the handle.\n");
 }
 
 TEST_F(Explain, OffersTheNearestRules) {

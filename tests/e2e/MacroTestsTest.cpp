@@ -85,7 +85,7 @@ TEST_F(MacroTests, TellTheWholeStoryOfEachCommand) {
               "! dialog: of\n"
               "! two lines\n"
               "> ONE FAILSILENTLY\n"
-              "! warning: the command failed, and left no error message [missing-errmsg]\n"
+              "! warning: the command failed, but set no error message [missing-errmsg]\n"
               "! the command failed without a message\n"
               "> ONE THROW boom\n"
               "! error: an exception escaped from the add-on: boom [escaped-exception]\n"
@@ -172,13 +172,13 @@ TEST_F(MacroTests, FailForABrokenContractWhenStrict) {
 TEST_F(MacroTests, ShowPlaceAndHintOfEachCauseOnce) {
     write("t/m.macro", "ONE LEAVELOCKOPEN\nONE ECHO a\nONE LEAVELOCKOPEN\nONE FAILSILENTLY\n");
     const std::string head =
-        "error: the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]";
+        "error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]";
     const std::string out = test({"--strict"}).out;
     EXPECT_EQ(
         out.find("t/m.macro:1: ONE: " + head + "\n    first: call 6, VexaUtilLockStart, in \"ONE LEAVELOCKOPEN\""),
         out.find('\n') + 1)
         << out;
-    EXPECT_NE(out.find("\n    hint:  Hold the lock by an AddOnIdLock"), std::string::npos) << out;
+    EXPECT_NE(out.find("\n    hint:  Use an AddOnIdLock"), std::string::npos) << out;
     EXPECT_NE(out.find("\n    more:  vexa-standin explain unbalanced-lock\n"
                        "t/m.macro:3: ONE: " +
                        head + ", as before\nt/m.macro:4: ONE: warning: "),

@@ -174,11 +174,11 @@ TEST_F(ReportInBrowser, ShowsTheRun) {
 
 TEST_F(ReportInBrowser, ShowsAFindingWithBothPlacesAndItsHint) {
     const std::string page = elementsAfter(kMacro);
-    EXPECT_TRUE(has(page, "the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]"));
+    EXPECT_TRUE(has(page, "VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]"));
     EXPECT_TRUE(
         has(page, "<dt>First</dt><dd>call 8, VexaUtilLockStart, in \"ONE LEAVELOCKOPEN\", m.macro:2, thread 1</dd>"));
     EXPECT_TRUE(has(page, "<dt>Seen</dt><dd>the end of \"ONE LEAVELOCKOPEN\", m.macro:2, thread 1</dd>"));
-    EXPECT_TRUE(has(page, "<dt>Hint</dt><dd>Hold the lock by an AddOnIdLock"));
+    EXPECT_TRUE(has(page, "<dt>Hint</dt><dd>Use an AddOnIdLock"));
 }
 
 TEST_F(ReportInBrowser, DrawsTheTimeline) {

@@ -59,14 +59,12 @@ TEST_F(Strict, FailsForEachRuleThatIsBrokenAndNotForItsTwin) {
 
 TEST_F(Strict, ShowsWhatWhereAndHowToMendIt) {
     const ProgramResult result = run("# none\nMISBEHAVING unbalanced-lock\n", {"--strict"});
-    EXPECT_EQ(
-        result.err,
-        "m.macro:2: MISBEHAVING: error: the command ended without VexaUtilLockFinish after VexaUtilLockStart "
-        "[unbalanced-lock]\n"
-        "    first: call 1, VexaUtilLockStart, in \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
-        "    seen:  the end of \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
-        "    hint:  Hold the lock by an AddOnIdLock, which gives it back on every way out, also when an exception "
-        "passes.\n");
+    EXPECT_EQ(result.err,
+              "m.macro:2: MISBEHAVING: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command "
+              "[unbalanced-lock]\n"
+              "    first: call 1, VexaUtilLockStart, in \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
+              "    seen:  the end of \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
+              "    hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.\n");
 }
 
 TEST_F(Strict, IsNeededForFindingsToCount) {
@@ -160,8 +158,9 @@ TEST_F(Replay, RefusesACommandThatFails) {
         "    first: call 1, VexaUtilMacroRecordExtCommand, in \"MISBEHAVING recording-not-replayable\", m.macro:1, "
         "thread 1\n"
         "    seen:  the end of \"MISBEHAVING no-such-command\", m.macro:1\n"
-        "    hint:  Record what the command model writes of itself, all options with their values quoted as they "
-        "are read.\n");
+        "    hint:  Record the text that the command model writes, or write all options yourself, quoted as the "
+        "command "
+        "reads them.\n");
 }
 
 TEST_F(Replay, RefusesACommandThatRecordsSomethingElse) {

@@ -62,7 +62,7 @@ TEST_F(ContractEdges, AStringOfOneByteIsToldInTheSingularWhenItIsOverrun) {
                   VexaUtilStringDealloc(&string);
                   return kTrue;
               }),
-              Lines{"string-overrun: string#1 has 1 byte, but more was written to it"});
+              Lines{"string-overrun: string#1 has 1 byte, but more bytes were written to it"});
 }
 
 TEST_F(ContractEdges, AMessageOfOneByteIsToldInTheSingularWhenItIsUnterminated) {
@@ -87,12 +87,13 @@ TEST_F(ContractEdges, EachKindOfArgumentIsToldByItsName) {
         return kTrue;
     });
     const std::string begin = "wrong-argument-kind: \"";
-    EXPECT_EQ(findings,
-              Lines({begin + "P1\" was appended to arglist#1 as the address of an arbitrary value, but it is a string",
-                     begin + "IValue\" was appended to arglist#1 as the address of a double, but it is the address of "
-                             "an arbitrary value",
-                     begin + "P2\" was appended to arglist#1 as an integer, but it is a string",
-                     begin + "Offset1\" was appended to arglist#1 as a string, but it is an integer"}));
+    EXPECT_EQ(
+        findings,
+        Lines({begin + "P1\" was appended to arglist#1 as the address of an arbitrary value, but it must be a string",
+               begin + "IValue\" was appended to arglist#1 as the address of a double, but it must be the address of "
+                       "an arbitrary value",
+               begin + "P2\" was appended to arglist#1 as an integer, but it must be a string",
+               begin + "Offset1\" was appended to arglist#1 as a string, but it must be an integer"}));
 }
 
 TEST_F(ContractEdges, AnArgumentWithoutANameIsNoDuplicateOfAnother) {

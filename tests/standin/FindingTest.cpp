@@ -119,12 +119,13 @@ TEST_F(Findings, AreReadable) {
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(
         textOf(findings[0]),
-        "wake.macro:7: MISBEHAVING: error: the command ended without VexaUtilAuxDataEndAssign after "
-        "VexaUtilAuxDataBeginAssign [unbalanced-auxdata]\n"
+        "wake.macro:7: MISBEHAVING: error: VexaUtilAuxDataBeginAssign has no matching VexaUtilAuxDataEndAssign in the "
+        "command [unbalanced-auxdata]\n"
         "    first: call 1, VexaUtilAuxDataBeginAssign, in \"MISBEHAVING unbalanced-auxdata\", wake.macro:7, thread "
         "1\n"
         "    seen:  the end of \"MISBEHAVING unbalanced-auxdata\", wake.macro:7, thread 1\n"
-        "    hint:  Hold an AuxDataSuspendBroadcast while you assign; it ends on every way out.\n");
+        "    hint:  Use an AuxDataSuspendBroadcast while you assign. It makes the end call on every return and on "
+        "every exception.\n");
 }
 
 TEST_F(Findings, AreReadableWithoutAnAddOn) {
@@ -179,8 +180,8 @@ TEST_F(Findings, AreToldBrieflyInALine) {
     const std::vector<Finding> findings = run("unbalanced-auxdata", "wake.macro:7");
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(briefTextOf(findings[0]),
-              "wake.macro:7: MISBEHAVING: error: the command ended without VexaUtilAuxDataEndAssign after "
-              "VexaUtilAuxDataBeginAssign [unbalanced-auxdata], as before\n");
+              "wake.macro:7: MISBEHAVING: error: VexaUtilAuxDataBeginAssign has no matching VexaUtilAuxDataEndAssign "
+              "in the command [unbalanced-auxdata], as before\n");
 }
 
 // ---- Attribution

@@ -58,7 +58,7 @@ void expectRefusals(VexaBoolean (*call)(const Case&), const std::string& functio
         ASSERT_EQ(host.violations().size(), 1U);
         EXPECT_EQ(host.violations()[0].rule, "recording-not-replayable");
         EXPECT_EQ(host.violations()[0].message,
-                  function + " was given a command that no line of a macro file holds: " + c.reason);
+                  function + " was given a command that does not fit on one line of a macro file: " + c.reason);
     }
 }
 

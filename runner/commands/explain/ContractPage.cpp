@@ -14,47 +14,56 @@ constexpr const char* kIntroduction = R"(# The host's contract
 
 <!-- Printed by `vexa-standin explain --markdown`; a test compares the two. -->
 
-The stand-in host sees every call that an add-on makes, and checks it against the rules below. What breaks one of them
-is a *finding*: it says what happened, in which command, at which of the calls, what came before, and how to mend it.
+The host's contract is the list of rules that an add-on must keep when it uses the host's C functions. The stand-in host
+checks every call of an add-on against these rules. If a call breaks a rule, the stand-in reports a *finding*. The run
+continues.
 
 ```
 $ vexa-standin run sweep.macro --addon ./libstats.so --strict
-sweep.macro:3: STATS: error: the command ended without VexaUtilLockFinish after VexaUtilLockStart [unbalanced-lock]
+sweep.macro:3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]
     first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
     seen:  the end of "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
-    hint:  Hold the lock by an AddOnIdLock, which gives it back on every way out, also when an exception passes.
+    hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.
 ```
 
-Of one rule and add-on ten findings are shown, and the others counted. Argument lists and host strings live within one
-command; mutexes and sets may live until the add-on's shutdown. Nothing is killed for a finding: the run goes on.
+A finding shows
 
-## What to do about findings
+- the macro line and the add-on, what is wrong, and the name of the rule;
+- `first`: where the problem started;
+- `seen`: where the stand-in noticed it;
+- `hint`: how to fix it.
 
-| Option of `run`        | Project file                  | Meaning                                              |
-|------------------------|-------------------------------|------------------------------------------------------|
-| `--strict`             | `strict = true`               | a finding of severity error makes the exit status 3  |
-| `--warnings-as-errors` | `warnings-as-errors = true`   | the same, and for a warning, too                     |
-| `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | breaches of these rules pass                         |
-| `--timeout SECONDS`    | `timeout = 2.5`               | a command that takes longer makes the exit status 4  |
-| `--no-project-file`    |                               | no project file is looked for                        |
+`vexa-standin explain` lists the rules. `vexa-standin explain RULE` explains one rule. For each rule and add-on, the
+runner shows the first ten findings and counts the others.
 
-A rule that is suppressed for nothing is told at the end. A command that takes too long ends the run: it is told with
-the host call that it made last, and what was recorded up to then is written.
+## Options
 
-The project file is `vexa-standin.toml`, in the current folder or in the nearest one above it that has one. The command
-line goes before it, by `--no-strict` and `--no-warnings-as-errors`, too; the rules to suppress are those of both.
+| Option of `run`        | Project file                  | Meaning                                                    |
+|------------------------|-------------------------------|------------------------------------------------------------|
+| `--strict`             | `strict = true`               | A finding with severity error makes the exit status 3.     |
+| `--warnings-as-errors` | `warnings-as-errors = true`   | A finding of any severity makes the exit status 3.         |
+| `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | Ignore findings of these rules.                            |
+| `--timeout SECONDS`    | `timeout = 2.5`               | A command that takes longer makes the exit status 4.       |
+| `--no-project-file`    |                               | Do not read the project file.                              |
 
-With `--strict` the commands that the add-ons record, recorded to a file or not, are run again when the macro has been
-run: in order, in a new session of the add-ons, with recording on. Each must be accepted, and record the same text. What
-they print, and their dialogs, are not shown; the files they write are written again.
+The project file is called `vexa-standin.toml`. The runner looks for it in the current folder and then in the folders
+above. Command line options override the project file. `--no-strict` and `--no-warnings-as-errors` switch its settings
+off. Suppressed rules are the exception: the rules from both places are suppressed. At the end of the run, the runner
+names the suppressed rules that had no finding.
 
-`vexa-standin explain` lists the rules, `vexa-standin explain RULE` explains one.
+A command that exceeds the time limit ends the run. The runner names its last host call, and writes everything that was
+recorded up to then.
+
+With `--strict`, the runner also tests the recording after the macro. It loads the add-ons again and runs every command
+that they recorded, in order and with recording on. This happens even if you do not write the recording to a file. Each
+command must succeed and record the same text again. The runner does not show the output and the dialogs of these
+commands, but the commands write their files again.
 )";
 
 constexpr const char* kUnchecked = R"(
 ## What is not checked
 
-These mistakes the stand-in cannot see:
+The stand-in cannot detect these errors:
 
 )";
 
@@ -65,7 +74,7 @@ const char* nameOf(standin::Severity_e severity) {
 std::string sectionOf(const standin::Rule& rule) {
     return "\n### " + std::string(rule.name) + "\n\n" +
            wrapped(std::string(nameOf(rule.severity)) + ". **" + rule.summary + "** " + rule.why, kWidth) + '\n' +
-           wrapped("To mend it: " + std::string(rule.hint), kWidth);
+           wrapped("Fix: " + std::string(rule.hint), kWidth);
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ TEST_F(TextTraceTest, HasAFindingBehindItsCall) {
     VexaUtilMacroIsBatchModeActive();
     EXPECT_EQ(finished(),
               "1  VexaUtilAuxDataEndAssign()\n"
-              "1    ! error: VexaUtilAuxDataEndAssign was called without VexaUtilAuxDataBeginAssign before it "
+              "1    ! error: VexaUtilAuxDataEndAssign has no matching VexaUtilAuxDataBeginAssign "
               "[unbalanced-auxdata]\n"
               "1  VexaUtilMacroIsBatchModeActive() = 0\n");
 }
@@ -66,7 +66,7 @@ TEST_F(TextTraceTest, HasAFindingAboutTheEndOfACommandWithWhereItBegan) {
     host().loadAddOn(MISBEHAVING_ADDON);
     host().run("MISBEHAVING", "unbalanced-lock", "m.macro:3");
     EXPECT_NE(finished().find("1    VexaUtilLockStart(MISBEHAVING)\n"
-                              "1    ! error: the command ended without VexaUtilLockFinish after VexaUtilLockStart "
+                              "1    ! error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command "
                               "[unbalanced-lock] (first: VexaUtilLockStart, m.macro:3)\n"
                               "1    => accepted\n"),
               std::string::npos);
