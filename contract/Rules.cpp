@@ -77,12 +77,12 @@ const std::vector<Rule>& rules() {
         {"foreign-handle", kHandles, Error,
          "A handle must come from the host and have the right type. An add-on must not change or free an object of the "
          "host.",
-         "The host treats the memory at that address as its own object, and crashes.",
+         "The host treats the memory at the address as its own object, and crashes.",
          "Pass the result of the ...Alloc function. The result of a style query belongs to the host: copy it, and do "
          "not free it."},
         {"null-handle", kHandles, Error, "A handle must not be null.",
-         "No host function accepts a null handle. It often means that the handle was already freed, or that an "
-         "allocation failed.",
+         "No host function accepts a null handle. A null handle often means that the handle was already freed, or that "
+         "an allocation failed.",
          "Check the result of each ...Alloc function. Free a handle only once: the host then sets it to null."},
         {"null-address", kHandles, Error,
          "The address of a text or a result must not be null, unless the description of the function allows it.",
@@ -99,7 +99,7 @@ const std::vector<Rule>& rules() {
          "The host has few mutexes, and they exist longer than the add-on.",
          "Use the class Mutex, or free the mutex in the add-on's shutdown."},
         {"leaked-set", kHandles, Error, "A set must be freed before the add-on is unloaded.",
-         "It uses the host's memory until the session ends.",
+         "A set that is not freed uses the host's memory until the session ends.",
          "Call VexaUtilSetDealloc() after you have copied the set, or in the add-on's shutdown."},
         {"mutex-not-held", kMutexes, Error, "A mutex must be unlocked once, by the thread that locked it.",
          "Otherwise two threads can run the code that the mutex protects at the same time.",
@@ -135,7 +135,7 @@ const std::vector<Rule>& rules() {
          "Append P1, P2 and so on, and either DValue or IValue. Check that each append succeeded."},
         {"duplicate-argument", kArguments, Error,
          "An argument list must contain each name only once, and a style query only one of DValue and IValue.",
-         "It is not defined which of the two the host uses.",
+         "It is not defined which of the two values the host uses.",
          "Call VexaUtilArgListClear() before you fill a list again."},
         {"wrong-argument-kind", kArguments, Error,
          "A known argument must have its type: \"P1\" to \"P6\" are strings, \"Offset1\" and \"Offset2\" are integers, "
@@ -145,7 +145,8 @@ const std::vector<Rule>& rules() {
         {"wrong-thread", kEntries, Error,
          "An add-on must call the host on the thread on which the host called the add-on. Only the mutex functions may "
          "be called on any thread.",
-         "The host's functions are not thread-safe. Such crashes are rare and hard to reproduce.",
+         "The host's functions are not thread-safe. A wrong call crashes the host only rarely, so the crash is hard to "
+         "reproduce.",
          "Let other threads only compute. After that, call the host on the thread on which it called the add-on."},
         {"escaped-exception", kEntries, Error, "No exception may leave an add-on.",
          "The host is written in C. The exception ends the host, and the user's work is lost.",
@@ -178,9 +179,9 @@ const std::vector<const char*>& uncheckedMistakes() {
         "Reads of a text or a set from a style query after the setting was changed.",
         "The address of a result that is neither null nor valid, or that becomes invalid before the argument list is "
         "freed.",
-        "A mutex that a thread of the add-on leaves locked, until the mutex is freed.",
+        "A mutex that a thread of the add-on leaves locked. The stand-in notices it only if the mutex is freed.",
         "Data that threads of the add-on share without a mutex: use the thread sanitizer.",
-        "Behaviour in a host that returns other answers than the stand-in does.",
+        "Errors that appear only in a host that answers differently from the stand-in.",
     };
     return mistakes;
 }
