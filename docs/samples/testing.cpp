@@ -15,7 +15,7 @@ TEST(Testing, TheHostFailsWhenToldTo) {
     AddOnTester tester(vexaAddOn);
     Host& host = tester.host();
     // [faults]
-    host.failCall("VexaUtilMacroRecordExtCommand");  // this call returns 0
+    host.failCall("VexaUtilMacroRecordExtCommand");  // the next call returns 0
     host.failCall("VexaUtilStringAlloc", 2);         // the second call returns null
     host.throwFromCall("VexaUtilStatusStartPercentDone");
     // [faults]
@@ -28,9 +28,9 @@ TEST(Testing, TheUserPressesStop) {
     AddOnTester tester(PRIMES_ADDON);
     Host& host = tester.host();
     // [stop]
-    host.pressStop();             // before the command starts
+    host.pressStop();             // now, before the command starts
     host.pressStopAtCheck(3);     // when the add-on checks the button for the third time
-    host.pressStopAtPercent(50);  // at 50 percent or more
+    host.pressStopAtPercent(50);  // when the add-on reports 50 percent or more
     host.releaseStop();           // for the next command
     // [stop]
     EXPECT_TRUE(tester.run("COUNT").accepted);
