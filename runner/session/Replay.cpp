@@ -39,7 +39,7 @@ std::string whyNotReplayable(standin::Host& host, const standin::RecordedCommand
         if (!result.accepted) return "fails: " + inOneLine(result.error);
         return differenceOf(host.recordedCommands(), lineOf(recorded));
     } catch (const InvalidArgumentException&) {
-        return "finds no add-on " + recorded.addOnId;
+        return "needs the add-on " + recorded.addOnId + ", which is not loaded";
     }
 }
 

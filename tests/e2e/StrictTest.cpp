@@ -172,7 +172,8 @@ TEST_F(Replay, RefusesACommandThatRecordsSomethingElse) {
     const Case cases[] = {
         {"nothing", "RECORD ECHO a", "when it is run again, records nothing ["},
         {"another text", "RECORD RECORD SAY a", "when it is run again, records \"ONE SAY a\" ["},
-        {"an unknown add-on", "RECORDFOR OTHER SAY a", "when it is run again, finds no add-on OTHER ["},
+        {"an unknown add-on", "RECORDFOR OTHER SAY a",
+         "when it is run again, needs the add-on OTHER, which is not loaded ["},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
