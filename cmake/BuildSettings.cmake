@@ -1,4 +1,4 @@
-# How everything of this project is compiled. Nothing here reaches those who use the installed package.
+# Compiler settings for all targets of this project. Users of the installed package do not get them.
 
 set(CMAKE_C_STANDARD 11)
 set(CMAKE_C_STANDARD_REQUIRED ON)
@@ -22,7 +22,7 @@ target_compile_options(vexa_build_settings INTERFACE
     $<$<BOOL:${VEXA_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(VEXA_SANITIZE)
-    # One sanitizer finding ends the program, so that no test passes over it.
+    # The first sanitizer finding ends the program, so that the test fails.
     add_compile_options(-fsanitize=${VEXA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${VEXA_SANITIZE})
 endif()
@@ -32,15 +32,15 @@ if(VEXA_COVERAGE)
 endif()
 
 # vexa_shared_library(TARGET NAME EXPORTS MAP)
-#   What every shared library of this project is built like. NAME is its name within the namespace vexa::, MAP the
-#   linker's list of what it exports: hidden visibility alone lets instantiations of the standard library out.
+#   Sets the properties of a shared library of this project. NAME is its name in the namespace vexa::. MAP is the
+#   linker's list of exported names; without it, instantiations of the standard library would be exported, too.
 function(vexa_shared_library target)
     cmake_parse_arguments(arg "" "NAME;EXPORTS" "" ${ARGN})
     add_library(vexa::${arg_NAME} ALIAS ${target})
     target_compile_features(${target} PUBLIC cxx_std_17)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:vexa_build_settings>)
-    # Calls within a library are direct, as if its functions were not exported: nobody may put others in their place.
-    # Those to another library are bound when it is loaded, so they need no stub.
+    # Calls inside a library are direct, because no other library may replace its functions. Calls of another library
+    # are bound at load time, so they need no stub.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt)
     target_link_options(${target} PRIVATE -Wl,--version-script=${arg_EXPORTS} -Wl,-z,relro,-z,now)
     set_target_properties(${target} PROPERTIES

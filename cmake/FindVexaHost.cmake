@@ -1,6 +1,6 @@
-# The host maker's declarations and class libraries: vexa::hostapi and vexa::hostlibs.
+# Finds the host maker's declarations and class libraries: vexa::hostapi and vexa::hostlibs.
 #   VEXA_HOST_PREFIX   the folder with include/vexa/VexaUtil.h and lib/libvexahostlibs.so
-#   VEXA_HOST_LIBRARY  the file of the class libraries, where it is another one
+#   VEXA_HOST_LIBRARY  the file of the class libraries, if it has another name or place
 
 find_path(VEXA_HOST_INCLUDE_DIR vexa/VexaUtil.h PATHS ${VEXA_HOST_PREFIX}/include NO_DEFAULT_PATH NO_CACHE)
 find_library(VEXA_HOST_LIBRARY vexahostlibs

@@ -1,6 +1,7 @@
-# Installing, and the CMake package that find_package(vexautilutil CONFIG) finds. The components of an installation:
-#   runtime      what add-ons need to run
-#   development  what they are built with
+# Installs the files, and the CMake package for find_package(vexautilutil CONFIG). The components of an installation
+# are:
+#   runtime      the files that add-ons need to run
+#   development  the files that add-ons need to be built
 #   standin      the stand-in host, as a program and as a library
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vexautilutil)
@@ -33,7 +34,7 @@ write_basic_package_version_file(vexautilutilConfigVersion.cmake COMPATIBILITY S
 install(FILES ${PROJECT_BINARY_DIR}/vexautilutilConfig.cmake ${PROJECT_BINARY_DIR}/vexautilutilConfigVersion.cmake
     cmake/VexaAddOn.cmake cmake/VexaArguments.cmake DESTINATION ${package_dir} COMPONENT development)
 
-# pkg-config, for those who do not build with CMake. Its paths are relative to the file, so the tree can move.
+# The pkg-config file, for builds without CMake. Its paths are relative to the file, so the installation can be moved.
 file(RELATIVE_PATH pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 set(pc_host_libs -lvexahostlibs)
 if(VEXA_HOST_PREFIX)

@@ -1,5 +1,5 @@
-# Debian packages, one a component of the installation. `cpack -G DEB` makes them in a build tree that was configured
-# with the preset deb, whose paths are Debian's; scripts/packages does both.
+# Debian packages, one for each component of the installation. `cpack -G DEB` builds them in a build tree of the preset
+# deb, which uses Debian's paths. scripts/packages does both.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VENDOR ${PROJECT_NAME})
@@ -25,7 +25,8 @@ set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian/DocFiles.cmake)
 set(CPACK_VEXA_CHANGES ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
 
 # vexa_debian_package(COMPONENT NAME SECTION FIELD... DESCRIPTION summary line...)
-#   What the package of a component is called and says; a FIELD is DEPENDS, RECOMMENDS or SUGGESTS and its value.
+#   Sets name, fields and description of a component's package. A FIELD is DEPENDS, RECOMMENDS or SUGGESTS, and its
+#   value.
 macro(vexa_debian_package component name section)
     cmake_parse_arguments(arg "" "DEPENDS;RECOMMENDS;SUGGESTS" "DESCRIPTION" ${ARGN})
     string(TOUPPER ${component} key)

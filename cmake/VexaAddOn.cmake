@@ -2,13 +2,13 @@ include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
 # vexa_add_addon(NAME SOURCES file... [CHECK ON|OFF]
 #                [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
-#   Adds the add-on NAME: a target that makes NAME.so, for a host to load. It exports vexaAddOn and nothing else, links
-#   the library, and takes further libraries by target_link_libraries(NAME PRIVATE ...). Installed, it looks for them
-#   beside itself, unless CMAKE_INSTALL_RPATH or its property INSTALL_RPATH says otherwise.
+#   Adds the add-on NAME: a target that builds NAME.so, which a host loads. It exports only vexaAddOn and links the
+#   library. Add other libraries by target_link_libraries(NAME PRIVATE ...). An installed add-on searches them in its
+#   own folder, unless CMAKE_INSTALL_RPATH or its property INSTALL_RPATH is set.
 #
-#   The test NAME-keeps-the-contract checks it, where the tests are built (BUILD_TESTING) and the package's component
-#   standin was asked for; CHECK OFF leaves it out. What stands after CHECK is for the test, as vexa_add_check() takes
-#   it. Without a MACRO only the loading of the add-on is tested.
+#   Also adds the test NAME-keeps-the-contract, which checks the add-on, if BUILD_TESTING is on and the package's
+#   component standin was requested. CHECK OFF omits the test. The arguments after CHECK are those of vexa_add_check().
+#   Without a MACRO, the test only loads the add-on.
 function(vexa_add_addon name)
     set(check_values LEVEL TIME WORKING_DIRECTORY)
     cmake_parse_arguments(PARSE_ARGV 1 arg "WARNINGS_AS_ERRORS" "CHECK;${check_values}" "SOURCES;MACRO")
@@ -21,8 +21,8 @@ function(vexa_add_addon name)
 
     add_library(${name} MODULE ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE vexa::vexautilutil vexa::hostapi)
-    # Hidden visibility alone would let instantiations of the standard library out, and some of those keep a shared
-    # object from being unloaded.
+    # Hidden visibility is not enough: instantiations of the standard library would still be exported, and some of them
+    # prevent the shared object from being unloaded.
     set(exports ${CMAKE_CURRENT_BINARY_DIR}/${name}.exports.map)
     file(CONFIGURE OUTPUT ${exports} CONTENT "{ global: vexaAddOn; local: *; };\n")
     target_link_options(${name} PRIVATE LINKER:--version-script=${exports})

@@ -1,8 +1,8 @@
 include_guard(GLOBAL)
 
 # vexa_refuse_wrong_arguments(CALL)
-#   Ends the configuration with what is wrong, where cmake_parse_arguments(... arg ...) met what it does not know, or a
-#   keyword without its value. CALL says whose arguments they are.
+#   Stops CMake with an error if cmake_parse_arguments(... arg ...) found an unknown argument, or a keyword without its
+#   value. CALL is the name of the function in the error.
 function(vexa_refuse_wrong_arguments call)
     if(arg_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "${call} does not know: ${arg_UNPARSED_ARGUMENTS}")

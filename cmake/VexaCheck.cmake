@@ -1,9 +1,9 @@
 include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
 # vexa_add_check(NAME TARGET [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
-#   Adds the test NAME, which checks the add-on TARGET: vexa-standin check. Its commands run in the working directory,
-#   which is the current binary folder unless given; macros that show a failure are written there, too. TIME is for how
-#   long a test that could go on for ever does.
+#   Adds the test NAME, which checks the add-on TARGET with vexa-standin check. The commands run in WORKING_DIRECTORY,
+#   by default the current binary folder. The test also writes macros that show a failure there. TIME limits each test
+#   of the check that could otherwise run forever.
 function(vexa_add_check name target)
     cmake_parse_arguments(PARSE_ARGV 2 arg "WARNINGS_AS_ERRORS" "LEVEL;TIME;WORKING_DIRECTORY" "MACRO")
     vexa_refuse_wrong_arguments("vexa_add_check(${name})")

@@ -2,10 +2,10 @@ include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
 # vexa_add_macro_tests(PREFIX TARGET FOLDER folder [ADDON target...] [STYLE file] [STRICT] [BATCH]
 #                      [WORKING_DIRECTORY folder])
-#   Adds a test for each NAME.macro in FOLDER: PREFIX.NAME, which compares what the add-on TARGET does with
-#   NAME.expected beside it: vexa-standin test. ADDON names further add-ons that the macros need, STYLE the file of the
-#   host's style settings; STRICT fails the test when an add-on breaks the host's contract. The commands run in the
-#   working directory, which is the current binary folder unless given.
+#   Adds the test PREFIX.NAME for each NAME.macro in FOLDER. It runs vexa-standin test, which compares the results of
+#   the add-on TARGET with NAME.expected in the same folder. ADDON names other add-ons that the macros need. STYLE is
+#   the file of the host's style settings. With STRICT, the test fails if an add-on breaks the host's contract. The
+#   commands run in WORKING_DIRECTORY, by default the current binary folder.
 function(vexa_add_macro_tests prefix target)
     cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;BATCH" "FOLDER;STYLE;WORKING_DIRECTORY" "ADDON")
     vexa_refuse_wrong_arguments("vexa_add_macro_tests(${prefix})")

@@ -1,7 +1,7 @@
 # vexa_run_sanitized(TEST)
 #   Lets the test TEST, which runs vexa-standin, load add-ons that are built with the address sanitizer by
-#   CMAKE_CXX_FLAGS or add_compile_options(): its run time has to be in a program from the start, so it is loaded before
-#   all else, unless vexa-standin was built with it.
+#   CMAKE_CXX_FLAGS or add_compile_options(). The sanitizer's runtime must be the first library in a program, so the
+#   test preloads it, unless vexa-standin was built with the sanitizer.
 function(vexa_run_sanitized test)
     get_directory_property(options COMPILE_OPTIONS)
     get_target_property(own_sanitizers vexa::standin_runner VEXA_SANITIZE)

@@ -1,5 +1,5 @@
 # vexa_test_program(NAME SOURCES file... [LIBRARIES target...])
-#   A GoogleTest program over the stand-in host, with RapidCheck at hand.
+#   Adds a GoogleTest program that links the stand-in host and RapidCheck.
 function(vexa_test_program name)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${arg_SOURCES})

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Makes the table and the chart of what scripts/bench measured.
+"""Writes a table and a chart of the figures that scripts/bench measured.
 
 Usage: bench/report/report.py RESULTS FOLDER
 
-RESULTS is the folder with the measured figures; report.md and report.svg are written to FOLDER, and the table is
-printed. Exit status 0 also when a bar is missed: the table says so.
+RESULTS is the folder with the figures. The program writes report.md and report.svg to FOLDER and prints the table. The
+table says which figure exceeds its limit; the exit status is 0 all the same.
 """
 
 import datetime
@@ -17,30 +17,30 @@ import re
 import statistics
 import sys
 
-# ---- What is measured. Names of figures are ROW/SUBJECT/TIMES.
+# ---- The figures. Their names are ROW/SUBJECT/TIMES.
 
 
 class Bar:
-    """A row of the table: a figure, what it is compared with, and the bar it is to meet."""
+    """A row of the table: a figure, its peer, and its limit."""
 
     def __init__(self, work, against, bar, figure, value, is_at_most=True, unit=""):
         self.work = work
         self.against = against
         self.bar = bar
         self.figure = figure
-        self.value = value  # from the figures to the value; raises KeyError when one is missing
+        self.value = value  # a function from the figures to the value; raises KeyError if a figure is missing
         self.is_at_most = is_at_most
         self.unit = unit
 
 
 def ratio(work, against, bar, row, peer, times=1, ours="ours"):
-    """Our time in terms of a peer's."""
+    """Our time divided by a peer's."""
     figure = f"{row}/{ours}/{times}"
     return Bar(work, against, bar, figure, lambda f: f[figure] / f[f"{row}/{peer}/{times}"])
 
 
 def speed(work, against, bar, row, peer, times=1):
-    """How many times as fast as a peer."""
+    """A peer's time divided by ours."""
     figure = f"{row}/ours/{times}"
     return Bar(work, against, bar, figure, lambda f: f[f"{row}/{peer}/{times}"] / f[figure], is_at_most=False)
 
@@ -51,7 +51,7 @@ def nanoseconds(work, against, bar, row):
 
 
 def rate(work, bar, row, subject, calls):
-    """Thousands of calls a second."""
+    """Thousands of calls per second."""
     figure = f"{row}/{subject}/1"
     return Bar(work, "calls a second", bar, figure, lambda f: calls / f[figure] * 1e6, is_at_most=False, unit=" k/s")
 
@@ -122,7 +122,7 @@ BARS = [
     rate("stand-in: a style query, traced", 300, "host-call-style", "traced", 6),
 ]
 
-# Beside the bars: more that the same work was compared with.
+# Comparisons without a limit.
 MORE = [
     ratio("Set::assign, 100 000 runs in random order", "a digit loop and std::sort", None, "set-assign-random",
           "digit_loop_and_sort", 100),
@@ -154,7 +154,7 @@ MEMORY = [
      "one buffer, and no index of lines"),
 ]
 
-# Rows that do the same number of questions, of more: there is no unit of work that could stay the same.
+# Rows that make the same number of queries on larger data. They have no unit of work of a constant size.
 FIXED_WORK = ("set-contains", "set-insert")
 
 # ---- Reading
@@ -229,7 +229,7 @@ def duration(nanosecond):
 
 
 def table(head, rows):
-    """A table in Markdown, which is also well to read as it is."""
+    """A Markdown table with aligned columns."""
     widths = [max(len(row[i]) for row in [head] + rows) for i in range(len(head))]
     line = lambda cells: "| " + " | ".join(cell.ljust(width) for cell, width in zip(cells, widths)) + " |"
     return "\n".join([line(head), "|" + "|".join("-" * (width + 2) for width in widths) + "|"] + [line(r) for r in rows])
@@ -245,7 +245,7 @@ def bars_table(judged):
 
 
 def growth_table(figures):
-    """How the time of a unit of work changes when there is more of it."""
+    """How the time per unit of work changes with the amount of work."""
     rows = []
     for name, once in sorted(figures.items()):
         row, subject, times = name.split("/")
@@ -269,7 +269,7 @@ def memory_table(figures):
 
 
 def chart(judged):
-    """How much of its bar each row takes: all that ends left of the line has met it."""
+    """A chart of each figure as a share of its limit. A bar that ends left of the line is within the limit."""
     shown = [(bar, value, result) for bar, value, result in judged if value is not None]
     left, width, height, scale = 470, 1000, 22, 380
     bottom = 40 + height * len(shown)

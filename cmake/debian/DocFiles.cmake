@@ -1,5 +1,5 @@
-# Adds to each package what Debian wants to find in one: copyright and change logs; and packs the manual pages.
-# CPack runs it when all is installed, before it makes the packages.
+# Adds the files that Debian requires in each package (copyright, change log), and compresses the manual pages. CPack
+# runs it after the installation and before it builds the packages.
 
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 
