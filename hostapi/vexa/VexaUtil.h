@@ -118,9 +118,11 @@ VEXA_HOST_API void VexaUtilArgListClear(ArgList_s* argList);
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendString(ArgList_s* argList, const char* name, const char* value);
 /// Appends an integer argument. Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendInt(ArgList_s* argList, const char* name, long value);
-/// Appends the address of a double, which the host will write and which must outlive the list. Returns 1 on success.
+/// Appends the address of a double. A query stores its result there, so the double must outlive the list. Returns 1 on
+/// success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendDoublePtr(ArgList_s* argList, const char* name, double* value);
-/// Appends the address of a value, which the host will write and which must outlive the list. Returns 1 on success.
+/// Appends the address of a value. A query stores its result there, so the value must outlive the list. Returns 1 on
+/// success.
 VEXA_HOST_API VexaBoolean VexaUtilArgListAppendArbParamPtr(ArgList_s* argList, const char* name, VexaArbParam* value);
 
 /// Reads one style value. The list has the strings "P1" to "P6" (the path, outermost first), the optional integers
@@ -137,9 +139,9 @@ VEXA_HOST_API void VexaUtilSetDealloc(Set_s** set);
 /// Adds the members from \p first to \p last. Neither may be negative, and \p last must not be less than \p first.
 /// Returns 1 on success.
 VEXA_HOST_API VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last);
-/// Finds the lowest run of consecutive members whose last member is \p from or greater. Stores the run's first and last
-/// member, of the whole run, in \p first and \p last and returns 1. If there is no such run, it returns 0 and changes
-/// neither.
+/// Finds the lowest run of consecutive members whose last member is \p from or greater. Stores the first and the last
+/// member of the whole run in \p first and \p last, and returns 1. If there is no such run, returns 0 and changes
+/// neither output.
 VEXA_HOST_API VexaBoolean VexaUtilSetNextRange(const Set_s* set, int64_t from, int64_t* first, int64_t* last);
 
 #ifdef __cplusplus

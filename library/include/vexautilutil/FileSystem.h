@@ -56,7 +56,7 @@ VEXAUTILUTIL_API bool fileExists(const boost::filesystem::path& path) noexcept;
 /// Returns true if \p path is a directory. Follows links.
 VEXAUTILUTIL_API bool dirExists(const boost::filesystem::path& path) noexcept;
 
-/// Returns \p path if it is absolute, or else \p base / \p path. The result is absolute if \p base is.
+/// Joins \p base and \p path. If \p path is absolute, returns \p path alone.
 ///
 ///     data/x.txt, base /base  ->  /base/data/x.txt
 ///     /tmp/x,     base /base  ->  /tmp/x
@@ -67,8 +67,8 @@ VEXAUTILUTIL_API bool dirExists(const boost::filesystem::path& path) noexcept;
 VEXAUTILUTIL_API boost::filesystem::path makeAbsolute(const boost::filesystem::path& path,
                                                       const boost::filesystem::path& base) noexcept;
 
-/// Returns the user's home directory: the environment variable HOME or, if HOME is not set, "/home/" followed by
-/// USERNAME or, if USERNAME is not set, by USER. An empty variable counts as not set.
+/// Returns the user's home directory. It is the first of these whose environment variable is set and not empty:
+/// HOME, "/home/" + USERNAME, "/home/" + USER.
 /// \return the directory, which need not exist; empty if none of the three variables is set.
 VEXAUTILUTIL_API std::string homeDirectory();
 

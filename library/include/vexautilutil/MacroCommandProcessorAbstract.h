@@ -39,8 +39,7 @@ namespace vexa::vexautilutil {
 ///         getter knows the option's name, " for command option: ", the name as written, and a line feed follow the
 ///         text.
 /// Scanner: a getter calls a `hasNext...` operation of the scanner before it reads. Only getSetValue() reads the
-///          opening
-///         bracket without this call. It finds no set at the end of the command, whatever the scanner returns there.
+///          opening bracket without this call. At the end of the command it fails, whatever the scanner returns.
 /// Threads: one thread at a time may use a processor. The processor calls the host on the caller's thread.
 /// The order of the virtual operations is part of the binary interface.
 class VEXAUTILUTIL_API MacroCommandProcessorAbstract {
@@ -61,14 +60,13 @@ public:
     ///         processCommand() passes through and leaves \p errMsg unchanged; executeCommand() reports it.
     virtual bool parseCommandString(const char* commandString, char** errMsg);
 
-    /// Records a command in the host's macro. It calls composeCommandString() for the command and passes the command to
-    /// the host. It does neither, and returns true, if the host does not record, or plays back a journal or a layout.
+    /// Records a command in the host's macro: calls composeCommandString() and passes the command to the host. While
+    /// the host does not record, or plays back a journal or a layout, it does nothing and returns true.
     /// \param addOnId the add-on's name, passed to the host unchanged.
-    /// \return true if the command was recorded or did not have to be; false if composeCommandString() or the host
-    ///         refused.
+    /// \return false if composeCommandString() or the host refused, true otherwise.
     virtual bool recordMacroCommand(const char* addOnId) const;
 
-    /// Adds a command to the host's data-set journal. It calls composeCommandString() for the command.
+    /// Adds a command to the host's data-set journal: calls composeCommandString() and passes the command to the host.
     /// \warning Unlike recordMacroCommand(), it does not check the state of the host. The caller decides when a command
     ///          belongs in the journal.
     /// \param addOnId     the add-on's name, passed to the host unchanged.
@@ -98,28 +96,28 @@ public:
 
     /// Reads T, TRUE or YES as 1, and F, FALSE or NO as 0, in any letter case.
     /// \param value receives 1 or 0; unchanged on failure.
-    /// \return false, with the message "Invalid Boolean value", after any other word, which it also reads; false
-    ///         without a message if no word is left.
+    /// \return false, with the message "Invalid Boolean value", if the next word is any other word. It reads that word,
+    ///         too. False without a message if no word is left.
     virtual bool getBooleanValue(char& value);
 
     /// Reads a floating-point number.
     /// \param value receives the number; unchanged on failure.
-    /// \return false, with the message "Invalid Double value", if no word is left or the next one is not a number. It does
-    ///         not read that word.
+    /// \return false, with the message "Invalid Double value", if no word is left or the next word is not a number. It
+    ///         does not read that word.
     virtual bool getDoubleValue(double& value);
 
     /// Reads a signed 64-bit integer and keeps its low 32 bits.
     /// \warning It does not check the range, on purpose: 4294967297 becomes 1, and 2147483648 becomes -2147483648. If
     ///          the range matters, use getInt64Value().
     /// \param value receives the low 32 bits; unchanged on failure.
-    /// \return false, with the message "Invalid Int32 value", if no word is left or the next one is not an integer. It does
-    ///         not read that word.
+    /// \return false, with the message "Invalid Int32 value", if no word is left or the next word is not an integer. It
+    ///         does not read that word.
     virtual bool getInt32Value(int32_t& value);
 
     /// Reads a signed 64-bit integer.
     /// \param value receives the integer; unchanged on failure.
-    /// \return false, with the message "Invalid Int64 value", if no word is left or the next one is not an integer. It does
-    ///         not read that word.
+    /// \return false, with the message "Invalid Int64 value", if no word is left or the next word is not an integer. It
+    ///         does not read that word.
     virtual bool getInt64Value(int64_t& value);
 
     /// Reads a text in double or single quotes. The text may contain the other kind of quote.
@@ -137,7 +135,7 @@ public:
     /// Reads a set in brackets; see vexa::toolbox::Set.
     /// \warning It does not read the `]` of an empty set `[]`, on purpose; the next getNextName() reads it as a name.
     ///          It reads the whole of `[ ]`, an empty set with a blank.
-    /// \param value receives the set. The call uses its virtual clear(), first, and assign().
+    /// \param value receives the set, by its virtual operations: first clear(), then assign().
     /// \return false with one of these messages:
     ///         - "Invalid Set syntax.  Missing starting [" if the next character is not a `[`. The call reads it.
     ///         - "Invalid Set syntax.  Missing ending ]"
@@ -152,7 +150,7 @@ public:
     /// Hook: writes the command to record; see toNameValueAssignment(). recordMacroCommand() and journalMacroCommand()
     /// call it.
     /// \param command empty at first; receives the command.
-    /// \return false if there is no command to record. The processor then does not pass one to the host.
+    /// \return false if there is no command to record. The host then gets no command.
     virtual bool composeCommandString(std::string& command) const = 0;
 
     /// Returns NAME = T or NAME = F, and a blank. Zero is F; every other \p value is T.

@@ -25,11 +25,11 @@ struct CallProgress;
 /// A call of a function of the host's C API.
 struct Call {
     std::string function;  ///< for example "VexaUtilStringAlloc"
-    /// Written as in C, with handles by number: `14, "error string"`, `mutex#1`, `null`. An add-on's identity is
-    /// written as its id, a handle or identity that the host does not know as `unknown`, and the address of a result as
-    /// `address`.
+    /// The arguments as in C: `14, "error string"`, `null`. A handle is written with its number: `mutex#1`. An add-on's
+    /// identity is written as its id. `unknown` is a handle or an identity that the host does not know. `address` is
+    /// the address of a result.
     std::string arguments;
-    std::string result;      ///< written as in C; empty if the function returns nothing, threw, or has not returned yet
+    std::string result;      ///< the result as in C; empty for no result, after an exception, and before the return
     std::thread::id thread;  ///< the calling thread
     std::size_t number = 0;  ///< the number of the call, counted from 1 over all calls, including those not kept
 };
@@ -75,7 +75,7 @@ using AddOnEntry = const VexaAddOn_s* (*)(AddOnList_s* self);
 /// The result of a command.
 struct CommandResult {
     bool accepted = false;  ///< true if the add-on reported success
-    std::string error;      ///< the add-on's message, or the exception that left it; empty on success
+    std::string error;      ///< the add-on's message, or the text of its exception; empty on success
 };
 
 /// Reports an add-on that cannot be loaded. The message is one line: the file and the reason.
@@ -99,15 +99,15 @@ public:
 /// no Host exists, the C functions do nothing and return 0, null or GetValueReturnCode_UnknownPath.
 ///
 /// The C functions check each handle before they use it. They refuse or ignore a handle that is null, freed, or from
-/// another host, even from the previous one. They also refuse to lock a mutex twice in a thread, and to free a locked
-/// mutex. The lock accepts any identity; it must be released with an identity with which it was taken.
+/// another host, even from the previous one. They ignore a second lock of a mutex by the same thread, and do not free a
+/// locked mutex. The lock accepts any identity. Release it with the identity with which it was taken.
 ///
 /// Ownership: the host owns its add-ons. When it is destroyed, it shuts them down and unloads them, the last loaded
 ///            first, and frees everything that they allocated from it. The code of an add-on stays loaded while another
 ///            thread that has called the host runs, because the thread may run that code.
-/// Threads:   any thread may call the C functions, even while a host is being destroyed. A single thread must construct
-///            and destroy hosts, and load, run and unload add-ons. It must not do so from within a C function of the
-///            same host.
+/// Threads:   any thread may call the C functions, even while a host is being destroyed. Use a single thread to
+///            construct and destroy hosts, and to load, run and unload add-ons. Do not do this inside a C function of
+///            the same host.
 class VEXASTANDIN_API Host {
 public:
     /// Becomes the process's host. Recording, playback and batch mode are off.
@@ -115,15 +115,14 @@ public:
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
     /// Unloads the add-ons, makes the previous host the process's host, and waits until other threads have returned
-    /// from their calls of this host. So a function passed to onDialog() or onStatus() must return. A thread that waits
-    /// for the lock or for a mutex of this host stops waiting and does not get it.
+    /// from their calls of this host. If a function passed to onDialog() or onStatus() does not return, it waits
+    /// forever. A thread that waits for the lock or for a mutex of this host returns without it.
     ~Host();
 
     /// Returns the process's host; null if no Host exists.
     static Host* current();
-    /// Returns true if the calling thread runs code of an add-on, that is, if a host has called the add-on on this
-    /// thread, and the thread is not inside a C function of the host, an observer, or a function such as the one passed
-    /// to onDialog().
+    /// Returns true if the calling thread runs code of an add-on that a host called on this thread. Returns false
+    /// inside a C function of the host, inside an observer, and inside a function such as the one passed to onDialog().
     static bool isInAddOn() noexcept;
 
     /// \name The host's answers
@@ -136,7 +135,7 @@ public:
     /// Sets the value of a style setting, which VexaUtilStyleGetLowLevelX() returns for every pair of offsets. The host
     /// owns a text or set; add-ons may use it until the path gets another value.
     /// \param path 1 to 6 keywords, outermost first, none empty. ASCII letters match in any case.
-    /// \throws vexa::InvalidArgumentException if \p path is not such a path.
+    /// \throws vexa::InvalidArgumentException if \p path has no keyword, more than 6 keywords, or an empty keyword.
     void setStyle(const std::vector<std::string>& path, const StyleValue& value);
     /// Sets the value of a style setting for one pair of offsets. It takes precedence over the value for every pair.
     /// \param path as in the other overload.
@@ -160,7 +159,8 @@ public:
     /// Returns true if the stop button is pressed. Any thread and any signal handler may call it.
     bool isStopPressed() const noexcept;
 
-    /// Makes a later call of \p function fail: it does nothing and returns \p result, or null if it returns a pointer.
+    /// Makes a later call of \p function fail. The call does nothing and returns \p result, or null if the function
+    /// returns a pointer.
     /// \param function the name of the C function.
     /// \param nth      which call from now on, counted from 1.
     /// \param result   the result; ignored if the function returns nothing or a pointer.
@@ -184,9 +184,10 @@ public:
     /// If \p keeps is false, the host stops keeping calls and the history of the status line. By default it keeps them.
     /// Turn it off in a long-running program to limit the memory used.
     void setKeepsCalls(bool keeps);
-    /// Returns the commands that add-ons recorded so far, while recording was on. The host refuses, with a finding, to
-    /// record what it could not read back from a macro file: a command that is blank, starts with a blank or has a line
-    /// break; an add-on id that is empty, has white space or starts with `#`.
+    /// Returns the commands that add-ons recorded so far, while recording was on. The host refuses to record a command
+    /// that it could not read back from a macro file, and reports a finding. It could not read back a command that is
+    /// blank, starts with a blank or has a line break, or an add-on id that is empty, has white space or starts with
+    /// `#`.
     std::vector<RecordedCommand> recordedCommands() const;
     /// Deletes the commands recorded so far.
     void clearRecordedCommands();
@@ -227,7 +228,7 @@ public:
     /// Returns the loaded add-ons, in the order in which they were loaded.
     std::vector<AddOnInfo> addOns() const;
     /// Shuts down and unloads all add-ons, the last loaded first. If an add-on holds the host's lock after its
-    /// shutdown, the host releases it. If an exception leaves the shutdown, the host makes it a finding.
+    /// shutdown, the host releases it. If an exception leaves the shutdown, the host reports a finding.
     void unloadAddOns();
     /// Runs one command of a loaded add-on. If an exception leaves the add-on, the command fails. If the add-on returns
     /// without releasing the host's lock or finishing its status line, the host does so.

@@ -15,7 +15,7 @@ namespace vexa::standin {
 struct TestedCommand {
     std::string command;                ///< the add-on's id, a blank, and the command's text
     bool accepted = false;              ///< true if the add-on reported success
-    std::string error;                  ///< the add-on's message, or the exception that left it; empty on success
+    std::string error;                  ///< the add-on's message, or the text of its exception; empty on success
     std::vector<std::string> recorded;  ///< the commands that it recorded, as texts that run() takes
     std::vector<std::string> dialogs;   ///< the texts of the error dialogs that it showed
     /// The findings that it caused. The host keeps ten findings per rule and add-on; if this command caused further
