@@ -1,4 +1,4 @@
-// What every public operation does when memory runs out: what its description says, and nothing is lost.
+// Tests that every public operation does what its description says if memory runs out, and that no memory leaks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ std::vector<Operation> everyOperation() {
     return all;
 }
 
-// As GoogleTest wants a name: "Set::toString, of many runs" becomes "Set_toString_of_many_runs".
+// Makes a test name that GoogleTest accepts: "Set::toString, of many runs" becomes "Set_toString_of_many_runs".
 std::string testName(const testing::TestParamInfo<Operation>& info) {
     std::string name;
     for (const char c : std::string(info.param.name)) {
@@ -70,7 +70,7 @@ TEST(AllocationFaults, AreTriedInOperationsThatDiffer) {
     }
 }
 
-// ---- The sweep itself is to find what it is for
+// ---- Tests of the sweep itself
 
 TEST(AllocationSweep, FindsWhatIsLeftWithTheHost) {
     Operation operation = {"leaves", [](Attempt& a) {

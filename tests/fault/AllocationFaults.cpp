@@ -16,8 +16,8 @@ constexpr long kUnlimited = 1000000;
 struct Result {
     std::string outcome;
     bool hasFailed = false;
-    long left = 0;    // of the operation, while what it worked on is still there
-    long leaked = 0;  // of all
+    long left = 0;    // blocks of the operation, while its objects still exist
+    long leaked = 0;  // blocks after the objects were destroyed
 };
 
 Result attempt(const Operation& operation, long allowed, Failing failing) {
@@ -41,7 +41,7 @@ bool isExpected(const Operation& operation, const std::string& outcome) {
 
 bool endsTheProgram(const Operation& operation) { return isExpected(operation, kEndsTheProgram); }
 
-// What is wrong with a run whose allocation failed; empty when nothing is.
+// Returns the mistake in a run whose allocation failed; empty if there is none.
 std::string judge(const Operation& operation, const Result& result, const std::string& untouched) {
     if (result.outcome == untouched) {
         return isExpected(operation, kUnharmed) ? "" : "the failure was swallowed";
@@ -62,8 +62,8 @@ std::string at(long allowed, const std::string& fault) {
     return "allocation " + std::to_string(allowed + 1) + ": " + fault;
 }
 
-// Runs the operation for the first time, with a failure, and then without; says "untouched", "failed", or what is
-// wrong.
+// Runs the operation for the first time, with a failure, and then without one. Returns "untouched", "failed", or the
+// mistake.
 std::string firstRun(const Operation& operation, long allowed, Failing failing) {
     const Result first = attempt(operation, allowed, failing);
     const Result second = attempt(operation, kUnlimited, failing);

@@ -3,7 +3,7 @@
 ///
 ///     {"Set::toString", [](Attempt& a) { const Set set = manyRuns(); a.makes([&] { return set.toString(); }); }},
 ///
-/// What stands outside of makes() and changes() is set-up, and does not fail.
+/// The code outside of makes() and changes() prepares the operation. Its allocations do not fail.
 #pragma once
 
 #include <functional>
@@ -16,31 +16,31 @@
 
 namespace vexa::tests {
 
-/// One run of an operation, with so many allocations allowed.
+/// A run of an operation in which allocations fail after the allowed ones.
 class Attempt {
 public:
     Attempt(long allowed, Failing failing) : m_allowed(allowed), m_failing(failing) {}
     Attempt(const Attempt&) = delete;
     Attempt& operator=(const Attempt&) = delete;
 
-    /// An operation that returns something. The outcome is what \p show makes of it, or the exception.
+    /// Runs an operation that returns a value. The outcome is \p show of the value, or the exception.
     template <class Make, class Show>
     void makes(const Make& make, const Show& show) {
         run([&] {
-            auto&& made = make();  // lives on without being moved
+            auto&& made = make();  // extends its life without a move
             stop();
             m_outcome = show(made);
         });
     }
 
-    /// The same, for a text.
+    /// Does the same for a text.
     template <class Make>
     void makes(const Make& make) {
         makes(make, [](const std::string& text) { return text; });
     }
 
-    /// An operation that changes something. The outcome is the state that \p show tells afterwards, or the exception,
-    /// and the state too when that is another than before.
+    /// Runs an operation that changes an object. The outcome is the object's state afterwards, written by \p show, or
+    /// the exception, followed by the state if it changed.
     template <class Change, class Show>
     void changes(const Change& change, const Show& show) {
         const std::string before = show();
@@ -57,9 +57,9 @@ public:
     }
 
     const std::string& outcome() const { return m_outcome; }
-    /// Whether an allocation failed.
+    /// Returns true if an allocation failed.
     bool hasFailed() const { return m_hasFailed; }
-    /// How many blocks more there are after the operation than before it, its result gone.
+    /// Returns the number of blocks that the operation has not freed, without its result.
     long blocksLeft() const { return m_blocksLeft; }
 
 private:
@@ -86,7 +86,7 @@ private:
     }
 
     static long blocksOf(const std::string& text) { return text.capacity() > std::string().capacity() ? 1 : 0; }
-    /// The exception being handled.
+    /// Returns the text of the exception being handled.
     static std::string nameOfException();
 
     long m_allowed;
@@ -97,33 +97,34 @@ private:
     long m_blocksLeft = 0;
 };
 
-/// What an operation says when memory runs out, where that is neither an exception nor a text of its own.
-inline constexpr char kEndsTheProgram[] = "ended by signal 6";  ///< as what is noexcept does
+/// Outcomes of an operation that are neither an exception nor a text of the operation.
+inline constexpr char kEndsTheProgram[] = "ended by signal 6";  ///< the outcome of a noexcept function
 inline constexpr char kUnharmed[] = "as if nothing had failed";
 
-/// A public operation, and what may come of it when memory runs out.
+/// A public operation, and its allowed outcomes if memory runs out.
 struct Operation {
     const char* name;
     std::function<void(Attempt&)> run;
     std::vector<std::string> refusals = {"bad_alloc"};  ///< outcomes of Attempt, or one of the constants above
-    /// The most blocks that may stay with the host when it throws: handles not released. Otherwise none may stay. Not
-    /// looked at without a value.
+    /// The largest number of blocks that the host may still hold after an exception, for handles that were not freed.
+    /// After any other outcome it may hold none. Without a value, the number is not checked.
     std::optional<long> mostLeft = std::nullopt;
 };
 
-/// What an operation was put through.
+/// The result of a sweep.
 struct Sweep {
-    long points = 0;                  ///< how many of its allocations have failed
-    std::vector<std::string> faults;  ///< what was wrong, a line each
+    long points = 0;                  ///< the number of allocations that failed
+    std::vector<std::string> faults;  ///< the mistakes found, one per line
 };
 
-/// Lets each allocation of \p operation fail in turn, once or from there on, when it has run before.
+/// Makes each allocation of \p operation fail in turn, that one alone or with all later ones. The operation has already
+/// run in this process.
 Sweep sweepWarm(const Operation& operation, Failing failing);
-/// The same, with a child of this process for each allocation. There the operation has never run, unless it has here;
-/// afterwards it must work.
+/// Does the same in a new child process for each allocation, where the operation has not run yet. After the failure it
+/// must work.
 Sweep sweepCold(const Operation& operation, Failing failing);
 
-/// \name The operations, by what they belong to
+/// \name The operations, by part of the library
 /// @{
 std::vector<Operation> hostlibsOperations();
 std::vector<Operation> macroOperations();

@@ -1,4 +1,4 @@
-// The public operations that need no memory, so that nothing of it can fail them.
+// Tests that these public operations allocate no memory.
 #include <gtest/gtest.h>
 
 #include <boost/filesystem/path.hpp>
@@ -30,7 +30,7 @@ using toolbox::Set;
 
 const std::string kLong = "a text of more than fifteen characters";
 
-// Runs an operation with no memory left.
+// Runs an operation while every allocation fails.
 template <class Run>
 void expectNoAllocation(const char* name, const Run& run) {
     bool hasFailed = false;

@@ -20,7 +20,7 @@ using Milliseconds = std::chrono::milliseconds;
 constexpr uid_t kNobody = 65534;
 constexpr int kWrongResult = 3;
 
-// What the child says as it goes down is no concern of who reads the tests' output.
+// Drops the output of the child, because its crash messages would confuse readers of the tests' output.
 void silence() {
     const int nowhere = memfd_create("discarded", 0);
     dup2(nowhere, STDERR_FILENO);

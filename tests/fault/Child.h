@@ -6,16 +6,16 @@
 
 namespace vexa::tests {
 
-/// Runs \p work in a forked child, which no fault of it can outlive.
-/// \return what \p work returns; or what ended the child: "ended by signal N", or "did not return" after \p patience.
+/// Runs \p work in a child process, so that a crash or a hang ends only the child.
+/// \return the result of \p work; "ended by signal N" after a crash; "did not return" after \p patience.
 std::string inChild(const std::function<std::string()>& work,
                     std::chrono::milliseconds patience = std::chrono::seconds(20));
 
-/// The same, as a user without rights. The files that \p work is to reach must be open to everybody.
-/// \return as above; "kept its rights" when they cannot be dropped.
+/// Does the same as a user without rights. Every user must be able to read the files that \p work needs.
+/// \return the same, or "kept its rights" if the child cannot drop its rights.
 std::string inChildWithoutRights(const std::function<std::string()>& work);
 
-/// The descriptors that this process has open.
+/// Returns the open descriptors of this process.
 long openDescriptors();
 
 }  // namespace vexa::tests

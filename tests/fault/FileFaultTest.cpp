@@ -1,5 +1,5 @@
-// What reading a file and the file operations do when the file system fails them, or when a path names no ordinary
-// file. Nothing is left open, whatever comes.
+// Tests AsciiFile and the file functions if the file system fails, or if a path is not a regular file. No descriptor
+// may stay open.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -33,7 +33,7 @@ protected:
         EXPECT_EQ(openStreams(), m_streamsBefore);
     }
 
-    // Opens what is at `path` into a file that held another before.
+    // Opens `path` with an AsciiFile that holds another file.
     std::string opened(const std::string& path) const {
         AsciiFile file;
         if (!file.open(m_held)) return "the file before was not held";
@@ -57,7 +57,7 @@ private:
     long m_streamsBefore = openStreams();
 };
 
-// ---- Each call fails or comes back short
+// ---- Each call fails or returns less than requested
 
 TEST_F(FileFault, IsReportedByOpeningATextFile) {
     const struct {
@@ -135,7 +135,7 @@ TEST_F(FileFault, OfAReopeningClosesTheFile) {
     EXPECT_EQ(filesystem::fileReopen(m_folder.path("missing"), "rb", stream), nullptr);
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(openDescriptors(), before - 1);
-    std::fclose(stream);  // lets the C library free what it keeps of a stream that it has closed
+    std::fclose(stream);  // frees the C library's memory of the closed stream
 }
 
 TEST_F(FileFault, LeavesWhetherAFileIsThereUnknownAndNotFound) {
@@ -163,7 +163,7 @@ TEST_F(FileFault, OfClosingOrRemovingTheProbeLeavesAPathWritable) {
     EXPECT_EQ(m_folder.count(), 3) << "the probe that could not be removed";
 }
 
-// ---- What is no ordinary file
+// ---- Paths that are not regular files
 
 TEST_F(FileFault, IsWhatIsNotThereOrNoFile) {
     const std::string loop = m_folder.path("loop");
@@ -192,7 +192,7 @@ TEST_F(FileFault, IsWhatIsNotThereOrNoFile) {
 }
 
 TEST_F(FileFault, IsAFileThatDoesNotTellItsSize) {
-    // The kernel makes up such a file as it is read, and tells the size 0; or it cannot be moved about in.
+    // The kernel creates the contents of such a file on reading. It reports the size 0, or refuses to seek.
     for (const char* path :
          {"/proc/self/status", "/proc/self/cmdline", "/proc/self/mem", "/proc/version", "/dev/full", "/dev/null"}) {
         const std::string outcome = opened(path);
@@ -242,7 +242,7 @@ TEST_F(FileFault, OfAPathIsAnsweredWithNo) {
     EXPECT_EQ(m_folder.count(), 3);
 }
 
-// ---- What the user may not do
+// ---- Missing permissions
 
 TEST_F(FileFault, IsAFileThatTheUserMayNotRead) {
     ASSERT_EQ(chmod(m_folder.path().c_str(), 0755), 0);
@@ -306,7 +306,7 @@ TEST_F(FileFault, IsAFileTooLargeForTheMemory) {
     ASSERT_EQ(truncate(path.c_str(), off_t{1} << 42), 0);
     const long before = FailingAllocator::liveBlocks();
     AsciiFile file;
-    const FailingAllocator allocator(1, Failing::Once);  // the name; then the text, which is never asked of the system
+    const FailingAllocator allocator(1, Failing::Once);  // allows the name; the text then fails
     EXPECT_FALSE(file.open(path));
     EXPECT_EQ(errno, ENOMEM);
     EXPECT_FALSE(file.isOpen());

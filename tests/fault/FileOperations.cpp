@@ -43,7 +43,7 @@ void opens(Attempt& a) {
         });
 }
 
-// A file is held before, and kept while there is no memory for the text of the next.
+// The object holds a file, and must keep it if there is no memory for the text of the next one.
 void opensAnother(Attempt& a) {
     ReadFile read;
     const std::string path = read.folder.write("another name of more than fifteen characters.txt", "1\n2\n");
@@ -64,7 +64,7 @@ void reads(Attempt& a, const Read& read) {
     a.makes([&] { return read(from.file); });
 }
 
-// The outcome is the number of dialogs, and what is in them before the file's path.
+// The outcome is the number of dialogs and their text before the file's path.
 template <class Report>
 void reports(Attempt& a, const Report& report) {
     const SparingHost host;
@@ -77,7 +77,7 @@ void reports(Attempt& a, const Report& report) {
               });
 }
 
-// What others allocate, gone when the outcome is there.
+// Runs an operation that returns a path. Its memory is freed as soon as the outcome is known.
 template <class Make>
 void makesPath(Attempt& a, const Make& make) {
     a.makes(make, [](const boost::filesystem::path& path) { return path.string(); });

@@ -1,5 +1,5 @@
-// What the library does when a function of the host fails, answers what it should not, or throws. All of it runs as
-// the command of an add-on, so that the host judges whether something was left behind.
+// Tests what the library does if a host function fails, returns a wrong result, or throws. Each operation runs as the
+// command of an add-on, so that the host detects what the operation did not release.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -29,7 +29,7 @@ namespace {
 using namespace vexautilutil;
 using standin::Host;
 
-// ---- The add-on whose one command is the operation under test
+// ---- The add-on, whose only command is the tested operation
 
 using Operation = std::string (*)();
 
@@ -98,7 +98,7 @@ std::string advances() {
     const auto progress = createTaskProgressBar(2);
     progress->start("one");
     progress->advance();
-    return shown(*progress);  // and leaves the end to the destructor
+    return shown(*progress);  // the destructor finishes the task
 }
 
 std::string finishes() {
@@ -171,17 +171,17 @@ std::string showsADialog() {
     return "shown " + std::to_string(Host::current()->dialogs().size());
 }
 
-// ---- What a function of the host does, and what comes of it
+// ---- The host's faults, and the expected outcomes
 
 constexpr int kThrows = -1;
 
 struct HostFault {
     const char* function;
-    int answer;  ///< what it returns, null where that is a pointer, without having done anything; or kThrows
+    int answer;  ///< what it returns without doing anything (a pointer is null); or kThrows
     Operation operation;
     const char* outcome;
-    const char* left = "";  ///< the rule that is broken then, if one is
-    std::size_t nth = 1;    ///< which call of it
+    const char* left = "";  ///< the rule that is then broken; empty if none
+    std::size_t nth = 1;    ///< which call fails, counted from 1
 };
 
 constexpr char kException[] = "the host's exception";
@@ -298,7 +298,7 @@ void PrintTo(const HostFault& fault, std::ostream* out) {
     *out << fault.function << (fault.answer == kThrows ? " throws" : " returns " + std::to_string(fault.answer));
 }
 
-// Runs the operation in a host that is at fault. The outcome, and the rules broken.
+// Runs the operation in a host with the fault. Returns the outcome and the broken rules.
 std::string outcomeOf(const HostFault& fault) {
     Host host;
     host.setRecording(true);
@@ -334,7 +334,7 @@ TEST_P(HostFaults, AreTakenAsTheDescriptionsSay) {
     EXPECT_EQ(FailingAllocator::liveBlocks(), before);
 }
 
-// As "VexaUtilLockStart_throws_2", by its place in the table.
+// Returns a test name such as "VexaUtilLockStart_throws_2", with the position in the table.
 std::string testName(const testing::TestParamInfo<HostFault>& info) {
     const HostFault& fault = info.param;
     const std::string does = fault.answer == kThrows ? "Throws" : "Returns" + std::to_string(fault.answer);
@@ -342,7 +342,7 @@ std::string testName(const testing::TestParamInfo<HostFault>& info) {
 }
 INSTANTIATE_TEST_SUITE_P(Of, HostFaults, testing::ValuesIn(kFaults), testName);
 
-// The list of them is the one that the libraries are checked against.
+// Uses the list of functions that the tests of the binary interface check, too.
 TEST(HostFaultTable, HasEveryFunctionThatTheLibrariesCall) {
     std::set<std::string> tried;
     for (const HostFault& fault : kFaults) {

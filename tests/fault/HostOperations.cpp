@@ -29,7 +29,7 @@ void drives(Attempt& a, const Change& change) {
     a.changes([&] { change(*progress); }, [&] { return host.statusLine().text; });
 }
 
-// The outcome is the answer in all its parts.
+// The outcome has all outputs of the query.
 void asks(Attempt& a, const char* keyword, const StyleValue& value) {
     SparingHost host;
     host.setStyle({"Group", keyword}, value);
@@ -42,7 +42,7 @@ void asks(Attempt& a, const char* keyword, const StyleValue& value) {
 }
 
 void asksGrouped(Attempt& a, const char* keyword, const StyleValue& value) {
-    const GlobalLocale locale(new GroupedNumbers);  // the road through a stream
+    const GlobalLocale locale(new GroupedNumbers);  // makes the library use a stream
     asks(a, keyword, value);
 }
 
@@ -52,15 +52,15 @@ toolbox::Set someSet() {
     return set;
 }
 
-// A task does not fail for want of a text beside its bar.
+// A missing text beside the bar does not make a task fail.
 const std::vector<std::string> kNoText = {"a task", kUnharmed};
 
-// Either the host has no memory: it does not take the question, or refuses it. Or the library has none for the text;
-// then the argument list is not released, with all that the host keeps of it.
+// If the host has no memory, it refuses the query. If the library has none for the text, it does not free the argument
+// list and the host's copies of its arguments.
 const std::vector<std::string> kNoAnswer = {"4 3 before", "4 2 before", "bad_alloc"};
 constexpr long kArgList = 12;
 
-// The same, where the host is asked a second time. Its refusal then is passed on with what `nothing` is as a text.
+// The same for a second query. If the host refuses that one, the result is the text `nothing`.
 std::vector<std::string> noAnswer(ResultType_e type, const std::string& nothing) {
     std::vector<std::string> outcomes = kNoAnswer;
     for (const char* code : {" 2 ", " 3 "}) outcomes.push_back(std::to_string(type) + code + nothing);

@@ -25,7 +25,7 @@ Set setOf(const std::string& text) {
 
 std::string textOf(const Set& set) { return set.toString(); }
 
-// Single members that never adjoin, highest first.
+// Single members that do not adjoin, in descending order.
 std::string descendingMembers(int count) {
     std::string text = "[" + std::to_string(2 * count);
     for (int i = count - 1; i > 0; --i) text += "," + std::to_string(2 * i);
@@ -41,7 +41,7 @@ void assigns(Attempt& a, const std::string& text) {
 template <class Change>
 void changesSet(Attempt& a, const std::string& text, const Change& change) {
     const Set before = setOf(text);
-    Set set(before);  // without room to spare
+    Set set(before);  // without spare capacity
     a.changes([&] { change(set); }, [&] { return textOf(set); });
 }
 

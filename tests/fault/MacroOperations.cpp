@@ -38,7 +38,7 @@ const toolbox::Set& someSet() {
 
 std::string textOf(const MacroOptionInterface& option) { return option.toString(); }
 
-// Reads an option; `more` are its constructor's arguments after the iterators.
+// Reads an option. `more` are the arguments of its constructor after the iterators.
 template <class Option, class... More>
 void parses(Attempt& a, const std::string& text, const More&... more) {
     Tokens tokens(text);
@@ -60,7 +60,7 @@ void copies(Attempt& a, const Option& option) {
     a.makes([&] { return Option(option); }, textOf);
 }
 
-// What is half assigned to may be assigned to again, and be destroyed; no more is promised.
+// After a failed assignment, the object may only be assigned to again or destroyed.
 template <class Object>
 void assigns(Attempt& a, Object object, const Object& other) {
     bool isDone = false;

@@ -22,7 +22,7 @@ void assigns(Attempt& a, const Value& value) {
 
 template <class Value>
 void assignsGrouped(Attempt& a, const Value& value) {
-    const GlobalLocale locale(new GroupedNumbers);  // the road through a stream
+    const GlobalLocale locale(new GroupedNumbers);  // makes the library use a stream
     assigns(a, value);
 }
 
@@ -32,7 +32,7 @@ toolbox::Set someSet() {
     return set;
 }
 
-// Runs one command and hands its message back to the host.
+// Runs a command, and frees its message as a host does.
 void processes(Attempt& a, const std::string& command, const ScriptedProcessor::Process& process) {
     const SparingHost host;
     ScriptedProcessor processor(process);
@@ -84,7 +84,7 @@ bool deposits(Processor& p) {
     return false;
 }
 
-// A getter by itself, on a command; the outcome is what it returned and delivered.
+// Calls a single getter on a command. The outcome has its result and its value.
 template <class Get>
 void gets(Attempt& a, const std::string& command, const Get& get) {
     const SparingHost host;
@@ -98,8 +98,8 @@ void gets(Attempt& a, const std::string& command, const Get& get) {
     processor.parseCommandString(command.c_str(), nullptr);
 }
 
-// Why a whole command fails when memory runs out: an exception, a getter's false, a message before the last, or the
-// host.
+// The outcomes of a whole command if memory runs out: an exception, a getter's false, an earlier message, or no message
+// from the host.
 const std::vector<std::string> kCommandFailures = {"bad_alloc", "no message", ""};
 
 struct ComposingProcessor : ScriptedProcessor {

@@ -5,13 +5,13 @@
 
 namespace vexa::tests {
 
-/// A host that keeps nothing of what it sees, so that blocks left over are those of handles that were not released.
+/// A host that keeps no calls, so that every remaining block belongs to a handle that was not freed.
 class SparingHost : public standin::Host {
 public:
     SparingHost() {
         setKeepsCalls(false);
         setChecking(false);
-        // What it keeps for good from the first handle of each kind is no leak.
+        // The first handle of each kind allocates memory that the host keeps. This is not a leak.
         ArgList_s* list = VexaUtilArgListAlloc();
         VexaUtilArgListDealloc(&list);
         char* string = VexaUtilStringAlloc(1, "text");

@@ -27,7 +27,7 @@ std::string_view firstToken(std::string_view text) {
     return text.substr(0, size);
 }
 
-// Empty when no delimiter follows.
+// Returns an empty text if no delimiter follows.
 std::string_view firstToken(std::string_view text, std::string_view delimiters) {
     const std::size_t size = text.find_first_of(delimiters);
     return size == std::string_view::npos ? std::string_view() : text.substr(0, size);
@@ -41,7 +41,7 @@ bool readNumber(std::string_view token, Number& number) {
     return result.ec == std::errc() && result.ptr == end;
 }
 
-// Refuses a call whose answer is not fixed.
+// Throws, because the result of this call is not defined.
 void require(bool isFixed, const char* operation) {
     if (!isFixed) throw std::logic_error(std::string(operation) + " was called with nothing to return");
 }
@@ -79,7 +79,7 @@ void setCharacterAtEnd(char c) { g_characterAtEnd = c; }
 using foreign::ScannerCalls;
 
 struct Scanner::Impl {
-    // Returns `token`, which is a part of what is left, and moves past it.
+    // Returns `token`, a part of the unread text, and moves past it.
     std::string take(std::string_view token) {
         std::string taken(token);
         left.remove_prefix(static_cast<std::size_t>(token.data() - left.data()) + token.size());

@@ -34,7 +34,7 @@ SetCalls& setCalls() {
 namespace toolbox {
 namespace {
 
-// Stands on a character of the text of a set, which has no blank on it.
+// Reads the text of a set. It skips blanks, so the next character is never a blank.
 class Reader {
 public:
     explicit Reader(std::string_view text) : m_left(text) { skipBlanks(); }

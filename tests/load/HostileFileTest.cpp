@@ -1,5 +1,5 @@
-// Files that nobody writes but who means harm, or a broken program, given to the runner: each is run or refused
-// clearly, in time linear in its size, and in memory that is a small multiple of it.
+// Tests files that only an attacker or a broken program writes. The runner must run each file or refuse it with a clear
+// message. Its time must be linear in the size, and its memory a small multiple of the size.
 
 #include <gtest/gtest.h>
 
@@ -26,14 +26,14 @@ constexpr std::size_t kMostSaid = 1000;
 
 enum class Kind_e { Macro, Style };
 
-// A kind of file, and what comes of it: the exit status, and how what is said begins.
+// A kind of file, and the expected exit status and start of the message.
 struct Hostile {
     const char* name;
     Kind_e kind;
     std::string (*text)(std::size_t size);
     int status;
-    const char* said;   // behind the file's name
-    long memoryFactor;  // how often as much memory as the file has may be taken
+    const char* said;   // the message after the file's name
+    long memoryFactor;  // the allowed memory divided by the size of the file
     long moreKiB = 65536;
 
     friend std::ostream& operator<<(std::ostream& out, const Hostile& hostile) { return out << hostile.name; }
@@ -42,7 +42,7 @@ struct Hostile {
 ProgramResult resultOf(const Hostile& hostile, std::size_t size) {
     const tests::TemporaryFolder folder;
     folder.write("hostile", hostile.text(size));
-    load::forgetPeakMemory();  // gives the text's memory back, which would count as the program's
+    load::forgetPeakMemory();  // frees the text's memory, which would count for the program
     Program program;
     program.folder = folder.path();
     if (hostile.kind == Kind_e::Macro) {

@@ -1,6 +1,6 @@
-// Texts that nobody writes but who means harm, or a broken program: huge, of one token, of a million options, with
-// NULs, lone quotes, deep brackets, no UTF-8, numbers of a million digits. Each must be answered rightly or refused
-// clearly, in time linear in its size, and in memory that is a small multiple of it.
+// Tests texts that only an attacker or a broken program writes: huge texts, a single token, a million options, NULs,
+// lone quotes, deep brackets, invalid UTF-8, numbers of a million digits. The library must read each text correctly or
+// refuse it with a clear message. Its time must be linear in the size, and its memory a small multiple of the size.
 
 #include <gtest/gtest.h>
 
@@ -35,13 +35,13 @@ using load::repeated;
 
 constexpr std::size_t kMostAnswered = 300;
 
-// A kind of text, and the answer to it: how it begins, whatever the size.
+// A kind of text, and how the answer to it starts, for any size.
 struct Hostile {
     const char* name;
     std::string (*text)(std::size_t size);
     const char* answer;
-    long memoryFactor;    // how often as much memory as the text has may be taken, the text itself included
-    long moreKiB = 4096;  // and what does not grow with the text
+    long memoryFactor;    // the allowed memory divided by the size of the text, including the text itself
+    long moreKiB = 4096;  // the allowed memory that does not grow with the text
 
     friend std::ostream& operator<<(std::ostream& out, const Hostile& hostile) { return out << hostile.name; }
 };
@@ -51,7 +51,7 @@ struct Cost {
     long peakKiB = 0;
 };
 
-// Expects the right answer to a text of `size`.
+// Expects the correct answer to a text of `size`.
 Cost costOf(const Hostile& hostile, std::size_t size, std::string (*answerTo)(const std::string& text)) {
     EXPECT_TRUE(load::forgetPeakMemory());
     const long before = load::peakMemoryKiB();
@@ -65,7 +65,7 @@ Cost costOf(const Hostile& hostile, std::size_t size, std::string (*answerTo)(co
     return cost;
 }
 
-// The middle one of three.
+// Returns the median of three.
 double medianSeconds(const Hostile& hostile, std::size_t size, std::string (*answerTo)(const std::string& text)) {
     std::array<double, 3> seconds{};
     for (double& one : seconds) one = costOf(hostile, size, answerTo).seconds;
@@ -73,8 +73,8 @@ double medianSeconds(const Hostile& hostile, std::size_t size, std::string (*ans
     return seconds[1];
 }
 
-// Expects four times the text to take about four times the time. Where one measurement says otherwise, three of each
-// are asked: copying alone is slower where the text no longer fits the memory that the allocator keeps.
+// Expects that four times the text takes about four times the time. If a single measurement fails, uses the median of
+// three, because a text that exceeds the allocator's free memory takes longer to copy.
 void expectLinear(const Hostile& hostile, std::size_t size, double seconds,
                   std::string (*answerTo)(const std::string&)) {
     constexpr double kMost = 8;
@@ -154,7 +154,7 @@ INSTANTIATE_TEST_SUITE_P(Every, HostileSet, testing::ValuesIn(kSets), load::Name
 
 // ---- Commands through the processor
 
-// Reads options by their names' first letters.
+// Reads options. The first letter of a name decides the type.
 bool readCommand(MacroCommandProcessorAbstract& command, long& options) {
     std::string word;
     std::string name;
@@ -191,7 +191,7 @@ std::string answerOfProcessor(const std::string& text) {
     return options < 2 ? "accepted with " + std::to_string(options) : "accepted";
 }
 
-// The option that stands alone in a command.
+// Returns the only option of a command.
 std::string only(const std::string& option) { return "LOAD " + option; }
 
 const Hostile kCommands[] = {
@@ -253,7 +253,7 @@ public:
     void execute() override {}
 };
 
-// The option at `current`, of the type that its name's first letter says.
+// Reads the option at `current`. The first letter of its name decides the type.
 std::shared_ptr<MacroOptionInterface> optionAt(MacroTokenIterator& current, const MacroTokenIterator& end) {
     switch (current->front()) {
         case 'B': return std::make_shared<BooleanMacroOption>(current, end, nullptr);

@@ -7,13 +7,13 @@
 
 namespace vexa::load {
 
-/// How large a text is to be: 1 MiB, or 64 MiB when the whole load is asked for.
+/// Returns the size of a text: 64 MiB if the full load is requested, 1 MiB otherwise.
 inline std::size_t largeSize() { return static_cast<std::size_t>(amount(1L << 20, 64L << 20)); }
 
-/// \p size times \p c.
+/// Returns \p size times the character \p c.
 inline std::string filled(std::size_t size, char c) { return std::string(size, c); }
 
-/// \p piece again and again, whole, up to \p size bytes.
+/// Returns \p piece repeated, up to \p size bytes. The last piece is complete, too.
 inline std::string repeated(std::size_t size, const std::string& piece) {
     std::string text;
     text.reserve(size);
@@ -21,7 +21,8 @@ inline std::string repeated(std::size_t size, const std::string& piece) {
     return text;
 }
 
-/// What \p make returns for 0, 1 and so on, up to about \p size bytes: no piece has more than 48.
+/// Returns the joined results of \p make for 0, 1 and so on, about \p size bytes. No result may have more than 48
+/// bytes.
 template <class Make>
 std::string counted(std::size_t size, const Make& make) {
     constexpr std::size_t kLongestPiece = 48;
@@ -31,7 +32,7 @@ std::string counted(std::size_t size, const Make& make) {
     return text;
 }
 
-/// Names a test after its parameter.
+/// Returns the name of a test, made from its parameter.
 struct NameOf {
     template <class Info>
     std::string operator()(const Info& info) const {

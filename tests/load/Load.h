@@ -5,13 +5,14 @@
 
 namespace vexa::load {
 
-/// Whether the whole load is asked for, by the environment: `VEXA_LOAD=long`. Without, the programs take seconds.
+/// Returns true if the environment has `VEXA_LOAD=long`, which requests the full load. Without it the programs take
+/// seconds.
 inline bool isLong() {
     const char* const load = std::getenv("VEXA_LOAD");
     return load != nullptr && std::string_view(load) == "long";
 }
 
-/// How much of something there is to do: \p quick, or \p whole when the whole load is asked for.
+/// Returns the amount of work: \p whole if the full load is requested, \p quick otherwise.
 inline long amount(long quick, long whole) { return isLong() ? whole : quick; }
 
 }  // namespace vexa::load

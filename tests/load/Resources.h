@@ -4,22 +4,22 @@
 
 namespace vexa::load {
 
-/// What the process holds. Under a sanitizer only the descriptors tell anything.
+/// The resources that the process holds. With a sanitizer, only the number of descriptors is meaningful.
 struct Resources {
-    long residentKiB = 0;       ///< after free memory was given back to the system
+    long residentKiB = 0;       ///< measured after free memory was returned to the system
     std::size_t heapInUse = 0;  ///< bytes
     long descriptors = 0;
 
     static Resources now();
 };
 
-/// Forgets the peak of the process's memory so far.
-/// \return whether the system lets it be forgotten.
+/// Resets the peak of the process's memory.
+/// \return true if the system allows it.
 bool forgetPeakMemory();
-/// The most memory that the process had at once since then, in KiB.
+/// Returns the peak of the process's memory since the last reset, in KiB.
 long peakMemoryKiB();
 
-/// The processor time that the process has taken, in seconds. Other programs do not add to it.
+/// Returns the processor time of this process, in seconds.
 double processorSeconds();
 
 }  // namespace vexa::load

@@ -1,4 +1,4 @@
-// The same work for hours: what the process holds after the first tenth of it is what it holds at the end.
+// Does the same work for hours. The process must not hold more at the end than after the first tenth.
 
 #include <gtest/gtest.h>
 
@@ -23,13 +23,13 @@
 namespace vexa::vexautilutil {
 namespace {
 
-// Calls `operation` so often, and expects that the process holds no more at the end than after the first tenth. What
-// the operation does goes by its number modulo 1000, so that the same is held at both times, but for \p remembered
-// bytes.
+// Calls `operation` many times, and expects that the process holds no more at the end than after the first tenth. The
+// operation must depend only on its number modulo 1000, so that it holds the same at both times, except for
+// `remembered` bytes.
 template <class Operation>
 void soak(const char* what, long times, const Operation& operation, std::size_t remembered = 0) {
     ASSERT_EQ(times % 10000, 0) << "a tenth must be whole rounds of 1000";
-    load::Resources::now();  // what is allocated once, by asking, is allocated
+    load::Resources::now();  // makes the allocations that happen only at the first call
     long wrong = 0;
     for (long i = 0; i < times / 10; ++i) wrong += operation(i % 1000) ? 0 : 1;
     const load::Resources early = load::Resources::now();
@@ -45,7 +45,7 @@ void soak(const char* what, long times, const Operation& operation, std::size_t 
     EXPECT_EQ(late.descriptors, early.descriptors);
 }
 
-// Counts the host's objects that live: what was allocated, and not freed.
+// Counts the host's objects that were allocated and not freed.
 class LivingHandles : public standin::ObserverInterface {
 public:
     void entryBegan(const standin::EntryEvent&) override {}
@@ -134,7 +134,7 @@ TEST(Soak, FilesOpened) {
 TEST(Soak, AddOnLoadedAndUnloaded) {
     standin::Host host;
     host.setKeepsCalls(false);
-    // The host knows the identities of all add-ons there ever were, by their addresses, of which there are few.
+    // The host remembers the identities of all former add-ons by their addresses. There are few different addresses.
     constexpr std::size_t kIdentities = 1024;
     const auto loadAndUnload = [&](long) {
         const standin::AddOnInfo info = host.loadAddOn(ADDON_ONE);

@@ -1,5 +1,5 @@
-// Eight threads at work at once: each with objects of its own, or all with one mutex. Made for the thread sanitizer,
-// which sees a race or an inverted lock though it does no harm this time.
+// Runs eight threads at the same time: each with its own objects, or all with the same mutex. Run it with the thread
+// sanitizer, which detects a race or an inverted lock order even if this run has no failure.
 
 #include <gtest/gtest.h>
 
@@ -31,8 +31,8 @@ namespace {
 
 constexpr int kThreads = 8;
 
-// Eight threads start together, and each calls its own `operation`, made by `make` on that thread, with 0, 1 and so on.
-// Returns how many of the calls did not answer true.
+// Starts eight threads together. Each one creates its own `operation` by `make`, and calls it with 0, 1 and so on.
+// Returns the number of calls that did not return true.
 template <class Make>
 long wrongAnswers(const Make& make) {
     const long operations = load::amount(2000, 100000);
@@ -53,12 +53,12 @@ long wrongAnswers(const Make& make) {
     return wrong;
 }
 
-// A host that keeps no calls: there would be millions.
+// A host that keeps no calls, because there would be millions.
 struct QuietHost : standin::Host {
     QuietHost() { setKeepsCalls(false); }
 };
 
-// Parsed and rendered again.
+// Parses a command and renders it again.
 template <class Option, class... More>
 std::string again(const std::string& text, More... more) {
     return parsedAs<Option>(text, more...).toString();

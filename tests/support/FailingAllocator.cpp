@@ -28,7 +28,7 @@ bool mayAllocate() {
 
 void* allocate(std::size_t size, std::size_t alignment) noexcept {
     if (!mayAllocate()) return nullptr;
-    const std::size_t rounded = (size + alignment - 1) / alignment * alignment;  // as aligned_alloc() asks for
+    const std::size_t rounded = (size + alignment - 1) / alignment * alignment;  // aligned_alloc() requires it
     void* const block = std::aligned_alloc(alignment, rounded == 0 ? alignment : rounded);
     if (block != nullptr) ++s_liveBlocks;
     return block;

@@ -4,19 +4,19 @@
 
 namespace vexa::tests {
 
-/// Which allocations fail once the first one has.
+/// Which allocations fail, starting with the first failure.
 enum class Failing {
-    Once,      ///< only that one: memory was short for a moment
-    EverAfter  ///< all: memory is used up
+    Once,      ///< only the first: memory was short for a moment
+    EverAfter  ///< all: no memory is left
 };
 
-/// Lets allocations of this thread fail with `std::bad_alloc`, from construction to destruction. Works in programs
-/// that compile FailingAllocator.cpp, which replaces `operator new` and `operator delete`.
+/// Makes allocations of this thread fail with `std::bad_alloc` while the object exists. The program must compile
+/// FailingAllocator.cpp, which replaces `operator new` and `operator delete`.
 ///
 ///     const FailingAllocator failing(3, Failing::Once);   // three succeed, the fourth fails
 ///     EXPECT_THROW(set.assign(text), OutOfMemoryException);
 ///
-/// Keep assertions outside: most allocate when they fail, some when they pass.
+/// Write no assertions while it exists: most allocate when they fail, some when they pass.
 class FailingAllocator {
 public:
     FailingAllocator(long allowed, Failing failing);
@@ -24,16 +24,15 @@ public:
     FailingAllocator& operator=(const FailingAllocator&) = delete;
     ~FailingAllocator();
 
-    /// Whether an allocation has failed.
+    /// Returns true if an allocation has failed.
     static bool hasFailed();
-    /// The blocks allocated and not yet freed, by all threads.
+    /// Returns the number of blocks that all threads have allocated and not freed.
     static long liveBlocks();
 };
 
-/// Runs `operation(allowed, failing)` with 0, 1, 2, ... allocations allowed, until a run asks for no more than it is
-/// allowed. `operation` makes the FailingAllocator itself, around the one call that is meant, and returns whether an
-/// allocation failed.
-/// \return how many runs met a failure. Assert that it is not 0: a sweep without points shows nothing.
+/// Calls `operation(allowed, failing)` with `allowed` = 0, 1, 2, ... until no allocation fails. `operation` must create
+/// the FailingAllocator around the tested call, and return true if an allocation failed.
+/// \return the number of calls in which an allocation failed. Assert that it is not 0.
 template <class Operation>
 long sweepAllocations(Failing failing, Operation operation) {
     constexpr long kEndless = 100000;

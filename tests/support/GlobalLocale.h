@@ -6,10 +6,10 @@
 
 namespace vexa::tests {
 
-/// Makes a locale the global one, from construction to destruction.
+/// Makes a locale the global locale while the object exists.
 class GlobalLocale {
 public:
-    /// The classic locale with one facet replaced; the locale owns the facet.
+    /// Uses the classic locale with one facet replaced. The locale owns the facet.
     template <class Facet>
     explicit GlobalLocale(Facet* facet) : m_before(std::locale::global(std::locale(std::locale::classic(), facet))) {}
     GlobalLocale(const GlobalLocale&) = delete;
@@ -20,7 +20,7 @@ private:
     std::locale m_before;
 };
 
-/// Numbers as 1.234.567,5.
+/// Writes numbers like 1.234.567,5.
 struct GroupedNumbers : std::numpunct<char> {
 protected:
     char do_decimal_point() const override { return ','; }
@@ -28,7 +28,7 @@ protected:
     std::string do_grouping() const override { return "\3"; }
 };
 
-/// An underscore is white space, and nothing else is.
+/// Only the underscore is white space.
 struct UnderscoreForBlank : std::ctype<char> {
     UnderscoreForBlank() : std::ctype<char>(table()) {}
 

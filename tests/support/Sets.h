@@ -8,7 +8,7 @@
 
 namespace vexa::tests {
 
-// By the operations that every set has, whoever made the class libraries.
+// Uses only the operations that the Set of every class library has.
 
 inline toolbox::Set setOf(const std::string& text) {
     toolbox::Set set;
@@ -16,7 +16,7 @@ inline toolbox::Set setOf(const std::string& text) {
     return set;
 }
 
-/// A set's text with these members, which a set writes in another way when it renders itself.
+/// Returns a text with these members that differs from the text that toString() returns.
 inline std::string setText(const std::vector<uint16_t>& members) {
     std::string text = "[";
     for (const uint16_t member : members) {

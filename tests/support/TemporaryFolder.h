@@ -11,7 +11,7 @@
 
 namespace vexa::tests {
 
-/// A new, empty folder, removed with what is in it at the end.
+/// A new, empty folder. The destructor removes it with its contents.
 class TemporaryFolder {
 public:
     TemporaryFolder() : m_path((std::filesystem::temp_directory_path() / "vexa-test-XXXXXX").string()) {
@@ -27,14 +27,14 @@ public:
     const std::string& path() const { return m_path; }
     std::string path(const std::string& name) const { return m_path + '/' + name; }
 
-    /// Makes a file.
-    /// \return its path.
+    /// Creates a file.
+    /// \return the file's path.
     std::string write(const std::string& name, std::string_view bytes) const {
         std::ofstream(path(name), std::ios::binary) << bytes;
         return path(name);
     }
 
-    /// How many entries it has.
+    /// Returns the number of entries.
     long count() const {
         const std::filesystem::directory_iterator entries(m_path);
         return std::distance(begin(entries), end(entries));

@@ -10,14 +10,14 @@ namespace vexa::tests {
 
 using Json = nlohmann::ordered_json;
 
-/// The events of a trace that was finished.
-/// \throws nlohmann::json::exception when \p text is no JSON.
+/// Returns the events of a finished trace.
+/// \throws nlohmann::json::exception if \p text is not JSON.
 inline Json traceEvents(const std::string& text) { return Json::parse(text); }
 
-/// The events of a trace that was not finished: the array lacks its end.
+/// Returns the events of an unfinished trace, in which the end of the array is missing.
 inline Json cutOffTraceEvents(const std::string& text) { return Json::parse(text + ']'); }
 
-/// Those of \p events whose member \p name is \p value, in their order.
+/// Returns the \p events whose member \p name is \p value, in their order.
 inline std::vector<Json> eventsWhere(const Json& events, const std::string& name, const std::string& value) {
     std::vector<Json> found;
     for (const Json& event : events) {
@@ -26,8 +26,8 @@ inline std::vector<Json> eventsWhere(const Json& events, const std::string& name
     return found;
 }
 
-/// What is wrong with the spans of \p events, a line each: an end without its beginning, a beginning without its end,
-/// an end of another span than the one begun last, a time that runs backwards on its track.
+/// Returns the mistakes in the spans of \p events, one per line: an end without a start, a start without an end, an end
+/// of another span than the last one started, a time that goes backwards on its track.
 inline std::vector<std::string> nestingProblems(const Json& events) {
     std::vector<std::string> problems;
     std::map<long, std::vector<std::string>> open;

@@ -1,5 +1,5 @@
-// An add-on that uses every part of the library, as add-ons do. Kept as it was built with each release, it has to do
-// the same with every later library of that major version: tell the same, record the same, call the host alike.
+// An add-on that uses every part of the library. Its binary is kept with each release. With every later library of the
+// same major version it must print the same, record the same and make the same host calls.
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -18,7 +18,7 @@ using namespace vexa::vexautilutil;
 
 AddOnList_s* identity = nullptr;
 
-// A macro command, written and read back through the command model.
+// A macro command that is written and read back.
 class Slice : public MacroCommandAbstract {
 public:
     Slice() : MacroCommandAbstract("SLICE") {}
@@ -52,7 +52,7 @@ private:
     }
 };
 
-// Counts what a command has.
+// Counts the options of a command.
 class Counter : public MacroOptionPerformerAbstract {
 public:
     Counter() : MacroOptionPerformerAbstract(false) {}
@@ -164,7 +164,7 @@ private:
     std::string m_recorded;
 };
 
-// The host owns it.
+// The host owns the string.
 char* hostString(const char* text) {
     const std::string message = text;
     char* const copy = VexaUtilStringAlloc(static_cast<int>(message.size()) + 1, "error message");

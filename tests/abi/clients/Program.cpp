@@ -1,8 +1,8 @@
-// A program that does with the library all that depends on how its classes are laid out: it derives from each class
-// that is made for it, calls each virtual operation from both sides, keeps objects between fences, copies them by the
-// code of the headers, and catches each exception by its type. It tells what came of it, a line each.
+// A program that depends on the layout of the library's classes in every way: it derives from each base class, calls
+// each virtual operation and lets the library call it, keeps objects between fences, copies objects by the code of the
+// headers, and catches each exception by its type. It prints a line for each result.
 //
-// Kept as it was built with each release, it has to say the same of every later library of that major version.
+// Its binary is kept with each release. With every later library of the same major version it must print the same.
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -22,7 +22,7 @@
 #include "vexa/VexaUtil.h"
 #include "vexautilutil/vexautilutil.h"
 
-extern "C" char g_recorded[100];  // by the smallest host, which is linked in
+extern "C" char g_recorded[100];  // written by the smallest host, which is linked in
 
 namespace {
 
@@ -33,14 +33,14 @@ using toolbox::Set;
 void say(const std::string& what, const std::string& value) { std::printf("%s: %s\n", what.c_str(), value.c_str()); }
 void say(const std::string& what, bool value) { say(what, std::string(value ? "yes" : "no")); }
 
-// The same object, but the compiler knows no longer what it is: it has to go through the table of virtual operations.
+// Returns the same object, but hides its type from the compiler, so that calls use the table of virtual operations.
 template <class Object>
 Object& opaque(Object& object) {
     Object* volatile address = &object;
     return *address;
 }
 
-// An object in just the room that its header asks for. What writes beyond that breaks the fences.
+// An object in exactly the memory that its header needs. A write beyond this memory breaks the fences.
 template <class Object>
 class Fenced {
 public:
@@ -84,7 +84,7 @@ void sayCaught(const char* what, const std::function<void()>& thrower) {
     }
 }
 
-// Its words are those of the standard library that happens to be there.
+// Its message differs between versions of the standard library.
 template <class Caught>
 void sayCaughtOfTheStandard(const char* what, const std::function<void()>& thrower) {
     bool isCaught = false;
@@ -275,7 +275,7 @@ private:
     std::string m_name = "a field behind those of the library";
 };
 
-// With no field of its own, so that a base that has become larger writes beyond it.
+// It has no field, so that a larger base class would write beyond it.
 class BareCommand : public MacroCommandAbstract {
 public:
     BareCommand() : MacroCommandAbstract("BARE") {}
@@ -397,7 +397,7 @@ void process(MacroCommandProcessorAbstract& processor, const char* command) {
     VexaUtilStringDealloc(&errMsg);
 }
 
-// As BareCommand.
+// Has no field, as BareCommand.
 class BareProcessor : public MacroCommandProcessorAbstract {
 public:
     bool processCommand() override { return false; }
@@ -541,7 +541,7 @@ void useHost() {
 
 int main(int argc, char** argv) {
     if (argc != 2) return 2;
-    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // what is said before a crash counts
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // keeps the output before a crash
     useExceptions();
     useErrorsOfTheLibrary();
     useOptions();

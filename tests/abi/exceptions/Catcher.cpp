@@ -1,4 +1,4 @@
-// An add-on that catches what another one throws, and tells by which type it did.
+// An add-on that catches the exceptions of another add-on, and prints the type by which it caught each.
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -28,7 +28,7 @@ std::string named(const char* type, const std::exception& exception) {
     return text;
 }
 
-// What the standard library throws has words of its own, not the same everywhere.
+// The messages of the standard library differ between its versions.
 std::string described(const std::exception_ptr& exception) {
     try {
         std::rethrow_exception(exception);
@@ -59,7 +59,7 @@ std::string described(const std::exception_ptr& exception) {
     }
 }
 
-// By the type itself, not through a pointer to what was thrown.
+// Catches by the type itself, not by a pointer to the exception.
 std::string caughtFrom(void (*make)()) {
     try {
         make();

@@ -1,5 +1,5 @@
-// A host that loads two add-ons and lets one of them throw what the other one has to catch. It is not linked with the
-// library: that comes in with the add-ons, as it does in a host.
+// A host that loads two add-ons: one throws exceptions, the other one must catch them. The host does not link the
+// library. The add-ons load it, as in a real host.
 //
 // Usage: host THROWER CATCHER local|global
 #include <dlfcn.h>

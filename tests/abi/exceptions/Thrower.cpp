@@ -1,4 +1,4 @@
-// An add-on that throws all there is to throw, from its own code and through the library.
+// An add-on that throws every kind of exception, from its own code and through the library.
 #include <exception>
 #include <memory>
 #include <new>
@@ -66,7 +66,7 @@ void nested() {
     }
 }
 
-// ---- What the library throws
+// ---- Exceptions of the library
 
 void refusedSet() { toolbox::Set().assign("[x]"); }
 void refusedBar() { ui::TaskProgress(nullptr, 1); }
@@ -86,7 +86,7 @@ void emptyPath() {
     getValueAsString(path, 1, 1, type, code, text);
 }
 
-// ---- What the library is called back with, and throws
+// ---- Exceptions of functions that the library calls
 
 template <class Exception>
 class Option : public virtual MacroOptionInterface {
@@ -174,7 +174,7 @@ void fromComposeCommandString() {
     Processor<Exception>().recordMacroCommand("ADDON");
 }
 
-// The library catches what the set throws, and tells it by a message of its own.
+// The library catches the exception of the set, and throws its own exception with the message.
 template <class Exception>
 void fromAssign() {
     char* errMsg = nullptr;
@@ -216,7 +216,7 @@ void exactBadAlloc() { throw std::bad_alloc(); }
 void exactException() { throw std::exception(); }
 void aNumber() { throw 42; }
 
-// Each way for this class.
+// Throws this class in each way.
 #define EACH_WAY(Exception)                                                                                         \
     {"direct " #Exception, direct<Exception>}, {"rethrown " #Exception, rethrown<Exception>},                       \
         {"carried " #Exception, carried<Exception>}, {"caused " #Exception, caused<Exception>},                     \

@@ -1,5 +1,5 @@
-// What the getters of a processor ask of their scanner, in which order. Each asks whether something is left before it
-// reads; the one exception is the opening bracket of a set.
+// Tests which operations of the scanner the getters of a processor call, and in which order. A getter checks that
+// something is left before it reads; only the opening bracket of a set is read without a check.
 #include "foreign/ScannerCalls.h"
 
 #include <gtest/gtest.h>
@@ -28,10 +28,10 @@ struct Case {
     const char* why;
     const char* text;
     const char* calls;
-    Outcome outcome;  // what the host gets
+    Outcome outcome;  // the message for the host
 };
 
-// Expects `read`, for each case, to make these calls, and to have this outcome.
+// Expects that `read` makes the calls and has the outcome of each case.
 template <class Read>
 void expectCalls(const std::vector<Case>& cases, Read read) {
     const standin::Host host;
@@ -49,7 +49,7 @@ void expectCalls(const std::vector<Case>& cases, Read read) {
     }
 }
 
-// In this thread, until the end of the test.
+// Sets the character for this thread until the end of the test.
 class CharacterAtEnd {
 public:
     explicit CharacterAtEnd(char c) { foreign::setCharacterAtEnd(c); }
@@ -168,7 +168,7 @@ TEST(ScannerCalls, OfGetSetValue) {
         });
 }
 
-// The one character that is read without asking. Whatever it is at the end of the text, there is no set.
+// The getter reads this character without a check. At the end of the text it must fail for any character.
 TEST(ScannerCalls, OfGetSetValueAtTheEndFailWhateverCharacterIsReadThere) {
     const standin::Host host;
     for (int c = -128; c < 128; ++c) {
@@ -182,7 +182,7 @@ TEST(ScannerCalls, OfGetSetValueAtTheEndFailWhateverCharacterIsReadThere) {
     }
 }
 
-// The other getters do not read at the end, so it does not matter what is read there.
+// The other getters do not read at the end of the text, so any character there gives the same outcome.
 TEST(ScannerCalls, AtTheEndDoNotDependOnTheCharacterReadThere) {
     const standin::Host host;
     for (int c = -128; c < 128; ++c) {
@@ -196,7 +196,7 @@ TEST(ScannerCalls, AtTheEndDoNotDependOnTheCharacterReadThere) {
     }
 }
 
-// The scanner ends the loop. While it lasts there is no memory to be had.
+// The scanner ends the endless loop by an exception. Allocations fail until then.
 TEST(ScannerCalls, OfATextWithoutItsClosingQuoteAskForeverAndReadNothing) {
     const standin::Host host;
     std::string value;

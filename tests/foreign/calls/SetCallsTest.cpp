@@ -1,4 +1,4 @@
-// Which operations of a set the library calls. There are no others to call: it would not compile.
+// Tests which operations of Set the library calls. A call of any other operation would not compile.
 #include <gtest/gtest.h>
 
 #include "foreign/SetCalls.h"
@@ -16,7 +16,7 @@ using foreign::SetCalls;
 using foreign::setCalls;
 using toolbox::Set;
 
-// The calls that `operation` makes.
+// Returns the calls that `operation` makes.
 template <class Operation>
 SetCalls callsOf(Operation operation) {
     setCalls() = SetCalls();

@@ -9,10 +9,10 @@
 
 namespace vexa::foreign {
 
-/// Lists the calls of this thread's scanners from construction to destruction: "hasNextToken", "nextToken ]".
+/// Lists the calls of this thread's scanners while the object exists: "hasNextToken", "nextToken ]".
 ///
-/// The call after the \p most first ones throws TooManyCalls. Recording allocates nothing between construction and
-/// destruction. One at a time.
+/// After \p most calls, the next one throws TooManyCalls. Recording a call allocates no memory. Only one object may
+/// exist at a time.
 class FOREIGN_API ScannerCalls {
 public:
     explicit ScannerCalls(std::size_t most = 100);
@@ -20,10 +20,10 @@ public:
     ScannerCalls& operator=(const ScannerCalls&) = delete;
     ~ScannerCalls();
 
-    /// The calls so far.
+    /// Returns the calls so far.
     std::vector<std::string> all() const;
 
-    /// Called by scanners.
+    /// Records a call. Scanners call it.
     static void add(const char* operation, char argument = '\0');
 
 private:
@@ -31,11 +31,11 @@ private:
     std::vector<std::pair<const char*, char>> m_calls;
 };
 
-/// Thrown by a scanner's operation, to end an endless loop around it.
+/// A scanner's operation throws it to end an endless loop of its caller.
 struct FOREIGN_API TooManyCalls {};
 
-/// What Scanner::nextChar() returns at the end of a text, in this thread: '=' at first, which a getter would most
-/// gladly take for real.
+/// The character that Scanner::nextChar() returns at the end of a text, in this thread. At first it is '=', which a
+/// getter would take for a part of the text.
 FOREIGN_API void setCharacterAtEnd(char c);
 
 }  // namespace vexa::foreign

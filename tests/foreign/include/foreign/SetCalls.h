@@ -4,7 +4,7 @@
 
 namespace vexa::foreign {
 
-/// How often each operation of this thread's sets was called. There are no others.
+/// Counts the calls of each operation of this thread's sets. These sets have no other operations.
 struct SetCalls {
     int constructed = 0;
     int copied = 0;
@@ -15,7 +15,7 @@ struct SetCalls {
     int rendered = 0;
 };
 
-/// The calls so far. Assign SetCalls() to count anew.
+/// Returns the calls so far. Assign SetCalls() to start again.
 FOREIGN_API SetCalls& setCalls();
 
 }  // namespace vexa::foreign

@@ -9,7 +9,7 @@
 
 namespace vexa {
 
-/// An exception that is no std::exception, may be copied, for it is thrown, but not assigned.
+/// An exception that does not derive from std::exception. It can be copied, because it is thrown, but not assigned.
 class FOREIGN_API ExceptionBase {
 public:
     ExceptionBase(const std::string& message, bool flag);

@@ -8,8 +8,8 @@
 
 namespace vexa {
 
-/// A scanner that does what the library may rely on and nothing else. An operation that is called when its answer is
-/// not fixed throws std::logic_error, except nextChar(), which returns any character, see foreign/ScannerCalls.h.
+/// A scanner that does only what the library may rely on. A call whose result is not defined throws std::logic_error.
+/// Only nextChar() returns any character instead; see foreign/ScannerCalls.h.
 class FOREIGN_API Scanner {
 public:
     Scanner();

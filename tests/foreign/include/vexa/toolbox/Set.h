@@ -9,8 +9,8 @@ struct Set_s;
 
 namespace vexa::toolbox {
 
-/// A set of integers with the operations that the library may use and no others. It counts them, see
-/// foreign/SetCalls.h. A null handle makes it throw std::logic_error. Its text form is that of this project's own set,
+/// A set of integers that has only the operations that the library may use. It counts their calls; see
+/// foreign/SetCalls.h. It throws std::logic_error for a null handle. Its text form is that of this project's own Set,
 /// without stepped ranges.
 class FOREIGN_API Set {
 public:

@@ -8,7 +8,8 @@
 
 namespace vexa::ui {
 
-/// Passes on to its bar what it is told. The library may only construct it; the rest is for add-ons, here the tests.
+/// Passes its calls to the bar. The library may only construct it. The other operations are for add-ons, here the
+/// tests.
 class FOREIGN_API TaskProgress {
 public:
     TaskProgress(std::shared_ptr<ProgressBarInterface> bar, long count);
