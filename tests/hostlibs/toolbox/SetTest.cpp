@@ -611,7 +611,7 @@ TEST(Set, IsUnchangedWhenMovedToItself) {
 TEST(Set, IsEmptyAfterItsMembersMovedToANewSet) {
     Set source = setOf("[1-3,7]");
     const Set taken(std::move(source));
-    EXPECT_EQ(source, Set());  // NOLINT(bugprone-use-after-move,hicpp-invalid-access-moved): the state is defined
+    EXPECT_EQ(source, Set());
     EXPECT_EQ(taken.toString(), "[1-3,7]");
 }
 
@@ -619,14 +619,14 @@ TEST(Set, IsEmptyAfterItsMembersMovedToAnExistingSet) {
     Set source = setOf("[1-3,7]");
     Set target = setOf("[5]");
     target = std::move(source);
-    EXPECT_EQ(source, Set());  // NOLINT(bugprone-use-after-move,hicpp-invalid-access-moved): the state is defined
+    EXPECT_EQ(source, Set());
     EXPECT_EQ(target.toString(), "[1-3,7]");
 }
 
 TEST(Set, CanBeUsedAfterItsMembersMoved) {
     Set source = setOf("[1-3,7]");
     const Set taken(std::move(source));
-    source.insert(4);  // NOLINT(bugprone-use-after-move,hicpp-invalid-access-moved): the state is defined
+    source.insert(4);
     EXPECT_EQ(source.toString(), "[4]");
 }
 
