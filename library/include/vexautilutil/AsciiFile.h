@@ -38,7 +38,7 @@ namespace vexa::vexautilutil {
 ///            or until the object is destroyed.
 /// Threads:   const operations may run at the same time. Any other operation needs the object to itself.
 /// Cost:      open() reads the file once into one block of memory and scans that block once. The object holds the file
-///            and 8 bytes per line. No line is copied.
+///            and 8 bytes per line. open() copies no line.
 class VEXAUTILUTIL_API AsciiFile {
 public:
     /// Creates an object without a file: isOpen() is false, fileName() is empty, numLinesInFile() is 0.
@@ -47,7 +47,7 @@ public:
     AsciiFile& operator=(const AsciiFile&) = delete;
     ~AsciiFile();
 
-    /// Reads a file, and forgets the previous one.
+    /// Reads a file. On success it replaces the previous file.
     /// \param path a regular file. It becomes fileName(), even if open() fails.
     /// \return false if open() cannot open the file, get its size, allocate memory for it, or read all of it. `errno`
     ///         has the reason. open() never throws. After a failure the object holds:

@@ -36,7 +36,7 @@ public:
     /// \throws MacroCommandError with \p current on the offending token. The message is one of parseIdentifier() or
     ///         parseAssignmentOperator(), or
     ///         - "Expected set operator missing" at the end of the stream;
-    ///         - "Expected opening set character, [" at any other token than `[`;
+    ///         - "Expected opening set character, [" if the token is not `[`;
     ///         - "Expected closing set character, ]" at the end of the stream;
     ///         - the message of vexa::toolbox::Set::assign() if the set refuses the text. \p current is then past the
     ///           `]`.

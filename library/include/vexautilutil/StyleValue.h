@@ -26,8 +26,8 @@ enum ResultType_e {
 ///     getValueAsString(path, 1, 0, type, code, text);
 ///     if (code == GetValueReturnCode_Ok) show(text);    // for example "0.4"
 ///
-/// The function first queries a floating-point number. If the host answers that the value has another type, the
-/// function queries again. The last keyword of the path, in any letter case, then decides the type:
+/// The function first asks the host for a floating-point number. If the host answers that the value has another type,
+/// the function asks again. The last keyword of the path, in any letter case, then decides the type:
 ///
 ///     UseClipPlanes, ActiveFieldMaps                                           -> a set, "[1-3,5]"
 ///     ExportFName, Name, RedChannelLabel, GreenChannelLabel, BlueChannelLabel,

@@ -17,10 +17,10 @@ namespace vexa::vexautilutil {
 ///         progress->advance();
 ///     }
 ///
-/// In batch mode the object calls no host function, and isInterrupted() returns false. This function checks for batch
-/// mode once. Otherwise each isInterrupted() calls the host with the last percentage shown, and finish() shows 100
-/// percent before it removes the status line. If start() or setStatusMessage() runs out of memory, it returns without
-/// an error.
+/// This function checks once whether the host is in batch mode. In batch mode the object calls no host function, and
+/// isInterrupted() returns false. In any other mode each isInterrupted() calls the host with the last percentage shown,
+/// and finish() shows 100 percent before it removes the status line. If start() or setStatusMessage() runs out of
+/// memory, it returns without an error.
 ///
 /// \warning Create one object per task. finish() and start() keep the last percentage shown, so a second task with the
 ///          same object does not show this percentage again.
