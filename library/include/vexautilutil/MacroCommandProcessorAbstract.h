@@ -61,7 +61,7 @@ public:
     virtual bool parseCommandString(const char* commandString, char** errMsg);
 
     /// Records a command in the host's macro: calls composeCommandString() and passes the command to the host. While
-    /// the host does not record, or plays back a journal or a layout, it does nothing and returns true.
+    /// the host does not record, or plays back a journal or a layout, the function does nothing and returns true.
     /// \param addOnId the add-on's name, passed to the host unchanged.
     /// \return false if composeCommandString() or the host refused, true otherwise.
     virtual bool recordMacroCommand(const char* addOnId) const;

@@ -115,8 +115,8 @@ public:
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
     /// Unloads the add-ons, makes the previous host the process's host, and waits until other threads have returned
-    /// from their calls of this host. If a function passed to onDialog() or onStatus() does not return, it waits
-    /// forever. A thread that waits for the lock or for a mutex of this host returns without it.
+    /// from their calls of this host. If a function passed to onDialog() or onStatus() does not return, the destructor
+    /// waits forever. A thread that waits for the lock or for a mutex of this host returns without it.
     ~Host();
 
     /// Returns the process's host; null if no Host exists.
