@@ -1,9 +1,9 @@
 #include "formats/ProjectFile.h"
 
-#include <CLI/CLI.hpp>
+#include <toml++/toml.h>
+
 #include <filesystem>
-#include <set>
-#include <sstream>
+#include <string_view>
 #include <system_error>
 
 #include "options/RuleNames.h"
@@ -18,101 +18,71 @@ namespace fs = std::filesystem;
 
 constexpr const char* kFileName = "vexa-standin.toml";
 
-using Values = std::vector<std::string>;
-
-[[noreturn]] void refuse(const std::string& reason) { throw ProjectFileError(reason); }
-
-const std::string& onlyOne(const Values& values, const char* expected) {
-    if (values.size() != 1) refuse(expected);
-    return values.front();
+[[noreturn]] void refuse(const toml::source_region& place, const std::string& reason) {
+    throw ProjectFileError(*place.path + ':' + std::to_string(place.begin.line) + ": " + reason);
 }
 
-bool truthOf(const Values& values) {
-    constexpr const char* kExpected = "expected true or false";
-    const std::string& value = onlyOne(values, kExpected);
-    if (value != "true" && value != "false") refuse(kExpected);
-    return value == "true";
+struct Setting {
+    std::string name;
+    const toml::node& value;
+
+    [[noreturn]] void refuse(const toml::node& part, const std::string& reason) const {
+        runner::refuse(part.source(), name + ": " + reason);
+    }
+};
+
+bool truthOf(const Setting& setting) {
+    const auto truth = setting.value.value_exact<bool>();
+    if (!truth) setting.refuse(setting.value, "expected true or false");
+    return *truth;
 }
 
-std::chrono::duration<double> timeoutOf(const Values& values) {
-    const auto seconds = secondsOf(onlyOne(values, kExpectedSeconds));
-    if (!seconds) refuse(kExpectedSeconds);
+std::chrono::duration<double> timeoutOf(const Setting& setting) {
+    const auto seconds = secondsOf(setting.value.is_number() ? setting.value.value_or(0.0) : 0.0);
+    if (!seconds) setting.refuse(setting.value, kExpectedSeconds);
     return *seconds;
 }
 
-std::vector<std::string> rulesOf(const Values& values) {
+std::string ruleOf(const Setting& setting, const toml::node& value) {
+    const auto name = value.value_exact<std::string>();
+    if (!name) setting.refuse(value, "expected the name of a rule, or an array of them");
+    if (standin::findRule(*name) == nullptr) setting.refuse(value, noSuchRule(*name));
+    return *name;
+}
+
+std::vector<std::string> rulesOf(const Setting& setting) {
+    const toml::array* const values = setting.value.as_array();
+    if (values == nullptr) return {ruleOf(setting, setting.value)};
     std::vector<std::string> rules;
-    for (const std::string& name : values) {
-        if (name.empty()) continue;  // behind a comma at the end
-        if (standin::findRule(name) == nullptr) refuse(noSuchRule(name));
-        rules.push_back(name);
-    }
+    for (const toml::node& value : *values) rules.push_back(ruleOf(setting, value));
     return rules;
 }
 
 struct Key {
-    const char* name;
-    void (*take)(ContractOptions& options, const Values& values);
+    std::string_view name;
+    void (*take)(ContractOptions& options, const Setting& setting);
 };
 
-const Key kKeys[] = {
-    {"strict", [](ContractOptions& options, const Values& values) { options.strict = truthOf(values); }},
+constexpr Key kKeys[] = {
+    {"strict", [](ContractOptions& options, const Setting& setting) { options.strict = truthOf(setting); }},
     {"warnings-as-errors",
-     [](ContractOptions& options, const Values& values) { options.warningsAsErrors = truthOf(values); }},
-    {"suppress", [](ContractOptions& options, const Values& values) { options.suppressed = rulesOf(values); }},
-    {"timeout", [](ContractOptions& options, const Values& values) { options.timeout = timeoutOf(values); }},
+     [](ContractOptions& options, const Setting& setting) { options.warningsAsErrors = truthOf(setting); }},
+    {"suppress", [](ContractOptions& options, const Setting& setting) { options.suppressed = rulesOf(setting); }},
+    {"timeout", [](ContractOptions& options, const Setting& setting) { options.timeout = timeoutOf(setting); }},
 };
 
-const Key& keyOf(const std::string& name) {
+const Key& keyOf(const toml::key& given) {
     std::string names;
     for (const Key& key : kKeys) {
-        if (name == key.name) return key;
-        names += (names.empty() ? "" : ", ") + std::string(key.name);
+        if (given == key.name) return key;
+        names.append(names.empty() ? "" : ", ").append(key.name);
     }
-    refuse("unknown key " + name + "; the keys are " + names);
+    refuse(given.source(), "unknown key " + std::string(given.str()) + "; the keys are " + names);
 }
 
-// A section is refused like a key that has the form of its header.
-std::string nameOf(const CLI::ConfigItem& item) {
-    return item.name == "++" ? '[' + item.parents.back() + ']' : item.fullname();
-}
-
-// The reader below wants an array begun and ended on one line, and takes what stands behind a # there for a part of it.
-std::string withArraysOnOneLine(const std::string& text) {
-    std::string lines;
-    bool isQuoted = false;
-    bool isComment = false;
-    int depth = 0;
-    for (const char c : text) {
-        if (c == '\n') isQuoted = isComment = false;
-        if (c == '"' && !isComment) isQuoted = !isQuoted;
-        if (c == '#' && !isQuoted) isComment = true;
-        if (isComment) continue;
-        if (c == '[' && !isQuoted) ++depth;
-        if (c == ']' && !isQuoted) --depth;
-        lines += c == '\n' && depth > 0 ? ' ' : c;
-    }
-    return lines;
-}
-
-std::vector<CLI::ConfigItem> itemsOf(const std::string& text) {
-    std::istringstream in(withArraysOnOneLine(text));
-    return CLI::ConfigTOML().from_config(in);
-}
-
-ContractOptions optionsOf(const std::vector<CLI::ConfigItem>& items) {
+ContractOptions optionsOf(const toml::table& file) {
     ContractOptions options;
-    std::set<std::string> given;
-    for (const CLI::ConfigItem& item : items) {
-        const std::string name = nameOf(item);
-        const Key& key = keyOf(name);
-        if (!given.insert(name).second) refuse(name + ": given twice");
-        try {
-            key.take(options, item.inputs);
-        } catch (const ProjectFileError& error) {
-            refuse(name + ": " + error.what());
-        }
-    }
+    for (const auto& [key, value] : file) keyOf(key).take(options, {std::string(key.str()), value});
     return options;
 }
 
@@ -130,11 +100,11 @@ std::string findProjectFile() {
 
 ContractOptions readProjectFile(const std::string& path) {
     try {
-        return optionsOf(itemsOf(readInput(path)));
+        return optionsOf(toml::parse(readInput(path), path));
     } catch (const std::system_error& error) {
         throw ProjectFileError(path + ": " + error.code().message());
-    } catch (const ProjectFileError& error) {
-        throw ProjectFileError(path + ": " + error.what());
+    } catch (const toml::parse_error& error) {
+        refuse(error.source(), std::string(error.description()));
     }
 }
 

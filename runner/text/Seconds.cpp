@@ -17,7 +17,11 @@ std::optional<std::chrono::duration<double>> secondsOf(const std::string& text) 
     in.imbue(std::locale::classic());
     double seconds = 0;
     const bool isNumber = in >> std::noskipws >> seconds && in.peek() == std::istringstream::traits_type::eof();
-    if (!isNumber || seconds <= 0 || seconds > kMost) return std::nullopt;
+    return isNumber ? secondsOf(seconds) : std::nullopt;
+}
+
+std::optional<std::chrono::duration<double>> secondsOf(double seconds) {
+    if (!(seconds > 0 && seconds <= kMost)) return std::nullopt;  // nor when it is no number
     return std::chrono::duration<double>(seconds);
 }
 

@@ -9,8 +9,10 @@ namespace vexa::runner {
 /// What secondsOf() takes, for a refusal.
 inline constexpr char kExpectedSeconds[] = "expected seconds, more than 0 and at most 1000000";
 
-/// A time limit as users write it, in seconds: `2`, `0.5`. Nothing when it is none, or is out of bounds.
+/// Reads a time limit as users write it, in seconds: `2`, `0.5`.
+/// \return nothing if \p text is no number or the number is out of bounds.
 std::optional<std::chrono::duration<double>> secondsOf(const std::string& text);
+std::optional<std::chrono::duration<double>> secondsOf(double seconds);
 
 /// A time for people: `2 seconds`, `0.5 seconds`, `1 second`.
 std::string secondsText(std::chrono::duration<double> time);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "RunnerTest.h"
 
 namespace vexa::e2e {
@@ -43,6 +45,11 @@ TEST_F(ProjectFile, SaysWhatTheOptionsSay) {
          "  \"percent-backwards\",\n]\n",
          0},
         {"a time that suffices", "timeout = 60\n", 0},
+        {"a time with a fraction", "timeout = 59.5\n", 0},
+        {"a literal string of several lines", "strict = true\nsuppress = '''\nunbalanced-lock'''\n", 0},
+        {"a # in a comment with a quote", "strict = true # \"all\nsuppress = [ # \"]\n  'unbalanced-lock' ]\n", 0},
+        {"CRLF", "strict = true\r\nsuppress = [\r\n  \"unbalanced-lock\",\r\n]\r\n", 0},
+        {"byte-order mark", "\xEF\xBB\xBFstrict = true\n", 3},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -87,31 +94,63 @@ TEST_F(ProjectFile, AddsItsSuppressionsToThoseOfTheCommandLine) {
               0);
 }
 
-TEST_F(ProjectFile, IsRefusedWhenItIsWrong) {
+TEST_F(ProjectFile, IsRefusedAtTheLineThatIsWrong) {
     const char* const kKeys = "; the keys are strict, warnings-as-errors, suppress, timeout";
+    const char* const kNoRule = "suppress: expected the name of a rule, or an array of them";
+    const char* const kNoTime = "timeout: expected seconds, more than 0 and at most 1000000";
     struct Case {
         std::string text;
+        int line;
         std::string reason;
     };
     const Case cases[] = {
-        {"stricter = true\n", std::string("unknown key stricter") + kKeys},
-        {"[run]\nstrict = true\n", std::string("unknown key [run]") + kKeys},
-        {"run.strict = true\n", std::string("unknown key run.strict") + kKeys},
-        {"suppress = [\"leaked-set\", \"leaked-sets\"]\n",
+        {"\nstricter = true\n", 2, std::string("unknown key stricter") + kKeys},
+        {"# run\n[run]\nstrict = true\n", 2, std::string("unknown key run") + kKeys},
+        {"run.strict = true\n", 1, std::string("unknown key run") + kKeys},
+        {"suppress = [\r\n  \"leaked-set\",\r\n  \"leaked-sets\"\r\n]\r\n", 3,
          "suppress: there is no rule \"leaked-sets\"; is leaked-set meant?"},
-        {"suppress = true\n", "suppress: there is no rule \"true\"; 'vexa-standin explain' lists them"},
-        {"strict = 5\n", "strict: expected true or false"},
-        {"strict = [true, false]\n", "strict: expected true or false"},
-        {"warnings-as-errors = \"yes\"\n", "warnings-as-errors: expected true or false"},
-        {"timeout = \"soon\"\n", "timeout: expected seconds, more than 0 and at most 1000000"},
-        {"timeout = 0\n", "timeout: expected seconds, more than 0 and at most 1000000"},
-        {"strict = true\ntimeout = 5\nstrict = true\n", "strict: given twice"},
+        {"suppress = '''all'''\n", 1, "suppress: there is no rule \"all\"; 'vexa-standin explain' lists them"},
+        {"suppress = true\n", 1, kNoRule},
+        {"suppress = [\n  \"leaked-set\",\n  5,\n]\n", 3, kNoRule},
+        {"strict = 5\n", 1, "strict: expected true or false"},
+        {"strict = [true, false]\n", 1, "strict: expected true or false"},
+        {"\n\nwarnings-as-errors = \"true\"\n", 3, "warnings-as-errors: expected true or false"},
+        {"timeout = \"60\"\n", 1, kNoTime},
+        {"timeout = 0\n", 1, kNoTime},
+        {"timeout = nan\n", 1, kNoTime},
+        {"timeout = true\n", 1, kNoTime},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
         const ProgramResult result = run(c.text);
         EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, place() + ": " + c.reason + '\n');
+        EXPECT_EQ(result.err, place() + ':' + std::to_string(c.line) + ": " + c.reason + '\n');
+    }
+}
+
+TEST_F(ProjectFile, IsRefusedAtTheLineThatIsNoToml) {
+    struct Case {
+        const char* why;
+        const char* text;
+        int line;
+    };
+    const Case cases[] = {
+        {"an array without its end", "strict = true\nsuppress = [\"unbalanced-lock\",\n", 2},
+        {"a key after an array without its end", "suppress = [\"unbalanced-lock\",\nstrict = true\n", 2},
+        {"a string without its end", "\nsuppress = \"unbalanced-lock\n", 2},
+        {"a literal string without its end", "suppress = '''unbalanced-lock\n", 1},
+        {"a key that is given twice", "strict = true\ntimeout = 5\nstrict = true\n", 3},
+        {"a key without a value", "strict\n", 1},
+        {"a word for a value", "strict = yes\n", 1},
+        {"two keys on a line", "strict = true timeout = 5\n", 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const ProgramResult result = run(c.text);
+        const std::string start = place() + ':' + std::to_string(c.line) + ": ";
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err.substr(0, start.size()), start) << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
     }
 }
 
