@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <dtl/dtl.hpp>
 #include <string_view>
 #include <vector>
 
@@ -12,7 +12,6 @@ namespace {
 using Lines = std::vector<std::string_view>;
 
 constexpr std::size_t kContext = 3;
-constexpr std::size_t kMostCompared = 4'000'000;  // pairs of lines: beyond, all in between counts as changed
 
 struct Step {
     char mark;  // ' ' in both, '-' only before, '+' only now
@@ -29,45 +28,27 @@ Lines linesOf(std::string_view text) {
     return lines;
 }
 
-// The steps from the lines `before` to those of `now`, by their longest common subsequence.
-std::vector<Step> stepsBetween(const Lines& before, const Lines& now) {
-    std::vector<Step> steps;
-    const std::size_t rows = before.size();
-    const std::size_t columns = now.size();
-    const bool isCompared = rows == 0 || columns <= kMostCompared / rows;
-    // common[i][j]: how much the lines from i and from j on have in common
-    std::vector<std::vector<std::uint32_t>> common;
-    if (isCompared) common.assign(rows + 1, std::vector<std::uint32_t>(columns + 1));
-    for (std::size_t i = rows; isCompared && i-- > 0;) {
-        for (std::size_t j = columns; j-- > 0;) {
-            common[i][j] =
-                before[i] == now[j] ? common[i + 1][j + 1] + 1 : std::max(common[i + 1][j], common[i][j + 1]);
-        }
+char markOf(dtl::edit_t edit) { return edit == dtl::SES_COMMON ? ' ' : edit == dtl::SES_DELETE ? '-' : '+'; }
+
+// dtl may add lines before it deletes the ones that they replace.
+void putDeletionsFirst(std::vector<Step>& steps) {
+    const auto isCommon = [](const Step& step) { return step.mark == ' '; };
+    const auto isDeletion = [](const Step& step) { return step.mark == '-'; };
+    for (auto first = steps.begin(); first != steps.end();) {
+        first = std::find_if_not(first, steps.end(), isCommon);
+        const auto last = std::find_if(first, steps.end(), isCommon);
+        std::stable_partition(first, last, isDeletion);
+        first = last;
     }
-    std::size_t i = 0;
-    std::size_t j = 0;
-    while (i != rows || j != columns) {
-        const bool isBoth = isCompared && i != rows && j != columns && before[i] == now[j];
-        const bool isGone =
-            !isBoth && i != rows && (j == columns || !isCompared || common[i + 1][j] >= common[i][j + 1]);
-        steps.push_back(isBoth ? Step{' ', before[i]} : isGone ? Step{'-', before[i]} : Step{'+', now[j]});
-        if (isBoth || isGone) ++i;
-        if (!isGone) ++j;
-    }
-    return steps;
 }
 
-// The equal lines at both ends need no comparison.
-std::vector<Step> allSteps(Lines before, Lines now) {
-    const auto begin = std::mismatch(before.begin(), before.end(), now.begin(), now.end());
+// dtl limits its own memory: the difference of large texts that have little in common may not be the shortest one.
+std::vector<Step> stepsBetween(const Lines& before, const Lines& now) {
+    dtl::Diff<std::string_view, Lines> difference(before, now);
+    difference.compose();
     std::vector<Step> steps;
-    for (auto line = before.begin(); line != begin.first; ++line) steps.push_back({' ', *line});
-    const Lines rest(begin.first, before.end());
-    const Lines restNow(begin.second, now.end());
-    const auto end = std::mismatch(rest.rbegin(), rest.rend(), restNow.rbegin(), restNow.rend());
-    const auto middle = stepsBetween({rest.begin(), end.first.base()}, {restNow.begin(), end.second.base()});
-    steps.insert(steps.end(), middle.begin(), middle.end());
-    for (auto line = end.first.base(); line != rest.end(); ++line) steps.push_back({' ', *line});
+    for (const auto& [line, edit] : difference.getSes().getSequence()) steps.push_back({markOf(edit.type), line});
+    putDeletionsFirst(steps);
     return steps;
 }
 
@@ -80,7 +61,7 @@ std::string shown(const Step& step) {
 }  // namespace
 
 std::string lineDifference(const std::string& before, const std::string& now) {
-    const std::vector<Step> steps = allSteps(linesOf(before), linesOf(now));
+    const std::vector<Step> steps = stepsBetween(linesOf(before), linesOf(now));
     std::vector<bool> isShown(steps.size());
     for (std::size_t i = 0; i != steps.size(); ++i) {
         if (steps[i].mark == ' ') continue;
