@@ -18,7 +18,6 @@
 #include "system/files/MemoryFile.h"
 #include "system/files/WholeFile.h"
 #include "text/StartsWith.h"
-#include "vexastandin/Host.h"
 #include "vexautilutil/AsciiFile.h"
 #include "vexautilutil/FileSystem.h"
 
@@ -131,17 +130,8 @@ private:
         return std::string(static_cast<std::size_t>(count - 1), '\r') + '\n';
     }
 
-    // The reader reports in the dialog of the process's host, which is one of our own here: the host that runs the
-    // add-ons sees what they do, and no more. The reader puts the place behind the message, and names a copy by where
-    // it lies; here the place stands before it, where editors find it.
     void refuse(std::size_t lineNumber, const std::string& why) {
-        const std::string readersPlace = " on line " + std::to_string(lineNumber) + " in file: " + m_file.fileName();
-        standin::Host host;
-        host.onDialog([&](const std::string& text) {
-            const std::string message = text.substr(0, text.rfind(readersPlace));
-            m_macro.problems.push_back(m_macro.place(lineNumber) + ": " + message);
-        });
-        m_file.error(why, lineNumber);
+        m_macro.problems.push_back(m_macro.place(lineNumber) + ": " + why);
     }
 
     MacroFile& m_macro;
