@@ -13,7 +13,7 @@
 #include <system_error>
 #include <utility>
 
-#include "session/AddOns.h"
+#include "options/Refusals.h"
 #include "system/LastError.h"
 #include "system/files/MemoryFile.h"
 #include "system/files/WholeFile.h"

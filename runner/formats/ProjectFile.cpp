@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "options/RuleNames.h"
+#include "options/Refusals.h"
 #include "system/files/WholeFile.h"
 #include "text/Seconds.h"
 #include "vexastandin/Finding.h"

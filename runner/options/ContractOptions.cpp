@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "formats/ProjectFile.h"
-#include "options/RuleNames.h"
+#include "options/Refusals.h"
 #include "terminal/Console.h"
 #include "text/Seconds.h"
 #include "vexastandin/Finding.h"

@@ -1,8 +1,6 @@
 #include "session/AddOns.h"
 
 #include "terminal/Console.h"
-#include "text/NearNames.h"
-#include "text/ShortText.h"
 
 namespace vexa::runner {
 
@@ -23,16 +21,6 @@ bool loadAddOns(standin::Host& host, const std::vector<std::string>& files, Proc
         allLoaded &= loadAddOn(host, file);
     }
     return allLoaded;
-}
-
-std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded) {
-    const std::string name = shortText(id);
-    const std::vector<std::string> ids(loaded.begin(), loaded.end());
-    std::string message = "no add-on '" + name + "' is loaded";
-    for (const std::string& one : ids) message += (&one == &ids.front() ? " (loaded: " : ", ") + one;
-    if (!ids.empty()) message += ')';
-    const std::vector<std::string> near = nearNames(name, ids);
-    return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
 }
 
 std::set<std::string> loadedIds(const standin::Host& host) {

@@ -18,9 +18,6 @@ bool loadAddOn(standin::Host& host, const std::string& file);
 /// \return whether all of them were loaded.
 bool loadAddOns(standin::Host& host, const std::vector<std::string>& files, ProcessBox& box);
 
-/// What to say when no add-on \p id is among the loaded ones: which are, and which of them may be meant.
-std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded);
-
 /// The ids of the add-ons that \p host has loaded.
 std::set<std::string> loadedIds(const standin::Host& host);
 

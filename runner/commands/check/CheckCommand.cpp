@@ -7,6 +7,7 @@
 
 #include "commands/check/CheckRun.h"
 #include "commands/check/tests/CheckTests.h"
+#include "options/Refusals.h"
 #include "terminal/Console.h"
 #include "terminal/WrappedText.h"
 
@@ -32,9 +33,7 @@ Exit status:
   1    a test failed, crashed or timed out
   2    wrong usage or input; a file could not be read or written)";
 
-std::string whyNoTest(const std::string& name) {
-    return findCheckTest(name) != nullptr ? "" : "there is no test \"" + name + "\"; 'check --list' names them";
-}
+std::string whyNoTest(const std::string& name) { return findCheckTest(name) != nullptr ? "" : noSuchTest(name); }
 
 ExitStatus_e listTests() {
     for (const CheckTest& test : checkTests()) {

@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "commands/explain/ContractPage.h"
-#include "options/RuleNames.h"
+#include "options/Refusals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 #include "terminal/WrappedText.h"

@@ -15,6 +15,7 @@
 #include "formats/MacroFile.h"
 #include "formats/MacroText.h"
 #include "formats/StyleFile.h"
+#include "options/Refusals.h"
 #include "session/AddOns.h"
 #include "session/FailureText.h"
 #include "session/FindingTeller.h"

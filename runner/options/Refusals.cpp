@@ -1,0 +1,33 @@
+#include "options/Refusals.h"
+
+#include <vector>
+
+#include "text/NearNames.h"
+#include "text/ShortText.h"
+#include "vexastandin/Finding.h"
+
+namespace vexa::runner {
+
+std::string noSuchRule(const std::string& name) {
+    std::vector<std::string> rules;
+    for (const standin::Rule& rule : standin::rules()) rules.emplace_back(rule.name);
+    const std::vector<std::string> near = nearNames(name, rules);
+    const std::string message = "there is no rule \"" + name + "\"; ";
+    return message + (near.empty() ? "'vexa-standin explain' lists them" : "is " + alternatives(near) + " meant?");
+}
+
+std::string noSuchTest(const std::string& name) {
+    return "there is no test \"" + name + "\"; 'check --list' names them";
+}
+
+std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded) {
+    const std::string name = shortText(id);
+    const std::vector<std::string> ids(loaded.begin(), loaded.end());
+    std::string message = "no add-on '" + name + "' is loaded";
+    for (const std::string& one : ids) message += (&one == &ids.front() ? " (loaded: " : ", ") + one;
+    if (!ids.empty()) message += ')';
+    const std::vector<std::string> near = nearNames(name, ids);
+    return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
+}
+
+}  // namespace vexa::runner
