@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "options/Refusals.h"
+#include "options/UsageError.h"
 #include "system/files/WholeFile.h"
 #include "text/Seconds.h"
 #include "vexastandin/Finding.h"
@@ -19,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr const char* kFileName = "vexa-standin.toml";
 
 [[noreturn]] void refuse(const toml::source_region& place, const std::string& reason) {
-    throw ProjectFileError(*place.path + ':' + std::to_string(place.begin.line) + ": " + reason);
+    throw UsageError(*place.path + ':' + std::to_string(place.begin.line) + ": " + reason);
 }
 
 struct Setting {
@@ -102,7 +103,7 @@ ContractOptions readProjectFile(const std::string& path) {
     try {
         return optionsOf(toml::parse(readInput(path), path));
     } catch (const std::system_error& error) {
-        throw ProjectFileError(path + ": " + error.code().message());
+        throw UsageError(path + ": " + error.code().message());
     } catch (const toml::parse_error& error) {
         refuse(error.source(), std::string(error.description()));
     }

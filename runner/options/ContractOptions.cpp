@@ -5,6 +5,7 @@
 
 #include "formats/ProjectFile.h"
 #include "options/Refusals.h"
+#include "options/UsageError.h"
 #include "terminal/Console.h"
 #include "text/Seconds.h"
 #include "vexastandin/Finding.h"
@@ -58,7 +59,7 @@ bool addProjectFile(ContractOptions& options) {
         if (!options.warningsAsErrors) options.warningsAsErrors = project.warningsAsErrors;
         if (!options.timeout) options.timeout = project.timeout;
         options.suppressed.insert(options.suppressed.end(), project.suppressed.begin(), project.suppressed.end());
-    } catch (const ProjectFileError& error) {
+    } catch (const UsageError& error) {
         tell(error.what());
         return false;
     }
