@@ -24,8 +24,6 @@ public:
 
     /// The file, as it was named.
     const std::string& path() const { return m_path; }
-    /// The file itself, symbolic links followed: equal for two ways to name one file.
-    const std::string& target() const { return m_target; }
     /// Makes \p text the content of the file. No signal interrupts it.
     void replace(std::string_view text) const;
 
