@@ -1,6 +1,7 @@
 #include "commands/report/PageData.h"
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <unordered_map>
 
 #include "commands/report/CallArguments.h"
@@ -29,6 +30,12 @@ private:
     std::unordered_map<std::string, std::size_t> m_numbers;
     Json m_texts = Json::array();
 };
+
+Json optionsOf(const TracedRun& run) {
+    Json options = Json::object();
+    for (const TracedOption& option : run.options) options[option.name] = option.values;
+    return options;
+}
 
 Json tracksOf(const TracedRun& run) {
     Json tracks = Json::array();
@@ -82,7 +89,7 @@ Json entriesOf(const TracedRun& run) {
 Json findingsOf(const TracedRun& run) {
     Json findings = Json::array();
     for (const TracedFinding& finding : run.findings) {
-        Json facts = finding.facts;
+        Json facts = Json::parse(finding.facts);
         facts["track"] = finding.track;
         facts["time"] = finding.time;
         findings.push_back(std::move(facts));
@@ -171,7 +178,7 @@ Json outcomeOf(const TracedRun& run) {
 nlohmann::ordered_json pageData(const TracedRun& run) {
     return {{"tool", run.tool},
             {"macroFile", run.macroFile},
-            {"options", run.options},
+            {"options", optionsOf(run)},
             {"outcome", outcomeOf(run)},
             {"end", run.end},
             {"tracks", tracksOf(run)},

@@ -1,5 +1,6 @@
 #include "commands/report/ReportPage.h"
 
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "commands/report/PageData.h"

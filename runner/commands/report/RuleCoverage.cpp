@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "text/StartsWith.h"
 #include "vexastandin/HostFunctions.h"
 
 namespace vexa::runner {
@@ -79,13 +80,9 @@ const Trigger* findTrigger(const std::string& rule) {
     return found == triggers().end() ? nullptr : &*found;
 }
 
-bool beginsWith(std::string_view text, std::string_view beginning) {
-    return text.substr(0, beginning.size()) == beginning;
-}
-
 bool isAbout(const Trigger& trigger, std::string_view function) {
     return std::any_of(trigger.functions.begin(), trigger.functions.end(),
-                       [=](std::string_view beginning) { return beginsWith(function, beginning); });
+                       [=](std::string_view beginning) { return startsWith(function, beginning); });
 }
 
 bool hasCall(const TracedRun& run, const Trigger& trigger) {
@@ -125,9 +122,8 @@ bool isSuppressed(const TracedRun& run, const std::string& rule) {
 }
 
 std::size_t findingsOf(const TracedRun& run, const std::string& rule) {
-    return static_cast<std::size_t>(
-        std::count_if(run.findings.begin(), run.findings.end(),
-                      [&](const TracedFinding& finding) { return finding.facts.at("rule") == rule; }));
+    return static_cast<std::size_t>(std::count_if(run.findings.begin(), run.findings.end(),
+                                                  [&](const TracedFinding& finding) { return finding.rule == rule; }));
 }
 
 Coverage_e coverageOf(const TracedRun& run, const Trigger& trigger, std::size_t findings) {

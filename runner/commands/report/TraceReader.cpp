@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -54,10 +55,12 @@ Integer integerIn(const Json& part) {
     return static_cast<Integer>(value);
 }
 
-void checkOptions(const Json& options) {
-    for (const auto& [name, values] : options.get_ref<const Json::object_t&>()) {
-        (void)values.get<std::vector<std::string>>();
+std::vector<TracedOption> optionsIn(const Json& part) {
+    std::vector<TracedOption> options;
+    for (const auto& [name, values] : part.get_ref<const Json::object_t&>()) {
+        options.push_back({name, values.get<std::vector<std::string>>()});
     }
+    return options;
 }
 
 void checkPlace(const Json& place) {
@@ -74,7 +77,7 @@ void checkFinding(const Json& facts) {
 }
 
 // Builds the run from its events, which are given one after the other.
-class RunBuilder {  // NOLINT(bugprone-exception-escape): moving JSON throws nothing
+class RunBuilder {
 public:
     // What is missing in the event, or is of another kind than it should be, is told by an exception of the JSON
     // library; what does not fit what was before by a std::invalid_argument.
@@ -100,8 +103,7 @@ private:
         const Json& facts = event.at("args");
         m_run.tool = facts.at("tool");
         m_run.macroFile = facts.at("macroFile");
-        checkOptions(facts.at("options"));
-        m_run.options = facts.at("options");
+        m_run.options = optionsIn(facts.at("options"));
         m_run.isStrict = facts.at("isStrict");
         m_run.hasTimeLimit = facts.at("hasTimeLimit");
         m_run.suppressed = facts.at("suppressed").get<std::vector<std::string>>();
@@ -167,7 +169,7 @@ private:
         const Json& facts = event.at("args");
         if (event.at("cat") == "finding") {
             checkFinding(facts);
-            m_run.findings.push_back({trackOf(event), time, facts});
+            m_run.findings.push_back({trackOf(event), time, facts.at("rule"), facts.dump()});
         } else {
             m_run.outcome = {integerIn<int>(facts.at("exitStatus")), facts.at("outcome")};
         }

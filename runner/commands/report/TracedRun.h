@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,7 +51,14 @@ struct TracedEntry {
 struct TracedFinding {
     std::size_t track = 0;
     std::int64_t time = 0;
-    nlohmann::ordered_json facts;  ///< the fields of a Finding, and the hint
+    std::string rule;
+    std::string facts;  ///< the fields of a Finding, and the hint, as a JSON object
+};
+
+/// An option that the run was given, with its values.
+struct TracedOption {
+    std::string name;
+    std::vector<std::string> values;
 };
 
 /// A percentage of the status line.
@@ -68,10 +74,10 @@ struct TracedOutcome {
 };
 
 /// A run as its trace tells it.
-struct TracedRun {  // NOLINT(bugprone-exception-escape): moving JSON throws nothing
+struct TracedRun {
     std::string tool;
     std::string macroFile;
-    nlohmann::ordered_json options;  ///< an array of values for each option that was given
+    std::vector<TracedOption> options;
     bool isStrict = false;
     bool hasTimeLimit = false;
     std::vector<std::string> suppressed;   ///< rules

@@ -51,7 +51,7 @@ TEST(RuleCoverage, IsTouchedByACallOfAFunction) {
 
 TEST(RuleCoverage, IsBrokenByAFinding) {
     TracedRun run;
-    run.findings = {{0, 0, {{"rule", "leaked-set"}}}, {0, 0, {{"rule", "leaked-set"}}}};
+    run.findings = {{0, 0, "leaked-set", "{}"}, {0, 0, "leaked-set", "{}"}};
     EXPECT_EQ(coverageOf(run, "leaked-set").coverage, Coverage_e::Broken);
     EXPECT_EQ(coverageOf(run, "leaked-set").findings, 2U);
 }

@@ -46,7 +46,9 @@ TEST_F(TraceReaderTest, ReadsTheFactsAndTheOutcome) {
     const TracedRun run = readBack();
     EXPECT_EQ(run.tool, "tool 1.2");
     EXPECT_EQ(run.macroFile, "m.macro");
-    EXPECT_EQ(run.options.at("--record").at(0), "r.macro");
+    ASSERT_EQ(run.options.size(), 1U);
+    EXPECT_EQ(run.options[0].name, "--record");
+    EXPECT_EQ(run.options[0].values, std::vector<std::string>{"r.macro"});
     EXPECT_TRUE(run.isStrict);
     EXPECT_FALSE(run.hasTimeLimit);
     EXPECT_EQ(run.suppressed, std::vector<std::string>{"leaked-set"});
@@ -91,7 +93,7 @@ TEST_F(TraceReaderTest, ReadsCallsWithinEntriesAndScopesBesideThem) {
 TEST_F(TraceReaderTest, ReadsFindingsAndPercentages) {
     const TracedRun run = readBack();
     ASSERT_EQ(run.findings.size(), 1U);
-    EXPECT_EQ(run.findings[0].facts.at("rule"), "unbalanced-status");
+    EXPECT_EQ(run.findings[0].rule, "unbalanced-status");
     EXPECT_EQ(run.percents.size(), 2U);
 }
 
