@@ -1,10 +1,10 @@
 #include "formats/JunitText.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+#include <chrono>
 
 #include "text/Printable.h"
+#include "text/Seconds.h"
 
 namespace vexa::runner {
 namespace {
@@ -33,10 +33,8 @@ std::string element(const char* name, const std::string& attributes, const std::
     return std::string("      <") + name + attributes + '>' + escaped(text) + "</" + name + ">\n";
 }
 
-std::string secondsText(double seconds) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.3f", seconds);
-    return text.data();
+std::string timeAttribute(double seconds) {
+    return attribute("time", decimalSeconds(std::chrono::duration<double>(seconds), 3));
 }
 
 std::string outcomeElement(const JunitCase& test) {
@@ -61,14 +59,13 @@ std::string counts(const std::vector<JunitCase>& cases) {
     for (const JunitCase& test : cases) seconds += test.seconds;
     return attribute("tests", std::to_string(cases.size())) + attribute("failures", countOf(JunitOutcome_e::Failure)) +
            attribute("errors", countOf(JunitOutcome_e::Error)) +
-           attribute("skipped", countOf(JunitOutcome_e::Skipped)) + attribute("time", secondsText(seconds));
+           attribute("skipped", countOf(JunitOutcome_e::Skipped)) + timeAttribute(seconds);
 }
 
 std::string testCase(const JunitCase& test) {
     const std::string outcome = outcomeElement(test);
     return "    <testcase" + attribute("classname", test.className) + attribute("name", test.name) +
-           attribute("time", secondsText(test.seconds)) +
-           (outcome.empty() ? "/>\n" : ">\n" + outcome + "    </testcase>\n");
+           timeAttribute(test.seconds) + (outcome.empty() ? "/>\n" : ">\n" + outcome + "    </testcase>\n");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "terminal/Console.h"
+#include "text/Lines.h"
 #include "vexa/InvalidArgumentException.h"
 
 namespace vexa::runner {
@@ -12,13 +13,6 @@ namespace {
 std::string lineOf(const standin::RecordedCommand& recorded) { return recorded.addOnId + ' ' + recorded.command; }
 
 std::string quoted(const std::string& text) { return '"' + text + '"'; }
-
-// A finding's message is one line.
-std::string inOneLine(std::string_view text) {
-    std::string line;
-    for (const char c : withoutTrailingBlanks(text)) line += c == '\n' ? ' ' : c;
-    return line;
-}
 
 // What the commands that were recorded are instead of `expected` alone; empty when they are just that.
 std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, const std::string& expected) {
@@ -36,7 +30,7 @@ std::string whyNotReplayable(standin::Host& host, const standin::RecordedCommand
     try {
         const standin::CommandResult result =
             host.run(recorded.addOnId, recorded.command, recorded.recordedAt.macroLine);
-        if (!result.accepted) return "fails: " + inOneLine(result.error);
+        if (!result.accepted) return "fails: " + joinedLines(withoutTrailingBlanks(result.error));
         return differenceOf(host.recordedCommands(), lineOf(recorded));
     } catch (const InvalidArgumentException&) {
         return "needs the add-on " + recorded.addOnId + ", which is not loaded";

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vexa::runner {
@@ -9,6 +11,13 @@ namespace vexa::runner {
 /// Adds \p line to \p lines, which have no line feed at their end; not an empty one.
 inline void addLine(std::string& lines, const std::string& line) {
     if (!line.empty()) lines += (lines.empty() ? "" : "\n") + line;
+}
+
+/// \p text on one line: each line feed becomes a blank.
+inline std::string joinedLines(std::string_view text) {
+    std::string line(text);
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    return line;
 }
 
 /// The lines of \p text, without their line feeds.

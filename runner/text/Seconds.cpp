@@ -21,7 +21,7 @@ std::optional<std::chrono::duration<double>> secondsOf(const std::string& text) 
 }
 
 std::optional<std::chrono::duration<double>> secondsOf(double seconds) {
-    if (!(seconds > 0 && seconds <= kMost)) return std::nullopt;  // nor when it is no number
+    if (!(seconds > 0 && seconds <= kMost)) return std::nullopt;  // also for NaN
     return std::chrono::duration<double>(seconds);
 }
 
@@ -29,6 +29,12 @@ std::string secondsText(std::chrono::duration<double> time) {
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%g", time.count());
     return std::string(text.data()) + (time.count() == 1 ? " second" : " seconds");
+}
+
+std::string decimalSeconds(std::chrono::duration<double> time, int digits) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.*f", digits, time.count());
+    return text.data();
 }
 
 }  // namespace vexa::runner

@@ -6,7 +6,7 @@
 
 namespace vexa::runner {
 
-/// What secondsOf() takes, for a refusal.
+/// Refuses what secondsOf() does not take.
 inline constexpr char kExpectedSeconds[] = "expected seconds, more than 0 and at most 1000000";
 
 /// Reads a time limit as users write it, in seconds: `2`, `0.5`.
@@ -16,5 +16,8 @@ std::optional<std::chrono::duration<double>> secondsOf(double seconds);
 
 /// A time for people: `2 seconds`, `0.5 seconds`, `1 second`.
 std::string secondsText(std::chrono::duration<double> time);
+
+/// The number of seconds with \p digits digits after the point: `0.50`.
+std::string decimalSeconds(std::chrono::duration<double> time, int digits);
 
 }  // namespace vexa::runner

@@ -182,7 +182,7 @@ TEST_F(Check, EndsACommandThatDoesNotReturn) {
         const ProgramResult result = checkMacro("rogue", macro, "commands-in-order", {"--timeout", "2"});
         EXPECT_EQ(result.status, 1);
         EXPECT_TRUE(cameOut(result, "commands-in-order", "timed out")) << result.out;
-        EXPECT_TRUE(has(result, "the add-on did not return within 2 s")) << result.out;
+        EXPECT_TRUE(has(result, "the add-on did not return within 2 seconds")) << result.out;
         EXPECT_TRUE(has(result, "during: ROGUE " + std::string(command))) << result.out;
     }
 }

@@ -1,7 +1,6 @@
 #include "commands/check/CheckRun.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -26,6 +25,7 @@
 #include "system/files/WholeOutput.h"
 #include "terminal/Console.h"
 #include "text/Printable.h"
+#include "text/Seconds.h"
 #include "text/ShellWord.h"
 
 namespace vexa::runner {
@@ -36,12 +36,6 @@ using std::chrono::milliseconds;
 std::uint64_t newSeed() {
     std::random_device device;
     return device();  // short enough to be typed
-}
-
-std::string secondsText(milliseconds time) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", std::chrono::duration<double>(time).count());
-    return text.data();
 }
 
 std::string indented(const std::string& lines) {
@@ -180,7 +174,7 @@ private:
         const bool isOfInterest = verdict.outcome != Outcome_e::Passed && verdict.outcome != Outcome_e::Skipped;
         if (isOfInterest) reported.reproduce = reproducingCommand(result);
         std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
-                    secondsText(result.duration).c_str());
+                    decimalSeconds(result.duration, 2).c_str());
         const ToldCauses::Told told = m_causes.tell(result.test->name, verdict);
         if (!told.text.empty()) print(indented(told.text) + '\n');
         if (told.isNew) print("      reproduce: " + reported.reproduce + '\n');
@@ -197,7 +191,8 @@ private:
         if (m_options.style) command += " --style " + shellWord(*m_options.style);
         for (const std::string& rule : m_options.contract.suppressed) command += " --suppress " + rule;
         if (m_report.warningsAsErrors) command += " --warnings-as-errors";
-        if (result.verdict.outcome == Outcome_e::TimedOut) command += " --timeout " + secondsText(m_setting.timeout);
+        if (result.verdict.outcome == Outcome_e::TimedOut)
+            command += " --timeout " + decimalSeconds(m_setting.timeout, 2);
         return command;
     }
 

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <new>
 #include <optional>
-#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -17,6 +16,7 @@
 #include "commands/check/trial/Confinement.h"
 #include "system/files/ScratchFolder.h"
 #include "text/Lines.h"
+#include "text/Seconds.h"
 #include "text/ShortText.h"
 
 namespace vexa::runner {
@@ -75,12 +75,6 @@ std::string lastLinesOf(const std::string& output) {
     std::string text;
     for (std::size_t i = first; i != lines.size(); ++i) addLine(text, "    " + lines[i]);
     return text.empty() ? "" : "the last that was printed:\n" + text;
-}
-
-std::string secondsText(std::chrono::milliseconds time) {
-    std::ostringstream text;
-    text << std::chrono::duration<double>(time).count() << " s";
-    return text.str();
 }
 
 std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {

@@ -1,8 +1,11 @@
 #include "commands/explain/ContractPage.h"
 
+#include <cctype>
+#include <string>
 #include <string_view>
 
 #include "terminal/WrappedText.h"
+#include "text/SeverityName.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -67,13 +70,12 @@ The stand-in cannot detect these errors:
 
 )";
 
-const char* nameOf(standin::Severity_e severity) {
-    return severity == standin::Severity_e::Error ? "Error" : "Warning";
-}
-
 std::string sectionOf(const standin::Rule& rule) {
+    std::string severity = nameOf(rule.severity);
+    severity.front() = static_cast<char>(std::toupper(severity.front()));
     return "\n### " + std::string(rule.name) + "\n\n" +
-           wrapped(std::string(nameOf(rule.severity)) + ". **" + rule.summary + "** " + rule.why, kWidth) + '\n' +
+           wrapped(severity + ". **" + rule.summary + "** " + rule.why, kWidth) + '
+' +
            wrapped("Fix: " + std::string(rule.hint), kWidth);
 }
 
