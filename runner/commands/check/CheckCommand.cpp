@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "commands/check/CheckRun.h"
-#include "commands/check/tests/CheckTests.h"
+#include "commands/check/tests/TestCatalogue.h"
 #include "options/Refusals.h"
 #include "terminal/Console.h"
 #include "terminal/WrappedText.h"

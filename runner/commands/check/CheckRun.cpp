@@ -16,7 +16,7 @@
 #include "commands/check/ReportFiles.h"
 #include "commands/check/TestRun.h"
 #include "commands/check/ToldCauses.h"
-#include "commands/check/tests/CheckTests.h"
+#include "commands/check/tests/TestCatalogue.h"
 #include "commands/check/trial/Trial.h"
 #include "formats/MacroFile.h"
 #include "system/files/AtomicFile.h"

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands/check/tests/CheckTests.h"
+#include "commands/check/tests/TestCatalogue.h"
 #include "options/CommandTree.h"
 #include "text/StartsWith.h"
 #include "vexastandin/Finding.h"

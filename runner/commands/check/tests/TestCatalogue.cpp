@@ -1,4 +1,4 @@
-#include "commands/check/tests/CheckTests.h"
+#include "commands/check/tests/TestCatalogue.h"
 
 #include <algorithm>
 
