@@ -17,7 +17,7 @@ struct OptionalText {
 };
 
 /// Returns whether \p address is one.
-inline bool isAddress(Books& books, const Moment& now, const void* address) {
+inline bool checkAddress(Books& books, const Moment& now, const void* address) {
     if (address == nullptr) {
         books.findings.add("null-address", std::string(nameOf(*now.function)) + " was given a null address", now);
     }
@@ -29,57 +29,57 @@ void checkArgument(Books&, const Moment&, Number) {}
 
 inline void checkArgument(Books&, const Moment&, OptionalText) {}
 
-inline void checkArgument(Books& books, const Moment& now, const char* text) { isAddress(books, now, text); }
+inline void checkArgument(Books& books, const Moment& now, const char* text) { checkAddress(books, now, text); }
 
 template <class Number, std::enable_if_t<std::is_arithmetic_v<Number> && !std::is_same_v<Number, char>, int> = 0>
 void checkArgument(Books& books, const Moment& now, Number* result) {
-    isAddress(books, now, result);
+    checkAddress(books, now, result);
 }
 
 /// An identity is judged where it is used first.
 inline void checkArgument(Books&, const Moment&, const AddOnList_s*) {}
 
 inline void checkArgument(Books& books, const Moment& now, const ThreadMutex_s* mutex) {
-    books.mutexLedger.isFitToUse(mutex, now, books.findings);
+    books.mutexLedger.checkUse(mutex, now, books.findings);
 }
 
 inline void checkArgument(Books& books, const Moment& now, const ArgList_s* argList) {
-    books.argListLedger.isFitToUse(argList, now, books.findings);
+    books.argListLedger.checkUse(argList, now, books.findings);
 }
 
 inline void checkArgument(Books& books, const Moment& now, const Set_s* set) {
-    books.setLedger.isFitToUse(set, now, books.findings);
+    books.setLedger.checkUse(set, now, books.findings);
 }
 
 /// A set to be changed, as its type says.
 inline void checkArgument(Books& books, const Moment& now, Set_s* set) {
-    books.setLedger.isFitToChange(set, now, books.findings, false);
+    books.setLedger.checkChange(set, now, books.findings);
 }
 
 // The handle at an address is to be freed.
 
 inline void checkArgument(Books& books, const Moment& now, ThreadMutex_s** mutex) {
-    if (!isAddress(books, now, mutex)) return;
-    if (!books.mutexLedger.isFitToChange(*mutex, now, books.findings, true)) return;
+    if (!checkAddress(books, now, mutex)) return;
+    if (!books.mutexLedger.checkFree(*mutex, now, books.findings)) return;
     books.holds.freeBegan(*mutex, now, books.findings);
     books.mutexLedger.freed(*mutex, now);
 }
 
 inline void checkArgument(Books& books, const Moment& now, ArgList_s** argList) {
-    if (!isAddress(books, now, argList)) return;
-    if (!books.argListLedger.isFitToChange(*argList, now, books.findings, true)) return;
+    if (!checkAddress(books, now, argList)) return;
+    if (!books.argListLedger.checkFree(*argList, now, books.findings)) return;
     books.arguments.forget(*argList);
     books.argListLedger.freed(*argList, now);
 }
 
 inline void checkArgument(Books& books, const Moment& now, Set_s** set) {
-    if (!isAddress(books, now, set)) return;
-    if (books.setLedger.isFitToChange(*set, now, books.findings, true)) books.setLedger.freed(*set, now);
+    if (!checkAddress(books, now, set)) return;
+    if (books.setLedger.checkFree(*set, now, books.findings)) books.setLedger.freed(*set, now);
 }
 
 inline void checkArgument(Books& books, const Moment& now, char** string) {
-    if (!isAddress(books, now, string)) return;
-    if (!books.stringLedger.isFitToChange(*string, now, books.findings, true)) return;
+    if (!checkAddress(books, now, string)) return;
+    if (!books.stringLedger.checkFree(*string, now, books.findings)) return;
     books.strings.freeBegan(*string, now, books.findings);
     books.stringLedger.freed(*string, now);
 }

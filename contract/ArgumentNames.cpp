@@ -39,7 +39,7 @@ const char* textOf(ArgumentKind_e kind) {
 }  // namespace
 
 void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind_e kind, const Moment& now,
-                             Findings& findings) {
+                             FindingLog& findings) {
     if (!m_argLists.isLiving(argList) || name == nullptr) return;
     const std::string label = m_argLists.labelOf(argList);
     if (const Given* const before = find(argList, name)) {
@@ -57,7 +57,7 @@ void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind
                  now, &m_argLists.originOf(argList));
 }
 
-void ArgumentNames::queried(const void* argList, const Moment& now, Findings& findings) const {
+void ArgumentNames::queried(const void* argList, const Moment& now, FindingLog& findings) const {
     if (!m_argLists.isLiving(argList)) return;
     const std::string label = m_argLists.labelOf(argList);
     const Moment& origin = m_argLists.originOf(argList);

@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/HandleLedger.h"
 #include "contract/Moment.h"
 
@@ -19,10 +19,10 @@ public:
     explicit ArgumentNames(HandleLedger& argLists) : m_argLists(argLists) {}
 
     /// Judges an argument that was appended.
-    void appended(const void* argList, const char* name, ArgumentKind_e kind, const Moment& now, Findings& findings);
+    void appended(const void* argList, const char* name, ArgumentKind_e kind, const Moment& now, FindingLog& findings);
     void forget(const void* argList) { m_names.erase(argList); }
     /// Judges the list of a style query.
-    void queried(const void* argList, const Moment& now, Findings& findings) const;
+    void queried(const void* argList, const Moment& now, FindingLog& findings) const;
 
 private:
     struct Given {

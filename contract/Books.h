@@ -7,7 +7,7 @@
 #include "Handles.h"
 #include "HostObjects.h"
 #include "contract/ArgumentNames.h"
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/HandleLedger.h"
 #include "contract/Moment.h"
 #include "contract/MutexHolds.h"
@@ -35,7 +35,7 @@ struct Books {
 
     EntryBooks& current() { return entries.back(); }
 
-    Findings findings;
+    FindingLog findings;
     HandleLedger mutexLedger{{"mutex", "a mutex", "mutexes", "leaked-mutex"}};
     HandleLedger setLedger{{"set", "a set", "sets", "leaked-set"}};
     HandleLedger argListLedger{{"arglist", "an argument list", "argument lists", "leaked-arglist"}};

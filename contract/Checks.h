@@ -9,7 +9,7 @@
 #include "Text.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/Books.h"
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 
 namespace vexa::standin {
 

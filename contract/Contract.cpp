@@ -100,7 +100,7 @@ Moment Contract::endOfEntry() const {
 void Contract::judgeEnd() {
     const Moment now = endOfEntry();
     EntryBooks& books = m_books.current();
-    Findings& findings = m_books.findings;
+    FindingLog& findings = m_books.findings;
     const auto isInThisEntry = [&](const Entry& entry) { return &entry == now.entry.get(); };
     const auto isOfThisAddOn = [&](const Entry& entry) { return entry.addOnId == now.entry->addOnId; };
     books.scopes.endOfEntry(now, findings);

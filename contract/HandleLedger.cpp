@@ -29,16 +29,17 @@ void HandleLedger::takenBack(const void* handle, const Moment& now) {
     if (isLiving(handle)) freed(handle, now);
 }
 
-bool HandleLedger::isFitToUse(const void* handle, const Moment& now, Findings& findings) const {
+bool HandleLedger::checkUse(const void* handle, const Moment& now, FindingLog& findings) const {
     if (isLiving(handle)) return true;
-    judgeNotLiving(handle, now, findings, false);
+    judgeNotLiving(handle, now, findings, "use-after-free");
     return false;
 }
 
-bool HandleLedger::isFitToChange(const void* handle, const Moment& now, Findings& findings, bool isFreeing) const {
+bool HandleLedger::checkOwn(const void* handle, const Moment& now, FindingLog& findings,
+                            const char* ruleOfFreed) const {
     const auto found = m_living.find(handle);
     if (found == m_living.end()) {
-        judgeNotLiving(handle, now, findings, isFreeing);
+        judgeNotLiving(handle, now, findings, ruleOfFreed);
         return false;
     }
     if (!found->second.isHosts) return true;
@@ -74,7 +75,7 @@ std::vector<const void*> HandleLedger::living(const std::function<bool(const Ent
 }
 
 void HandleLedger::reportLeaks(const std::function<bool(const Entry&)>& isMeant, const Moment& now,
-                               Findings& findings) {
+                               FindingLog& findings) {
     std::vector<const Living*> leaks;
     for (const void* const handle : living(isMeant)) {
         Living& leak = m_living.at(handle);
@@ -90,7 +91,8 @@ void HandleLedger::reportLeaks(const std::function<bool(const Entry&)>& isMeant,
     findings.add(m_kind.leakRule, std::move(message), now, &leaks.front()->since, leaks.size());
 }
 
-void HandleLedger::judgeNotLiving(const void* handle, const Moment& now, Findings& findings, bool isFreeing) const {
+void HandleLedger::judgeNotLiving(const void* handle, const Moment& now, FindingLog& findings,
+                                  const char* ruleOfFreed) const {
     const std::string function = now.function ? nameOf(*now.function) : "the host";
     if (handle == nullptr) {
         findings.add("null-handle", function + " was given a null handle for " + m_kind.noun, now);
@@ -104,8 +106,8 @@ void HandleLedger::judgeNotLiving(const void* handle, const Moment& now, Finding
     }
     const Freed& freed = found->second;
     const std::string by = freed.until.call == 0 ? "" : " by " + callText(freed.until);
-    findings.add(isFreeing ? "double-free" : "use-after-free",
-                 function + " was given " + freed.label + ", which was already freed" + by, now, &freed.since);
+    findings.add(ruleOfFreed, function + " was given " + freed.label + ", which was already freed" + by, now,
+                 &freed.since);
 }
 
 }  // namespace vexa::standin

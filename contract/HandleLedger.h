@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/Moment.h"
 
 namespace vexa::standin {
@@ -33,10 +33,16 @@ public:
 
     /// Judges a use of \p handle.
     /// \return whether it is a living one.
-    bool isFitToUse(const void* handle, const Moment& now, Findings& findings) const;
-    /// Judges the freeing, or another change, of \p handle, for which it has to be the add-on's.
+    bool checkUse(const void* handle, const Moment& now, FindingLog& findings) const;
+    /// Judges a change of \p handle, for which it has to be the add-on's.
     /// \return whether it is the add-on's, and living.
-    bool isFitToChange(const void* handle, const Moment& now, Findings& findings, bool isFreeing) const;
+    bool checkChange(const void* handle, const Moment& now, FindingLog& findings) const {
+        return checkOwn(handle, now, findings, "use-after-free");
+    }
+    /// Judges the freeing of \p handle. The rest as in checkChange().
+    bool checkFree(const void* handle, const Moment& now, FindingLog& findings) const {
+        return checkOwn(handle, now, findings, "double-free");
+    }
     /// Enters that \p handle, which lives, is freed.
     void freed(const void* handle, const Moment& now);
 
@@ -49,7 +55,7 @@ public:
     /// The living handles that were given out within entries that \p isMeant holds for, by their numbers.
     std::vector<const void*> living(const std::function<bool(const Entry&)>& isMeant) const;
     /// Reports the living handles of \ref living as one leak. Each is reported once.
-    void reportLeaks(const std::function<bool(const Entry&)>& isMeant, const Moment& now, Findings& findings);
+    void reportLeaks(const std::function<bool(const Entry&)>& isMeant, const Moment& now, FindingLog& findings);
 
 private:
     struct Living {
@@ -65,7 +71,9 @@ private:
     };
 
     std::string labelOf(const Living& living) const;
-    void judgeNotLiving(const void* handle, const Moment& now, Findings& findings, bool isFreeing) const;
+    // `ruleOfFreed` is the rule that is broken if the handle was freed.
+    bool checkOwn(const void* handle, const Moment& now, FindingLog& findings, const char* ruleOfFreed) const;
+    void judgeNotLiving(const void* handle, const Moment& now, FindingLog& findings, const char* ruleOfFreed) const;
 
     HandleKind m_kind;
     std::unordered_map<const void*, Living> m_living;

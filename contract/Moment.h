@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 #include "vexastandin/Finding.h"
 #include "vexastandin/Observer.h"
 

@@ -7,7 +7,7 @@
 
 namespace vexa::standin {
 
-void MutexHolds::lockBegan(const void* mutex, const Moment& now, Findings& findings) const {
+void MutexHolds::lockBegan(const void* mutex, const Moment& now, FindingLog& findings) const {
     if (!m_mutexes.isLiving(mutex)) return;
     if (const Moment* const hold = holdOf(mutex, now.thread)) {
         findings.add("mutex-locked-twice",
@@ -21,7 +21,7 @@ void MutexHolds::lockEnded(const void* mutex, const Moment& now) {
     if (m_mutexes.isLiving(mutex) && holdOf(mutex, now.thread) == nullptr) m_holds[mutex].push_back(now);
 }
 
-void MutexHolds::unlockBegan(const void* mutex, const Moment& now, Findings& findings) {
+void MutexHolds::unlockBegan(const void* mutex, const Moment& now, FindingLog& findings) {
     if (!m_mutexes.isLiving(mutex)) return;
     const auto found = m_holds.find(mutex);
     if (found == m_holds.end()) {
@@ -43,7 +43,7 @@ void MutexHolds::unlockBegan(const void* mutex, const Moment& now, Findings& fin
     if (holds.empty()) m_holds.erase(found);
 }
 
-void MutexHolds::freeBegan(const void* mutex, const Moment& now, Findings& findings) {
+void MutexHolds::freeBegan(const void* mutex, const Moment& now, FindingLog& findings) {
     const auto found = m_holds.find(mutex);
     if (found == m_holds.end()) return;
     findings.add("mutex-freed-locked", m_mutexes.labelOf(mutex) + " was freed while it was locked", now,
@@ -51,7 +51,7 @@ void MutexHolds::freeBegan(const void* mutex, const Moment& now, Findings& findi
     m_holds.erase(found);
 }
 
-void MutexHolds::endOfEntry(const Moment& now, Findings& findings) {
+void MutexHolds::endOfEntry(const Moment& now, FindingLog& findings) {
     for (auto entry = m_holds.begin(); entry != m_holds.end();) {
         std::vector<Moment>& holds = entry->second;
         const auto left = std::find_if(holds.begin(), holds.end(), [&](const Moment& hold) {

@@ -3,7 +3,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/HandleLedger.h"
 #include "contract/Moment.h"
 
@@ -14,12 +14,12 @@ class MutexHolds {
 public:
     explicit MutexHolds(HandleLedger& mutexes) : m_mutexes(mutexes) {}
 
-    void lockBegan(const void* mutex, const Moment& now, Findings& findings) const;
+    void lockBegan(const void* mutex, const Moment& now, FindingLog& findings) const;
     void lockEnded(const void* mutex, const Moment& now);
-    void unlockBegan(const void* mutex, const Moment& now, Findings& findings);
-    void freeBegan(const void* mutex, const Moment& now, Findings& findings);
+    void unlockBegan(const void* mutex, const Moment& now, FindingLog& findings);
+    void freeBegan(const void* mutex, const Moment& now, FindingLog& findings);
     /// Judges what the thread that was entered holds at the end, of what it locked on the way.
-    void endOfEntry(const Moment& now, Findings& findings);
+    void endOfEntry(const Moment& now, FindingLog& findings);
 
 private:
     const Moment* holdOf(const void* mutex, std::size_t thread) const;

@@ -34,7 +34,7 @@ void Scopes::begin(Scope_e kind, const Moment& now, const AddOnList_s* identity)
     m_open[indexOf(kind)].push_back({identity, now});
 }
 
-void Scopes::end(Scope_e kind, const Moment& now, Findings& findings, const AddOnList_s* identity) {
+void Scopes::end(Scope_e kind, const Moment& now, FindingLog& findings, const AddOnList_s* identity) {
     const Kind& names = kKinds[indexOf(kind)];
     std::vector<Open>& open = m_open[indexOf(kind)];
     if (open.empty()) {
@@ -50,7 +50,7 @@ void Scopes::end(Scope_e kind, const Moment& now, Findings& findings, const AddO
     open.erase(std::next(ended).base());
 }
 
-void Scopes::endOfEntry(const Moment& now, Findings& findings) const {
+void Scopes::endOfEntry(const Moment& now, FindingLog& findings) const {
     for (std::size_t i = 0; i != m_open.size(); ++i) {
         const std::vector<Open>& open = m_open[i];
         if (open.empty()) continue;

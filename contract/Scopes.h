@@ -3,7 +3,7 @@
 #include <array>
 #include <vector>
 
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/Moment.h"
 #include "vexa/VexaUtil.h"
 
@@ -18,9 +18,9 @@ public:
     /// \param identity whose the lock is; null for the other scopes.
     void begin(Scope_e kind, const Moment& now, const AddOnList_s* identity = nullptr);
     /// Parameters as in begin().
-    void end(Scope_e kind, const Moment& now, Findings& findings, const AddOnList_s* identity = nullptr);
+    void end(Scope_e kind, const Moment& now, FindingLog& findings, const AddOnList_s* identity = nullptr);
     /// Judges what is open at the end of the entry.
-    void endOfEntry(const Moment& now, Findings& findings) const;
+    void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:
     struct Open {

@@ -12,7 +12,7 @@ const Moment* addressOf(const std::optional<Moment>& moment) { return moment ? &
 
 }  // namespace
 
-void StatusRules::started(const Moment& now, Findings& findings) {
+void StatusRules::started(const Moment& now, FindingLog& findings) {
     if (m_start) {
         findings.add("status-started-twice",
                      "VexaUtilStatusStartPercentDone was called while the status line was shown", now, &*m_start);
@@ -23,7 +23,7 @@ void StatusRules::started(const Moment& now, Findings& findings) {
     m_percent = 0;
 }
 
-void StatusRules::percentShown(int percent, const Moment& now, Findings& findings) {
+void StatusRules::percentShown(int percent, const Moment& now, FindingLog& findings) {
     textShown(now, findings);
     if (percent < 0 || percent > kAllDone) {
         findings.add("percent-out-of-range", "the status line was given " + std::to_string(percent) + " percent", now,
@@ -40,7 +40,7 @@ void StatusRules::percentShown(int percent, const Moment& now, Findings& finding
     m_lastPercent = now;
 }
 
-void StatusRules::textShown(const Moment& now, Findings& findings) {
+void StatusRules::textShown(const Moment& now, FindingLog& findings) {
     if (m_start) return;
     findings.add("status-not-started",
                  std::string(nameOf(*now.function)) + " was called " +
@@ -48,7 +48,7 @@ void StatusRules::textShown(const Moment& now, Findings& findings) {
                  now, addressOf(m_finish));
 }
 
-void StatusRules::finished(const Moment& now, Findings& findings) {
+void StatusRules::finished(const Moment& now, FindingLog& findings) {
     if (m_start) {
         m_start.reset();
         m_finish = now;
@@ -63,7 +63,7 @@ void StatusRules::finished(const Moment& now, Findings& findings) {
     m_percent = 0;
 }
 
-void StatusRules::endOfEntry(const Moment& now, Findings& findings) const {
+void StatusRules::endOfEntry(const Moment& now, FindingLog& findings) const {
     if (!m_start) return;
     findings.add(
         "unbalanced-status",

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/Moment.h"
 
 namespace vexa::standin {
@@ -11,11 +11,11 @@ namespace vexa::standin {
 /// What one entry does with the status line.
 class StatusRules {
 public:
-    void started(const Moment& now, Findings& findings);
-    void percentShown(int percent, const Moment& now, Findings& findings);
-    void textShown(const Moment& now, Findings& findings);
-    void finished(const Moment& now, Findings& findings);
-    void endOfEntry(const Moment& now, Findings& findings) const;
+    void started(const Moment& now, FindingLog& findings);
+    void percentShown(int percent, const Moment& now, FindingLog& findings);
+    void textShown(const Moment& now, FindingLog& findings);
+    void finished(const Moment& now, FindingLog& findings);
+    void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:
     std::optional<Moment> m_start;        // of the line that is up

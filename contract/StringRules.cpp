@@ -2,12 +2,12 @@
 
 namespace vexa::standin {
 
-void StringRules::freeBegan(const char* string, const Moment& now, Findings& findings) const {
+void StringRules::freeBegan(const char* string, const Moment& now, FindingLog& findings) const {
     judgeEnd(string, now, findings);
 }
 
 void StringRules::commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now,
-                               Findings& findings) {
+                               FindingLog& findings) {
     if (errMsg != nullptr) {
         if (accepted) findings.add("errmsg-on-success", "the command succeeded, but set an error message", now);
         takeOver(errMsg, now, findings);
@@ -16,14 +16,14 @@ void StringRules::commandEnded(bool accepted, const char* errMsg, bool hadNoMemo
     }
 }
 
-void StringRules::endOfEntry(const Moment& now, Findings& findings) const {
+void StringRules::endOfEntry(const Moment& now, FindingLog& findings) const {
     for (const void* const string : m_ledger.living([&](const Entry& entry) { return &entry == now.entry.get(); })) {
         judgeEnd(static_cast<const char*>(string), now, findings);
     }
 }
 
 // Returns whether it was written within its size only.
-bool StringRules::judgeEnd(const char* string, const Moment& now, Findings& findings) const {
+bool StringRules::judgeEnd(const char* string, const Moment& now, FindingLog& findings) const {
     const auto found = m_strings.find(string);
     if (found == nullptr || found->isIntact()) return true;
     findings.add("string-overrun",
@@ -33,7 +33,7 @@ bool StringRules::judgeEnd(const char* string, const Moment& now, Findings& find
     return false;
 }
 
-void StringRules::takeOver(const char* errMsg, const Moment& now, Findings& findings) {
+void StringRules::takeOver(const char* errMsg, const Moment& now, FindingLog& findings) {
     if (m_ledger.isFreed(errMsg)) {
         findings.add("use-after-free", "the error message is a host string that was freed", now);
         return;

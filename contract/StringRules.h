@@ -2,7 +2,7 @@
 
 #include "Handles.h"
 #include "HostObjects.h"
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/HandleLedger.h"
 #include "contract/Moment.h"
 
@@ -14,16 +14,16 @@ public:
     StringRules(HandleLedger& ledger, const Handles<HostString, char>& strings)
         : m_ledger(ledger), m_strings(strings) {}
 
-    void freeBegan(const char* string, const Moment& now, Findings& findings) const;
+    void freeBegan(const char* string, const Moment& now, FindingLog& findings) const;
     /// Judges what a command left as its error message, and takes it over.
     /// \param hadNoMemory whether the host refused a string to the command.
-    void commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now, Findings& findings);
+    void commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now, FindingLog& findings);
     /// Judges the strings that were allocated within the entry, and are still there.
-    void endOfEntry(const Moment& now, Findings& findings) const;
+    void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:
-    bool judgeEnd(const char* string, const Moment& now, Findings& findings) const;
-    void takeOver(const char* errMsg, const Moment& now, Findings& findings);
+    bool judgeEnd(const char* string, const Moment& now, FindingLog& findings) const;
+    void takeOver(const char* errMsg, const Moment& now, FindingLog& findings);
 
     HandleLedger& m_ledger;
     const Handles<HostString, char>& m_strings;

@@ -11,7 +11,7 @@ constexpr std::size_t kNoThread = 0;  // has entered no add-on
 
 }  // namespace
 
-void ThreadRules::callBegan(const Moment& now, Findings& findings) {
+void ThreadRules::callBegan(const Moment& now, FindingLog& findings) {
     const std::size_t entered = now.entry->thread;
     if (entered == kNoThread || entered == now.thread || infoOf(*now.function).isForAnyThread) return;
     const Moment entering{now.entry, entered, 0, std::nullopt};

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "contract/Findings.h"
+#include "contract/FindingLog.h"
 #include "contract/Moment.h"
 
 namespace vexa::standin {
@@ -15,7 +15,7 @@ public:
     /// The entry begun last; null before the first.
     const std::shared_ptr<const Entry>& last() const { return m_last; }
 
-    static void callBegan(const Moment& now, Findings& findings);
+    static void callBegan(const Moment& now, FindingLog& findings);
 
 private:
     std::shared_ptr<const Entry> m_last;

@@ -19,7 +19,7 @@
 #include "HostState.h"
 #include "Whereabouts.h"
 #include "contract/Checks.h"
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {

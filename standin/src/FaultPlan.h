@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 
 namespace vexa::standin {
 

@@ -222,18 +222,18 @@ void Host::setStyle(const std::vector<std::string>& path, long offset1, long off
     m_state->setStyle(path, std::pair(offset1, offset2), value);
 }
 
-void Host::pressStop() noexcept { m_state->stopButton.press(); }
+void Host::pressStop() noexcept { m_state->stopRequest.press(); }
 
 void Host::pressStopAtCheck(std::size_t nth) {
     if (nth == 0) throw InvalidArgumentException("The checks of the percentage are counted from 1");
-    m_state->stopButton.pressAtCheck(nth);
+    m_state->stopRequest.pressAtCheck(nth);
 }
 
-void Host::pressStopAtPercent(int percent) noexcept { m_state->stopButton.pressAtPercent(percent); }
+void Host::pressStopAtPercent(int percent) noexcept { m_state->stopRequest.pressAtPercent(percent); }
 
-void Host::releaseStop() noexcept { m_state->stopButton.release(); }
+void Host::releaseStop() noexcept { m_state->stopRequest.release(); }
 
-bool Host::isStopPressed() const noexcept { return m_state->stopButton.isPressed(); }
+bool Host::isStopPressed() const noexcept { return m_state->stopRequest.isPressed(); }
 
 void Host::failCall(const std::string& function, std::size_t nth, int result) {
     m_state->faults.add(hostFunction(function), nth, Fault{false, result});

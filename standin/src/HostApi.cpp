@@ -14,7 +14,7 @@
 #include "HostState.h"
 #include "Text.h"
 #include "contract/ArgumentChecks.h"
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
@@ -142,7 +142,7 @@ VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
     return answer<HostFunction::VexaUtilStatusCheckPercentDone>(
         [=](HostState& host) -> VexaBoolean {
             changeStatus(host, [=](Status& status, bool keeps) { return status.setPercent(percent, keeps); });
-            return !host.stopButton.isPressedAt(percent);
+            return !host.stopRequest.isPressedAt(percent);
         },
         percent);
 }

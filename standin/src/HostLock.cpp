@@ -27,13 +27,11 @@ std::size_t HostLock::depth() const {
     return isMine() ? m_holds.size() : 0;
 }
 
-std::size_t HostLock::releaseDownTo(std::size_t depth) {
+void HostLock::releaseDownTo(std::size_t depth) {
     const std::lock_guard<std::mutex> lock(m_guard);
-    if (!isMine() || m_holds.size() <= depth) return 0;
-    const std::size_t tooOften = m_holds.size() - depth;
+    if (!isMine() || m_holds.size() <= depth) return;
     m_holds.resize(depth);
     passOnWhenFree();
-    return tooOften;
 }
 
 void HostLock::endWaiting() {

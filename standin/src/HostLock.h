@@ -23,8 +23,7 @@ public:
     /// How often the calling thread holds the lock.
     std::size_t depth() const;
     /// Takes the lock from the calling thread until it holds it \p depth times.
-    /// \return how often that was too often.
-    std::size_t releaseDownTo(std::size_t depth);
+    void releaseDownTo(std::size_t depth);
 
     /// Ends its use: who waits for it, or asks for it from now on, goes on without it.
     void endWaiting();

@@ -16,7 +16,7 @@
 #include "HostLock.h"
 #include "HostObjects.h"
 #include "Status.h"
-#include "StopButton.h"
+#include "StopRequest.h"
 #include "StyleTree.h"
 #include "contract/Contract.h"
 #include "contract/ThreadNumbers.h"
@@ -104,7 +104,7 @@ struct HostState {
 
     Status status;
     Shared<std::function<void(const StatusLine&)>> showStatus;
-    StopButton stopButton;
+    StopRequest stopRequest;
 
     /// Shows what came of a call of \ref status.
     /// \return whether that was a change.

@@ -9,7 +9,7 @@ namespace vexa::standin {
 /// The status line's stop button, and when it is to be pressed.
 ///
 /// Threads: safe from any, and in signal handlers, where a lock must not be taken.
-class StopButton {
+class StopRequest {
 public:
     void press() noexcept { m_isPressed = true; }
     /// \param nth which check from now on, counted from 1.

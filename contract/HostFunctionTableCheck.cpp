@@ -1,4 +1,4 @@
-// Stops the build when the stand-in does not know a function that the host's header declares, or how to check it.
+// Stops the build if the table of host functions and the host's header differ, or if a function has no check.
 // CMake writes DeclaredFunctions.inc from that header.
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "contract/Checks.h"
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 
 namespace vexa::standin {
 namespace {
@@ -30,11 +30,13 @@ constexpr bool isListed(std::string_view name) {
     return false;
 }
 
-#define DECLARED(name) static_assert(isListed(#name), #name " is declared in vexa/VexaUtil.h, not in HostFunction.h");
+#define DECLARED(name) \
+    static_assert(isListed(#name), #name " is declared in vexa/VexaUtil.h, not in HostFunctionTable.h");
 #include "DeclaredFunctions.inc"
 #undef DECLARED
 
-static_assert(std::size(kListed) == std::size(kDeclared), "HostFunction.h lists what vexa/VexaUtil.h does not declare");
+static_assert(std::size(kListed) == std::size(kDeclared),
+              "HostFunctionTable.h lists what vexa/VexaUtil.h does not declare");
 
 #define VEXASTANDIN_CHECK(name, role, scope, anyThread) \
     static_assert(sizeof(Check<HostFunction::name>) != 0, #name " has no Check in contract/Checks.h");

@@ -1,4 +1,4 @@
-#include "contract/HostFunction.h"
+#include "contract/HostFunctionTable.h"
 
 #include <algorithm>
 #include <iterator>

@@ -12,7 +12,7 @@
 namespace vexa::standin {
 
 /// The findings made.
-class Findings {
+class FindingLog {
 public:
     /// Adds a finding, unless its rule is suppressed. Of one rule and add-on the first ten are kept.
     void add(Finding finding);
