@@ -4,11 +4,10 @@
 #include <set>
 #include <vector>
 
-#include "Handles.h"
-#include "HostObjects.h"
 #include "contract/ArgumentNames.h"
 #include "contract/FindingLog.h"
 #include "contract/HandleLedger.h"
+#include "contract/HostStrings.h"
 #include "contract/Moment.h"
 #include "contract/MutexHolds.h"
 #include "contract/Scopes.h"
@@ -28,7 +27,7 @@ struct EntryBooks {
 
 /// What the contract remembers of what happened so far, family by family.
 struct Books {
-    explicit Books(const Handles<HostString, char>& hostStrings) : strings(stringLedger, hostStrings) {}
+    explicit Books(const HostStringsInterface& hostStrings) : strings(stringLedger, hostStrings) {}
     Books(const Books&) = delete;
     Books& operator=(const Books&) = delete;
     ~Books() = default;

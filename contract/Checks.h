@@ -2,14 +2,16 @@
 /// What the contract makes of each host function. What holds for every argument of a type stands in ArgumentChecks.h.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
-#include "Text.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/Books.h"
+#include "contract/Contract.h"
 #include "contract/HostFunctionTable.h"
+#include "contract/MacroLine.h"
 
 namespace vexa::standin {
 
@@ -220,12 +222,38 @@ struct Check<HostFunction::VexaUtilSetNextRange> : NoCheck {};
 
 // ---- All of them
 
-/// Judges the beginning of a call.
+/// Checks a call that begins. A host calls this before it does what the function is to do.
+/// \param call the number of the call, counted from 1.
 template <HostFunction function, class... Arguments>
-void checkBegan(Books& books, const Moment& now, const Arguments&... arguments) {
-    ThreadRules::callBegan(now, books.findings);
-    (checkArgument(books, now, arguments), ...);
-    Check<function>::began(books, now, arguments...);
+void checkCall(Contract& contract, std::size_t call, const Arguments&... arguments) {
+    contract.check(call, function, [&](Books& books, const Moment& now) {
+        ThreadRules::callBegan(now, books.findings);
+        (checkArgument(books, now, arguments), ...);
+        Check<function>::began(books, now, arguments...);
+    });
+}
+
+/// Enters the return of a call of a function without a result. The parameters are those of checkCall().
+template <HostFunction function, class... Arguments>
+void checkReturn(Contract& contract, std::size_t call, const Arguments&... arguments) {
+    contract.check(call, function,
+                   [&](Books& books, const Moment& now) { Check<function>::ended(books, now, arguments...); });
+}
+
+/// What a call returned.
+template <class Result>
+struct Returned {
+    Result result;
+    std::size_t number;  ///< if the result is a handle: which of its kind it is, counted from 1
+};
+
+/// Enters the return of a call of a function with a result. The other parameters are those of checkCall().
+template <HostFunction function, class Result, class... Arguments>
+void checkReturn(Contract& contract, std::size_t call, Returned<Result> returned, const Arguments&... arguments) {
+    contract.check(call, function, [&](Books& books, const Moment& now) {
+        checkResult(books, now, returned.result, returned.number);
+        Check<function>::ended(books, now, arguments..., returned.result);
+    });
 }
 
 }  // namespace vexa::standin

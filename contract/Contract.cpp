@@ -5,7 +5,7 @@
 
 namespace vexa::standin {
 
-Contract::Contract(ThreadNumbers& threads, const Handles<HostString, char>& strings, Show show)
+Contract::Contract(ThreadNumbers& threads, const HostStringsInterface& strings, Show show)
     : m_threads(threads), m_show(std::move(show)), m_books(strings) {
     m_books.entries.push_back({std::make_shared<Entry>(), {}, {}});
 }

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "Handles.h"
-#include "HostObjects.h"
 #include "contract/Books.h"
+#include "contract/HostFunctionTable.h"
+#include "contract/HostStrings.h"
 #include "contract/ThreadNumbers.h"
 #include "vexastandin/Finding.h"
 
@@ -30,7 +30,7 @@ public:
 
     /// \param show    called with each finding, on the thread that made it, with nothing locked.
     /// \param strings the host's strings, to look at what was written to them.
-    Contract(ThreadNumbers& threads, const Handles<HostString, char>& strings, Show show);
+    Contract(ThreadNumbers& threads, const HostStringsInterface& strings, Show show);
 
     bool isOn() const { return m_isOn.load(std::memory_order_relaxed); }
     void setOn(bool isOn) { m_isOn = isOn; }

@@ -4,7 +4,6 @@
 #include <iterator>
 #include <type_traits>
 
-#include "vexa/InvalidArgumentException.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
@@ -34,10 +33,10 @@ const HostFunctionInfo& infoOf(HostFunction function) { return kFunctions[static
 
 const char* nameOf(HostFunction function) { return infoOf(function).name; }
 
-HostFunction hostFunction(const std::string& name) {
+std::optional<HostFunction> findHostFunction(std::string_view name) {
     const auto found = std::find_if(std::begin(kFunctions), std::end(kFunctions),
                                     [&](const HostFunctionInfo& info) { return info.name == name; });
-    if (found == std::end(kFunctions)) throw InvalidArgumentException("The host has no function \"" + name + "\"");
+    if (found == std::end(kFunctions)) return std::nullopt;
     return static_cast<HostFunction>(found - std::begin(kFunctions));
 }
 

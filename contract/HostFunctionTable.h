@@ -2,8 +2,8 @@
 /// The functions of the host's C API that the stand-in supplies.
 #pragma once
 
-#include <cstddef>
-#include <string>
+#include <optional>
+#include <string_view>
 
 #include "vexastandin/HostFunctions.h"
 
@@ -62,8 +62,7 @@ const HostFunctionInfo& infoOf(HostFunction function);
 /// The C name of \p function.
 const char* nameOf(HostFunction function);
 
-/// The function of the C name \p name.
-/// \throws vexa::InvalidArgumentException when there is none.
-HostFunction hostFunction(const std::string& name);
+/// The function of the C name \p name; nothing if there is none.
+std::optional<HostFunction> findHostFunction(std::string_view name);
 
 }  // namespace vexa::standin

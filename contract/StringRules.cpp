@@ -3,7 +3,7 @@
 namespace vexa::standin {
 
 void StringRules::freeBegan(const char* string, const Moment& now, FindingLog& findings) const {
-    judgeEnd(string, now, findings);
+    judgeOverrun(string, m_strings.stateOf(string), now, findings);
 }
 
 void StringRules::commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now,
@@ -17,20 +17,19 @@ void StringRules::commandEnded(bool accepted, const char* errMsg, bool hadNoMemo
 }
 
 void StringRules::endOfEntry(const Moment& now, FindingLog& findings) const {
-    for (const void* const string : m_ledger.living([&](const Entry& entry) { return &entry == now.entry.get(); })) {
-        judgeEnd(static_cast<const char*>(string), now, findings);
+    for (const void* const handle : m_ledger.living([&](const Entry& entry) { return &entry == now.entry.get(); })) {
+        const char* const string = static_cast<const char*>(handle);
+        judgeOverrun(string, m_strings.stateOf(string), now, findings);
     }
 }
 
-// Returns whether it was written within its size only.
-bool StringRules::judgeEnd(const char* string, const Moment& now, FindingLog& findings) const {
-    const auto found = m_strings.find(string);
-    if (found == nullptr || found->isIntact()) return true;
+void StringRules::judgeOverrun(const char* string, const HostStringState& state, const Moment& now,
+                               FindingLog& findings) const {
+    if (state.isIntact) return;
     findings.add("string-overrun",
-                 m_ledger.labelOf(string) + " has " + std::to_string(found->size()) +
-                     (found->size() == 1 ? " byte" : " bytes") + ", but more bytes were written to it",
+                 m_ledger.labelOf(string) + " has " + std::to_string(state.size) +
+                     (state.size == 1 ? " byte" : " bytes") + ", but more bytes were written to it",
                  now, &m_ledger.originOf(string));
-    return false;
 }
 
 void StringRules::takeOver(const char* errMsg, const Moment& now, FindingLog& findings) {
@@ -38,15 +37,16 @@ void StringRules::takeOver(const char* errMsg, const Moment& now, FindingLog& fi
         findings.add("use-after-free", "the error message is a host string that was freed", now);
         return;
     }
-    const auto string = m_strings.find(errMsg);
-    if (string == nullptr || !m_ledger.isLiving(errMsg)) {
+    if (!m_ledger.isLiving(errMsg)) {
         findings.add("foreign-errmsg", "the error message is not a host string", now);
         return;
     }
-    if (judgeEnd(errMsg, now, findings) && !string->isTerminated()) {
+    const HostStringState state = m_strings.stateOf(errMsg);
+    judgeOverrun(errMsg, state, now, findings);
+    if (state.isIntact && !state.isTerminated) {
         findings.add("string-unterminated",
-                     "the error message, " + m_ledger.labelOf(errMsg) + " of " + std::to_string(string->size()) +
-                         (string->size() == 1 ? " byte" : " bytes") + ", has no terminating zero",
+                     "the error message, " + m_ledger.labelOf(errMsg) + " of " + std::to_string(state.size) +
+                         (state.size == 1 ? " byte" : " bytes") + ", has no terminating zero",
                      now, &m_ledger.originOf(errMsg));
     }
     m_ledger.freed(errMsg, now);

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Handles.h"
-#include "HostObjects.h"
 #include "contract/FindingLog.h"
 #include "contract/HandleLedger.h"
+#include "contract/HostStrings.h"
 #include "contract/Moment.h"
 
 namespace vexa::standin {
@@ -11,8 +10,7 @@ namespace vexa::standin {
 /// What is written to the host's strings, and what is handed over as an error message.
 class StringRules {
 public:
-    StringRules(HandleLedger& ledger, const Handles<HostString, char>& strings)
-        : m_ledger(ledger), m_strings(strings) {}
+    StringRules(HandleLedger& ledger, const HostStringsInterface& strings) : m_ledger(ledger), m_strings(strings) {}
 
     void freeBegan(const char* string, const Moment& now, FindingLog& findings) const;
     /// Judges what a command left as its error message, and takes it over.
@@ -22,11 +20,11 @@ public:
     void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:
-    bool judgeEnd(const char* string, const Moment& now, FindingLog& findings) const;
+    void judgeOverrun(const char* string, const HostStringState& state, const Moment& now, FindingLog& findings) const;
     void takeOver(const char* errMsg, const Moment& now, FindingLog& findings);
 
     HandleLedger& m_ledger;
-    const Handles<HostString, char>& m_strings;
+    const HostStringsInterface& m_strings;
 };
 
 }  // namespace vexa::standin

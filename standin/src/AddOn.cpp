@@ -12,6 +12,7 @@
 #include "ObjectFile.h"
 #include "Text.h"
 #include "Whereabouts.h"
+#include "contract/MacroLine.h"
 
 namespace vexa::standin {
 namespace {

@@ -131,21 +131,16 @@ std::invoke_result_t<Action, HostState&> answer(const Action& action, const Argu
         return act(action, *host);
     }
     WatchedCall call(*host, function, arguments...);
-    host->contract.check(call.number(), function,
-                         [&](Books& books, const Moment& now) { checkBegan<function>(books, now, arguments...); });
+    checkCall<function>(host->contract, call.number(), arguments...);
     const std::optional<Fault> fault = host->faults.next(function);
     if (fault && fault->throws) throw std::runtime_error(std::string(nameOf(function)) + " was told to throw");
     if constexpr (std::is_void_v<Result>) {
         if (!fault) act(action, *host);
-        host->contract.check(call.number(), function, [&](Books& books, const Moment& now) {
-            Check<function>::ended(books, now, arguments...);
-        });
+        checkReturn<function>(host->contract, call.number(), arguments...);
     } else {
         const Result result = fault ? failureOf<Result>(fault->result) : act(action, *host);
-        host->contract.check(call.number(), function, [&](Books& books, const Moment& now) {
-            checkResult(books, now, result, numberOf(*host, result));
-            Check<function>::ended(books, now, arguments..., result);
-        });
+        const Returned<Result> returned{result, numberOf(*host, result)};
+        checkReturn<function>(host->contract, call.number(), returned, arguments...);
         call.setResult(result);
         return result;
     }

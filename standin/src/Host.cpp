@@ -106,6 +106,12 @@ void judgeOutcome(HostState& state, const std::optional<std::string>& escaped, b
     if (!escaped || errMsg != nullptr) state.contract.judgeErrorMessage(accepted, errMsg);
 }
 
+HostFunction knownFunction(const std::string& name) {
+    const std::optional<HostFunction> function = findHostFunction(name);
+    if (!function) throw InvalidArgumentException("The host has no function \"" + name + "\"");
+    return *function;
+}
+
 const Rule& knownRule(const std::string& name) {
     const Rule* const rule = findRule(name);
     if (rule == nullptr) throw InvalidArgumentException("There is no rule \"" + name + '"');
@@ -236,11 +242,11 @@ void Host::releaseStop() noexcept { m_state->stopRequest.release(); }
 bool Host::isStopPressed() const noexcept { return m_state->stopRequest.isPressed(); }
 
 void Host::failCall(const std::string& function, std::size_t nth, int result) {
-    m_state->faults.add(hostFunction(function), nth, Fault{false, result});
+    m_state->faults.add(knownFunction(function), nth, Fault{false, result});
 }
 
 void Host::throwFromCall(const std::string& function, std::size_t nth) {
-    m_state->faults.add(hostFunction(function), nth, Fault{true, 0});
+    m_state->faults.add(knownFunction(function), nth, Fault{true, 0});
 }
 
 void Host::forgetFaults() { m_state->faults.clear(); }

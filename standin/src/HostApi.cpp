@@ -15,6 +15,7 @@
 #include "Text.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/HostFunctionTable.h"
+#include "contract/MacroLine.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {

@@ -127,4 +127,10 @@ bool HostString::isIntact() const {
     return std::all_of(end, end + kGuardSize, [](char byte) { return byte == kUnwritten; });
 }
 
+HostStringState HostStrings::stateOf(const char* string) const {
+    const std::shared_ptr<HostString> found = find(string);
+    if (found == nullptr) return {};
+    return {found->size(), found->isIntact(), found->isTerminated()};
+}
+
 }  // namespace vexa::standin

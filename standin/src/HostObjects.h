@@ -14,6 +14,8 @@
 #include <variant>
 #include <vector>
 
+#include "Handles.h"
+#include "contract/HostStrings.h"
 #include "vexa/VexaUtil.h"
 #include "vexa/toolbox/Set.h"
 
@@ -104,6 +106,12 @@ private:
 
     std::unique_ptr<char, Free> m_bytes;
     std::size_t m_size;
+};
+
+/// The living strings of a host.
+class HostStrings final : public Handles<HostString, char>, public HostStringsInterface {
+public:
+    HostStringState stateOf(const char* string) const override;
 };
 
 }  // namespace vexa::standin

@@ -119,7 +119,7 @@ struct HostState {
     Handles<ThreadMutex_s> mutexes;
     Handles<ArgList_s> argLists;
     Handles<Set_s> sets;
-    Handles<HostString, char> strings;
+    HostStrings strings;
 
     /// Lets go on who waits in a call of a host that ends: nobody may be there to end the wait.
     void endWaiting();

@@ -1,0 +1,186 @@
+// The contract checks the calls of any host. This program has no stand-in host and no class libraries: a host of a few
+// lines tells the contract what an add-on called.
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "contract/Checks.h"
+#include "contract/Contract.h"
+#include "contract/HostFunctionTable.h"
+#include "contract/HostStrings.h"
+#include "contract/ThreadNumbers.h"
+#include "vexa/VexaUtil.h"
+#include "vexastandin/Finding.h"
+
+// The objects of this host. The contract compares their addresses only.
+struct AddOnList_s {};
+struct ThreadMutex_s {};
+struct ArgList_s {};
+
+namespace vexa::standin {
+namespace {
+
+using Lines = std::vector<std::string>;
+using F = HostFunction;
+
+class OtherHost : private HostStringsInterface {
+public:
+    OtherHost() {
+        m_contract.introduce(&identity);
+        m_contract.enter({Entry_e::Command, "OTHER", "GO", "run.macro:3"});
+    }
+
+    AddOnList_s identity;
+    ThreadMutex_s mutex;
+    ArgList_s argList;
+    char string[4] = "abc";
+    HostStringState stringState{4, true, true};
+
+    /// A call of a function without a result.
+    template <HostFunction function, class... Arguments>
+    void call(const Arguments&... arguments) {
+        const std::size_t number = ++m_calls;
+        checkCall<function>(m_contract, number, arguments...);
+        checkReturn<function>(m_contract, number, arguments...);
+    }
+
+    /// A call that returns \p result.
+    template <HostFunction function, class Result, class... Arguments>
+    void callReturning(Result result, const Arguments&... arguments) {
+        const std::size_t number = ++m_calls;
+        checkCall<function>(m_contract, number, arguments...);
+        checkReturn<function>(m_contract, number, Returned<Result>{result, 1}, arguments...);
+    }
+
+    /// The command returns.
+    void finish(bool accepted = true, const char* errMsg = nullptr) {
+        m_contract.judgeErrorMessage(accepted, errMsg);
+        m_contract.leave();
+    }
+
+    /// What \ref finish does when an exception left the command.
+    void finishByException(const std::string& what) {
+        m_contract.judgeEscape(what);
+        m_contract.leave();
+    }
+
+    /// The findings so far, "rule: message" each.
+    Lines findings() const {
+        Lines lines;
+        for (const Finding& finding : m_contract.findings()) lines.push_back(finding.rule + ": " + finding.message);
+        return lines;
+    }
+    Finding first() const { return m_contract.findings().at(0); }
+    /// The rules that \p Show was called with.
+    Lines shown;
+
+private:
+    HostStringState stateOf(const char*) const override { return stringState; }
+
+    ThreadNumbers m_threads;
+    Contract m_contract{m_threads, *this, [this](const Finding& finding) { shown.push_back(finding.rule); }};
+    std::size_t m_calls = 0;
+};
+
+TEST(OtherHost, GivesNoFindingForCallsThatKeepTheContract) {
+    OtherHost host;
+    host.call<F::VexaUtilLockStart>(&host.identity);
+    host.call<F::VexaUtilLockFinish>(&host.identity);
+    host.callReturning<F::VexaUtilThreadMutexAlloc>(&host.mutex);
+    host.call<F::VexaUtilThreadMutexLock>(&host.mutex);
+    host.call<F::VexaUtilThreadMutexUnlock>(&host.mutex);
+    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
+    host.finish(false, host.string);
+    EXPECT_EQ(host.findings(), Lines{});
+}
+
+TEST(OtherHost, GivesAFindingForALockThatIsNotGivenBack) {
+    OtherHost host;
+    host.call<F::VexaUtilLockStart>(&host.identity);
+    host.finish();
+    EXPECT_EQ(host.findings(),
+              Lines{"unbalanced-lock: the command ended without VexaUtilLockFinish after VexaUtilLockStart"});
+}
+
+TEST(OtherHost, GivesAFindingForAPercentageOutOfRange) {
+    OtherHost host;
+    host.call<F::VexaUtilStatusStartPercentDone>(OptionalText{nullptr}, 0, 1);
+    host.callReturning<F::VexaUtilStatusCheckPercentDone>(1, 101);
+    host.call<F::VexaUtilStatusFinishPercentDone>();
+    EXPECT_EQ(host.findings(), Lines{"percent-out-of-range: the status line was given 101 percent"});
+}
+
+TEST(OtherHost, GivesAFindingForAHandleUsedAfterItWasFreed) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    ArgList_s* handle = &host.argList;
+    host.call<F::VexaUtilArgListDealloc>(&handle);
+    host.call<F::VexaUtilArgListClear>(&host.argList);
+    EXPECT_EQ(host.findings(), Lines{"use-after-free: VexaUtilArgListClear was given arglist#1, freed by call 2 of "
+                                     "VexaUtilArgListDealloc"});
+}
+
+TEST(OtherHost, GivesAFindingForAMutexUnlockedThatIsNotLocked) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilThreadMutexAlloc>(&host.mutex);
+    host.call<F::VexaUtilThreadMutexUnlock>(&host.mutex);
+    EXPECT_EQ(host.findings(), Lines{"mutex-not-held: mutex#1 was unlocked, but it was not locked"});
+}
+
+TEST(OtherHost, GivesAFindingForAStringThatItSeesOverrun) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
+    host.stringState = {4, false, false};
+    host.finish(false, host.string);
+    EXPECT_EQ(host.findings(), Lines{"string-overrun: string#1 has 4 bytes, but more was written to it"});
+}
+
+TEST(OtherHost, GivesAFindingForAnErrorMessageThatItSeesUnterminated) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
+    host.stringState = {4, true, false};
+    host.finish(false, host.string);
+    EXPECT_EQ(host.findings(),
+              Lines{"string-unterminated: the error message, string#1 of 4 bytes, has no terminating zero"});
+}
+
+TEST(OtherHost, GivesAFindingForAStyleQueryWithoutAPath) {
+    OtherHost host;
+    double value = 0;
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.callReturning<F::VexaUtilArgListAppendDoublePtr>(1, &host.argList, "DValue", &value);
+    host.callReturning<F::VexaUtilStyleGetLowLevelX>(GetValueReturnCode_UnknownPath, &host.argList);
+    ASSERT_EQ(host.findings().size(), 1U);
+    EXPECT_EQ(host.first().rule, "missing-argument");
+}
+
+TEST(OtherHost, GivesAFindingForACallOnAnotherThread) {
+    OtherHost host;
+    std::thread([&] { host.callReturning<F::VexaUtilMacroIsBatchModeActive>(0); }).join();
+    ASSERT_EQ(host.findings().size(), 1U);
+    EXPECT_EQ(host.first().rule, "wrong-thread");
+}
+
+TEST(OtherHost, GivesAFindingForAnExceptionThatEscapes) {
+    OtherHost host;
+    host.finishByException("an exception escaped");
+    EXPECT_EQ(host.findings(), Lines{"escaped-exception: an exception escaped"});
+}
+
+TEST(OtherHost, IsToldOfEachFindingAndWhereItIs) {
+    OtherHost host;
+    host.call<F::VexaUtilAuxDataEndAssign>();
+    EXPECT_EQ(host.shown, Lines{"unbalanced-auxdata"});
+    EXPECT_EQ(host.first().addOnId, "OTHER");
+    EXPECT_EQ(host.first().seen.call, 1U);
+    EXPECT_EQ(host.first().seen.function, "VexaUtilAuxDataEndAssign");
+    EXPECT_EQ(host.first().seen.command, "OTHER GO");
+    EXPECT_EQ(host.first().seen.macroLine, "run.macro:3");
+}
+
+}  // namespace
+}  // namespace vexa::standin
