@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "vexastandin/Host.h"
+#include "vexastandin/Call.h"
 
 namespace vexa::standin {
 

@@ -1,7 +1,6 @@
 #include "Status.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace vexa::standin {
@@ -9,15 +8,7 @@ namespace {
 
 constexpr int kAllDone = 100;
 
-auto fieldsOf(const StatusLine& line) {
-    return std::tie(line.text, line.percent, line.showStopButton, line.showBar, line.active);
-}
-
 }  // namespace
-
-bool operator==(const StatusLine& left, const StatusLine& right) { return fieldsOf(left) == fieldsOf(right); }
-
-bool operator!=(const StatusLine& left, const StatusLine& right) { return !(left == right); }
 
 std::optional<StatusLine> Status::start(std::string text, bool showStopButton, bool showBar, bool keepsHistory) {
     const std::lock_guard<std::mutex> lock(m_guard);

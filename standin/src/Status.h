@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "vexastandin/Host.h"
+#include "vexastandin/StatusLine.h"
 
 namespace vexa::standin {
 

@@ -7,10 +7,9 @@
 
 #include "vexastandin/Export.h"
 #include "vexastandin/Finding.h"
+#include "vexastandin/StatusLine.h"
 
 namespace vexa::standin {
-
-struct StatusLine;
 
 /// The start or the end of a host call.
 struct CallEvent {

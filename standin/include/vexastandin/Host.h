@@ -3,14 +3,15 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "vexa/ExceptionBase.h"
+#include "vexastandin/Call.h"
 #include "vexastandin/Export.h"
 #include "vexastandin/Finding.h"
+#include "vexastandin/Recording.h"
+#include "vexastandin/StatusLine.h"
 #include "vexastandin/StyleValue.h"
 
 struct AddOnList_s;
@@ -21,46 +22,6 @@ namespace vexa::standin {
 struct HostState;
 class ObserverInterface;
 struct CallProgress;
-
-/// A call of a function of the host's C API.
-struct Call {
-    std::string function;  ///< for example "VexaUtilStringAlloc"
-    /// The arguments as in C: `14, "error string"`, `null`. A handle is written with its number: `mutex#1`. An add-on's
-    /// identity is written as its id. `unknown` is a handle or an identity that the host does not know. `address` is
-    /// the address of a result.
-    std::string arguments;
-    std::string result;      ///< the result as in C; empty for no result, after an exception, and before the return
-    std::thread::id thread;  ///< the calling thread
-    std::size_t number = 0;  ///< the number of the call, counted from 1 over all calls, including those not kept
-};
-
-/// A command that an add-on recorded.
-struct RecordedCommand {
-    std::string addOnId;  ///< the add-on
-    std::string command;  ///< the command's text, without the add-on
-    Place recordedAt;     ///< the call that recorded it
-};
-
-/// A command that an add-on added to the data-set journal.
-struct JournalEntry {
-    std::string addOnId;                     ///< the add-on
-    std::string command;                     ///< the command's text, without the add-on
-    std::optional<std::string> journalData;  ///< the add-on's own data, if it passed any
-};
-
-/// The host's status line, which shows the progress of a task.
-struct StatusLine {
-    std::string text;             ///< the add-on's text; empty if it gave none
-    int percent = 0;              ///< how much of the task is done, 0 to 100; a value outside becomes 0 or 100
-    bool showStopButton = false;  ///< true if the add-on asked for a stop button
-    bool showBar = false;         ///< true if the add-on asked for a progress bar
-    bool active = false;          ///< true while the line is shown; the other fields keep their values afterwards
-};
-
-/// Returns true if all fields are equal.
-VEXASTANDIN_API bool operator==(const StatusLine& left, const StatusLine& right);
-/// Returns true if a field differs.
-VEXASTANDIN_API bool operator!=(const StatusLine& left, const StatusLine& right);
 
 /// A loaded add-on.
 struct AddOnInfo {
