@@ -131,9 +131,8 @@ TEST_F(StyleValueTest, IgnoresTheCaseOfTheKeyword) {
 }
 
 TEST_F(StyleValueTest, TakesKeywordsInFullOnly) {
-    for (const char* keyword : {"NameX", "Nam", "XName", "Name ", "", "N\xe4me"}) {
-        Path path{"Group", keyword};
-        if (path.back().empty()) continue;  // hosts have no empty keyword
+    for (const char* keyword : {"NameX", "Nam", "XName", "Name ", "N\xe4me"}) {
+        const Path path{"Group", keyword};
         m_host.setStyle(path, int64_t{4});
         expectValue(valueOf(path), ResultType_Integer, "4");
     }
