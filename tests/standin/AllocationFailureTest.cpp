@@ -4,28 +4,30 @@
 
 #include <string>
 
-#include "FailingAllocation.h"
+#include "support/FailingAllocator.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::standin {
 namespace {
 
-// Calls \p function with its first allocation failing, then with its second, and so on until it needs no more.
-// Returns how often it answered 0 or null for want of memory.
+using tests::Failing;
+using tests::FailingAllocator;
+
+// Calls `function` with its first allocation failing, then with its second, and so on until none fails. Returns how
+// often it answered 0 or null because an allocation failed.
 template <class Function>
 int refusals(Function function) {
     int refused = 0;
-    for (long successes = 0;; ++successes) {
-        failAllocationAfter(successes);
-        const bool answered = function();
-        const bool failed = stopFailingAllocation();
-        if (!failed) {
-            EXPECT_TRUE(answered);
-            return refused;
-        }
-        if (!answered) ++refused;
-    }
+    bool answered = false;
+    tests::sweepAllocations(Failing::Once, [&](long allowed, Failing failing) {
+        const FailingAllocator allocator(allowed, failing);
+        answered = function();
+        if (FailingAllocator::hasFailed() && !answered) ++refused;
+        return FailingAllocator::hasFailed();
+    });
+    EXPECT_TRUE(answered);
+    return refused;
 }
 
 TEST(WithoutMemory, NothingIsAllocated) {

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "FailingAllocation.h"
+#include "support/FailingAllocator.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/VexaUtil.h"
 #include "vexa/toolbox/Set.h"
@@ -20,6 +20,9 @@
 namespace vexa::standin {
 namespace {
 
+using tests::Failing;
+using tests::FailingAllocator;
+using tests::sweepAllocations;
 using Lines = std::vector<std::string>;
 
 std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
@@ -426,17 +429,21 @@ TEST(InjectedFault, ThatThrowsHasBegunNothing) {
 // ---- Without memory
 
 TEST(WithoutMemoryForItsBooks, NothingIsHeldAgainstAnAddOn) {
-    for (long successes = 0;; ++successes) {
+    const auto hasFailed = [](long allowed, Failing failing) {
         Host host;
         host.setKeepsCalls(false);
         ArgList_s* list = VexaUtilArgListAlloc();
-        failAllocationAfter(successes);
-        const bool appended = VexaUtilArgListAppendInt(list, "Offset1", 1) == 1;
-        if (!stopFailingAllocation()) break;
+        bool appended = false;
+        {
+            const FailingAllocator allocator(allowed, failing);
+            appended = VexaUtilArgListAppendInt(list, "Offset1", 1) == 1;
+        }
         if (!appended) VexaUtilArgListAppendInt(list, "Offset1", 1);
         VexaUtilArgListDealloc(&list);
         for (const Finding& finding : host.violations()) ADD_FAILURE() << textOf(finding);
-    }
+        return FailingAllocator::hasFailed();
+    };
+    EXPECT_GT(sweepAllocations(Failing::Once, hasFailed), 0);
 }
 
 }  // namespace
