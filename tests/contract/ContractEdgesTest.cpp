@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "CallTrace.h"
+#include "standin/CallTrace.h"
 #include "vexa/AddOn.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/Host.h"
