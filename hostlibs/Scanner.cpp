@@ -8,9 +8,9 @@
 namespace vexa {
 namespace {
 
-constexpr char PLUS_token = '+';
-constexpr char MINUS_token = '-';
-constexpr char CLOSEPAREN_token = ')';
+constexpr char kPlus = '+';
+constexpr char kMinus = '-';
+constexpr char kCloseParen = ')';
 constexpr std::string_view kNonZeroDigits = "123456789";
 constexpr std::string_view kExponentSigns = "eE";
 
@@ -70,7 +70,7 @@ std::size_t endOf(std::string_view token, const std::string& text) {
 
 // Skips a plus sign, which from_chars() does not accept. It keeps the plus of "+-1", so that from_chars() refuses it.
 const char* withoutPlus(const char* begin, const char* end) {
-    return end - begin > 1 && *begin == PLUS_token && begin[1] != MINUS_token ? begin + 1 : begin;
+    return end - begin > 1 && *begin == kPlus && begin[1] != kMinus ? begin + 1 : begin;
 }
 
 // The result of reading a number: its text without a plus sign, and its value if there is no error.
@@ -93,7 +93,7 @@ Reading<Number> readNumber(const std::string& text, std::size_t at) {
     const auto [behind, error] = std::from_chars(begin, end, reading.value);
     reading.error = error;
     reading.text = std::string_view(begin, static_cast<std::size_t>(behind - begin));
-    const bool hasNote = behind != begin && behind[-1] == CLOSEPAREN_token;  // nan(...)
+    const bool hasNote = behind != begin && behind[-1] == kCloseParen;  // nan(...)
     if (!isEndOfToken(behind, end) || hasNote) reading.error = std::errc::invalid_argument;
     return reading;
 }
@@ -110,7 +110,7 @@ bool isTooSmall(std::string_view number) {
         const char* const end = number.data() + number.size();
         const char* const written = withoutPlus(number.data() + mantissaEnd + 1, end);
         const std::errc error = std::from_chars(written, end, exponent).ec;
-        if (error == std::errc::result_out_of_range) return *written == MINUS_token;
+        if (error == std::errc::result_out_of_range) return *written == kMinus;
     }
     return exponent < static_cast<int64_t>(firstDigit) - static_cast<int64_t>(point);
 }
@@ -118,7 +118,7 @@ bool isTooSmall(std::string_view number) {
 Reading<double> readDouble(const std::string& text, std::size_t at) {
     Reading<double> reading = readNumber<double>(text, at);
     if (reading.error == std::errc::result_out_of_range && isTooSmall(reading.text)) {
-        reading.value = reading.text[0] == MINUS_token ? -0.0 : 0.0;
+        reading.value = reading.text[0] == kMinus ? -0.0 : 0.0;
         reading.error = std::errc();
     }
     return reading;
@@ -137,7 +137,7 @@ bool findPlainInt64(const std::string& text, std::size_t at, Found& found) {
     constexpr std::ptrdiff_t kSafeDigits = 18;
     const char* const end = text.data() + text.size();
     const char* const begin = withoutPlus(text.data() + afterWhiteSpace(text, at), end);
-    const bool isNegative = begin != end && *begin == MINUS_token;
+    const bool isNegative = begin != end && *begin == kMinus;
     const char* const digits = begin + (isNegative ? 1 : 0);
     const char* behind = digits;
     int64_t sum = 0;

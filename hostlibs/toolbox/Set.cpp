@@ -19,11 +19,11 @@ namespace {
 using Range = Set::Range;
 using Ranges = std::vector<Range>;
 
-constexpr char OPENBRACKET_token = '[';
-constexpr char CLOSEBRACKET_token = ']';
-constexpr char COMMA_token = ',';
-constexpr char DASH_token = '-';
-constexpr char COLON_token = ':';
+constexpr char kOpenBracket = '[';
+constexpr char kCloseBracket = ']';
+constexpr char kComma = ',';
+constexpr char kDash = '-';
+constexpr char kColon = ':';
 
 constexpr int64_t kHighestMember = std::numeric_limits<int64_t>::max();
 constexpr int64_t kMostSteppedMembers = int64_t{1} << 24;
@@ -86,9 +86,9 @@ public:
     explicit Reader(const std::string& text) : m_text(text), m_at(text.c_str()) {}
 
     Ranges read() {
-        if (!take(OPENBRACKET_token)) refuse("'['");
+        if (!take(kOpenBracket)) refuse("'['");
         skipBlanks();
-        if (!take(CLOSEBRACKET_token)) readItems();
+        if (!take(kCloseBracket)) readItems();
         if (m_at != m_text.data() + m_text.size()) refuse("nothing after ']'");
         if (!m_isAscending) normalize(m_ranges);
         return std::move(m_ranges);
@@ -100,8 +100,8 @@ private:
         m_ranges.reserve(kUsualRanges);
         for (;;) {
             const char* const otherwise = readItem();
-            if (take(CLOSEBRACKET_token)) return;
-            if (!take(COMMA_token)) refuse(otherwise);
+            if (take(kCloseBracket)) return;
+            if (!take(kComma)) refuse(otherwise);
             skipBlanks();
         }
     }
@@ -110,12 +110,12 @@ private:
     const char* readItem() {
         const char* const begin = m_at;
         const int64_t first = readNumber();
-        if (!takeSign(DASH_token)) {
+        if (!takeSign(kDash)) {
             append(first, first);
             return "'-', ',' or ']'";
         }
         const int64_t last = readRangeEnd(first);
-        if (!takeSign(COLON_token)) {
+        if (!takeSign(kColon)) {
             append(first, last);
             return "':', ',' or ']'";
         }
@@ -236,7 +236,7 @@ public:
         if (end() - m_at < kLongestRun) flush();
         put(run.first);
         if (run.last != run.first) {
-            put(DASH_token);
+            put(kDash);
             put(run.last);
         }
     }
@@ -325,12 +325,12 @@ void Set::assign(std::string text) {
 
 std::string Set::toString() const {
     Writer writer;
-    writer.put(OPENBRACKET_token);
+    writer.put(kOpenBracket);
     for (const Range& run : m_ranges) {
-        if (&run != &m_ranges.front()) writer.put(COMMA_token);
+        if (&run != &m_ranges.front()) writer.put(kComma);
         writer.put(run);
     }
-    writer.put(CLOSEBRACKET_token);
+    writer.put(kCloseBracket);
     return writer.take();
 }
 

@@ -14,7 +14,7 @@ namespace {
 using toolbox::Set;
 
 constexpr char OPENING_token[] = "[";
-constexpr char CLOSING_character = ']';
+constexpr char CLOSING_token = ']';
 
 std::shared_ptr<Set> copyOf(const Set* set) { return set == nullptr ? nullptr : std::make_shared<Set>(*set); }
 
@@ -27,11 +27,11 @@ std::shared_ptr<Set> defaultOf(bool hasDefault, const Set* defaultValue) {
 std::string takeBracketedText(MacroTokenIterator& current, const MacroTokenIterator& end) {
     std::string text = *current;
     ++current;
-    while (current != end && text.back() != CLOSING_character) {
+    while (current != end && text.back() != CLOSING_token) {
         text += *current;
         ++current;
     }
-    if (text.back() != CLOSING_character) throw MacroCommandError("Expected closing set character, ]");
+    if (text.back() != CLOSING_token) throw MacroCommandError("Expected closing set character, ]");
     return text;
 }
 

@@ -17,7 +17,7 @@
 namespace vexa::vexautilutil {
 namespace {
 
-constexpr char ESCAPE_character = '\\';
+constexpr char kEscape = '\\';
 const std::string SET_END_delimiter = "]";
 
 // Converts as toupper() does in the locale of the process. It gets the C library's table once per word, because a call
@@ -103,7 +103,7 @@ struct MacroCommandProcessorAbstract::Impl {
             waitForCharacter();
             char c = scanner.nextChar();
             if (c == quote) return true;
-            if (c == ESCAPE_character && processEscapes) {
+            if (c == kEscape && processEscapes) {
                 if (!scanner.hasNextChar()) return false;
                 c = scanner.nextChar();
             }
