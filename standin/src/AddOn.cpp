@@ -8,9 +8,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "CallInProgress.h"
+#include "CallSlots.h"
 #include "ObjectFile.h"
-#include "Text.h"
 #include "Whereabouts.h"
 #include "contract/MacroLine.h"
 
@@ -18,6 +17,8 @@ namespace vexa::standin {
 namespace {
 
 constexpr char kEntryName[] = "vexaAddOn";
+
+bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
 // The loader looks a bare name up in the system's folders, where nobody expects it to look.
 std::string withFolder(const std::string& path) { return path.find('/') == std::string::npos ? "./" + path : path; }

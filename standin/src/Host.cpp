@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "CallInProgress.h"
+#include "CallSlots.h"
 #include "HostState.h"
 #include "Whereabouts.h"
 #include "vexa/InvalidArgumentException.h"

@@ -12,7 +12,6 @@
 
 #include "Answer.h"
 #include "HostState.h"
-#include "Text.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/HostFunctionTable.h"
 #include "contract/MacroLine.h"
@@ -25,6 +24,8 @@ namespace {
 void takeNote(HostState&) {}
 
 // ---- What several functions do
+
+const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
 
 template <class Object>
 Object* allocate(Handles<Object>& handles) {

@@ -1,4 +1,4 @@
-#include "CallInProgress.h"
+#include "CallSlots.h"
 
 #include <linux/membarrier.h>
 #include <pthread.h>
