@@ -7,9 +7,9 @@
 #include <thread>
 #include <utility>
 
-#include "CallSlots.h"
 #include "HostState.h"
-#include "Whereabouts.h"
+#include "calls/CallSlots.h"
+#include "calls/Whereabouts.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexastandin/Finding.h"
 #include "vexastandin/Observer.h"

@@ -9,17 +9,17 @@
 #include <utility>
 #include <vector>
 
-#include "AddOn.h"
-#include "CallLog.h"
-#include "FaultPlan.h"
-#include "Handles.h"
-#include "HostLock.h"
-#include "HostObjects.h"
-#include "Status.h"
-#include "StopRequest.h"
-#include "StyleTree.h"
+#include "addons/AddOn.h"
+#include "calls/CallLog.h"
+#include "calls/FaultPlan.h"
 #include "contract/Contract.h"
 #include "contract/ThreadNumbers.h"
+#include "objects/Handles.h"
+#include "objects/HostLock.h"
+#include "objects/HostObjects.h"
+#include "status/Status.h"
+#include "status/StopRequest.h"
+#include "style/StyleTree.h"
 #include "vexastandin/CallProgress.h"
 #include "vexastandin/Observer.h"
 

@@ -1,4 +1,4 @@
-#include "StyleTree.h"
+#include "style/StyleTree.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "CallLog.h"
+#include "calls/CallLog.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "ObjectFile.h"
+#include "addons/ObjectFile.h"
 
 #include <elf.h>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "FaultPlan.h"
+#include "calls/FaultPlan.h"
 
 #include <algorithm>
 

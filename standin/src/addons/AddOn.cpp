@@ -1,4 +1,4 @@
-#include "AddOn.h"
+#include "addons/AddOn.h"
 
 #include <dlfcn.h>
 
@@ -8,9 +8,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "CallSlots.h"
-#include "ObjectFile.h"
-#include "Whereabouts.h"
+#include "addons/ObjectFile.h"
+#include "calls/CallSlots.h"
+#include "calls/Whereabouts.h"
 #include "contract/MacroLine.h"
 
 namespace vexa::standin {

@@ -2,8 +2,8 @@
 
 #include <atomic>
 
-#include "CallSlots.h"
 #include "HostState.h"
+#include "calls/CallSlots.h"
 
 namespace vexa::standin {
 

@@ -1,4 +1,4 @@
-#include "HostLock.h"
+#include "objects/HostLock.h"
 
 #include <algorithm>
 #include <iterator>

@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "Answer.h"
 #include "HostState.h"
+#include "api/Answer.h"
 #include "contract/ArgumentChecks.h"
 #include "contract/HostFunctionTable.h"
 #include "contract/MacroLine.h"

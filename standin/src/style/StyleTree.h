@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include "HostObjects.h"
+#include "objects/HostObjects.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/StyleValue.h"
 

@@ -1,4 +1,4 @@
-#include "HostObjects.h"
+#include "objects/HostObjects.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "Status.h"
+#include "status/Status.h"
 
 #include <algorithm>
 #include <utility>

@@ -14,8 +14,8 @@
 #include <variant>
 #include <vector>
 
-#include "Handles.h"
 #include "contract/HostStrings.h"
+#include "objects/Handles.h"
 #include "vexa/VexaUtil.h"
 #include "vexa/toolbox/Set.h"
 

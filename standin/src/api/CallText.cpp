@@ -1,4 +1,4 @@
-#include "CallText.h"
+#include "api/CallText.h"
 
 namespace vexa::standin {
 namespace {

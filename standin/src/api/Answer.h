@@ -14,10 +14,10 @@
 #include <type_traits>
 #include <utility>
 
-#include "CallInProgress.h"
-#include "CallText.h"
 #include "HostState.h"
-#include "Whereabouts.h"
+#include "api/CallInProgress.h"
+#include "api/CallText.h"
+#include "calls/Whereabouts.h"
 #include "contract/Checks.h"
 #include "contract/HostFunctionTable.h"
 #include "vexa/VexaUtil.h"

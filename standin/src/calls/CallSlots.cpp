@@ -1,4 +1,4 @@
-#include "CallSlots.h"
+#include "calls/CallSlots.h"
 
 #include <linux/membarrier.h>
 #include <pthread.h>
