@@ -27,10 +27,29 @@ struct Rule {
     const char* hint;     ///< how to fix the add-on
 };
 
+/// The kind of event that makes the stand-in check a rule.
+enum class RuleTrigger_e {
+    Call,             ///< a call of one of certain functions
+    Entry,            ///< an add-on is loaded, runs a command or is unloaded
+    AcceptedCommand,  ///< a command succeeds
+    FailedCommand,    ///< a command fails
+    SecondThread,     ///< a second thread calls the host
+    TimeLimit,        ///< a command has a time limit
+    Replay            ///< a recorded command is run again
+};
+
+/// The event that makes the stand-in check a rule. Before it happens, an absent finding proves nothing.
+struct RuleTrigger {
+    RuleTrigger_e kind;                  ///< the kind of event
+    std::vector<const char*> functions;  ///< for RuleTrigger_e::Call: a call of any of these functions is enough
+};
+
 /// Returns all rules, grouped by family.
 VEXASTANDIN_API const std::vector<Rule>& rules();
 /// Returns the rule \p name; null if there is no such rule.
 VEXASTANDIN_API const Rule* findRule(std::string_view name);
+/// Returns the event that makes the stand-in check the rule \p rule; null if there is no such rule.
+VEXASTANDIN_API const RuleTrigger* findTrigger(std::string_view rule);
 /// Returns the mistakes of add-ons that the stand-in host cannot detect, one sentence for each.
 VEXASTANDIN_API const std::vector<const char*>& uncheckedMistakes();
 
