@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <iterator>
+#include <map>
 #include <numeric>
 #include <utility>
 
@@ -168,10 +169,11 @@ std::vector<DisturbedCommand> disturbedCommands(Trial& trial) {
 
 Verdict tryCases(Trial& trial, const std::vector<DisturbedCommand>& commands, std::vector<DisturbedCase> cases) {
     if (cases.empty()) return {Outcome_e::Skipped, "there was nothing to disturb"};
-    std::stable_sort(cases.begin(), cases.end(),
-                     [](const auto& left, const auto& right) { return left.rank < right.rank; });
+    // A multimap keeps equal ranks in order. So does std::stable_sort, but clang 19 warns about it in libstdc++ 12.
+    std::multimap<std::size_t, DisturbedCase*> byRank;
+    for (DisturbedCase& one : cases) byRank.emplace(one.rank, &one);
     std::vector<std::deque<Disturbance>> left(commands.size());
-    for (DisturbedCase& one : cases) left[one.command].push_back(std::move(one.disturbance));
+    for (const auto& [rank, one] : byRank) left[one->command].push_back(std::move(one->disturbance));
     std::size_t tried = 0;
     for (bool isFirstRound = true; tried != cases.size() && (isFirstRound || !trial.isTimeUp()); isFirstRound = false) {
         for (std::size_t i = 0; i != commands.size(); ++i) {
