@@ -1,0 +1,65 @@
+"""Looks at the documentation site in Chromium: browsed_site.py SITE
+
+- The search finds what people type, the best section first.
+- On a phone and on a small desktop, nothing on a page is cut: it fits, wraps, or scrolls in a box of its own.
+"""
+
+import html
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+PROBE = Path(__file__).resolve().parent / "layout_probe.html"
+LISTING = re.compile(r"_source\.html$|^(dir_|functions|globals)")  # they look all the same
+WIDTHS = (390, 1280)
+SEARCHES = {  # what is typed, and a heading among the first three
+    "unbalanced-lock": "unbalanced-lock",
+    "lock": "unbalanced-lock",
+    "locking unbalanced": "unbalanced-lock",
+    "style": "vexa-standin style",
+    "VexaUtilLockStart": "VexaUtilLockStart()",
+    "--warnings-as-errors": "vexa-standin run",
+}
+RESULT = re.compile(r"<li><a [^>]*><strong>(.*?)</strong>", re.DOTALL)
+REPORT = re.compile(r"<pre>(.*?)</pre>", re.DOTALL)
+
+
+def page_in_browser(address):
+    """The HTML of a page after its scripts ran."""
+    with tempfile.TemporaryDirectory() as profile:
+        command = ["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--allow-file-access-from-files",
+                   f"--user-data-dir={profile}", "--virtual-time-budget=120000", "--dump-dom", address]
+        return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=True,
+                              timeout=300).stdout
+
+
+def search_mistakes(site, searches=None):
+    for typed, heading in (searches or SEARCHES).items():
+        page = page_in_browser(f"{(site / 'index.html').as_uri()}?search={typed.replace(' ', '+')}")
+        found = [html.unescape(result) for result in RESULT.findall(page)]
+        if heading not in found[:3]:
+            yield f"the search for {typed} should find {heading} first, but found {found[:3]}"
+
+
+def layout_mistakes(pages):
+    addresses = ",".join(page.as_uri() for page in pages)
+    for width in WIDTHS:
+        report = html.unescape(REPORT.search(page_in_browser(f"{PROBE.as_uri()}?{width}#{addresses}"))[1]).splitlines()
+        seen = sum(line.endswith(": seen") for line in report)
+        if seen != len(pages):
+            yield f"only {seen} of {len(pages)} pages were seen {width} pixels wide"
+        yield from (f"{width} pixels wide, it is cut: {line}" for line in report if not line.endswith(": seen"))
+
+
+def main(site):
+    pages = [page for page in sorted(site.glob("*.html")) if not LISTING.search(page.name)]
+    mistakes = [*search_mistakes(site), *layout_mistakes(pages)]
+    for mistake in mistakes:
+        print(mistake)
+    return 1 if mistakes else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(Path(sys.argv[1]).resolve()))
