@@ -69,6 +69,16 @@ TEST_F(CommandScanning, LetsExceptionsOfTheHookThroughWithTheErrorUntouched) {
     EXPECT_EQ(errMsg, &sentinel);
 }
 
+// What the standard library says, which differs between its versions.
+std::string errorOfANullText() {
+    const char* volatile none = nullptr;
+    try {
+        return std::string(none);
+    } catch (const std::logic_error& error) {
+        return error.what();
+    }
+}
+
 TEST_F(CommandScanning, RefusesANullCommandBeforeAnythingIsReset) {
     std::string word;
     ScriptedProcessor processor([&](Processor& p) { return p.getCommand(word); });
@@ -78,7 +88,7 @@ TEST_F(CommandScanning, RefusesANullCommandBeforeAnythingIsReset) {
         processor.parseCommandString(nullptr, &errMsg);
         FAIL() << "accepted";
     } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "basic_string: construction from null is not valid");
+        EXPECT_EQ(error.what(), errorOfANullText());
     }
     EXPECT_TRUE(processor.getCommand(word));
     EXPECT_EQ(word, "SECOND") << "the command before is still being read";
