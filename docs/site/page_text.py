@@ -52,7 +52,7 @@ def shell_sample(text):
     for line in text.splitlines():
         has_prompt = line.startswith(PROMPT)
         if is_session and not has_prompt and not continues:
-            lines.append(f'<span class="output">{as_html(line)}</span>')
+            lines.append(as_html(line))
             continue
         command = line[len(PROMPT):] if has_prompt else line
         commands.append(command)

@@ -53,13 +53,13 @@ class ShellSamples(unittest.TestCase):
     def test_a_session_copies_its_commands_and_shows_its_output(self):
         sample = page_text.page_text("```\n$ run \\\n  on\nout\n$ next\n```\n", NOWHERE)
         self.assertIn('data-copy="run \\&#10;  on&#10;next"', sample)
-        self.assertIn('<div class="line"><span class="output">out</span></div>', sample)
+        self.assertIn('<div class="line">out</div>', sample)
         self.assertEqual(sample.count('<span class="prompt">'), 2)
 
-    def test_a_script_has_no_output(self):
+    def test_each_line_of_a_script_is_a_command(self):
         sample = page_text.page_text("```sh\na\nb\n```\n", NOWHERE)
         self.assertIn('data-copy="a&#10;b"', sample)
-        self.assertNotIn("output", sample)
+        self.assertIn('<div class="line"><span class="keywordflow">b</span></div>', sample)
 
     def test_doxygen_sees_no_variable(self):
         self.assertNotIn("$", page_text.page_text("```sh\nrun \"$(nproc)\" $A\n```\n", NOWHERE))
