@@ -2,10 +2,11 @@
 """Prints what Doxygen reads of a page: page_text.py RUNNER-PAGES PAGE. The first is the folder
 that runner_pages.py wrote.
 
-- Code stays code where Doxygen would take its quotes for something else. The text of a link is in one line, without back quotes.
+- Code that has a quote is written so that Doxygen reads it as code. The text of a link is in one line and has no back
+  quotes.
 - Shell samples are coloured.
 - A page of several sections begins with a list of them.
-- `vexa-standin COMMAND` leads to the page with the help of that command.
+- `vexa-standin COMMAND` links to the page with the help of that command.
 """
 
 import html
@@ -32,7 +33,7 @@ SHELL_TOKEN = re.compile(r"""
 
 
 def as_html(text):
-    return html.escape(text).replace("$", "&#36;")  # of $(NAME) Doxygen makes the variable of its environment
+    return html.escape(text).replace("$", "&#36;")  # Doxygen replaces $(NAME) by an environment variable
 
 
 def coloured(command):
