@@ -1,11 +1,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <memory>
 #include <string>
+#include <vector>
 
 #include "commands/ListCommand.h"
 #include "commands/StyleCommand.h"
@@ -17,16 +17,14 @@
 #include "commands/report/ReportCommand.h"
 #include "commands/run/RunCommand.h"
 #include "commands/test/TestCommand.h"
-#include "options/ColourOption.h"
 #include "options/CommandLine.h"
-#include "options/Corrections.h"
+#include "options/CommonOptions.h"
 #include "options/ExitStatus.h"
-#include "options/HelpFormatter.h"
+#include "options/PrintedOutput.h"
+#include "options/UsageError.h"
 #include "session/GuardedWork.h"
 #include "system/processes/AwaitedSignals.h"
 #include "terminal/Console.h"
-#include "options/PrintedOutput.h"
-#include "terminal/Terminal.h"
 
 namespace vexa::runner {
 namespace {
@@ -48,46 +46,25 @@ void keepStandardStreamsTaken() {
     }
 }
 
-ExitStatus_e refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
-    const bool hasUnexpectedWords = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-    tell(kProgramName, hasUnexpectedWords ? unexpectedWords(app) : error.what());
-    for (const std::string& correction : corrections(app)) tell(kProgramName, correction);
-    std::string command = kProgramName;
-    for (const CLI::App* subcommand : app.get_subcommands()) command += ' ' + subcommand->get_name();
-    tell("run '" + command + " --help' for the usage");
+ExitStatus_e tellWrongUsage(const UsageError& error) {
+    tell(kProgramName, error.what());
+    for (const std::string& suggestion : error.suggestions()) tell(kProgramName, suggestion);
+    tell("run '" + error.call() + " --help' for the usage");
     return ExitStatus_e::BadUsageOrInput;
 }
 
-ExitStatus_e runProgram(int argc, char** argv) {
-    Action chosen;
-    CLI::App app(kAbout, kProgramName);
-    app.formatter(std::make_shared<HelpFormatter>(textColumnsOf(STDOUT_FILENO)));
-    app.set_version_flag("--version", std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION);
-    addNewCommand(app, chosen);
-    addRunCommand(app, chosen);
-    addReplCommand(app, chosen);
-    addTestCommand(app, chosen);
-    addCheckCommand(app, chosen);
-    addReportCommand(app, chosen);
-    addExplainCommand(app, chosen);
-    addListCommand(app, chosen);
-    addStyleCommand(app, chosen);
-    addManualCommand(app, chosen);
-    addColourOption(app);
-    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; })) addColourOption(*command);
-    app.footer(kFooter);
-    app.require_subcommand(0, 1);
+ExitStatus_e runProgram(const std::vector<std::string>& arguments) {
+    Command program{kProgramName, kAbout, kFooter};
+    program.add(flag({"--version"}, "Display program version information and exit",
+                     ShowVersion{std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION}));
+    program.commands = {newCommand(),    runCommand(),     replCommand(), testCommand(),  checkCommand(),
+                        reportCommand(), explainCommand(), listCommand(), styleCommand(), manualCommand(program)};
+    addOptionsOfAll(program);
     try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& request) {  // --help or --version
-        app.exit(request);
-        return ExitStatus_e::AllWell;
-    } catch (const CLI::ParseError& error) {
-        return refuseUsage(app, error);
+        return parse(program, arguments)();
+    } catch (const UsageError& error) {
+        return tellWrongUsage(error);
     }
-    if (chosen) return chosen();
-    std::fputs(app.help().c_str(), stderr);
-    return ExitStatus_e::BadUsageOrInput;
 }
 
 // All is cleaned up by now. So the shell sees what happened.
@@ -102,7 +79,7 @@ int runGuarded(int argc, char** argv) {
         return guarded([&] {
             keepStandardStreamsTaken();
             std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
-            return static_cast<int>(checkOutput(runProgram(argc, argv)));
+            return static_cast<int>(checkOutput(runProgram({argv + std::min(argc, 1), argv + argc})));
         });
     } catch (const EndedBySignal& end) {
         endBySignal(end.signal);

@@ -1,12 +1,13 @@
 #include "commands/ListCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "options/CommonOptions.h"
+#include "options/UsageError.h"
 #include "session/AddOns.h"
 #include "session/FindingTeller.h"
 #include "session/watch/Death.h"
@@ -104,18 +105,20 @@ ExitStatus_e listAddOns(const std::vector<std::string>& files) {
 
 }  // namespace
 
-void addListCommand(CLI::App& app, Action& chosen) {
+Command listCommand() {
     const auto files = std::make_shared<std::vector<std::string>>();
     const auto more = std::make_shared<std::vector<std::string>>();
-    CLI::App& list = *app.add_subcommand("list", "List add-ons: id, title, file");
-    list.footer(kListFooter);
-    list.add_option("FILE.so", *files, "The add-ons")->type_name("");
-    addAddOnOption(list, *more).required(false);
-    list.callback([files, more, &chosen] {
+    Command command{"list", "List add-ons: id, title, file", kListFooter};
+    command.add(argument("FILE.so", "The add-ons", files.get()));
+    command.add(addOnOption(*more));
+    command.check = [files, more] {
+        if (files->empty() && more->empty()) throw UsageError("FILE.so is required");
+    };
+    command.run = [files, more] {
         files->insert(files->end(), more->begin(), more->end());
-        if (files->empty()) throw CLI::RequiredError("FILE.so");
-        chosen = [files] { return listAddOns(*files); };
-    });
+        return listAddOns(*files);
+    };
+    return command;
 }
 
 }  // namespace vexa::runner

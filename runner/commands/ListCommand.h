@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `list`, which prints a table of add-ons in the order given: id, title, file.
-void addListCommand(CLI::App& app, Action& chosen);
+/// `list` prints a table of add-ons in the order given: id, title, file.
+Command listCommand();
 
 }  // namespace vexa::runner

@@ -1,12 +1,13 @@
 #include "commands/StyleCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "formats/StyleFile.h"
+#include "options/CommonOptions.h"
+#include "options/UsageError.h"
 #include "terminal/Console.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/StyleValue.h"
@@ -77,21 +78,20 @@ ExitStatus_e showStyle(StyleOptions& options) {
 
 }  // namespace
 
-void addStyleCommand(CLI::App& app, Action& chosen) {
+Command styleCommand() {
     const auto options = std::make_shared<StyleOptions>();
-    CLI::App& style = *app.add_subcommand("style", "Show a setting of a style file as add-ons get it");
-    style.footer(kFooter);
-    addStyleOption(style, options->style).required();
-    style.add_option("PATH", options->path, "The setting's keywords, outermost first, an argument each")
-        ->required()
-        ->type_name("");
-    style.add_option("--offset1", options->offset1, "The query's first index; 0 unless given")->type_name("N");
-    style.add_option("--offset2", options->offset2, "The query's second index; 0 unless given")->type_name("N");
-    style.callback([options, &chosen] {
+    Command command{"style", "Show a setting of a style file as add-ons get it", kFooter};
+    command.add(styleOption(options->style).require());
+    command.add(
+        argument("PATH", "The setting's keywords, outermost first, an argument each", &options->path).require());
+    command.add(option({"--offset1"}, "N", "The query's first index; 0 unless given", &options->offset1));
+    command.add(option({"--offset2"}, "N", "The query's second index; 0 unless given", &options->offset2));
+    command.check = [options] {
         // The library would leave further keywords away, except that the last one tells the kind.
-        if (options->path.size() > kMostStyleKeywords) throw CLI::ValidationError("PATH", "six keywords are the most");
-        chosen = [options] { return showStyle(*options); };
-    });
+        if (options->path.size() > kMostStyleKeywords) throw UsageError::in("PATH", "six keywords are the most");
+    };
+    command.run = [options] { return showStyle(*options); };
+    return command;
 }
 
 }  // namespace vexa::runner

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `style`, which prints a setting of a style file as add-ons get it from the library: its kind and its value.
-void addStyleCommand(CLI::App& app, Action& chosen);
+/// `style` prints a setting of a style file as add-ons get it from the library: its kind and its value.
+Command styleCommand();
 
 }  // namespace vexa::runner

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
@@ -23,17 +23,15 @@ struct ContractOptions {
 };
 
 /// Adds `--suppress` and `--no-project-file`. Rules there are none of are refused.
-void addSuppressOptions(CLI::App& command, ContractOptions& options);
+void addSuppressOptions(Command& command, ContractOptions& options);
 
 /// Adds `--strict`, `--warnings-as-errors`, and their opposites.
-void addStrictOptions(CLI::App& command, ContractOptions& options);
+void addStrictOptions(Command& command, ContractOptions& options);
 
 /// Adds `--timeout`.
-void addTimeoutOption(CLI::App& command, ContractOptions& options);
+void addTimeoutOption(Command& command, ContractOptions& options);
 
-/// Completes \p options by the project file: `vexa-standin.toml` in the current folder, or in the nearest one above it
-/// that has one. What was given on the command line stays; of the rules to suppress those of both are.
-/// \return whether the file could be read, if there is one; what is wrong with it was told.
-bool addProjectFile(ContractOptions& options);
+/// The names of all rules, for completion.
+std::vector<std::string> ruleNames();
 
 }  // namespace vexa::runner

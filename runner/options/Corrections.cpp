@@ -1,53 +1,49 @@
 #include "options/Corrections.h"
 
-#include <CLI/CLI.hpp>
-
-#include "options/CommandTree.h"
 #include "text/NearNames.h"
+#include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
 
-std::vector<std::string> subcommandsOf(const CLI::App& app) {
+std::vector<std::string> commandNames(const Command& program) {
     std::vector<std::string> names;
-    for (const CLI::App* subcommand : shownCommands(app)) names.push_back(subcommand->get_name());
+    for (const Command* command : shownCommands(program)) names.push_back(command->name);
     return names;
 }
 
-std::vector<std::string> optionsOf(const CLI::App& command) {
-    std::vector<std::string> names;
-    for (const CLI::Option* option : command.get_options()) {
-        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+std::vector<std::string> longNames(const Command& command) {
+    std::vector<std::string> all;
+    for (const Option& option : command.options) {
+        for (const std::string& name : option.names()) {
+            if (startsWith(name, "--")) all.push_back(name);
+        }
     }
-    return names;
+    return all;
 }
 
 }  // namespace
 
-std::string unexpectedWords(const CLI::App& app) {
-    const std::vector<std::string> words = app.remaining(true);
+std::string unexpectedWords(const std::vector<std::string>& words) {
     std::string text =
         words.size() == 1 ? "The following argument was not expected:" : "The following arguments were not expected:";
     for (const std::string& word : words) text += ' ' + word;
     return text;
 }
 
-std::vector<std::string> corrections(const CLI::App& app) {
-    const std::vector<CLI::App*> parsed = app.get_subcommands();
+std::vector<std::string> corrections(const std::vector<std::string>& words, const Command& command) {
     std::vector<std::string> messages;
     const auto correct = [&](const std::string& word, const std::vector<std::string>& names) {
         const std::vector<std::string> near = nearNames(word, names);
         if (!near.empty()) messages.push_back(word + ": did you mean " + alternatives(near) + "?");
     };
-    bool isFirst = true;
-    for (const std::string& word : app.remaining(true)) {
+    for (const std::string& word : words) {
         const bool isOption = word.size() > 2 && word.front() == '-';
         if (isOption) {
-            correct(word.substr(0, word.find('=')), optionsOf(parsed.empty() ? app : *parsed.front()));
-        } else if (isFirst && parsed.empty()) {
-            correct(word, subcommandsOf(app));
+            correct(word.substr(0, word.find('=')), longNames(command));
+        } else if (&word == &words.front()) {
+            correct(word, commandNames(command));
         }
-        isFirst = false;
     }
     return messages;
 }

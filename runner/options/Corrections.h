@@ -3,17 +3,15 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}  // namespace CLI
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// After a command line was refused for words that mean nothing: which, in their order.
-std::string unexpectedWords(const CLI::App& app);
+/// Says that \p words of a command line mean nothing.
+std::string unexpectedWords(const std::vector<std::string>& words);
 
-/// After a command line was refused: what may be meant by those of its words that are no subcommand or option, a
-/// message each. "--recrod: did you mean --record?"
-std::vector<std::string> corrections(const CLI::App& app);
+/// What may be meant by those of the unexpected \p words that come near an option of \p command, or, for the first one,
+/// near a command of it, a message each: "--recrod: did you mean --record?"
+std::vector<std::string> corrections(const std::vector<std::string>& words, const Command& command);
 
 }  // namespace vexa::runner

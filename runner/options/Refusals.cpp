@@ -2,16 +2,14 @@
 
 #include <vector>
 
+#include "options/ContractOptions.h"
 #include "text/NearNames.h"
 #include "text/ShortText.h"
-#include "vexastandin/Finding.h"
 
 namespace vexa::runner {
 
 std::string noSuchRule(const std::string& name) {
-    std::vector<std::string> rules;
-    for (const standin::Rule& rule : standin::rules()) rules.emplace_back(rule.name);
-    const std::vector<std::string> near = nearNames(name, rules);
+    const std::vector<std::string> near = nearNames(name, ruleNames());
     const std::string message = "there is no rule \"" + name + "\"; ";
     return message + (near.empty() ? "'vexa-standin explain' lists them" : "is " + alternatives(near) + " meant?");
 }

@@ -1,14 +1,10 @@
 #include "trace/TraceOutputs.h"
 
-#include <CLI/CLI.hpp>
-
 #include "system/files/OutputTarget.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
 namespace {
-
-using Values = std::vector<std::string>;
 
 template <class Trace, class... Arguments>
 bool finished(std::optional<Trace>& trace, const Arguments&... arguments) {
@@ -23,19 +19,13 @@ bool finished(std::optional<Trace>& trace, const Arguments&... arguments) {
 
 }  // namespace
 
-void addTraceOptions(CLI::App& command, TraceOptions& options) {
-    command.add_option("--trace", options.events, "Write what happens as trace events; 'report' makes a page of them")
-        ->type_name("FILE");
-    command.add_option("--trace-text", options.text, "Write what happens as text to compare, a line a call")
-        ->type_name("FILE");
-    command.parse_complete_callback([&command, &options] {
-        options.facts.tool = std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION;
-        for (const CLI::Option* option : command.get_options()) {
-            if (option->count() == 0 || option->get_positional()) continue;
-            const bool isFlag = option->get_expected_max() == 0;
-            options.facts.options.emplace_back(option->get_name(), isFlag ? Values() : option->results());
-        }
-    });
+void addTraceOptions(Command& command, TraceOptions& options) {
+    command.add(option({"--trace"}, "FILE", "Write what happens as trace events; 'report' makes a page of them",
+                       &options.events));
+    command.add(
+        option({"--trace-text"}, "FILE", "Write what happens as text to compare, a line a call", &options.text));
+    command.given = &options.facts.options;
+    options.facts.tool = std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION;
 }
 
 void TraceOutputs::open(const TraceOptions& options) {

@@ -3,14 +3,10 @@
 #include <optional>
 #include <string>
 
-#include "options/ExitStatus.h"
+#include "options/Command.h"
 #include "trace/EventTrace.h"
 #include "trace/ObserverTee.h"
 #include "trace/TextTrace.h"
-
-namespace CLI {
-class App;
-}  // namespace CLI
 
 namespace vexa::runner {
 
@@ -22,7 +18,7 @@ struct TraceOptions {
 };
 
 /// Adds `--trace` and `--trace-text`. The facts get the program, and all options that \p command is given.
-void addTraceOptions(CLI::App& command, TraceOptions& options);
+void addTraceOptions(Command& command, TraceOptions& options);
 
 /// The traces of a run.
 class TraceOutputs {

@@ -1,15 +1,16 @@
 #include "commands/check/CheckCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <cstdio>
 #include <memory>
 
 #include "commands/check/CheckRun.h"
 #include "commands/check/tests/TestCatalogue.h"
+#include "options/CommonOptions.h"
 #include "options/Refusals.h"
 #include "terminal/Console.h"
 #include "terminal/WrappedText.h"
+#include "text/Seconds.h"
 
 namespace vexa::runner {
 namespace {
@@ -35,6 +36,8 @@ Exit status:
 
 std::string whyNoTest(const std::string& name) { return findCheckTest(name) != nullptr ? "" : noSuchTest(name); }
 
+std::string whyNoSeconds(const std::string& text) { return secondsOf(text) ? "" : kExpectedSeconds; }
+
 ExitStatus_e listTests() {
     for (const CheckTest& test : checkTests()) {
         std::printf("%s (level %d)\n%s%s", test.name, test.level, wrapped(test.summary, kWidth, "    ").c_str(),
@@ -49,50 +52,51 @@ ExitStatus_e check(const CheckOptions& options) {
     return ExitStatus_e::BadUsageOrInput;
 }
 
-CLI::Option* addFiles(CLI::App& command, const char* name, std::vector<std::string>& files, const char* help) {
-    return command.add_option(name, files, help)->allow_extra_args(false)->type_name("FILE");
+std::vector<std::string> testNames() {
+    std::vector<std::string> names;
+    for (const CheckTest& test : checkTests()) names.emplace_back(test.name);
+    return names;
 }
 
 }  // namespace
 
-void addCheckCommand(CLI::App& app, Action& chosen) {
+Command checkCommand() {
     const auto options = std::make_shared<CheckOptions>();
-    CLI::App& command = *app.add_subcommand("check", "Test an add-on thoroughly, in processes of their own");
-    command.footer(kCheckFooter);
-    const CLI::Validator isNoStream(whyNoStream, "");
-    command.add_option("FILE.so", options->addOn, "The add-on")->check(isNoStream)->type_name("");
-    addFiles(command, "--macro", options->macros, "A macro of its commands; may be given more than once");
-    addFiles(command, "--addon", options->others, "A further add-on, which the macros need")->check(isNoStream);
-    command.add_option("--level", options->level, "How thorough to be, 1 to 3")
-        ->check(CLI::Range(1, 3))
-        ->type_name("N");
-    addFiles(command, "--only", options->only, "Run this test, of whatever level; may be given more than once")
-        ->check(CLI::Validator(whyNoTest, ""))
-        ->type_name("NAME");
-    command.add_option("--seed", options->seed, "Of all that is random; the output names the seed taken")
-        ->type_name("N");
-    command.add_option("--time", options->time, "For how long each test of many cases goes on; 10")
-        ->check(CLI::PositiveNumber)
-        ->type_name("SECONDS");
-    addStyleOption(command, options->style);
-    command.add_option("--json", options->json, "Write a report for programs")->type_name("FILE");
-    command.add_option("--junit", options->junit, "Write a report in the form of JUnit")->type_name("FILE");
-    command.add_option("--sarif", options->sarif, "Write what did not pass in the form SARIF 2.1.0")->type_name("FILE");
+    const auto isList = std::make_shared<bool>(false);
+    constexpr Range kLevels = {1, 3};
+    Command command{"check", "Test an add-on thoroughly, in processes of their own", kCheckFooter};
+    command.add(argument("FILE.so", "The add-on", &options->addOn).check(whyNoStream));
+    command.add(option({"--macro"}, "FILE", "A macro of its commands; may be given more than once", &options->macros));
+    command.add(
+        option({"--addon"}, "FILE", "A further add-on, which the macros need", &options->others).check(whyNoStream));
+    command.add(option({"--level"}, "N", "How thorough to be, 1 to 3", &options->level).check(kLevels));
+    command.add(
+        option({"--only"}, "NAME", "Run this test, of whatever level; may be given more than once", &options->only)
+            .check(whyNoTest)
+            .suggest(testNames()));
+    command.add(option({"--seed"}, "N", "Of all that is random; the output names the seed taken", &options->seed));
+    command.add(option({"--time"}, "SECONDS", "For how long each test of many cases goes on; 10", &options->time)
+                    .check(whyNoSeconds));
+    command.add(styleOption(options->style));
+    command.add(option({"--json"}, "FILE", "Write a report for programs", &options->json));
+    command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
+    command.add(option({"--sarif"}, "FILE", "Write what did not pass in the form SARIF 2.1.0", &options->sarif));
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
-    command.add_flag("--warnings-as-errors", options->contract.warningsAsErrors, "Fail also where tests warn");
-    command.add_option("-o,--output-dir", options->folder, "Where macros that show a failure are written; .")
-        ->check(isNoStream)
-        ->type_name("FOLDER");
-    command.add_flag("--in-process", options->inProcess, "Run the tests in this process, for a debugger");
-    const CLI::Option& list = *command.add_flag("--list", "Explain the tests, and run none");
-    command.callback([options, &list, &chosen] {
-        const bool isList = list.count() > 0;
+    command.add(flag({"--warnings-as-errors"}, "Fail also where tests warn",
+                     SetSwitch{&options->contract.warningsAsErrors, true}));
+    command.add(
+        option({"-o", "--output-dir"}, "FOLDER", "Where macros that show a failure are written; .", &options->folder)
+            .check(whyNoStream));
+    command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->inProcess));
+    command.add(flag({"--list"}, "Explain the tests, and run none", isList.get()));
+    command.check = [options] {
         std::vector<std::string> inputs = options->macros;
         inputs.push_back(options->style.value_or(""));
         refuseSecondStandardInput(inputs);
-        chosen = [options, isList] { return isList ? listTests() : check(*options); };
-    });
+    };
+    command.run = [options, isList] { return *isList ? listTests() : check(*options); };
+    return command;
 }
 
 }  // namespace vexa::runner

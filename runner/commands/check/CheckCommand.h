@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `check`, which runs the tests of checkTests() on an add-on.
-void addCheckCommand(CLI::App& app, Action& chosen);
+/// `check` runs the tests of checkTests() on an add-on.
+Command checkCommand();
 
 }  // namespace vexa::runner

@@ -19,6 +19,7 @@
 #include "commands/check/tests/TestCatalogue.h"
 #include "commands/check/trial/Trial.h"
 #include "formats/MacroFile.h"
+#include "session/ProjectSettings.h"
 #include "system/files/AtomicFile.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -12,6 +11,7 @@
 #include <string_view>
 
 #include "commands/explain/ContractPage.h"
+#include "options/ContractOptions.h"
 #include "options/Refusals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
@@ -83,14 +83,15 @@ ExitStatus_e explain(const ExplainOptions& options) {
 
 }  // namespace
 
-void addExplainCommand(CLI::App& app, Action& chosen) {
+Command explainCommand() {
     const auto options = std::make_shared<ExplainOptions>();
-    CLI::App& explainCommand = *app.add_subcommand("explain", "Explain the rules of the host's contract");
-    explainCommand.footer(kExplainFooter);
-    CLI::Option* const rule = explainCommand.add_option("RULE", options->rule, "The rule; all are listed without one");
-    rule->type_name("");
-    explainCommand.add_flag("--markdown", options->markdown, "Print the page of all rules")->excludes(rule);
-    explainCommand.callback([options, &chosen] { chosen = [options] { return explain(*options); }; });
+    Command command{"explain", "Explain the rules of the host's contract", kExplainFooter};
+    command.add(argument("RULE", "The rule; all are listed without one", &options->rule)
+                    .suggest(ruleNames())
+                    .exclude("--markdown"));
+    command.add(flag({"--markdown"}, "Print the page of all rules", &options->markdown).exclude("RULE"));
+    command.run = [options] { return explain(*options); };
+    return command;
 }
 
 }  // namespace vexa::runner

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `explain`, which tells of the rules of the host's contract.
-void addExplainCommand(CLI::App& app, Action& chosen);
+/// `explain` prints the rules of the host's contract.
+Command explainCommand();
 
 }  // namespace vexa::runner

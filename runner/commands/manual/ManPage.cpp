@@ -1,9 +1,5 @@
 #include "commands/manual/ManPage.h"
 
-#include <CLI/CLI.hpp>
-#include <sstream>
-
-#include "options/CommandTree.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
@@ -34,50 +30,48 @@ std::string quoted(const std::string& text) { return '"' + escaped(text) + '"'; 
 // Text laid out already: it stays so.
 std::string asWritten(const std::string& text) { return text.empty() ? "" : ".PP\n.EX\n" + escaped(text) + "\n.EE\n"; }
 
-std::string usageOf(const CLI::App& command) {
-    std::string usage = bold(std::string(kProgramName) + ' ' + command.get_name());
-    for (const CLI::Option* option : positionals(command)) {
-        const std::string value = italic(valueNameOf(*option)) + (option->get_expected_max() > 1 ? " ..." : "");
-        usage += ' ' + (option->get_required() ? value : '[' + value + ']');
+std::string usageOf(const Command& command) {
+    std::string usage = bold(std::string(kProgramName) + ' ' + command.name);
+    for (const Option* option : argumentsOf(command)) {
+        const std::string value = italic(option->valueName()) + (option->isRepeatable() ? " ..." : "");
+        usage += ' ' + (option->isRequired() ? value : '[' + value + ']');
     }
     return usage + " [" + italic("option") + " ...]";
 }
 
-std::string labelOf(const CLI::Option& option) {
-    const std::string value = valueNameOf(option);
-    if (option.get_positional()) return italic(value);
+std::string labelOf(const Option& option) {
+    if (option.isArgument()) return italic(option.valueName());
     std::string label;
-    for (const std::string& name : namesOf(option)) label += (label.empty() ? "" : ", ") + bold(name);
-    return label + (value.empty() ? "" : ' ' + italic(value));
+    for (const std::string& name : option.names()) label += (label.empty() ? "" : ", ") + bold(name);
+    return label + (option.valueName().empty() ? "" : ' ' + italic(option.valueName()));
 }
 
-std::string entryOf(const CLI::Option& option) {
-    const bool isToBeSaid = option.get_required() && !option.get_positional();
-    return ".TP\n" + labelOf(option) + '\n' + escaped(option.get_description()) + (isToBeSaid ? " (required)" : "") +
-           '\n';
+std::string entryOf(const Option& option) {
+    const bool isToBeSaid = option.isRequired() && !option.isArgument();
+    return ".TP\n" + labelOf(option) + '\n' + escaped(option.help()) + (isToBeSaid ? " (required)" : "") + '\n';
 }
 
-std::string entriesOf(const CLI::App& command) {
+std::string entriesOf(const Command& command) {
     std::string entries;
-    for (const CLI::Option* option : positionals(command)) entries += entryOf(*option);
-    for (const CLI::Option* option : namedOptions(command)) entries += entryOf(*option);
+    for (const Option* option : argumentsOf(command)) entries += entryOf(*option);
+    for (const Option* option : namedOptionsOf(command)) entries += entryOf(*option);
     return entries;
 }
 
 }  // namespace
 
-std::string manPage(const CLI::App& app) {
+std::string manPage(const Command& program) {
     std::string page = ".\\\" Generated from the command line of the program.\n.TH VEXA\\-STANDIN 1 \"\" " +
                        quoted(std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION) + " \"User Commands\"\n";
     page += ".SH NAME\n" + escaped(kProgramName) + " \\- a stand\\-in host that runs and tests add\\-ons\n";
     page += ".SH SYNOPSIS\n";
-    for (const CLI::App* command : shownCommands(app)) page += usageOf(*command) + "\n.br\n";
-    page += ".SH DESCRIPTION\n" + escaped(app.get_description()) + '\n';
-    page += ".SH OPTIONS\n" + entriesOf(app);
+    for (const Command* command : shownCommands(program)) page += usageOf(*command) + "\n.br\n";
+    page += ".SH DESCRIPTION\n" + escaped(program.summary) + '\n';
+    page += ".SH OPTIONS\n" + entriesOf(program);
     page += ".SH COMMANDS\n";
-    for (const CLI::App* command : shownCommands(app)) {
-        page += ".SS " + escaped(command->get_name()) + '\n' + escaped(command->get_description()) + ".\n.PP\n" +
-                usageOf(*command) + '\n' + entriesOf(*command) + asWritten(command->get_footer());
+    for (const Command* command : shownCommands(program)) {
+        page += ".SS " + escaped(command->name) + '\n' + escaped(command->summary) + ".\n.PP\n" + usageOf(*command) +
+                '\n' + entriesOf(*command) + asWritten(command->footer);
     }
     return page + ".SH SEE ALSO\n" + escaped("bash(1), ctest(1)") + '\n';
 }

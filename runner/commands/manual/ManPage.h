@@ -2,13 +2,11 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}  // namespace CLI
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// The manual page of \p app, with all its commands, for man.
-std::string manPage(const CLI::App& app);
+/// The manual page of \p program, with all its commands, for man.
+std::string manPage(const Command& program);
 
 }  // namespace vexa::runner

@@ -1,27 +1,45 @@
 #include "commands/manual/ManualCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "commands/manual/Completion.h"
 #include "commands/manual/ManPage.h"
 
 namespace vexa::runner {
+namespace {
 
-void addManualCommand(CLI::App& app, Action& chosen) {
+struct Form {
+    const char* name;
+    std::string (*print)(const Command& program);
+};
+
+constexpr Form kForms[] = {{"man", manPage}, {"bash", bashCompletion}};
+
+std::vector<std::string> formNames() {
+    std::vector<std::string> names;
+    for (const Form& form : kForms) names.emplace_back(form.name);
+    return names;
+}
+
+ExitStatus_e printManual(const Command& program, const std::string& name) {
+    for (const Form& form : kForms) {
+        if (name == form.name) std::fputs(form.print(program).c_str(), stdout);
+    }
+    return ExitStatus_e::AllWell;
+}
+
+}  // namespace
+
+Command manualCommand(const Command& program) {
     const auto form = std::make_shared<std::string>();
-    CLI::App& command = *app.add_subcommand("manual", "Print the manual")->group("");
-    command.add_option("FORM", *form, "man, or bash for its completion")
-        ->required()
-        ->check(CLI::IsMember({"man", "bash"}));
-    command.callback([&app, form, &chosen] {
-        chosen = [&app, form] {
-            std::fputs((*form == "man" ? manPage(app) : bashCompletion(app)).c_str(), stdout);
-            return ExitStatus_e::AllWell;
-        };
-    });
+    Command command{"manual", "Print the manual"};
+    command.isHidden = true;
+    command.add(argument("FORM", "man, or bash for its completion", form.get()).require().allow(formNames()));
+    command.run = [&program, form] { return printManual(program, *form); };
+    return command;
 }
 
 }  // namespace vexa::runner

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `manual`, which prints what the build installs beside the program: the manual page, and the completion of bash.
-/// The help does not show it.
-void addManualCommand(CLI::App& app, Action& chosen);
+/// `manual` prints what the build installs beside the program: the manual page, and the completions of shells. The help
+/// does not show it.
+/// \param program  what the manual is about; it must outlive what is returned
+Command manualCommand(const Command& program);
 
 }  // namespace vexa::runner

@@ -1,11 +1,12 @@
 #include "commands/new/NewCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "commands/new/NewProject.h"
+#include "options/CommonOptions.h"
+#include "options/UsageError.h"
 #include "terminal/Console.h"
 #include "text/ShellWord.h"
 
@@ -50,26 +51,23 @@ ExitStatus_e writeNewProject(const NewOptions& options) {
 
 }  // namespace
 
-void addNewCommand(CLI::App& app, Action& chosen) {
+Command newCommand() {
     const auto options = std::make_shared<NewOptions>();
-    CLI::App& command = *app.add_subcommand("new", "Write the project of a new add-on");
-    command.footer(kNewFooter);
-    command
-        .add_option("FOLDER", options->folder,
-                    "Where it goes; it must be missing, or empty. Its name is that of the CMake target")
-        ->required()
-        ->check(CLI::Validator(whyNoStream, ""))
-        ->type_name("");
-    command.add_option("--id", options->id, "How macros address the add-on; made of the folder's name unless given")
-        ->check(CLI::Validator(whyNoId, ""))
-        ->type_name("ID");
-    command.add_option("--title", options->title, "The add-on's title for people; as --id")
-        ->check(CLI::Validator(whyNoTitle, ""))
-        ->type_name("TEXT");
-    command.callback([options, &chosen] {
-        if (options->folder.empty()) throw CLI::ValidationError("FOLDER", "expected a name");
-        chosen = [options] { return writeNewProject(*options); };
-    });
+    Command command{"new", "Write the project of a new add-on", kNewFooter};
+    command.add(argument("FOLDER", "Where it goes; it must be missing, or empty. Its name is that of the CMake target",
+                         &options->folder)
+                    .require()
+                    .check(whyNoStream));
+    command.add(
+        option({"--id"}, "ID", "How macros address the add-on; made of the folder's name unless given", &options->id)
+            .check(whyNoId));
+    command.add(
+        option({"--title"}, "TEXT", "The add-on's title for people; as --id", &options->title).check(whyNoTitle));
+    command.check = [options] {
+        if (options->folder.empty()) throw UsageError::in("FOLDER", "expected a name");
+    };
+    command.run = [options] { return writeNewProject(*options); };
+    return command;
 }
 
 }  // namespace vexa::runner

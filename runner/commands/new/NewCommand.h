@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `new`, which writes the project of a new add-on.
-void addNewCommand(CLI::App& app, Action& chosen);
+/// `new` writes the project of a new add-on.
+Command newCommand();
 
 }  // namespace vexa::runner

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
 #include <memory>
@@ -15,6 +14,7 @@
 #include "formats/MacroFile.h"
 #include "formats/MacroText.h"
 #include "formats/StyleFile.h"
+#include "options/CommonOptions.h"
 #include "options/Refusals.h"
 #include "session/AddOns.h"
 #include "session/FailureText.h"
@@ -245,18 +245,16 @@ ExitStatus_e runRepl(const ReplOptions& options) {
 
 }  // namespace
 
-void addReplCommand(CLI::App& app, Action& chosen) {
+Command replCommand() {
     const auto options = std::make_shared<ReplOptions>();
-    CLI::App& command = *app.add_subcommand("repl", "Run commands as they are typed");
-    command.footer(kReplFooter);
-    addAddOnOption(command, options->addOns);
-    addStyleOption(command, options->style);
-    command.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
-    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
-    command.callback([options, &chosen] {
-        refuseSecondStandardInput({"-", options->style.value_or("")});
-        chosen = [options] { return runRepl(*options); };
-    });
+    Command command{"repl", "Run commands as they are typed", kReplFooter};
+    command.add(addOnOption(options->addOns).require());
+    command.add(styleOption(options->style));
+    command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options->record));
+    command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
+    command.check = [options] { refuseSecondStandardInput({"-", options->style.value_or("")}); };
+    command.run = [options] { return runRepl(*options); };
+    return command;
 }
 
 }  // namespace vexa::runner

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `repl`, which runs the commands that the user types.
-void addReplCommand(CLI::App& app, Action& chosen);
+/// `repl` runs the commands that the user types.
+Command replCommand();
 
 }  // namespace vexa::runner

@@ -1,6 +1,5 @@
 #include "commands/report/ReportCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
@@ -49,13 +48,13 @@ ExitStatus_e report(const ReportOptions& options) {
 
 }  // namespace
 
-void addReportCommand(CLI::App& app, Action& chosen) {
+Command reportCommand() {
     const auto options = std::make_shared<ReportOptions>();
-    CLI::App& command = *app.add_subcommand("report", "Make a page of a trace, for browsers");
-    command.footer(kReportFooter);
-    command.add_option("TRACE", options->trace, "What 'run --trace' wrote")->required()->type_name("");
-    command.add_option("-o,--output", options->output, "The page")->required()->type_name("FILE.html");
-    command.callback([options, &chosen] { chosen = [options] { return report(*options); }; });
+    Command command{"report", "Make a page of a trace, for browsers", kReportFooter};
+    command.add(argument("TRACE", "What 'run --trace' wrote", &options->trace).require());
+    command.add(option({"-o", "--output"}, "FILE.html", "The page", &options->output).require());
+    command.run = [options] { return report(*options); };
+    return command;
 }
 
 }  // namespace vexa::runner

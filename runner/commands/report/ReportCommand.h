@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `report`, which makes a page for browsers of a trace.
-void addReportCommand(CLI::App& app, Action& chosen);
+/// `report` makes a page for browsers from a trace.
+Command reportCommand();
 
 }  // namespace vexa::runner

@@ -1,6 +1,5 @@
 #include "commands/run/RunCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -9,6 +8,9 @@
 #include <vector>
 
 #include "commands/run/ManyRuns.h"
+#include "options/CommonOptions.h"
+#include "options/UsageError.h"
+#include "session/ProjectSettings.h"
 #include "session/WatchedRun.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
@@ -77,7 +79,7 @@ void refuseForSeveral(const RunRequest& request) {
         {"--style -", options.style && isStandardInput(*options.style)},
     };
     for (const auto& [name, isGiven] : given) {
-        if (isGiven) throw CLI::ValidationError(name, "goes with one macro file only");
+        if (isGiven) throw UsageError::in(name, "goes with one macro file only");
     }
 }
 
@@ -121,33 +123,31 @@ ExitStatus_e run(RunRequest& request) {
 
 }  // namespace
 
-void addRunCommand(CLI::App& app, Action& chosen) {
+Command runCommand() {
     const auto request = std::make_shared<RunRequest>();
-    RunOptions* const options = &request->options;
-    CLI::App& command = *app.add_subcommand("run", "Run macro files");
-    command.footer(kRunFooter);
-    command.add_option("MACROFILE", request->macroFiles, "The macro files; - reads the standard input")
-        ->required()
-        ->type_name("");
-    addAddOnOption(command, options->addOns);
-    addStyleOption(command, options->style);
-    command.add_option("--record", options->record, "Write the commands that the add-ons record")->type_name("FILE");
-    command.add_option("--journal", options->journal, "Write the data-set journal")->type_name("FILE");
-    addStrictOptions(command, options->contract);
-    addSuppressOptions(command, options->contract);
-    addTimeoutOption(command, options->contract);
-    addTraceOptions(command, options->trace);
-    command.add_option("--json", options->json, "Write results for programs, a line a command")->type_name("FILE");
-    addJobsOption(command, request->jobs, "macro files");
-    command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
-    command.add_flag("--keep-going", options->keepGoing, "Run on after a failed command");
-    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
-    command.add_flag("--verbose", options->verbose, "Show each command before it runs, and a summary");
-    command.callback([request, &chosen] {
+    RunOptions& options = request->options;
+    Command command{"run", "Run macro files", kRunFooter};
+    command.add(argument("MACROFILE", "The macro files; - reads the standard input", &request->macroFiles).require());
+    command.add(addOnOption(options.addOns).require());
+    command.add(styleOption(options.style));
+    command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options.record));
+    command.add(option({"--journal"}, "FILE", "Write the data-set journal", &options.journal));
+    addStrictOptions(command, options.contract);
+    addSuppressOptions(command, options.contract);
+    addTimeoutOption(command, options.contract);
+    addTraceOptions(command, options.trace);
+    command.add(option({"--json"}, "FILE", "Write results for programs, a line a command", &options.json));
+    command.add(jobsOption(request->jobs, "macro files"));
+    command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options.batch));
+    command.add(flag({"--keep-going"}, "Run on after a failed command", &options.keepGoing));
+    command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options.inProcess));
+    command.add(flag({"--verbose"}, "Show each command before it runs, and a summary", &options.verbose));
+    command.check = [request] {
         if (request->macroFiles.size() > 1) refuseForSeveral(*request);
         refuseSecondStandardInput({request->macroFiles.front(), request->options.style.value_or("")});
-        chosen = [request] { return run(*request); };
-    });
+    };
+    command.run = [request] { return run(*request); };
+    return command;
 }
 
 }  // namespace vexa::runner

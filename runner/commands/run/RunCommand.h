@@ -1,11 +1,11 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `run`, which runs a macro file. The standard output is left to the add-ons. SIGINT stops the command that runs,
-/// and no other is begun; what was recorded is written all the same.
-void addRunCommand(CLI::App& app, Action& chosen);
+/// `run` runs macro files. The standard output is left to the add-ons. SIGINT stops the command that runs, and no other
+/// starts; what was recorded is written all the same.
+Command runCommand();
 
 }  // namespace vexa::runner

@@ -1,9 +1,10 @@
 #include "commands/test/TestCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "commands/test/MacroTests.h"
+#include "options/CommonOptions.h"
+#include "session/ProjectSettings.h"
 
 namespace vexa::runner {
 namespace {
@@ -27,29 +28,25 @@ Exit status:
 
 }  // namespace
 
-void addTestCommand(CLI::App& app, Action& chosen) {
+Command testCommand() {
     const auto options = std::make_shared<MacroTestOptions>();
-    CLI::App& command = *app.add_subcommand("test", "Compare what macros do with what is expected of them");
-    command.footer(kTestFooter);
-    command.add_option("MACRO", options->paths, "Folders of macros, NAME.macro, or such files")
-        ->required()
-        ->type_name("");
-    addAddOnOption(command, options->addOns);
-    command.add_flag("--accept", options->accepts, "Expect from now on what they do now");
-    addJobsOption(command, options->jobs, "macros");
-    addStyleOption(command, options->style);
-    command.add_option("--junit", options->junit, "Write a report in the form of JUnit")->type_name("FILE");
+    Command command{"test", "Compare what macros do with what is expected of them", kTestFooter};
+    command.add(argument("MACRO", "Folders of macros, NAME.macro, or such files", &options->paths).require());
+    command.add(addOnOption(options->addOns).require());
+    command.add(flag({"--accept"}, "Expect from now on what they do now", &options->accepts));
+    command.add(jobsOption(options->jobs, "macros"));
+    command.add(styleOption(options->style));
+    command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
-    command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
-    command.add_flag("--batch", options->batch, "Tell the add-ons that no user is there");
-    command.callback([options, &chosen] {
-        chosen = [options] {
-            if (!addProjectFile(options->contract)) return ExitStatus_e::BadUsageOrInput;
-            return testMacros(*options);
-        };
-    });
+    command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
+    command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options->batch));
+    command.run = [options] {
+        if (!addProjectFile(options->contract)) return ExitStatus_e::BadUsageOrInput;
+        return testMacros(*options);
+    };
+    return command;
 }
 
 }  // namespace vexa::runner

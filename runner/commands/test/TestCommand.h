@@ -1,10 +1,10 @@
 #pragma once
 
-#include "options/CommandLine.h"
+#include "options/Command.h"
 
 namespace vexa::runner {
 
-/// Adds `test`, which compares what macros do with what they are expected to do.
-void addTestCommand(CLI::App& app, Action& chosen);
+/// `test` compares what macros do with what they are expected to do.
+Command testCommand();
 
 }  // namespace vexa::runner

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "options/ExitStatus.h"
+#include "options/Option.h"
+
+namespace vexa::runner {
+
+/// What the command line asks for.
+using Action = std::function<ExitStatus_e()>;
+
+/// An option that the user gave, and its values as text.
+using GivenOption = std::pair<std::string, std::vector<std::string>>;
+
+/// A command of the program, or the program itself, which has commands. All that the parser, the help, the manual page
+/// and the completions of shells know about it.
+struct Command {
+    std::string name;
+    std::string summary;
+    std::string footer = {};           ///< stands below the options in the help: examples, exit statuses
+    std::vector<Option> options = {};  ///< in the help's order
+    std::vector<Command> commands = {};
+    bool isHidden = false;                  ///< whether help, manual page and completions leave it out
+    std::function<void()> check = nullptr;  ///< throws UsageError when options do not go together; may be empty
+    Action run = nullptr;
+    std::vector<GivenOption>* given = nullptr;  ///< gets the options that the user gave, if not null
+
+    void add(Option option) { options.push_back(std::move(option)); }
+};
+
+/// The commands of \p program that are not hidden.
+std::vector<const Command*> shownCommands(const Command& program);
+
+/// What \p command takes by place, and what by name.
+std::vector<const Option*> argumentsOf(const Command& command);
+std::vector<const Option*> namedOptionsOf(const Command& command);
+
+}  // namespace vexa::runner
