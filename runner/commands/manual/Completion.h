@@ -10,6 +10,8 @@ namespace vexa::runner {
 // The scripts by which shells complete the command line of a program: commands, options, rules, tests and files.
 
 std::string bashCompletion(const Command& program);
+std::string zshCompletion(const Command& program);
+std::string fishCompletion(const Command& program);
 
 /// The names of the commands that are completed.
 std::vector<std::string> completedCommands(const Command& program);

@@ -16,7 +16,8 @@ struct Form {
     std::string (*print)(const Command& program);
 };
 
-constexpr Form kForms[] = {{"man", manPage}, {"bash", bashCompletion}};
+constexpr Form kForms[] = {
+    {"man", manPage}, {"bash", bashCompletion}, {"zsh", zshCompletion}, {"fish", fishCompletion}};
 
 std::vector<std::string> formNames() {
     std::vector<std::string> names;
@@ -37,7 +38,9 @@ Command manualCommand(const Command& program) {
     const auto form = std::make_shared<std::string>();
     Command command{"manual", "Print the manual"};
     command.isHidden = true;
-    command.add(argument("FORM", "man, or bash for its completion", form.get()).require().allow(formNames()));
+    command.add(argument("FORM", "man, or a shell for its completion: bash, zsh or fish", form.get())
+                    .require()
+                    .allow(formNames()));
     command.run = [&program, form] { return printManual(program, *form); };
     return command;
 }

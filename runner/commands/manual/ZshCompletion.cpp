@@ -1,0 +1,95 @@
+#include "commands/manual/Completion.h"
+
+namespace vexa::runner {
+namespace {
+
+// In the script COMMANDS stands for all of them, OPTIONS for those of the program, and CASES for what each command
+// takes.
+constexpr const char* kScript = R"(#compdef vexa-standin
+# zsh completion of vexa-standin. Generated from its command line.
+
+_vexa-standin() {
+    local curcontext=$curcontext state line
+    local -a names=(
+COMMANDS    )
+    _arguments -C \
+OPTIONS        '1: :->command' '*:: :->arguments'
+    case $state in
+        command) _describe -t commands command names ;;
+        arguments)
+            case $words[1] in
+CASES            esac
+            ;;
+    esac
+}
+
+if [[ $funcstack[1] == _vexa-standin ]]; then
+    _vexa-standin "$@"
+else
+    compdef _vexa-standin vexa-standin
+fi
+)";
+
+// In single quotes, with a backslash before what has a meaning to zsh's functions.
+std::string quoted(const std::string& text) { return '\'' + text + '\''; }
+
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == ':' || c == '[' || c == ']' || c == '\\') result += '\\';
+        result += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return result;
+}
+
+// What stands for a value: ":FILE:_files", ":RULE:(a b c)", ":N: "
+std::string valueOf(const Option& option) {
+    const std::string start = ':' + escaped(option.valueName()) + ':';
+    if (!option.words().empty()) return start + '(' + joined(option.words(), " ") + ')';
+    return start + (option.takesFiles() ? "_files" : " ");
+}
+
+// How _arguments has it: '(-j --jobs)'{-j,--jobs=}'[How many run]:N: '. In front of it stand the names that it is not
+// offered after: its own ones, unless it may be given again.
+std::string specOf(const Option& option) {
+    if (option.isArgument()) return quoted((option.isRepeatable() ? "*" : "1") + valueOf(option));
+    const bool hasValue = !option.valueName().empty();
+    const std::string rest = '[' + escaped(option.help()) + ']' + (hasValue ? valueOf(option) : "");
+    std::string specs;
+    for (const std::string& name : option.names()) {
+        const bool isLong = name.size() > 2;
+        const std::string taken = option.isRepeatable() ? "*" : '(' + joined(option.names(), " ") + ')';
+        specs += (specs.empty() ? "" : " ") + quoted(taken + name + (hasValue ? (isLong ? "=" : "+") : "") + rest);
+    }
+    return specs;
+}
+
+std::string specsOf(const Command& command, const std::string& indent) {
+    std::string specs;
+    for (const Option& option : command.options) specs += indent + specOf(option) + " \\\n";
+    return specs;
+}
+
+std::string caseOf(const Command& command) {
+    std::string specs = specsOf(command, "                        ");
+    specs.resize(specs.size() - 3);  // " \\\n"
+    return "                " + command.name + ")\n                    _arguments \\\n" + specs + " ;;\n";
+}
+
+}  // namespace
+
+std::string zshCompletion(const Command& program) {
+    std::string commands;
+    std::string cases;
+    for (const Command* command : shownCommands(program)) {
+        commands += "        " + quoted(command->name + ':' + escaped(command->summary)) + '\n';
+        cases += caseOf(*command);
+    }
+    std::string script = kScript;
+    fillIn(script, "COMMANDS", commands);
+    fillIn(script, "OPTIONS", specsOf(program, "        "));
+    fillIn(script, "CASES", cases);
+    return script;
+}
+
+}  // namespace vexa::runner
