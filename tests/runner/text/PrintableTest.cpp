@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "terminal/TextWidth.h"
-
 namespace vexa::runner {
 namespace {
 
@@ -74,15 +72,6 @@ TEST(Printable, DoesNotEscapeTwice) {
 }
 
 TEST(PrintableLine, IsOneLine) { EXPECT_EQ(printableLine("a\nb\tc\033\n"), "a\\nb\\tc\\x1B\\n"); }
-
-TEST(AsOneLine, HasNothingThatATerminalWouldObey) {
-    EXPECT_EQ(asOneLine("a\033[2J\n\tb\rc"), "a [2J  b c");
-    EXPECT_EQ(asOneLine("a\u009Bb\xFF"
-                        "c"),
-              "a?b?c");
-    EXPECT_EQ(asOneLine("a\u202Eb\u2066c"), "a?b?c");
-    EXPECT_EQ(asOneLine("Größe 中文"), "Größe 中文");
-}
 
 }  // namespace
 }  // namespace vexa::runner
