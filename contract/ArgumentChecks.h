@@ -1,5 +1,5 @@
 /// \file
-/// What the contract makes of an argument, and of a result, for its type alone.
+/// Checks that depend only on the type of an argument or a result.
 #pragma once
 
 #include <cstddef>
@@ -11,12 +11,13 @@
 
 namespace vexa::standin {
 
-/// A text for which null stands, too, by the description of the function.
+/// A text argument that may be null.
 struct OptionalText {
     const char* text;
 };
 
-/// Returns whether \p address is one.
+/// Reports a null address.
+/// \return whether \p address is not null.
 inline bool checkAddress(Books& books, const Moment& now, const void* address) {
     if (address == nullptr) {
         books.findings.add("null-address", std::string(nameOf(*now.function)) + " was given a null address", now);
@@ -36,7 +37,7 @@ void checkArgument(Books& books, const Moment& now, Number* result) {
     checkAddress(books, now, result);
 }
 
-/// An identity is judged where it is used first.
+/// VexaUtilLockStart() checks the identity itself.
 inline void checkArgument(Books&, const Moment&, const AddOnList_s*) {}
 
 inline void checkArgument(Books& books, const Moment& now, const ThreadMutex_s* mutex) {
@@ -51,12 +52,12 @@ inline void checkArgument(Books& books, const Moment& now, const Set_s* set) {
     books.setLedger.checkUse(set, now, books.findings);
 }
 
-/// A set to be changed, as its type says.
+/// The function changes the set: its type is not const.
 inline void checkArgument(Books& books, const Moment& now, Set_s* set) {
     books.setLedger.checkChange(set, now, books.findings);
 }
 
-// The handle at an address is to be freed.
+// A function that takes the address of a handle frees that handle.
 
 inline void checkArgument(Books& books, const Moment& now, ThreadMutex_s** mutex) {
     if (!checkAddress(books, now, mutex)) return;
@@ -84,13 +85,14 @@ inline void checkArgument(Books& books, const Moment& now, char** string) {
     books.stringLedger.freed(*string, now);
 }
 
-/// The ledger of the handles of a type.
+/// The ledger for handles of a type.
 inline HandleLedger& ledgerOf(Books& books, const ThreadMutex_s*) { return books.mutexLedger; }
 inline HandleLedger& ledgerOf(Books& books, const ArgList_s*) { return books.argListLedger; }
 inline HandleLedger& ledgerOf(Books& books, const Set_s*) { return books.setLedger; }
 inline HandleLedger& ledgerOf(Books& books, const char*) { return books.stringLedger; }
 
-/// \param number of the object behind the handle \p result, among those of its kind.
+/// Enters the handle that a function returned.
+/// \param number which of its kind the handle is, counted from 1.
 template <class Result>
 void checkResult(Books& books, const Moment& now, Result result, std::size_t number) {
     if constexpr (std::is_pointer_v<Result>) {

@@ -10,18 +10,18 @@
 
 namespace vexa::standin {
 
-/// The kinds of arguments, by the functions that append them.
+/// The kind of an argument. Each kind has a function that appends it.
 enum class ArgumentKind_e { String, Integer, DoubleAddress, ParamAddress };
 
-/// The names in argument lists.
+/// Remembers which names each argument list has, and checks them.
 class ArgumentNames {
 public:
     explicit ArgumentNames(HandleLedger& argLists) : m_argLists(argLists) {}
 
-    /// Judges an argument that was appended.
+    /// Checks an argument that was appended.
     void appended(const void* argList, const char* name, ArgumentKind_e kind, const Moment& now, FindingLog& findings);
     void forget(const void* argList) { m_names.erase(argList); }
-    /// Judges the list of a style query.
+    /// Checks the argument list of a style query.
     void queried(const void* argList, const Moment& now, FindingLog& findings) const;
 
 private:

@@ -17,15 +17,15 @@
 
 namespace vexa::standin {
 
-/// One time in an add-on, or in none, and what it leaves open.
+/// What is open in one entry into an add-on, or outside all add-ons.
 struct EntryBooks {
     std::shared_ptr<Entry> entry;
     Scopes scopes;
     StatusRules status;
-    bool hadNoMemory = false;  ///< whether the host refused it a string
+    bool hadNoMemory = false;  ///< whether the host had no memory for a string
 };
 
-/// What the contract remembers of what happened so far, family by family.
+/// Everything that the contract remembers, one part for each family of rules.
 struct Books {
     explicit Books(const HostStringsInterface& hostStrings) : strings(stringLedger, hostStrings) {}
     Books(const Books&) = delete;
@@ -43,8 +43,8 @@ struct Books {
     ArgumentNames arguments{argListLedger};
     StringRules strings;
     ThreadRules threads;
-    std::set<const AddOnList_s*> identities;  ///< of the add-ons that were ever loaded
-    std::vector<EntryBooks> entries;          ///< innermost last; the first is the time spent in no add-on
+    std::set<const AddOnList_s*> identities;  ///< of all add-ons loaded so far
+    std::vector<EntryBooks> entries;          ///< innermost last; the first stands for the time outside all add-ons
 };
 
 }  // namespace vexa::standin

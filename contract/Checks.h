@@ -1,5 +1,5 @@
 /// \file
-/// What the contract makes of each host function. What holds for every argument of a type stands in ArgumentChecks.h.
+/// How the calls of each host function are checked. ArgumentChecks.h has the checks that depend on types only.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@
 
 namespace vexa::standin {
 
-/// What a function has to itself: nothing, unless its Check says otherwise.
+/// A function that needs no checks beyond those of the types of its arguments.
 struct NoCheck {
     template <class... Arguments>
     static void began(Books&, const Moment&, const Arguments&...) {}
@@ -24,7 +24,7 @@ struct NoCheck {
     static void ended(Books&, const Moment&, const Arguments&...) {}
 };
 
-/// How the calls of \p function are checked. A function without is refused by the compiler.
+/// How the calls of \p function are checked. A call of a function without a Check does not compile.
 template <HostFunction function>
 struct Check;
 
@@ -176,7 +176,8 @@ struct Check<HostFunction::VexaUtilStringDealloc> : NoCheck {};
 
 template <ArgumentKind_e kind>
 struct Appends : NoCheck {
-    // Of an argument refused for its value there is a finding by then; it is not missing on top of that.
+    // A null value has already been reported. It counts as appended, so that the argument is not reported as missing,
+    // too.
     template <class Value>
     static void ended(Books& books, const Moment& now, const ArgList_s* argList, const char* name, const Value& value,
                       VexaBoolean isAppended) {
@@ -220,7 +221,7 @@ struct Check<HostFunction::VexaUtilSetInsert> : NoCheck {};
 template <>
 struct Check<HostFunction::VexaUtilSetNextRange> : NoCheck {};
 
-// ---- All of them
+// ---- What a host calls
 
 /// Checks a call that begins. A host calls this before it does what the function is to do.
 /// \param call the number of the call, counted from 1.

@@ -84,7 +84,7 @@ Place Contract::placeNow(std::size_t call, std::optional<HostFunction> function)
     return placeOf({entry, entry->thread, call, function});
 }
 
-// Between two entries a call on another thread than the last one's is still that add-on's business.
+// Between two entries, a call on another thread comes from the add-on that the host entered last.
 Moment Contract::momentOf(std::size_t call, HostFunction function) {
     const std::size_t thread = m_threads.mine();
     const std::shared_ptr<const Entry>& last = m_books.threads.last();

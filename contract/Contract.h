@@ -19,43 +19,45 @@ namespace vexa::standin {
 
 /// Checks that add-ons keep the rules of rules().
 ///
-/// It judges by the calls that were made, not by what the host did upon them: a call that the host was told to fail
-/// counts as made. What a call takes counts when the call returns, what it gives back when it begins.
+/// It checks the calls that were made, whatever the host did with them: a call that the host was told to fail counts,
+/// too. What a call acquires counts from the return of the call, and what it releases until the call begins.
 ///
-/// Errors:  without memory for its books it gives up, for good: it makes no finding rather than a false one.
+/// Errors:  if it runs out of memory it stops checking for good, because any further finding could be wrong.
 /// Threads: safe from any.
 class Contract {
 public:
     using Show = std::function<void(const Finding&)>;
 
-    /// \param show    called with each finding, on the thread that made it, with nothing locked.
-    /// \param strings the host's strings, to look at what was written to them.
+    /// \param threads numbers the threads; lives longer than this.
+    /// \param strings the host's strings, to see what was written to them; lives longer than this.
+    /// \param show    called with each finding, on the thread that made the call, with nothing locked.
     Contract(ThreadNumbers& threads, const HostStringsInterface& strings, Show show);
 
     bool isOn() const { return m_isOn.load(std::memory_order_relaxed); }
     void setOn(bool isOn) { m_isOn = isOn; }
 
-    /// Has \p check judge what begins or ends with a call, and keep the books; not when nothing is checked.
-    /// \param check is given the books and the moment.
+    /// Runs \p check on the books for the beginning or the end of a call, unless checking is off. checkCall() and
+    /// checkReturn() call it.
+    /// \param check takes the books and the moment.
     template <class Check>
     void check(std::size_t call, HostFunction function, const Check& check) {
         if (isOn()) update([&] { check(m_books, momentOf(call, function)); });
     }
 
-    /// The host enters an add-on, on the calling thread.
+    /// The host enters an add-on on the calling thread.
     void enter(Entry entry);
-    /// The add-on being loaded will be known to the host by \p identity.
+    /// The add-on that is being loaded gets \p identity from the host.
     void introduce(const AddOnList_s* identity);
-    /// The add-on being loaded has told its id.
+    /// The add-on that is being loaded has returned its id.
     void name(const std::string& addOnId);
-    /// Judges what the command left as its error message.
+    /// Checks the error message of the command, null if it has none.
     void judgeErrorMessage(bool accepted, const char* errMsg);
-    /// Judges an exception that escaped.
+    /// Reports that an exception escaped from the add-on.
     void judgeEscape(const std::string& what);
-    /// The host is back from the add-on that it entered last.
+    /// The add-on that the host entered last has returned.
     void leave();
 
-    /// A set is lent to add-ons.
+    /// The host lends \p set to add-ons: they may read it, but not change or free it.
     void lend(const Set_s* set);
     void takeBack(const Set_s* set);
 
@@ -63,7 +65,7 @@ public:
     void suppress(const Rule& rule);
     std::vector<Finding> findings() const;
     std::vector<std::string> unusedSuppressions() const;
-    /// The place of a call in what runs now, or ran last.
+    /// The place of a call in the entry that runs now, or that ran last.
     Place placeNow(std::size_t call, std::optional<HostFunction> function) const;
 
 private:

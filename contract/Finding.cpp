@@ -3,14 +3,14 @@
 namespace vexa::standin {
 namespace {
 
-// What add-ons say may have several lines: the others stand below the first.
+// Texts of add-ons may have several lines. All lines but the first are indented.
 std::string indented(const std::string& text) {
     std::string lines;
     for (const char c : text) lines += c == '\n' ? "\n    " : std::string(1, c);
     return lines;
 }
 
-// `moment` is what a place that is no call was of its command: its beginning or its end.
+// `moment` says which moment of the command a place is that has no call: "the beginning" or "the end".
 std::string textOf(const Place& place, const std::string& moment) {
     if (place.call == 0 && place.command.empty()) return "";
     std::string text;
@@ -21,7 +21,7 @@ std::string textOf(const Place& place, const std::string& moment) {
     return text;
 }
 
-// The line that says what happened, without its end.
+// The first line, without its line feed.
 std::string headOf(const Finding& finding) {
     std::string text;
     if (!finding.seen.macroLine.empty()) text += finding.seen.macroLine + ": ";

@@ -11,28 +11,29 @@
 
 namespace vexa::standin {
 
-/// The findings made.
+/// Keeps the findings.
 class FindingLog {
 public:
-    /// Adds a finding, unless its rule is suppressed. Of one rule and add-on the first ten are kept.
+    /// Adds a finding, unless its rule is suppressed. It keeps the first ten for each rule and add-on.
     void add(Finding finding);
-    /// Adds a finding about what is seen at \p seen, and whose other place, if any, is \p opened.
+    /// Adds a finding that came to light at \p seen. \p opened is where its cause began, null if it has no such place.
     void add(const char* rule, std::string message, const Moment& seen, const Moment* opened = nullptr,
              std::size_t count = 1);
-    /// Gives an add-on that was known by \p before its id. Its findings count together with those that the id has.
+    /// Gives the findings of the add-on \p before to \p addOnId, which is its id. They count together with those that
+    /// the id already has.
     void rename(const std::string& before, const std::string& addOnId);
 
     void suppress(const Rule& rule);
     std::vector<std::string> unusedSuppressions() const;
 
     const std::vector<Finding>& kept() const { return m_kept; }
-    /// The findings since this was asked last, kept or not.
+    /// The findings since the last call of this, including those that are not kept.
     std::vector<Finding> takeNew() { return std::exchange(m_new, {}); }
 
 private:
     struct Tally {
         std::size_t kept = 0;
-        std::size_t last = 0;  // where the last one kept is
+        std::size_t last = 0;  // index of the last one kept
     };
     struct Suppression {
         std::string rule;

@@ -11,50 +11,50 @@
 
 namespace vexa::standin {
 
-/// What a kind of handles is called.
+/// The names for a kind of handles.
 struct HandleKind {
     const char* label;     ///< as calls show it, for example "arglist"
     const char* noun;      ///< for example "an argument list"
     const char* plural;    ///< for example "argument lists"
-    const char* leakRule;  ///< the rule that one which is not freed breaks
+    const char* leakRule;  ///< the rule that is broken if one is not freed
 };
 
-/// The handles of one kind, living and freed. A handle is compared, never looked into.
+/// The handles of one kind, living and freed. It compares handles and never follows them.
 class HandleLedger {
 public:
     explicit HandleLedger(const HandleKind& kind) : m_kind(kind) {}
 
-    /// Enters a handle given out to an add-on, with its number among those of its kind.
+    /// Enters a handle that an add-on got. \p number says which of its kind it is, counted from 1.
     void allocated(const void* handle, std::size_t number, const Moment& now);
-    /// Enters a handle that add-ons may use, but that stays the host's.
+    /// Enters a handle that add-ons may use, but not change or free.
     void lent(const void* handle, const Moment& now);
-    /// Takes back a handle that was lent.
+    /// Ends the use of a handle that was lent.
     void takenBack(const void* handle, const Moment& now);
 
-    /// Judges a use of \p handle.
+    /// Reports \p handle if it is not a living one.
     /// \return whether it is a living one.
     bool checkUse(const void* handle, const Moment& now, FindingLog& findings) const;
-    /// Judges a change of \p handle, for which it has to be the add-on's.
-    /// \return whether it is the add-on's, and living.
+    /// Reports \p handle if it is not a living one, or if it is lent, so that the add-on must not change it.
+    /// \return whether the add-on may change it.
     bool checkChange(const void* handle, const Moment& now, FindingLog& findings) const {
         return checkOwn(handle, now, findings, "use-after-free");
     }
-    /// Judges the freeing of \p handle. The rest as in checkChange().
+    /// The same for a function that frees \p handle.
     bool checkFree(const void* handle, const Moment& now, FindingLog& findings) const {
         return checkOwn(handle, now, findings, "double-free");
     }
-    /// Enters that \p handle, which lives, is freed.
+    /// Enters that the living \p handle is freed.
     void freed(const void* handle, const Moment& now);
 
     bool isLiving(const void* handle) const { return m_living.count(handle) != 0; }
     bool isFreed(const void* handle) const { return m_freed.count(handle) != 0; }
-    /// Where \p handle, which lives, comes from.
+    /// Where the living \p handle was allocated.
     const Moment& originOf(const void* handle) const { return m_living.at(handle).since; }
-    /// What \p handle is called, for example "mutex#1".
+    /// The name of the living \p handle in messages, for example "mutex#1".
     std::string labelOf(const void* handle) const;
-    /// The living handles that were given out within entries that \p isMeant holds for, by their numbers.
+    /// The living handles that were allocated in entries for which \p isMeant is true, ordered by number.
     std::vector<const void*> living(const std::function<bool(const Entry&)>& isMeant) const;
-    /// Reports the living handles of \ref living as one leak. Each is reported once.
+    /// Reports the handles that living() returns as one leak, but each handle only once.
     void reportLeaks(const std::function<bool(const Entry&)>& isMeant, const Moment& now, FindingLog& findings);
 
 private:

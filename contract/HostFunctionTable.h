@@ -1,5 +1,5 @@
 /// \file
-/// The functions of the host's C API that the stand-in supplies.
+/// The table of the functions of the host's C API.
 #pragma once
 
 #include <optional>
@@ -7,8 +7,8 @@
 
 #include "vexastandin/HostFunctions.h"
 
-/// The one list of them, each with its role in a scope, that scope, and whether it may be called from any thread. The
-/// log of calls, faults, the contract and observers know a function by its entry here, and none without.
+/// Each function with its role in a scope, that scope, and whether it may be called from any thread. The checks, the
+/// log of calls, faults and observers take all functions from this table, so a new function is added here.
 #define VEXASTANDIN_HOST_FUNCTIONS(FUNCTION)                                            \
     FUNCTION(VexaUtilLockStart, Begins, "lock", false)                                  \
     FUNCTION(VexaUtilLockFinish, Ends, "lock", false)                                   \
@@ -56,7 +56,7 @@ enum class HostFunction {
 #undef VEXASTANDIN_ENUMERATOR
 };
 
-/// What there is to know about \p function.
+/// The entry of \p function in the table.
 const HostFunctionInfo& infoOf(HostFunction function);
 
 /// The C name of \p function.

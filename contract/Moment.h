@@ -11,21 +11,21 @@
 
 namespace vexa::standin {
 
-/// A time that the host spends in an add-on; also the time that it spends in none.
+/// One entry of the host into an add-on, from the call to its return. The time outside all add-ons is an entry, too.
 struct Entry {
     Entry_e kind = Entry_e::Command;
-    std::string addOnId;  ///< the add-on; its file until its id is known; empty for no add-on
-    std::string command;  ///< the command's text; empty when it is none
+    std::string addOnId;  ///< the add-on's id, or its file until the id is known; empty outside all add-ons
+    std::string command;  ///< the command's text; empty for another kind of entry
     std::string macroLine;
-    std::size_t thread = 0;  ///< the thread that entered, by number; 0 for no add-on
+    std::size_t thread = 0;  ///< the number of the thread that entered; 0 outside all add-ons
 };
 
-/// What \p entry is called where it is the subject: "the command", "the loading".
+/// The name of \p entry as the subject of a sentence, for example "the command".
 std::string nameOf(const Entry& entry);
 
 /// A host call, or the end of an entry.
 struct Moment {
-    std::shared_ptr<const Entry> entry;  ///< within which it is; never null
+    std::shared_ptr<const Entry> entry;  ///< the entry in which it happens; never null
     std::size_t thread = 0;
     std::size_t call = 0;  ///< 0 for the end of an entry
     std::optional<HostFunction> function;

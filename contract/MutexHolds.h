@@ -9,7 +9,7 @@
 
 namespace vexa::standin {
 
-/// Which threads hold which mutexes, as far as the threads can tell: what the host was told to fail at counts as done.
+/// Remembers which thread holds which mutex, as the add-on sees it: a call that the host was told to fail counts, too.
 class MutexHolds {
 public:
     explicit MutexHolds(HandleLedger& mutexes) : m_mutexes(mutexes) {}
@@ -18,14 +18,14 @@ public:
     void lockEnded(const void* mutex, const Moment& now);
     void unlockBegan(const void* mutex, const Moment& now, FindingLog& findings);
     void freeBegan(const void* mutex, const Moment& now, FindingLog& findings);
-    /// Judges what the thread that was entered holds at the end, of what it locked on the way.
+    /// Reports mutexes that the thread of the entry has locked in this entry and not unlocked.
     void endOfEntry(const Moment& now, FindingLog& findings);
 
 private:
     const Moment* holdOf(const void* mutex, std::size_t thread) const;
 
     HandleLedger& m_mutexes;
-    std::unordered_map<const void*, std::vector<Moment>> m_holds;  // none of them empty
+    std::unordered_map<const void*, std::vector<Moment>> m_holds;  // no list is empty
 };
 
 }  // namespace vexa::standin

@@ -1,4 +1,4 @@
-// The catalogue: whoever checks, explains, lists or reports a rule has it from here.
+// The table of rules. Checks, lists, explanations and reports all take their rules from here.
 
 #include <algorithm>
 #include <initializer_list>

@@ -9,17 +9,17 @@
 
 namespace vexa::standin {
 
-/// What begins and ends within one entry, and nests.
+/// The scopes that begin and end within one entry, and may nest.
 enum class Scope_e { Lock, AuxData, Marking, SolutionTime };
 
-/// The scopes open in one entry. Those of different kinds may cross.
+/// The scopes that are open in one entry. Scopes of different kinds may overlap.
 class Scopes {
 public:
-    /// \param identity whose the lock is; null for the other scopes.
+    /// \param identity for a lock, the add-on that takes it; null for the other scopes.
     void begin(Scope_e kind, const Moment& now, const AddOnList_s* identity = nullptr);
     /// Parameters as in begin().
     void end(Scope_e kind, const Moment& now, FindingLog& findings, const AddOnList_s* identity = nullptr);
-    /// Judges what is open at the end of the entry.
+    /// Reports the scopes that are open at the end of the entry.
     void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:

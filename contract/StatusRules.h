@@ -8,7 +8,7 @@
 
 namespace vexa::standin {
 
-/// What one entry does with the status line.
+/// Checks how one entry uses the status line.
 class StatusRules {
 public:
     void started(const Moment& now, FindingLog& findings);
@@ -18,9 +18,9 @@ public:
     void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:
-    std::optional<Moment> m_start;        // of the line that is up
-    std::optional<Moment> m_finish;       // of the line before
-    std::size_t m_needlessStarts = 0;     // whose finishes, if they come, are no further breach
+    std::optional<Moment> m_start;        // of the line that is shown now
+    std::optional<Moment> m_finish;       // of the line before it
+    std::size_t m_needlessStarts = 0;     // each allows one more finish
     std::optional<Moment> m_lastPercent;  // when m_percent was shown
     int m_percent = 0;
 };

@@ -7,16 +7,17 @@
 
 namespace vexa::standin {
 
-/// What is written to the host's strings, and what is handed over as an error message.
+/// Checks what add-ons write to the host's strings, and what they return as an error message.
 class StringRules {
 public:
     StringRules(HandleLedger& ledger, const HostStringsInterface& strings) : m_ledger(ledger), m_strings(strings) {}
 
     void freeBegan(const char* string, const Moment& now, FindingLog& findings) const;
-    /// Judges what a command left as its error message, and takes it over.
-    /// \param hadNoMemory whether the host refused a string to the command.
+    /// Checks the error message of a command. The host owns the string from then on.
+    /// \param errMsg      null if the command left none.
+    /// \param hadNoMemory whether the host had no memory for a string of this command.
     void commandEnded(bool accepted, const char* errMsg, bool hadNoMemory, const Moment& now, FindingLog& findings);
-    /// Judges the strings that were allocated within the entry, and are still there.
+    /// Checks the strings that were allocated in this entry and not freed.
     void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:

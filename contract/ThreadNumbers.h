@@ -7,7 +7,7 @@
 
 namespace vexa::standin {
 
-/// Numbers threads from 1 in the order in which they are met, so that two runs name them alike.
+/// Numbers threads from 1 in the order of their first calls, so that two runs use the same numbers.
 /// Threads: safe from any.
 class ThreadNumbers {
 public:

@@ -7,7 +7,7 @@
 namespace vexa::standin {
 namespace {
 
-constexpr std::size_t kNoThread = 0;  // has entered no add-on
+constexpr std::size_t kNoThread = 0;  // outside all add-ons
 
 }  // namespace
 

@@ -8,11 +8,12 @@
 
 namespace vexa::standin {
 
-/// Which thread may call the host: the one that entered the add-on, and between two entries the one that entered last.
+/// Checks that the host is called on the thread that entered the add-on. Between two entries, the thread of the last
+/// entry may call it.
 class ThreadRules {
 public:
     void entered(std::shared_ptr<const Entry> entry) { m_last = std::move(entry); }
-    /// The entry begun last; null before the first.
+    /// The entry that began last; null before the first.
     const std::shared_ptr<const Entry>& last() const { return m_last; }
 
     static void callBegan(const Moment& now, FindingLog& findings);

@@ -17,8 +17,8 @@
 namespace vexa::standin {
 namespace {
 
-// For those who change the links between living hosts. Who asks for the innermost one, as every host call does, need
-// not wait: that would be a third of the cost of a call.
+// Guards changes of the links between living hosts. Host calls read the innermost host without it, because a lock would
+// be expensive there.
 std::mutex livingGuard;
 
 void enterLiving(HostState& state) {
@@ -27,7 +27,7 @@ void enterLiving(HostState& state) {
     HostState::innermost = &state;
 }
 
-// Hosts need not die in the reverse order of their birth.
+// Hosts need not be destroyed in the reverse order of their construction.
 void leaveLiving(HostState& state) {
     const std::lock_guard<std::mutex> lock(livingGuard);
     if (HostState::innermost == &state) {
@@ -39,7 +39,7 @@ void leaveLiving(HostState& state) {
     inner->outer = state.outer;
 }
 
-// Gives back what an add-on's code leaves taken of the host's lock.
+// Releases the host's lock as often as the code of an add-on has left it taken.
 class LockBalance {
 public:
     explicit LockBalance(HostLock& lock) : m_lock(lock), m_depth(lock.depth()) {}
@@ -52,16 +52,16 @@ private:
     std::size_t m_depth;
 };
 
-// Takes over the error string that a command left, and releases it when it is one of the host's.
+// Returns the error message of a command, and frees it if it is a string of the host.
 std::string takeErrorString(HostState& state, const char* errMsg) {
     if (errMsg == nullptr) return "";
     const std::shared_ptr<HostString> string = state.strings.find(errMsg);
-    if (string == nullptr) return state.strings.isRemoved(errMsg) ? "" : errMsg;  // what was freed cannot be read
+    if (string == nullptr) return state.strings.isRemoved(errMsg) ? "" : errMsg;  // a freed string cannot be read
     state.strings.remove(errMsg);
     return string->text();
 }
 
-// The time that the host spends in an add-on. When it is not ended it ends with this, as a failure.
+// One entry into an add-on. Without setOutcome() it counts as failed.
 class TimeInAddOn {
 public:
     TimeInAddOn(HostState& state, Entry entry) : m_state(state) {
@@ -100,7 +100,7 @@ private:
     EntryEvent m_event;
 };
 
-// An exception is all there is to judge of a command that it ended.
+// For a command that an exception ended, a missing error message is no finding of its own.
 void judgeOutcome(HostState& state, const std::optional<std::string>& escaped, bool accepted, const char* errMsg) {
     if (escaped) state.contract.judgeEscape(*escaped);
     if (!escaped || errMsg != nullptr) state.contract.judgeErrorMessage(accepted, errMsg);
@@ -128,7 +128,7 @@ AddOnInfo load(HostState& state, const Source& source) {
     const auto addOn = std::make_shared<AddOn>(source);
     const auto loaded = state.addOns.copy();
     for (const auto& other : loaded) {
-        // Loaded a second time it is still the same object, which must not be entered again.
+        // The loader returns the same object for a file that is loaded twice. It must not be entered again.
         if (addOn->hasSameEntry(*other)) throw alreadyLoaded(*addOn, *other);
     }
     const LockBalance balance(state.lock);
@@ -157,8 +157,8 @@ AddOnInfo loadInTime(HostState& state, const std::string& path, const Source& so
 
 }  // namespace
 
-// The process has one host, so here is the one thing that belongs to the process: the living hosts, linked from the
-// innermost outwards. Without a constructor or destructor to run, so that it holds at any time of the process.
+// The living hosts, linked from the innermost outwards. This belongs to the process, because the C functions have no
+// parameter for the host. It needs no constructor or destructor, so it is valid at any time of the process.
 std::atomic<HostState*> HostState::innermost{nullptr};
 
 bool HostState::showChange(const std::optional<StatusLine>& change) const {
@@ -198,7 +198,7 @@ Host::Host() : m_state(std::make_unique<HostState>(*this)) {
 Host::~Host() {
     try {
         unloadAddOns();
-    } catch (...) {  // no memory for what there is to tell; what is still loaded goes with the state
+    } catch (...) {  // no memory for findings; add-ons that are still loaded are unloaded with the state
     }
     leaveLiving(*m_state);
     m_state->endWaiting();

@@ -25,7 +25,7 @@
 
 namespace vexa::standin {
 
-/// A value for several threads, which see it by copy.
+/// A value that several threads may use. They get copies of it.
 template <class Value>
 class Shared {
 public:
@@ -33,12 +33,12 @@ public:
         const std::lock_guard<std::mutex> lock(m_guard);
         return m_value;
     }
-    /// The value before is destroyed unguarded: that may run code of others.
+    /// The old value is destroyed without the lock, because its destructor may run code of others.
     void set(Value value) {
         const std::lock_guard<std::mutex> lock(m_guard);
         std::swap(m_value, value);
     }
-    /// Adds to a value that is a list.
+    /// Appends to a value that is a list.
     template <class Item>
     void append(Item item) {
         const std::lock_guard<std::mutex> lock(m_guard);
@@ -50,13 +50,13 @@ private:
     Value m_value;
 };
 
-/// The one who is told what happens, if any.
+/// The observer, if there is one.
 class Audience {
 public:
     void set(ObserverInterface* observer) { m_observer = observer; }
     bool isThere() const { return m_observer.load(std::memory_order_relaxed) != nullptr; }
 
-    /// Has \p tell tell the observer. Nothing that watches makes a call fail, so what it throws is dropped.
+    /// Calls \p tell with the observer. A call must not fail because it is watched, so exceptions are dropped.
     template <class Tell>
     void tell(const Tell& tell) const noexcept {
         ObserverInterface* const observer = m_observer;
@@ -70,21 +70,21 @@ private:
     std::atomic<ObserverInterface*> m_observer{nullptr};
 };
 
-/// The inside of a Host: what its C functions work on.
+/// What a Host consists of, and what its C functions use.
 ///
-/// Each part guards itself, and none is locked while code of others runs: an add-on's, or what shows a dialog or the
-/// status line.
+/// Each part has its own lock. None is locked while code of others runs: of an add-on, or of a function that shows a
+/// dialog or the status line.
 struct HostState {
     explicit HostState(Host& itsHost) : host(itsHost) {}
 
-    /// The state of the innermost living host; null when none lives.
+    /// The state of the innermost living host; null if there is none.
     static HostState* current() { return innermost.load(std::memory_order_acquire); }
 
-    /// Only birth and death of hosts change it.
+    /// Only constructors and destructors of hosts change it.
     static std::atomic<HostState*> innermost;
 
     Host& host;
-    HostState* outer = nullptr;  ///< the host before, while this is one of the living
+    HostState* outer = nullptr;  ///< the host that was the process's host before this one
 
     std::atomic<bool> isBatchMode{false};
     std::atomic<bool> isRecording{false};
@@ -106,13 +106,13 @@ struct HostState {
     Shared<std::function<void(const StatusLine&)>> showStatus;
     StopRequest stopRequest;
 
-    /// Shows what came of a call of \ref status.
-    /// \return whether that was a change.
+    /// Shows a change that a call of \ref status returned.
+    /// \return whether there was a change.
     bool showChange(const std::optional<StatusLine>& change) const;
 
     StyleTree styles;
 
-    /// Sets a style value, a set together with its handle.
+    /// Sets a style value. For a set this also keeps its handle.
     void setStyle(const std::vector<std::string>& path, const StyleTree::Offsets& offsets, const StyleValue& value);
 
     HostLock lock;
@@ -121,10 +121,10 @@ struct HostState {
     Handles<Set_s> sets;
     HostStrings strings;
 
-    /// Lets go on who waits in a call of a host that ends: nobody may be there to end the wait.
+    /// Lets threads that wait in a call of this host continue. The host ends, so nobody else would wake them.
     void endWaiting();
 
-    Handles<Set_s> styleSets;  ///< the host's own, which add-ons may read
+    Handles<Set_s> styleSets;  ///< sets of the host that add-ons may read
 
     Contract contract{threads, strings, [this](const Finding& finding) {
                           audience.tell([&](ObserverInterface& observer) { observer.findingMade(finding); });
@@ -132,8 +132,7 @@ struct HostState {
     CallProgress ownProgress;
     CallProgress* progress = &ownProgress;  ///< never null; changed only while no call can be made
 
-    /// Whether calls are neither checked nor told of nor made to fail. They then cost half as much, for they take a
-    /// short road of their own.
+    /// Whether calls are not checked, logged, observed or made to fail. Such calls skip all of that, which is faster.
     bool isLeftAlone() const {
         return !contract.isOn() && !calls.keeps() && !audience.isThere() && !faults.isAnyPlanned();
     }
@@ -145,8 +144,8 @@ struct HostState {
         return progress->calls.fetch_add(1, std::memory_order_relaxed) + 1;
     }
 
-    /// Counts a call that nobody tells from others, so that one may be lost to another thread's: counting exactly would
-    /// be most of the cost.
+    /// Counts a call whose number nobody sees. It is not exact if several threads call at once, because exact counting
+    /// would be most of the cost of such a call.
     void countUnnumbered(HostFunction function) const {
         progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
         progress->calls.store(progress->calls.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);

@@ -74,8 +74,7 @@ std::string sectionOf(const standin::Rule& rule) {
     std::string severity = nameOf(rule.severity);
     severity.front() = static_cast<char>(std::toupper(severity.front()));
     return "\n### " + std::string(rule.name) + "\n\n" +
-           wrapped(severity + ". **" + rule.summary + "** " + rule.why, kWidth) + '
-' +
+           wrapped(severity + ". **" + rule.summary + "** " + rule.why, kWidth) + '\n' +
            wrapped("Fix: " + std::string(rule.hint), kWidth);
 }
 

@@ -20,10 +20,10 @@ constexpr char kEntryName[] = "vexaAddOn";
 
 bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
-// The loader looks a bare name up in the system's folders, where nobody expects it to look.
+// The loader would look for a name without a folder in the system's folders.
 std::string withFolder(const std::string& path) { return path.find('/') == std::string::npos ? "./" + path : path; }
 
-// Why the file cannot be loaded; empty when the loader may try.
+// Why the file cannot be loaded; empty if the loader may try.
 std::string whyNoFile(const std::string& path) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
@@ -43,7 +43,7 @@ std::string whyNotLoaded(const std::string& path, std::string_view loaderText) {
     return "it cannot be loaded: " + std::string(loaderText);
 }
 
-// Runs code of an add-on. What escapes from it is returned as text.
+// Runs code of an add-on, and returns the exception that escapes as text.
 template <class Action>
 std::optional<std::string> whatEscapes(const std::string& place, const Action& action) {
     try {
@@ -58,7 +58,7 @@ std::optional<std::string> whatEscapes(const std::string& place, const Action& a
     }
 }
 
-// Why the host does not take an add-on that describes itself so; empty when it does.
+// Why the host refuses an add-on with this description; empty if it accepts it.
 std::string whyNotTaken(const VexaAddOn_s* description) {
     if (description == nullptr) return "it refuses to be loaded (its entry returned null)";
     if (description->apiVersion != VEXA_ADDON_API_VERSION) {
@@ -77,7 +77,8 @@ AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>
     m_info.path = withFolder(path);
     const std::string noFile = whyNoFile(m_info.path);
     if (!noFile.empty()) throw refusal(noFile);
-    // An exception from its globals ends the process: passed through, it would leave the loader locked.
+    // An exception from a constructor of its globals ends the process. If it passed through, the loader would stay
+    // locked.
     m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
     m_entry = reinterpret_cast<AddOnEntry>(dlsym(m_object.get(), kEntryName));
@@ -90,8 +91,8 @@ AddOn::AddOn(AddOnEntry entry) : m_identity(std::make_unique<AddOnList_s>()), m_
 }
 
 void AddOn::enter() {
-    // Refusals are thrown outside every handler: an exception remembers the one being handled, and that may be the
-    // add-on's.
+    // Throw refusals outside every handler: an exception remembers the exception that is being handled, and that may be
+    // the add-on's.
     const std::optional<std::string> escaped =
         whatEscapes("its entry vexaAddOn", [this] { m_description = m_entry(m_identity.get()); });
     if (escaped) throw refusal(*escaped);
@@ -116,7 +117,7 @@ LoadError AddOn::refusal(const std::string& reason) const {
     return LoadError(line);
 }
 
-// Without its code a thread of the add-on would crash when it returns from the host.
+// If the code were unloaded, a thread of the add-on would crash when it returns from the host.
 void AddOn::Unload::operator()(void* object) const {
     if (!haveOtherThreadsCalled()) dlclose(object);
 }

@@ -12,7 +12,7 @@
 #include <cstring>
 #include <system_error>
 
-// The header of the shared object that this is a part of, which says what machine this is.
+// The header of the shared object that holds this code. It says which machine this is.
 extern "C" __attribute__((visibility("hidden"))) const ElfW(Ehdr) __ehdr_start;  // NOLINT: the linker's name
 
 namespace vexa::standin {
@@ -37,7 +37,7 @@ public:
         return fstat(m_descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
     }
 
-    // The bytes at `offset`, or fewer where the file ends.
+    // The bytes at `offset`; fewer if the file ends before.
     std::string bytes(std::uint64_t offset, std::size_t count) const {
         std::string bytes(count, '\0');
         const ssize_t got = pread(m_descriptor, bytes.data(), count, static_cast<off_t>(offset));
@@ -49,14 +49,14 @@ private:
     int m_descriptor;
 };
 
-// As the system says it, within a sentence.
+// The system's text, in lower case for the middle of a sentence.
 std::string lastError() {
     std::string text = std::generic_category().message(errno);
     if (!text.empty()) text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
     return text;
 }
 
-// What the start of a file says of the machine that its code is for.
+// The machine that the code of a file is for.
 struct Machine {
     unsigned char fileClass;
     unsigned char byteOrder;
@@ -69,7 +69,7 @@ bool operator==(const Machine& left, const Machine& right) {
 
 constexpr std::size_t kMachineEnd = EI_NIDENT + 4;
 
-// The place and size of the machine's number are the same in every such file; its byte order is the file's.
+// The machine's number has the same place and size in every such file, and the byte order of the file.
 Machine machineOf(const unsigned char* header) {
     const unsigned first = header[kMachineEnd - 2];
     const unsigned second = header[kMachineEnd - 1];
@@ -94,7 +94,7 @@ std::string nameOf(unsigned machine) {
     return "machine number " + std::to_string(machine);
 }
 
-// Machines of one name differ in more.
+// Machines with the same name can differ in size and byte order.
 std::string fullNameOf(const Machine& machine) {
     return nameOf(machine.number) + (machine.fileClass == ELFCLASS32 ? ", 32-bit" : ", 64-bit") +
            (machine.byteOrder == ELFDATA2MSB ? ", big-endian" : ", little-endian");
@@ -111,7 +111,7 @@ bool isWithin(std::uint64_t whole, std::uint64_t offset, std::uint64_t length) {
     return offset <= whole && length <= whole - offset;
 }
 
-// The file is one for this machine. Its sections lie within it when their table does, which comes last.
+// For a file of this machine. The table of sections comes last, so if it lies within the file, the sections do, too.
 bool isTruncated(const ReadFile& file) {
     const std::uint64_t size = file.size();
     ElfW(Ehdr) header;

@@ -1,6 +1,6 @@
 /// \file
-/// The one way through which every function of the host's C API goes: there a call is numbered, written down, checked,
-/// and made to fail.
+/// answer(), which every function of the host's C API calls. It numbers the call, logs it, checks it and makes it fail
+/// if a fault is planned.
 #pragma once
 
 #include <chrono>
@@ -24,8 +24,8 @@
 
 namespace vexa::standin {
 
-/// One call as it is written down: in the log, and for the observer. A call for which there is no memory is left out,
-/// for it must not fail for being watched.
+/// Tells the log and the observer of one call. Without memory for that the call is left out: it must not fail because
+/// it is watched.
 class WatchedCall {
 public:
     template <class... Arguments>
@@ -76,7 +76,7 @@ private:
     HostState& m_host;
     std::size_t m_number;
     bool m_isLogged;
-    std::optional<CallEvent> m_event;  // empty when nobody watches
+    std::optional<CallEvent> m_event;  // empty if nobody watches
     std::size_t m_place = 0;
     int m_exceptions = 0;
 };
@@ -90,7 +90,7 @@ Result failureOf(int code) {
     }
 }
 
-/// What a function answers when it cannot do its work.
+/// What a function returns if it cannot do its work.
 template <class Result>
 Result refusal() {
     if constexpr (!std::is_void_v<Result>) {
@@ -98,7 +98,7 @@ Result refusal() {
     }
 }
 
-/// Add-ons know no lack of memory but as a refusal.
+/// Runs \p action. If it has no memory, the function refuses: add-ons expect no exception.
 template <class Action>
 std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& host) {
     try {
@@ -108,7 +108,7 @@ std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& ho
     }
 }
 
-/// The number of the object behind a handle that a function returns; 0 when it returns none.
+/// The number of the object behind a handle that a function returns; 0 if it returns no handle.
 inline std::size_t numberOf(const HostState& host, const ThreadMutex_s* mutex) { return host.mutexes.numberOf(mutex); }
 inline std::size_t numberOf(const HostState& host, const ArgList_s* argList) { return host.argLists.numberOf(argList); }
 inline std::size_t numberOf(const HostState& host, const Set_s* set) { return host.sets.numberOf(set); }

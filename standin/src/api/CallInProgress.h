@@ -7,7 +7,7 @@
 
 namespace vexa::standin {
 
-/// A call of the process's host, which does not end as long as this lives.
+/// A call of the process's host. The host does not end as long as this lives.
 class CallInProgress {
 public:
     CallInProgress() noexcept : m_slot(HostState::current() == nullptr ? nullptr : slot()), m_host(announced(m_slot)) {}
@@ -19,18 +19,19 @@ public:
         if (m_slot != keptCallSlot) giveBack(m_slot);
     }
 
-    /// The host that is called; null when there is none.
+    /// The host that is called; null if there is none.
     HostState* host() const { return m_host; }
 
 private:
-    // A call within a call, for example from what shows a dialog, gets a slot of its own: it may call another host.
+    // A call within a call, for example from a function that shows a dialog, gets a slot of its own: it may call
+    // another host.
     static CallSlot* slot() noexcept {
         CallSlot* const kept = keptCallSlot;
         const bool isFree = kept != nullptr && kept->host.load(std::memory_order_relaxed) == nullptr;
         return isFree ? kept : takeCallSlot();
     }
 
-    // A host that has stopped being the process's host meanwhile may not have seen the announcement.
+    // If the host has stopped being the process's host meanwhile, it may not have seen the announcement.
     static HostState* announced(CallSlot* slot) noexcept {
         if (slot == nullptr) return nullptr;
         HostState* host = HostState::current();
@@ -47,7 +48,7 @@ private:
             slot.host.store(host, std::memory_order_seq_cst);
         } else {
             slot.host.store(host, std::memory_order_relaxed);
-            std::atomic_signal_fence(std::memory_order_seq_cst);  // the compiler must not exchange the two steps
+            std::atomic_signal_fence(std::memory_order_seq_cst);  // the compiler must not swap the two steps
         }
     }
 

@@ -1,5 +1,5 @@
 /// \file
-/// A call's arguments and result as text: as in C, handles by number, no addresses. Call says more.
+/// The arguments and the result of a call as text, as described for Call.
 #pragma once
 
 #include <cstddef>
@@ -26,13 +26,13 @@ std::string textOf(const HostState&, Number number) {
     return std::to_string(number);
 }
 
-// Where a result is to be stored. The address itself would differ from run to run.
+// Where to store a result. The address itself would differ from run to run.
 template <class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
 std::string textOf(const HostState&, Number* address) {
     return address == nullptr ? "null" : "address";
 }
 
-// Where a handle is kept.
+// The address of a handle.
 template <class Handle>
 std::string textOf(const HostState& host, Handle** address) {
     return address == nullptr ? "null" : textOf(host, *address);

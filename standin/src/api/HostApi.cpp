@@ -1,5 +1,4 @@
-// The host's C functions. Each is written through answer(); what a function does beyond that stands in its own few
-// lines.
+// The host's C functions. Each passes answer() a lambda with what only this function does.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,10 +19,10 @@
 namespace vexa::standin {
 namespace {
 
-// What functions do for which being called is all.
+// For functions that only record their call.
 void takeNote(HostState&) {}
 
-// ---- What several functions do
+// ---- Used by several functions
 
 const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
 
@@ -55,7 +54,7 @@ bool canBeReadBack(const char* addOnId, const char* command) {
     return addOnId != nullptr && command != nullptr && whyNoMacroLine(addOnId, command).empty();
 }
 
-// Has a change of the status line shown. Nobody is told to stop for want of memory: the change is left out then.
+// Shows a change of the status line. Without memory the change is left out: the task must not be told to stop.
 template <class Change>
 void changeStatus(HostState& host, const Change& change) {
     try {
@@ -68,8 +67,8 @@ void changeStatus(HostState& host, const Change& change) {
 
 using namespace vexa::standin;
 
-// Without this a parameter that differs from the header's would make another function, and the header's would be
-// missing.
+// Without this, a function whose parameters differ from the header's would be an overload, and the header's function
+// would be missing.
 extern "C" {
 
 void VexaUtilLockStart(AddOnList_s* addOnId) {

@@ -10,9 +10,9 @@
 
 namespace vexa::standin {
 
-/// The calls that add-ons made of the host's C functions.
+/// The calls of the host's C functions.
 ///
-/// A call enters when it begins, so that the order holds for calls that block, and for calls made within another.
+/// A call is entered when it begins, so that the order is right for calls that block and for calls within calls.
 /// Threads: safe from any.
 class CallLog {
 public:
@@ -23,7 +23,7 @@ public:
     /// Enters a call that begins.
     /// \return its place, for end().
     std::size_t begin(Call call);
-    /// Completes the call at \p place with its result, unless it was forgotten meanwhile.
+    /// Adds the result to the call at \p place, unless clear() was called meanwhile.
     void end(std::size_t place, std::string result);
 
     std::vector<Call> all() const;
@@ -33,7 +33,7 @@ public:
 private:
     mutable std::mutex m_guard;
     std::vector<Call> m_calls;
-    std::size_t m_forgotten = 0;  // places count on over a clear()
+    std::size_t m_forgotten = 0;  // clear() does not reset places
     std::atomic<bool> m_keeps{true};
 };
 

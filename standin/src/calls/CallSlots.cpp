@@ -12,21 +12,21 @@
 namespace vexa::standin {
 namespace {
 
-// All slots, linked from the one made last.
+// All slots, linked from the newest one.
 std::atomic<CallSlot*> slots{nullptr};
 
 bool fenceThreads(int command) { return syscall(SYS_membarrier, command, 0, 0) == 0; }
 
-// The child has only the thread that forked: the calls of the others do not end there. Which of the slots in use it
-// has itself, for a call that it forked within, is not known, so they stay taken.
+// A child process has only the thread that forked, so calls of other threads never end there. A slot in use may belong
+// to the call in which the thread forked, so it stays taken.
 void forgetOtherThreads() {
     for (CallSlot* slot = slots; slot != nullptr; slot = slot->next) {
         if (slot != keptCallSlot && slot->host.exchange(nullptr) == nullptr) slot->isTaken = false;
     }
 }
 
-// A thread may call the host while it ends, after its slot was given back. It then takes one again, and the system
-// calls this again.
+// A thread that ends may call the host after this gave its slot back. It then takes a slot again, and the system calls
+// this again.
 void giveBackKept(void* slot) {
     keptCallSlot = nullptr;
     giveBack(static_cast<CallSlot*>(slot));
@@ -38,7 +38,7 @@ struct ThreadEnd {
     bool isKnown;
 };
 
-// Without a notice of the thread's end each call takes a slot and gives it back.
+// If the system cannot report the end of the thread, each call takes a slot and gives it back.
 void keep(CallSlot* slot) noexcept {
     static const ThreadEnd end;
     if (end.isKnown && pthread_setspecific(end.key, slot) == 0) keptCallSlot = slot;

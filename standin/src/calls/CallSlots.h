@@ -1,8 +1,8 @@
 /// \file
-/// Which hosts are being called, so that a host ends only after the calls that it answers.
+/// Which hosts are being called. A host waits for its calls before it ends.
 ///
-/// Each thread announces the host that it calls in a slot of its own, so that threads do not contend. A host that ends
-/// first stops being the process's host and then looks at all slots.
+/// Each thread announces the host that it calls in a slot of its own, so that threads do not compete for one place. A
+/// host that ends first stops being the process's host, and then looks at all slots.
 #pragma once
 
 #include <atomic>
@@ -11,7 +11,8 @@ namespace vexa::standin {
 
 struct HostState;
 
-/// Where a thread announces the host that it calls. A slot is never freed, for a host that ends looks at all of them.
+/// Where a thread announces the host that it calls. Slots are never freed, because a host that ends looks at all of
+/// them.
 struct CallSlot {
     std::atomic<const HostState*> host{nullptr};
     std::atomic<bool> isTaken{true};
@@ -22,15 +23,15 @@ struct CallSlot {
 inline thread_local CallSlot* keptCallSlot __attribute__((tls_model("initial-exec"))) = nullptr;
 
 /// Whether an announcement needs a fence of its own. If the system can fence all threads at once, a host that ends does
-/// that instead: a fence in each call would cost more than the rest of the announcement.
+/// that instead, because a fence in each call would be expensive.
 inline std::atomic<bool> announcesWithFence{true};
 
-/// Takes a slot for a call, and lets the thread keep it if it keeps none.
-/// \return null when there is no memory for one.
+/// Takes a slot for a call. The thread keeps the slot if it has none.
+/// \return null if there is no memory for a slot.
 CallSlot* takeCallSlot() noexcept;
 void giveBack(CallSlot* slot) noexcept;
 
-/// To be called when a host starts, before it becomes the process's host. The calling thread gets its slot, so that its
+/// Call this when a host starts, before it becomes the process's host. The calling thread gets its slot, so that its
 /// first call needs no memory.
 void prepareForCalls();
 /// Waits until no other thread is in a call of \p host, which has stopped being the process's host.

@@ -10,24 +10,24 @@
 
 namespace vexa::standin {
 
-/// How a call of a host function is to fail.
+/// How a call of a host function fails.
 struct Fault {
-    bool throws = false;  ///< by an exception
-    int result = 0;       ///< or else by this result
+    bool throws = false;  ///< with an exception
+    int result = 0;       ///< otherwise with this result
 };
 
-/// The faults asked for. Threads: safe from any.
+/// The planned faults. Threads: safe from any.
 class FaultPlan {
 public:
     /// Plans \p fault for the \p nth call of \p function from now on, counted from 1.
     /// \throws vexa::InvalidArgumentException for a \p nth of 0.
     void add(HostFunction function, std::size_t nth, Fault fault);
     /// Counts a call of \p function.
-    /// \return how it is to fail; nothing when it is not. Of several faults due at once, the one asked for first.
+    /// \return how it fails; nothing if it does not. If several faults are due, the one that was planned first.
     std::optional<Fault> next(HostFunction function);
-    /// Whether any fault is planned: asked at every call, and not worth a lock then.
+    /// Whether any fault is planned. Every call asks this, so it takes no lock.
     bool isAnyPlanned() const { return m_isAnyPlanned.load(std::memory_order_acquire); }
-    /// Forgets what was planned.
+    /// Forgets all planned faults.
     void clear();
 
 private:

@@ -1,17 +1,17 @@
 /// \file
-/// Whose code the calling thread runs: an add-on's that the host entered, or the host's.
+/// Whether the calling thread runs code of an add-on or of the host.
 #pragma once
 
 #include <utility>
 
 namespace vexa::standin {
 
-/// Whether the calling thread runs an add-on's code. Only Whereabouts changes it.
-/// Its place in a thread's memory is settled when the library is loaded, which makes it two instructions to reach;
-/// asking for the place each time would be a quarter of the cost of a host call.
+/// Whether the calling thread runs code of an add-on. Only Whereabouts changes it.
+/// This TLS model fixes its place in the memory of a thread when the library is loaded. Looking the place up in each
+/// host call would be expensive.
 inline thread_local bool isThreadInAddOn __attribute__((tls_model("initial-exec"))) = false;
 
-/// The calling thread is in an add-on, or back in the host, as long as this lives.
+/// As long as this lives, the calling thread is in an add-on, or back in the host.
 class Whereabouts {
 public:
     explicit Whereabouts(bool isInAddOn) : m_before(std::exchange(isThreadInAddOn, isInAddOn)) {}

@@ -10,9 +10,9 @@
 
 namespace vexa::standin {
 
-/// The living objects of one kind, found by the handles that add-ons have.
+/// The living objects of one kind. Add-ons have handles to them.
 ///
-/// A handle is compared, never looked into, so any will do. An object in use outlives its removal.
+/// Handles are compared and never followed, so any value may be passed. An object in use outlives its removal.
 /// Threads: safe from any.
 template <class Object, class Handle = Object>
 class Handles {
@@ -24,14 +24,14 @@ public:
         ++m_added;
     }
 
-    /// The object behind \p handle; null when that is no handle of a living one.
+    /// The object behind \p handle; null if it belongs to no living object.
     std::shared_ptr<Object> find(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);
         const auto found = m_entries.find(handle);
         return found == m_entries.end() ? nullptr : found->second.object;
     }
 
-    /// The number of the object behind \p handle, counted from 1; 0 when that is no handle of a living one.
+    /// The number of the object behind \p handle, counted from 1; 0 if it belongs to no living object.
     std::size_t numberOf(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);
         const auto found = m_entries.find(handle);
@@ -39,7 +39,7 @@ public:
     }
 
     /// Removes the object behind \p handle.
-    /// \return false when that is no handle of a living one.
+    /// \return false if \p handle belongs to no living object.
     bool remove(const Handle* handle) {
         const std::lock_guard<std::mutex> lock(m_guard);
         if (m_entries.erase(handle) == 0) return false;
@@ -47,13 +47,13 @@ public:
         return true;
     }
 
-    /// Whether \p handle is one of those removed lately, and given to no other object since.
+    /// Whether \p handle was removed recently and has not been given to another object since.
     bool isRemoved(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);
         return m_entries.count(handle) == 0 && std::find(m_removed.begin(), m_removed.end(), handle) != m_removed.end();
     }
 
-    /// Calls \p act, which must not come back here, with each living object.
+    /// Calls \p act with each living object. \p act must not use this object.
     template <class Action>
     void forEach(const Action& act) const {
         const std::lock_guard<std::mutex> lock(m_guard);
@@ -69,7 +69,7 @@ private:
     mutable std::mutex m_guard;
     std::unordered_map<const Handle*, Entry> m_entries;
     std::size_t m_added = 0;
-    std::array<const Handle*, 256> m_removed{};  // a ring, so that removing needs no memory
+    std::array<const Handle*, 256> m_removed{};  // a ring buffer, so that removing needs no memory
     std::size_t m_nextRemoved = 0;
 };
 

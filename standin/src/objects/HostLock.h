@@ -10,22 +10,22 @@
 
 namespace vexa::standin {
 
-/// The host's lock: one thread holds it at a time, as often as it likes, under the identities of add-ons.
+/// The host's lock. One thread holds it at a time, and may take it several times, under the identities of add-ons.
 ///
-/// An identity is compared, never looked into, so any will do.
+/// Identities are compared and never followed, so any value may be passed.
 class HostLock {
 public:
     /// Takes the lock once more; waits while another thread holds it.
     void start(const AddOnList_s* identity);
-    /// Gives back what the calling thread took last under \p identity; nothing when there is no such.
+    /// Releases the lock that the calling thread took last under \p identity. Ignored if there is none.
     void finish(const AddOnList_s* identity);
 
-    /// How often the calling thread holds the lock.
+    /// How many times the calling thread holds the lock.
     std::size_t depth() const;
-    /// Takes the lock from the calling thread until it holds it \p depth times.
+    /// Releases the lock of the calling thread until the thread holds it \p depth times.
     void releaseDownTo(std::size_t depth);
 
-    /// Ends its use: who waits for it, or asks for it from now on, goes on without it.
+    /// Ends the use of the lock: threads that wait for it, now or later, continue without it.
     void endWaiting();
 
 private:

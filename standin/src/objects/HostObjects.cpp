@@ -10,7 +10,7 @@
 
 namespace {
 
-// Whether a run that begins at `first`, and not before `run`, overlaps it or goes on where it ends.
+// Whether a run that begins at `first`, which is not before `run`, overlaps `run` or follows it directly.
 bool continues(const std::pair<const int64_t, int64_t>& run, int64_t first) { return first - 1 <= run.second; }
 
 }  // namespace
@@ -64,7 +64,7 @@ Set_s::Set_s(const vexa::toolbox::Set& members) {
     const std::string text = members.toString();
     const char* const end = text.data() + text.size();
     const auto read = [end](const char*& at, int64_t& number) {
-        const std::from_chars_result result = std::from_chars(at + 1, end, number);  // behind a bracket, comma or dash
+        const std::from_chars_result result = std::from_chars(at + 1, end, number);  // after a bracket, comma or dash
         at = result.ptr;
         return result.ec == std::errc();
     };
@@ -104,7 +104,7 @@ bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last) const {
 namespace vexa::standin {
 namespace {
 
-// Neither zero, so that a missing zero shows, nor likely in a text.
+// Not zero, so that a missing terminating zero is seen, and unlikely in a text.
 constexpr char kUnwritten = '\xa5';
 constexpr std::size_t kGuardSize = 32;
 

@@ -1,5 +1,5 @@
 /// \file
-/// What stands behind the handles of the host's C API. Each object may be used from any thread.
+/// The objects behind the handles of the host's C API. Each may be used from any thread.
 #pragma once
 
 #include <condition_variable>
@@ -19,29 +19,29 @@
 #include "vexa/VexaUtil.h"
 #include "vexa/toolbox/Set.h"
 
-/// A mutex. Misuse is ignored, so that the misuser goes on instead of hanging.
+/// A mutex. Wrong use is ignored, so that the caller does not hang.
 struct ThreadMutex_s {
 public:
-    /// Waits while another thread holds it; ignored when the calling thread does.
+    /// Waits while another thread holds it. Ignored if the calling thread holds it.
     void lock();
     /// Ignored unless the calling thread holds it.
     void unlock();
-    /// Ends its use: who still waits for it goes on without it.
-    /// \return false, with nothing done, when it is held or its use has ended before.
+    /// Ends its use: threads that wait for it continue without it.
+    /// \return false, with nothing done, if it is held or was closed before.
     bool close();
-    /// Ends its use although it may be held: who waits for it, or asks for it from now on, goes on without it.
+    /// Ends its use even if it is held: threads that wait for it, now or later, continue without it.
     void endWaiting();
 
 private:
     std::mutex m_guard;
     std::condition_variable m_changed;
-    std::thread::id m_owner;  // no thread's id while it is free
+    std::thread::id m_owner;  // the default id while it is free
     bool m_isClosed = false;
 };
 
 namespace vexa::standin {
 
-/// The value of an argument: a string, an integer, or where to store a result.
+/// The value of an argument: a string, an integer, or the address for a result.
 using ArgumentValue = std::variant<std::string, long, double*, VexaArbParam*>;
 
 /// A named argument of an extended host call.
@@ -68,11 +68,11 @@ private:
 struct Set_s {
 public:
     Set_s() = default;
-    /// Holds \p members, read from their text form: the class libraries may be the host maker's own.
+    /// Holds \p members. It reads them as text, because the class libraries may be the host maker's own.
     explicit Set_s(const vexa::toolbox::Set& members);
 
     /// Adds the members \p first to \p last.
-    /// \return false when the range is refused.
+    /// \return false if the range is refused.
     bool insert(int64_t first, int64_t last);
     /// As VexaUtilSetNextRange().
     bool nextRange(int64_t from, int64_t& first, int64_t& last) const;
@@ -84,8 +84,8 @@ private:
 
 namespace vexa::standin {
 
-/// A string of the host. Bytes behind its end guard it: there a few bytes too many are seen here, and more by a memory
-/// checker.
+/// A string of the host. Guard bytes follow its end: they show an overrun of a few bytes. A memory checker sees larger
+/// ones.
 class HostString {
 public:
     /// \throws std::bad_alloc
@@ -93,10 +93,10 @@ public:
 
     char* bytes() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
-    /// The text, which ends at the last byte even when the terminating zero is missing.
+    /// The text. It ends at the last byte if the terminating zero is missing.
     std::string text() const;
     bool isTerminated() const;
-    /// Whether the bytes behind the end are as they were.
+    /// Whether the guard bytes are unchanged.
     bool isIntact() const;
 
 private:

@@ -50,7 +50,7 @@ std::vector<StatusLine> Status::history() const {
     return m_history;
 }
 
-// The copy first, so that a lack of memory leaves the line as it was.
+// Copies first, so that the line stays as it was if there is no memory.
 StatusLine Status::changed(StatusLine line, bool keepsHistory) {
     StatusLine copy = line;
     if (keepsHistory) m_history.push_back(line);

@@ -11,17 +11,17 @@ namespace vexa::standin {
 
 /// The host's status line.
 ///
-/// Each operation returns the line as it is after the change; nothing when there was none.
+/// Each operation returns the line after the change, or nothing if it changed nothing.
 /// Threads: safe from any.
 class Status {
 public:
-    /// Puts the line up for a new task. That is a change, even if it shows what was there.
+    /// Shows the line for a new task. This counts as a change even if the line looks the same.
     std::optional<StatusLine> start(std::string text, bool showStopButton, bool showBar, bool keepsHistory);
-    /// Moves the bar of a line that is up.
+    /// Changes the percentage of a line that is shown.
     std::optional<StatusLine> setPercent(int percent, bool keepsHistory);
-    /// Replaces the text of a line that is up.
+    /// Changes the text of a line that is shown.
     std::optional<StatusLine> setText(std::string text, bool keepsHistory);
-    /// Takes the line down.
+    /// Hides the line.
     std::optional<StatusLine> finish(bool keepsHistory);
 
     StatusLine line() const;

@@ -6,16 +6,16 @@
 
 namespace vexa::standin {
 
-/// The status line's stop button, and when it is to be pressed.
+/// Whether the stop button of the status line is pressed, and when it will be.
 ///
-/// Threads: safe from any, and in signal handlers, where a lock must not be taken.
+/// Threads: safe from any, and in signal handlers, because it takes no lock.
 class StopRequest {
 public:
     void press() noexcept { m_isPressed = true; }
     /// \param nth which check from now on, counted from 1.
     void pressAtCheck(std::size_t nth) noexcept { m_checksLeft = nth; }
     void pressAtPercent(int percent) noexcept { m_percent = percent; }
-    /// Also forgets when it was to be pressed.
+    /// Also forgets when the button was to be pressed.
     void release() noexcept {
         m_checksLeft = 0;
         m_percent = kNever;
@@ -24,14 +24,14 @@ public:
     bool isPressed() const noexcept { return m_isPressed; }
 
     /// Counts a check.
-    /// \return whether it is pressed then.
+    /// \return whether the button is pressed now.
     bool isPressedAt(int percent) noexcept {
         if (percent >= m_percent || isLastCheck()) press();
         return isPressed();
     }
 
 private:
-    // No percentage that anybody gives.
+    // No task shows this percentage.
     static constexpr int kNever = std::numeric_limits<int>::max();
     static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<std::size_t>::is_always_lock_free &&
                   std::atomic<int>::is_always_lock_free);
@@ -43,7 +43,7 @@ private:
     }
 
     std::atomic<bool> m_isPressed{false};
-    std::atomic<std::size_t> m_checksLeft{0};  // 0 when none is counted
+    std::atomic<std::size_t> m_checksLeft{0};  // 0 if checks are not counted
     std::atomic<int> m_percent{kNever};
 };
 

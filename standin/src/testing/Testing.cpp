@@ -9,7 +9,7 @@
 namespace vexa::standin {
 namespace {
 
-// The findings of \p now that were not there before, or count more than they did.
+// The findings of `now` that are not in `before`, or that count more than there.
 std::vector<Finding> newFindings(const std::vector<Finding>& before, const std::vector<Finding>& now) {
     std::vector<Finding> made;
     for (std::size_t i = 0; i < now.size(); ++i) {
