@@ -26,7 +26,7 @@ std::string reasonOf(std::string_view message) {
     return shortText(message);  // it quotes the token
 }
 
-// Makes values of what the parser tells, right after each token.
+// Builds values. The parser calls it right after each token.
 class ValueBuilder final : public nlohmann::json_sax<nlohmann::json> {
 public:
     // The parser reads `text` from `stream`.
@@ -74,12 +74,12 @@ public:
     }
 
 private:
-    // How much the parser has read: up to the end of the last token, or one byte beyond.
+    // How much the parser has read: up to the end of the last token, or one byte more.
     std::size_t consumed() const {
         return static_cast<std::size_t>(m_stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
     }
 
-    // Where the token begins that the parser tells of: it is the first one behind what was read of the last one.
+    // The start of the current token: it is the first one after the end of the last token.
     std::size_t takeToken() {
         const std::size_t begin = m_text.find_first_not_of(kBetweenTokens, m_end);
         m_end = consumed();
@@ -125,7 +125,7 @@ private:
     std::istream& m_stream;
     std::size_t m_end = 0;
     JsonValue m_root;
-    std::vector<JsonValue*> m_open;  // the arrays and objects not ended yet, the outermost first; each lies in the last
+    std::vector<JsonValue*> m_open;  // the open arrays and objects, the outermost first
 };
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace vexa::runner {
 
 struct JsonMember;
 
-/// A value of a JSON text, which knows where it stands.
+/// A value of a JSON text, with its place.
 struct JsonValue {
     using Array = std::vector<JsonValue>;
     using Object = std::vector<JsonMember>;
@@ -21,14 +21,14 @@ struct JsonValue {
     std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object> value;
 };
 
-/// A member of a JSON object. All are kept in their order, those of the same name too.
+/// A member of a JSON object. An object keeps all members in their order, also if two have the same name.
 struct JsonMember {
     std::size_t at = 0;  ///< the index of the first byte of its name, in the text
     std::string name;
     JsonValue value;
 };
 
-/// What is wrong with a JSON text, and where.
+/// A text is no JSON. The message is the reason.
 class JsonError : public std::runtime_error {
 public:
     JsonError(std::size_t at, const std::string& reason) : std::runtime_error(reason), m_at(at) {}
@@ -41,7 +41,7 @@ private:
 };
 
 /// Reads a JSON text, which is UTF-8.
-/// \throws JsonError also for an integer of more than 64 bits, and for more than 16 arrays and objects in one another.
+/// \throws JsonError also for an integer of more than 64 bits, and for more than 16 levels of nesting.
 JsonValue parseJson(const std::string& text);
 
 }  // namespace vexa::runner

@@ -6,13 +6,13 @@
 
 namespace vexa::runner {
 
-/// What JUnit makes of a test case.
+/// The outcome of a test case, as JUnit names it.
 enum class JunitOutcome_e {
     Passed,
-    Remarked,  ///< passed, and there is something to tell
+    Remarked,  ///< passed, with a text
     Skipped,
     Failure,
-    Error,  ///< the test itself came to no good
+    Error,  ///< the test could not finish
 };
 
 /// A test case of a report.
@@ -22,11 +22,11 @@ struct JunitCase {
     double seconds = 0;
     JunitOutcome_e outcome = JunitOutcome_e::Passed;
     std::string type;     ///< of a failure or an error
-    std::string message;  ///< a line, of what did not pass
-    std::string text;     ///< all there is to tell
+    std::string message;  ///< one line, if it did not pass
+    std::string text;     ///< the whole text
 };
 
-/// A report for build servers that show the tests of JUnit. What cannot be printed stands as `\xHH`.
+/// Makes a JUnit report, which build servers show. Bytes that cannot be printed are written as `\xHH`.
 /// \param properties names and values
 std::string junitText(const std::string& suite, const std::vector<std::pair<std::string, std::string>>& properties,
                       const std::vector<JunitCase>& cases);

@@ -39,15 +39,14 @@ constexpr const char* kHoldsNul = "the line holds a NUL byte";
     throwLastError();
 }
 
-// The reader takes the size of a file before it reads: a pipe has none, and of some devices it is 0.
+// AsciiFile needs the size of a file before it reads. A pipe has none, and some devices report 0.
 bool hasSize(const std::string& path) {
     unsigned long size = 0;
     return filesystem::fileStatus(path, true).type() == boost::filesystem::regular_file &&
            filesystem::fileSize(path, size) && size > 0;
 }
 
-// The three bytes of a file behind the first `offset` ones, or fewer at its end: enough to see a line end, and whether
-// there is more.
+// At most three bytes of a file after the first `offset` bytes: enough to see a line end and whether more follows.
 std::string bytesBehind(const std::string& path, std::ptrdiff_t offset) {
     const auto close = [](FILE* file) { std::fclose(file); };
     const std::unique_ptr<FILE, decltype(close)> file(filesystem::fileOpen(path, "rbe"), close);
@@ -82,7 +81,7 @@ private:
         const std::string behind = behindLine(m_file.currentLineNumber());
         std::string_view line = m_file.readRawLine();
         const std::size_t lineNumber = m_file.currentLineNumber();
-        if (startsWith(behind, kNul)) return;  // checkEnd() tells
+        if (startsWith(behind, kNul)) return;  // checkEnd() refuses it
         if (startsWith(behind, "\r") && behind != "\r" && !startsWith(behind, "\r\n")) {
             return refuse(lineNumber, "the line holds a carriage return");
         }
@@ -106,7 +105,7 @@ private:
         m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text), std::move(problem)});
     }
 
-    // The reader ends the file at a NUL, so one can only be behind the last line that it found.
+    // AsciiFile ends the file at a NUL, so there can be one only after the last line that it found.
     void checkEnd() {
         const std::size_t lines = m_file.numLinesInFile();
         const std::string behind = lines == 0 ? bytesBehind(m_file.fileName(), 0) : behindLine(lines - 1);
@@ -118,8 +117,8 @@ private:
         }
     }
 
-    // What the file has behind the text that the reader shows of a line, which is the line's end unless the reader cut
-    // the line at a carriage return, or the file at a NUL. Three bytes tell; there may be fewer, and more.
+    // The bytes after the text that AsciiFile returns for a line, at most three for the last line. They are the line
+    // end, unless AsciiFile has cut the line at a carriage return or the file at a NUL.
     std::string behindLine(std::uint64_t index) const {
         const char* const line = m_file.readRawLineAtOffset(index);
         const char* const end = line + std::strlen(line);

@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kDataMark = "#   ";
 
-// Every line end begins a comment, for a macro file cannot hold a carriage return within a line.
+// Starts a comment at each line end. A macro file may not have a carriage return within a line.
 std::string asComments(std::string_view data) {
     std::string comments(kDataMark);
     for (std::size_t at = 0; at < data.size(); ++at) {
@@ -22,7 +22,7 @@ std::string asComments(std::string_view data) {
     return comments + '\n';
 }
 
-// The host takes only commands that such a line gives back.
+// The host records only commands that can be read back from such a line.
 template <class Command>
 std::string lineOf(const Command& command) {
     return command.addOnId + ' ' + command.command + '\n';

@@ -58,8 +58,8 @@ enum Kind_e : std::size_t { Double, Integer, Text, IndexSet };
 
 Kind_e kindOf(const standin::StyleValue& value) { return static_cast<Kind_e>(value.index()); }
 
-// What the library, and so an add-on, takes a value for that is no double. It is asked about a 0, which is no address
-// that it would follow.
+// Finds the kind that the library, and so an add-on, expects for a value that is no double. It asks with the value 0,
+// which the library does not follow as an address.
 class KindQuery {
 public:
     KindQuery() { m_host.setKeepsCalls(false); }
@@ -83,7 +83,7 @@ private:
 
 // ---- Values
 
-// The members of `object` by their names; refuses one whose name is not among `names`, and one given twice.
+// The members of `object` by name. Refuses a name that is not among `names`, or that is given twice.
 Members membersOf(const JsonValue::Object& object, std::initializer_list<const char*> names) {
     Members members;
     for (const JsonMember& member : object) {
@@ -109,7 +109,7 @@ toolbox::Set setOf(const std::string& text, std::size_t at) {
     }
 }
 
-// What an item of an array of indices stands for in the text of a set; empty for a text without a member.
+// The text of a set for an item of an array of indices; empty for a text without a member.
 std::string membersOf(const JsonValue& item) {
     const auto* const index = std::get_if<std::int64_t>(&item.value);
     const auto* const range = std::get_if<std::string>(&item.value);
@@ -138,7 +138,7 @@ bool isSetText(const std::string& text) {
     }
 }
 
-// All items are read as one text: a set takes them in any order in linear time, and bounds their members together.
+// Reads all items as one text: a set reads them in any order in linear time, and limits the number of all members.
 toolbox::Set setOf(const JsonValue::Array& items) {
     toolbox::Set set;
     const JsonValue* const begin = items.data();
@@ -146,7 +146,7 @@ toolbox::Set setOf(const JsonValue::Array& items) {
     try {
         set.assign(text);
     } catch (const InvalidArgumentException& refusal) {
-        // The first item with which it is too much, or wrong: halving finds it without reading each item by itself.
+        // Finds the first item that is wrong, or one too many, by bisection: reading each item separately is slow.
         const JsonValue* const wrong =
             std::partition_point(begin, begin + items.size() - 1,
                                  [begin](const JsonValue& item) { return isSetText(setTextOf(begin, &item + 1)); });

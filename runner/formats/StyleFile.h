@@ -17,7 +17,7 @@ inline constexpr std::size_t kMostStyleKeywords = 6;
 /// A setting of a style file.
 struct StyleSetting {
     std::vector<std::string> path;                 ///< its keywords, outermost first
-    std::optional<std::pair<long, long>> offsets;  ///< the pair it is for; for every other one without
+    std::optional<std::pair<long, long>> offsets;  ///< the pair that it is for; empty: all other pairs
     standin::StyleValue value;
 };
 
@@ -33,21 +33,22 @@ struct StyleSetting {
 ///               "$value": 1.5}}                           values for pairs of offsets; an offset left out is 0.
 ///                                                         "$value" is for all other pairs, and may be left out
 ///
-/// Refused, besides what is none of these: a keyword that is empty, holds a NUL, begins with `$` or is given twice in
-/// one object (ignoring the case of ASCII letters), more than six of them in one another, a text with a NUL, and a
-/// value of a kind that add-ons do not take its last keyword for: an integer that is taken for a text is an address.
-/// \throws JsonError
+/// \throws JsonError for everything else, and for
+/// - a keyword that is empty, has a NUL, starts with `$`, or is in one object twice, in any letter case
+/// - a path of more than six keywords
+/// - a text with a NUL
+/// - a value of another kind than add-ons expect for its last keyword: they may use an integer as an address
 std::vector<StyleSetting> parseStyles(const std::string& text);
 
-/// Reads a style file, `-` for the standard input, and tells what is wrong with it: "FILE:LINE:COLUMN: reason". Nothing
-/// comes of a wrong one.
+/// Reads a style file; `-` is the standard input. Reports an error as "FILE:LINE:COLUMN: reason".
+/// \return empty if there was an error.
 std::optional<std::vector<StyleSetting>> readStyles(const std::string& file);
 
-/// Gives \p host settings.
+/// Sets \p settings in \p host.
 void giveStyles(standin::Host& host, const std::vector<StyleSetting>& settings);
 
-/// Gives \p host the settings of a style file.
-/// \return whether the file could be read; if not, \p host is as before, and what is wrong was told.
+/// Reads a style file, as readStyles() does, and sets its settings in \p host.
+/// \return whether the file could be read; if not, \p host is unchanged.
 bool loadStyles(standin::Host& host, const std::string& file);
 
 }  // namespace vexa::runner

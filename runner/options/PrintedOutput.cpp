@@ -11,7 +11,7 @@
 namespace vexa::runner {
 
 bool isOutputWhole() {
-    // What was printed may still lie in the buffer: a full disk, or a descriptor that an add-on closed, shows only now.
+    // Output may still be in the buffer. A full disk, or a descriptor that an add-on closed, is found only now.
     const bool isFlushed = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (isFlushed && fcntl(STDOUT_FILENO, F_GETFD) >= 0) return true;
     __fpurge(stdout);

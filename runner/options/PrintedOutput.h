@@ -4,11 +4,12 @@
 
 namespace vexa::runner {
 
-/// Whether all that this process printed has reached the standard output, and that is still open. After the answer no,
-/// what is printed goes nowhere, so that the loss is told once.
+/// Whether everything that this process printed was written to the standard output. If not, later output is discarded,
+/// so that the loss is reported once.
 bool isOutputWhole();
 
-/// \return \p status if isOutputWhole(); else that a file could not be written, which is told.
+/// Reports lost output.
+/// \return \p status if isOutputWhole(); otherwise the status for a file that could not be written.
 ExitStatus_e checkOutput(ExitStatus_e status);
 
 }  // namespace vexa::runner

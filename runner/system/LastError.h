@@ -5,10 +5,10 @@
 
 namespace vexa::runner {
 
-/// Throws what errno says.
+/// Throws the error in errno.
 /// \throws std::system_error
 [[noreturn]] inline void throwLastError() { throw std::system_error(errno, std::generic_category()); }
-/// With \p what before it.
+/// The same, with \p what before the message.
 /// \throws std::system_error
 [[noreturn]] inline void throwLastError(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);

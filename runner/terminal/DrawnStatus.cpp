@@ -20,7 +20,7 @@ DrawnStatus::DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& is
     : m_isStopping(std::move(isStopping)), m_inColour(wantsColour()), m_isDrawn(isDrawn) {}
 
 void DrawnStatus::show(const standin::StatusLine& line) {
-    // A line that is up and goes back was started again.
+    // The percentage went back: the task was started again.
     if (line.active && (!m_line.active || line.percent < m_line.percent)) m_begin = Clock::now();
     m_line = line;
     m_hasChanged = true;
@@ -53,10 +53,10 @@ void DrawnStatus::draw() {
     m_drawnStopping = m_isStopping();
     m_drawnElapsed = elapsed();
     m_drawnColumns = columnsOf(STDERR_FILENO);
-    // The last column stays free: behind it some terminals go on to the next line at once.
+    // Leave the last column free: after it, some terminals go to the next line at once.
     const StatusFrame frame{m_drawnElapsed, m_drawnStopping, m_inColour, m_drawnColumns - 1};
     m_isDrawn = true;
-    // In one write, so that it does not flicker.
+    // One write avoids flicker.
     writeAll(STDERR_FILENO, kClearLine + pictureOf(m_line, frame) + '\r');
     m_lastDrawing = Clock::now();
 }

@@ -11,20 +11,20 @@ namespace vexa::runner {
 
 /// The status line, drawn on the terminal at the standard error output.
 ///
-/// It is drawn in place, at most ten times a second. The cursor rests at its start: so however the terminal wraps the
-/// line when its window becomes narrower, all of it comes after the cursor, and is cleared with it.
-/// Threads: one at a time, where nothing else is said.
+/// It is drawn in place, at most ten times a second. The cursor stays at its start. If the window becomes narrower and
+/// the terminal wraps the line, all of the line is still after the cursor, and is cleared.
+/// Threads: one at a time, unless a function says otherwise.
 class DrawnStatus {
 public:
-    /// \param isStopping whether the user has asked to stop; asked at each drawing.
-    /// \param isDrawn    kept at whether something is drawn
+    /// \param isStopping whether the user has asked to stop; called at each drawing.
+    /// \param isDrawn    is set to whether something is drawn
     DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
 
-    /// Takes over the status line as it is now. One that is taken down goes at once, all else shows when it is due.
+    /// Shows \p line when the next drawing is due. A line that is taken down is cleared at once.
     void show(const standin::StatusLine& line);
-    /// Draws the line again if there is something new to draw, and it is due.
+    /// Draws the line if it has changed and a drawing is due.
     void refresh();
-    /// Clears what is drawn, to make room. The next refresh() that is due brings it back.
+    /// Clears the drawn line to make room. The next refresh() that is due draws it again.
     void clear();
     /// Whether the status line is up.
     bool isUp() const { return m_line.active; }

@@ -10,19 +10,19 @@
 
 namespace vexa::runner {
 
-/// The status line where it cannot be drawn, as a log: a message at the start, every ten percent, and at the end.
+/// The status line as a log, for where it cannot be drawn: a message at the start, every ten percent, and at the end.
 ///
-/// An end is told when the next task starts, or by conclude(): only then is it known whether the task failed. However
-/// often an add-on changes the line, it fills no log: of a command the first ten tasks are told, then one a second, and
-/// a percentage that goes back is a new start once a second.
-/// Threads: safe from any.
+/// The end of a task is logged when the next task starts, or by conclude(): only then is it known whether the task
+/// failed. An add-on that changes the line very often does not fill the log. The first ten tasks of a command are
+/// logged, then one task a second. A percentage that goes back is logged as a new start, at most once a second.
+/// Threads: may be called from any.
 class PlainStatus {
 public:
-    /// Tells of the status line as it is now.
-    /// \param place      what the messages begin with
+    /// Logs the current status line.
+    /// \param place      the start of the messages
     /// \param isStopping whether the user has asked to stop
     void show(const std::string& place, const standin::StatusLine& line, bool isStopping);
-    /// Tells how the last task of a command ended, and how many were left out. Call it when the command has ended.
+    /// Logs how the last task of a command ended, and how many tasks were not logged. Call it after the command.
     /// \param hasSucceeded whether the command was accepted
     void conclude(bool hasSucceeded);
 

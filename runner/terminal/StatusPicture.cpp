@@ -9,8 +9,8 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kBarWidth = 20;
-constexpr std::size_t kReadableWidth = 8;  // of a text that is cut
-constexpr int kHint = 1;                   // what is less important than the whole text
+constexpr std::size_t kReadableWidth = 8;  // to which a text may be cut
+constexpr int kHint = 1;                   // less important than the whole text
 constexpr int kMostImportant = 5;
 constexpr std::size_t kPercentWidth = 3;
 constexpr int kAllDone = 100;
@@ -40,7 +40,7 @@ std::string percentText(int percent) {
     return std::string(kPercentWidth - number.size(), ' ') + number + " %";
 }
 
-// As much time for each percent to come as for each so far. Nothing can be said at the very start or end.
+// Assumes that each percent takes the same time.
 std::string remainingText(int percent, std::chrono::seconds elapsed) {
     if (percent <= 0 || percent >= kAllDone || elapsed.count() == 0) return "";
     return timeText(elapsed * (kAllDone - percent) / percent) + " left";
@@ -51,7 +51,7 @@ std::string stopText(const standin::StatusLine& line, bool isStopping) {
     return line.showStopButton ? "Ctrl-C stops" : "";
 }
 
-// A part of the picture beside the text. The one with the lowest importance goes first.
+// A part of the picture beside the text. The least important part is dropped first.
 struct Part {
     std::string text;
     int importance;
@@ -79,7 +79,7 @@ std::size_t widthOf(const std::vector<Part>& parts) {
     return width;
 }
 
-// Leaves out parts, up to those of \p importance, until the others fit beside a text of \p textWidth.
+// Drops parts of at most this importance until the others fit beside a text of this width.
 void dropUntilFit(std::vector<Part>& parts, std::size_t columns, std::size_t textWidth, int importance) {
     const auto isLess = [](const Part& a, const Part& b) { return a.importance < b.importance; };
     while (!parts.empty() && textWidth + widthOf(parts) > columns) {
@@ -89,7 +89,7 @@ void dropUntilFit(std::vector<Part>& parts, std::size_t columns, std::size_t tex
     }
 }
 
-// The colours come last, for they take no columns.
+// Adds colours last: they take no columns.
 std::string joined(std::string text, const std::vector<Part>& parts, bool inColour) {
     for (const Part& part : parts) {
         if (!text.empty()) text += part.separator;

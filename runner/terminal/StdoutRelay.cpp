@@ -14,7 +14,7 @@ StdoutRelay::StdoutRelay() {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
     m_real = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    // The end for writing waits as a terminal would, the one for reading never.
+    // Writers wait, as they do for a terminal. The reader never waits.
     const bool ready = m_real >= 0 && fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0;
     close(ends[1]);
     if (!ready) {
@@ -22,7 +22,7 @@ StdoutRelay::StdoutRelay() {
         return;
     }
     m_pipe = ends[0];
-    // As for a terminal, which the standard output no longer is.
+    // The C library buffers by line for a terminal only, and the standard output is now a pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 }
 

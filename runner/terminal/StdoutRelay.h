@@ -4,29 +4,28 @@
 
 namespace vexa::runner {
 
-/// Stands between what prints to the standard output and the terminal it goes to: while it lives, descriptor 1 is a
-/// pipe, and what comes through it is passed on by pass().
+/// Puts a pipe between the standard output and its terminal: as long as this object lives, descriptor 1 is the pipe.
 ///
-/// So whoever draws on the same terminal can make room first. Whole lines are passed on; the start of one may be held
-/// back. Where the pipe cannot be made, the standard output is left as it is.
+/// The owner reads the pipe and calls pass(). So it can first clear what it has drawn on the same terminal. It may pass
+/// on whole lines only, and hold back the start of a line. If no pipe can be made, the standard output is unchanged.
 /// Threads: one at a time.
 class StdoutRelay {
 public:
-    /// To be called before anything is printed.
+    /// Call it before anything is printed.
     StdoutRelay();
     StdoutRelay(const StdoutRelay&) = delete;
     StdoutRelay& operator=(const StdoutRelay&) = delete;
-    /// Passes on what is left, and gives the standard output back.
+    /// Passes on the rest, and restores the standard output.
     ~StdoutRelay();
 
-    /// A descriptor that is readable when there is something to pass on; negative when nothing is relayed.
+    /// A descriptor that becomes readable when there is output to pass on; negative if nothing is relayed.
     int readable() const { return m_pipe; }
-    /// Takes what was printed, without waiting for more.
-    /// \return what can be passed on: the whole lines, and the start of a line unless \p wholeLinesOnly.
+    /// Takes the output so far. Does not wait for more.
+    /// \return the whole lines and, unless \p wholeLinesOnly, the start of the next line.
     std::string take(bool wholeLinesOnly);
-    /// Puts \p text on the real standard output.
+    /// Writes \p text to the real standard output.
     void pass(const std::string& text);
-    /// Whether what was passed on last ended in the middle of a line.
+    /// Whether the text passed on last ended in the middle of a line.
     bool isWithinLine() const { return m_isWithinLine; }
 
 private:

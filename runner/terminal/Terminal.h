@@ -4,24 +4,24 @@
 
 namespace vexa::runner {
 
-/// Whether \p descriptor is a terminal on which a line can be drawn anew.
+/// Whether \p descriptor is a terminal that can redraw a line.
 bool isTerminal(int descriptor);
 
-/// How many columns the window of the terminal \p descriptor has now.
+/// The current width of the window of the terminal \p descriptor, in columns.
 std::size_t columnsOf(int descriptor);
 
-/// How many columns there are for text on \p descriptor: those of the environment variable COLUMNS or of its window; 80
-/// when it is no terminal.
+/// The width for text on \p descriptor: the environment variable COLUMNS, or the width of its window; 80 if it is no
+/// terminal.
 std::size_t textColumnsOf(int descriptor);
 
-/// Whether messages are to be in colour: as chooseColour() said; without it, when the standard error output is a
-/// terminal and the environment variable NO_COLOR is empty.
+/// Whether to colour messages: as chooseColour() said; by default, if the standard error output is a terminal and the
+/// environment variable NO_COLOR is empty.
 bool wantsColour();
 
-/// Decides about wantsColour(). Call it while there is one thread.
+/// Sets the result of wantsColour(). Call it while the process has one thread.
 void chooseColour(bool wanted);
 
-/// What brings the cursor of a terminal to the start of its line, and clears what is from there on.
+/// Moves the cursor of a terminal to the start of its line and clears everything after it.
 inline constexpr char kClearLine[] = "\r\033[J";
 
 }  // namespace vexa::runner

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view kEllipsis = "…";
 constexpr std::size_t kEllipsisWidth = 1;
 
-// Has the calling thread know the characters of UTF-8. The program's locale stays as the add-ons expect it.
+// Sets a UTF-8 locale for this thread only. Add-ons rely on the locale of the process.
 class Utf8Locale {
 public:
     Utf8Locale() : m_utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {

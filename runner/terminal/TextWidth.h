@@ -6,17 +6,17 @@
 
 namespace vexa::runner {
 
-/// How many columns of a terminal the UTF-8 text \p text takes. A byte that belongs to no character counts as one.
+/// The width of the UTF-8 text \p text on a terminal, in columns. A byte that is not part of a character counts as one.
 std::size_t widthOf(std::string_view text);
 
-/// \p text, or the start of it with an ellipsis, so that it takes at most \p columns columns.
+/// Cuts \p text to at most \p columns columns. A text that was cut ends with an ellipsis.
 ///
 ///     cutToWidth("Größe", 5) -> "Größe"
 ///     cutToWidth("Größe", 4) -> "Grö…"
 ///     cutToWidth("中文", 3)   -> "中…"
 std::string cutToWidth(std::string_view text, std::size_t columns);
 
-/// \p text on one line: each control character is a blank, and each byte that belongs to no character a '?'.
+/// \p text on one line: each control character becomes a blank, and each byte that is not part of a character a '?'.
 std::string asOneLine(std::string_view text);
 
 }  // namespace vexa::runner

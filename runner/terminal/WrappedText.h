@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// \p text in lines of at most \p width bytes, as far as its words allow. It is broken at blanks.
-/// \param first what the first line begins with; the others begin with as many blanks
+/// Breaks \p text at blanks into lines of at most \p width bytes. A word that is longer has a line of its own.
+/// \param first starts the first line; the other lines start with as many blanks
 std::string wrapped(std::string_view text, std::size_t width, const std::string& first = "");
 
 }  // namespace vexa::runner

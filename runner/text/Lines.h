@@ -8,7 +8,7 @@
 
 namespace vexa::runner {
 
-/// Adds \p line to \p lines, which have no line feed at their end; not an empty one.
+/// Appends \p line to \p lines, which do not end with a line feed. An empty line is not added.
 inline void addLine(std::string& lines, const std::string& line) {
     if (!line.empty()) lines += (lines.empty() ? "" : "\n") + line;
 }

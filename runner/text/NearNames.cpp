@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::size_t kMostOffered = 3;
 
-// How many characters to insert, delete, replace or swap with the next one to make one of the other.
+// The number of edits that turn one text into the other. An edit inserts, deletes or replaces a character, or swaps two
+// neighbours.
 std::size_t distance(std::string_view from, std::string_view to) {
     std::vector<std::vector<std::size_t>> steps(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
     for (std::size_t i = 0; i <= from.size(); ++i) {
@@ -32,7 +33,7 @@ void toLower(std::string& text) {
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
 }
 
-// What is a part of a name is as close to it as what has a slip of the pen.
+// A part of a name counts like one typing mistake.
 std::size_t remoteness(std::string name, std::string meant) {
     toLower(name);
     toLower(meant);

@@ -5,8 +5,9 @@
 
 namespace vexa::runner {
 
-/// Those of \p names that may most likely be meant by \p name; three at most. A part of a name means it, and
-/// so does a name with a few characters missing, added, replaced or swapped. Case does not matter.
+/// Finds the names that the user most likely meant when he typed \p name.
+/// \return at most three of \p names: those that \p name is a part of, or that differ from it in a few characters.
+/// Letter case does not matter.
 std::vector<std::string> nearNames(const std::string& name, const std::vector<std::string>& names);
 
 /// "a", "a or b", "a, b or c"

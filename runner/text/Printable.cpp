@@ -9,7 +9,7 @@ bool isIn(unsigned char byte, unsigned first, unsigned last) { return byte >= fi
 
 bool isPlain(char c) { return c >= ' ' && c <= '~'; }
 
-// U+202A to U+202E and U+2066 to U+2069: a text that they turn around reads as another one.
+// U+202A to U+202E and U+2066 to U+2069. With them, a text can look like another one.
 bool turnsDirection(unsigned char first, unsigned char second, unsigned char third) {
     if (first != 0xE2) return false;
     return (second == 0x80 && isIn(third, 0xAA, 0xAE)) || (second == 0x81 && isIn(third, 0xA6, 0xA9));
@@ -26,7 +26,7 @@ std::string shownBy(std::string_view text, const LayOut& layOut) {
     std::string shown;
     shown.reserve(text.size());
     for (;;) {
-        // Nearly all is of ASCII, and quickly passed over.
+        // Fast path: nearly all text is ASCII.
         const auto plainEnd = std::find_if_not(text.begin(), text.end(), isPlain);
         const auto plain = static_cast<std::size_t>(plainEnd - text.begin());
         shown += text.substr(0, plain);
@@ -54,7 +54,8 @@ std::string printableLine(std::string_view text) {
     return shownBy(text, [](std::string& shown, char c) { shown += c == '\n' ? "\\n" : "\\t"; });
 }
 
-// Left out are also overlong forms, surrogates, what is beyond the last character, and the two that XML has not.
+// Also refuses overlong forms, surrogates, U+FFFE and U+FFFF, which XML does not allow, and values after the last
+// character.
 std::size_t printableLength(std::string_view text) {
     const auto byte = [&](std::size_t i) -> unsigned char {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : '\0';

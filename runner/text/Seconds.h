@@ -6,7 +6,7 @@
 
 namespace vexa::runner {
 
-/// Refuses what secondsOf() does not take.
+/// The message for a text or number that secondsOf() refuses.
 inline constexpr char kExpectedSeconds[] = "expected seconds, more than 0 and at most 1000000";
 
 /// Reads a time limit as users write it, in seconds: `2`, `0.5`.

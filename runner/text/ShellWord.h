@@ -7,9 +7,8 @@
 
 namespace vexa::runner {
 
-/// \p word as a shell takes it: between quotes where it has to be. What cannot be printed on one line is escaped
-/// between
-/// `$'` and `'`, which bash, zsh and ksh know.
+/// Quotes \p word for a shell, if it needs quotes. A word that cannot be printed on one line is escaped between
+/// `$'` and `'`, which bash, zsh and ksh understand.
 inline std::string shellWord(const std::string& word) {
     constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./:=@%+,-";
     if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;

@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// The beginning of \p text, and three dots, where it is too long for a message: files of others are quoted there, and
-/// a word of theirs may be all of the file. No UTF-8 character is cut apart.
+/// Cuts a text that is too long for a message and appends three dots. Messages quote files, and a damaged file may be
+/// one long word. No UTF-8 character is cut in half.
 inline std::string shortText(std::string_view text) {
     constexpr std::size_t kMost = 200;
     if (text.size() <= kMost) return std::string(text);

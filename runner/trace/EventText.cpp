@@ -10,7 +10,7 @@ bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
 
 }  // namespace
 
-// Nearly all is printable ASCII; the rest is left to those who know UTF-8.
+// Fast path for printable ASCII; the JSON library handles the rest.
 void appendJsonString(std::string& json, std::string_view text) {
     if (!std::all_of(text.begin(), text.end(), isPrintableAscii)) {
         json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
@@ -67,7 +67,7 @@ EventText& EventText::json(std::string_view name, std::string_view value) {
     return *this;
 }
 
-// A member begins; its name is one of ours, and plain.
+// Names of members are our own and need no escapes.
 void EventText::begin(std::string_view name) {
     if (m_text.back() != '{') m_text += ',';
     m_text += '"';

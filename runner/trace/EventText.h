@@ -9,7 +9,7 @@
 
 namespace vexa::runner {
 
-/// Trace events as a JSON text, an event a line, put together by appending.
+/// Builds the JSON text of trace events, one event a line.
 ///
 ///     EventText text(getpid());
 ///     text.event("E", "VexaUtilStringAlloc", "call", gettid(), now);
@@ -17,21 +17,20 @@ namespace vexa::runner {
 ///     text.close();
 ///     text.hand(write);   // [\n{"name":"VexaUtilStringAlloc","cat":"call","ph":"E",...,"args":{"result":"string#1"}}
 ///
-/// The first event is preceded by the bracket that opens the array, all others by a comma.
-/// By hand, for this is done at every host call: to make an object of each event, as is done for the few that are told
-/// otherwise, takes ten times as long.
+/// The first event starts the array; the others follow a comma. The text is built without the JSON library, because
+/// every host call makes an event, and JSON objects are much slower.
 class EventText {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
     explicit EventText(long process) : m_process(process) {}
 
-    /// Begins an event. Further members may follow.
+    /// Starts an event. More members may follow.
     EventText& event(std::string_view phase, std::string_view name, std::string_view category, long track, Time time);
-    /// Adds an event that names a process or a thread, whichever \p kind says.
+    /// Adds an event that names a process or a thread, according to \p kind.
     void metadata(std::string_view kind, long track, std::string_view name);
 
-    /// Begins a member that is an object.
+    /// Starts a member that is an object.
     EventText& open(std::string_view name);
     /// Ends an object, or the event.
     EventText& close();
@@ -45,12 +44,12 @@ public:
         append(number);
         return *this;
     }
-    /// Adds a member whose value is JSON already.
+    /// Adds a member whose value is already JSON.
     EventText& json(std::string_view name, std::string_view value);
     /// Ends the array.
     void end() { m_text += "\n]\n"; }
 
-    /// Has \p use use what was appended since the last time.
+    /// Calls \p use with the text that was appended since the last call.
     template <class Use>
     void hand(const Use& use) {
         use(std::string_view(m_text));
@@ -72,7 +71,7 @@ private:
     std::string m_text;
 };
 
-/// Appends \p text as a JSON string. What is no UTF-8 is replaced.
+/// Appends \p text as a JSON string. Replaces invalid UTF-8.
 void appendJsonString(std::string& json, std::string_view text);
 
 }  // namespace vexa::runner

@@ -19,7 +19,7 @@ using standin::Place;
 using standin::StatusLine;
 using Time = std::chrono::steady_clock::time_point;
 
-// Above every number that the kernel gives a thread.
+// Greater than every thread id of the kernel.
 constexpr long kFirstScopeTrack = 1L << 22;
 
 constexpr std::string_view kCall = "call";
@@ -27,8 +27,7 @@ constexpr std::string_view kScope = "scope";
 constexpr std::string_view kRun = "run";
 constexpr std::string_view kCutOff = "cut off";  // a span that had not ended when the trace did
 
-// The kernel's, so that other tools can tell the threads. The kernel is asked once: at each event it would be a tenth
-// of what a traced call costs.
+// The id of the kernel, which other tools show too. Cached, because a system call at each event is slow.
 long thisThread() {
     thread_local const long number = gettid();
     return number;
@@ -43,7 +42,7 @@ const char* categoryOf(Entry_e kind) {
     return "";
 }
 
-// Add-ons may hand over what is no UTF-8.
+// Add-ons may pass invalid UTF-8.
 std::string textOf(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 std::string nameOf(const EntryEvent& entry) {
@@ -167,8 +166,8 @@ void EventTrace::write(const Action& action) {
     });
 }
 
-// What an action appends is written at once, so that it is there when the process dies, and by one call of the kernel,
-// which is most of what a traced call costs.
+// Writes the text of an action at once, so that it is in the file if the process dies, and by a single system call,
+// which is the main cost of a traced call.
 void EventTrace::handTo(LiveFile& file) {
     m_text.hand([&](std::string_view text) { file.append(text); });
 }
@@ -205,8 +204,8 @@ void EventTrace::beginSpan(long thread, std::size_t threadNumber, std::string na
     open->second.push_back(std::move(name));
 }
 
-// The name under which it began: the id of an add-on is not known then. An end whose beginning was not observed is
-// none.
+// Ends the span under the name with which it started: at that time the id of an add-on may not be known. Ignores an end
+// without a start.
 std::optional<std::string> EventTrace::endSpan(long thread) {
     const auto found = m_openSpans.find(thread);
     if (found == m_openSpans.end() || found->second.empty()) return std::nullopt;

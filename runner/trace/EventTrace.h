@@ -15,23 +15,23 @@
 
 namespace vexa::runner {
 
-/// What a trace says of the run that it is of.
+/// The facts about a run that its trace starts with.
 struct RunFacts {
     std::string tool;                                                       ///< the program and its version
-    std::string macroFile;                                                  ///< as it was named
-    std::vector<std::pair<std::string, std::vector<std::string>>> options;  ///< those given, with their values
-    bool isStrict = false;                ///< whether breaches of the contract count, and recordings are played back
-    bool hasTimeLimit = false;            ///< whether commands that do not return are found
-    std::vector<std::string> suppressed;  ///< the rules whose breaches pass
+    std::string macroFile;                                                  ///< the path as given
+    std::vector<std::pair<std::string, std::vector<std::string>>> options;  ///< the options given, with their values
+    bool isStrict = false;      ///< whether breaches of the contract fail the run, and recordings are played back
+    bool hasTimeLimit = false;  ///< whether a command that does not return is a finding
+    std::vector<std::string> suppressed;  ///< rules whose breaches are ignored
 };
 
-/// Writes what it observes to a file in the Chrome trace event format: a JSON array, an event a line.
+/// An observer that writes a file in the Chrome trace event format: a JSON array, one event a line.
 ///
-/// Commands, and loading and unloading of add-ons, are spans, and the calls in them; the host's scopes have tracks of
-/// their own; the percentage of the status line is a counter, a finding an instant. Each event is in the file when the
-/// operation returns. The array is closed by finish() only, and viewers do without.
+/// Commands, loading and unloading of add-ons, and host calls are spans. The scopes of the host have tracks of their
+/// own. The percentage of the status line is a counter, and a finding is an instant. Each operation writes its event
+/// before it returns. Only finish() closes the array; viewers accept a file without that.
 ///
-/// Errors:  OutputError from construction and finish(); when the file cannot be written any more, the rest is left out.
+/// Errors:  OutputError from construction and finish(); after a failed write nothing more is written.
 /// Threads: as an observer.
 class EventTrace : public standin::ObserverInterface {
 public:
@@ -44,7 +44,7 @@ public:
     void findingMade(const standin::Finding& finding) override;
     void statusChanged(const standin::StatusLine& line) override;
 
-    /// Ends what is open, and writes how the run ended. What is observed afterwards is left out.
+    /// Ends the open spans and writes how the run ended. Later events are ignored.
     void finish(int exitStatus, const std::string& outcome);
 
 private:
@@ -58,9 +58,9 @@ private:
     std::optional<std::string> endSpan(long thread);
 
     TraceFile m_file;
-    EventText m_text;  // what is to be written next
+    EventText m_text;  // to be written next
     ScopeTracks m_scopes;
-    std::map<long, std::vector<std::string>> m_openSpans;  // their names, by track; every track that has a name
+    std::map<long, std::vector<std::string>> m_openSpans;  // names by track; has every named track
 };
 
 }  // namespace vexa::runner

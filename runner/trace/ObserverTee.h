@@ -6,9 +6,9 @@
 
 namespace vexa::runner {
 
-/// Tells several observers what it is told, in their order.
+/// Passes every event on to several observers, in their order.
 ///
-/// Ownership: the observers are not its own, and must outlive it.
+/// Ownership: it does not own the observers; they must outlive it.
 /// Threads:   as an observer.
 class ObserverTee : public standin::ObserverInterface {
 public:

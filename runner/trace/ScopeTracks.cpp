@@ -16,7 +16,7 @@ constexpr char kHandleSign = '#';
 
 bool isOfMutex(const HostFunctionInfo& function) { return function.scope == kMutex; }
 
-// The host has one status line, and a thread that locks a mutex twice does not get it twice.
+// The host has one status line, and a thread cannot lock a mutex twice.
 bool nests(const HostFunctionInfo& function) { return !isOfMutex(function) && function.scope != kStatusLine; }
 
 bool doesBegin(const HostFunctionInfo& function, const CallEvent& call) {
@@ -71,7 +71,7 @@ std::vector<ScopeEdge> ScopeTracks::endAll(Time time) {
     return edges;
 }
 
-// Null, and what is no mutex, is locked by nobody.
+// Null and invalid handles are not locked.
 const HostFunctionInfo* ScopeTracks::scopeFunction(const CallEvent& call) const {
     const auto found = m_functions.find(call.function);
     if (found == m_functions.end()) return nullptr;
@@ -84,7 +84,7 @@ std::size_t ScopeTracks::newTrack(const char* kind, const std::string& name) {
     return m_tracks.size() - 1;
 }
 
-// A mutex gets the first track on which none is locked, so that there are no more than are locked at once.
+// Uses the first free track, so that there are only as many as mutexes are locked at once.
 std::optional<std::size_t> ScopeTracks::trackToBeginOn(const HostFunctionInfo& function, const std::string& name) {
     if (!nests(function) && trackToEndOn(function, name)) return std::nullopt;
     std::size_t ofKind = 0;
@@ -110,7 +110,7 @@ ScopeEdge ScopeTracks::begin(std::size_t track, const std::string& name, const C
     return {true, track + 1, m_tracks[track].name, name, call.arguments, m_tracks[track].last};
 }
 
-// Calls of several threads may arrive in another order than that of their times.
+// The calls of several threads may not arrive in the order of their times.
 ScopeEdge ScopeTracks::end(std::size_t track, Time time) {
     Track& ended = m_tracks[track];
     const std::string name = ended.open.back().name;

@@ -13,36 +13,37 @@
 
 namespace vexa::runner {
 
-/// The beginning or the end of a scope of the host's: its lock, its status line, a mutex, and so on.
+/// The start or the end of a scope of the host: its lock, its status line, a mutex, and so on.
 struct ScopeEdge {
     bool begins = false;
     std::size_t track = 0;  ///< scopes of one track nest; tracks are numbered from 1
     std::string trackName;  ///< the kind of scope; several mutexes locked at once have tracks "mutex 1", "mutex 2" ...
     std::string name;       ///< the kind of scope, or the mutex
-    std::string arguments;  ///< of the call that began it; only at the beginning
-    std::chrono::steady_clock::time_point time;  ///< never before the one told before on the track
+    std::string arguments;  ///< of the call that started it; empty at the end
+    std::chrono::steady_clock::time_point time;  ///< not before the previous one of its track
 };
 
-/// Tells from calls when the host's scopes begin and end.
+/// Finds the starts and ends of the scopes of the host in its calls.
 ///
-/// A scope lasts from the end of the call that begins it to the beginning of the call that ends it, so that those of
-/// two threads do not overlap. An end without a beginning is none. What an add-on leaves open ends when the host is
-/// back, where the host puts it right; a mutex stays locked. Threads: one uses it at a time.
+/// A scope lasts from the end of the call that starts it to the start of the call that ends it, so that scopes of two
+/// threads do not overlap. An end without a start is ignored. A scope that an add-on leaves open ends when the add-on
+/// returns to the host, which corrects it; a mutex stays locked.
+/// Threads: one at a time.
 class ScopeTracks {
 public:
     ScopeTracks();
 
     void entryBegan() { ++m_depth; }
-    /// What the entry left open, the last begun first.
+    /// Ends the scopes that the entry left open, the last one first.
     std::vector<ScopeEdge> entryEnded(std::chrono::steady_clock::time_point time);
     std::optional<ScopeEdge> callBegan(const standin::CallEvent& call);
     std::optional<ScopeEdge> callEnded(const standin::CallEvent& call);
-    /// All that is open.
+    /// Ends all open scopes.
     std::vector<ScopeEdge> endAll(std::chrono::steady_clock::time_point time);
 
 private:
     struct Scope {
-        std::size_t depth = 0;  // of entries, where it began
+        std::size_t depth = 0;  // the number of entries around its start
         std::string name;
     };
     struct Track {
@@ -59,7 +60,7 @@ private:
     ScopeEdge begin(std::size_t track, const std::string& name, const standin::CallEvent& call);
     ScopeEdge end(std::size_t track, std::chrono::steady_clock::time_point time);
 
-    std::unordered_map<std::string_view, const standin::HostFunctionInfo*> m_functions;  // those with a scope
+    std::unordered_map<std::string_view, const standin::HostFunctionInfo*> m_functions;  // the functions of scopes
     std::vector<Track> m_tracks;
     std::size_t m_depth = 0;  // of entries
 };

@@ -17,7 +17,7 @@ using standin::Finding;
 constexpr const char* kHead = "# thread, then commands, and their calls of the host with arguments and results\n";
 constexpr std::string_view kIndentation = "  ";
 
-// The folder is left out: it is another one on another machine.
+// Without the folder, which differs between machines.
 std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
 
 std::string beginningOf(const EntryEvent& entry) {
@@ -46,7 +46,7 @@ std::string lineOf(const CallEvent& call) {
     return call.result.empty() ? line : line + " = " + call.result;
 }
 
-// Where it was seen is where the line stands.
+// The position of the line shows where the finding was made.
 std::string lineOf(const Finding& finding) {
     std::string line = std::string("! ") + nameOf(finding.severity) + ": ";
     line += finding.message + " [" + finding.rule + ']';
@@ -59,7 +59,7 @@ std::string lineOf(const Finding& finding) {
 void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::string& text) {
     std::string line = std::to_string(thread) + std::string(kIndentation);
     for (std::size_t i = 0; i != depth; ++i) line += kIndentation;
-    file.append(line + printableLine(text) + '\n');  // a line is one line, whatever an add-on hands over
+    file.append(line + printableLine(text) + '\n');  // texts of add-ons may have line feeds
 }
 
 }  // namespace

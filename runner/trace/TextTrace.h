@@ -11,8 +11,8 @@
 
 namespace vexa::runner {
 
-/// Writes what it observes to a file as text, a line a call, without times and addresses: two runs that do the same
-/// write the same.
+/// An observer that writes a text file, one line a call. It has no times and no addresses, so equal runs write equal
+/// files.
 ///
 ///     1  sweep.macro:3: STATS MEAN
 ///     1    VexaUtilLockStart(STATS)
@@ -20,10 +20,10 @@ namespace vexa::runner {
 ///     1    ! error: VexaUtilLockStart has no matching VexaUtilLockFinish ... [unbalanced-lock] (first:
 ///     VexaUtilLockStart)
 ///
-/// Each line begins with the number of its thread. A call's line is written when it returns, findings about it behind
-/// it. Lines of several threads stand in the order in which things happened, which may differ from run to run.
+/// Each line starts with the number of its thread. The line of a call is written when the call returns; its findings
+/// follow. The order of the lines of several threads may differ from run to run.
 ///
-/// Errors:  OutputError from construction and finish(); when the file cannot be written any more, the rest is left out.
+/// Errors:  OutputError from construction and finish(); after a failed write nothing more is written.
 /// Threads: as an observer.
 class TextTrace : public standin::ObserverInterface {
 public:
@@ -36,14 +36,14 @@ public:
     void findingMade(const standin::Finding& finding) override;
     void statusChanged(const standin::StatusLine& line) override;
 
-    /// Writes how the run ended. What is observed afterwards is left out.
+    /// Writes how the run ended. Later events are ignored.
     void finish(int exitStatus, const std::string& outcome);
 
 private:
     // A thread that is in a call of the host.
     struct Calling {
         std::size_t open = 0;
-        std::vector<std::string> findings;  // about its calls, to stand behind them
+        std::vector<std::string> findings;  // about its calls, to be written after them
     };
 
     TraceFile m_file;

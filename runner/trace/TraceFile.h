@@ -8,9 +8,9 @@
 
 namespace vexa::runner {
 
-/// The file of a trace, which any thread may write to until it is finished.
+/// The file of a trace. Any thread may write to it until it is finished.
 ///
-/// When memory runs out, what follows is left out: half of what belongs together would mislead.
+/// After memory runs out nothing more is written: an incomplete trace would mislead.
 ///
 /// Errors:  OutputError from construction and finish().
 /// Threads: any.
@@ -18,14 +18,14 @@ class TraceFile {
 public:
     explicit TraceFile(const std::string& path) : m_file(path) {}
 
-    /// Has \p action write to the file, alone among threads; does nothing once it is finished.
+    /// Calls \p action, which writes to the file, in one thread at a time. Does nothing after finish().
     template <class Action>
     void write(const Action& action) {
         const std::lock_guard<std::mutex> lock(m_guard);
         if (!m_isFinished) attempt(action);
     }
 
-    /// Has \p action write the end, and closes the file. To be called once.
+    /// Calls \p action, which writes the end, and closes the file. Call it once.
     template <class Action>
     void finish(const Action& action) {
         const std::lock_guard<std::mutex> lock(m_guard);

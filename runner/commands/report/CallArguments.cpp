@@ -18,7 +18,7 @@ char unescaped(char c) {
     }
 }
 
-// Starts on the opening quote, and ends behind the closing one.
+// Starts at the opening quote and ends after the closing one.
 std::string takeQuoted(const std::string& text, std::size_t& at) {
     std::string value;
     for (++at; at < text.size() && text[at] != QUOTE_token; ++at) {

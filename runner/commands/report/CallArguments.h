@@ -6,7 +6,7 @@
 
 namespace vexa::runner {
 
-/// The texts among the arguments of a host call as a trace has them, null ones as nothing.
+/// Reads the texts among the arguments of a host call in a trace. A null pointer has no text.
 ///
 ///     textArguments(R"("ONE", "SAY \"hi\"")")  ->  ONE | SAY "hi"
 ///     textArguments(R"("ONE", null)")          ->  ONE | nothing

@@ -16,7 +16,7 @@ using Kind_e = TracedSpan::Kind_e;
 
 constexpr const char* kDialogFunction = "VexaUtilDialogErrMsg";
 
-// Gives each text a number, and keeps it once.
+// Numbers texts and keeps each of them once.
 class TextTable {
 public:
     std::size_t numberOf(const std::string& text) {
@@ -43,7 +43,7 @@ Json tracksOf(const TracedRun& run) {
     return tracks;
 }
 
-// A duration of -1 says that the span has no end.
+// The duration of a span without end is -1.
 Json spansOf(const TracedRun& run) {
     TextTable texts;
     std::vector<int> kinds;
@@ -129,7 +129,7 @@ Json dialogsOf(const TracedRun& run) {
 Json functionsOf(const TracedRun& run) {
     struct Tally {
         std::size_t calls = 0;
-        double time = 0;  // threads run at the same time, and any number of them
+        double time = 0;  // the sum over all threads may not fit an integer
     };
     std::map<std::string, Tally> tallies;
     for (const TracedSpan& span : run.spans) {

@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// What the report's page is told of \p run. Spans are columns of numbers, with each text once, so that a browser reads
-/// a hundred thousand of them at once.
+/// The data of the report's page. Spans are columns of numbers, and each text is in it once, so that a browser can read
+/// very many spans.
 nlohmann::ordered_json pageData(const TracedRun& run);
 
 }  // namespace vexa::runner

@@ -8,7 +8,7 @@
 namespace vexa::runner {
 namespace {
 
-// The files of page/, byte by byte: a compiler need not take a literal as long as that.
+// The files of page/ as bytes: a string literal of this length is not portable.
 constexpr char kPage[] = {
 #include "report.html.inc"
 };
@@ -24,7 +24,7 @@ std::string_view textOf(const char (&bytes)[size]) {
     return {bytes, size};
 }
 
-// A text of the data must not end the element that it stands in.
+// No text of the data may end the script element.
 std::string escapedForScript(const std::string& json) {
     std::string text;
     text.reserve(json.size());

@@ -6,7 +6,7 @@
 
 namespace vexa::runner {
 
-/// A page for browsers that shows \p run: one file that needs no other, and no network.
+/// Makes an HTML page that shows \p run. It needs no other file and no network.
 std::string reportPage(const TracedRun& run);
 
 }  // namespace vexa::runner

@@ -9,27 +9,27 @@
 
 namespace vexa::runner {
 
-/// What a run has to do with a rule.
+/// How far a run tested a rule.
 enum class Coverage_e {
-    Broken,      ///< there is a finding of it
+    Broken,      ///< there is a finding
     Touched,     ///< what the rule is about happened, and was checked
-    Untouched,   ///< what the rule is about did not happen, so that nothing is known of it
-    Suppressed,  ///< findings of it were not asked for
+    Untouched,   ///< what the rule is about did not happen, so it was not tested
+    Suppressed,  ///< the user suppressed it
 };
 
-/// A rule, and what a run has to do with it.
+/// A rule and its coverage by a run.
 struct RuleCoverage {
     const standin::Rule* rule = nullptr;
     Coverage_e coverage = Coverage_e::Untouched;
-    std::string touchedBy;     ///< what touches it, for people: functions of which any does, or what has to happen
-    std::size_t findings = 0;  ///< how many there are of it
+    std::string touchedBy;     ///< as of whatTouches()
+    std::size_t findings = 0;  ///< how many findings there are
 };
 
-/// Every rule of rules(). A rule is touched when a function that it is about was called, or when what it judges
-/// happened; that says nothing of the ways of breaking it that were tried.
+/// The coverage of every rule of rules(). A rule is touched if a function that it is about was called, or if what it
+/// checks happened. That does not say which ways of breaking it were tried.
 std::vector<RuleCoverage> coverageOf(const TracedRun& run);
 
-/// What touches \p rule, for people; empty for a rule that this does not know.
+/// Describes for the user what touches \p rule: a list of functions, or an event. Empty for an unknown rule.
 std::string whatTouches(const std::string& rule);
 
 }  // namespace vexa::runner

@@ -22,7 +22,7 @@ using Kind_e = TracedSpan::Kind_e;
 constexpr const char* kNoTrace = "this is no trace that 'vexa-standin run --trace' wrote";
 constexpr const char* kWrongPart = "an event with a part missing, or of another kind";
 constexpr double kNanosecondsPerMicrosecond = 1000;
-constexpr double kMostNanoseconds = 1LL << 53;  // what the page's numbers count one by one: a hundred days
+constexpr double kMostNanoseconds = 1LL << 53;  // the largest integer that JavaScript counts exactly: 104 days
 constexpr int kMostNested = 8;
 constexpr std::size_t kMostParts = 1000;
 
@@ -30,8 +30,8 @@ constexpr std::size_t kMostParts = 1000;
     throw TraceError(path + ':' + std::to_string(line) + ": " + why);
 }
 
-// The event of a line, discarded when it is none. Refused is what others made, and the JSON library would not live
-// through, or not in time: it copies what is nested by recursion, and looks for each part among all.
+// Parses the event of a line; the result is discarded if the line is no JSON. Refuses deep nesting, which the JSON
+// library copies by recursion until the stack overflows, and many members, which it searches in quadratic time.
 Json eventIn(std::string_view line) {
     std::size_t parts = 0;
     const auto isBounded = [&](int depth, Json::parse_event_t token, const Json&) {
@@ -44,7 +44,7 @@ Json eventIn(std::string_view line) {
     return Json::parse(line, isBounded, false);
 }
 
-// The JSON library would take Booleans and fractions for integers, too, and numbers that fit nowhere.
+// The JSON library would also accept Booleans, fractions, and numbers that do not fit the type.
 template <class Integer>
 Integer integerIn(const Json& part) {
     const std::int64_t value = part.get_ref<const Json::number_integer_t&>();
@@ -68,7 +68,7 @@ void checkPlace(const Json& place) {
     for (const char* name : {"call", "thread"}) integerIn<std::size_t>(place.at(name));
 }
 
-// The page shows the facts of a finding as they are.
+// The page uses the facts of a finding unchecked.
 void checkFinding(const Json& facts) {
     for (const char* name : {"rule", "severity", "message", "addOn", "hint"}) (void)facts.at(name).get<std::string>();
     for (const char* name : {"count", "repeats"}) integerIn<std::size_t>(facts.at(name));
@@ -76,11 +76,11 @@ void checkFinding(const Json& facts) {
     checkPlace(facts.at("seen"));
 }
 
-// Builds the run from its events, which are given one after the other.
+// Builds the run from its events, in their order.
 class RunBuilder {
 public:
-    // What is missing in the event, or is of another kind than it should be, is told by an exception of the JSON
-    // library; what does not fit what was before by a std::invalid_argument.
+    // Throws an exception of the JSON library if a part of the event is missing or has the wrong type, and
+    // std::invalid_argument if the event does not fit those before it.
     void add(const Json& event) {
         const std::string phase = event.at("ph");
         if (!m_hasHeader) return readHeader(event);

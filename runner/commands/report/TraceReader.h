@@ -7,13 +7,13 @@
 
 namespace vexa::runner {
 
-/// Why a file cannot be read as a trace. The message is one line: the file, the line if there is one, and why.
+/// A file cannot be read as a trace. The message is one line: the file, the line if there is one, and the reason.
 class TraceError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads a trace that an EventTrace wrote, also one that ends where the run was killed.
+/// Reads a trace of an EventTrace, also an incomplete one of a run that was killed.
 /// \throws TraceError
 TracedRun readTrace(const std::string& file);
 

@@ -15,22 +15,22 @@ struct TracedTrack {
     bool isScope = false;
 };
 
-/// A time of the run. Times are nanoseconds since its beginning.
+/// A span of time of the run. Times are nanoseconds since its start.
 struct TracedSpan {
     enum class Kind_e { Entry, Call, Scope };
 
     Kind_e kind = Kind_e::Call;
     std::size_t track = 0;  ///< the index of its track
-    std::size_t depth = 0;  ///< how many spans of its track it is in
+    std::size_t depth = 0;  ///< the number of spans of its track around it
     std::string name;
     std::int64_t start = 0;
-    std::optional<std::int64_t> end;  ///< nothing when the trace ends before
-    std::size_t number = 0;           ///< a call's
-    std::string arguments;            ///< a call's, and of the call that began a scope
-    std::string result;               ///< a call's
+    std::optional<std::int64_t> end;  ///< empty if the trace ends before
+    std::size_t number = 0;           ///< of a call
+    std::string arguments;            ///< of a call, or of the call that started a scope
+    std::string result;               ///< of a call
 };
 
-/// Whether \p span is a call that had a command recorded.
+/// Whether \p span is a call that recorded a command.
 inline bool isRecording(const TracedSpan& span) {
     return span.kind == TracedSpan::Kind_e::Call && span.name == "VexaUtilMacroRecordExtCommand" && span.result == "1";
 }
@@ -40,14 +40,14 @@ struct TracedEntry {
     std::size_t span = 0;  ///< its index
     std::string kind;      ///< "command", "loading" or "unloading"
     std::string addOnId;
-    std::string command;    ///< the command's text; empty when it is none
-    std::string macroLine;  ///< `FILE:LINE`; empty when it came from no macro file
+    std::string command;    ///< its text; empty for loading and unloading
+    std::string macroLine;  ///< `FILE:LINE`; empty if it came from no macro file
     bool succeeded = false;
     std::string error;
-    std::size_t calls = 0;  ///< how many host calls began in it
+    std::size_t calls = 0;  ///< how many host calls started in it
 };
 
-/// A finding as the trace has it.
+/// A finding.
 struct TracedFinding {
     std::size_t track = 0;
     std::int64_t time = 0;
@@ -73,7 +73,7 @@ struct TracedOutcome {
     std::string text;
 };
 
-/// A run as its trace tells it.
+/// A run, read from its trace.
 struct TracedRun {
     std::string tool;
     std::string macroFile;
@@ -81,10 +81,10 @@ struct TracedRun {
     bool isStrict = false;
     bool hasTimeLimit = false;
     std::vector<std::string> suppressed;   ///< rules
-    std::optional<TracedOutcome> outcome;  ///< nothing when the trace ends before the run
+    std::optional<TracedOutcome> outcome;  ///< empty if the trace ends before the run
     std::int64_t end = 0;                  ///< the time of the last event
     std::vector<TracedTrack> tracks;
-    std::vector<TracedSpan> spans;  ///< in the order of their beginnings
+    std::vector<TracedSpan> spans;  ///< in the order of their starts
     std::vector<TracedEntry> entries;
     std::vector<TracedFinding> findings;
     std::vector<TracedPercent> percents;

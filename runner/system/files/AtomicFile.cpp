@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kNewFile = 0666;
 
-// A file that is being written. It has no name until it takes one, where the file system can do that.
+// A file that is being written. It has no name until it is complete, if the file system can do that.
 class Draft {
 public:
     explicit Draft(const fs::path& folder) : m_folder(folder) {
@@ -46,7 +46,7 @@ public:
     bool isOpen() const { return m_descriptor >= 0; }
     int descriptor() const { return m_descriptor; }
 
-    // Puts it in the place of \p target. Returns false, with errno set, when that fails.
+    // Renames it to \p target. Returns false, with errno set, if that fails.
     bool replace(const std::string& target) {
         if (m_name.empty() && !takeName([this](const char* name) { return link(name); })) return false;
         if (close(std::exchange(m_descriptor, -1)) != 0 || std::rename(m_name.c_str(), target.c_str()) != 0)
@@ -61,7 +61,7 @@ private:
         return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
     }
 
-    // Has \p make make a file of a name that no other file in the folder has.
+    // Calls \p make with names until one is new in the folder.
     template <class Make>
     bool takeName(const Make& make) {
         for (unsigned attempt = 0;; ++attempt) {
@@ -76,7 +76,7 @@ private:
     }
 
     fs::path m_folder;
-    std::string m_name;  // empty while it has none
+    std::string m_name;  // empty while it has no name
     int m_descriptor = -1;
 };
 

@@ -13,18 +13,18 @@ namespace vexa::runner {
 ///     ...                                  // the old file is still there
 ///     file.replace(text);                  // now the new one is
 ///
-/// The text goes to a file without a name in the same folder, which gets its name when it is complete. Where the file
-/// system has no such files, a temporary name is used while replace() runs. So a program that ends in between leaves
-/// nothing behind. A replaced file keeps its permissions. A symbolic link stays, and the file it points to is replaced.
-/// Errors: OutputError; the old file, if there is one, is as it was.
+/// replace() writes the text to a file without a name in the same folder, and names the file when it is complete. So a
+/// program that is killed leaves nothing behind. On a file system without such files, replace() uses a temporary name.
+/// The file keeps its permissions. Of a symbolic link, the file that it points to is replaced.
+/// Errors: OutputError; the old file, if any, is unchanged.
 class AtomicFile {
 public:
-    /// Checks that the file can be written. It changes nothing.
+    /// Checks that the file can be written. Changes nothing.
     explicit AtomicFile(const std::string& path);
 
-    /// The file, as it was named.
+    /// The path as given.
     const std::string& path() const { return m_path; }
-    /// Makes \p text the content of the file. No signal interrupts it.
+    /// Replaces the content of the file by \p text. Signals wait until it returns.
     void replace(std::string_view text) const;
 
 private:

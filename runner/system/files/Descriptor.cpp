@@ -8,7 +8,7 @@
 namespace vexa::runner {
 namespace {
 
-// Another program may have left a terminal such that it does not wait by itself.
+// Another program may have left the terminal in non-blocking mode.
 bool waitUntilWritable(int descriptor) {
     pollfd waited{descriptor, POLLOUT, 0};
     return poll(&waited, 1, -1) >= 0 || errno == EINTR;

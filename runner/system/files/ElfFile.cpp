@@ -90,7 +90,7 @@ void takeSections(ElfFile& file, Elf* elf) {
     }
 }
 
-// A file that says nothing of its stack gets one whose content can be executed.
+// A file without an entry for its stack gets an executable stack.
 bool hasExecutableStack(Elf* elf) {
     std::size_t count = 0;
     elf_getphdrnum(elf, &count);

@@ -6,28 +6,28 @@
 
 namespace vexa::runner {
 
-/// A symbol that a shared object offers to others, or wants of them.
+/// A symbol that a shared object exports or imports.
 struct ElfSymbol {
     std::string name;
-    bool isDefined = false;  ///< whether it offers it
-    bool isStrong = false;   ///< no weak one: of templates and inline functions, or one that may be missing
-    bool isUnique = false;   ///< one that the whole process shares, and that keeps its object loaded
+    bool isDefined = false;  ///< whether it is exported
+    bool isStrong = false;   ///< not weak, as those of templates and inline functions, and optional imports, are
+    bool isUnique = false;   ///< shared by the whole process; its object is never unloaded
 };
 
-/// What there is to know about a shared object from its file.
+/// The facts that the file of a shared object has.
 struct ElfFile {
     int fileClass = 0;  ///< ELFCLASS64 …
     int machine = 0;    ///< EM_X86_64 …
     int type = 0;       ///< ET_DYN …
     bool hasExecutableStack = false;
     bool hasTextRelocations = false;
-    bool isNeverUnloaded = false;       ///< linked to stay for good
-    std::vector<std::string> needed;    ///< the libraries it wants
-    std::vector<std::string> runPaths;  ///< the folders it looks for them in, an entry each
-    std::vector<ElfSymbol> symbols;     ///< without those that nobody else sees
+    bool isNeverUnloaded = false;       ///< linked with -z nodelete
+    std::vector<std::string> needed;    ///< the libraries it is linked to
+    std::vector<std::string> runPaths;  ///< the folders in which the loader looks for them
+    std::vector<ElfSymbol> symbols;     ///< those that other objects can see
 };
 
-/// A file that is no shared object.
+/// The file is not a shared object.
 class ElfError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -36,7 +36,7 @@ public:
 /// \throws ElfError
 ElfFile readElfFile(const std::string& path);
 
-/// A symbol's name as it stands in the source, when it can be told.
+/// The name of a symbol as in the source; \p symbol if it is not mangled.
 std::string demangled(const std::string& symbol);
 
 }  // namespace vexa::runner

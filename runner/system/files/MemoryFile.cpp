@@ -11,7 +11,7 @@
 #include "system/files/Descriptor.h"
 
 namespace vexa::runner {
-// To be written at its end, wherever that is after it was emptied.
+// Opened for appending: after the file was emptied, writers continue at its new end.
 MemoryFile::MemoryFile() : m_descriptor(memfd_create("vexa", MFD_CLOEXEC)) {
     if (m_descriptor < 0 || fcntl(m_descriptor, F_SETFL, O_APPEND) != 0) throwLastError();
 }

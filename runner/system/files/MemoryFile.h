@@ -5,13 +5,12 @@
 
 namespace vexa::runner {
 
-/// A file without a name, in memory, so that no folder for temporary files is needed. Processes that are forked while
-/// it lives share it.
+/// A file without a name, in memory, so that no folder for temporary files is needed. Child processes share it.
 class MemoryFile {
 public:
     /// \throws std::system_error
     MemoryFile();
-    /// With \p text in it.
+    /// Makes a file that contains \p text.
     /// \throws std::system_error
     explicit MemoryFile(std::string_view text);
     MemoryFile(const MemoryFile&) = delete;
@@ -19,12 +18,12 @@ public:
     ~MemoryFile();
 
     int descriptor() const { return m_descriptor; }
-    /// Where this process can open it, as long as this lives.
+    /// A path by which this process can open it, as long as this object lives.
     std::string path() const;
-    /// All that is in it.
+    /// The content of the file.
     /// \throws std::system_error
     std::string text() const;
-    /// Empties it. What is written next begins it anew.
+    /// Empties the file. The next write is at its start.
     /// \throws std::system_error
     void clear() const;
 

@@ -26,20 +26,20 @@ std::string resolved(const std::string& path) {
 
 bool isStream(mode_t mode) { return S_ISFIFO(mode) || S_ISCHR(mode); }
 
-// What the program and its add-ons print goes to the standard error output from now on. Returns a descriptor for what
-// was the standard output.
+// Redirects the output of the program and its add-ons to the standard error output. Returns a descriptor of the former
+// standard output.
 int takeStandardOutput() {
     std::fflush(stdout);
     const int flags = fcntl(STDOUT_FILENO, F_GETFL);
     if (flags < 0) refuseOutput(kStandardOutputName);
-    // The program opens a closed standard output for reading, so that nothing else gets its number.
+    // At its start the program opens a closed standard output for reading, so that no other file gets its number.
     if ((flags & O_ACCMODE) == O_RDONLY) refuseOutput(kStandardOutputName, "it is closed");
     const int descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     if (descriptor < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput(kStandardOutputName);
     return descriptor;
 }
 
-// Opening a pipe that nobody reads would wait for a reader for ever.
+// Without O_NONBLOCK, opening a pipe that nobody reads would wait forever.
 int openedStream(const std::string& path) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0 && errno == ENXIO) refuseOutput(path, "nobody reads it");

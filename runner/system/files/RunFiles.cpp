@@ -65,7 +65,7 @@ void RunFiles::refuseIfTaken(const File& output) const {
         const bool isTwice = isStandard && file.place == kOutput;
         if (isTwice || isOneFile(output.place, file.place)) refuse(file.name);
     }
-    // These two may be one file; then the user has said so.
+    // The user may redirect both to one file.
     if (isStandard) return;
     if (isOneFile(output.place, kOutput)) refuse(kStandardOutputName);
     if (isOneFile(output.place, kErrors)) refuse("<stderr>");

@@ -5,19 +5,19 @@
 
 namespace vexa::runner {
 
-/// A copy of the current folder, for commands that may write files anywhere in it. It is removed with this.
+/// A copy of the current folder, for commands that may write files anywhere in it. The destructor removes it.
 ///
-/// Hidden files are left out, and what is no file, folder or link.
+/// Only files, folders and links are copied, without hidden ones.
 class ScratchFolder {
 public:
-    /// \throws std::filesystem::filesystem_error when the folder cannot be copied, and std::length_error when there is
-    ///         too much in it.
+    /// \throws std::filesystem::filesystem_error if the folder cannot be copied.
+    /// \throws std::length_error if it is too large.
     ScratchFolder();
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
 
-    /// All of it: the copy, and the folder for temporary files.
+    /// The folder that has the copy and the folder for temporary files.
     const std::filesystem::path& path() const { return m_path; }
     /// The copy.
     std::filesystem::path copy() const { return m_path / "copy"; }
@@ -31,7 +31,7 @@ private:
     std::uintmax_t m_bytes = 0;
 };
 
-/// The current folder is another one as long as this lives.
+/// Changes the current folder as long as this object lives.
 class CurrentFolder {
 public:
     /// \throws std::filesystem::filesystem_error

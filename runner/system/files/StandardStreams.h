@@ -4,7 +4,7 @@
 
 namespace vexa::runner {
 
-/// What messages call the standard input and the standard output.
+/// The names of the standard input and the standard output in messages.
 inline constexpr const char* kStandardInputName = "<stdin>";
 inline constexpr const char* kStandardOutputName = "<stdout>";
 

@@ -21,14 +21,14 @@ struct FileCloser {
 
 using File = std::unique_ptr<FILE, FileCloser>;
 
-// That a file is a named pipe, as an error code: callers tell its message as they do for what errno says.
+// An error code for named pipes, so that callers show its message as they show errno.
 class NamedPipeCategory : public std::error_category {
 public:
     const char* name() const noexcept override { return "named pipe"; }
     std::string message(int) const override { return "it is no regular file, but a named pipe"; }
 };
 
-// Pipes without a name lie in a file system of their own.
+// Pipes without a name have a file system of their own.
 bool isNamedPipe(int descriptor) {
     struct stat status {};
     struct statfs system {};

@@ -9,17 +9,17 @@
 
 namespace vexa::runner {
 
-/// An output that is written as a whole: a file is replaced, and a stream gets all of it at once. `-` is the standard
-/// output, which this has alone from its construction on, as openOutput() says.
+/// An output that is written in one piece: a file is replaced, and a stream gets all of the text at once. `-` is the
+/// standard output, which then belongs to this object alone; see openOutput().
 /// Errors: OutputError, from construction and replace().
 class WholeOutput {
 public:
-    /// Opens a stream; of a file it makes sure that it may be written.
+    /// Opens a stream, or checks that a file can be written.
     explicit WholeOutput(const std::string& path);
 
-    /// As it was named.
+    /// The path as given.
     const std::string& path() const { return m_path; }
-    /// Writes \p text. To be called once.
+    /// Writes \p text. Call it once.
     void replace(std::string_view text);
 
 private:

@@ -5,15 +5,15 @@
 
 namespace vexa::runner {
 
-/// A signal ended what a command was about. Thrown so that all is cleaned up; the program then ends by that signal.
+/// A signal stops the command. The exception lets destructors clean up; then the program ends by that signal.
 struct EndedBySignal {
     int signal;
 };
 
-/// The signals that a process which watches others waits for, blocked as long as this lives: those that end a program,
-/// the one that a terminal suspends it with, and the end of a child. Those that were ignored stay so.
+/// The signals for which a process that watches others waits: those that end a program, the one with which a terminal
+/// suspends it, and the end of a child. They are blocked as long as this object lives. Ignored signals stay ignored.
 ///
-/// To be made before there is anything to clean up, while there is one thread.
+/// Create it before there is anything to clean up, while the process has one thread.
 class AwaitedSignals {
 public:
     /// \throws std::system_error
@@ -22,15 +22,15 @@ public:
     AwaitedSignals& operator=(const AwaitedSignals&) = delete;
     ~AwaitedSignals();
 
-    /// A descriptor that is readable when a signal has come.
+    /// A descriptor that becomes readable when a signal arrives.
     int descriptor() const { return m_descriptor; }
-    /// The next signal that has come; nothing when there is none.
+    /// The next signal that has arrived, if any.
     std::optional<int> next() const;
-    /// The signals that were blocked before.
+    /// The signals that were blocked before this object.
     const sigset_t& before() const { return m_before; }
 
-    /// For the time between two processes.
-    /// \throws EndedBySignal when one has come that ends the program.
+    /// Call it between two processes.
+    /// \throws EndedBySignal if a signal that ends the program has arrived.
     void throwIfEnded() const;
 
 private:
@@ -38,7 +38,7 @@ private:
     int m_descriptor;
 };
 
-/// Lets the signals through as long as this lives, for what handles them itself.
+/// Unblocks the signals as long as this object lives, for code that handles them.
 class UnblockedSignals {
 public:
     explicit UnblockedSignals(const AwaitedSignals& signals) {
@@ -52,7 +52,7 @@ private:
     sigset_t m_blocked{};
 };
 
-/// Whether \p signal asks the program to end at once. SIGINT does so the second time only.
+/// Whether \p signal ends the program at once. SIGINT does so only the second time.
 bool endsProgram(int signal);
 
 }  // namespace vexa::runner

@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// Keeps signals from the threads that are made while it lives: a thread inherits what is blocked where it is made, and
-/// signals are for the threads of the add-ons.
+/// Blocks all signals as long as this object lives. Threads that are created meanwhile inherit that, so the signals go
+/// to the threads of the add-ons.
 class BlockedSignals {
 public:
     BlockedSignals() {

@@ -15,7 +15,7 @@
 namespace vexa::runner {
 namespace {
 
-// A process of the background that reads from its terminal is stopped.
+// The system stops a background process that reads from its terminal.
 bool mustNotRead(const ChildProcess::Streams& streams) { return streams.readsNothing || isatty(STDIN_FILENO) != 0; }
 
 void redirect(const ChildProcess::Streams& streams) {
@@ -33,7 +33,7 @@ void redirect(const ChildProcess::Streams& streams) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(EXIT_FAILURE);
-    // Some terminals are set up to stop processes of the background that write.
+    // Some terminals are set up to stop background processes that write.
     if (isatty(STDERR_FILENO) != 0 || isatty(STDOUT_FILENO) != 0) ::signal(SIGTTOU, SIG_IGN);
     redirect(streams);
     sigprocmask(SIG_SETMASK, &mask, nullptr);
@@ -44,9 +44,9 @@ void redirect(const ChildProcess::Streams& streams) {
 }  // namespace
 
 ChildProcess::ChildProcess(const Streams& streams, const sigset_t& mask, const std::function<void()>& work) {
-    // A process whose end is ignored is gone before we can look. To say so again would lose a signal that waits.
+    // If SIGCHLD is ignored, the system reaps children before we can. Setting it again would drop a pending signal.
     if (isIgnored(SIGCHLD)) ::signal(SIGCHLD, SIG_DFL);
-    std::fflush(nullptr);  // what is not yet written would be written twice
+    std::fflush(nullptr);  // otherwise the child would write the buffers again
     const pid_t parent = getpid();
     m_id = fork();
     if (m_id < 0) throwLastError("no other process");
@@ -68,7 +68,7 @@ void ChildProcess::signalGroup(int signal) const { ::kill(-m_id, signal); }
 
 void ChildProcess::kill() const {
     ::kill(-m_id, SIGKILL);
-    ::kill(m_id, SIGKILL);  // it may have left its group
+    ::kill(m_id, SIGKILL);  // the child may have left its group
 }
 
 int ChildProcess::reap() {

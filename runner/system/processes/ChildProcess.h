@@ -7,36 +7,36 @@
 
 namespace vexa::runner {
 
-/// A process that is forked off for some work, in a group of its own. Neither it nor its group outlives this object,
-/// and it does not outlive the process that made it. It reads nothing from a terminal, which is its parent's.
+/// A child process in a process group of its own. The destructor kills it and its group, and it dies with its parent.
+/// It cannot read from the terminal, which belongs to the parent.
 ///
-/// To be made while there is one thread.
+/// Create it while the process has one thread.
 class ChildProcess {
 public:
-    /// Where its standard streams go.
+    /// Its standard streams.
     struct Streams {
         int out = -1;              ///< a descriptor for its standard output; -1 for the one of this process
-        int err = -1;              ///< and for its standard error output
-        bool readsNothing = true;  ///< whether there is nothing to read on its standard input
+        int err = -1;              ///< the same for its standard error output
+        bool readsNothing = true;  ///< whether its standard input is empty
     };
 
     /// \param mask the signals that it blocks.
-    /// \param work what it does. It must not return.
-    /// \throws std::system_error when there cannot be another process.
+    /// \param work runs in the child, and must not return.
+    /// \throws std::system_error if no process can be created.
     ChildProcess(const Streams& streams, const sigset_t& mask, const std::function<void()>& work);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
 
     pid_t id() const { return m_id; }
-    /// Whether it has ended; its group may live on.
+    /// Whether it has ended. Other processes of its group may still run.
     bool hasEnded() const;
-    /// Sends \p signal to its group, as a terminal does.
+    /// Sends \p signal to its group.
     void signalGroup(int signal) const;
-    /// Kills it, and what is left of its group.
+    /// Kills it and its group.
     void kill() const;
-    /// Kills it unless it has ended, and what is left of its group. Call nothing after this.
-    /// \return what waitpid() tells of it. Until then its id, and its group's, are nobody else's.
+    /// Kills it, unless it has ended, and its group. Call nothing after this.
+    /// \return its status, as from waitpid(). Until this call the system does not reuse its id.
     int reap();
 
 private:

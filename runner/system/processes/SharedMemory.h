@@ -11,7 +11,7 @@
 
 namespace vexa::runner {
 
-/// A text of a limited length in memory that processes share. What does not fit is cut off.
+/// A text of limited length in shared memory. A longer text is cut.
 template <std::size_t kSize>
 class SharedText {
 public:
@@ -28,7 +28,7 @@ private:
     char m_text[kSize] = {};
 };
 
-/// A \p Value that this process shares with the processes forked while it lives. It outlives them.
+/// A \p Value that this process shares with its child processes. It must outlive them.
 template <class Value>
 class SharedMemory {
 public:

@@ -16,7 +16,7 @@
 namespace vexa::runner {
 namespace {
 
-// The name of a program stands in brackets and may have any characters, so the last bracket counts.
+// The program name is in brackets and may contain brackets, so search for the last one.
 pid_t parentOf(const std::string& process) {
     std::ifstream file("/proc/" + process + "/stat");
     std::string line;
@@ -60,7 +60,7 @@ void Strays::kill() const {
             if (m_others.count(process) != 0) continue;
             ::kill(process, SIGKILL);
             while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {}
-            hasFound = true;  // its children are ours now
+            hasFound = true;  // its children are now ours
         }
     }
 }

@@ -6,14 +6,14 @@
 
 namespace vexa::runner {
 
-/// Processes that add-ons leave behind, also in another group or session. This process becomes the parent of such a
-/// process when its own parent ends.
+/// Processes that add-ons leave behind, also in another group or session. When their parent ends, this process becomes
+/// their parent.
 class Strays {
 public:
-    /// The children that this process has already are none of them.
+    /// Existing children of this process do not count.
     Strays();
 
-    /// Kills those there are, and all that they leave behind. To be called while no other child runs.
+    /// Kills the strays and their children. Call it while no other child runs.
     void kill() const;
 
 private:

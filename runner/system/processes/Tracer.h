@@ -2,8 +2,8 @@
 
 namespace vexa::runner {
 
-/// Whether another program looks into this process: a debugger, strace, rr or valgrind. It is to see the add-ons, too,
-/// so they run in this process then.
+/// Whether another program traces this process: a debugger, strace, rr or valgrind. Then add-ons run in this process,
+/// so that the tracer sees them.
 bool isTraced();
 
 }  // namespace vexa::runner
