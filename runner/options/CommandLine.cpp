@@ -22,17 +22,16 @@ Action show(std::FILE* stream, const std::string& text, ExitStatus_e status) {
 }
 
 std::string joinedNames(const Option& option) {
-    if (option.isArgument()) return option.valueName();
+    if (option.isArgument()) return option.valueName;
     std::string names;
-    for (const std::string& name : option.names()) names += (names.empty() ? "" : ",") + name;
+    for (const std::string& name : option.names) names += (names.empty() ? "" : ",") + name;
     return names;
 }
 
 // Adds an option to the parser, by the kind of its destination.
 class OptionAdder {
 public:
-    OptionAdder(CLI::App& app, const Option& option)
-        : m_app(app), m_names(joinedNames(option)), m_help(option.help()) {}
+    OptionAdder(CLI::App& app, const Option& option) : m_app(app), m_names(joinedNames(option)), m_help(option.help) {}
 
     CLI::Option* operator()(ShowHelp) const { return m_app.set_help_flag(m_names, m_help); }
     CLI::Option* operator()(const ShowVersion& version) const {
@@ -72,7 +71,7 @@ public:
         for (std::size_t i = 0; i < m_options.size(); ++i) {
             const Option& option = m_command.options[i];
             if (m_options[i]->count() == 0 || option.isArgument()) continue;
-            const bool isFlag = option.valueName().empty();
+            const bool isFlag = option.valueName.empty();
             given.emplace_back(option.label(), isFlag ? std::vector<std::string>() : m_options[i]->results());
         }
         return given;
@@ -80,19 +79,19 @@ public:
 
 private:
     CLI::Option& added(const Option& option) const {
-        CLI::Option& parsed = *std::visit(OptionAdder(m_app, option), option.destination());
-        if (option.valueName().empty()) return parsed;
-        parsed.type_name(option.isArgument() ? "" : option.valueName())->required(option.isRequired());
+        CLI::Option& parsed = *std::visit(OptionAdder(m_app, option), option.destination);
+        if (option.valueName.empty()) return parsed;
+        parsed.type_name(option.isArgument() ? "" : option.valueName)->required(option.isRequired);
         // One value per option, so that an argument after it is not taken for a second one.
         if (!option.isArgument()) parsed.allow_extra_args(false);
-        if (option.whyNot()) parsed.check(CLI::Validator(option.whyNot(), ""));
-        if (option.range()) parsed.check(CLI::Range(option.range()->least, option.range()->most).description(""));
-        if (option.areOtherWordsRefused()) parsed.check(CLI::IsMember(option.words()).description(""));
+        if (option.whyNot) parsed.check(CLI::Validator(option.whyNot, ""));
+        if (option.range) parsed.check(CLI::Range(option.range->least, option.range->most).description(""));
+        if (option.areOthersRefused) parsed.check(CLI::IsMember(option.words).description(""));
         return parsed;
     }
 
     void exclude(std::size_t i) const {
-        const std::string& excluded = m_command.options[i].excluded();
+        const std::string& excluded = m_command.options[i].excluded;
         if (!excluded.empty()) m_options[i]->excludes(m_app.get_option(excluded));
     }
 

@@ -15,7 +15,7 @@ std::vector<std::string> commandNames(const Command& program) {
 std::vector<std::string> longNames(const Command& command) {
     std::vector<std::string> all;
     for (const Option& option : command.options) {
-        for (const std::string& name : option.names()) {
+        for (const std::string& name : option.names) {
             if (startsWith(name, "--")) all.push_back(name);
         }
     }

@@ -43,18 +43,18 @@ std::string footerText(const std::string& footer, std::size_t width) {
 
 // "MACROFILE...", "[RULE]"
 std::string usageOf(const Option& argument) {
-    const std::string usage = argument.valueName() + (argument.isRepeatable() ? "..." : "");
-    return argument.isRequired() ? usage : '[' + usage + ']';
+    const std::string usage = argument.valueName + (argument.isRepeatable() ? "..." : "");
+    return argument.isRequired ? usage : '[' + usage + ']';
 }
 
 // "-o,--output FILE.html REQUIRED"
 std::string headOf(const Option& option) {
     std::string head;
-    for (const std::string& name : option.names()) head += (head.empty() ? "" : ",") + name;
-    if (!option.valueName().empty()) head += (head.empty() ? "" : " ") + option.valueName();
+    for (const std::string& name : option.names) head += (head.empty() ? "" : ",") + name;
+    if (!option.valueName.empty()) head += (head.empty() ? "" : " ") + option.valueName;
     if (option.isRepeatable()) head += " ...";
-    if (option.isRequired()) head += " REQUIRED";
-    if (!option.excluded().empty()) head += " Excludes: " + option.excluded();
+    if (option.isRequired) head += " REQUIRED";
+    if (!option.excluded.empty()) head += " Excludes: " + option.excluded;
     return head;
 }
 
@@ -76,7 +76,7 @@ public:
     std::string rows(const char* title, const std::vector<const Option*>& options) const {
         if (options.empty()) return "";
         std::string text = std::string("\n") + title + ":\n";
-        for (const Option* option : options) text += row(headOf(*option), description(option->help()));
+        for (const Option* option : options) text += row(headOf(*option), description(option->help));
         return text;
     }
 

@@ -44,61 +44,50 @@ struct Range {
 };
 
 /// One option of a command, or one argument that it takes by place. The parser, the help, the manual page and the
-/// completions of shells read it.
-class Option {
-public:
-    /// \param names      what the user gives: `{"-j", "--jobs"}`; none for an argument by place
-    /// \param valueName  what the help calls the value: `FILE`; empty for a switch. Completion offers files for names
-    ///                   that start with FILE, FOLDER, MACRO or TRACE.
-    /// \param help       what the option does, without a full stop
-    Option(std::vector<std::string> names, std::string valueName, std::string help, Destination destination)
-        : m_names(std::move(names)),
-          m_valueName(std::move(valueName)),
-          m_help(std::move(help)),
-          m_destination(std::move(destination)) {}
+/// completions of shells read it. option(), flag() and argument() make one.
+struct Option {
+    std::vector<std::string> names;  ///< what the user gives: `{"-j", "--jobs"}`; none for an argument
+    std::string valueName;           ///< what the help calls the value: `FILE`; empty for a switch
+    std::string help;                ///< what the option does, without a full stop
+    Destination destination;
+    bool isRequired = false;              ///< whether it cannot be left out
+    WhyNot whyNot = nullptr;              ///< which values it takes; may be empty
+    std::optional<Range> range = {};      ///< which integers it takes
+    std::vector<std::string> words = {};  ///< values that completion offers
+    bool areOthersRefused = false;        ///< whether it takes only these words
+    std::string excluded = {};            ///< the label() of what it does not go with, which says the same of this one
 
-    /// It cannot be left out.
-    Option& require() { return m_isRequired = true, *this; }
-    /// It takes only values for which \p whyNot says nothing.
-    Option& check(WhyNot whyNot) { return m_check = std::move(whyNot), *this; }
-    /// It takes only integers of \p range.
-    Option& check(Range range) { return m_range = range, *this; }
-    /// It takes only \p words. Completion offers them.
-    Option& allow(std::vector<std::string> words) { return m_areOthersRefused = true, suggest(std::move(words)); }
-    /// Completion offers \p words.
-    Option& suggest(std::vector<std::string> words) { return m_words = std::move(words), *this; }
-    /// It does not go with the option whose label() is \p other, which says the same of this one.
-    Option& exclude(std::string other) { return m_excluded = std::move(other), *this; }
+    Option& require() {
+        isRequired = true;
+        return *this;
+    }
+    Option& check(WhyNot whyNotValue) {
+        whyNot = std::move(whyNotValue);
+        return *this;
+    }
+    Option& check(Range taken) {
+        range = taken;
+        return *this;
+    }
+    Option& allow(std::vector<std::string> allWords) {
+        areOthersRefused = true;
+        return suggest(std::move(allWords));
+    }
+    Option& suggest(std::vector<std::string> offered) {
+        words = std::move(offered);
+        return *this;
+    }
+    Option& exclude(std::string other) {
+        excluded = std::move(other);
+        return *this;
+    }
 
-    const std::vector<std::string>& names() const { return m_names; }
-    const std::string& valueName() const { return m_valueName; }
-    const std::string& help() const { return m_help; }
-    const Destination& destination() const { return m_destination; }
-    bool isRequired() const { return m_isRequired; }
-    const WhyNot& whyNot() const { return m_check; }
-    const std::optional<Range>& range() const { return m_range; }
-    const std::vector<std::string>& words() const { return m_words; }
-    bool areOtherWordsRefused() const { return m_areOthersRefused; }
-    const std::string& excluded() const { return m_excluded; }
-
-    bool isArgument() const { return m_names.empty(); }
-    bool isRepeatable() const { return std::holds_alternative<std::vector<std::string>*>(m_destination); }
+    bool isArgument() const { return names.empty(); }
+    bool isRepeatable() const { return std::holds_alternative<std::vector<std::string>*>(destination); }
     /// What messages call it: its long name; for an argument that of its value.
-    const std::string& label() const { return isArgument() ? m_valueName : m_names.back(); }
-    /// Whether its value is the name of a file or a folder.
+    const std::string& label() const { return isArgument() ? valueName : names.back(); }
+    /// Whether its value is a file or a folder. Its name tells: it starts with FILE, FOLDER, MACRO or TRACE.
     bool takesFiles() const;
-
-private:
-    std::vector<std::string> m_names;
-    std::string m_valueName;
-    std::string m_help;
-    Destination m_destination;
-    bool m_isRequired = false;
-    WhyNot m_check;
-    std::optional<Range> m_range;
-    std::vector<std::string> m_words;
-    bool m_areOthersRefused = false;
-    std::string m_excluded;
 };
 
 /// An option with a value.

@@ -32,7 +32,7 @@ complete -o default -F _vexa_standin vexa-standin
 
 // What stands for a value: words, `files` or `none`.
 std::string valuesOf(const Option& option) {
-    if (!option.words().empty()) return joined(option.words(), " ");
+    if (!option.words.empty()) return joined(option.words, " ");
     return option.takesFiles() ? "files" : "none";
 }
 
@@ -40,9 +40,9 @@ std::string caseOf(const Command& command, const std::string& name, const std::s
     std::vector<std::string> options;
     std::string values;
     for (const Option* option : namedOptionsOf(command)) {
-        const std::vector<std::string>& names = option->names();
+        const std::vector<std::string>& names = option->names;
         options.insert(options.end(), names.begin(), names.end());
-        if (option->valueName().empty()) continue;
+        if (option->valueName.empty()) continue;
         values += "                " + joined(names, "|") + ") values='" + valuesOf(*option) + "' ;;\n";
     }
     return "        " + name + ")\n            options='" + joined(options, " ") + "' values='" + words +

@@ -35,19 +35,19 @@ std::string quoted(const std::string& text) {
 // What stands for a value: files, words or neither.
 std::string valueOf(const Option& option) {
     if (option.takesFiles()) return " -F";
-    return option.words().empty() ? "" : " -a " + quoted(joined(option.words(), " "));
+    return option.words.empty() ? "" : " -a " + quoted(joined(option.words, " "));
 }
 
 std::string lineOf(const Option& option, const std::string& start) {
     if (option.isArgument()) return valueOf(option).empty() ? "" : start + valueOf(option) + '\n';
     std::string names;
-    for (const std::string& name : option.names()) {
+    for (const std::string& name : option.names) {
         const bool isLong = startsWith(name, "--");
         names += isLong ? " -l " + name.substr(2) : " -s " + name.substr(1);
     }
-    const bool hasValue = !option.valueName().empty();
+    const bool hasValue = !option.valueName.empty();
     const std::string value = hasValue ? (option.takesFiles() ? " -r" : " -x") + valueOf(option) : "";
-    return start + names + value + " -d " + quoted(option.help()) + '\n';
+    return start + names + value + " -d " + quoted(option.help) + '\n';
 }
 
 std::string linesOf(const Command& command, const std::string& name) {

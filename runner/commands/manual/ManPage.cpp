@@ -33,22 +33,22 @@ std::string asWritten(const std::string& text) { return text.empty() ? "" : ".PP
 std::string usageOf(const Command& command) {
     std::string usage = bold(std::string(kProgramName) + ' ' + command.name);
     for (const Option* option : argumentsOf(command)) {
-        const std::string value = italic(option->valueName()) + (option->isRepeatable() ? " ..." : "");
-        usage += ' ' + (option->isRequired() ? value : '[' + value + ']');
+        const std::string value = italic(option->valueName) + (option->isRepeatable() ? " ..." : "");
+        usage += ' ' + (option->isRequired ? value : '[' + value + ']');
     }
     return usage + " [" + italic("option") + " ...]";
 }
 
 std::string labelOf(const Option& option) {
-    if (option.isArgument()) return italic(option.valueName());
+    if (option.isArgument()) return italic(option.valueName);
     std::string label;
-    for (const std::string& name : option.names()) label += (label.empty() ? "" : ", ") + bold(name);
-    return label + (option.valueName().empty() ? "" : ' ' + italic(option.valueName()));
+    for (const std::string& name : option.names) label += (label.empty() ? "" : ", ") + bold(name);
+    return label + (option.valueName.empty() ? "" : ' ' + italic(option.valueName));
 }
 
 std::string entryOf(const Option& option) {
-    const bool isToBeSaid = option.isRequired() && !option.isArgument();
-    return ".TP\n" + labelOf(option) + '\n' + escaped(option.help()) + (isToBeSaid ? " (required)" : "") + '\n';
+    const bool isToBeSaid = option.isRequired && !option.isArgument();
+    return ".TP\n" + labelOf(option) + '\n' + escaped(option.help) + (isToBeSaid ? " (required)" : "") + '\n';
 }
 
 std::string entriesOf(const Command& command) {

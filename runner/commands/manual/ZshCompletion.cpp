@@ -44,8 +44,8 @@ std::string escaped(const std::string& text) {
 
 // What stands for a value: ":FILE:_files", ":RULE:(a b c)", ":N: "
 std::string valueOf(const Option& option) {
-    const std::string start = ':' + escaped(option.valueName()) + ':';
-    if (!option.words().empty()) return start + '(' + joined(option.words(), " ") + ')';
+    const std::string start = ':' + escaped(option.valueName) + ':';
+    if (!option.words.empty()) return start + '(' + joined(option.words, " ") + ')';
     return start + (option.takesFiles() ? "_files" : " ");
 }
 
@@ -53,12 +53,12 @@ std::string valueOf(const Option& option) {
 // offered after: its own ones, unless it may be given again.
 std::string specOf(const Option& option) {
     if (option.isArgument()) return quoted((option.isRepeatable() ? "*" : "1") + valueOf(option));
-    const bool hasValue = !option.valueName().empty();
-    const std::string rest = '[' + escaped(option.help()) + ']' + (hasValue ? valueOf(option) : "");
+    const bool hasValue = !option.valueName.empty();
+    const std::string rest = '[' + escaped(option.help) + ']' + (hasValue ? valueOf(option) : "");
     std::string specs;
-    for (const std::string& name : option.names()) {
+    for (const std::string& name : option.names) {
         const bool isLong = name.size() > 2;
-        const std::string taken = option.isRepeatable() ? "*" : '(' + joined(option.names(), " ") + ')';
+        const std::string taken = option.isRepeatable() ? "*" : '(' + joined(option.names, " ") + ')';
         specs += (specs.empty() ? "" : " ") + quoted(taken + name + (hasValue ? (isLong ? "=" : "+") : "") + rest);
     }
     return specs;
