@@ -38,7 +38,7 @@ enum class RuleTrigger_e {
     Replay            ///< a recorded command is run again
 };
 
-/// The event that makes the stand-in check a rule. Before it happens, an absent finding proves nothing.
+/// The event that makes the stand-in check a rule. A run without this event proves nothing about the rule.
 struct RuleTrigger {
     RuleTrigger_e kind;                  ///< the kind of event
     std::vector<const char*> functions;  ///< for RuleTrigger_e::Call: a call of any of these functions is enough
