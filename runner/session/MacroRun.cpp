@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
+#include <set>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -63,7 +64,6 @@ class MacroRun {
 public:
     MacroRun(const RunOptions& options, ProcessBox& box, NotesInterface& notes)
         : m_options(options), m_box(box), m_notes(notes) {
-        if (options.json) m_results.tellTo(notes);
         m_host.setCallProgress(&box.calls);
         m_host.onRecorded([&](const standin::RecordedCommand& command) {
             if (options.record) notes.tell(kRecordedNote, recordingLine(command));
@@ -98,7 +98,7 @@ private:
 
     ExitStatus_e finish(ExitStatus_e status) {
         const ExitStatus_e traced = m_traces.finish(status);
-        m_results.finish(traced, m_options.macroFile, m_host);
+        if (m_options.json) m_notes.tell(kEndNote, endLine(m_options.macroFile, traced, newFindings()));
         return traced;
     }
 
@@ -164,8 +164,9 @@ private:
 
     // A pipe may have no end.
     bool readMacro() {
-        const UnknownId_e unknownId = m_options.keepGoing ? UnknownId_e::RefusesCommand : UnknownId_e::RefusesFile;
-        const auto read = [&] { return readMacroFile(m_options.macroFile, loadedIds(m_host), unknownId); };
+        const UnknownId_e unknownId = m_options.keepGoing ? UnknownId_e::IsRead : UnknownId_e::RefusesFile;
+        m_ids = loadedIds(m_host);
+        const auto read = [&] { return readMacroFile(m_options.macroFile, m_ids, unknownId); };
         m_macro = inTime({nullptr, "", "", "reading of " + m_options.macroFile, 1}, read);
         for (const std::string& problem : m_macro.problems) tell(problem);
         return m_macro.problems.empty();
@@ -187,17 +188,17 @@ private:
     }
 
     void runCommand(const MacroCommand& command) {
-        if (m_options.verbose) tell(m_macro.place(command.line), command.addOnId + ' ' + command.text);
-        if (!command.problem.empty()) return refuse(command);
+        if (m_options.verbose) tell(command.place, command.addOnId + ' ' + command.text);
+        if (m_ids.count(command.addOnId) == 0) return refuse(command);
         const auto begin = std::chrono::steady_clock::now();
-        const std::string place = m_macro.place(command.line);
-        const auto execute = [&] { return m_host.run(command.addOnId, command.text, place); };
-        const standin::CommandResult result = inTime({&m_host, place, command.addOnId, command.text, 1}, execute);
-        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+        const auto execute = [&] { return m_host.run(command.addOnId, command.text, command.place); };
+        const standin::CommandResult result =
+            inTime({&m_host, command.place, command.addOnId, command.text, 1}, execute);
+        const auto time = std::chrono::steady_clock::now() - begin;
         ++m_run;
         m_plainStatus.conclude(result.accepted);
         m_findings.tellNew();
-        addResult(command, result.accepted, std::string(withoutTrailingBlanks(result.error)), time.count());
+        addResult(command, result, time);
         if (result.accepted) return;
         ++m_failed;
         tell(placeOf(command), failureText(result));
@@ -206,12 +207,23 @@ private:
     void refuse(const MacroCommand& command) {
         ++m_run;
         ++m_failed;
-        addResult(command, false, command.problem, 0);
-        tell(m_macro.place(command.line), command.problem);
+        const std::string problem = noSuchAddOn(command.addOnId, m_ids);
+        addResult(command, {false, problem}, {});
+        tell(command.place, problem);
     }
 
-    void addResult(const MacroCommand& command, bool accepted, const std::string& error, double seconds) {
-        m_results.add({m_macro.place(command.line), command.addOnId, command.text, accepted, error, seconds}, m_host);
+    void addResult(const MacroCommand& command, const standin::CommandResult& result,
+                   std::chrono::duration<double> time) {
+        if (m_options.json) m_notes.tell(kResultNote, resultLine(command, result, time, newFindings()));
+    }
+
+    // The findings since the last line of the results. No more than ten of a rule and add-on are kept, so there are
+    // few.
+    std::vector<standin::Finding> newFindings() {
+        const std::vector<standin::Finding> findings = m_host.violations();
+        const auto first = findings.begin() + static_cast<std::ptrdiff_t>(m_resultFindings);
+        m_resultFindings = findings.size();
+        return {first, findings.end()};
     }
 
     bool writeOutputs() {
@@ -287,7 +299,7 @@ private:
         tellFinding(finding);
         m_host.report(finding);
         const MacroCommand* const command = m_current;
-        if (command != nullptr) addResult(*command, false, "the command has not returned", limit().count());
+        if (command != nullptr) addResult(*command, {false, "the command has not returned"}, limit());
         if (m_isRunning) writeOutputs();
         finish(ExitStatus_e::CommandHung);
         endProgram(ExitStatus_e::CommandHung);
@@ -322,19 +334,18 @@ private:
         return command ? placeOf(*command) : kProgramName;
     }
 
-    std::string placeOf(const MacroCommand& command) const {
-        return m_macro.place(command.line) + ": " + command.addOnId;
-    }
+    static std::string placeOf(const MacroCommand& command) { return command.place + ": " + command.addOnId; }
 
     const RunOptions& m_options;
     ProcessBox& m_box;
     NotesInterface& m_notes;
+    std::set<std::string> m_ids;  // of the loaded add-ons
     MacroFile m_macro;
     std::optional<std::vector<StyleSetting>> m_styles;
     bool m_isRunning = false;  // commands run, and what they record is still to be written
     Entered m_entered;
     TraceOutputs m_traces;
-    Results m_results;
+    std::size_t m_resultFindings = 0;  // that the results have
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;

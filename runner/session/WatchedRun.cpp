@@ -130,11 +130,10 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
 ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {
     const bool isWritten = m_outputs.writeWhatIsLeft();
     if (m_options.json) {
-        const std::chrono::duration<double> seconds = box.sinceEntered();
-        const bool isCommand = box.isInAddOn;
-        m_results(linesOfDeath(
-            {box.place.text(), isCommand ? box.addOnId.text() : "", box.work.text(), false, error, seconds.count()},
-            status, m_macroFile));
+        const MacroCommand command = {box.place.text(), box.addOnId.text(), box.work.text()};
+        const bool isInCommand = box.isInAddOn && !command.addOnId.empty();
+        if (isInCommand) m_results(resultLine(command, {false, error}, box.sinceEntered(), {}));
+        m_results(endLine(m_macroFile, status, {}, error));
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;
 }

@@ -144,9 +144,7 @@ private:
             const MacroFile macro = readMacroFile(path, m_addOnIds);
             for (const std::string& problem : macro.problems) tell(problem);
             isReadable &= macro.problems.empty();
-            for (const MacroCommand& command : macro.commands) {
-                m_subject.steps.push_back({macro.place(command.line), command.addOnId, command.text});
-            }
+            m_subject.steps.insert(m_subject.steps.end(), macro.commands.begin(), macro.commands.end());
         }
         return isReadable;
     }

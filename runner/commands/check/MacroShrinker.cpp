@@ -23,8 +23,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kTimeForAll = std::chrono::seconds(30);
 constexpr milliseconds kTimeForATry = std::chrono::seconds(1);  // for commands that took long before, and do again
 
-std::vector<MacroStep> stepsOf(const std::string& macro) {
-    std::vector<MacroStep> steps;
+std::vector<MacroCommand> stepsOf(const std::string& macro) {
+    std::vector<MacroCommand> steps;
     std::istringstream lines(macro);
     for (std::string line; std::getline(lines, line);) {
         const std::size_t idEnd = line.find(' ');
@@ -45,11 +45,12 @@ std::string brokenRules(const std::vector<standin::Finding>& findings) {
 
 class Shrinker {
 public:
-    Shrinker(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout, std::vector<MacroStep> steps)
+    Shrinker(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout,
+             std::vector<MacroCommand> steps)
         : m_signals(signals), m_subject(subject), m_timeout(timeout), m_steps(std::move(steps)) {}
 
-    std::vector<MacroStep> shrink() {
-        std::vector<MacroStep> whole = m_steps;
+    std::vector<MacroCommand> shrink() {
+        std::vector<MacroCommand> whole = m_steps;
         m_symptom = symptomOf(whole, m_timeout);
         if (m_symptom.empty()) return whole;
         dropSteps();
@@ -60,7 +61,7 @@ public:
 
 private:
     // What the commands do wrong, in a word; empty when it is nothing.
-    std::string symptomOf(const std::vector<MacroStep>& steps, milliseconds timeout) const {
+    std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
         const ProcessEnd end = runWatched(m_signals, *m_box, timeout, [&] { return verdictOn(steps); });
         if (end.timedOut) return "hangs";
         if (WIFSIGNALED(end.waitStatus)) return "signal " + std::to_string(WTERMSIG(end.waitStatus));
@@ -69,7 +70,7 @@ private:
     }
 
     // In the process of a try.
-    Verdict verdictOn(const std::vector<MacroStep>& steps) const {
+    Verdict verdictOn(const std::vector<MacroCommand>& steps) const {
         try {
             if (m_subject.confinement != nullptr) m_subject.confinement->enter();
             Trial trial(m_subject, *m_box);
@@ -80,7 +81,7 @@ private:
     }
 
     // Takes what shows the same as the whole.
-    bool takeIfSame(std::vector<MacroStep> smaller) {
+    bool takeIfSame(std::vector<MacroCommand> smaller) {
         if (BlackBox::Clock::now() > m_end) return false;
         if (symptomOf(smaller, std::min(m_timeout, kTimeForATry)) != m_symptom) return false;
         m_steps = std::move(smaller);
@@ -90,7 +91,7 @@ private:
     void dropSteps() {
         if (m_steps.size() < 2 || takeIfSame({m_steps.back()})) return;
         for (std::size_t i = m_steps.size() - 1; i-- > 0;) {
-            std::vector<MacroStep> fewer = m_steps;
+            std::vector<MacroCommand> fewer = m_steps;
             fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
             takeIfSame(std::move(fewer));
         }
@@ -116,7 +117,7 @@ private:
     }
 
     bool cut(std::size_t index, std::size_t at, std::size_t size) {
-        std::vector<MacroStep> shorter = m_steps;
+        std::vector<MacroCommand> shorter = m_steps;
         shorter[index].text.erase(at, size);
         return fitsMacroLine(shorter[index].text) && takeIfSame(std::move(shorter));
     }
@@ -124,7 +125,7 @@ private:
     const AwaitedSignals& m_signals;
     const Subject& m_subject;
     milliseconds m_timeout;
-    std::vector<MacroStep> m_steps;
+    std::vector<MacroCommand> m_steps;
     std::string m_symptom;
     SharedMemory<BlackBox> m_box;
     BlackBox::Clock::time_point m_end = BlackBox::Clock::now() + kTimeForAll;

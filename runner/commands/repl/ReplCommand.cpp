@@ -108,7 +108,7 @@ private:
             std::fflush(stdout);
             const std::string answer = m_notes.ask(kLineNote, words);
             if (answer.empty()) return;
-            const MacroWords command = macroWords(answer.substr(1));
+            const MacroCommand command = commandOfLine(answer.substr(1));
             const bool isEnd = command.addOnId == kQuit && !isLoaded(kQuit);
             if (isEnd) return;
             if (!command.addOnId.empty()) obey(command);
@@ -117,7 +117,7 @@ private:
 
     bool isLoaded(const std::string& id) const { return m_ids.count(id) != 0; }
 
-    void obey(const MacroWords& command) {
+    void obey(const MacroCommand& command) {
         if (isLoaded(command.addOnId)) {
             if (command.text.empty()) return tell("a command of '" + command.addOnId + "' was expected after its name");
             run(command);
@@ -136,7 +136,7 @@ private:
     }
 
     // While it runs Ctrl-C is the stop button, and the status line is drawn.
-    void run(const MacroWords& command) {
+    void run(const MacroCommand& command) {
         m_place = command.addOnId;
         m_host.releaseStop();
         StopButton stopButton;

@@ -88,9 +88,8 @@ private:
     void run(const MacroCommand& command) {
         note("> " + command.addOnId + ' ' + command.text + '\n');
         standin::CommandResult result;
-        const std::string place = m_macro.place(command.line);
-        const auto execute = [&] { result = m_host.run(command.addOnId, command.text, place); };
-        inTime(place, command.addOnId, command.text, execute);
+        const auto execute = [&] { result = m_host.run(command.addOnId, command.text, command.place); };
+        inTime(command.place, command.addOnId, command.text, execute);
         noteNews();
         std::string lines;
         if (!result.accepted) lines += told(std::string(failureText(result)));

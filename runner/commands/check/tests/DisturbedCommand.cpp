@@ -40,7 +40,7 @@ std::string textOf(const Deed& deed) {
 
 }  // namespace
 
-DisturbedCommand::DisturbedCommand(Trial& trial, std::vector<MacroStep> before, MacroStep step)
+DisturbedCommand::DisturbedCommand(Trial& trial, std::vector<MacroCommand> before, MacroCommand step)
     : m_trial(trial), m_before(std::move(before)), m_step(std::move(step)) {
     m_trial.nowTrying(name() + ": undisturbed");
     Session session(m_trial);
@@ -121,7 +121,7 @@ Deed DisturbedCommand::runOnce(Session& session) const {
 
 void DisturbedCommand::runBefore(Session& session) const {
     session.host().setRecording(true);
-    for (const MacroStep& step : m_before) session.run(step);
+    for (const MacroCommand& step : m_before) session.run(step);
 }
 
 // Disturbed, a command may do less than it should, and record that; but not what cannot be run.
@@ -156,13 +156,13 @@ std::string DisturbedCommand::name() const {
 
 std::vector<DisturbedCommand> disturbedCommands(Trial& trial) {
     std::vector<DisturbedCommand> commands;
-    std::vector<MacroStep> before;
-    for (const MacroStep& step : trial.subject().steps) {
+    std::vector<MacroCommand> before;
+    for (const MacroCommand& step : trial.subject().steps) {
         commands.emplace_back(trial, before, step);
         before.push_back(step);
     }
     const std::string addOnId = Session(trial).host().addOns().front().id;
-    commands.emplace_back(trial, std::vector<MacroStep>{}, MacroStep{"", addOnId, kUnknownCommand});
+    commands.emplace_back(trial, std::vector<MacroCommand>{}, MacroCommand{"", addOnId, kUnknownCommand});
     return commands;
 }
 

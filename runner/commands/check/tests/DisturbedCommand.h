@@ -32,7 +32,7 @@ struct Disturbance {
 class DisturbedCommand {
 public:
     /// Runs \p step undisturbed behind \p before, any of which may fail: what it does then it has to do again later.
-    DisturbedCommand(Trial& trial, std::vector<MacroStep> before, MacroStep step);
+    DisturbedCommand(Trial& trial, std::vector<MacroCommand> before, MacroCommand step);
 
     /// What the calls of \p function return, undisturbed, in their order and as text.
     std::vector<std::string> resultsOf(const std::string& function) const;
@@ -60,8 +60,8 @@ private:
     std::string name() const;
 
     Trial& m_trial;
-    std::vector<MacroStep> m_before;
-    MacroStep m_step;
+    std::vector<MacroCommand> m_before;
+    MacroCommand m_step;
     Deed m_undisturbed;
     bool m_repeats = false;                                     // given twice, it does the same twice
     bool m_isSteady = false;                                    // in two sessions, it does the same

@@ -10,8 +10,8 @@
 namespace vexa::runner {
 namespace {
 
-void runMacros(Session& session, const std::vector<MacroStep>& steps) {
-    for (const MacroStep& step : steps) session.runWell(step);
+void runMacros(Session& session, const std::vector<MacroCommand>& steps) {
+    for (const MacroCommand& step : steps) session.runWell(step);
     session.end();
 }
 
@@ -23,15 +23,15 @@ Verdict inMode(Trial& trial, const char* mode, void (standin::Host::*setMode)(bo
     return {};
 }
 
-std::vector<standin::RecordedCommand> recordingOf(Trial& trial, const std::vector<MacroStep>& steps) {
+std::vector<standin::RecordedCommand> recordingOf(Trial& trial, const std::vector<MacroCommand>& steps) {
     Session session(trial);
     session.host().setRecording(true);
     runMacros(session, steps);
     return session.host().recordedCommands();
 }
 
-std::vector<MacroStep> stepsOf(const std::vector<standin::RecordedCommand>& recording) {
-    std::vector<MacroStep> steps;
+std::vector<MacroCommand> stepsOf(const std::vector<standin::RecordedCommand>& recording) {
+    std::vector<MacroCommand> steps;
     steps.reserve(recording.size());
     for (const standin::RecordedCommand& recorded : recording)
         steps.push_back({"", recorded.addOnId, recorded.command});

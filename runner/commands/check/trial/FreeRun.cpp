@@ -11,11 +11,11 @@ namespace {
 
 constexpr std::size_t kChecksUntilStop = 20;
 
-void runAll(Session& session, const std::vector<MacroStep>& steps) {
+void runAll(Session& session, const std::vector<MacroCommand>& steps) {
     standin::Host& host = session.host();
     host.setRecording(true);
     host.setKeepsCalls(false);
-    for (const MacroStep& step : steps) {
+    for (const MacroCommand& step : steps) {
         host.clearRecordedCommands();
         host.pressStopAtCheck(kChecksUntilStop);
         session.run(step);
@@ -24,15 +24,15 @@ void runAll(Session& session, const std::vector<MacroStep>& steps) {
 }
 
 // The finding about what cannot be played back; nothing when it can be.
-std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroStep>& before,
+std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroCommand>& before,
                                          const standin::RecordedCommand& recorded) {
     Session session(trial);
     runAll(session, before);
     return replay(session.host(), recorded);
 }
 
-bool haveMacroLines(const std::vector<MacroStep>& steps) {
-    return std::all_of(steps.begin(), steps.end(), [](const MacroStep& step) { return fitsMacroLine(step.text); });
+bool haveMacroLines(const std::vector<MacroCommand>& steps) {
+    return std::all_of(steps.begin(), steps.end(), [](const MacroCommand& step) { return fitsMacroLine(step.text); });
 }
 
 // A command that no macro holds is recorded as it came, and so refused. That is no fault of the add-on.
@@ -43,11 +43,11 @@ void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
 
 }  // namespace
 
-std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroStep>& steps) {
+std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroCommand>& steps) {
     Session session(trial);
     standin::Host& host = session.host();
     runAll(session, steps);
-    const std::vector<MacroStep> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
+    const std::vector<MacroCommand> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
     for (const standin::RecordedCommand& recorded : host.recordedCommands()) {
         if (const auto finding = playBack(trial, before, recorded)) host.report(*finding);
     }

@@ -11,6 +11,6 @@ namespace vexa::runner {
 /// stopped by the user after some time: a damaged number can make it endless. What the last command recorded is played
 /// back in another session, behind the same steps.
 /// \return what was found on the way, until the add-on was unloaded.
-std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroStep>& steps);
+std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroCommand>& steps);
 
 }  // namespace vexa::runner

@@ -27,9 +27,9 @@ std::string nameOf(const standin::EntryEvent& entry) {
 
 }  // namespace
 
-std::string macroOf(const std::vector<MacroStep>& steps) {
+std::string macroOf(const std::vector<MacroCommand>& steps) {
     std::string text;
-    for (const MacroStep& step : steps) text += step.addOnId + ' ' + step.text + '\n';
+    for (const MacroCommand& step : steps) text += step.addOnId + ' ' + step.text + '\n';
     return text;
 }
 
@@ -117,9 +117,11 @@ Session::Session(Trial& trial) : m_trial(trial), m_recorder(std::make_unique<Rec
 
 Session::~Session() = default;
 
-standin::CommandResult Session::run(const MacroStep& step) { return m_host.run(step.addOnId, step.text, step.place); }
+standin::CommandResult Session::run(const MacroCommand& step) {
+    return m_host.run(step.addOnId, step.text, step.place);
+}
 
-void Session::runWell(const MacroStep& step) {
+void Session::runWell(const MacroCommand& step) {
     const standin::CommandResult result = run(step);
     if (result.accepted) return;
     const std::string place = step.place.empty() ? "" : step.place + ": ";

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands/check/trial/CheckTest.h"
+#include "formats/MacroFile.h"
 #include "formats/StyleFile.h"
 #include "vexastandin/Host.h"
 
@@ -17,21 +18,14 @@ namespace vexa::runner {
 class Confinement;
 struct BlackBox;
 
-/// A command of one of the macros.
-struct MacroStep {
-    std::string place;    ///< `FILE:LINE`; empty when it comes from none
-    std::string addOnId;  ///< the add-on it is for
-    std::string text;     ///< the command, as written
-};
-
 /// The macro file of \p steps.
-std::string macroOf(const std::vector<MacroStep>& steps);
+std::string macroOf(const std::vector<MacroCommand>& steps);
 
 /// What is checked, and by what.
 struct Subject {
     std::string addOn;                         ///< the add-on's file
     std::vector<std::string> others;           ///< the files of further add-ons, which the macros need
-    std::vector<MacroStep> steps;              ///< the commands of all macros, in order
+    std::vector<MacroCommand> steps;           ///< the commands of all macros, in order
     std::vector<StyleSetting> style;           ///< the host's style settings
     std::vector<std::string> suppressed;       ///< rules whose breaches pass
     std::uint64_t seed = 0;                    ///< of all that is random
@@ -90,10 +84,10 @@ public:
 
     standin::Host& host() { return m_host; }
     /// Runs a command.
-    standin::CommandResult run(const MacroStep& step);
+    standin::CommandResult run(const MacroCommand& step);
     /// Runs a command that has to succeed, as in every case without faults.
     /// \throws CaseFailed when it fails, with its message and what was wrong so far.
-    void runWell(const MacroStep& step);
+    void runWell(const MacroCommand& step);
     /// \throws CaseFailed when a rule of severity error was broken so far; warnings go to Trial::warn().
     void expectContractKept();
     /// Unloads the add-on, and does the above: leaks show then.
