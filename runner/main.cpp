@@ -22,7 +22,7 @@
 #include "options/Corrections.h"
 #include "options/ExitStatus.h"
 #include "options/HelpFormatter.h"
-#include "session/GuardedWork.h"
+#include "session/UncaughtErrors.h"
 #include "system/processes/AwaitedSignals.h"
 #include "terminal/Console.h"
 #include "terminal/PrintedOutput.h"
@@ -99,7 +99,7 @@ void endBySignal(int number) {
 
 int runGuarded(int argc, char** argv) {
     try {
-        return guarded([&] {
+        return printUncaughtErrors([&] {
             keepStandardStreamsTaken();
             std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
             return static_cast<int>(checkOutput(runProgram(argc, argv)));

@@ -1,29 +1,11 @@
 #include "session/AddOns.h"
 
-#include "terminal/Console.h"
+#include <vector>
+
 #include "text/NearNames.h"
 #include "text/ShortText.h"
 
 namespace vexa::runner {
-
-bool loadAddOn(standin::Host& host, const std::string& file) {
-    try {
-        host.loadAddOn(file);
-        return true;
-    } catch (const standin::LoadError& error) {
-        tell(error.message());
-        return false;
-    }
-}
-
-bool loadAddOns(standin::Host& host, const std::vector<std::string>& files, ProcessBox& box) {
-    bool allLoaded = true;
-    for (const std::string& file : files) {
-        const TimeInAddOn time(box, "", "", "loading of " + file);
-        allLoaded &= loadAddOn(host, file);
-    }
-    return allLoaded;
-}
 
 std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded) {
     const std::string name = shortText(id);

@@ -2,23 +2,12 @@
 
 #include <set>
 #include <string>
-#include <vector>
 
-#include "session/watch/ProcessBox.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
 
-/// Loads the add-on \p file into \p host, and tells when it cannot be loaded.
-/// \return whether it was loaded.
-bool loadAddOn(standin::Host& host, const std::string& file);
-
-/// Loads the add-ons \p files into \p host, and tells of each that cannot be loaded.
-/// \param box gets what the add-ons do.
-/// \return whether all of them were loaded.
-bool loadAddOns(standin::Host& host, const std::vector<std::string>& files, ProcessBox& box);
-
-/// What to say when no add-on \p id is among the loaded ones: which are, and which of them may be meant.
+/// The message that no add-on \p id is loaded: it names the loaded ones, and those that the user may mean.
 std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded);
 
 /// The ids of the add-ons that \p host has loaded.

@@ -32,12 +32,12 @@ std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, 
 }
 
 // What goes wrong when it is run; empty when nothing does.
-std::string whyNotReplayable(standin::Host& host, const standin::RecordedCommand& recorded) {
+std::string whyNotReplayable(Session& session, const standin::RecordedCommand& recorded) {
     try {
         const standin::CommandResult result =
-            host.run(recorded.addOnId, recorded.command, recorded.recordedAt.macroLine);
+            session.run({recorded.recordedAt.macroLine, recorded.addOnId, recorded.command});
         if (!result.accepted) return "fails: " + inOneLine(result.error);
-        return differenceOf(host.recordedCommands(), lineOf(recorded));
+        return differenceOf(session.host().recordedCommands(), lineOf(recorded));
     } catch (const InvalidArgumentException&) {
         return "finds no add-on " + recorded.addOnId;
     }
@@ -45,9 +45,9 @@ std::string whyNotReplayable(standin::Host& host, const standin::RecordedCommand
 
 }  // namespace
 
-std::optional<standin::Finding> replay(standin::Host& host, const standin::RecordedCommand& recorded) {
-    host.clearRecordedCommands();
-    const std::string reason = whyNotReplayable(host, recorded);
+std::optional<standin::Finding> replay(Session& session, const standin::RecordedCommand& recorded) {
+    session.host().clearRecordedCommands();
+    const std::string reason = whyNotReplayable(session, recorded);
     if (reason.empty()) return std::nullopt;
     standin::Finding finding;
     finding.rule = "recording-not-replayable";

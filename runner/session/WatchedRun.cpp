@@ -9,8 +9,7 @@
 #include <memory>
 
 #include "formats/ResultsFile.h"
-#include "session/FindingTeller.h"
-#include "session/RunNotes.h"
+#include "session/FindingPrinter.h"
 #include "session/watch/Death.h"
 #include "session/watch/LastWords.h"
 #include "session/watch/UserWork.h"
@@ -48,19 +47,22 @@ public:
     }
 
     ExitStatus_e execute() {
-        if (m_options.inProcess || isTraced()) return close(runHere());
-        const AwaitedSignals signals;
-        m_run.outputs().keepEndBack();
-        runInProcesses(signals, 1, settingOf(m_options), *this);
-        return close(m_status);
+        if (m_options.inProcess || isTraced()) {
+            const auto box = std::make_unique<ProcessBox>();
+            m_status = runMacro(m_options, *box, m_run.outputs());
+        } else {
+            const AwaitedSignals signals;
+            m_run.outputs().keepEndBack();
+            runInProcesses(signals, 1, settingOf(m_options), *this);
+        }
+        if (m_results) m_results->close();
+        return m_status;
     }
 
     int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
         return static_cast<int>(runMacro(m_options, box, notes));
     }
-    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
-        m_run.take(message, process);
-    }
+    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return &m_run.outputs(); }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
         if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
@@ -69,21 +71,6 @@ public:
     }
 
 private:
-    ExitStatus_e runHere() {
-        const auto box = std::make_unique<ProcessBox>();
-        return runMacro(m_options, *box, m_run.outputs());
-    }
-
-    ExitStatus_e close(ExitStatus_e status) {
-        try {
-            if (m_results) m_results->close();
-            return status;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return ExitStatus_e::BadUsageOrInput;
-        }
-    }
-
     const RunOptions& m_options;
     std::unique_ptr<LiveFile> m_results;
     WatchedRun m_run;
@@ -100,18 +87,10 @@ void readTypedMacro(const RunOptions& options) {
 
 }  // namespace
 
-void WatchedRun::take(const Message& message, RunningProcessInterface& process) {
-    if (message.kind == kWriteNote) {
-        process.answer(m_outputs.ask(message.kind, message.text));
-    } else {
-        m_outputs.tell(message.kind, message.text);
-    }
-}
-
 ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
-        tellFinding(lateFinding(box));
+        printFinding(lateFinding(box));
         return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
     }
     if (outcome.end == End_e::Died) {
@@ -146,13 +125,8 @@ ProcessSetting settingOf(const RunOptions& options) {
 }
 
 ExitStatus_e runOneMacro(const RunOptions& options) {
-    try {
-        readTypedMacro(options);
-        return OneRun(options).execute();
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
-    }
+    readTypedMacro(options);
+    return OneRun(options).execute();
 }
 
 }  // namespace vexa::runner

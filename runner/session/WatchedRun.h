@@ -24,10 +24,8 @@ public:
     void open() { m_outputs.open(m_options.record, m_options.journal); }
     RunOutputs& outputs() { return m_outputs; }
 
-    /// Takes what the run tells.
-    void take(const Message& message, RunningProcessInterface& process);
-    /// Decides what became of the run, and tells when it did not end well. What was recorded so far is written, and the
-    /// results get their end.
+    /// Decides on the exit status of the run, and prints what went wrong. Writes what was recorded so far, and the end
+    /// of the results.
     ExitStatus_e judge(const ProcessBox& box, const ProcessOutcome& outcome);
 
 private:
@@ -42,7 +40,8 @@ private:
 /// How a run of a macro file is watched.
 ProcessSetting settingOf(const RunOptions& options);
 
-/// Runs a macro file as \p options say, in a process of its own unless a debugger looks on or it is asked otherwise.
+/// Runs a macro file in a process of its own, or in this one under a debugger and with SessionOptions::inProcess.
+/// \throws OutputError if an output cannot be written.
 ExitStatus_e runOneMacro(const RunOptions& options);
 
 }  // namespace vexa::runner

@@ -76,7 +76,11 @@ private:
         Text text;
     };
 
-    bool prepare() { return addProjectFile(m_contract) && isThere() && findReports() && readStyle(); }
+    bool prepare() {
+        if (!addProjectFile(m_contract) || !isThere()) return false;
+        findReports();
+        return readStyle();
+    }
 
     bool isThere() const {
         std::error_code error;
@@ -86,22 +90,16 @@ private:
     }
 
     // Looked at now, so that nobody waits for a report that cannot be written.
-    bool findReports() {
+    void findReports() {
         m_files.read(m_options.addOn);
         m_files.read(m_options.others);
         m_files.read(m_options.macros);
         m_files.read(m_options.style);
         m_files.read(m_contract.projectFile);
-        try {
-            for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
-            if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
-            if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
-            if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
+        for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
+        if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
+        if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
+        if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
     }
 
     bool readStyle() {
@@ -113,9 +111,9 @@ private:
 
     void configure() {
         constexpr std::chrono::duration<double> kTimeout(10);
-        m_subject.addOn = m_options.addOn;
-        m_subject.others = m_options.others;
-        m_subject.suppressed = m_contract.suppressed;
+        m_subject.options.addOns = m_options.others;
+        m_subject.options.addOns.insert(m_subject.options.addOns.begin(), m_options.addOn);
+        m_subject.options.contract.suppressed = m_contract.suppressed;
         m_subject.seed = m_options.seed.value_or(newSeed());
         m_subject.time = millisecondsOf(std::chrono::duration<double>(m_options.time));
         m_setting.inProcess = m_options.inProcess;
@@ -222,23 +220,13 @@ private:
     }
 
     ExitStatus_e conclude() {
-        const bool written = writeReports();
         const bool passed = isPassed(m_report);
         const std::string causes = m_causes.summary();
         if (!causes.empty()) std::printf("%s\n", causes.c_str());
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
-        if (!written || m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
+        for (ReportFile& report : m_reports) report.output.replace(report.text(m_report));
+        if (m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
         return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
-    }
-
-    bool writeReports() {
-        try {
-            for (ReportFile& report : m_reports) report.output.replace(report.text(m_report));
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
     }
 
     const CheckTest* m_loadTest = findCheckTest("load");

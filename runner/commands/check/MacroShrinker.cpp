@@ -63,7 +63,7 @@ private:
     // What the commands do wrong, in a word; empty when it is nothing.
     std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
         const ProcessEnd end = runWatched(m_signals, *m_box, timeout, [&] { return verdictOn(steps); });
-        if (end.timedOut) return "hangs";
+        if (end.hasTimedOut()) return "hangs";
         if (WIFSIGNALED(end.waitStatus)) return "signal " + std::to_string(WTERMSIG(end.waitStatus));
         if (!end.verdict) return "exit " + std::to_string(WEXITSTATUS(end.waitStatus));
         return end.verdict->reason;

@@ -3,8 +3,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <set>
@@ -12,22 +10,18 @@
 #include <vector>
 
 #include "commands/repl/LineReader.h"
-#include "formats/MacroFile.h"
 #include "formats/MacroText.h"
 #include "formats/StyleFile.h"
 #include "session/AddOns.h"
 #include "session/FailureText.h"
-#include "session/FindingTeller.h"
 #include "session/RunNotes.h"
 #include "session/RunOutputs.h"
+#include "session/Session.h"
+#include "session/SessionView.h"
 #include "session/watch/Death.h"
 #include "session/watch/UserWork.h"
-#include "system/files/OutputTarget.h"
-#include "system/files/RunFiles.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
-#include "terminal/PlainStatus.h"
-#include "terminal/Screen.h"
 #include "terminal/StopButton.h"
 #include "terminal/Terminal.h"
 #include "text/Lines.h"
@@ -52,11 +46,8 @@ Exit status:
 constexpr const char* kQuit = "quit";
 constexpr const char* kHelp = "help";
 
-struct ReplOptions {
-    std::vector<std::string> addOns;
-    std::optional<std::string> style;
+struct ReplOptions : SessionOptions {
     std::optional<std::string> record;
-    bool inProcess = false;
 };
 
 constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
@@ -66,14 +57,11 @@ constexpr char kLineRead = 'y';  // the answer's first character when there is a
 class Repl {
 public:
     Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
-        : m_options(options), m_box(box), m_notes(notes) {
-        m_host.setCallProgress(&box.calls);
-        m_host.setKeepsCalls(false);
+        : m_options(options), m_box(box), m_notes(notes), m_session(options, box) {
         m_host.setRecording(options.record.has_value());
         m_host.onRecorded(
             [&](const standin::RecordedCommand& command) { notes.tell(kRecordedNote, recordingLine(command)); });
-        m_host.onDialog([this](const std::string& text) { tell(m_place + ": dialog", text); });
-        m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
+        m_view.show(m_host, true);
     }
 
     ExitStatus_e execute() {
@@ -81,20 +69,19 @@ public:
         m_notes.tell(kBeganNote, "");
         readLines();
         const bool isWritten = !m_notes.ask(kWriteNote, "").empty();
-        const TimeInAddOn time(m_box, "", "", "unloading of the add-ons");
-        m_host.unloadAddOns();
-        m_plainStatus.conclude(true);
-        m_findings.tellNew();
+        m_session.unloadAddOns();
+        m_view.conclude(true);
+        m_view.printFindings();
         return isWritten ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
     }
 
 private:
     bool prepare() {
         if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
-        const bool allLoaded = loadAddOns(m_host, m_options.addOns, m_box);
-        m_plainStatus.conclude(allLoaded);
+        const bool allLoaded = m_session.loadAddOns();
+        m_view.conclude(allLoaded);
         m_ids = loadedIds(m_host);
-        m_findings.tellNew();
+        m_view.printFindings();
         return allLoaded;
     }
 
@@ -135,49 +122,38 @@ private:
         }
     }
 
-    // While it runs Ctrl-C is the stop button, and the status line is drawn.
+    // While it runs, Ctrl-C is the stop button and the status line is drawn.
     void run(const MacroCommand& command) {
-        m_place = command.addOnId;
+        m_view.setPlace(command.addOnId);
         m_host.releaseStop();
         StopButton stopButton;
         stopButton.install();
         if (isTerminal(STDERR_FILENO)) {
-            m_screen.emplace([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);
+            m_view.drawStatus([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);
         }
         stopButton.arm(m_host);
-        const TimeInAddOn time(m_box, "", command.addOnId, command.text);
-        const standin::CommandResult result = m_host.run(command.addOnId, command.text);
-        m_screen.reset();
-        m_plainStatus.conclude(result.accepted);
-        m_place = kProgramName;
-        m_findings.tellNew();
+        const standin::CommandResult result = m_session.run(command);
+        m_view.stopDrawing();
+        m_view.conclude(result.accepted);
+        m_view.setPlace(kProgramName);
+        m_view.printFindings();
         if (!result.accepted) tell(command.addOnId, failureText(result));
-    }
-
-    void showStatus(const standin::StatusLine& line) {
-        if (m_screen) return m_screen->show(line);
-        m_plainStatus.show(m_place, line, m_host.isStopPressed());
     }
 
     const ReplOptions& m_options;
     ProcessBox& m_box;
     NotesInterface& m_notes;
     std::set<std::string> m_ids;
-    std::string m_place = kProgramName;
-    PlainStatus m_plainStatus;
-    std::optional<Screen> m_screen;
-    FindingTeller m_findings{m_host};
-    standin::Host m_host;  // last: while it is destroyed, its add-ons may still show dialogs
+    SessionView m_view;
+    Session m_session;  // last: while it is destroyed, its add-ons may still show dialogs
+    standin::Host& m_host = m_session.host();
 };
 
 // The user's side: reads what he types, and keeps the recording.
 class ReplDesk : public UserWork, private NotesInterface {
 public:
     explicit ReplDesk(const ReplOptions& options) : m_options(options) {
-        RunFiles files;
-        files.read(options.addOns);
-        files.read(options.style);
-        files.write(options.record);
+        inputsOf(options).write(options.record);
         m_outputs.open(options.record, std::nullopt);
     }
 
@@ -197,11 +173,7 @@ public:
     int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
         return static_cast<int>(Repl(m_options, box, notes).execute());
     }
-    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
-        const bool isAsked = message.kind == kLineNote || message.kind == kWriteNote;
-        if (isAsked) return process.answer(ask(message.kind, message.text));
-        tell(message.kind, message.text);
-    }
+    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return this; }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
         clearStatusOf(box);
         m_status = static_cast<ExitStatus_e>(outcome.status);
@@ -233,15 +205,6 @@ private:
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 
-ExitStatus_e runRepl(const ReplOptions& options) {
-    try {
-        return ReplDesk(options).execute();
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
-    }
-}
-
 }  // namespace
 
 void addReplCommand(CLI::App& app, Action& chosen) {
@@ -254,7 +217,7 @@ void addReplCommand(CLI::App& app, Action& chosen) {
     command.add_flag("--in-process", options->inProcess, "Run in this process, for a debugger");
     command.callback([options, &chosen] {
         refuseSecondStandardInput({"-", options->style.value_or("")});
-        chosen = [options] { return runRepl(*options); };
+        chosen = [options] { return ReplDesk(*options).execute(); };
     });
 }
 

@@ -4,19 +4,10 @@
 #include <vector>
 
 #include "formats/StyleFile.h"
-#include "options/ContractOptions.h"
+#include "session/Session.h"
 #include "session/watch/Processes.h"
 
 namespace vexa::runner {
-
-/// What a macro is run with for a transcript.
-struct TranscriptOptions {
-    std::string macroFile;
-    std::vector<std::string> addOns;
-    std::vector<StyleSetting> style;
-    ContractOptions contract;
-    bool batch = false;
-};
 
 /// How the process that writes a transcript ends, if nothing ends it before.
 enum class TranscriptEnd_e : int {
@@ -49,9 +40,11 @@ inline constexpr char kPrintedNote = 'p';
 ///     + STATS MEAN ZONES = '1-3'      what was recorded
 ///     > (unloading)                   what comes of that; left out when there is nothing
 ///
-/// What was printed is put in by whoever is told.
-/// \param box gets what the add-ons do.
-TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes);
+/// The receiver of the notes puts in what was printed.
+/// \param styles are given to the host; the style file of \p options is not read.
+/// \param box    gets what the add-ons do.
+TranscriptEnd_e writeTranscript(const std::string& macroFile, const SessionOptions& options,
+                                const std::vector<StyleSetting>& styles, ProcessBox& box, NotesInterface& notes);
 
 /// The lines of a transcript for what was printed.
 std::string printedLines(const KeptText& printed);

@@ -12,9 +12,10 @@
 
 namespace vexa::runner {
 
-/// What one process sends to the other.
+/// A call of a process that another one watches.
 struct Message {
     char kind = 0;
+    bool isAsked = false;  ///< the process waits for an answer
     std::string text;
 };
 
@@ -47,7 +48,7 @@ public:
     std::string ask(char kind, std::string_view text) override;
 
 private:
-    void send(char kind, std::string_view text);
+    void send(char kind, bool isAsked, std::string_view text);
 
     std::mutex m_guard;
     int m_descriptor;

@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "session/GuardedWork.h"
+#include "session/UncaughtErrors.h"
 #include "system/LastError.h"
 #include "system/processes/ChildProcess.h"
 #include "system/processes/Strays.h"
@@ -117,20 +117,20 @@ void leave(ProcessBox& box, const ProcessSetting& setting, int status) {
     // Registered first, so it runs last.
     std::atexit([] { boxOfThisProcess->markLeft(); });
     Channel channel(descriptor, box.sent);
-    leave(box, setting, guarded([&] { return work.run(index, box, channel); }));
+    leave(box, setting, printUncaughtErrors([&] { return work.run(index, box, channel); }));
     std::abort();
 }
 
 // ---- In the process that watches
 
-class Process : public RunningProcessInterface {
+class Process {
 public:
     Process(std::size_t index, const ProcessSetting& setting, ProcessWorkInterface& work, const AwaitedSignals& signals)
         : m_index(index),
           m_setting(setting),
-          m_work(work),
           m_out(setting.kept, setting.keepsEnd),
           m_err(setting.kept, setting.keepsEnd),
+          m_notes(work.notesOf(index, [this] { return m_out.take(); })),
           m_child(streams(), signals.before(),
                   [&] { workInProcess(index, m_connection.childEnd(), *m_box, setting, work); }) {
         m_connection.closeChildEnd();
@@ -139,10 +139,7 @@ public:
     }
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
-    ~Process() override = default;
-
-    KeptText takePrinted() override { return m_out.take(); }
-    void answer(std::string_view text) override { m_mailbox.answer(text); }
+    ~Process() = default;
 
     std::size_t index() const { return m_index; }
     ProcessBox& box() const { return *m_box; }
@@ -159,7 +156,7 @@ public:
         m_out.fetch();
         m_err.fetch();
         if (m_isOpen) m_isOpen = m_mailbox.fetch();
-        while (const auto message = m_mailbox.next()) m_work.take(m_index, *message, *this);
+        while (const auto message = m_mailbox.next()) handOn(*message);
         if (m_setting.isTimed && !m_isKilled && m_box->isLate(m_setting.grace)) {
             m_isKilled = true;
             m_child.kill();
@@ -192,15 +189,24 @@ private:
         return {m_out.writer(), isOne ? m_out.writer() : m_err.writer(), true};
     }
 
+    void handOn(const Message& message) {
+        if (m_notes == nullptr) return;
+        if (message.isAsked) {
+            m_mailbox.answer(m_notes->ask(message.kind, message.text));
+        } else {
+            m_notes->tell(message.kind, message.text);
+        }
+    }
+
     std::size_t m_index;
     const ProcessSetting& m_setting;
-    ProcessWorkInterface& m_work;
     SharedMemory<ProcessBox> m_box;
     Connection m_connection;
     Mailbox m_mailbox{m_connection.parentEnd()};
     bool m_isOpen = true;
     Drain m_out;
     Drain m_err;
+    NotesInterface* m_notes;
     Clock::time_point m_begin = Clock::now();
     bool m_isKilled = false;
     ChildProcess m_child;  // last: it begins with what stands above

@@ -39,20 +39,6 @@ struct ProcessOutcome {
     KeptText err;
 };
 
-/// A process that runs, for whom it tells something.
-class RunningProcessInterface {
-public:
-    RunningProcessInterface() = default;
-    RunningProcessInterface(const RunningProcessInterface&) = delete;
-    RunningProcessInterface& operator=(const RunningProcessInterface&) = delete;
-    virtual ~RunningProcessInterface() = default;
-
-    /// What it has printed on its standard output since this was called last.
-    virtual KeptText takePrinted() = 0;
-    /// Answers the message that came last, when it was asked.
-    virtual void answer(std::string_view text) = 0;
-};
-
 /// Work that is to be done in processes of their own.
 class ProcessWorkInterface {
 public:
@@ -64,8 +50,9 @@ public:
     /// Does the work number \p index, in the process for it.
     /// \return the status to report.
     virtual int run(std::size_t index, ProcessBox& box, NotesInterface& notes) = 0;
-    /// Called when the process \p index tells something, or asks.
-    virtual void take(std::size_t index, const Message& message, RunningProcessInterface& process) = 0;
+    /// Returns who gets the notes of the process \p index, until end(); null for nobody. Called before the process
+    /// starts. \param takePrinted returns what the process has printed on its standard output since the last call
+    virtual NotesInterface* notesOf(std::size_t index, std::function<KeptText()> takePrinted) = 0;
     /// Called when the process \p index has ended, in the order of the numbers.
     virtual void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) = 0;
     /// Called when the user asks the process \p index to stop, for the first time.

@@ -15,7 +15,7 @@ std::string nameOf(const MacroCommand& step) { return step.addOnId + ' ' + step.
 
 // Runs commands, each of which may fail: what it needs may not have come before.
 void runInOneSession(Trial& trial, const std::vector<MacroCommand>& steps) {
-    Session session(trial);
+    CheckedSession session(trial);
     for (const MacroCommand& step : steps) session.run(step);
     session.end();
 }
@@ -47,7 +47,7 @@ const VexaAddOn_s* enterCaller(AddOnList_s*) {
 Verdict commandsInOrder(Trial& trial) {
     const std::vector<MacroCommand>& steps = trial.subject().steps;
     trial.nowTrying("the commands of the macros, in order", macroOf(steps));
-    Session session(trial);
+    CheckedSession session(trial);
     for (const MacroCommand& step : steps) session.runWell(step);
     session.end();
     return {};
@@ -85,7 +85,7 @@ Verdict commandsInRandomOrder(Trial& trial) {
 
 Verdict commandsFromSecondAddOn(Trial& trial) {
     trial.nowTrying("the commands of the macros, in order, each run by a command of another add-on");
-    Session session(trial);
+    CheckedSession session(trial);
     session.host().linkAddOn(enterCaller);
     for (const MacroCommand& step : trial.subject().steps) {
         session.runWell({step.place, kCaller, step.addOnId + ' ' + step.text});

@@ -51,9 +51,9 @@ private:
     using Disturbances = std::vector<Disturbance>;
 
     Disturbances::const_iterator runTogether(Disturbances::const_iterator at, Disturbances::const_iterator end) const;
-    Deed runDisturbed(Session& session, const Disturbance& disturbance) const;
-    Deed runOnce(Session& session) const;
-    void runBefore(Session& session) const;
+    Deed runDisturbed(CheckedSession& session, const Disturbance& disturbance) const;
+    Deed runOnce(CheckedSession& session) const;
+    void runBefore(CheckedSession& session) const;
     void expectReplayable(const std::vector<std::string>& recorded) const;
     void expectSuccessIsWhole(const Deed& deed) const;
     void expectUndisturbed(const Deed& deed) const;

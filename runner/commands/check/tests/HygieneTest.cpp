@@ -196,7 +196,7 @@ void checkMemory(const ElfFile& file, Findings& found) {
 }  // namespace
 
 Verdict binaryHygiene(Trial& trial) {
-    const std::string path = std::filesystem::absolute(trial.subject().addOn);
+    const std::string path = std::filesystem::absolute(trial.subject().addOn());
     Findings found;
     try {
         const ElfFile file = readElfFile(path);

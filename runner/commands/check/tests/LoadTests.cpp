@@ -97,7 +97,7 @@ using Hold = std::unique_ptr<void, int (*)(void*)>;
 void expectNoThreadLeft(Trial& trial, const std::string& path) {
     trial.nowTrying("the threads after the add-on was shut down");
     const long threads = threadsNow();
-    Session session(trial);
+    CheckedSession session(trial);
     Hold hold(dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD), dlclose);
     session.end();
     if (staysWithMoreThreads(threads)) {
@@ -123,18 +123,18 @@ void expectNothingLeft(const Holdings& before, const Holdings& after) {
 
 Verdict load(Trial& trial) {
     trial.nowTrying("the add-on is loaded and unloaded");
-    Session session(trial);
+    CheckedSession session(trial);
     session.end();
     return {};
 }
 
 Verdict loadAndUnload(Trial& trial) {
-    const std::string path = std::filesystem::canonical(trial.subject().addOn);
+    const std::string path = std::filesystem::canonical(trial.subject().addOn());
     expectNoThreadLeft(trial, path);
     Holdings before{};
     for (int round = 1; round <= kRounds; ++round) {
         trial.nowTrying("round " + std::to_string(round) + " of loading and unloading");
-        Session(trial).end();
+        CheckedSession(trial).end();
         if (isMapped(path)) throw CaseFailed(whyStillMapped(path));
         if (round == kFirstRounds) before = holdingsNow();
     }

@@ -25,7 +25,7 @@ struct Original {
 class Mutations {
 public:
     explicit Mutations(Trial& trial) : m_trial(trial) {
-        const std::string addOnId = Session(trial).host().addOns().front().id;
+        const std::string addOnId = CheckedSession(trial).host().addOns().front().id;
         const std::vector<DamagedText> strange = strangeTexts();
         m_originals.push_back({{}, {"", addOnId, "NAME = 'text'"}, {strange.begin(), strange.end()}});
         std::vector<MacroCommand> before;

@@ -21,13 +21,13 @@ struct BlackBox {
     std::atomic<bool> isInAddOn{false};     ///< whether the add-on is at work now
     std::atomic<bool> isInHostCall{false};  ///< whether the call has not returned
     std::atomic<bool> wantedMemory{false};  ///< whether an allocation failed for want of memory
-    ProcessBox* process = nullptr;          ///< of the test's process; null when nobody watches
+    ProcessBox* process = nullptr;          ///< of the test's process
     Clock::duration timeout{};              ///< how long the add-on may take for anything
 
     /// Notes that the test starts or ends something now.
     void touch() const noexcept {
         constexpr Clock::duration kTimeWithoutAddOn = std::chrono::minutes(1);  // for what a test does itself
-        if (process != nullptr) process->allow(isInAddOn ? timeout : std::max(timeout, kTimeWithoutAddOn));
+        process->allow(isInAddOn ? timeout : std::max(timeout, kTimeWithoutAddOn));
     }
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kChecksUntilStop = 20;
 
-void runAll(Session& session, const std::vector<MacroCommand>& steps) {
+void runAll(CheckedSession& session, const std::vector<MacroCommand>& steps) {
     standin::Host& host = session.host();
     host.setRecording(true);
     host.setKeepsCalls(false);
@@ -26,9 +26,9 @@ void runAll(Session& session, const std::vector<MacroCommand>& steps) {
 // The finding about what cannot be played back; nothing when it can be.
 std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroCommand>& before,
                                          const standin::RecordedCommand& recorded) {
-    Session session(trial);
+    CheckedSession session(trial);
     runAll(session, before);
-    return replay(session.host(), recorded);
+    return replay(session.session(), recorded);
 }
 
 bool haveMacroLines(const std::vector<MacroCommand>& steps) {
@@ -44,14 +44,14 @@ void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
 }  // namespace
 
 std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroCommand>& steps) {
-    Session session(trial);
+    CheckedSession session(trial);
     standin::Host& host = session.host();
     runAll(session, steps);
     const std::vector<MacroCommand> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
     for (const standin::RecordedCommand& recorded : host.recordedCommands()) {
         if (const auto finding = playBack(trial, before, recorded)) host.report(*finding);
     }
-    host.unloadAddOns();
+    session.session().unloadAddOns();
     std::vector<standin::Finding> findings = host.violations();
     if (!haveMacroLines(steps)) forgetRefusedRecordings(findings);
     return findings;

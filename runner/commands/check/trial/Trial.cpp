@@ -62,7 +62,7 @@ std::string Trial::warnings() const {
 }
 
 // Writes the black box. Itself it allocates nothing during a command, whose allocations may be made to fail.
-class Session::Recorder : public standin::ObserverInterface {
+class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
     explicit Recorder(BlackBox& box) : m_box(box) {}
     Recorder(const Recorder&) = delete;
@@ -101,27 +101,27 @@ private:
     std::mutex m_guard;  // calls come from any thread
 };
 
-Session::Session(Trial& trial) : m_trial(trial), m_recorder(std::make_unique<Recorder>(trial.m_blackBox)) {
-    const Subject& subject = trial.subject();
-    m_host.setObserver(m_recorder.get());
-    for (const std::string& rule : subject.suppressed) m_host.suppress(rule);
-    giveStyles(m_host, subject.style);
+CheckedSession::CheckedSession(Trial& trial)
+    : m_trial(trial),
+      m_recorder(std::make_unique<Recorder>(trial.m_blackBox)),
+      m_session(trial.subject().options, *trial.m_blackBox.process) {
+    host().setKeepsCalls(true);
+    host().setObserver(m_recorder.get());
+    giveStyles(host(), trial.subject().style);
     try {
-        std::string ids = m_host.loadAddOn(subject.addOn).id;
-        for (const std::string& other : subject.others) ids += '\n' + m_host.loadAddOn(other).id;
+        std::string ids;
+        for (const std::string& file : trial.subject().options.addOns) addLine(ids, m_session.loadAddOn(file).id);
         trial.m_blackBox.addOnIds.set(ids);
     } catch (const standin::LoadError& error) {
         throw CaseFailed(error.message());
     }
 }
 
-Session::~Session() = default;
+CheckedSession::~CheckedSession() = default;
 
-standin::CommandResult Session::run(const MacroCommand& step) {
-    return m_host.run(step.addOnId, step.text, step.place);
-}
+standin::CommandResult CheckedSession::run(const MacroCommand& step) { return m_session.run(step); }
 
-void Session::runWell(const MacroCommand& step) {
+void CheckedSession::runWell(const MacroCommand& step) {
     const standin::CommandResult result = run(step);
     if (result.accepted) return;
     const std::string place = step.place.empty() ? "" : step.place + ": ";
@@ -131,20 +131,20 @@ void Session::runWell(const MacroCommand& step) {
     throw CaseFailed(lines);
 }
 
-void Session::expectContractKept() {
+void CheckedSession::expectContractKept() {
     const std::string errors = breaches();
     if (!errors.empty()) throw CaseFailed(errors);
 }
 
-void Session::end() {
-    m_host.unloadAddOns();
+void CheckedSession::end() {
+    m_session.unloadAddOns();
     expectContractKept();
 }
 
 // The breaches of rules of severity error; of others it warns.
-std::string Session::breaches() {
+std::string CheckedSession::breaches() {
     std::string errors;
-    for (const standin::Finding& finding : m_host.violations()) {
+    for (const standin::Finding& finding : host().violations()) {
         const std::string text(withoutTrailingBlanks(textOf(finding)));
         if (finding.severity == standin::Severity_e::Warning) {
             m_trial.warn(text);

@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "commands/check/trial/CheckTest.h"
-#include "formats/MacroFile.h"
 #include "formats/StyleFile.h"
-#include "vexastandin/Host.h"
+#include "session/Session.h"
 
 namespace vexa::runner {
 
@@ -23,14 +22,14 @@ std::string macroOf(const std::vector<MacroCommand>& steps);
 
 /// What is checked, and by what.
 struct Subject {
-    std::string addOn;                         ///< the add-on's file
-    std::vector<std::string> others;           ///< the files of further add-ons, which the macros need
+    SessionOptions options;                    ///< the first add-on is checked; the macros need the others
     std::vector<MacroCommand> steps;           ///< the commands of all macros, in order
     std::vector<StyleSetting> style;           ///< the host's style settings
-    std::vector<std::string> suppressed;       ///< rules whose breaches pass
     std::uint64_t seed = 0;                    ///< of all that is random
     std::chrono::milliseconds time{};          ///< for how long a test that could go on for ever does
     const Confinement* confinement = nullptr;  ///< what a process of the test enters; null when it writes anywhere
+
+    const std::string& addOn() const { return options.addOns.front(); }
 };
 
 /// What the add-on did wrong. Ends the test.
@@ -64,7 +63,7 @@ public:
     std::string warnings() const;
 
 private:
-    friend class Session;
+    friend class CheckedSession;
     const Subject& m_subject;
     BlackBox& m_blackBox;
     std::mt19937_64 m_random;
@@ -72,17 +71,18 @@ private:
     std::vector<std::string> m_warnings;
 };
 
-/// A host of its own with the add-on loaded: what a case of a test works on. Notes in the black box which command runs
-/// and which host call it is in.
-class Session {
+/// The session of a test case: a host of its own, with the add-on loaded. Notes in the black box which command runs and
+/// which host call it is in.
+class CheckedSession {
 public:
     /// \throws CaseFailed when the add-on cannot be loaded.
-    explicit Session(Trial& trial);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session();
+    explicit CheckedSession(Trial& trial);
+    CheckedSession(const CheckedSession&) = delete;
+    CheckedSession& operator=(const CheckedSession&) = delete;
+    ~CheckedSession();
 
-    standin::Host& host() { return m_host; }
+    Session& session() { return m_session; }
+    standin::Host& host() { return m_session.host(); }
     /// Runs a command.
     standin::CommandResult run(const MacroCommand& step);
     /// Runs a command that has to succeed, as in every case without faults.
@@ -100,7 +100,7 @@ private:
 
     Trial& m_trial;
     std::unique_ptr<Recorder> m_recorder;  // outlives the host, which tells it what happens
-    standin::Host m_host;
+    Session m_session;
 };
 
 }  // namespace vexa::runner
