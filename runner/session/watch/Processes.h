@@ -2,24 +2,17 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "session/watch/Channel.h"
+#include "session/watch/Drain.h"
+#include "session/watch/Notes.h"
 #include "session/watch/ProcessBox.h"
 #include "system/processes/AwaitedSignals.h"
 
 namespace vexa::runner {
-
-/// Text of which a limited amount is kept.
-struct KeptText {
-    std::string text;
-    std::uint64_t leftOut = 0;  ///< how many bytes were not kept
-};
 
 /// How a process has ended.
 enum class End_e {
