@@ -22,7 +22,7 @@
 #include "options/Corrections.h"
 #include "options/ExitStatus.h"
 #include "options/HelpFormatter.h"
-#include "session/UncaughtErrors.h"
+#include "session/watch/UncaughtErrors.h"
 #include "system/processes/AwaitedSignals.h"
 #include "terminal/Console.h"
 #include "terminal/PrintedOutput.h"

@@ -17,10 +17,4 @@ std::string noSuchAddOn(const std::string& id, const std::set<std::string>& load
     return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
 }
 
-std::set<std::string> loadedIds(const standin::Host& host) {
-    std::set<std::string> ids;
-    for (const standin::AddOnInfo& addOn : host.addOns()) ids.insert(addOn.id);
-    return ids;
-}
-
 }  // namespace vexa::runner

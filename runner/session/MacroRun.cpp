@@ -16,7 +16,7 @@
 #include "session/FailureText.h"
 #include "session/FindingPrinter.h"
 #include "session/Replay.h"
-#include "session/RunNotes.h"
+#include "session/RunOutputs.h"
 #include "session/SessionView.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/StandardStreams.h"
@@ -127,7 +127,7 @@ private:
     }
 
     void runCommands() {
-        m_ids = loadedIds(m_host);
+        m_ids = m_session.addOnIds();
         m_stopButton.arm(m_host);
         m_isRunning = true;
         m_notes.tell(kBeganNote, "");

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 
-#include "session/AddOns.h"
-#include "session/Hang.h"
+#include "session/watch/Death.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
@@ -57,7 +56,7 @@ void Session::unloadAddOns() {
 }
 
 MacroFile Session::readMacro(const std::string& file, UnknownId_e unknownId) {
-    const auto read = [&] { return readMacroFile(file, loadedIds(m_host), unknownId); };
+    const auto read = [&] { return readMacroFile(file, addOnIds(), unknownId); };
     m_isReading = true;
     MacroFile macro = inTime({"", "", "reading of " + file}, 1, read);
     m_isReading = false;
@@ -66,6 +65,12 @@ MacroFile Session::readMacro(const std::string& file, UnknownId_e unknownId) {
 
 standin::CommandResult Session::run(const MacroCommand& command) {
     return inTime(command, 1, [&] { return m_host.run(command.addOnId, command.text, command.place); });
+}
+
+std::set<std::string> Session::addOnIds() const {
+    std::set<std::string> ids;
+    for (const standin::AddOnInfo& addOn : m_host.addOns()) ids.insert(addOn.id);
+    return ids;
 }
 
 bool Session::isContractBroken() const {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -69,6 +70,8 @@ public:
     /// \throws vexa::InvalidArgumentException if its add-on is not loaded.
     standin::CommandResult run(const MacroCommand& command);
 
+    /// The ids of the loaded add-ons.
+    std::set<std::string> addOnIds() const;
     /// Whether the options are strict and a rule was broken that counts.
     bool isContractBroken() const;
 

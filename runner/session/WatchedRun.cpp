@@ -40,10 +40,10 @@ std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
 class OneRun : public UserWork {
 public:
     explicit OneRun(const RunOptions& options)
-        : m_options(options), m_results(openResults(options)), m_run(options, options.macroFile, [this](auto lines) {
+        : m_options(options), m_results(openResults(options)), m_run(options, [this](auto lines) {
               if (m_results) m_results->append(lines);
           }) {
-        m_run.open();
+        m_run.outputs().open(options.record, options.journal);
     }
 
     ExitStatus_e execute() {
@@ -102,7 +102,7 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
         m_outputs.tellEnd();
         return static_cast<ExitStatus_e>(outcome.status);
     }
-    tell(m_macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
+    tell(m_options.macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
     return conclude(box, ExitStatus_e::BadUsageOrInput, "part of what the run told was lost");
 }
 
@@ -111,8 +111,9 @@ ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, co
     if (m_options.json) {
         const MacroCommand command = {box.place.text(), box.addOnId.text(), box.work.text()};
         const bool isInCommand = box.isInAddOn && !command.addOnId.empty();
-        if (isInCommand) m_results(resultLine(command, {false, error}, box.sinceEntered(), {}));
-        m_results(endLine(m_macroFile, status, {}, error));
+        if (isInCommand) m_outputs.tell(kResultNote, resultLine(command, {false, error}, box.sinceEntered(), {}));
+        m_outputs.tell(kEndNote, endLine(m_options.macroFile, status, {}, error));
+        m_outputs.tellEnd();
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;
 }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <exception>
 #include <set>
-#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "commands/check/trial/Confinement.h"
 #include "commands/check/trial/FreeRun.h"
 #include "commands/check/trial/MacroLine.h"
+#include "text/Lines.h"
 
 namespace vexa::runner {
 namespace {
@@ -25,11 +25,7 @@ constexpr milliseconds kTimeForATry = std::chrono::seconds(1);  // for commands 
 
 std::vector<MacroCommand> stepsOf(const std::string& macro) {
     std::vector<MacroCommand> steps;
-    std::istringstream lines(macro);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t idEnd = line.find(' ');
-        if (idEnd != std::string::npos) steps.push_back({"", line.substr(0, idEnd), line.substr(idEnd + 1)});
-    }
+    for (const std::string& line : linesOf(macro)) steps.push_back(commandOfLine(line));
     return steps;
 }
 

@@ -14,7 +14,6 @@
 #include "formats/StyleFile.h"
 #include "session/AddOns.h"
 #include "session/FailureText.h"
-#include "session/RunNotes.h"
 #include "session/RunOutputs.h"
 #include "session/Session.h"
 #include "session/SessionView.h"
@@ -80,7 +79,7 @@ private:
         if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
         const bool allLoaded = m_session.loadAddOns();
         m_view.conclude(allLoaded);
-        m_ids = loadedIds(m_host);
+        m_ids = m_session.addOnIds();
         m_view.printFindings();
         return allLoaded;
     }

@@ -35,9 +35,7 @@ public:
     }
 
     int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
-        RunOptions options = m_options;
-        options.macroFile = m_macroFiles[index];
-        return static_cast<int>(runMacro(options, box, notes));
+        return static_cast<int>(runMacro(m_runs[index]->options, box, notes));
     }
 
     NotesInterface* notesOf(std::size_t index, std::function<KeptText()>) override {
@@ -57,12 +55,14 @@ public:
     }
 
 private:
-    // One of the runs, while it is of interest.
+    // One of the runs, from its start until its outcome is printed.
     struct Run {
-        Run(const RunOptions& options, const std::string& macroFile)
-            : watched(options, macroFile, [this](std::string_view lines) { results += lines; }) {
+        Run(const RunOptions& allOptions, const std::string& macroFile)
+            : options(allOptions), watched(options, [this](std::string_view lines) { results += lines; }) {
+            options.macroFile = macroFile;
             watched.outputs().keepEndBack();
         }
+        RunOptions options;
         std::string results;
         WatchedRun watched;
     };

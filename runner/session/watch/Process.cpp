@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "session/UncaughtErrors.h"
+#include "session/watch/UncaughtErrors.h"
 
 namespace vexa::runner {
 namespace {

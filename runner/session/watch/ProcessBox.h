@@ -81,8 +81,7 @@ struct ProcessBox {
     /// Notes that what runs at the end of a process has run.
     void markLeft() noexcept { m_leaver = getpid(); }
 
-    bool hasReported(pid_t process) const noexcept { return m_reporter == process; }
-    bool hasLeft(pid_t process) const noexcept { return hasReported(process) && m_leaver == process; }
+    bool hasLeft(pid_t process) const noexcept { return m_reporter == process && m_leaver == process; }
     int status() const noexcept { return m_status; }
     /// @}
 

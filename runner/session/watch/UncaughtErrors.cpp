@@ -1,4 +1,4 @@
-#include "session/UncaughtErrors.h"
+#include "session/watch/UncaughtErrors.h"
 
 #include <cstdio>
 #include <exception>
