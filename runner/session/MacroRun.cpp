@@ -19,9 +19,9 @@
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
 #include "system/files/OutputTarget.h"
+#include "system/files/RedirectedOutput.h"
 #include "system/files/StandardStreams.h"
 #include "terminal/Console.h"
-#include "terminal/DiscardedOutput.h"
 #include "terminal/PrintedOutput.h"
 #include "terminal/StopButton.h"
 #include "terminal/Terminal.h"
@@ -183,7 +183,7 @@ private:
     bool replayRecording() {
         const std::vector<standin::RecordedCommand> recorded = m_host.recordedCommands();
         if (recorded.empty()) return true;
-        const DiscardedOutput discarded;
+        const RedirectedOutput discarded(STDOUT_FILENO, "/dev/null");
         m_host.setCallProgress(nullptr);
         const bool isReplayed = replayInNewSession(recorded);
         m_host.setCallProgress(&m_box.calls);
@@ -245,7 +245,7 @@ private:
     std::size_t m_failed = 0;
     bool m_isStopped = false;
     std::string m_summary;
-    StopButton m_stopButton;
+    StopButton m_stopButton{m_box.isStatusDrawn};
     SessionView m_view;
     Session m_session;  // last: while it is destroyed, its add-ons may still show dialogs
     standin::Host& m_host = m_session.host();

@@ -1,9 +1,9 @@
 #include "terminal/Console.h"
 
+#include <atomic>
 #include <cstdio>
 #include <utility>
 
-#include "terminal/Screen.h"
 #include "terminal/Terminal.h"
 #include "text/Printable.h"
 #include "text/StartsWith.h"
@@ -19,6 +19,9 @@ constexpr const char* kPlaceColour = "\033[1m";
 constexpr const char* kErrorColour = "\033[1;31m";
 constexpr const char* kWarningColour = "\033[1;33m";
 constexpr const char* kUsualColour = "\033[0m";
+
+// The process has one standard error output, and every message of the program goes through here.
+std::atomic<MessageSinkInterface*> theSink{nullptr};
 
 std::string withFollowingLinesIndented(std::string_view text) {
     std::string lines;
@@ -57,11 +60,13 @@ void tellLines(std::string_view place, std::string_view lines) {
 }
 
 void passOn(const std::string& lines) {
-    if (Screen* const screen = Screen::current()) return screen->tell(lines);
+    if (MessageSinkInterface* const sink = theSink) return sink->tell(lines);
     // Add-ons print through the same buffer: a terminal, or a log of both outputs, shows things in their order.
     std::fflush(stdout);
     std::fputs(lines.c_str(), stderr);
 }
+
+void setMessageSink(MessageSinkInterface* sink) { theSink = sink; }
 
 void print(std::string_view text) { std::fputs(printable(text).c_str(), stdout); }
 

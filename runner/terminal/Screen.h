@@ -7,18 +7,20 @@
 #include <string>
 #include <thread>
 
+#include "terminal/Console.h"
 #include "terminal/DrawnStatus.h"
 #include "terminal/StdoutRelay.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
 
-/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print.
+/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print. While it
+/// lives, it is the sink of messages.
 ///
 /// What the add-ons print comes through a relay when it goes to a terminal, too; a thread of the screen passes it on,
 /// and draws what was not due before.
 /// Threads: safe from any. It is made and destroyed while no add-on runs; there is one at a time.
-class Screen {
+class Screen : public MessageSinkInterface {
 public:
     /// For the standard error output, which must be a terminal.
     /// \param isStopping as for DrawnStatus
@@ -27,18 +29,11 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
     /// Takes the status line down, and puts out what was held back.
-    ~Screen();
+    ~Screen() override;
 
-    /// The screen there is, or null.
-    static Screen* current();
-
-    /// Puts \p lines on the standard error output, after all that was printed so far.
-    void tell(const std::string& lines);
+    void tell(const std::string& lines) override;
     /// Shows the status line as it is now.
     void show(const standin::StatusLine& line);
-    /// Clears the status line from a program that is about to end. May be called from a signal handler.
-    void clearAtOnce() const;
-
     /// Leaves the terminal to a program that ends without destroying the screen: puts out what was held back, and takes
     /// the status line down. Whoever shows something from now on waits for ever.
     void leave();

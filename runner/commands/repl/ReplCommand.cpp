@@ -125,7 +125,7 @@ private:
     void run(const MacroCommand& command) {
         m_view.setPlace(command.addOnId);
         m_host.releaseStop();
-        StopButton stopButton;
+        StopButton stopButton(m_box.isStatusDrawn);
         stopButton.install();
         if (isTerminal(STDERR_FILENO)) {
             m_view.drawStatus([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);

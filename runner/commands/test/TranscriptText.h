@@ -1,11 +1,15 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "commands/test/Transcript.h"
 #include "session/watch/Notes.h"
 #include "system/files/MemoryFile.h"
+#include "system/files/RedirectedOutput.h"
 
 namespace vexa::runner {
 
@@ -31,19 +35,13 @@ private:
 /// Catches what this process prints, on both outputs, as long as it lives.
 class CaughtOutput {
 public:
-    /// \throws std::system_error
-    CaughtOutput();
-    CaughtOutput(const CaughtOutput&) = delete;
-    CaughtOutput& operator=(const CaughtOutput&) = delete;
-    ~CaughtOutput();
-
     /// What was printed since the last call.
     KeptText take() const;
 
 private:
     MemoryFile m_printed;
-    int m_out;  // the real ones
-    int m_err;
+    RedirectedOutput m_out{STDOUT_FILENO, m_printed.path()};
+    RedirectedOutput m_err{STDERR_FILENO, m_printed.path()};
 };
 
 }  // namespace vexa::runner

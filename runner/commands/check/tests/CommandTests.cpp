@@ -1,4 +1,4 @@
-#include "commands/check/tests/CommandTests.h"
+#include "commands/check/tests/Tests.h"
 
 #include <cstdint>
 #include <cstring>

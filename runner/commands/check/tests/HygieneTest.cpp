@@ -1,4 +1,4 @@
-#include "commands/check/tests/HygieneTest.h"
+#include "commands/check/tests/Tests.h"
 
 #include <dlfcn.h>
 #include <elf.h>

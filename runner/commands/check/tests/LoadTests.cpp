@@ -1,4 +1,4 @@
-#include "commands/check/tests/LoadTests.h"
+#include "commands/check/tests/Tests.h"
 
 #include <dlfcn.h>
 #include <malloc.h>
