@@ -31,7 +31,7 @@ Exit status:
 constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
 
-// What stands in a column is on one line, whatever the add-on says.
+// A column has one line, even if the title or the id has more.
 std::string titleOf(const standin::AddOnInfo& addOn) {
     return addOn.title.empty() ? kNoTitle : printableLine(addOn.title);
 }

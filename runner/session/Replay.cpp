@@ -20,7 +20,7 @@ std::string inOneLine(std::string_view text) {
     return line;
 }
 
-// What the commands that were recorded are instead of `expected` alone; empty when they are just that.
+// How the recorded commands differ from `expected` alone; empty if they do not.
 std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, const std::string& expected) {
     if (commands.size() == 1 && lineOf(commands.front()) == expected) return "";
     if (commands.empty()) return "records nothing";
@@ -31,7 +31,7 @@ std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, 
     return "records " + lines;
 }
 
-// What goes wrong when it is run; empty when nothing does.
+// Why the command cannot be played back; empty if it can.
 std::string whyNotReplayable(Session& session, const standin::RecordedCommand& recorded) {
     try {
         const standin::CommandResult result =

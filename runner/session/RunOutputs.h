@@ -19,7 +19,7 @@ inline constexpr char kJournaledNote = 'j';  ///< the lines of a journal entry
 inline constexpr char kResultNote = 'o';     ///< a line of the results
 inline constexpr char kEndNote = 'e';        ///< the last line of the results
 inline constexpr char kBeganNote = 'b';      ///< commands run from now on
-inline constexpr char kWriteNote = 'w';  ///< asks to write the outputs; the answer is kWritten and a summary, or empty
+inline constexpr char kWriteNote = 'w';      ///< asks to write the outputs; answer: kWritten and a summary, or empty
 /// @}
 
 inline constexpr char kWritten = 'y';
@@ -45,8 +45,9 @@ public:
     void tell(char kind, std::string_view text) override;
     std::string ask(char kind, std::string_view text) override;
 
-    /// Writes the recording and the journal of a run that ended before it asked for that. If no command began, the
-    /// files stay as they were. \return whether all was written; errors were printed.
+    /// Writes the recording and the journal of a run that ended before it asked for that.
+    /// If no command began, the files stay as they were.
+    /// \return whether all was written; errors were printed.
     bool writeWhatIsLeft();
 
 private:
@@ -55,8 +56,8 @@ private:
         Output(const std::string& path, std::string head, const char* itsHow)
             : file(path), text(std::move(head)), how(itsHow) {}
         WholeOutput file;
-        std::string text;  // its head, and what came
-        const char* how;   // what is done with what comes
+        std::string text;  // the head of the file, and the lines so far
+        const char* how;   // "recorded" or "journaled"
         std::size_t count = 0;
     };
 
@@ -69,7 +70,7 @@ private:
     std::string m_end;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
-    bool m_isLeft = false;  // commands began, and what they recorded is still to be written
+    bool m_isLeft = false;  // commands began, and their outputs are not written yet
 };
 
 }  // namespace vexa::runner

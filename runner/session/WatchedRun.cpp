@@ -26,7 +26,7 @@ bool isBroken(int descriptor) {
     return poll(&polled, 1, 0) > 0 && (polled.revents & POLLERR) != 0;
 }
 
-// Nobody reads what is printed any more, which ends a program that prints.
+// Whether SIGPIPE ended the process: nobody reads what the program prints any more.
 bool endedForWantOfReaders(const ProcessOutcome& outcome) {
     const bool isPipe = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGPIPE;
     return isPipe && (isBroken(STDOUT_FILENO) || isBroken(STDERR_FILENO));
@@ -36,7 +36,7 @@ std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
     return options.json ? std::make_unique<LiveFile>(*options.json) : nullptr;
 }
 
-// The one run of a program, which prints where the program does.
+// The run of a program that runs one macro file. It prints where the program prints.
 class OneRun : public UserWork {
 public:
     explicit OneRun(const RunOptions& options)
@@ -77,7 +77,7 @@ private:
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 
-// A process of the background cannot read from the terminal, so a macro that is typed is read here.
+// The process of the run is in the background and cannot read from the terminal, so this process reads a typed macro.
 void readTypedMacro(const RunOptions& options) {
     if (options.macroFile != "-" || isatty(STDIN_FILENO) == 0) return;
     const MemoryFile file(readStandardInput());

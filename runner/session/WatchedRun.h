@@ -21,8 +21,8 @@ public:
 
     RunOutputs& outputs() { return m_outputs; }
 
-    /// Decides on the exit status of the run, and prints what went wrong. Writes what was recorded so far, and the end
-    /// of the results.
+    /// Decides on the exit status of the run, and prints what went wrong. Writes the recording and the journal as far
+    /// as they came, and the end of the results.
     ExitStatus_e judge(const ProcessBox& box, const ProcessOutcome& outcome);
 
 private:
@@ -32,7 +32,7 @@ private:
     RunOutputs m_outputs;
 };
 
-/// How a run of a macro file is watched.
+/// The setting for the process of a run.
 ProcessSetting settingOf(const RunOptions& options);
 
 /// Runs a macro file in a process of its own, or in this one under a debugger and with SessionOptions::inProcess.

@@ -68,7 +68,7 @@ public:
     }
 
 private:
-    // A report: where it goes, and what makes its text.
+    // A report: its file, and the function that makes its text.
     struct ReportFile {
         using Text = std::string (*)(const CheckReport& report);
         ReportFile(const std::string& path, Text textOf) : output(path), text(textOf) {}
@@ -89,7 +89,7 @@ private:
         return exists;
     }
 
-    // Looked at now, so that nobody waits for a report that cannot be written.
+    // Done before the tests, so that nobody waits for a report that cannot be written.
     void findReports() {
         m_files.read(m_options.addOn);
         m_files.read(m_options.others);
@@ -128,7 +128,7 @@ private:
         return std::chrono::ceil<milliseconds>(time);
     }
 
-    // Nothing is loaded here, so a test tells the ids under which macros address the add-ons.
+    // This process loads no add-on, so the test reports the ids of the add-ons.
     void loadFirst() {
         const TestResult result = runTest(*m_loadTest, m_subject, m_setting);
         m_addOnIds = {result.addOnIds.begin(), result.addOnIds.end()};
@@ -153,7 +153,7 @@ private:
         return std::find(only.begin(), only.end(), test.name) != only.end();
     }
 
-    // Why a test is skipped; empty when it is not.
+    // Why a test is skipped; empty if it runs.
     std::string whyNot(const CheckTest& test) const {
         if (test.needs == Needs_e::File) return "";
         if (m_addOnIds.empty()) return "the add-on cannot be loaded";
@@ -204,7 +204,7 @@ private:
                std::to_string(m_options.level);
     }
 
-    // Returns where the macro is; empty when it could not be written.
+    // Returns the path of the macro; empty if it cannot be written.
     std::string writeMacro(const TestResult& result) {
         const std::string name = std::string("vexa-standin-check-") + result.test->name + ".macro";
         std::string path = (std::filesystem::path(m_options.folder) / name).lexically_normal();

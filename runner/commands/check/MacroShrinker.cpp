@@ -51,12 +51,12 @@ public:
         if (m_symptom.empty()) return whole;
         dropSteps();
         for (std::size_t i = m_steps.size(); i-- > 0;) shortenStep(i);
-        // A hang was taken for granted sooner than it is told to users.
+        // The tries had a shorter time limit than users get.
         return symptomOf(m_steps, m_timeout) == m_symptom ? m_steps : whole;
     }
 
 private:
-    // What the commands do wrong, in a word; empty when it is nothing.
+    // The error that the commands show, in a word; empty for none.
     std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
         const ProcessEnd end = runWatched(m_signals, *m_box, timeout, [&] { return verdictOn(steps); });
         if (end.hasTimedOut()) return "hangs";
@@ -71,12 +71,12 @@ private:
             if (m_subject.confinement != nullptr) m_subject.confinement->enter();
             Trial trial(m_subject, *m_box);
             return {Outcome_e::Passed, brokenRules(findingsOf(trial, steps))};
-        } catch (const std::exception&) {  // it is not the add-on that is at fault
+        } catch (const std::exception&) {  // not an error of the add-on
             return {};
         }
     }
 
-    // Takes what shows the same as the whole.
+    // Takes `smaller` if it shows the same as the whole.
     bool takeIfSame(std::vector<MacroCommand> smaller) {
         if (BlackBox::Clock::now() > m_end) return false;
         if (symptomOf(smaller, std::min(m_timeout, kTimeForATry)) != m_symptom) return false;
@@ -93,7 +93,7 @@ private:
         }
     }
 
-    // Cuts out pieces, large ones first, until no byte can be left out.
+    // Removes pieces, large ones first, until no byte can be removed.
     void shortenStep(std::size_t index) {
         const auto text = [&]() -> const std::string& { return m_steps[index].text; };
         for (std::size_t size = text().size(); size > 0; size = size == 1 ? 0 : (size + 1) / 2) {

@@ -31,7 +31,7 @@ std::string whatWasTried(const BlackBox& box) {
     return tried.empty() ? "" : "tried: " + tried;
 }
 
-// In the test's process: how the test comes out, if the process lives to tell.
+// In the process of the test: its verdict, if the process lives so long.
 Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     Trial trial(subject, box);
     const auto failed = [&](const std::string& reason, std::string macro) {
@@ -99,7 +99,7 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
 
 bool isWell(const ProcessEnd& end) { return end.hasLeft() && end.verdict; }
 
-// In the process that watches: the verdict, if the process lived to tell it.
+// In the process that watches: the verdict of the test, or else one about how its process ended.
 Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
     if (isPassed) return *end.verdict;
@@ -132,7 +132,7 @@ Subject withAbsoluteFiles(Subject subject) {
     return subject;
 }
 
-// In the test's process, whose commands may be anything.
+// In the process of a test whose commands may be any text.
 Verdict confinedVerdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     try {
         subject.confinement->enter();

@@ -20,9 +20,9 @@ constexpr char kReasonNote = 'r';
 constexpr char kMacroNote = 'm';
 constexpr char kOutcomeNote = 'o';  // a digit; it comes last, so it makes the verdict whole
 constexpr rlim_t kMemory = rlim_t{4} << 30;
-constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // they reserve more addresses than any program needs
+constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // sanitizers reserve more addresses than any program needs
 
-BlackBox* boxOfThisProcess = nullptr;  // a new-handler is given nothing
+BlackBox* boxOfThisProcess = nullptr;  // a new-handler gets no argument
 
 [[noreturn]] void noteWantOfMemory() {
     boxOfThisProcess->wantedMemory = true;

@@ -10,7 +10,7 @@
 
 namespace vexa::runner {
 
-/// The end of a process that worked for a verdict.
+/// The end of a process that ran a test.
 struct ProcessEnd : ProcessOutcome {
     std::optional<Verdict> verdict;  ///< nothing if the process ended before it had one
 
@@ -18,11 +18,10 @@ struct ProcessEnd : ProcessOutcome {
     bool hasTimedOut() const { return end == End_e::TimedOut; }
 };
 
-/// Runs \p work in a process of its own and watches it: it is killed when the black box does not change for \p timeout
-/// while an add-on is at work. What is printed there is caught, and there is nothing to read. It has a limit of memory,
-/// lest it takes all there is.
-/// \throws std::system_error when there cannot be another process.
-/// \throws EndedBySignal when one of \p signals came that ends the program.
+/// Runs \p work in a process of its own and watches it. The process is killed if the black box does not change for
+/// \p timeout while an add-on works. Its output is caught, its input is empty, and its memory is limited.
+/// \throws std::system_error if the process cannot be started.
+/// \throws EndedBySignal if one of \p signals came that ends the program.
 ProcessEnd runWatched(const AwaitedSignals& signals, BlackBox& box, std::chrono::milliseconds timeout,
                       const std::function<Verdict()>& work);
 

@@ -52,7 +52,7 @@ struct ReplOptions : SessionOptions {
 constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
 constexpr char kLineRead = 'y';  // the answer's first character when there is a line
 
-// Runs the commands. What the user types comes from whoever is asked.
+// Runs the commands. It asks the notes for the lines that the user types.
 class Repl {
 public:
     Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
@@ -87,7 +87,7 @@ private:
     void readLines() {
         std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
         for (const std::string& id : m_ids) {
-            // What is completed is put on the terminal as it is.
+            // The terminal gets completed words unchanged.
             if (printableLine(id) == id) words += id + '\n';
         }
         for (;;) {
@@ -148,7 +148,7 @@ private:
     standin::Host& m_host = m_session.host();
 };
 
-// The user's side: reads what he types, and keeps the recording.
+// The side of the user: it reads the lines, and keeps the recording.
 class ReplDesk : public UserWork, private NotesInterface {
 public:
     explicit ReplDesk(const ReplOptions& options) : m_options(options) {

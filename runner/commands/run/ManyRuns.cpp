@@ -67,7 +67,7 @@ private:
         WatchedRun watched;
     };
 
-    // One that Ctrl-C ended before it could stop its macro was stopped, too.
+    // A run that Ctrl-C ended before it could stop its macro counts as stopped.
     ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
         return wasInterrupted(outcome) ? ExitStatus_e::Stopped : m_runs[index]->watched.judge(box, outcome);
     }

@@ -64,7 +64,7 @@ struct RunRequest {
     std::size_t jobs = 1;
 };
 
-// What several runs at once cannot share.
+// Refuses options that several runs at a time cannot share.
 void refuseForSeveral(const RunRequest& request) {
     const RunOptions& options = request.options;
     const std::pair<const char*, bool> given[] = {
@@ -81,7 +81,7 @@ void refuseForSeveral(const RunRequest& request) {
     }
 }
 
-// What a trace says of the run.
+// The facts about the run that a trace starts with.
 void completeFacts(RunOptions& options) {
     RunFacts& facts = options.trace.facts;
     facts.macroFile = options.macroFile;

@@ -34,13 +34,13 @@ namespace fs = std::filesystem;
 constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
-// A file or folder that cannot be taken for macros. The message is one line.
+// A path is not a macro and not a folder of macros. The message is one line.
 class PathError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// The macros in a folder, by name. What is expected of a macro that is not there would never be looked at.
+// The macros in a folder, by name. An expectation without a macro is refused, for it would never be compared.
 std::vector<std::string> macrosIn(const fs::path& folder) {
     std::vector<std::string> macros;
     std::error_code error;
@@ -114,7 +114,7 @@ private:
         }
     }
 
-    // Makes sure that what is written takes the place of nothing that is read.
+    // Refuses an output that would replace an input.
     void findFiles() {
         RunFiles files = inputsOf(m_options);
         files.read(m_macros);
@@ -214,7 +214,7 @@ private:
         return {false, "it cannot be run", transcript.text()};
     }
 
-    // What the transcript has of the last command.
+    // The part of the transcript about the last command.
     static std::string lastCommand(const std::string& transcript) {
         const std::size_t begin = transcript.rfind("\n> ");
         return begin == std::string::npos ? transcript : transcript.substr(begin + 1);

@@ -105,7 +105,7 @@ private:
         note(news());
     }
 
-    // What happened since this was asked last, but for what was printed and recorded.
+    // The dialogs and findings since the last call.
     std::string news() {
         std::string lines = takeDialogs();
         for (const standin::Finding& finding : newFindings(m_host, m_findings)) {
@@ -119,8 +119,8 @@ private:
         return told(std::string(nameOf(finding.severity)) + ": " + finding.message + " [" + finding.rule + ']');
     }
 
-    // For whoever looks into a failed test: what is compared has no places. Of a cause the first finding has
-    // everything.
+    // For the user who looks into a failed test: the transcript itself has no places. The first finding of each cause
+    // has all details.
     void explain(const standin::Finding& finding) {
         const std::string text = m_causes.add(finding)
                                      ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'

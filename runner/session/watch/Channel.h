@@ -30,7 +30,7 @@ public:
 
     int parentEnd() const { return m_ends[0]; }
     int childEnd() const { return m_ends[1]; }
-    /// To be called in the parent, once the child has its end: then the end of the child shows.
+    /// Call this in the parent after the fork, so that it sees when the child closes its end.
     void closeChildEnd();
     void closeParentEnd();
 
@@ -60,10 +60,10 @@ class Mailbox {
 public:
     explicit Mailbox(int descriptor) : m_descriptor(descriptor) {}
 
-    /// Takes in what was sent so far, without waiting.
-    /// \return whether the child's end is still open.
+    /// Reads what was sent so far, without waiting.
+    /// \return whether the end of the child is still open.
     bool fetch();
-    /// The next message; nothing when it is not complete yet.
+    /// The next message; nothing if it is not complete yet.
     std::optional<Message> next();
     /// How many messages next() returned.
     std::uint64_t received() const { return m_received; }

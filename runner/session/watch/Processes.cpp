@@ -57,7 +57,7 @@ private:
         }
     }
 
-    // As the terminal would suspend all of them, were they in one group.
+    // The processes are in other process groups, so the terminal does not suspend them.
     void suspend() const {
         const Clock::time_point begin = Clock::now();
         for (const Process& process : m_running) process.child().signalGroup(SIGSTOP);

@@ -23,7 +23,7 @@ void runAll(CheckedSession& session, const std::vector<MacroCommand>& steps) {
     }
 }
 
-// The finding about what cannot be played back; nothing when it can be.
+// The finding if the command cannot be played back.
 std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroCommand>& before,
                                          const standin::RecordedCommand& recorded) {
     CheckedSession session(trial);
@@ -35,7 +35,7 @@ bool haveMacroLines(const std::vector<MacroCommand>& steps) {
     return std::all_of(steps.begin(), steps.end(), [](const MacroCommand& step) { return fitsMacroLine(step.text); });
 }
 
-// A command that no macro holds is recorded as it came, and so refused. That is no fault of the add-on.
+// The host refuses to record a command that does not fit in a line of a macro. The add-on did nothing wrong.
 void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
     const auto isRefusal = [](const auto& finding) { return finding.rule == "recording-not-replayable"; };
     findings.erase(std::remove_if(findings.begin(), findings.end(), isRefusal), findings.end());

@@ -44,7 +44,7 @@ Trial::Trial(const Subject& subject, BlackBox& blackBox)
 
 void Trial::nowTrying(const std::string& what, const std::string& macro) {
     m_blackBox.tried.set(what);
-    // Half a macro shows nothing.
+    // A macro that was cut shows nothing.
     m_blackBox.macro.set(macro.size() <= decltype(m_blackBox.macro)::capacity() ? macro : "");
     m_blackBox.touch();
 }
@@ -61,7 +61,7 @@ std::string Trial::warnings() const {
     return lines;
 }
 
-// Writes the black box. Itself it allocates nothing during a command, whose allocations may be made to fail.
+// Writes the black box. It allocates nothing during a command, because the test may let allocations fail.
 class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
     explicit Recorder(BlackBox& box) : m_box(box) {}
@@ -69,7 +69,7 @@ public:
     Recorder& operator=(const Recorder&) = delete;
     ~Recorder() override = default;
 
-    // An add-on's command may run one of another add-on.
+    // A command of an add-on may run a command of another one.
     void entryBegan(const standin::EntryEvent& entry) override {
         m_entries.push_back(nameOf(entry));
         m_box.entry.set(m_entries.back());
@@ -141,7 +141,7 @@ void CheckedSession::end() {
     expectContractKept();
 }
 
-// The breaches of rules of severity error; of others it warns.
+// The breaches of rules of severity error. The others become warnings.
 std::string CheckedSession::breaches() {
     std::string errors;
     for (const standin::Finding& finding : host().violations()) {
