@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "session/watch/Death.h"
 #include "terminal/Console.h"
@@ -22,6 +23,34 @@ RunFiles inputsOf(const SessionOptions& options) {
     return files;
 }
 
+// The time in which the session works on something: the box has it, and the time limit holds.
+class Session::TimeInAddOn {
+public:
+    TimeInAddOn(Session& session, const MacroCommand& work, std::size_t times = 1)
+        : m_box(session.m_box), m_watchdog(session.m_watchdog) {
+        m_box.enter(work.place, work.addOnId, work.text);
+        if (!m_watchdog) return;
+        const Watchdog::Seconds limit = *session.m_options.contract.timeout * static_cast<double>(times);
+        m_box.allow(std::chrono::ceil<ProcessBox::Clock::duration>(limit));
+        m_watchdog->start(limit);
+    }
+    TimeInAddOn(const TimeInAddOn&) = delete;
+    TimeInAddOn& operator=(const TimeInAddOn&) = delete;
+    // If the add-on forked a copy of the process, the copy ends here, so that it does not go on with the session.
+    ~TimeInAddOn() {
+        if (m_box.isOfOther()) _exit(EXIT_FAILURE);
+        if (m_watchdog) {
+            m_watchdog->stop();
+            m_box.allow({});
+        }
+        m_box.leaveAddOn();
+    }
+
+private:
+    ProcessBox& m_box;
+    std::optional<Watchdog>& m_watchdog;
+};
+
 Session::Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude)
     : m_options(options), m_box(box) {
     m_host.setCallProgress(&box.calls);
@@ -32,7 +61,8 @@ Session::Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun
 }
 
 standin::AddOnInfo Session::loadAddOn(const std::string& file) {
-    return inTime({"", "", "loading of " + file}, 1, [&] { return m_host.loadAddOn(file); });
+    const TimeInAddOn time(*this, {"", "", "loading of " + file});
+    return m_host.loadAddOn(file);
 }
 
 bool Session::loadAddOns() {
@@ -52,19 +82,24 @@ void Session::unloadAddOns() {
     std::string work = "unloading of";
     const std::vector<standin::AddOnInfo> addOns = m_host.addOns();
     for (const standin::AddOnInfo& addOn : addOns) work += ' ' + addOn.id;
-    inTime({"", "", work}, std::max<std::size_t>(addOns.size(), 1), [&] { m_host.unloadAddOns(); });
+    const TimeInAddOn time(*this, {"", "", work}, std::max<std::size_t>(addOns.size(), 1));
+    m_host.unloadAddOns();
 }
 
 MacroFile Session::readMacro(const std::string& file, UnknownId_e unknownId) {
-    const auto read = [&] { return readMacroFile(file, addOnIds(), unknownId); };
     m_isReading = true;
-    MacroFile macro = inTime({"", "", "reading of " + file}, 1, read);
+    MacroFile macro;
+    {
+        const TimeInAddOn time(*this, {"", "", "reading of " + file});
+        macro = readMacroFile(file, addOnIds(), unknownId);
+    }
     m_isReading = false;
     return macro;
 }
 
 standin::CommandResult Session::run(const MacroCommand& command) {
-    return inTime(command, 1, [&] { return m_host.run(command.addOnId, command.text, command.place); });
+    const TimeInAddOn time(*this, command);
+    return m_host.run(command.addOnId, command.text, command.place);
 }
 
 std::set<std::string> Session::addOnIds() const {
@@ -79,16 +114,6 @@ bool Session::isContractBroken() const {
     return contract.isStrict() && std::any_of(findings.begin(), findings.end(), [&](const standin::Finding& finding) {
                return contract.warningsAsErrors.value_or(false) || finding.severity == standin::Severity_e::Error;
            });
-}
-
-template <class Work>
-std::invoke_result_t<Work> Session::inTime(const MacroCommand& entered, std::size_t times, const Work& work) {
-    const TimeInAddOn time(m_box, entered.place, entered.addOnId, entered.text);
-    if (!m_watchdog) return work();
-    const Watchdog::Seconds limit = *m_options.contract.timeout * static_cast<double>(times);
-    const AllowedTime allowed(m_box, limit);
-    const WatchedTime watched(*m_watchdog, limit);
-    return work();
 }
 
 // The add-on goes on meanwhile, and may hold locks, or the standard output if nobody reads it. If this waits for them,

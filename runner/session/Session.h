@@ -5,7 +5,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "formats/MacroFile.h"
@@ -76,8 +75,8 @@ public:
     bool isContractBroken() const;
 
 private:
-    template <class Work>
-    std::invoke_result_t<Work> inTime(const MacroCommand& entered, std::size_t times, const Work& work);
+    class TimeInAddOn;
+
     [[noreturn]] void endProcess(const ConcludeOverrun& conclude);
 
     const SessionOptions& m_options;

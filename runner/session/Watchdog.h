@@ -12,8 +12,9 @@ namespace vexa::runner {
 /// Ends the program if something takes too long.
 ///
 ///     Watchdog watchdog([&] { tell(...); _exit(4); });
-///     const WatchedTime time(watchdog, 2s);
+///     watchdog.start(2s);
 ///     host.run("STATS", "MEAN");
+///     watchdog.stop();
 ///
 /// Threads: start() and stop() are called from one thread.
 class Watchdog {
@@ -41,18 +42,6 @@ private:
     std::optional<Clock::time_point> m_deadline;  // none while nothing is watched
     bool m_isEnding = false;
     std::thread m_thread;
-};
-
-/// Starts a watchdog, and stops it at the end of the scope.
-class WatchedTime {
-public:
-    WatchedTime(Watchdog& watchdog, Watchdog::Seconds limit) : m_watchdog(watchdog) { watchdog.start(limit); }
-    WatchedTime(const WatchedTime&) = delete;
-    WatchedTime& operator=(const WatchedTime&) = delete;
-    ~WatchedTime() { m_watchdog.stop(); }
-
-private:
-    Watchdog& m_watchdog;
 };
 
 }  // namespace vexa::runner

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "system/processes/SharedMemory.h"
@@ -93,38 +92,6 @@ private:
     std::atomic<int> m_status{0};
     static_assert(std::atomic<std::int64_t>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
                   "Processes share no lock");
-};
-
-/// Marks the time in which an add-on works. If the add-on forked a copy of the process, the copy ends here, so that it
-/// does not repeat the work of the process.
-class TimeInAddOn {
-public:
-    TimeInAddOn(ProcessBox& box, std::string_view place, std::string_view addOnId, std::string_view work) : m_box(box) {
-        box.enter(place, addOnId, work);
-    }
-    TimeInAddOn(const TimeInAddOn&) = delete;
-    TimeInAddOn& operator=(const TimeInAddOn&) = delete;
-    ~TimeInAddOn() {
-        if (m_box.isOfOther()) _exit(EXIT_FAILURE);
-        m_box.leaveAddOn();
-    }
-
-private:
-    ProcessBox& m_box;
-};
-
-/// Gives a process a time limit for the scope of this.
-class AllowedTime {
-public:
-    AllowedTime(ProcessBox& box, std::chrono::duration<double> limit) : m_box(box) {
-        box.allow(std::chrono::ceil<ProcessBox::Clock::duration>(limit));
-    }
-    AllowedTime(const AllowedTime&) = delete;
-    AllowedTime& operator=(const AllowedTime&) = delete;
-    ~AllowedTime() { m_box.allow({}); }
-
-private:
-    ProcessBox& m_box;
 };
 
 }  // namespace vexa::runner
