@@ -23,7 +23,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool isSame(const MacroCommand& a, const MacroCommand& b) { return a.addOnId == b.addOnId && a.text == b.text; }
 
-bool isSameOnSameLine(const MacroCommand& a, const MacroCommand& b) { return a.line == b.line && isSame(a, b); }
+bool isSameOnSameLine(const MacroCommand& a, const MacroCommand& b) { return a.place == b.place && isSame(a, b); }
 
 template <class Comparison>
 bool areEqual(const std::vector<MacroCommand>& a, const std::vector<MacroCommand>& b, const Comparison& comparison) {
@@ -34,7 +34,7 @@ bool areEqual(const std::vector<MacroCommand>& a, const std::vector<MacroCommand
 
 class PlainReader {
 public:
-    explicit PlainReader(std::string_view text) {
+    PlainReader(std::string_view text, const std::string& name) : m_name(name) {
         for (std::size_t number = 1; !text.empty() && !m_isAtEnd; ++number) {
             const std::size_t lineEnd = std::min(text.find('\n'), text.size());
             take(number, text.substr(0, lineEnd));
@@ -64,7 +64,7 @@ private:
         if (addOnId.empty() || addOnId.front() == '#') return;
         const bool isBlank = line.find_first_not_of(" \t\v\f\r") == std::string_view::npos;
         if (kAddOnIds.count(addOnId) == 0 || isBlank) return refused.push_back(number);
-        commands.push_back({number, addOnId, std::string(line), ""});
+        commands.push_back({m_name + ':' + std::to_string(number), addOnId, std::string(line)});
     }
 
     // Takes the first word and the blanks before and after it.
@@ -80,6 +80,7 @@ private:
         line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
     }
 
+    std::string m_name;
     bool m_isCut = false;    // true if the last line has a carriage return inside
     bool m_isAtEnd = false;  // true after a NUL
 };
@@ -153,8 +154,8 @@ std::vector<standin::JournalEntry> journalOf(const std::vector<MacroCommand>& co
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vexa::fuzz;
     const std::string text = textOf(data, size);
-    const PlainReader plain(text);
     const MacroFile macro = readText(text);
+    const PlainReader plain(text, macro.name);
     require(areEqual(macro.commands, plain.commands, isSameOnSameLine), "the commands are those of the lines", text);
     requireRefusals(macro, plain.refused);
 

@@ -22,7 +22,7 @@
 #include "options/ExitStatus.h"
 #include "options/PrintedOutput.h"
 #include "options/UsageError.h"
-#include "session/GuardedWork.h"
+#include "session/watch/UncaughtErrors.h"
 #include "system/processes/AwaitedSignals.h"
 #include "terminal/Console.h"
 
@@ -76,7 +76,7 @@ void endBySignal(int number) {
 
 int runGuarded(int argc, char** argv) {
     try {
-        return guarded([&] {
+        return printUncaughtErrors([&] {
             keepStandardStreamsTaken();
             std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
             return static_cast<int>(checkOutput(runProgram({argv + std::min(argc, 1), argv + argc})));

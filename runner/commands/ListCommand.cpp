@@ -7,14 +7,14 @@
 #include <vector>
 
 #include "options/CommonOptions.h"
+#include "options/PrintedOutput.h"
 #include "options/UsageError.h"
-#include "session/AddOns.h"
-#include "session/FindingTeller.h"
+#include "session/FindingPrinter.h"
+#include "session/Session.h"
 #include "session/watch/Death.h"
 #include "session/watch/UserWork.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
-#include "options/PrintedOutput.h"
 #include "terminal/TextWidth.h"
 #include "text/Printable.h"
 
@@ -32,7 +32,7 @@ Exit status:
 constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
 
-// What stands in a column is on one line, whatever the add-on says.
+// A column has one line, even if the title or the id has more.
 std::string titleOf(const standin::AddOnInfo& addOn) {
     return addOn.title.empty() ? kNoTitle : printableLine(addOn.title);
 }
@@ -57,22 +57,19 @@ std::string tableOf(const std::vector<standin::AddOnInfo>& addOns) {
     return table;
 }
 
-ExitStatus_e listHere(const std::vector<std::string>& files, ProcessBox& box) {
-    standin::Host host;
-    host.setCallProgress(&box.calls);
-    host.setKeepsCalls(false);
-    const bool allLoaded = loadAddOns(host, files, box);
-    if (allLoaded) print(tableOf(host.addOns()));
-    const TimeInAddOn time(box, "", "", "unloading of the add-ons");
-    host.unloadAddOns();
-    FindingTeller(host).tellNew();
+ExitStatus_e listHere(const SessionOptions& options, ProcessBox& box) {
+    Session session(options, box);
+    const bool allLoaded = session.loadAddOns();
+    if (allLoaded) print(tableOf(session.host().addOns()));
+    session.unloadAddOns();
+    FindingPrinter().printNew(session.host());
     return checkOutput(allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput);
 }
 
 // Loads the add-ons in a process of their own, which they may end.
 class WatchedList : public UserWork {
 public:
-    explicit WatchedList(const std::vector<std::string>& files) : m_files(files) {}
+    explicit WatchedList(const SessionOptions& options) : m_options(options) {}
 
     ExitStatus_e list() {
         const AwaitedSignals signals;
@@ -82,8 +79,10 @@ public:
         return m_status;
     }
 
-    int run(std::size_t, ProcessBox& box, NotesInterface&) override { return static_cast<int>(listHere(m_files, box)); }
-    void take(std::size_t, const Message&, RunningProcessInterface&) override {}
+    int run(std::size_t, ProcessBox& box, NotesInterface&) override {
+        return static_cast<int>(listHere(m_options, box));
+    }
+    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return nullptr; }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
         if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         m_status = static_cast<ExitStatus_e>(outcome.status);
@@ -93,14 +92,16 @@ public:
     }
 
 private:
-    const std::vector<std::string>& m_files;
+    const SessionOptions& m_options;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 
 ExitStatus_e listAddOns(const std::vector<std::string>& files) {
-    if (!isTraced()) return WatchedList(files).list();
+    SessionOptions options;
+    options.addOns = files;
+    if (!isTraced()) return WatchedList(options).list();
     const auto box = std::make_unique<ProcessBox>();
-    return listHere(files, *box);
+    return listHere(options, *box);
 }
 
 }  // namespace

@@ -86,23 +86,20 @@ private:
             return refuse(lineNumber, "the line holds a carriage return");
         }
         if (lineNumber == 1 && startsWith(line, kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
-        MacroWords words = macroWords(line);
-        if (!words.addOnId.empty()) takeCommand(lineNumber, std::move(words));
+        MacroCommand command = commandOfLine(line);
+        command.place = m_macro.place(lineNumber);
+        if (!command.addOnId.empty()) takeCommand(lineNumber, std::move(command));
     }
 
-    void takeCommand(std::size_t lineNumber, MacroWords words) {
-        const std::string& addOnId = words.addOnId;
-        if (m_addOnIds.count(addOnId) == 0) return takeUnknown(lineNumber, std::move(words));
-        if (words.text.find_first_not_of(kWhiteSpace) == std::string::npos) {
-            return refuse(lineNumber, "a command of '" + addOnId + "' was expected after its name");
+    void takeCommand(std::size_t lineNumber, MacroCommand command) {
+        const bool isUnknown = m_addOnIds.count(command.addOnId) == 0;
+        if (isUnknown && m_unknownId == UnknownId_e::RefusesFile) {
+            return refuse(lineNumber, noSuchAddOn(command.addOnId, m_addOnIds));
         }
-        m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text), ""});
-    }
-
-    void takeUnknown(std::size_t lineNumber, MacroWords words) {
-        std::string problem = noSuchAddOn(words.addOnId, m_addOnIds);
-        if (m_unknownId == UnknownId_e::RefusesFile) return refuse(lineNumber, problem);
-        m_macro.commands.push_back({lineNumber, std::move(words.addOnId), std::move(words.text), std::move(problem)});
+        if (!isUnknown && command.text.find_first_not_of(kWhiteSpace) == std::string::npos) {
+            return refuse(lineNumber, "a command of '" + command.addOnId + "' was expected after its name");
+        }
+        m_macro.commands.push_back(std::move(command));
     }
 
     // AsciiFile ends the file at a NUL, so there can be one only after the last line that it found.
@@ -143,11 +140,11 @@ private:
 
 std::string MacroFile::place(std::size_t line) const { return name + ':' + std::to_string(line); }
 
-MacroWords macroWords(std::string_view line) {
+MacroCommand commandOfLine(std::string_view line) {
     line = withoutLeadingBlanks(line);
     if (!line.empty() && line.front() == COMMENT_token) line = {};
     const std::size_t idEnd = std::min(line.find_first_of(kBlanks), line.size());
-    return {std::string(line.substr(0, idEnd)), std::string(withoutLeadingBlanks(line.substr(idEnd)))};
+    return {"", std::string(line.substr(0, idEnd)), std::string(withoutLeadingBlanks(line.substr(idEnd)))};
 }
 
 MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds, UnknownId_e unknownId) {

@@ -8,18 +8,17 @@
 
 namespace vexa::runner {
 
-/// One command of a macro file.
+/// A command for an add-on.
 struct MacroCommand {
-    std::size_t line = 0;  ///< where it stands, counted from 1
-    std::string addOnId;   ///< the add-on it is for
-    std::string text;      ///< the command, as written
-    std::string problem;   ///< why it cannot be run; empty when it can
+    std::string place;    ///< `FILE:LINE`, where it was read; empty if it was not read from a file
+    std::string addOnId;  ///< the add-on that runs it
+    std::string text;     ///< the command, as written
 };
 
-/// What becomes of a command of an add-on that is not loaded.
+/// What the reader does with a command of an add-on that is not loaded.
 enum class UnknownId_e {
-    RefusesFile,    ///< it is a problem of the file
-    RefusesCommand  ///< it is a command with a problem of its own
+    RefusesFile,  ///< it is a problem of the file
+    IsRead        ///< it is read like any other command
 };
 
 /// A macro file, read and checked.
@@ -32,12 +31,9 @@ struct MacroFile {
     std::string place(std::size_t line) const;
 };
 
-/// The two parts of a line: the first word, and the text behind it. Both are empty for a blank line and a comment.
-struct MacroWords {
-    std::string addOnId;
-    std::string text;
-};
-MacroWords macroWords(std::string_view line);
+/// The command of a line: the first word is the add-on's id, and the rest is the text. Both are empty for a blank line
+/// and for a comment.
+MacroCommand commandOfLine(std::string_view line);
 
 /// Reads the macro file \p path, or the standard input if \p path is `-`, and checks every line of it.
 ///

@@ -1,10 +1,7 @@
 #include "formats/ResultsFile.h"
 
 #include <nlohmann/json.hpp>
-#include <utility>
 
-#include "session/RunNotes.h"
-#include "system/files/OutputTarget.h"
 #include "terminal/Console.h"
 #include "text/SeverityName.h"
 
@@ -17,12 +14,9 @@ std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
-// The findings from the `done`th on. No more than ten of a rule and add-on are kept, so there are few.
-Json newFindings(const standin::Host& host, std::size_t& done) {
-    const std::vector<standin::Finding> findings = host.violations();
+Json listOf(const std::vector<standin::Finding>& findings) {
     Json list = Json::array();
-    for (; done < findings.size(); ++done) {
-        const standin::Finding& finding = findings[done];
+    for (const standin::Finding& finding : findings) {
         list.push_back({{"rule", finding.rule},
                         {"severity", nameOf(finding.severity)},
                         {"addOn", finding.addOnId},
@@ -31,32 +25,24 @@ Json newFindings(const standin::Host& host, std::size_t& done) {
     return list;
 }
 
-Json commandRecord(const CommandOutcome& outcome, Json findings) {
-    return {{"place", outcome.place},         {"addOn", outcome.addOnId}, {"command", outcome.command},
-            {"accepted", outcome.accepted},   {"error", outcome.error},   {"seconds", outcome.seconds},
-            {"findings", std::move(findings)}};
-}
-
-Json endRecord(ExitStatus_e status, const std::string& macroFile, Json findings) {
-    return {{"macroFile", macroFile}, {"exitStatus", static_cast<int>(status)}, {"findings", std::move(findings)}};
-}
-
 }  // namespace
 
-void Results::add(const CommandOutcome& outcome, const standin::Host& host) {
-    if (m_notes != nullptr) m_notes->tell(kResultNote, lineOf(commandRecord(outcome, newFindings(host, m_findings))));
+std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
+                       std::chrono::duration<double> time, const std::vector<standin::Finding>& findings) {
+    return lineOf({{"place", command.place},
+                   {"addOn", command.addOnId},
+                   {"command", command.text},
+                   {"accepted", result.accepted},
+                   {"error", withoutTrailingBlanks(result.error)},
+                   {"seconds", time.count()},
+                   {"findings", listOf(findings)}});
 }
 
-void Results::finish(ExitStatus_e status, const std::string& macroFile, const standin::Host& host) {
-    if (m_notes != nullptr)
-        m_notes->tell(kEndNote, lineOf(endRecord(status, macroFile, newFindings(host, m_findings))));
-}
-
-std::string linesOfDeath(const CommandOutcome& outcome, ExitStatus_e status, const std::string& macroFile) {
-    const std::string command = outcome.addOnId.empty() ? "" : lineOf(commandRecord(outcome, Json::array()));
-    Json end = endRecord(status, macroFile, Json::array());
-    end["error"] = outcome.error;
-    return command + lineOf(end);
+std::string endLine(const std::string& macroFile, ExitStatus_e status, const std::vector<standin::Finding>& findings,
+                    const std::string& error) {
+    Json end = {{"macroFile", macroFile}, {"exitStatus", static_cast<int>(status)}, {"findings", listOf(findings)}};
+    if (!error.empty()) end["error"] = error;
+    return lineOf(end);
 }
 
 }  // namespace vexa::runner

@@ -14,7 +14,7 @@ std::string lineOf(const standin::RecordedCommand& recorded) { return recorded.a
 
 std::string quoted(const std::string& text) { return '"' + text + '"'; }
 
-// What the commands that were recorded are instead of `expected` alone; empty when they are just that.
+// How the recorded commands differ from `expected` alone; empty if they do not.
 std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, const std::string& expected) {
     if (commands.size() == 1 && lineOf(commands.front()) == expected) return "";
     if (commands.empty()) return "records nothing";
@@ -25,13 +25,13 @@ std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, 
     return "records " + lines;
 }
 
-// What goes wrong when it is run; empty when nothing does.
-std::string whyNotReplayable(standin::Host& host, const standin::RecordedCommand& recorded) {
+// Why the command cannot be played back; empty if it can.
+std::string whyNotReplayable(Session& session, const standin::RecordedCommand& recorded) {
     try {
         const standin::CommandResult result =
-            host.run(recorded.addOnId, recorded.command, recorded.recordedAt.macroLine);
+            session.run({recorded.recordedAt.macroLine, recorded.addOnId, recorded.command});
         if (!result.accepted) return "fails: " + joinedLines(withoutTrailingBlanks(result.error));
-        return differenceOf(host.recordedCommands(), lineOf(recorded));
+        return differenceOf(session.host().recordedCommands(), lineOf(recorded));
     } catch (const InvalidArgumentException&) {
         return "needs the add-on " + recorded.addOnId + ", which is not loaded";
     }
@@ -39,9 +39,9 @@ std::string whyNotReplayable(standin::Host& host, const standin::RecordedCommand
 
 }  // namespace
 
-std::optional<standin::Finding> replay(standin::Host& host, const standin::RecordedCommand& recorded) {
-    host.clearRecordedCommands();
-    const std::string reason = whyNotReplayable(host, recorded);
+std::optional<standin::Finding> replay(Session& session, const standin::RecordedCommand& recorded) {
+    session.host().clearRecordedCommands();
+    const std::string reason = whyNotReplayable(session, recorded);
     if (reason.empty()) return std::nullopt;
     standin::Finding finding;
     finding.rule = "recording-not-replayable";

@@ -1,7 +1,6 @@
 #include "session/RunOutputs.h"
 
 #include "formats/MacroText.h"
-#include "session/RunNotes.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {

@@ -12,40 +12,52 @@
 
 namespace vexa::runner {
 
-/// The recording and the journal of a run, which are kept as they come and each written as a whole when it is over, and
-/// the results, which are handed on at once.
+/// \name What a run tells the process that keeps its outputs
+/// @{
+inline constexpr char kRecordedNote = 'r';   ///< the lines of a recorded command
+inline constexpr char kJournaledNote = 'j';  ///< the lines of a journal entry
+inline constexpr char kResultNote = 'o';     ///< a line of the results
+inline constexpr char kEndNote = 'e';        ///< the last line of the results
+inline constexpr char kBeganNote = 'b';      ///< commands run from now on
+inline constexpr char kWriteNote = 'w';      ///< asks to write the outputs; answer: kWritten and a summary, or empty
+/// @}
+
+inline constexpr char kWritten = 'y';
+
+/// The outputs of a run. It keeps the recording and the journal until the run is over, and then writes each of them as
+/// a whole. It hands on the lines of the results at once.
 ///
-/// It is its own notes: what a run in this process tells goes here, and so does what a run in another one sends.
+/// It gets the notes of a run in this process, and of one in another process.
 /// Threads: tell() and ask() are safe from any.
 class RunOutputs : public NotesInterface {
 public:
     /// \param results gets each line of the results.
     explicit RunOutputs(std::function<void(std::string_view)> results) : m_results(std::move(results)) {}
 
-    /// Keeps the last line of the results back until tellEnd(), for a run that may still come to another end.
+    /// Keeps the last line of the results back until tellEnd(), for a run that may still end in another way.
     void keepEndBack() { m_keepsEndBack = true; }
     void tellEnd() { m_results(m_end); }
 
-    /// Makes sure that the files asked for can be written.
+    /// Checks that the files asked for can be written.
     /// \throws OutputError
     void open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile);
 
     void tell(char kind, std::string_view text) override;
     std::string ask(char kind, std::string_view text) override;
 
-    /// Writes the recording and the journal of a run that ended before it had them written. They stay as they were when
-    /// no command began.
-    /// \return whether all was written; what is wrong was told.
+    /// Writes the recording and the journal of a run that ended before it asked for that.
+    /// If no command began, the files stay as they were.
+    /// \return whether all was written; errors were printed.
     bool writeWhatIsLeft();
 
 private:
-    /// A file, and what it is to hold.
+    /// A file, and the text for it.
     struct Output {
         Output(const std::string& path, std::string head, const char* itsHow)
             : file(path), text(std::move(head)), how(itsHow) {}
         WholeOutput file;
-        std::string text;  // its head, and what came
-        const char* how;   // what is done with what comes
+        std::string text;  // the head of the file, and the lines so far
+        const char* how;   // "recorded" or "journaled"
         std::size_t count = 0;
     };
 
@@ -58,7 +70,7 @@ private:
     std::string m_end;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
-    bool m_isLeft = false;  // commands began, and what they recorded is still to be written
+    bool m_isLeft = false;  // commands began, and their outputs are not written yet
 };
 
 }  // namespace vexa::runner

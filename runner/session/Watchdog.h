@@ -9,19 +9,20 @@
 
 namespace vexa::runner {
 
-/// Ends the program when something takes too long.
+/// Ends the program if something takes too long.
 ///
 ///     Watchdog watchdog([&] { tell(...); _exit(4); });
-///     const WatchedTime time(watchdog, 2s);
+///     watchdog.start(2s);
 ///     host.run("STATS", "MEAN");
+///     watchdog.stop();
 ///
 /// Threads: start() and stop() are called from one thread.
 class Watchdog {
 public:
     using Seconds = std::chrono::duration<double>;
 
-    /// \param endProgram called when the time is over, on a thread that gets no signals. It must not return. Whoever
-    ///        calls stop() meanwhile waits for ever: nothing else goes on.
+    /// \param endProgram is called when the time is over, on a thread that gets no signals. It must not return. Calls
+    ///        of stop() wait for ever meanwhile.
     explicit Watchdog(std::function<void()> endProgram);
     Watchdog(const Watchdog&) = delete;
     Watchdog& operator=(const Watchdog&) = delete;
@@ -38,21 +39,9 @@ private:
     std::function<void()> m_endProgram;
     std::mutex m_guard;
     std::condition_variable m_news;
-    std::optional<Clock::time_point> m_deadline;  // nothing to watch without one
+    std::optional<Clock::time_point> m_deadline;  // none while nothing is watched
     bool m_isEnding = false;
     std::thread m_thread;
-};
-
-/// The time that a watchdog watches: it ends with this.
-class WatchedTime {
-public:
-    WatchedTime(Watchdog& watchdog, Watchdog::Seconds limit) : m_watchdog(watchdog) { watchdog.start(limit); }
-    WatchedTime(const WatchedTime&) = delete;
-    WatchedTime& operator=(const WatchedTime&) = delete;
-    ~WatchedTime() { m_watchdog.stop(); }
-
-private:
-    Watchdog& m_watchdog;
 };
 
 }  // namespace vexa::runner

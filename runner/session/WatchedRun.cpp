@@ -9,8 +9,7 @@
 #include <memory>
 
 #include "formats/ResultsFile.h"
-#include "session/FindingTeller.h"
-#include "session/RunNotes.h"
+#include "session/FindingPrinter.h"
 #include "session/watch/Death.h"
 #include "session/watch/LastWords.h"
 #include "session/watch/UserWork.h"
@@ -27,7 +26,7 @@ bool isBroken(int descriptor) {
     return poll(&polled, 1, 0) > 0 && (polled.revents & POLLERR) != 0;
 }
 
-// Nobody reads what is printed any more, which ends a program that prints.
+// Whether SIGPIPE ended the process: nobody reads what the program prints any more.
 bool endedForWantOfReaders(const ProcessOutcome& outcome) {
     const bool isPipe = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGPIPE;
     return isPipe && (isBroken(STDOUT_FILENO) || isBroken(STDERR_FILENO));
@@ -37,30 +36,33 @@ std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
     return options.json ? std::make_unique<LiveFile>(*options.json) : nullptr;
 }
 
-// The one run of a program, which prints where the program does.
+// The run of a program that runs one macro file. It prints where the program prints.
 class OneRun : public UserWork {
 public:
     explicit OneRun(const RunOptions& options)
-        : m_options(options), m_results(openResults(options)), m_run(options, options.macroFile, [this](auto lines) {
+        : m_options(options), m_results(openResults(options)), m_run(options, [this](auto lines) {
               if (m_results) m_results->append(lines);
           }) {
-        m_run.open();
+        m_run.outputs().open(options.record, options.journal);
     }
 
     ExitStatus_e execute() {
-        if (m_options.inProcess || isTraced()) return close(runHere());
-        const AwaitedSignals signals;
-        m_run.outputs().keepEndBack();
-        runInProcesses(signals, 1, settingOf(m_options), *this);
-        return close(m_status);
+        if (m_options.inProcess || isTraced()) {
+            const auto box = std::make_unique<ProcessBox>();
+            m_status = runMacro(m_options, *box, m_run.outputs());
+        } else {
+            const AwaitedSignals signals;
+            m_run.outputs().keepEndBack();
+            runInProcesses(signals, 1, settingOf(m_options), *this);
+        }
+        if (m_results) m_results->close();
+        return m_status;
     }
 
     int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
         return static_cast<int>(runMacro(m_options, box, notes));
     }
-    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
-        m_run.take(message, process);
-    }
+    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return &m_run.outputs(); }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
         if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
@@ -69,28 +71,13 @@ public:
     }
 
 private:
-    ExitStatus_e runHere() {
-        const auto box = std::make_unique<ProcessBox>();
-        return runMacro(m_options, *box, m_run.outputs());
-    }
-
-    ExitStatus_e close(ExitStatus_e status) {
-        try {
-            if (m_results) m_results->close();
-            return status;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return ExitStatus_e::BadUsageOrInput;
-        }
-    }
-
     const RunOptions& m_options;
     std::unique_ptr<LiveFile> m_results;
     WatchedRun m_run;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 
-// A process of the background cannot read from the terminal, so a macro that is typed is read here.
+// The process of the run is in the background and cannot read from the terminal, so this process reads a typed macro.
 void readTypedMacro(const RunOptions& options) {
     if (options.macroFile != "-" || isatty(STDIN_FILENO) == 0) return;
     const MemoryFile file(readStandardInput());
@@ -100,18 +87,10 @@ void readTypedMacro(const RunOptions& options) {
 
 }  // namespace
 
-void WatchedRun::take(const Message& message, RunningProcessInterface& process) {
-    if (message.kind == kWriteNote) {
-        process.answer(m_outputs.ask(message.kind, message.text));
-    } else {
-        m_outputs.tell(message.kind, message.text);
-    }
-}
-
 ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
-        tellFinding(lateFinding(box));
+        printFinding(lateFinding(box));
         return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
     }
     if (outcome.end == End_e::Died) {
@@ -123,18 +102,18 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
         m_outputs.tellEnd();
         return static_cast<ExitStatus_e>(outcome.status);
     }
-    tell(m_macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
+    tell(m_options.macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
     return conclude(box, ExitStatus_e::BadUsageOrInput, "part of what the run told was lost");
 }
 
 ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {
     const bool isWritten = m_outputs.writeWhatIsLeft();
     if (m_options.json) {
-        const std::chrono::duration<double> seconds = box.sinceEntered();
-        const bool isCommand = box.isInAddOn;
-        m_results(linesOfDeath(
-            {box.place.text(), isCommand ? box.addOnId.text() : "", box.work.text(), false, error, seconds.count()},
-            status, m_macroFile));
+        const MacroCommand command = {box.place.text(), box.addOnId.text(), box.work.text()};
+        const bool isInCommand = box.isInAddOn && !command.addOnId.empty();
+        if (isInCommand) m_outputs.tell(kResultNote, resultLine(command, {false, error}, box.sinceEntered(), {}));
+        m_outputs.tell(kEndNote, endLine(m_options.macroFile, status, {}, error));
+        m_outputs.tellEnd();
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;
 }
@@ -147,13 +126,8 @@ ProcessSetting settingOf(const RunOptions& options) {
 }
 
 ExitStatus_e runOneMacro(const RunOptions& options) {
-    try {
-        readTypedMacro(options);
-        return OneRun(options).execute();
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
-    }
+    readTypedMacro(options);
+    return OneRun(options).execute();
 }
 
 }  // namespace vexa::runner

@@ -20,7 +20,7 @@ constexpr const char* kErrorColour = "\033[1;31m";
 constexpr const char* kWarningColour = "\033[1;33m";
 constexpr const char* kUsualColour = "\033[0m";
 
-// The standard error output is the process's, so what stands in for it is, too.
+// The process has one standard error output, and every message of the program goes through here.
 std::atomic<MessageSinkInterface*> theSink{nullptr};
 
 std::string withFollowingLinesIndented(std::string_view text) {
@@ -60,15 +60,13 @@ void tellLines(std::string_view place, std::string_view lines) {
 }
 
 void passOn(const std::string& lines) {
-    if (MessageSinkInterface* const sink = theSink) return sink->putMessage(lines);
+    if (MessageSinkInterface* const sink = theSink) return sink->tell(lines);
     // Add-ons print through the same buffer: a terminal, or a log of both outputs, shows things in their order.
     std::fflush(stdout);
     std::fputs(lines.c_str(), stderr);
 }
 
-MessagesGoTo::MessagesGoTo(MessageSinkInterface& sink) { theSink = &sink; }
-
-MessagesGoTo::~MessagesGoTo() { theSink = nullptr; }
+void setMessageSink(MessageSinkInterface* sink) { theSink = sink; }
 
 void print(std::string_view text) { std::fputs(printable(text).c_str(), stdout); }
 

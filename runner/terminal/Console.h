@@ -31,27 +31,20 @@ void tellLines(std::string_view place, std::string_view lines);
 /// already, and what its add-ons printed is theirs. They stay as they are.
 void passOn(const std::string& lines);
 
-/// Takes messages in place of the standard error output.
+/// Gets messages in the place of the standard error output.
 class MessageSinkInterface {
 public:
     MessageSinkInterface() = default;
     MessageSinkInterface(const MessageSinkInterface&) = delete;
     MessageSinkInterface& operator=(const MessageSinkInterface&) = delete;
-    /// Puts out \p lines, which are complete, after all that was printed so far. Called from any thread.
-    virtual void putMessage(const std::string& lines) = 0;
+    virtual ~MessageSinkInterface() = default;
 
-protected:
-    ~MessageSinkInterface() = default;
+    /// Shows \p lines after all that was printed so far. May be called from any thread.
+    virtual void tell(const std::string& lines) = 0;
 };
 
-/// While it lives, messages go to a sink. There is one at a time.
-class MessagesGoTo {
-public:
-    explicit MessagesGoTo(MessageSinkInterface& sink);
-    MessagesGoTo(const MessagesGoTo&) = delete;
-    MessagesGoTo& operator=(const MessagesGoTo&) = delete;
-    ~MessagesGoTo();
-};
+/// Sends messages to \p sink from now on; null for the standard error output, which is where they go at first.
+void setMessageSink(MessageSinkInterface* sink);
 
 /// Puts \p text on the standard output.
 void print(std::string_view text);

@@ -5,13 +5,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <utility>
 
 #include "system/LastError.h"
-#include "system/files/Descriptor.h"
 #include "system/processes/BlockedSignals.h"
 #include "terminal/Terminal.h"
 
@@ -19,9 +17,6 @@ namespace vexa::runner {
 namespace {
 
 constexpr int kWatchInterval = 100;  // milliseconds
-
-// The terminal is the process's, so here is what belongs to the process.
-std::atomic<Screen*> theScreen{nullptr};
 
 }  // namespace
 
@@ -31,15 +26,13 @@ Screen::Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
     if (isTerminal(STDOUT_FILENO)) m_relay.emplace();
     const BlockedSignals blocked;
     m_watcher = std::thread([this] { watch(); });
-    theScreen = this;
-    m_messages.emplace(*this);
+    setMessageSink(this);
 }
 
 Screen::~Screen() {
     // While the watcher still makes room in the pipe.
     std::fflush(stdout);
-    m_messages.reset();
-    theScreen = nullptr;
+    setMessageSink(nullptr);
     const std::uint64_t wakes = 1;
     static_cast<void>(!write(m_wakeUp, &wakes, sizeof wakes));
     m_watcher.join();
@@ -47,9 +40,7 @@ Screen::~Screen() {
     m_status.clear();
 }
 
-Screen* Screen::current() { return theScreen; }
-
-void Screen::putMessage(const std::string& lines) {
+void Screen::tell(const std::string& lines) {
     // Not under the guard: it waits for the watcher when the pipe is full.
     std::fflush(stdout);
     const std::lock_guard<std::mutex> lock(m_guard);
@@ -67,10 +58,6 @@ void Screen::show(const standin::StatusLine& line) {
     if (line.active && !m_status.isDrawn() && m_relay && m_relay->isWithinLine()) m_relay->pass("\n");
     m_status.show(line);
     passOn();
-}
-
-void Screen::clearAtOnce() const {
-    if (m_status.isDrawn()) writeAll(STDERR_FILENO, kClearLine);
 }
 
 void Screen::leave() {
@@ -92,7 +79,7 @@ void Screen::watch() {
     }
 }
 
-// Where a line is begun by what is passed on, the status line is not up.
+// Partial lines pass through only while the status line is hidden.
 void Screen::passOn() {
     if (!m_relay) return;
     const std::string printed = m_relay->take(m_status.isUp());

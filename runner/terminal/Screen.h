@@ -14,7 +14,8 @@
 
 namespace vexa::runner {
 
-/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print.
+/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print. While it
+/// lives, it is the sink of messages.
 ///
 /// What the add-ons print comes through a relay when it goes to a terminal, too; a thread of the screen passes it on,
 /// and draws what was not due before.
@@ -26,17 +27,11 @@ public:
     /// \param isDrawn    tells whether the status line is drawn, also after the process has died
     Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
     /// Takes the status line down, and puts out what was held back.
-    ~Screen();
+    ~Screen() override;
 
-    /// The screen there is, or null.
-    static Screen* current();
-
-    void putMessage(const std::string& lines) override;
+    void tell(const std::string& lines) override;
     /// Shows the status line as it is now.
     void show(const standin::StatusLine& line);
-    /// Clears the status line from a program that is about to end. May be called from a signal handler.
-    void clearAtOnce() const;
-
     /// Leaves the terminal to a program that ends without destroying the screen: puts out what was held back, and takes
     /// the status line down. Whoever shows something from now on waits for ever.
     void leave();
@@ -50,7 +45,6 @@ private:
     std::optional<StdoutRelay> m_relay;
     int m_wakeUp;
     std::thread m_watcher;
-    std::optional<MessagesGoTo> m_messages;
 };
 
 }  // namespace vexa::runner

@@ -1,15 +1,18 @@
 #include "terminal/StopButton.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 
+#include "system/files/Descriptor.h"
 #include "system/processes/IgnoredSignal.h"
-#include "terminal/Screen.h"
+#include "terminal/Terminal.h"
 
 namespace vexa::runner {
 namespace {
 
-// A signal handler gets nothing but the signal's number, so here is the one it is for.
+// A signal handler gets nothing but the number of the signal.
 std::atomic<StopButton*> theButton{nullptr};
 
 static_assert(std::atomic<void*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
@@ -61,8 +64,8 @@ void StopButton::interrupt() {
 }
 
 // The signal comes again when its handler ends, and then finds the default action: so the shell sees what happened.
-void StopButton::endProgram() {
-    if (const Screen* const screen = Screen::current()) screen->clearAtOnce();
+void StopButton::endProgram() const {
+    if (m_isStatusDrawn) writeAll(STDERR_FILENO, kClearLine);
     std::signal(SIGINT, SIG_DFL);
     std::raise(SIGINT);
 }

@@ -13,7 +13,8 @@ namespace vexa::runner {
 class StopButton {
 public:
     /// SIGINT keeps its meaning until install().
-    StopButton() = default;
+    /// \param isStatusDrawn whether the status line is drawn, and so is to be cleared when the program ends.
+    explicit StopButton(const std::atomic<bool>& isStatusDrawn) : m_isStatusDrawn(isStatusDrawn) {}
     StopButton(const StopButton&) = delete;
     StopButton& operator=(const StopButton&) = delete;
     /// Gives SIGINT its meaning back.
@@ -33,8 +34,9 @@ public:
 private:
     static void onSignal(int signal);
     void interrupt();
-    static void endProgram();
+    void endProgram() const;
 
+    const std::atomic<bool>& m_isStatusDrawn;
     std::atomic<standin::Host*> m_host{nullptr};  // null: not armed
     std::atomic<bool> m_isPressed{false};
     bool m_isInstalled = false;

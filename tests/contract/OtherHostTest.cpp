@@ -103,7 +103,7 @@ TEST(OtherHost, GivesAFindingForALockThatIsNotGivenBack) {
     host.call<F::VexaUtilLockStart>(&host.identity);
     host.finish();
     EXPECT_EQ(host.findings(),
-              Lines{"unbalanced-lock: the command ended without VexaUtilLockFinish after VexaUtilLockStart"});
+              Lines{"unbalanced-lock: VexaUtilLockStart has no matching VexaUtilLockFinish in the command"});
 }
 
 TEST(OtherHost, GivesAFindingForAPercentageOutOfRange) {
@@ -120,8 +120,9 @@ TEST(OtherHost, GivesAFindingForAHandleUsedAfterItWasFreed) {
     ArgList_s* handle = &host.argList;
     host.call<F::VexaUtilArgListDealloc>(&handle);
     host.call<F::VexaUtilArgListClear>(&host.argList);
-    EXPECT_EQ(host.findings(), Lines{"use-after-free: VexaUtilArgListClear was given arglist#1, freed by call 2 of "
-                                     "VexaUtilArgListDealloc"});
+    EXPECT_EQ(host.findings(),
+              Lines{"use-after-free: VexaUtilArgListClear was given arglist#1, which was already freed by call 2 of "
+                    "VexaUtilArgListDealloc"});
 }
 
 TEST(OtherHost, GivesAFindingForAMutexUnlockedThatIsNotLocked) {
@@ -136,7 +137,7 @@ TEST(OtherHost, GivesAFindingForAStringThatItSeesOverrun) {
     host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
     host.stringState = {4, false, false};
     host.finish(false, host.string);
-    EXPECT_EQ(host.findings(), Lines{"string-overrun: string#1 has 4 bytes, but more was written to it"});
+    EXPECT_EQ(host.findings(), Lines{"string-overrun: string#1 has 4 bytes, but more bytes were written to it"});
 }
 
 TEST(OtherHost, GivesAFindingForAnErrorMessageThatItSeesUnterminated) {

@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    // A report: where it goes, and what makes its text.
+    // A report: its file, and the function that makes its text.
     struct ReportFile {
         using Text = std::string (*)(const CheckReport& report);
         ReportFile(const std::string& path, Text textOf) : output(path), text(textOf) {}
@@ -71,7 +71,11 @@ private:
         Text text;
     };
 
-    bool prepare() { return addProjectFile(m_contract) && isThere() && findReports() && readStyle(); }
+    bool prepare() {
+        if (!addProjectFile(m_contract) || !isThere()) return false;
+        findReports();
+        return readStyle();
+    }
 
     bool isThere() const {
         std::error_code error;
@@ -80,23 +84,17 @@ private:
         return exists;
     }
 
-    // Looked at now, so that nobody waits for a report that cannot be written.
-    bool findReports() {
+    // Done before the tests, so that nobody waits for a report that cannot be written.
+    void findReports() {
         m_files.read(m_options.addOn);
         m_files.read(m_options.others);
         m_files.read(m_options.macros);
         m_files.read(m_options.style);
         m_files.read(m_contract.projectFile);
-        try {
-            for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
-            if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
-            if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
-            if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
+        for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
+        if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
+        if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
+        if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
     }
 
     bool readStyle() {
@@ -108,9 +106,9 @@ private:
 
     void configure() {
         constexpr std::chrono::duration<double> kTimeout(10);
-        m_subject.addOn = m_options.addOn;
-        m_subject.others = m_options.others;
-        m_subject.suppressed = m_contract.suppressed;
+        m_subject.options.addOns = m_options.others;
+        m_subject.options.addOns.insert(m_subject.options.addOns.begin(), m_options.addOn);
+        m_subject.options.contract.suppressed = m_contract.suppressed;
         m_subject.seed = m_options.seed.value_or(newSeed());
         m_subject.time = millisecondsOf(std::chrono::duration<double>(m_options.time));
         m_setting.inProcess = m_options.inProcess;
@@ -125,7 +123,7 @@ private:
         return std::chrono::ceil<milliseconds>(time);
     }
 
-    // Nothing is loaded here, so a test tells the ids under which macros address the add-ons.
+    // This process loads no add-on, so the test reports the ids of the add-ons.
     void loadFirst() {
         const TestResult result = runTest(*m_loadTest, m_subject, m_setting);
         m_addOnIds = {result.addOnIds.begin(), result.addOnIds.end()};
@@ -139,9 +137,7 @@ private:
             const MacroFile macro = readMacroFile(path, m_addOnIds);
             for (const std::string& problem : macro.problems) tell(problem);
             isReadable &= macro.problems.empty();
-            for (const MacroCommand& command : macro.commands) {
-                m_subject.steps.push_back({macro.place(command.line), command.addOnId, command.text});
-            }
+            m_subject.steps.insert(m_subject.steps.end(), macro.commands.begin(), macro.commands.end());
         }
         return isReadable;
     }
@@ -152,7 +148,7 @@ private:
         return std::find(only.begin(), only.end(), test.name) != only.end();
     }
 
-    // Why a test is skipped; empty when it is not.
+    // Why a test is skipped; empty if it runs.
     std::string whyNot(const CheckTest& test) const {
         if (test.needs == Needs_e::File) return "";
         if (m_addOnIds.empty()) return "the add-on cannot be loaded";
@@ -204,7 +200,7 @@ private:
                std::to_string(m_options.level);
     }
 
-    // Returns where the macro is; empty when it could not be written.
+    // Returns the path of the macro; empty if it cannot be written.
     std::string writeMacro(const TestResult& result) {
         const std::string name = std::string("vexa-standin-check-") + result.test->name + ".macro";
         std::string path = (std::filesystem::path(m_options.folder) / name).lexically_normal();
@@ -220,23 +216,13 @@ private:
     }
 
     ExitStatus_e conclude() {
-        const bool written = writeReports();
         const bool passed = isPassed(m_report);
         const std::string causes = m_causes.summary();
         if (!causes.empty()) std::printf("%s\n", causes.c_str());
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
-        if (!written || m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
+        for (ReportFile& report : m_reports) report.output.replace(report.text(m_report));
+        if (m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
         return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
-    }
-
-    bool writeReports() {
-        try {
-            for (ReportFile& report : m_reports) report.output.replace(report.text(m_report));
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
     }
 
     const CheckTest* m_loadTest = findCheckTest("load");

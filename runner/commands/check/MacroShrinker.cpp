@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <exception>
 #include <set>
-#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "commands/check/trial/Confinement.h"
 #include "commands/check/trial/FreeRun.h"
 #include "commands/check/trial/MacroLine.h"
+#include "text/Lines.h"
 
 namespace vexa::runner {
 namespace {
@@ -23,13 +23,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds kTimeForAll = std::chrono::seconds(30);
 constexpr milliseconds kTimeForATry = std::chrono::seconds(1);  // for commands that took long before, and do again
 
-std::vector<MacroStep> stepsOf(const std::string& macro) {
-    std::vector<MacroStep> steps;
-    std::istringstream lines(macro);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t idEnd = line.find(' ');
-        if (idEnd != std::string::npos) steps.push_back({"", line.substr(0, idEnd), line.substr(idEnd + 1)});
-    }
+std::vector<MacroCommand> stepsOf(const std::string& macro) {
+    std::vector<MacroCommand> steps;
+    for (const std::string& line : linesOf(macro)) steps.push_back(commandOfLine(line));
     return steps;
 }
 
@@ -45,42 +41,43 @@ std::string brokenRules(const std::vector<standin::Finding>& findings) {
 
 class Shrinker {
 public:
-    Shrinker(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout, std::vector<MacroStep> steps)
+    Shrinker(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout,
+             std::vector<MacroCommand> steps)
         : m_signals(signals), m_subject(subject), m_timeout(timeout), m_steps(std::move(steps)) {}
 
-    std::vector<MacroStep> shrink() {
-        std::vector<MacroStep> whole = m_steps;
+    std::vector<MacroCommand> shrink() {
+        std::vector<MacroCommand> whole = m_steps;
         m_symptom = symptomOf(whole, m_timeout);
         if (m_symptom.empty()) return whole;
         dropSteps();
         for (std::size_t i = m_steps.size(); i-- > 0;) shortenStep(i);
-        // A hang was taken for granted sooner than it is told to users.
+        // The tries had a shorter time limit than users get.
         return symptomOf(m_steps, m_timeout) == m_symptom ? m_steps : whole;
     }
 
 private:
-    // What the commands do wrong, in a word; empty when it is nothing.
-    std::string symptomOf(const std::vector<MacroStep>& steps, milliseconds timeout) const {
+    // The error that the commands show, in a word; empty for none.
+    std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
         const ProcessEnd end = runWatched(m_signals, *m_box, timeout, [&] { return verdictOn(steps); });
-        if (end.timedOut) return "hangs";
+        if (end.hasTimedOut()) return "hangs";
         if (WIFSIGNALED(end.waitStatus)) return "signal " + std::to_string(WTERMSIG(end.waitStatus));
         if (!end.verdict) return "exit " + std::to_string(WEXITSTATUS(end.waitStatus));
         return end.verdict->reason;
     }
 
     // In the process of a try.
-    Verdict verdictOn(const std::vector<MacroStep>& steps) const {
+    Verdict verdictOn(const std::vector<MacroCommand>& steps) const {
         try {
             if (m_subject.confinement != nullptr) m_subject.confinement->enter();
             Trial trial(m_subject, *m_box);
             return {Outcome_e::Passed, brokenRules(findingsOf(trial, steps))};
-        } catch (const std::exception&) {  // it is not the add-on that is at fault
+        } catch (const std::exception&) {  // not an error of the add-on
             return {};
         }
     }
 
-    // Takes what shows the same as the whole.
-    bool takeIfSame(std::vector<MacroStep> smaller) {
+    // Takes `smaller` if it shows the same as the whole.
+    bool takeIfSame(std::vector<MacroCommand> smaller) {
         if (BlackBox::Clock::now() > m_end) return false;
         if (symptomOf(smaller, std::min(m_timeout, kTimeForATry)) != m_symptom) return false;
         m_steps = std::move(smaller);
@@ -90,13 +87,13 @@ private:
     void dropSteps() {
         if (m_steps.size() < 2 || takeIfSame({m_steps.back()})) return;
         for (std::size_t i = m_steps.size() - 1; i-- > 0;) {
-            std::vector<MacroStep> fewer = m_steps;
+            std::vector<MacroCommand> fewer = m_steps;
             fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
             takeIfSame(std::move(fewer));
         }
     }
 
-    // Cuts out pieces, large ones first, until no byte can be left out.
+    // Removes pieces, large ones first, until no byte can be removed.
     void shortenStep(std::size_t index) {
         const auto text = [&]() -> const std::string& { return m_steps[index].text; };
         for (std::size_t size = text().size(); size > 0; size = size == 1 ? 0 : (size + 1) / 2) {
@@ -116,7 +113,7 @@ private:
     }
 
     bool cut(std::size_t index, std::size_t at, std::size_t size) {
-        std::vector<MacroStep> shorter = m_steps;
+        std::vector<MacroCommand> shorter = m_steps;
         shorter[index].text.erase(at, size);
         return fitsMacroLine(shorter[index].text) && takeIfSame(std::move(shorter));
     }
@@ -124,7 +121,7 @@ private:
     const AwaitedSignals& m_signals;
     const Subject& m_subject;
     milliseconds m_timeout;
-    std::vector<MacroStep> m_steps;
+    std::vector<MacroCommand> m_steps;
     std::string m_symptom;
     SharedMemory<BlackBox> m_box;
     BlackBox::Clock::time_point m_end = BlackBox::Clock::now() + kTimeForAll;

@@ -8,13 +8,13 @@
 
 namespace vexa::runner {
 
-/// Makes a macro that shows something smaller, as long as it shows the same: a crash by the same signal, a hang, or
-/// breaches of the same rules. Each try is a process of its own, for the add-on may take it down.
-/// \param macro   as from macroOf().
-/// \param timeout for each command.
-/// \return \p macro itself when it does not show a thing by itself, or when there is nothing smaller.
-/// \throws std::system_error when there cannot be another process.
-/// \throws EndedBySignal when one of \p signals came that ends the program.
+/// Makes a macro smaller that shows an error. The smaller macro shows the same: a crash by the same signal, a hang, or
+/// breaches of the same rules. Each try runs in a process of its own, because the add-on may end it.
+/// \param macro   comes from macroOf().
+/// \param timeout is for each command.
+/// \return \p macro itself if it shows no error by itself, or cannot be made smaller.
+/// \throws std::system_error if a process cannot be started.
+/// \throws EndedBySignal if one of \p signals came that ends the program.
 std::string shrunkMacro(const AwaitedSignals& signals, const Subject& subject, std::chrono::milliseconds timeout,
                         const std::string& macro);
 

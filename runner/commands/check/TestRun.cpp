@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -30,7 +31,7 @@ std::string whatWasTried(const BlackBox& box) {
     return tried.empty() ? "" : "tried: " + tried;
 }
 
-// In the test's process: how the test comes out, if the process lives to tell.
+// In the process of the test: its verdict, if the process lives so long.
 Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     Trial trial(subject, box);
     const auto failed = [&](const std::string& reason, std::string macro) {
@@ -78,10 +79,10 @@ std::string lastLinesOf(const std::string& output) {
 }
 
 std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
-    if (end.timedOut && end.verdict) return "its process did not end";
-    if (end.timedOut && box.isInAddOn) return "the add-on did not return within " + secondsText(timeout);
-    if (end.timedOut) return "the test did not go on";
-    if (end.hasLeft) return "its outcome could not be told: the add-on closed files that are not its own";
+    if (end.hasTimedOut() && end.verdict) return "its process did not end";
+    if (end.hasTimedOut() && box.isInAddOn) return "the add-on did not return within " + secondsText(timeout);
+    if (end.hasTimedOut()) return "the test did not go on";
+    if (end.hasLeft()) return "its outcome could not be told: the add-on closed files that are not its own";
     if (WIFSIGNALED(end.waitStatus)) {
         const int number = WTERMSIG(end.waitStatus);
         const char* const name = sigabbrev_np(number);
@@ -90,17 +91,17 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
     return "the add-on ended the process, with status " + std::to_string(WEXITSTATUS(end.waitStatus));
 }
 
-bool isWell(const ProcessEnd& end) { return end.hasLeft && end.verdict; }
+bool isWell(const ProcessEnd& end) { return end.hasLeft() && end.verdict; }
 
-// In the process that watches: the verdict, if the process lived to tell it.
+// In the process that watches: the verdict of the test, or else one about how its process ended.
 Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
     if (isPassed) return *end.verdict;
     Verdict verdict = isWell(end) ? *end.verdict
-                                  : Verdict{end.timedOut ? Outcome_e::TimedOut : Outcome_e::Crashed,
+                                  : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
                                             howItEnded(end, box, timeout) + '\n' + whatRan(box), box.macro.text()};
     if (box.wantedMemory) addLine(verdict.reason, "the process ran out of memory on the way");
-    addLine(verdict.reason, lastLinesOf(end.output));
+    addLine(verdict.reason, lastLinesOf(end.out.text));
     return verdict;
 }
 
@@ -114,18 +115,18 @@ void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& se
 
 Verdict runTame(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
     const auto task = [&] { return verdictOf(test, subject, box); };
-    return setting.inProcess ? task()
-                             : judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    if (!setting.inProcess) return judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    const auto process = std::make_unique<ProcessBox>();
+    box.process = process.get();
+    return task();
 }
 
 Subject withAbsoluteFiles(Subject subject) {
-    const auto makeAbsolute = [](std::string& file) { file = std::filesystem::absolute(file); };
-    makeAbsolute(subject.addOn);
-    for (std::string& other : subject.others) makeAbsolute(other);
+    for (std::string& file : subject.options.addOns) file = std::filesystem::absolute(file);
     return subject;
 }
 
-// In the test's process, whose commands may be anything.
+// In the process of a test whose commands may be any text.
 Verdict confinedVerdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     try {
         subject.confinement->enter();

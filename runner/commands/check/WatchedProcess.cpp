@@ -5,47 +5,24 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <new>
 
 #include "session/watch/Death.h"
 #include "session/watch/LastWords.h"
-#include "session/watch/Processes.h"
 
 namespace vexa::runner {
 namespace {
 
 constexpr std::chrono::seconds kTimeToLeave{5};  // from the verdict to the end of the process
 constexpr std::size_t kOutputKept = 4096;
-constexpr char kVerdictNote = 'v';
+constexpr char kReasonNote = 'r';
+constexpr char kMacroNote = 'm';
+constexpr char kOutcomeNote = 'o';  // a digit; it comes last, so it makes the verdict whole
 constexpr rlim_t kMemory = rlim_t{4} << 30;
-constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // they reserve more addresses than any program needs
+constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // sanitizers reserve more addresses than any program needs
 
-// How a verdict is told: this, and its two texts.
-struct VerdictHead {
-    std::uint64_t outcome;
-    std::uint64_t reasonSize;
-};
-
-std::string textOf(const Verdict& verdict) {
-    const VerdictHead head = {static_cast<std::uint64_t>(verdict.outcome), verdict.reason.size()};
-    return std::string(reinterpret_cast<const char*>(&head), sizeof head) + verdict.reason + verdict.macro;
-}
-
-std::optional<Verdict> verdictOf(const std::string& text) {
-    VerdictHead head{};
-    if (text.size() < sizeof head) return std::nullopt;
-    std::memcpy(&head, text.data(), sizeof head);
-    const bool isVerdict =
-        head.outcome <= static_cast<std::uint64_t>(Outcome_e::TimedOut) && head.reasonSize <= text.size() - sizeof head;
-    if (!isVerdict) return std::nullopt;
-    return Verdict{static_cast<Outcome_e>(head.outcome), text.substr(sizeof head, head.reasonSize),
-                   text.substr(sizeof head + head.reasonSize)};
-}
-
-BlackBox* boxOfThisProcess = nullptr;  // a new-handler is given nothing
+BlackBox* boxOfThisProcess = nullptr;  // a new-handler gets no argument
 
 [[noreturn]] void noteWantOfMemory() {
     boxOfThisProcess->wantedMemory = true;
@@ -68,7 +45,7 @@ void limitResources() {
     setrlimit(RLIMIT_AS, &memory);
 }
 
-class WatchedTest : public ProcessWorkInterface {
+class WatchedTest : public ProcessWorkInterface, private NotesInterface {
 public:
     WatchedTest(BlackBox& box, std::chrono::milliseconds timeout, const std::function<Verdict()>& work)
         : m_box(box), m_timeout(timeout), m_work(work) {}
@@ -80,18 +57,16 @@ public:
         m_box.process = &box;
         m_box.timeout = m_timeout;
         m_box.touch();
-        notes.tell(kVerdictNote, textOf(m_work()));
+        const Verdict verdict = m_work();
+        notes.tell(kReasonNote, verdict.reason);
+        notes.tell(kMacroNote, verdict.macro);
+        notes.tell(kOutcomeNote, std::to_string(static_cast<int>(verdict.outcome)));
         return 0;
     }
-    void take(std::size_t, const Message& message, RunningProcessInterface&) override {
-        if (message.kind == kVerdictNote) m_end.verdict = verdictOf(message.text);
-    }
+    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return this; }
     void end(std::size_t, const ProcessBox&, const ProcessOutcome& outcome) override {
         if (m_isStopAsked) throw EndedBySignal{SIGINT};
-        m_end.hasLeft = outcome.end == End_e::Left;
-        m_end.timedOut = outcome.end == End_e::TimedOut;
-        m_end.waitStatus = outcome.waitStatus;
-        m_end.output = outcome.out.text;
+        static_cast<ProcessOutcome&>(m_end) = outcome;
     }
     void stopAsked(std::size_t, const ProcessBox&) override { m_isStopAsked = true; }
     void killed(std::size_t, const ProcessBox&, int) override {}
@@ -99,9 +74,19 @@ public:
     const ProcessEnd& result() const { return m_end; }
 
 private:
+    void tell(char kind, std::string_view text) override {
+        if (kind == kReasonNote) m_told.reason = text;
+        if (kind == kMacroNote) m_told.macro = text;
+        if (kind != kOutcomeNote) return;
+        m_told.outcome = static_cast<Outcome_e>(text.front() - '0');
+        m_end.verdict = m_told;
+    }
+    std::string ask(char, std::string_view) override { return ""; }
+
     BlackBox& m_box;
     std::chrono::milliseconds m_timeout;
     const std::function<Verdict()>& m_work;
+    Verdict m_told;
     ProcessEnd m_end;
     bool m_isStopAsked = false;
 };

@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 constexpr int kMostKept = 1000;
 
-// The library takes functions, and nothing to hand to them.
+// The editing library calls plain functions, and passes them no object.
 std::vector<std::string> theWords;
 volatile std::sig_atomic_t isGivenUp = 0;
 

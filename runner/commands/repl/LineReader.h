@@ -6,19 +6,19 @@
 
 namespace vexa::runner {
 
-/// What the user types, line by line. In a terminal the line is edited, lines of before come back, from the last time,
-/// too, and the tabulator completes the first word and, behind it, names of files; Ctrl-C gives the line up. Where the
-/// program was built without that, and for what comes from elsewhere, lines are only read.
+/// Reads the lines that the user types. In a terminal the user can edit the line, bring back earlier lines, also of
+/// earlier sessions, and complete the first word and then names of files with the tabulator; Ctrl-C gives up the line.
+/// If the program was built without an editor, or the input is no terminal, lines are only read.
 class LineReader {
 public:
-    /// \param words those that a line may begin with
+    /// \param words the first words to complete
     explicit LineReader(std::vector<std::string> words);
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
-    /// Keeps the lines for the next time.
+    /// Saves the lines for the next session.
     ~LineReader();
 
-    /// The next line without its end; nothing at the end of them all.
+    /// The next line without its end; nothing at the end of the input.
     std::optional<std::string> next() const;
 
 private:

@@ -11,24 +11,18 @@
 #include <vector>
 
 #include "commands/repl/LineReader.h"
-#include "formats/MacroFile.h"
 #include "formats/MacroText.h"
 #include "formats/StyleFile.h"
 #include "options/CommonOptions.h"
 #include "options/Refusals.h"
-#include "session/AddOns.h"
 #include "session/FailureText.h"
-#include "session/FindingTeller.h"
-#include "session/RunNotes.h"
 #include "session/RunOutputs.h"
+#include "session/Session.h"
+#include "session/SessionView.h"
 #include "session/watch/Death.h"
 #include "session/watch/UserWork.h"
-#include "system/files/OutputTarget.h"
-#include "system/files/RunFiles.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
-#include "terminal/PlainStatus.h"
-#include "terminal/Screen.h"
 #include "terminal/StopButton.h"
 #include "terminal/Terminal.h"
 #include "text/Lines.h"
@@ -53,28 +47,22 @@ Exit status:
 constexpr const char* kQuit = "quit";
 constexpr const char* kHelp = "help";
 
-struct ReplOptions {
-    std::vector<std::string> addOns;
-    std::optional<std::string> style;
+struct ReplOptions : SessionOptions {
     std::optional<std::string> record;
-    bool inProcess = false;
 };
 
 constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
 constexpr char kLineRead = 'y';  // the answer's first character when there is a line
 
-// Runs the commands. What the user types comes from whoever is asked.
+// Runs the commands. It asks the notes for the lines that the user types.
 class Repl {
 public:
     Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
-        : m_options(options), m_box(box), m_notes(notes) {
-        m_host.setCallProgress(&box.calls);
-        m_host.setKeepsCalls(false);
+        : m_options(options), m_box(box), m_notes(notes), m_session(options, box) {
         m_host.setRecording(options.record.has_value());
         m_host.onRecorded(
             [&](const standin::RecordedCommand& command) { notes.tell(kRecordedNote, recordingLine(command)); });
-        m_host.onDialog([this](const std::string& text) { tell(m_place + ": dialog", text); });
-        m_host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
+        m_view.show(m_host, true);
     }
 
     ExitStatus_e execute() {
@@ -82,34 +70,33 @@ public:
         m_notes.tell(kBeganNote, "");
         readLines();
         const bool isWritten = !m_notes.ask(kWriteNote, "").empty();
-        const TimeInAddOn time(m_box, "", "", "unloading of the add-ons");
-        m_host.unloadAddOns();
-        m_plainStatus.conclude(true);
-        m_findings.tellNew();
+        m_session.unloadAddOns();
+        m_view.conclude(true);
+        m_view.printFindings();
         return isWritten ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
     }
 
 private:
     bool prepare() {
         if (m_options.style && !loadStyles(m_host, *m_options.style)) return false;
-        const bool allLoaded = loadAddOns(m_host, m_options.addOns, m_box);
-        m_plainStatus.conclude(allLoaded);
-        m_ids = loadedIds(m_host);
-        m_findings.tellNew();
+        const bool allLoaded = m_session.loadAddOns();
+        m_view.conclude(allLoaded);
+        m_ids = m_session.addOnIds();
+        m_view.printFindings();
         return allLoaded;
     }
 
     void readLines() {
         std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
         for (const std::string& id : m_ids) {
-            // What is completed is put on the terminal as it is.
+            // The terminal gets completed words unchanged.
             if (printableLine(id) == id) words += id + '\n';
         }
         for (;;) {
             std::fflush(stdout);
             const std::string answer = m_notes.ask(kLineNote, words);
             if (answer.empty()) return;
-            const MacroWords command = macroWords(answer.substr(1));
+            const MacroCommand command = commandOfLine(answer.substr(1));
             const bool isEnd = command.addOnId == kQuit && !isLoaded(kQuit);
             if (isEnd) return;
             if (!command.addOnId.empty()) obey(command);
@@ -118,7 +105,7 @@ private:
 
     bool isLoaded(const std::string& id) const { return m_ids.count(id) != 0; }
 
-    void obey(const MacroWords& command) {
+    void obey(const MacroCommand& command) {
         if (isLoaded(command.addOnId)) {
             if (command.text.empty()) return tell("a command of '" + command.addOnId + "' was expected after its name");
             run(command);
@@ -136,49 +123,38 @@ private:
         }
     }
 
-    // While it runs Ctrl-C is the stop button, and the status line is drawn.
-    void run(const MacroWords& command) {
-        m_place = command.addOnId;
+    // While it runs, Ctrl-C is the stop button and the status line is drawn.
+    void run(const MacroCommand& command) {
+        m_view.setPlace(command.addOnId);
         m_host.releaseStop();
-        StopButton stopButton;
+        StopButton stopButton(m_box.isStatusDrawn);
         stopButton.install();
         if (isTerminal(STDERR_FILENO)) {
-            m_screen.emplace([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);
+            m_view.drawStatus([&stopButton] { return stopButton.isPressed(); }, m_box.isStatusDrawn);
         }
         stopButton.arm(m_host);
-        const TimeInAddOn time(m_box, "", command.addOnId, command.text);
-        const standin::CommandResult result = m_host.run(command.addOnId, command.text);
-        m_screen.reset();
-        m_plainStatus.conclude(result.accepted);
-        m_place = kProgramName;
-        m_findings.tellNew();
+        const standin::CommandResult result = m_session.run(command);
+        m_view.stopDrawing();
+        m_view.conclude(result.accepted);
+        m_view.setPlace(kProgramName);
+        m_view.printFindings();
         if (!result.accepted) tell(command.addOnId, failureText(result));
-    }
-
-    void showStatus(const standin::StatusLine& line) {
-        if (m_screen) return m_screen->show(line);
-        m_plainStatus.show(m_place, line, m_host.isStopPressed());
     }
 
     const ReplOptions& m_options;
     ProcessBox& m_box;
     NotesInterface& m_notes;
     std::set<std::string> m_ids;
-    std::string m_place = kProgramName;
-    PlainStatus m_plainStatus;
-    std::optional<Screen> m_screen;
-    FindingTeller m_findings{m_host};
-    standin::Host m_host;  // last: while it is destroyed, its add-ons may still show dialogs
+    SessionView m_view;
+    Session m_session;  // last: while it is destroyed, its add-ons may still show dialogs
+    standin::Host& m_host = m_session.host();
 };
 
-// The user's side: reads what he types, and keeps the recording.
+// The side of the user: it reads the lines, and keeps the recording.
 class ReplDesk : public UserWork, private NotesInterface {
 public:
     explicit ReplDesk(const ReplOptions& options) : m_options(options) {
-        RunFiles files;
-        files.read(options.addOns);
-        files.read(options.style);
-        files.write(options.record);
+        inputsOf(options).write(options.record);
         m_outputs.open(options.record, std::nullopt);
     }
 
@@ -198,11 +174,7 @@ public:
     int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
         return static_cast<int>(Repl(m_options, box, notes).execute());
     }
-    void take(std::size_t, const Message& message, RunningProcessInterface& process) override {
-        const bool isAsked = message.kind == kLineNote || message.kind == kWriteNote;
-        if (isAsked) return process.answer(ask(message.kind, message.text));
-        tell(message.kind, message.text);
-    }
+    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return this; }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
         clearStatusOf(box);
         m_status = static_cast<ExitStatus_e>(outcome.status);
@@ -234,15 +206,6 @@ private:
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 
-ExitStatus_e runRepl(const ReplOptions& options) {
-    try {
-        return ReplDesk(options).execute();
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
-    }
-}
-
 }  // namespace
 
 Command replCommand() {
@@ -253,7 +216,7 @@ Command replCommand() {
     command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options->record));
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.check = [options] { refuseSecondStandardInput({"-", options->style.value_or("")}); };
-    command.run = [options] { return runRepl(*options); };
+    command.run = [options] { return ReplDesk(*options).execute(); };
     return command;
 }
 

@@ -21,7 +21,7 @@ public:
 
     ExitStatus_e run(std::size_t jobs) {
         const AwaitedSignals signals;
-        if (!openResults()) return ExitStatus_e::BadUsageOrInput;
+        if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
         ProcessSetting setting = settingOf(m_options);
         setting.printed = Printed_e::Caught;
         setting.jobs = jobs;
@@ -35,20 +35,19 @@ public:
     }
 
     int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
-        RunOptions options = m_options;
-        options.macroFile = m_macroFiles[index];
-        return static_cast<int>(runMacro(options, box, notes));
+        return static_cast<int>(runMacro(m_runs[index]->options, box, notes));
     }
 
-    void take(std::size_t index, const Message& message, RunningProcessInterface& process) override {
-        runOf(index).watched.take(message, process);
+    NotesInterface* notesOf(std::size_t index, std::function<KeptText()>) override {
+        m_runs[index] = std::make_unique<Run>(m_options, m_macroFiles[index]);
+        return &m_runs[index]->watched.outputs();
     }
 
     void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
         print(outcome.out, stdout);
         print(outcome.err, stderr);
         const ExitStatus_e status = statusOf(index, box, outcome);
-        if (m_results) m_results->append(runOf(index).results);
+        if (m_results) m_results->append(m_runs[index]->results);
         m_runs[index].reset();
         if (status == ExitStatus_e::AllWell) return;
         ++m_failed;
@@ -56,24 +55,21 @@ public:
     }
 
 private:
-    // One of the runs, while it is of interest.
+    // One of the runs, from its start until its outcome is printed.
     struct Run {
-        Run(const RunOptions& options, const std::string& macroFile)
-            : watched(options, macroFile, [this](std::string_view lines) { results += lines; }) {
+        Run(const RunOptions& allOptions, const std::string& macroFile)
+            : options(allOptions), watched(options, [this](std::string_view lines) { results += lines; }) {
+            options.macroFile = macroFile;
             watched.outputs().keepEndBack();
         }
+        RunOptions options;
         std::string results;
         WatchedRun watched;
     };
 
-    Run& runOf(std::size_t index) {
-        if (!m_runs[index]) m_runs[index] = std::make_unique<Run>(m_options, m_macroFiles[index]);
-        return *m_runs[index];
-    }
-
-    // One that Ctrl-C ended before it could stop its macro was stopped, too.
+    // A run that Ctrl-C ended before it could stop its macro counts as stopped.
     ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
-        return wasInterrupted(outcome) ? ExitStatus_e::Stopped : runOf(index).watched.judge(box, outcome);
+        return wasInterrupted(outcome) ? ExitStatus_e::Stopped : m_runs[index]->watched.judge(box, outcome);
     }
 
     static void print(const KeptText& printed, FILE* file) {
@@ -81,16 +77,6 @@ private:
         if (printed.leftOut > 0) text += "\n(" + std::to_string(printed.leftOut) + " bytes more are left out)\n";
         if (file == stderr) return passOn(text);
         std::fwrite(text.data(), 1, text.size(), file);
-    }
-
-    bool openResults() {
-        try {
-            if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
     }
 
     void closeResults() {

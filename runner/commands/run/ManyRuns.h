@@ -9,10 +9,9 @@
 
 namespace vexa::runner {
 
-/// Runs macro files as \p options say, \p jobs at a time, each in a process of its own. What each prints comes in the
-/// order of the files, and then a summary.
-/// \return the highest of their exit statuses: 128 and the number of the signal where one ended a process, as shells
-/// do.
+/// Runs each macro file in a process of its own, \p jobs at a time. Prints their outputs in the order of the files, and
+/// then a summary.
+/// \return the highest exit status of the runs.
 ExitStatus_e runMacros(const RunOptions& options, const std::vector<std::string>& macroFiles, std::size_t jobs);
 
 }  // namespace vexa::runner

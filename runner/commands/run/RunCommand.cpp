@@ -66,7 +66,7 @@ struct RunRequest {
     std::size_t jobs = 1;
 };
 
-// What several runs at once cannot share.
+// Refuses options that several runs at a time cannot share.
 void refuseForSeveral(const RunRequest& request) {
     const RunOptions& options = request.options;
     const std::pair<const char*, bool> given[] = {
@@ -83,7 +83,7 @@ void refuseForSeveral(const RunRequest& request) {
     }
 }
 
-// What a trace says of the run.
+// The facts about the run that a trace starts with.
 void completeFacts(RunOptions& options) {
     RunFacts& facts = options.trace.facts;
     facts.macroFile = options.macroFile;
@@ -92,29 +92,21 @@ void completeFacts(RunOptions& options) {
     facts.suppressed = options.contract.suppressed;
 }
 
-// Whether no output would take the place of an input, or of another output.
-bool areFilesApart(const RunRequest& request) {
+// Throws OutputError if an output would replace an input or another output.
+void checkFiles(const RunRequest& request) {
     const RunOptions& options = request.options;
-    RunFiles files;
+    RunFiles files = inputsOf(options);
     files.read(request.macroFiles);
-    files.read(options.addOns);
-    files.read(options.style);
-    files.read(options.contract.projectFile);
-    try {
-        for (const auto& output : {options.record, options.journal, options.trace.events, options.trace.text}) {
-            files.write(output);
-        }
-        files.write(options.json);
-        return true;
-    } catch (const OutputError& error) {
-        tell(error.what());
-        return false;
+    for (const auto& output :
+         {options.record, options.journal, options.trace.events, options.trace.text, options.json}) {
+        files.write(output);
     }
 }
 
 ExitStatus_e run(RunRequest& request) {
     RunOptions& options = request.options;
-    if (!addProjectFile(options.contract) || !areFilesApart(request)) return ExitStatus_e::BadUsageOrInput;
+    if (!addProjectFile(options.contract)) return ExitStatus_e::BadUsageOrInput;
+    checkFiles(request);
     if (request.macroFiles.size() > 1) return runMacros(options, request.macroFiles, request.jobs);
     options.macroFile = request.macroFiles.front();
     completeFacts(options);

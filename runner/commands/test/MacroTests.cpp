@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "commands/test/LineDifference.h"
-#include "commands/test/OwnTranscript.h"
 #include "commands/test/Transcript.h"
+#include "commands/test/TranscriptText.h"
 #include "formats/JunitText.h"
 #include "session/watch/Death.h"
 #include "session/watch/UserWork.h"
@@ -34,13 +34,13 @@ namespace fs = std::filesystem;
 constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
-// A file or folder that cannot be taken for macros. The message is one line.
+// A path is not a macro and not a folder of macros. The message is one line.
 class PathError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// The macros in a folder, by name. What is expected of a macro that is not there would never be looked at.
+// The macros in a folder, by name. An expectation without a macro is refused, for it would never be compared.
 std::vector<std::string> macrosIn(const fs::path& folder) {
     std::vector<std::string> macros;
     std::error_code error;
@@ -92,9 +92,9 @@ public:
     ExitStatus_e run() {
         if (!prepare()) return ExitStatus_e::BadUsageOrInput;
         const std::size_t ended = m_options.inProcess ? runHere() : runWatched();
-        const bool isWritten = writeReport();
         std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
-        if (!isWritten || m_isBroken) return ExitStatus_e::BadUsageOrInput;
+        if (m_junit) m_junit->replace(junitText("vexa-standin test", {}, m_report));
+        if (m_isBroken) return ExitStatus_e::BadUsageOrInput;
         if (m_isStopped || ended != m_macros.size()) return ExitStatus_e::Stopped;
         return m_passed == ended ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
     }
@@ -110,19 +110,14 @@ private:
             return style.has_value();
         } catch (const PathError& error) {
             tell(error.what());
-        } catch (const OutputError& error) {
-            tell(error.what());
+            return false;
         }
-        return false;
     }
 
-    // Makes sure that what is written takes the place of nothing that is read.
+    // Refuses an output that would replace an input.
     void findFiles() {
-        RunFiles files;
+        RunFiles files = inputsOf(m_options);
         files.read(m_macros);
-        files.read(m_options.addOns);
-        files.read(m_options.style);
-        files.read(m_options.contract.projectFile);
         std::set<std::string> expectations;  // a macro may be named twice
         for (const std::string& macro : m_macros) {
             const std::string expectation = expectationOf(macro);
@@ -148,43 +143,33 @@ private:
         for (const std::string& macro : m_macros) {
             const auto begin = std::chrono::steady_clock::now();
             const auto box = std::make_unique<ProcessBox>();
-            TranscriptEnd_e end{};
-            TranscriptText transcript;
-            {
-                OwnTranscript own;
-                end = writeTranscript(optionsFor(macro), *box, own);
-                transcript = own.transcript();
-            }
+            std::optional<CaughtOutput> caught(std::in_place);
+            TranscriptText transcript([&] { return caught->take(); });
+            const TranscriptEnd_e end = writeTranscript(macro, m_options, m_style, *box, transcript);
+            caught.reset();
             const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
-            conclude(
-                macro, [&] { return verdictOn(macro, end, transcript); }, time.count());
+            conclude(macro, time.count(), [&] { return verdictOn(macro, end, transcript); });
         }
         return m_macros.size();
     }
 
-    TranscriptOptions optionsFor(const std::string& macro) const {
-        return {macro, m_options.addOns, m_style, m_options.contract, m_options.batch};
-    }
-
     int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
-        return static_cast<int>(writeTranscript(optionsFor(m_macros[index]), box, notes));
+        return static_cast<int>(writeTranscript(m_macros[index], m_options, m_style, box, notes));
     }
 
-    void take(std::size_t index, const Message& message, RunningProcessInterface& process) override {
-        const bool isAsked = message.kind == kPrintedNote;
-        const std::string answer =
-            m_transcripts[index].take(message.kind, message.text, isAsked ? process.takePrinted() : KeptText());
-        if (isAsked) process.answer(answer);
+    NotesInterface* notesOf(std::size_t index, std::function<KeptText()> takePrinted) override {
+        m_transcripts[index] = std::make_unique<TranscriptText>(std::move(takePrinted));
+        return m_transcripts[index].get();
     }
 
     void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
-        const TranscriptText transcript = std::exchange(m_transcripts[index], {});
-        const auto verdict = [&] { return verdictOn(m_macros[index], box, outcome, transcript); };
-        conclude(m_macros[index], verdict, outcome.seconds);
+        const auto transcript = std::move(m_transcripts[index]);
+        conclude(m_macros[index], outcome.seconds,
+                 [&] { return verdictOn(m_macros[index], box, outcome, *transcript); });
     }
 
     template <class Judge>
-    void conclude(const std::string& macro, const Judge& judge, double seconds) {
+    void conclude(const std::string& macro, double seconds, const Judge& judge) {
         MacroVerdict verdict;
         try {
             verdict = judge();
@@ -229,7 +214,7 @@ private:
         return {false, "it cannot be run", transcript.text()};
     }
 
-    // What the transcript has of the last command.
+    // The part of the transcript about the last command.
     static std::string lastCommand(const std::string& transcript) {
         const std::size_t begin = transcript.rfind("\n> ");
         return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
@@ -269,21 +254,10 @@ private:
                             verdict.lines});
     }
 
-    bool writeReport() {
-        if (!m_junit) return true;
-        try {
-            m_junit->replace(junitText("vexa-standin test", {}, m_report));
-            return true;
-        } catch (const OutputError& error) {
-            tell(error.what());
-            return false;
-        }
-    }
-
     const MacroTestOptions& m_options;
     std::vector<std::string> m_macros;
     std::vector<StyleSetting> m_style;
-    std::vector<TranscriptText> m_transcripts;
+    std::vector<std::unique_ptr<TranscriptText>> m_transcripts;
     std::size_t m_passed = 0;
     bool m_isBroken = false;  // something could not be read, run or written
     bool m_isStopped = false;

@@ -1,31 +1,20 @@
 #include "commands/test/Transcript.h"
 
-#include <unistd.h>
-
-#include <chrono>
 #include <cstddef>
 #include <cstdio>
-#include <functional>
 #include <mutex>
-#include <optional>
 #include <sstream>
 #include <utility>
 
-#include "formats/MacroFile.h"
-#include "session/AddOns.h"
-#include "session/FailureText.h"
-#include "session/FindingTeller.h"
-#include "session/Hang.h"
-#include "session/Watchdog.h"
-#include "terminal/Console.h"
 #include "options/PrintedOutput.h"
+#include "session/FailureText.h"
+#include "session/FindingPrinter.h"
+#include "terminal/Console.h"
+#include "text/Seconds.h"
 #include "text/SeverityName.h"
-#include "vexastandin/Host.h"
 
 namespace vexa::runner {
 namespace {
-
-constexpr std::chrono::seconds kTimeForLastWords{5};
 
 std::string marked(const std::string& mark, const std::string& text) {
     std::istringstream in(text);
@@ -38,39 +27,33 @@ std::string told(const std::string& text) { return marked("! ", std::string(with
 
 class Transcript {
 public:
-    Transcript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes)
-        : m_options(options), m_box(box), m_notes(notes) {
+    Transcript(const std::string& macroFile, const SessionOptions& options, ProcessBox& box, NotesInterface& notes)
+        : m_macroFile(macroFile),
+          m_options(options),
+          m_notes(notes),
+          m_session(options, box, [this](const Overrun& overrun) { return static_cast<int>(conclude(overrun)); }) {
         std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);  // both outputs go to one place: what is printed keeps its order
-        m_host.setCallProgress(&box.calls);
-        m_host.setKeepsCalls(false);
-        m_host.setBatchMode(options.batch);
         m_host.setRecording(true);
-        for (const std::string& rule : options.contract.suppressed) m_host.suppress(rule);
         m_host.onDialog([this](const std::string& text) { keepDialog(text); });
-        if (options.contract.timeout) m_watchdog.emplace([this] { endHung(); });
     }
     Transcript(const Transcript&) = delete;
     Transcript& operator=(const Transcript&) = delete;
     ~Transcript() = default;
 
-    TranscriptEnd_e write() {
-        giveStyles(m_host, m_options.style);
+    TranscriptEnd_e write(const std::vector<StyleSetting>& styles) {
+        giveStyles(m_host, styles);
         if (!loadAll() || !readMacro()) return TranscriptEnd_e::NotRun;
         noteNews();
         for (const MacroCommand& command : m_macro.commands) run(command);
         unload();
         if (!isOutputWhole()) return TranscriptEnd_e::OutputLost;
-        const ContractOptions& contract = m_options.contract;
-        const bool isBroken = contract.isStrict() && hasBreach(m_host, contract.warningsAsErrors.value_or(false));
-        return isBroken ? TranscriptEnd_e::Broken : TranscriptEnd_e::Whole;
+        return m_session.isContractBroken() ? TranscriptEnd_e::Broken : TranscriptEnd_e::Whole;
     }
 
 private:
     bool loadAll() {
         try {
-            for (const std::string& file : m_options.addOns) {
-                inTime("", "", "loading of " + file, [&] { m_host.loadAddOn(file); });
-            }
+            for (const std::string& file : m_options.addOns) m_session.loadAddOn(file);
             return true;
         } catch (const standin::LoadError& error) {
             note(error.message() + '\n');
@@ -79,18 +62,14 @@ private:
     }
 
     bool readMacro() {
-        const std::string work = "reading of " + m_options.macroFile;
-        inTime("", "", work, [&] { m_macro = readMacroFile(m_options.macroFile, loadedIds(m_host)); });
+        m_macro = m_session.readMacro(m_macroFile);
         for (const std::string& problem : m_macro.problems) note(problem + '\n');
         return m_macro.problems.empty();
     }
 
     void run(const MacroCommand& command) {
         note("> " + command.addOnId + ' ' + command.text + '\n');
-        standin::CommandResult result;
-        const std::string place = m_macro.place(command.line);
-        const auto execute = [&] { result = m_host.run(command.addOnId, command.text, place); };
-        inTime(place, command.addOnId, command.text, execute);
+        const standin::CommandResult result = m_session.run(command);
         noteNews();
         std::string lines;
         if (!result.accepted) lines += told(std::string(failureText(result)));
@@ -102,9 +81,7 @@ private:
     }
 
     void unload() {
-        std::string work = "unloading of";
-        for (const standin::AddOnInfo& addOn : m_host.addOns()) work += ' ' + addOn.id;
-        inTime("", "", work, [&] { m_host.unloadAddOns(); });
+        m_session.unloadAddOns();
         std::fflush(stdout);
         const std::string head = "> (unloading)\n";
         const bool hasPrinted = !m_notes.ask(kPrintedNote, head).empty();
@@ -128,13 +105,12 @@ private:
         note(news());
     }
 
-    // What happened since this was asked last, but for what was printed and recorded.
+    // The dialogs and findings since the last call.
     std::string news() {
         std::string lines = takeDialogs();
-        const std::vector<standin::Finding> findings = m_host.violations();
-        for (; m_findings < findings.size(); ++m_findings) {
-            lines += findingLine(findings[m_findings]);
-            explain(findings[m_findings]);
+        for (const standin::Finding& finding : newFindings(m_host, m_findings)) {
+            lines += findingLine(finding);
+            explain(finding);
         }
         return lines;
     }
@@ -143,8 +119,8 @@ private:
         return told(std::string(nameOf(finding.severity)) + ": " + finding.message + " [" + finding.rule + ']');
     }
 
-    // For whoever looks into a failed test: what is compared has no places. Of a cause the first finding has
-    // everything.
+    // For the user who looks into a failed test: the transcript itself has no places. The first finding of each cause
+    // has all details.
     void explain(const standin::Finding& finding) {
         const std::string text = m_causes.add(finding)
                                      ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
@@ -152,48 +128,37 @@ private:
         m_notes.tell(kExplainedNote, text);
     }
 
-    void inTime(const std::string& place, const std::string& addOnId, const std::string& what,
-                const std::function<void()>& work) {
-        const TimeInAddOn entered(m_box, place, addOnId, what);
-        if (!m_watchdog) return work();
-        m_callsBefore = m_host.lastCall().call;
-        const WatchedTime time(*m_watchdog, *m_options.contract.timeout);
-        const AllowedTime allowed(m_box, *m_options.contract.timeout);
-        work();
-    }
-
-    // The add-on goes on meanwhile, and may hold the standard output.
-    [[noreturn]] void endHung() {
-        m_box.allow(kTimeForLastWords);
-        const standin::Finding finding = hangFinding(m_host.lastCall(), m_callsBefore, *m_options.contract.timeout);
+    // Called on another thread, while the add-on goes on: nothing is flushed, for it may hold the standard output.
+    TranscriptEnd_e conclude(const Overrun& overrun) {
         m_notes.ask(kPrintedNote, "");
-        note(findingLine(finding));
-        explain(finding);
-        constexpr int kStatus = static_cast<int>(TranscriptEnd_e::CommandHung);
-        m_box.report(kStatus);
-        m_box.markLeft();
-        _exit(kStatus);
+        if (!overrun.finding) {
+            note(m_macroFile + ": cannot be read: it has no end after " + secondsText(overrun.limit) + '\n');
+            return TranscriptEnd_e::NotRun;
+        }
+        note(findingLine(*overrun.finding));
+        explain(*overrun.finding);
+        return TranscriptEnd_e::CommandHung;
     }
 
     void note(const std::string& lines) const { m_notes.tell(kTranscriptNote, lines); }
 
-    const TranscriptOptions& m_options;
-    ProcessBox& m_box;
+    const std::string& m_macroFile;
+    const SessionOptions& m_options;
     NotesInterface& m_notes;
     MacroFile m_macro;
     std::mutex m_guard;
     std::string m_dialogs;
     std::size_t m_findings = 0;  // that were noted
     standin::FindingCauses m_causes;
-    std::size_t m_callsBefore = 0;
-    std::optional<Watchdog> m_watchdog;
-    standin::Host m_host;  // last: its add-ons may still show dialogs
+    Session m_session;  // last: its add-ons may still show dialogs
+    standin::Host& m_host = m_session.host();
 };
 
 }  // namespace
 
-TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes) {
-    return Transcript(options, box, notes).write();
+TranscriptEnd_e writeTranscript(const std::string& macroFile, const SessionOptions& options,
+                                const std::vector<StyleSetting>& styles, ProcessBox& box, NotesInterface& notes) {
+    return Transcript(macroFile, options, box, notes).write(styles);
 }
 
 std::string printedLines(const KeptText& printed) {

@@ -4,36 +4,27 @@
 #include <vector>
 
 #include "formats/StyleFile.h"
-#include "options/ContractOptions.h"
+#include "session/Session.h"
 #include "session/watch/Processes.h"
 
 namespace vexa::runner {
 
-/// What a macro is run with for a transcript.
-struct TranscriptOptions {
-    std::string macroFile;
-    std::vector<std::string> addOns;
-    std::vector<StyleSetting> style;
-    ContractOptions contract;
-    bool batch = false;
-};
-
-/// How the process that writes a transcript ends, if nothing ends it before.
+/// The status of a process that writes a transcript.
 enum class TranscriptEnd_e : int {
     Whole = 10,        ///< the notes hold the transcript
-    Broken = 11,       ///< so they do, and with --strict the contract was broken
+    Broken = 11,       ///< the notes hold the transcript; with --strict: the contract was broken
     NotRun = 12,       ///< the macro could not be run; the notes tell why
     CommandHung = 13,  ///< the notes hold the transcript up to a command that did not return
     OutputLost = 14,   ///< the notes lack what was printed: an add-on closed the standard output
 };
 
-/// \name What a transcript is told by
+/// \name Notes of a transcript
 /// @{
 inline constexpr char kTranscriptNote = 't';  ///< lines of it
 /// Breaches of the contract with their places and hints, each cause in full once; not part of it.
 inline constexpr char kExplainedNote = 'x';
-/// Asks to put in what was printed since the last time, after the line told with it. The answer is empty when that is
-/// nothing; then the line is left out, too.
+/// Asks to add the line that comes with it, and then what was printed since the last time. If nothing was printed, the
+/// line is left out, too, and the answer is empty.
 inline constexpr char kPrintedNote = 'p';
 /// @}
 
@@ -49,9 +40,11 @@ inline constexpr char kPrintedNote = 'p';
 ///     + STATS MEAN ZONES = '1-3'      what was recorded
 ///     > (unloading)                   what comes of that; left out when there is nothing
 ///
-/// What was printed is put in by whoever is told.
-/// \param box gets what the add-ons do.
-TranscriptEnd_e writeTranscript(const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes);
+/// The receiver of the notes puts in what was printed.
+/// \param styles are given to the host; the style file of \p options is not read.
+/// \param box    gets what the add-ons do.
+TranscriptEnd_e writeTranscript(const std::string& macroFile, const SessionOptions& options,
+                                const std::vector<StyleSetting>& styles, ProcessBox& box, NotesInterface& notes);
 
 /// The lines of a transcript for what was printed.
 std::string printedLines(const KeptText& printed);

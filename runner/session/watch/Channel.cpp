@@ -15,8 +15,9 @@ namespace vexa::runner {
 namespace {
 
 struct Head {
-    std::uint64_t size;
-    std::uint64_t kind;
+    std::uint64_t size = 0;
+    char kind = 0;
+    bool isAsked = false;
 };
 
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 20;
@@ -32,9 +33,9 @@ bool sendAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
-bool sendMessage(int descriptor, char kind, std::string_view text) {
+bool sendMessage(int descriptor, char kind, bool isAsked, std::string_view text) {
     std::array<char, sizeof(Head)> bytes{};
-    const Head head{text.size(), static_cast<unsigned char>(kind)};
+    const Head head{text.size(), kind, isAsked};
     std::memcpy(bytes.data(), &head, sizeof head);
     return sendAll(descriptor, {bytes.data(), bytes.size()}) && sendAll(descriptor, text);
 }
@@ -65,20 +66,20 @@ void Connection::closeChildEnd() { close(std::exchange(m_ends[1], -1)); }
 
 void Connection::closeParentEnd() { close(std::exchange(m_ends[0], -1)); }
 
-void Channel::send(char kind, std::string_view text) {
+void Channel::send(char kind, bool isAsked, std::string_view text) {
     ++m_sent;
-    sendMessage(m_descriptor, kind, text);  // one that is lost is missed by the count
+    sendMessage(m_descriptor, kind, isAsked, text);  // one that is lost is missed by the count
 }
 
 void Channel::tell(char kind, std::string_view text) {
     const std::lock_guard<std::mutex> lock(m_guard);
-    send(kind, text);
+    send(kind, false, text);
 }
 
 std::string Channel::ask(char kind, std::string_view text) {
     const std::lock_guard<std::mutex> lock(m_guard);
-    send(kind, text);
-    Head head{};
+    send(kind, true, text);
+    Head head;
     std::array<char, sizeof head> bytes{};
     if (!receiveAll(m_descriptor, bytes.data(), bytes.size())) return "";
     std::memcpy(&head, bytes.data(), sizeof head);
@@ -100,12 +101,12 @@ bool Mailbox::fetch() {
 }
 
 std::optional<Message> Mailbox::next() {
-    Head head{};
+    Head head;
     const std::size_t left = m_bytes.size() - m_at;
     if (left < sizeof head) return std::nullopt;
     std::memcpy(&head, m_bytes.data() + m_at, sizeof head);
     if (left - sizeof head < head.size) return std::nullopt;
-    Message message{static_cast<char>(head.kind), m_bytes.substr(m_at + sizeof head, head.size)};
+    Message message{head.kind, head.isAsked, m_bytes.substr(m_at + sizeof head, head.size)};
     m_at += sizeof head + head.size;
     ++m_received;
     return message;
@@ -115,7 +116,7 @@ std::optional<Message> Mailbox::next() {
 void Mailbox::answer(std::string_view text) const {
     const int flags = fcntl(m_descriptor, F_GETFL);
     fcntl(m_descriptor, F_SETFL, flags & ~O_NONBLOCK);
-    sendMessage(m_descriptor, kAnswer, text);
+    sendMessage(m_descriptor, kAnswer, false, text);
     fcntl(m_descriptor, F_SETFL, flags);
 }
 

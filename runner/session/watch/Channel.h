@@ -12,9 +12,10 @@
 
 namespace vexa::runner {
 
-/// What one process sends to the other.
+/// A call of a process that another one watches.
 struct Message {
     char kind = 0;
+    bool isAsked = false;  ///< the process waits for an answer
     std::string text;
 };
 
@@ -29,7 +30,7 @@ public:
 
     int parentEnd() const { return m_ends[0]; }
     int childEnd() const { return m_ends[1]; }
-    /// To be called in the parent, once the child has its end: then the end of the child shows.
+    /// Call this in the parent after the fork, so that it sees when the child closes its end.
     void closeChildEnd();
     void closeParentEnd();
 
@@ -47,7 +48,7 @@ public:
     std::string ask(char kind, std::string_view text) override;
 
 private:
-    void send(char kind, std::string_view text);
+    void send(char kind, bool isAsked, std::string_view text);
 
     std::mutex m_guard;
     int m_descriptor;
@@ -59,10 +60,10 @@ class Mailbox {
 public:
     explicit Mailbox(int descriptor) : m_descriptor(descriptor) {}
 
-    /// Takes in what was sent so far, without waiting.
-    /// \return whether the child's end is still open.
+    /// Reads what was sent so far, without waiting.
+    /// \return whether the end of the child is still open.
     bool fetch();
-    /// The next message; nothing when it is not complete yet.
+    /// The next message; nothing if it is not complete yet.
     std::optional<Message> next();
     /// How many messages next() returned.
     std::uint64_t received() const { return m_received; }

@@ -2,13 +2,12 @@
 
 #include <sys/wait.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 
-#include "session/Hang.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
+#include "text/Seconds.h"
 #include "vexastandin/HostFunctions.h"
 
 namespace vexa::runner {
@@ -46,10 +45,6 @@ std::string placeOf(const ProcessBox& box) {
     return place.empty() ? id : place + ": " + id;
 }
 
-standin::Place lastPlaceOf(const ProcessBox& box) {
-    return {box.calls.calls, lastFunctionOf(box), workOf(box), box.place.text(), 1};
-}
-
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
     const std::string how = howItEnded(outcome.waitStatus);
     const std::string work = workOf(box);
@@ -60,21 +55,24 @@ std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
     return placeOf(box) + ": error: an add-on ended the process after \"" + work + "\": " + how;
 }
 
-standin::Finding lateFinding(const ProcessBox& box) {
-    const std::chrono::duration<double> waited = box.limit();
-    standin::Finding finding = hangFinding(lastPlaceOf(box), box.callsBefore, waited);
-    if (!box.isInAddOn) finding.message = "the process for the add-ons did not end after \"" + workOf(box) + '"';
+standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore, std::chrono::duration<double> limit) {
+    const bool isCommand = !last.macroLine.empty();
+    const bool hasCalled = last.call > callsBefore;
+    standin::Finding finding;
+    finding.rule = "command-timeout";
+    finding.addOnId = isCommand ? last.command.substr(0, last.command.find(' ')) : "";
+    finding.message = '"' + last.command + "\" has not returned within " + secondsText(limit) +
+                      (hasCalled ? "; its last host call was " + last.function : "; it made no host call");
+    finding.opened = standin::Place{0, "", last.command, last.macroLine, last.thread};
+    finding.seen = hasCalled ? last : standin::Place{0, "", "", last.macroLine, 0};
     return finding;
 }
 
-void tellStopAsked(const ProcessBox& box) {
-    tell(placeOf(box), "stop was asked for; a second Ctrl-C ends the program");
-}
-
-void tellKilled(const ProcessBox& box, int signal) {
-    const std::string work = box.isInAddOn ? workOf(box) : "";
-    const std::string what = work.empty() ? "ended" : "ended \"" + work + '"';
-    tell(placeOf(box), what + " by SIG" + sigabbrev_np(signal));
+standin::Finding lateFinding(const ProcessBox& box) {
+    const standin::Place last = {box.calls.calls, lastFunctionOf(box), workOf(box), box.place.text(), 1};
+    standin::Finding finding = hangFinding(last, box.callsBefore, box.limit());
+    if (!box.isInAddOn) finding.message = "the process for the add-ons did not end after \"" + workOf(box) + '"';
+    return finding;
 }
 
 void clearStatusOf(const ProcessBox& box) {

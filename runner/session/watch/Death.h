@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <string>
 
 #include "session/watch/ProcessBox.h"
@@ -11,28 +13,26 @@ namespace vexa::runner {
 /// How a process ended that did not end as it reported: `exit status 0`, `SIGSEGV (Segmentation fault)`.
 std::string howItEnded(int waitStatus);
 
-/// What the add-ons of a process did last, and the last host call.
-standin::Place lastPlaceOf(const ProcessBox& box);
-
-/// What to tell of a process that an add-on ended: a line that names the place, the command and the last host call.
+/// The message about a process that an add-on ended: the place, the command and the last host call.
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome);
 
-/// The finding about a process that was killed because it took longer than it may.
+/// The finding about an add-on that does not return.
+/// \param last        the last host call, and the work of the add-on: Host::lastCall()
+/// \param callsBefore how many host calls there were before the add-on was entered
+/// \param limit       the time limit
+standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore, std::chrono::duration<double> limit);
+
+/// The finding about a process that was killed because it exceeded its time limit.
 standin::Finding lateFinding(const ProcessBox& box);
 
-/// Tells the user that he asked to stop, and how to end the program at once.
-void tellStopAsked(const ProcessBox& box);
-
-/// Tells the user what \p signal ended.
-void tellKilled(const ProcessBox& box, int signal);
-
-/// Clears the status line that a process which has ended left drawn.
+/// Clears the status line if a process that has ended left it drawn.
 void clearStatusOf(const ProcessBox& box);
 
-/// `STATS MEAN ZONES = '1-3'`, `loading of ./stats.so`; empty before any add-on was entered.
+/// What the add-ons of a process do, or did last: `STATS MEAN ZONES = '1-3'`, `loading of ./stats.so`. Empty before any
+/// add-on was entered.
 std::string workOf(const ProcessBox& box);
 
-/// `FILE:LINE: ID` for a command, and the program's name for all else: what a message begins with.
+/// What a message about a process starts with: `FILE:LINE: ID` for a command, and else the program's name.
 std::string placeOf(const ProcessBox& box);
 
 }  // namespace vexa::runner

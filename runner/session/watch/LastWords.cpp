@@ -7,7 +7,7 @@ namespace {
 
 constexpr unsigned kSeconds = 5;
 
-volatile std::sig_atomic_t statusOfProgram = 0;  // a signal handler is given nothing
+volatile std::sig_atomic_t statusOfProgram = 0;  // a signal handler gets only the number of the signal
 
 }  // namespace
 

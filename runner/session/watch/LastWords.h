@@ -4,8 +4,8 @@
 
 namespace vexa::runner {
 
-/// For a program that tells why it ends, while perhaps nobody reads: a full pipe holds it up for a few seconds only,
-/// and then it ends with \p status.
+/// Limits the time in which a program prints why it ends. If nobody reads and the pipe is full, the program ends with
+/// \p status after a few seconds.
 class LastWords {
 public:
     explicit LastWords(int status);

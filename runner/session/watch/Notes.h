@@ -5,7 +5,8 @@
 
 namespace vexa::runner {
 
-/// Whom a process tells what is to be kept of its work: the process that watches it, or itself.
+/// Gets the notes of a process that runs add-ons: what is to be kept of its work. They go to the process that watches
+/// it, or stay in the process.
 ///
 /// Threads: safe from any.
 class NotesInterface {
@@ -15,9 +16,9 @@ public:
     NotesInterface& operator=(const NotesInterface&) = delete;
     virtual ~NotesInterface() = default;
 
-    /// Tells \p text, which is of the kind \p kind.
+    /// Notes \p text. Sender and receiver agree on the meaning of \p kind.
     virtual void tell(char kind, std::string_view text) = 0;
-    /// The same, and waits for the answer. It is empty when nobody answers.
+    /// Notes \p text and returns the answer, which is empty if nobody answers.
     virtual std::string ask(char kind, std::string_view text) = 0;
 };
 

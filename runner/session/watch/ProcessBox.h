@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "system/processes/SharedMemory.h"
@@ -14,16 +13,16 @@
 
 namespace vexa::runner {
 
-/// What a process that runs add-ons notes for the process that watches it. It lies in memory of both.
+/// What a process that runs add-ons is doing. It lies in memory that the process shares with the one that watches it.
 struct ProcessBox {
     using Clock = std::chrono::steady_clock;
 
     /// \name What the add-ons do, or did last
     /// @{
-    SharedText<4096> place;                   ///< `FILE:LINE` of a command; empty for what is no command
-    SharedText<1024> addOnId;                 ///< the add-on of a command; empty for what is no command
+    SharedText<4096> place;                   ///< `FILE:LINE` of a command; empty for other work
+    SharedText<1024> addOnId;                 ///< the add-on of a command; empty for other work
     SharedText<65536> work;                   ///< the command's text, or `loading of FILE` and the like
-    std::atomic<bool> isInAddOn{false};       ///< whether an add-on is at work now
+    std::atomic<bool> isInAddOn{false};       ///< whether code of an add-on runs now
     standin::CallProgress calls;              ///< the host calls
     std::atomic<std::size_t> callsBefore{0};  ///< how many calls were made before
     /// @}
@@ -46,22 +45,22 @@ struct ProcessBox {
         return Clock::now().time_since_epoch() - Clock::duration(m_entered);
     }
 
-    /// The process whose box it is; 0 when nobody watches it.
+    /// The process that this box belongs to; 0 if nobody watches it.
     std::atomic<pid_t> owner{0};
-    /// Whether this process is a copy that an add-on forked off, and not the one that is watched.
+    /// Whether this process is not the owner, but a copy of it that an add-on forked.
     bool isOfOther() const noexcept { return owner != 0 && owner != getpid(); }
 
     /// \name The time limit
     /// @{
 
-    /// Lets the process take \p limit from now on; 0 for any time.
+    /// Starts a time limit for the process; 0 for none.
     void allow(Clock::duration limit) noexcept {
         m_start = Clock::now().time_since_epoch().count();
         m_limit = limit.count();
     }
-    /// Does not count \p time, for which the process was suspended.
+    /// Leaves \p time out of account, because the process was suspended.
     void forgive(Clock::duration time) noexcept { m_start += time.count(); }
-    /// Whether the process has taken longer than it may, by more than \p grace.
+    /// Whether the process has exceeded its limit by more than \p grace.
     bool isLate(Clock::duration grace) const noexcept {
         const std::int64_t limit = m_limit;
         return limit != 0 && Clock::now().time_since_epoch().count() - m_start > limit + grace.count();
@@ -72,17 +71,15 @@ struct ProcessBox {
     /// \name The end
     /// @{
 
-    /// Reports that all work is done, with \p status. A copy of the process that an add-on forked off reports nothing
-    /// that counts.
+    /// Reports that all work is done, with \p status. The report of a copy that an add-on forked does not count.
     void report(int status) noexcept {
         m_status = status;
         m_reporter = getpid();
     }
-    /// Notes that what runs at the end of a process has run.
+    /// Notes that the exit handlers of the process have run.
     void markLeft() noexcept { m_leaver = getpid(); }
 
-    bool hasReported(pid_t process) const noexcept { return m_reporter == process; }
-    bool hasLeft(pid_t process) const noexcept { return hasReported(process) && m_leaver == process; }
+    bool hasLeft(pid_t process) const noexcept { return m_reporter == process && m_leaver == process; }
     int status() const noexcept { return m_status; }
     /// @}
 
@@ -95,38 +92,6 @@ private:
     std::atomic<int> m_status{0};
     static_assert(std::atomic<std::int64_t>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
                   "Processes share no lock");
-};
-
-/// An add-on is at work as long as this lives. A copy of the process that the add-on forked off does not live longer:
-/// it must not go on with the work of the process.
-class TimeInAddOn {
-public:
-    TimeInAddOn(ProcessBox& box, std::string_view place, std::string_view addOnId, std::string_view work) : m_box(box) {
-        box.enter(place, addOnId, work);
-    }
-    TimeInAddOn(const TimeInAddOn&) = delete;
-    TimeInAddOn& operator=(const TimeInAddOn&) = delete;
-    ~TimeInAddOn() {
-        if (m_box.isOfOther()) _exit(EXIT_FAILURE);
-        m_box.leaveAddOn();
-    }
-
-private:
-    ProcessBox& m_box;
-};
-
-/// A process may take a limited time as long as this lives, and any time afterwards.
-class AllowedTime {
-public:
-    AllowedTime(ProcessBox& box, std::chrono::duration<double> limit) : m_box(box) {
-        box.allow(std::chrono::ceil<ProcessBox::Clock::duration>(limit));
-    }
-    AllowedTime(const AllowedTime&) = delete;
-    AllowedTime& operator=(const AllowedTime&) = delete;
-    ~AllowedTime() { m_box.allow({}); }
-
-private:
-    ProcessBox& m_box;
 };
 
 }  // namespace vexa::runner

@@ -2,58 +2,37 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "session/watch/Channel.h"
+#include "session/watch/Drain.h"
+#include "session/watch/Notes.h"
 #include "session/watch/ProcessBox.h"
 #include "system/processes/AwaitedSignals.h"
 
 namespace vexa::runner {
 
-/// Text of which a limited amount is kept.
-struct KeptText {
-    std::string text;
-    std::uint64_t leftOut = 0;  ///< how many bytes were not kept
-};
-
 /// How a process has ended.
 enum class End_e {
     Left,     ///< it reported a status, and ended with it
-    Died,     ///< an add-on ended it, or a signal
-    TimedOut  ///< it was killed: it took longer than it may
+    Died,     ///< an add-on or a signal ended it
+    TimedOut  ///< it was killed because it exceeded its time limit
 };
 
-/// What came of a process.
+/// The end of a process, and what it printed.
 struct ProcessOutcome {
     End_e end = End_e::Died;
-    int status = 0;             ///< what it reported; meaningful when it has
+    int status = 0;             ///< the status that it reported, if it did
     int waitStatus = 0;         ///< as from waitpid()
-    bool areNotesWhole = true;  ///< whether all that it told arrived
+    bool areNotesWhole = true;  ///< whether all of its notes arrived
     double seconds = 0;         ///< how long it took
-    KeptText out;               ///< what it printed, where that was caught
+    KeptText out;               ///< what it printed, if that was caught
     KeptText err;
 };
 
-/// A process that runs, for whom it tells something.
-class RunningProcessInterface {
-public:
-    RunningProcessInterface() = default;
-    RunningProcessInterface(const RunningProcessInterface&) = delete;
-    RunningProcessInterface& operator=(const RunningProcessInterface&) = delete;
-    virtual ~RunningProcessInterface() = default;
-
-    /// What it has printed on its standard output since this was called last.
-    virtual KeptText takePrinted() = 0;
-    /// Answers the message that came last, when it was asked.
-    virtual void answer(std::string_view text) = 0;
-};
-
-/// Work that is to be done in processes of their own.
+/// Work that is done in processes of its own.
 class ProcessWorkInterface {
 public:
     ProcessWorkInterface() = default;
@@ -61,11 +40,13 @@ public:
     ProcessWorkInterface& operator=(const ProcessWorkInterface&) = delete;
     virtual ~ProcessWorkInterface() = default;
 
-    /// Does the work number \p index, in the process for it.
+    /// Does the work number \p index. Called in the process for it.
     /// \return the status to report.
     virtual int run(std::size_t index, ProcessBox& box, NotesInterface& notes) = 0;
-    /// Called when the process \p index tells something, or asks.
-    virtual void take(std::size_t index, const Message& message, RunningProcessInterface& process) = 0;
+    /// Returns who gets the notes of the process \p index, until end(); null for nobody.
+    /// Called before the process starts.
+    /// \param takePrinted returns what the process has printed on its standard output since the last call
+    virtual NotesInterface* notesOf(std::size_t index, std::function<KeptText()> takePrinted) = 0;
     /// Called when the process \p index has ended, in the order of the numbers.
     virtual void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) = 0;
     /// Called when the user asks the process \p index to stop, for the first time.
@@ -74,10 +55,10 @@ public:
     virtual void killed(std::size_t index, const ProcessBox& box, int signal) = 0;
 };
 
-/// Where what the processes print goes.
+/// Where the output of the processes goes.
 enum class Printed_e {
-    Inherited,  ///< where this process prints; they read what it would read, unless that is a terminal
-    Caught,     ///< both outputs apart
+    Inherited,  ///< to the outputs of this process; the processes also read its input, unless that is a terminal
+    Caught,     ///< to ProcessOutcome, each output by itself
     CaughtAsOne
 };
 
@@ -85,29 +66,30 @@ enum class Printed_e {
 struct ProcessSetting {
     std::size_t jobs = 1;  ///< how many at a time
     Printed_e printed = Printed_e::Caught;
-    bool readsNothing = false;  ///< whether there is nothing to read where they read what this process would
+    bool readsNothing = false;                 ///< whether their input is empty, with Printed_e::Inherited
     std::size_t kept = std::size_t{16} << 20;  ///< how many bytes of each output are kept
-    bool keepsEnd = false;                     ///< whether it is the end that is kept, and not the start
+    bool keepsEnd = false;                     ///< whether the last bytes are kept, instead of the first
     bool isTimed = false;                      ///< whether they may have a time limit
     std::chrono::milliseconds grace{0};        ///< how much longer than their limit they may take
     std::chrono::milliseconds timeToLeave{0};  ///< the limit from the report to the end; 0 for none
-    /// Sets the limit of work that looks at its own time limit: a second later the process is killed from outside.
+    /// Sets the limit of work that watches its own time limit. A second after that limit the process is killed.
     void limitTime(const std::optional<std::chrono::duration<double>>& limit) {
         isTimed = limit.has_value();
         grace = std::chrono::seconds(1);
         if (limit) timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*limit);
     }
-    bool leavesAtOnce = false;  ///< whether what runs at the end of a program is left out
+    bool leavesAtOnce = false;  ///< whether the processes end without exit handlers
 };
 
-/// Does \p count works, each in a process of its own that is watched from here. What a process says of itself counts
-/// only when it ends as it said. SIGINT goes on to the processes that run, and no other is started; the second SIGINT,
-/// or another signal that ends programs, kills them. What processes leave behind is killed, too.
+/// Does \p count pieces of work, each in a process of its own that this process watches. The status that a process
+/// reports counts only if the process ends with it. SIGINT is passed on to the running processes, and no other is
+/// started. A second SIGINT, or another signal that ends programs, kills them. Processes that they leave behind are
+/// killed, too.
 ///
 /// To be called while there is one thread.
-/// \return how many have ended; all, unless SIGINT came.
-/// \throws std::system_error when there cannot be another process.
-/// \throws EndedBySignal when they were killed.
+/// \return how many have ended: all of them, unless SIGINT came.
+/// \throws std::system_error if a process cannot be started.
+/// \throws EndedBySignal if they were killed.
 std::size_t runInProcesses(const AwaitedSignals& signals, std::size_t count, const ProcessSetting& setting,
                            ProcessWorkInterface& work);
 

@@ -4,7 +4,7 @@
 
 namespace vexa::runner {
 
-/// Work in processes that a user waits for: it tells him that his Ctrl-C was heard, and what a signal ended.
+/// Work in processes that a user waits for. It prints that Ctrl-C was heard, and what a signal ended.
 class UserWork : public ProcessWorkInterface {
 public:
     void stopAsked(std::size_t index, const ProcessBox& box) override;

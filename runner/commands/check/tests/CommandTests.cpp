@@ -1,4 +1,4 @@
-#include "commands/check/tests/CommandTests.h"
+#include "commands/check/tests/Tests.h"
 
 #include <cstdint>
 #include <cstring>
@@ -11,12 +11,12 @@
 namespace vexa::runner {
 namespace {
 
-std::string nameOf(const MacroStep& step) { return step.addOnId + ' ' + step.text + " (" + step.place + ')'; }
+std::string nameOf(const MacroCommand& step) { return step.addOnId + ' ' + step.text + " (" + step.place + ')'; }
 
 // Runs commands, each of which may fail: what it needs may not have come before.
-void runInOneSession(Trial& trial, const std::vector<MacroStep>& steps) {
-    Session session(trial);
-    for (const MacroStep& step : steps) session.run(step);
+void runInOneSession(Trial& trial, const std::vector<MacroCommand>& steps) {
+    CheckedSession session(trial);
+    for (const MacroCommand& step : steps) session.run(step);
     session.end();
 }
 
@@ -45,16 +45,16 @@ const VexaAddOn_s* enterCaller(AddOnList_s*) {
 }  // namespace
 
 Verdict commandsInOrder(Trial& trial) {
-    const std::vector<MacroStep>& steps = trial.subject().steps;
+    const std::vector<MacroCommand>& steps = trial.subject().steps;
     trial.nowTrying("the commands of the macros, in order", macroOf(steps));
-    Session session(trial);
-    for (const MacroStep& step : steps) session.runWell(step);
+    CheckedSession session(trial);
+    for (const MacroCommand& step : steps) session.runWell(step);
     session.end();
     return {};
 }
 
 Verdict commandsAlone(Trial& trial) {
-    for (const MacroStep& step : trial.subject().steps) {
+    for (const MacroCommand& step : trial.subject().steps) {
         trial.nowTrying("alone: " + nameOf(step), macroOf({step}));
         runInOneSession(trial, {step});
     }
@@ -62,8 +62,8 @@ Verdict commandsAlone(Trial& trial) {
 }
 
 Verdict commandsTwice(Trial& trial) {
-    std::vector<MacroStep> steps;
-    for (const MacroStep& step : trial.subject().steps) steps.insert(steps.end(), 2, step);
+    std::vector<MacroCommand> steps;
+    for (const MacroCommand& step : trial.subject().steps) steps.insert(steps.end(), 2, step);
     trial.nowTrying("the commands of the macros, each twice", macroOf(steps));
     runInOneSession(trial, steps);
     return {};
@@ -71,7 +71,7 @@ Verdict commandsTwice(Trial& trial) {
 
 Verdict commandsInRandomOrder(Trial& trial) {
     constexpr int kOrders = 5;
-    std::vector<MacroStep> steps = trial.subject().steps;
+    std::vector<MacroCommand> steps = trial.subject().steps;
     for (int order = 0; order != kOrders; ++order) {
         // Not by std::shuffle(), whose result is the library's own affair.
         for (std::size_t left = steps.size(); left > 1; --left) {
@@ -85,9 +85,9 @@ Verdict commandsInRandomOrder(Trial& trial) {
 
 Verdict commandsFromSecondAddOn(Trial& trial) {
     trial.nowTrying("the commands of the macros, in order, each run by a command of another add-on");
-    Session session(trial);
+    CheckedSession session(trial);
     session.host().linkAddOn(enterCaller);
-    for (const MacroStep& step : trial.subject().steps) {
+    for (const MacroCommand& step : trial.subject().steps) {
         session.runWell({step.place, kCaller, step.addOnId + ' ' + step.text});
     }
     session.end();

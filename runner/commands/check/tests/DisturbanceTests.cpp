@@ -1,4 +1,4 @@
-#include "commands/check/tests/DisturbanceTests.h"
+#include "commands/check/tests/Tests.h"
 
 #include <algorithm>
 #include <array>

@@ -41,16 +41,16 @@ std::string textOf(const Deed& deed) {
 
 }  // namespace
 
-DisturbedCommand::DisturbedCommand(Trial& trial, std::vector<MacroStep> before, MacroStep step)
+DisturbedCommand::DisturbedCommand(Trial& trial, std::vector<MacroCommand> before, MacroCommand step)
     : m_trial(trial), m_before(std::move(before)), m_step(std::move(step)) {
     m_trial.nowTrying(name() + ": undisturbed");
-    Session session(m_trial);
+    CheckedSession session(m_trial);
     runBefore(session);
     m_undisturbed = runOnce(session);
     for (const standin::Call& call : session.host().calls()) m_results[call.function].push_back(call.result);
     m_repeats = isSame(runOnce(session), m_undisturbed);
     session.end();
-    Session other(m_trial);
+    CheckedSession other(m_trial);
     runBefore(other);
     m_isSteady = isSame(runOnce(other), m_undisturbed);
     other.end();
@@ -75,7 +75,7 @@ void DisturbedCommand::run(const Disturbances& disturbances) const {
 // Returns up to where one session could serve.
 DisturbedCommand::Disturbances::const_iterator DisturbedCommand::runTogether(Disturbances::const_iterator at,
                                                                              Disturbances::const_iterator end) const {
-    Session session(m_trial);
+    CheckedSession session(m_trial);
     runBefore(session);
     bool isPossibleAgain = true;
     while (at != end && isPossibleAgain) {
@@ -88,7 +88,7 @@ DisturbedCommand::Disturbances::const_iterator DisturbedCommand::runTogether(Dis
     return at;
 }
 
-Deed DisturbedCommand::runDisturbed(Session& session, const Disturbance& disturbance) const {
+Deed DisturbedCommand::runDisturbed(CheckedSession& session, const Disturbance& disturbance) const {
     m_trial.nowTrying(name() + ": " + disturbance.what);
     for (const std::string& rule : disturbance.suppressed) session.host().suppress(rule);
     Deed deed;
@@ -101,14 +101,14 @@ Deed DisturbedCommand::runDisturbed(Session& session, const Disturbance& disturb
 
 std::size_t DisturbedCommand::countAllocations() const {
     m_trial.nowTrying(name() + ": undisturbed");
-    Session session(m_trial);
+    CheckedSession session(m_trial);
     runBefore(session);
     const AllocationFaults counting(Failing_e::None);
     session.run(m_step);
     return AllocationFaults::count();
 }
 
-Deed DisturbedCommand::runOnce(Session& session) const {
+Deed DisturbedCommand::runOnce(CheckedSession& session) const {
     standin::Host& host = session.host();
     host.clearCalls();
     host.clearRecordedCommands();
@@ -120,9 +120,9 @@ Deed DisturbedCommand::runOnce(Session& session) const {
     return deed;
 }
 
-void DisturbedCommand::runBefore(Session& session) const {
+void DisturbedCommand::runBefore(CheckedSession& session) const {
     session.host().setRecording(true);
-    for (const MacroStep& step : m_before) session.run(step);
+    for (const MacroCommand& step : m_before) session.run(step);
 }
 
 // Disturbed, a command may do less than it should, and record that; but not what cannot be run.
@@ -131,9 +131,9 @@ void DisturbedCommand::expectReplayable(const std::vector<std::string>& recorded
         const std::vector<std::string>& usual = m_undisturbed.recorded;
         if (std::find(usual.begin(), usual.end(), line) != usual.end()) continue;
         const std::size_t idEnd = line.find(' ');
-        Session session(m_trial);
+        CheckedSession session(m_trial);
         runBefore(session);
-        const auto finding = replay(session.host(), {line.substr(0, idEnd), line.substr(idEnd + 1), {}});
+        const auto finding = replay(session.session(), {line.substr(0, idEnd), line.substr(idEnd + 1), {}});
         if (finding) session.host().report(*finding);
         session.end();
     }
@@ -157,13 +157,13 @@ std::string DisturbedCommand::name() const {
 
 std::vector<DisturbedCommand> disturbedCommands(Trial& trial) {
     std::vector<DisturbedCommand> commands;
-    std::vector<MacroStep> before;
-    for (const MacroStep& step : trial.subject().steps) {
+    std::vector<MacroCommand> before;
+    for (const MacroCommand& step : trial.subject().steps) {
         commands.emplace_back(trial, before, step);
         before.push_back(step);
     }
-    const std::string addOnId = Session(trial).host().addOns().front().id;
-    commands.emplace_back(trial, std::vector<MacroStep>{}, MacroStep{"", addOnId, kUnknownCommand});
+    const std::string addOnId = CheckedSession(trial).host().addOns().front().id;
+    commands.emplace_back(trial, std::vector<MacroCommand>{}, MacroCommand{"", addOnId, kUnknownCommand});
     return commands;
 }
 

@@ -1,4 +1,4 @@
-#include "commands/check/tests/HygieneTest.h"
+#include "commands/check/tests/Tests.h"
 
 #include <dlfcn.h>
 #include <elf.h>
@@ -196,7 +196,7 @@ void checkMemory(const ElfFile& file, Findings& found) {
 }  // namespace
 
 Verdict binaryHygiene(Trial& trial) {
-    const std::string path = std::filesystem::absolute(trial.subject().addOn);
+    const std::string path = std::filesystem::absolute(trial.subject().addOn());
     Findings found;
     try {
         const ElfFile file = readElfFile(path);

@@ -1,4 +1,4 @@
-#include "commands/check/tests/LoadTests.h"
+#include "commands/check/tests/Tests.h"
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -66,7 +66,7 @@ bool staysWithMoreThreads(long than) {
 
 std::string whyStillMapped(const std::string& path) {
     const ElfFile file = readElfFile(path);
-    const auto hasSymbol = [&](const auto& is) { return std::find_if(file.symbols.begin(), file.symbols.end(), is); };
+    const auto findSymbol = [&](const auto& is) { return std::find_if(file.symbols.begin(), file.symbols.end(), is); };
     std::string lines =
         "its file is still mapped after it was unloaded: its static state stays, and a new version of it is not taken "
         "before the host ends";
@@ -76,13 +76,13 @@ std::string whyStillMapped(const std::string& path) {
         isKnown = true;
     };
     if (file.isNeverUnloaded) add("it is linked with -z nodelete");
-    const auto unique = hasSymbol([](const ElfSymbol& symbol) { return symbol.isDefined && symbol.isUnique; });
+    const auto unique = findSymbol([](const ElfSymbol& symbol) { return symbol.isDefined && symbol.isUnique; });
     if (unique != file.symbols.end()) {
         add("the whole process shares its " + demangled(unique->name) +
             ", which pins it; compile with -fno-gnu-unique, or export vexaAddOn alone by a version script");
     }
     const auto threadExit =
-        hasSymbol([](const ElfSymbol& symbol) { return symbol.name.find("__cxa_thread_atexit") == 0; });
+        findSymbol([](const ElfSymbol& symbol) { return symbol.name.find("__cxa_thread_atexit") == 0; });
     if (threadExit != file.symbols.end()) {
         add("it has thread_local objects with destructors; one of the host's own thread pins it until that ends");
     }
@@ -97,7 +97,7 @@ using Hold = std::unique_ptr<void, int (*)(void*)>;
 void expectNoThreadLeft(Trial& trial, const std::string& path) {
     trial.nowTrying("the threads after the add-on was shut down");
     const long threads = threadsNow();
-    Session session(trial);
+    CheckedSession session(trial);
     Hold hold(dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD), dlclose);
     session.end();
     if (staysWithMoreThreads(threads)) {
@@ -123,18 +123,18 @@ void expectNothingLeft(const Holdings& before, const Holdings& after) {
 
 Verdict load(Trial& trial) {
     trial.nowTrying("the add-on is loaded and unloaded");
-    Session session(trial);
+    CheckedSession session(trial);
     session.end();
     return {};
 }
 
 Verdict loadAndUnload(Trial& trial) {
-    const std::string path = std::filesystem::canonical(trial.subject().addOn);
+    const std::string path = std::filesystem::canonical(trial.subject().addOn());
     expectNoThreadLeft(trial, path);
     Holdings before{};
     for (int round = 1; round <= kRounds; ++round) {
         trial.nowTrying("round " + std::to_string(round) + " of loading and unloading");
-        Session(trial).end();
+        CheckedSession(trial).end();
         if (isMapped(path)) throw CaseFailed(whyStillMapped(path));
         if (round == kFirstRounds) before = holdingsNow();
     }

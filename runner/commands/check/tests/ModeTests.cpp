@@ -1,4 +1,4 @@
-#include "commands/check/tests/ModeTests.h"
+#include "commands/check/tests/Tests.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -10,28 +10,28 @@
 namespace vexa::runner {
 namespace {
 
-void runMacros(Session& session, const std::vector<MacroStep>& steps) {
-    for (const MacroStep& step : steps) session.runWell(step);
+void runMacros(CheckedSession& session, const std::vector<MacroCommand>& steps) {
+    for (const MacroCommand& step : steps) session.runWell(step);
     session.end();
 }
 
 Verdict inMode(Trial& trial, const char* mode, void (standin::Host::*setMode)(bool)) {
     trial.nowTrying(std::string("the commands of the macros, in order, ") + mode);
-    Session session(trial);
+    CheckedSession session(trial);
     (session.host().*setMode)(true);
     runMacros(session, trial.subject().steps);
     return {};
 }
 
-std::vector<standin::RecordedCommand> recordingOf(Trial& trial, const std::vector<MacroStep>& steps) {
-    Session session(trial);
+std::vector<standin::RecordedCommand> recordingOf(Trial& trial, const std::vector<MacroCommand>& steps) {
+    CheckedSession session(trial);
     session.host().setRecording(true);
     runMacros(session, steps);
     return session.host().recordedCommands();
 }
 
-std::vector<MacroStep> stepsOf(const std::vector<standin::RecordedCommand>& recording) {
-    std::vector<MacroStep> steps;
+std::vector<MacroCommand> stepsOf(const std::vector<standin::RecordedCommand>& recording) {
+    std::vector<MacroCommand> steps;
     steps.reserve(recording.size());
     for (const standin::RecordedCommand& recorded : recording)
         steps.push_back({"", recorded.addOnId, recorded.command});
@@ -56,7 +56,7 @@ std::string firstDifference(const std::vector<standin::RecordedCommand>& first,
 
 Verdict inBatchMode(Trial& trial) {
     trial.nowTrying("the commands of the macros, in order, in batch mode");
-    Session session(trial);
+    CheckedSession session(trial);
     session.host().setBatchMode(true);
     runMacros(session, trial.subject().steps);
     for (const std::string& dialog : session.host().dialogs()) {

@@ -1,4 +1,4 @@
-#include "commands/check/tests/MutatedTexts.h"
+#include "commands/check/tests/Tests.h"
 
 #include <algorithm>
 #include <deque>
@@ -17,19 +17,19 @@ namespace {
 
 // A command to damage.
 struct Original {
-    std::vector<MacroStep> before;  // the commands before it
-    MacroStep step;
+    std::vector<MacroCommand> before;  // the commands before it
+    MacroCommand step;
     std::deque<DamagedText> left;  // what is still to be tried of it
 };
 
 class Mutations {
 public:
     explicit Mutations(Trial& trial) : m_trial(trial) {
-        const std::string addOnId = Session(trial).host().addOns().front().id;
+        const std::string addOnId = CheckedSession(trial).host().addOns().front().id;
         const std::vector<DamagedText> strange = strangeTexts();
         m_originals.push_back({{}, {"", addOnId, "NAME = 'text'"}, {strange.begin(), strange.end()}});
-        std::vector<MacroStep> before;
-        for (const MacroStep& step : trial.subject().steps) {
+        std::vector<MacroCommand> before;
+        for (const MacroCommand& step : trial.subject().steps) {
             const std::vector<DamagedText> texts = damaged(step.text);
             m_originals.push_back({before, step, {texts.begin(), texts.end()}});
             before.push_back(step);
@@ -71,7 +71,7 @@ private:
 
     void tryText(const Original& original, const std::string& how, const std::string& text) {
         ++m_count;
-        std::vector<MacroStep> steps = original.before;
+        std::vector<MacroCommand> steps = original.before;
         steps.push_back({original.step.place, original.step.addOnId, text});
         const std::string macro = fitsMacroLine(text) ? macroOf(steps) : "";
         m_trial.nowTrying(how + ": " + original.step.addOnId + ' ' + text, macro);

@@ -2,12 +2,7 @@
 
 #include <algorithm>
 
-#include "commands/check/tests/CommandTests.h"
-#include "commands/check/tests/DisturbanceTests.h"
-#include "commands/check/tests/HygieneTest.h"
-#include "commands/check/tests/LoadTests.h"
-#include "commands/check/tests/ModeTests.h"
-#include "commands/check/tests/MutatedTexts.h"
+#include "commands/check/tests/Tests.h"
 
 namespace vexa::runner {
 

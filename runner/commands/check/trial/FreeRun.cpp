@@ -11,11 +11,11 @@ namespace {
 
 constexpr std::size_t kChecksUntilStop = 20;
 
-void runAll(Session& session, const std::vector<MacroStep>& steps) {
+void runAll(CheckedSession& session, const std::vector<MacroCommand>& steps) {
     standin::Host& host = session.host();
     host.setRecording(true);
     host.setKeepsCalls(false);
-    for (const MacroStep& step : steps) {
+    for (const MacroCommand& step : steps) {
         host.clearRecordedCommands();
         host.pressStopAtCheck(kChecksUntilStop);
         session.run(step);
@@ -23,19 +23,19 @@ void runAll(Session& session, const std::vector<MacroStep>& steps) {
     }
 }
 
-// The finding about what cannot be played back; nothing when it can be.
-std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroStep>& before,
+// The finding if the command cannot be played back.
+std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroCommand>& before,
                                          const standin::RecordedCommand& recorded) {
-    Session session(trial);
+    CheckedSession session(trial);
     runAll(session, before);
-    return replay(session.host(), recorded);
+    return replay(session.session(), recorded);
 }
 
-bool haveMacroLines(const std::vector<MacroStep>& steps) {
-    return std::all_of(steps.begin(), steps.end(), [](const MacroStep& step) { return fitsMacroLine(step.text); });
+bool haveMacroLines(const std::vector<MacroCommand>& steps) {
+    return std::all_of(steps.begin(), steps.end(), [](const MacroCommand& step) { return fitsMacroLine(step.text); });
 }
 
-// A command that no macro holds is recorded as it came, and so refused. That is no fault of the add-on.
+// The host refuses to record a command that does not fit in a line of a macro. The add-on did nothing wrong.
 void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
     const auto isRefusal = [](const auto& finding) { return finding.rule == "recording-not-replayable"; };
     findings.erase(std::remove_if(findings.begin(), findings.end(), isRefusal), findings.end());
@@ -43,15 +43,15 @@ void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
 
 }  // namespace
 
-std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroStep>& steps) {
-    Session session(trial);
+std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroCommand>& steps) {
+    CheckedSession session(trial);
     standin::Host& host = session.host();
     runAll(session, steps);
-    const std::vector<MacroStep> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
+    const std::vector<MacroCommand> before(steps.begin(), steps.empty() ? steps.end() : steps.end() - 1);
     for (const standin::RecordedCommand& recorded : host.recordedCommands()) {
         if (const auto finding = playBack(trial, before, recorded)) host.report(*finding);
     }
-    host.unloadAddOns();
+    session.session().unloadAddOns();
     std::vector<standin::Finding> findings = host.violations();
     if (!haveMacroLines(steps)) forgetRefusedRecordings(findings);
     return findings;

@@ -7,10 +7,10 @@
 
 namespace vexa::runner {
 
-/// Runs \p steps in a session of its own, where each may be anything, and may fail. A task that shows its progress is
-/// stopped by the user after some time: a damaged number can make it endless. What the last command recorded is played
-/// back in another session, behind the same steps.
-/// \return what was found on the way, until the add-on was unloaded.
-std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroStep>& steps);
+/// Runs \p steps, which may be any texts and may fail, in a session of its own. The stop button is pressed after some
+/// steps of a task, because a damaged number can make a task endless. The commands that the last step recorded are
+/// played back in another session, after the same steps.
+/// \return the findings until the add-on was unloaded.
+std::vector<standin::Finding> findingsOf(Trial& trial, const std::vector<MacroCommand>& steps);
 
 }  // namespace vexa::runner

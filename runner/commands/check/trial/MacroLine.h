@@ -4,7 +4,7 @@
 
 namespace vexa::runner {
 
-/// Whether \p text is read back from a macro file as it is.
+/// Whether a macro file can hold a command with this text.
 inline bool fitsMacroLine(std::string_view text) {
     return !text.empty() && text.front() != ' ' && text.front() != '\t' &&
            text.find_first_of(std::string_view("\n\r\0", 3)) == std::string_view::npos;

@@ -27,9 +27,9 @@ std::string nameOf(const standin::EntryEvent& entry) {
 
 }  // namespace
 
-std::string macroOf(const std::vector<MacroStep>& steps) {
+std::string macroOf(const std::vector<MacroCommand>& steps) {
     std::string text;
-    for (const MacroStep& step : steps) text += step.addOnId + ' ' + step.text + '\n';
+    for (const MacroCommand& step : steps) text += step.addOnId + ' ' + step.text + '\n';
     return text;
 }
 
@@ -44,7 +44,7 @@ Trial::Trial(const Subject& subject, BlackBox& blackBox)
 
 void Trial::nowTrying(const std::string& what, const std::string& macro) {
     m_blackBox.tried.set(what);
-    // Half a macro shows nothing.
+    // A macro that was cut shows nothing.
     m_blackBox.macro.set(macro.size() <= decltype(m_blackBox.macro)::capacity() ? macro : "");
     m_blackBox.touch();
 }
@@ -61,15 +61,15 @@ std::string Trial::warnings() const {
     return lines;
 }
 
-// Writes the black box. Itself it allocates nothing during a command, whose allocations may be made to fail.
-class Session::Recorder : public standin::ObserverInterface {
+// Writes the black box. It allocates nothing during a command, because the test may let allocations fail.
+class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
     explicit Recorder(BlackBox& box) : m_box(box) {}
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
     ~Recorder() override = default;
 
-    // An add-on's command may run one of another add-on.
+    // A command of an add-on may run a command of another one.
     void entryBegan(const standin::EntryEvent& entry) override {
         m_entries.push_back(nameOf(entry));
         m_box.entry.set(m_entries.back());
@@ -101,25 +101,27 @@ private:
     std::mutex m_guard;  // calls come from any thread
 };
 
-Session::Session(Trial& trial) : m_trial(trial), m_recorder(std::make_unique<Recorder>(trial.m_blackBox)) {
-    const Subject& subject = trial.subject();
-    m_host.setObserver(m_recorder.get());
-    for (const std::string& rule : subject.suppressed) m_host.suppress(rule);
-    giveStyles(m_host, subject.style);
+CheckedSession::CheckedSession(Trial& trial)
+    : m_trial(trial),
+      m_recorder(std::make_unique<Recorder>(trial.m_blackBox)),
+      m_session(trial.subject().options, *trial.m_blackBox.process) {
+    host().setKeepsCalls(true);
+    host().setObserver(m_recorder.get());
+    giveStyles(host(), trial.subject().style);
     try {
-        std::string ids = m_host.loadAddOn(subject.addOn).id;
-        for (const std::string& other : subject.others) ids += '\n' + m_host.loadAddOn(other).id;
+        std::string ids;
+        for (const std::string& file : trial.subject().options.addOns) addLine(ids, m_session.loadAddOn(file).id);
         trial.m_blackBox.addOnIds.set(ids);
     } catch (const standin::LoadError& error) {
         throw CaseFailed(error.message());
     }
 }
 
-Session::~Session() = default;
+CheckedSession::~CheckedSession() = default;
 
-standin::CommandResult Session::run(const MacroStep& step) { return m_host.run(step.addOnId, step.text, step.place); }
+standin::CommandResult CheckedSession::run(const MacroCommand& step) { return m_session.run(step); }
 
-void Session::runWell(const MacroStep& step) {
+void CheckedSession::runWell(const MacroCommand& step) {
     const standin::CommandResult result = run(step);
     if (result.accepted) return;
     const std::string place = step.place.empty() ? "" : step.place + ": ";
@@ -129,20 +131,20 @@ void Session::runWell(const MacroStep& step) {
     throw CaseFailed(lines);
 }
 
-void Session::expectContractKept() {
+void CheckedSession::expectContractKept() {
     const std::string errors = breaches();
     if (!errors.empty()) throw CaseFailed(errors);
 }
 
-void Session::end() {
-    m_host.unloadAddOns();
+void CheckedSession::end() {
+    m_session.unloadAddOns();
     expectContractKept();
 }
 
-// The breaches of rules of severity error; of others it warns.
-std::string Session::breaches() {
+// The breaches of rules of severity error. The others become warnings.
+std::string CheckedSession::breaches() {
     std::string errors;
-    for (const standin::Finding& finding : m_host.violations()) {
+    for (const standin::Finding& finding : host().violations()) {
         const std::string text(withoutTrailingBlanks(textOf(finding)));
         if (finding.severity == standin::Severity_e::Warning) {
             m_trial.warn(text);

@@ -10,39 +10,33 @@
 
 #include "commands/check/trial/CheckTest.h"
 #include "formats/StyleFile.h"
-#include "vexastandin/Host.h"
+#include "session/Session.h"
 
 namespace vexa::runner {
 
 class Confinement;
 struct BlackBox;
 
-/// A command of one of the macros.
-struct MacroStep {
-    std::string place;    ///< `FILE:LINE`; empty when it comes from none
-    std::string addOnId;  ///< the add-on it is for
-    std::string text;     ///< the command, as written
-};
-
 /// The macro file of \p steps.
-std::string macroOf(const std::vector<MacroStep>& steps);
+std::string macroOf(const std::vector<MacroCommand>& steps);
 
-/// What is checked, and by what.
+/// The add-on to check, and the input of the tests.
 struct Subject {
-    std::string addOn;                         ///< the add-on's file
-    std::vector<std::string> others;           ///< the files of further add-ons, which the macros need
-    std::vector<MacroStep> steps;              ///< the commands of all macros, in order
+    SessionOptions options;                    ///< the first add-on is checked; the macros need the others
+    std::vector<MacroCommand> steps;           ///< the commands of all macros, in order
     std::vector<StyleSetting> style;           ///< the host's style settings
-    std::vector<std::string> suppressed;       ///< rules whose breaches pass
     std::uint64_t seed = 0;                    ///< of all that is random
-    std::chrono::milliseconds time{};          ///< for how long a test that could go on for ever does
-    const Confinement* confinement = nullptr;  ///< what a process of the test enters; null when it writes anywhere
+    std::chrono::milliseconds time{};          ///< the time for a test that could go on forever
+    const Confinement* confinement = nullptr;  ///< which the process of the test enters; null for none
+
+    const std::string& addOn() const { return options.addOns.front(); }
 };
 
-/// What the add-on did wrong. Ends the test.
+/// An error of the add-on, which ends the test.
 class CaseFailed : public std::runtime_error {
 public:
-    /// \param reason for people. \param macro a macro that shows it; empty when only the test does.
+    /// \param reason is for the user.
+    /// \param macro  shows the error; empty if only the test shows it.
     explicit CaseFailed(const std::string& reason, std::string macro = {});
     const std::string& macro() const { return m_macro; }
 
@@ -50,27 +44,28 @@ private:
     std::string m_macro;
 };
 
-/// A test under way. What it notes survives a crash of its process.
+/// A running test. Its notes survive a crash of its process.
 class Trial {
 public:
     /// \param blackBox where notes go, shared with the process that watches.
     Trial(const Subject& subject, BlackBox& blackBox);
 
     const Subject& subject() const { return m_subject; }
-    /// Random numbers, the same ones whenever the test runs with the same seed.
+    /// Random numbers, which depend on the seed only.
     std::mt19937_64& random() { return m_random; }
-    /// Notes what is tried from here on, for example "call 3 of VexaUtilStringAlloc fails". A failure, a crash or a
-    /// hang is told with it, and with \p macro if that shows it.
+    /// Notes what the test tries from now on, for example "call 3 of VexaUtilStringAlloc fails". The report of a
+    /// failure, a crash or a hang names it, and has \p macro, which may show it.
     void nowTrying(const std::string& what, const std::string& macro = {});
-    /// Whether the time of a test that could go on for ever is over.
+    /// Whether the time for a test that could go on forever is over.
     bool isTimeUp() const;
-    /// A rule of severity warning was broken: the test ends as warned, unless it fails. The same reason counts once.
+    /// Notes that a rule of severity warning was broken. The test ends as warned, unless it fails. Equal reasons count
+    /// once.
     void warn(const std::string& reason);
-    /// The reasons of warn(), lines.
+    /// The reasons given to warn(), a line each.
     std::string warnings() const;
 
 private:
-    friend class Session;
+    friend class CheckedSession;
     const Subject& m_subject;
     BlackBox& m_blackBox;
     std::mt19937_64 m_random;
@@ -78,25 +73,27 @@ private:
     std::vector<std::string> m_warnings;
 };
 
-/// A host of its own with the add-on loaded: what a case of a test works on. Notes in the black box which command runs
-/// and which host call it is in.
-class Session {
+/// The session of a test case: a host of its own, with the add-on loaded. Notes in the black box which command runs and
+/// which host call it is in.
+class CheckedSession {
 public:
-    /// \throws CaseFailed when the add-on cannot be loaded.
-    explicit Session(Trial& trial);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session();
+    /// \throws CaseFailed if the add-on cannot be loaded.
+    explicit CheckedSession(Trial& trial);
+    CheckedSession(const CheckedSession&) = delete;
+    CheckedSession& operator=(const CheckedSession&) = delete;
+    ~CheckedSession();
 
-    standin::Host& host() { return m_host; }
+    Session& session() { return m_session; }
+    standin::Host& host() { return m_session.host(); }
     /// Runs a command.
-    standin::CommandResult run(const MacroStep& step);
-    /// Runs a command that has to succeed, as in every case without faults.
-    /// \throws CaseFailed when it fails, with its message and what was wrong so far.
-    void runWell(const MacroStep& step);
-    /// \throws CaseFailed when a rule of severity error was broken so far; warnings go to Trial::warn().
+    standin::CommandResult run(const MacroCommand& step);
+    /// Runs a command that must succeed, as in every case without faults.
+    /// \throws CaseFailed if it fails, with its message and the findings so far.
+    void runWell(const MacroCommand& step);
+    /// Passes warnings to Trial::warn().
+    /// \throws CaseFailed if a rule of severity error was broken so far.
     void expectContractKept();
-    /// Unloads the add-on, and does the above: leaks show then.
+    /// Unloads the add-on, and calls expectContractKept(): leaks show after unloading.
     void end();
 
 private:
@@ -105,8 +102,8 @@ private:
     std::string breaches();
 
     Trial& m_trial;
-    std::unique_ptr<Recorder> m_recorder;  // outlives the host, which tells it what happens
-    standin::Host m_host;
+    std::unique_ptr<Recorder> m_recorder;  // the host calls it, so it must outlive the host
+    Session m_session;
 };
 
 }  // namespace vexa::runner

@@ -1,4 +1,4 @@
-#include "session/GuardedWork.h"
+#include "session/watch/UncaughtErrors.h"
 
 #include <cstdio>
 #include <exception>
@@ -6,18 +6,21 @@
 #include <string>
 
 #include "options/ExitStatus.h"
+#include "system/files/OutputTarget.h"
 #include "system/processes/AwaitedSignals.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
 
-int guarded(const std::function<int()>& work) {
+int printUncaughtErrors(const std::function<int()>& work) {
     try {
         return work();
     } catch (const EndedBySignal&) {
         throw;
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: out of memory\n", kProgramName);
+    } catch (const OutputError& error) {
+        tell(error.what());
     } catch (const std::exception& error) {
         const char* const text = error.what();
         tell(kProgramName, std::string("unexpected error: ") + (text == nullptr ? "no message" : text));

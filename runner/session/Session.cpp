@@ -1,0 +1,131 @@
+#include "session/Session.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "session/watch/Death.h"
+#include "terminal/Console.h"
+
+namespace vexa::runner {
+namespace {
+
+constexpr std::chrono::seconds kTimeForLastWords{5};
+
+}  // namespace
+
+RunFiles inputsOf(const SessionOptions& options) {
+    RunFiles files;
+    files.read(options.addOns);
+    files.read(options.style);
+    files.read(options.contract.projectFile);
+    return files;
+}
+
+// The time in which the session works on something: the box has it, and the time limit holds.
+class Session::TimeInAddOn {
+public:
+    TimeInAddOn(Session& session, const MacroCommand& work, std::size_t times = 1)
+        : m_box(session.m_box), m_watchdog(session.m_watchdog) {
+        m_box.enter(work.place, work.addOnId, work.text);
+        if (!m_watchdog) return;
+        const Watchdog::Seconds limit = *session.m_options.contract.timeout * static_cast<double>(times);
+        m_box.allow(std::chrono::ceil<ProcessBox::Clock::duration>(limit));
+        m_watchdog->start(limit);
+    }
+    TimeInAddOn(const TimeInAddOn&) = delete;
+    TimeInAddOn& operator=(const TimeInAddOn&) = delete;
+    // If the add-on forked a copy of the process, the copy ends here, so that it does not go on with the session.
+    ~TimeInAddOn() {
+        if (m_box.isOfOther()) _exit(EXIT_FAILURE);
+        if (m_watchdog) {
+            m_watchdog->stop();
+            m_box.allow({});
+        }
+        m_box.leaveAddOn();
+    }
+
+private:
+    ProcessBox& m_box;
+    std::optional<Watchdog>& m_watchdog;
+};
+
+Session::Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude)
+    : m_options(options), m_box(box) {
+    m_host.setCallProgress(&box.calls);
+    m_host.setKeepsCalls(false);
+    m_host.setBatchMode(options.batch);
+    for (const std::string& rule : options.contract.suppressed) m_host.suppress(rule);
+    if (options.contract.timeout && conclude) m_watchdog.emplace([this, conclude] { endProcess(conclude); });
+}
+
+standin::AddOnInfo Session::loadAddOn(const std::string& file) {
+    const TimeInAddOn time(*this, {"", "", "loading of " + file});
+    return m_host.loadAddOn(file);
+}
+
+bool Session::loadAddOns() {
+    bool allLoaded = true;
+    for (const std::string& file : m_options.addOns) {
+        try {
+            loadAddOn(file);
+        } catch (const standin::LoadError& error) {
+            tell(error.message());
+            allLoaded = false;
+        }
+    }
+    return allLoaded;
+}
+
+void Session::unloadAddOns() {
+    std::string work = "unloading of";
+    const std::vector<standin::AddOnInfo> addOns = m_host.addOns();
+    for (const standin::AddOnInfo& addOn : addOns) work += ' ' + addOn.id;
+    const TimeInAddOn time(*this, {"", "", work}, std::max<std::size_t>(addOns.size(), 1));
+    m_host.unloadAddOns();
+}
+
+MacroFile Session::readMacro(const std::string& file, UnknownId_e unknownId) {
+    m_isReading = true;
+    MacroFile macro;
+    {
+        const TimeInAddOn time(*this, {"", "", "reading of " + file});
+        macro = readMacroFile(file, addOnIds(), unknownId);
+    }
+    m_isReading = false;
+    return macro;
+}
+
+standin::CommandResult Session::run(const MacroCommand& command) {
+    const TimeInAddOn time(*this, command);
+    return m_host.run(command.addOnId, command.text, command.place);
+}
+
+std::set<std::string> Session::addOnIds() const {
+    std::set<std::string> ids;
+    for (const standin::AddOnInfo& addOn : m_host.addOns()) ids.insert(addOn.id);
+    return ids;
+}
+
+bool Session::isContractBroken() const {
+    const ContractOptions& contract = m_options.contract;
+    const std::vector<standin::Finding> findings = m_host.violations();
+    return contract.isStrict() && std::any_of(findings.begin(), findings.end(), [&](const standin::Finding& finding) {
+               return contract.warningsAsErrors.value_or(false) || finding.severity == standin::Severity_e::Error;
+           });
+}
+
+// The add-on goes on meanwhile, and may hold locks, or the standard output if nobody reads it. If this waits for them,
+// the process that watches this one ends it.
+void Session::endProcess(const ConcludeOverrun& conclude) {
+    Overrun overrun{{m_box.place.text(), m_box.addOnId.text(), m_box.work.text()}, m_box.limit(), std::nullopt};
+    m_box.allow(kTimeForLastWords);
+    if (!m_isReading) overrun.finding = hangFinding(m_host.lastCall(), m_box.callsBefore, overrun.limit);
+    const int status = conclude(overrun);
+    m_box.report(status);
+    m_box.markLeft();
+    _exit(status);
+}
+
+}  // namespace vexa::runner

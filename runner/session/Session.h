@@ -1,0 +1,89 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "formats/MacroFile.h"
+#include "options/ContractOptions.h"
+#include "session/Watchdog.h"
+#include "session/watch/ProcessBox.h"
+#include "system/files/RunFiles.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+
+/// The options of a session.
+struct SessionOptions {
+    std::vector<std::string> addOns;   ///< the files to load
+    std::optional<std::string> style;  ///< the style file
+    ContractOptions contract;          ///< how the host checks its contract, and the time limit
+    bool batch = false;                ///< the host says that it is in batch mode
+    bool inProcess = false;            ///< run in this process, for a debugger
+};
+
+/// The files that a session with \p options reads, so that no output replaces one of them.
+RunFiles inputsOf(const SessionOptions& options);
+
+/// Work of a session that took longer than the time limit.
+struct Overrun {
+    MacroCommand work;                        ///< a command; of other work only the text, such as `loading of FILE`
+    std::chrono::duration<double> limit;      ///< the limit of this work
+    std::optional<standin::Finding> finding;  ///< what the add-on did wrong; nothing if no add-on was entered
+};
+
+/// A stand-in host that is set up from options: the way in which each command of the program runs add-ons.
+///
+/// The process box gets what the add-ons are entered for. With a time limit, work that takes longer ends the process.
+/// Threads: as for standin::Host.
+class Session {
+public:
+    /// Tells of work that took too long, and returns the status with which the process ends.
+    using ConcludeOverrun = std::function<int(const Overrun&)>;
+
+    /// \param options  must live longer. The caller gives the style file to the host.
+    /// \param box      must live longer.
+    /// \param conclude is called on a thread of the session, while the add-on goes on; without it there is no limit.
+    Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude = nullptr);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session() = default;
+
+    standin::Host& host() { return m_host; }
+    const standin::Host& host() const { return m_host; }
+
+    /// Loads an add-on.
+    /// \throws standin::LoadError
+    standin::AddOnInfo loadAddOn(const std::string& file);
+    /// Loads the add-ons of the options, and prints why one cannot be loaded.
+    /// \return whether all were loaded
+    bool loadAddOns();
+    /// Unloads all add-ons. The host does this in one call, so the time limit counts once for each of them.
+    void unloadAddOns();
+    /// Reads a macro file for the loaded add-ons. A pipe may have no end, so the time limit holds here, too.
+    MacroFile readMacro(const std::string& file, UnknownId_e unknownId = UnknownId_e::RefusesFile);
+    /// Runs a command.
+    /// \throws vexa::InvalidArgumentException if its add-on is not loaded.
+    standin::CommandResult run(const MacroCommand& command);
+
+    /// The ids of the loaded add-ons.
+    std::set<std::string> addOnIds() const;
+    /// Whether the options are strict and a rule was broken that counts.
+    bool isContractBroken() const;
+
+private:
+    class TimeInAddOn;
+
+    [[noreturn]] void endProcess(const ConcludeOverrun& conclude);
+
+    const SessionOptions& m_options;
+    ProcessBox& m_box;
+    bool m_isReading = false;
+    std::optional<Watchdog> m_watchdog;
+    standin::Host m_host;
+};
+
+}  // namespace vexa::runner

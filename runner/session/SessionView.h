@@ -1,0 +1,51 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "session/FindingPrinter.h"
+#include "terminal/Console.h"
+#include "terminal/PlainStatus.h"
+#include "terminal/Screen.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::runner {
+
+/// What a user sees of a host: dialogs, the status line and findings.
+///
+/// Threads: a dialog may come from any thread of an add-on; all else is for the thread of the host.
+class SessionView {
+public:
+    /// Shows what \p host does from now on: dialogs, and the status line if \p showsStatus.
+    void show(standin::Host& host, bool showsStatus);
+
+    /// Draws the status line on the terminal from now on. The parameters are those of Screen.
+    void drawStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
+    void stopDrawing() { m_screen.reset(); }
+    /// To be called before the process ends without destroying this. Call nothing after it.
+    void leaveTerminal();
+
+    /// Sets what messages start with: `FILE:LINE: ID` while a command runs, and else the name of the program.
+    void setPlace(const std::string& place);
+    std::string place() const;
+
+    /// Shows that a command, or other work, has ended.
+    void conclude(bool hasSucceeded) { m_plainStatus.conclude(hasSucceeded); }
+    /// Prints the findings since the last call.
+    void printFindings() { m_findings.printNew(*m_host); }
+
+private:
+    void showStatus(const standin::StatusLine& line);
+
+    standin::Host* m_host = nullptr;
+    mutable std::mutex m_guard;
+    std::string m_place = kProgramName;
+    PlainStatus m_plainStatus;
+    std::optional<Screen> m_screen;
+    FindingPrinter m_findings;
+};
+
+}  // namespace vexa::runner
