@@ -269,8 +269,8 @@ const std::vector<const char*>& uncheckedMistakes() {
         "Writes before the start of a host string, or past the guard bytes after its end.",
         "The use of a freed handle whose address the host has given out again: it counts as a use of the new object.",
         "Reads of a text or a set from a style query after the setting was changed.",
-        "The address of a result that is neither null nor valid, or that becomes invalid before the argument list is "
-        "freed.",
+        ("The address of a result that is neither null nor valid, or that becomes invalid before the argument list is "
+         "freed."),
         "A mutex that a thread of the add-on leaves locked. The stand-in notices it only if the mutex is freed.",
         "Data that threads of the add-on share without a mutex: use the thread sanitizer.",
         "Errors that appear only in a host that answers differently from the stand-in.",

@@ -57,9 +57,10 @@ std::string specOf(const Option& option) {
     const std::string rest = '[' + escaped(option.help) + ']' + (hasValue ? valueOf(option) : "");
     std::string specs;
     for (const std::string& name : option.names) {
-        const bool isLong = name.size() > 2;
-        const std::string taken = option.isRepeatable() ? "*" : '(' + joined(option.names, " ") + ')';
-        specs += (specs.empty() ? "" : " ") + quoted(taken + name + (hasValue ? (isLong ? "=" : "+") : "") + rest);
+        std::string spec = option.isRepeatable() ? "*" : '(' + joined(option.names, " ") + ')';
+        spec += name;
+        if (hasValue) spec += name.size() > 2 ? '=' : '+';
+        specs += (specs.empty() ? "" : " ") + quoted(spec + rest);
     }
     return specs;
 }
