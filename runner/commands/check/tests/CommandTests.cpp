@@ -11,8 +11,6 @@
 namespace vexa::runner {
 namespace {
 
-std::string nameOf(const MacroCommand& step) { return step.addOnId + ' ' + step.text + " (" + step.place + ')'; }
-
 // Runs commands, each of which may fail: what it needs may not have come before.
 void runInOneSession(Trial& trial, const std::vector<MacroCommand>& steps) {
     CheckedSession session(trial);
@@ -47,9 +45,7 @@ const VexaAddOn_s* enterCaller(AddOnList_s*) {
 Verdict commandsInOrder(Trial& trial) {
     const std::vector<MacroCommand>& steps = trial.subject().steps;
     trial.nowTrying("the commands of the macros, in order", macroOf(steps));
-    CheckedSession session(trial);
-    for (const MacroCommand& step : steps) session.runWell(step);
-    session.end();
+    CheckedSession(trial).runWellAndEnd(steps);
     return {};
 }
 
@@ -87,10 +83,11 @@ Verdict commandsFromSecondAddOn(Trial& trial) {
     trial.nowTrying("the commands of the macros, in order, each run by a command of another add-on");
     CheckedSession session(trial);
     session.host().linkAddOn(enterCaller);
+    std::vector<MacroCommand> steps;
     for (const MacroCommand& step : trial.subject().steps) {
-        session.runWell({step.place, kCaller, step.addOnId + ' ' + step.text});
+        steps.push_back({step.place, kCaller, step.addOnId + ' ' + step.text});
     }
-    session.end();
+    session.runWellAndEnd(steps);
     return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -95,22 +96,30 @@ Disturbance withoutMemory(Failing_e failing, std::size_t nth) {
     return disturbance;
 }
 
-using Cases = std::vector<DisturbedCase>;
+// At most kMostOfOneKind of the numbers from 1 to `count`, in the order in which to try them: the first, the last, and
+// the others at random.
+std::vector<std::size_t> sampled(Trial& trial, std::size_t count) {
+    std::vector<std::size_t> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), std::size_t{1});
+    if (count > 2) std::swap(numbers[1], numbers.back());
+    for (std::size_t at = 2; at < count; ++at) std::swap(numbers[at], numbers[at + trial.random()() % (count - at)]);
+    numbers.resize(std::min(count, kMostOfOneKind));
+    return numbers;
+}
 
-// Adds the cases of a function that the command with this index calls.
-void addFailures(Trial& trial, Cases& cases, std::size_t index, const DisturbedCommand& command,
+// Adds the failures of a function that the command calls.
+void addFailures(Trial& trial, RankedDisturbances& failures, const DisturbedCommand& command,
                  const standin::HostFunctionInfo& info) {
     const std::vector<std::string> results = command.resultsOf(info.name);
     std::size_t rank = 0;
-    for (const std::size_t nth : sampled(trial, results.size(), kMostOfOneKind)) {
+    for (const std::size_t nth : sampled(trial, results.size())) {
         ++rank;
         for (const int result : failuresOf(info.result)) {
-            // What is answered anyway disturbs nobody.
+            // A result that the call returns anyway disturbs nobody.
             if (results[nth - 1] == resultText(info.result, result)) continue;
             const Disturbance one = failing(info, nth, result);
-            cases.push_back({index, rank, one});
-            if (rank == 1 && info.name != std::string(kAllocString))
-                cases.push_back({index, rank, withoutMessage(one)});
+            failures.emplace(rank, one);
+            if (rank == 1 && info.name != std::string(kAllocString)) failures.emplace(rank, withoutMessage(one));
         }
     }
 }
@@ -118,45 +127,37 @@ void addFailures(Trial& trial, Cases& cases, std::size_t index, const DisturbedC
 }  // namespace
 
 Verdict hostCallFails(Trial& trial) {
-    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
-    Cases cases;
-    for (std::size_t i = 0; i != commands.size(); ++i) {
-        for (const standin::HostFunctionInfo& info : standin::hostFunctions()) {
-            addFailures(trial, cases, i, commands[i], info);
-        }
-    }
-    return tryCases(trial, commands, std::move(cases));
+    const auto failures = [&](const DisturbedCommand& command) {
+        RankedDisturbances all;
+        for (const standin::HostFunctionInfo& info : standin::hostFunctions()) addFailures(trial, all, command, info);
+        return all;
+    };
+    return tryDisturbances(trial, failures, "there was nothing to disturb");
 }
 
 Verdict stopPressed(Trial& trial) {
-    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
-    Cases cases;
-    for (std::size_t i = 0; i != commands.size(); ++i) {
-        std::size_t rank = 0;
-        for (const std::size_t nth : sampled(trial, commands[i].resultsOf(kCheckPercent).size(), kMostOfOneKind)) {
-            cases.push_back({i, ++rank, stopping(nth)});
+    const auto stops = [&](const DisturbedCommand& command) {
+        RankedDisturbances all;
+        for (const std::size_t nth : sampled(trial, command.resultsOf(kCheckPercent).size())) {
+            all.emplace(all.size(), stopping(nth));
         }
-    }
-    if (cases.empty()) return {Outcome_e::Skipped, "no command shows a progress that could be stopped"};
-    return tryCases(trial, commands, std::move(cases));
+        return all;
+    };
+    return tryDisturbances(trial, stops, "no command shows a progress that could be stopped");
 }
 
 Verdict allocationFails(Trial& trial) {
-    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
-    Cases cases;
-    for (std::size_t i = 0; i != commands.size(); ++i) {
-        std::size_t rank = 0;
-        for (const std::size_t nth : sampled(trial, commands[i].countAllocations(), kMostOfOneKind)) {
-            cases.push_back({i, ++rank, withoutMemory(Failing_e::One, nth)});
-            cases.push_back({i, rank, withoutMemory(Failing_e::FromThere, nth)});
+    const auto failures = [&](const DisturbedCommand& command) {
+        RankedDisturbances all;
+        for (const std::size_t nth : sampled(trial, command.countAllocations())) {
+            all.emplace(all.size(), withoutMemory(Failing_e::One, nth));
+            all.emplace(all.size(), withoutMemory(Failing_e::FromThere, nth));
         }
-    }
-    if (cases.empty()) {
-        return {Outcome_e::Skipped,
-                "no allocation was seen: the commands make none, or the add-on has an operator new of its own, as when "
-                "it is linked with the C++ library inside"};
-    }
-    return tryCases(trial, commands, std::move(cases));
+        return all;
+    };
+    return tryDisturbances(trial, failures,
+                           "no allocation was seen: the commands make none, or the add-on has an operator new of its "
+                           "own, as when it is linked with the C++ library inside");
 }
 
 }  // namespace vexa::runner

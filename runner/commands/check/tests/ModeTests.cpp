@@ -5,90 +5,66 @@
 #include <string>
 #include <vector>
 
-#include "formats/MacroText.h"
-
 namespace vexa::runner {
 namespace {
 
-void runMacros(CheckedSession& session, const std::vector<MacroCommand>& steps) {
-    for (const MacroCommand& step : steps) session.runWell(step);
-    session.end();
-}
-
-Verdict inMode(Trial& trial, const char* mode, void (standin::Host::*setMode)(bool)) {
+// Runs the commands of the macros in a mode of the host, and returns the dialogs that they showed.
+std::vector<std::string> dialogsInMode(Trial& trial, const char* mode, void (standin::Host::*setMode)(bool)) {
     trial.nowTrying(std::string("the commands of the macros, in order, ") + mode);
     CheckedSession session(trial);
     (session.host().*setMode)(true);
-    runMacros(session, trial.subject().steps);
-    return {};
+    session.runWellAndEnd(trial.subject().steps);
+    return session.host().dialogs();
 }
 
-std::vector<standin::RecordedCommand> recordingOf(Trial& trial, const std::vector<MacroCommand>& steps) {
+std::vector<std::string> recordingOf(Trial& trial, const std::vector<MacroCommand>& steps) {
     CheckedSession session(trial);
     session.host().setRecording(true);
-    runMacros(session, steps);
-    return session.host().recordedCommands();
+    session.runWellAndEnd(steps);
+    return session.recorded();
 }
 
-std::vector<MacroCommand> stepsOf(const std::vector<standin::RecordedCommand>& recording) {
-    std::vector<MacroCommand> steps;
-    steps.reserve(recording.size());
-    for (const standin::RecordedCommand& recorded : recording)
-        steps.push_back({"", recorded.addOnId, recorded.command});
-    return steps;
-}
-
-std::string lineOf(const std::vector<standin::RecordedCommand>& recording, std::size_t index) {
-    if (index >= recording.size()) return "nothing";
-    return recording[index].addOnId + ' ' + recording[index].command;
-}
-
-// Nothing when both are the same.
-std::string firstDifference(const std::vector<standin::RecordedCommand>& first,
-                            const std::vector<standin::RecordedCommand>& second) {
-    std::size_t i = 0;
-    while (i < std::max(first.size(), second.size()) && lineOf(first, i) == lineOf(second, i)) ++i;
-    if (i == first.size() && i == second.size()) return "";
-    return "first: " + lineOf(first, i) + "\nthen:  " + lineOf(second, i);
+std::string lineOf(const std::vector<std::string>& recording, std::size_t index) {
+    return index < recording.size() ? recording[index] : "nothing";
 }
 
 }  // namespace
 
 Verdict inBatchMode(Trial& trial) {
-    trial.nowTrying("the commands of the macros, in order, in batch mode");
-    CheckedSession session(trial);
-    session.host().setBatchMode(true);
-    runMacros(session, trial.subject().steps);
-    for (const std::string& dialog : session.host().dialogs()) {
+    for (const std::string& dialog : dialogsInMode(trial, "in batch mode", &standin::Host::setBatchMode)) {
         trial.warn("in batch mode a dialog comes up, with nobody there to close it: " + dialog);
     }
     return {};
 }
 
 Verdict whileRecording(Trial& trial) {
-    return inMode(trial, "while the host records macros", &standin::Host::setRecording);
+    dialogsInMode(trial, "while the host records macros", &standin::Host::setRecording);
+    return {};
 }
 
 Verdict duringJournalPlayback(Trial& trial) {
-    return inMode(trial, "while the host plays back a journal", &standin::Host::setProcessingJournal);
+    dialogsInMode(trial, "while the host plays back a journal", &standin::Host::setProcessingJournal);
+    return {};
 }
 
 Verdict duringLayoutPlayback(Trial& trial) {
-    return inMode(trial, "while the host plays back a layout", &standin::Host::setProcessingLayout);
+    dialogsInMode(trial, "while the host plays back a layout", &standin::Host::setProcessingLayout);
+    return {};
 }
 
 Verdict recordAndReplay(Trial& trial) {
     trial.nowTrying("the commands of the macros are recorded");
-    const auto first = recordingOf(trial, trial.subject().steps);
+    const std::vector<std::string> first = recordingOf(trial, trial.subject().steps);
     if (first.empty()) return {Outcome_e::Skipped, "nothing is recorded"};
-    trial.nowTrying("the recorded commands are run, and recorded again (recording-not-replayable)",
-                    recordingText(first));
-    const auto second = recordingOf(trial, stepsOf(first));
-    const std::string difference = firstDifference(first, second);
-    if (!difference.empty()) {
-        throw CaseFailed("what was recorded records something else when it is run\n" + difference);
-    }
-    return {};
+    std::vector<MacroCommand> steps;
+    for (const std::string& line : first) steps.push_back(commandOfLine(line));
+    trial.nowTrying("the recorded commands are run, and recorded again (recording-not-replayable)", macroOf(steps));
+    const std::vector<std::string> second = recordingOf(trial, steps);
+    if (first == second) return {};
+    const auto same = std::mismatch(first.begin(), first.end(), second.begin(), second.end()).first - first.begin();
+    const auto index = static_cast<std::size_t>(same);
+    throw CaseFailed("what was recorded records something else when it is run\nfirst: " + lineOf(first, index) +
+                     "\nthen:  " + lineOf(second, index));
 }
 
 }  // namespace vexa::runner

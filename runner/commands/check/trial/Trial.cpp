@@ -16,13 +16,12 @@ namespace vexa::runner {
 namespace {
 
 std::string nameOf(const standin::EntryEvent& entry) {
-    const std::string place = entry.macroLine.empty() ? "" : " (" + entry.macroLine + ')';
     switch (entry.kind) {
         case standin::Entry_e::Loading: return "loading of " + entry.addOnId;
         case standin::Entry_e::Unloading: return "unloading of " + entry.addOnId;
         case standin::Entry_e::Command: break;
     }
-    return entry.addOnId + ' ' + entry.command + place;
+    return nameOf(MacroCommand{entry.macroLine, entry.addOnId, entry.command});
 }
 
 }  // namespace
@@ -31,6 +30,10 @@ std::string macroOf(const std::vector<MacroCommand>& steps) {
     std::string text;
     for (const MacroCommand& step : steps) text += step.addOnId + ' ' + step.text + '\n';
     return text;
+}
+
+std::string nameOf(const MacroCommand& step) {
+    return step.addOnId + ' ' + step.text + (step.place.empty() ? "" : " (" + step.place + ')');
 }
 
 CaseFailed::CaseFailed(const std::string& reason, std::string macro)
@@ -129,6 +132,19 @@ void CheckedSession::runWell(const MacroCommand& step) {
     addLine(lines, result.error.empty() ? "without a message" : "its message: " + result.error);
     addLine(lines, breaches());
     throw CaseFailed(lines);
+}
+
+void CheckedSession::runWellAndEnd(const std::vector<MacroCommand>& steps) {
+    for (const MacroCommand& step : steps) runWell(step);
+    end();
+}
+
+std::vector<std::string> CheckedSession::recorded() const {
+    std::vector<std::string> lines;
+    for (const standin::RecordedCommand& one : m_session.host().recordedCommands()) {
+        lines.push_back(one.addOnId + ' ' + one.command);
+    }
+    return lines;
 }
 
 void CheckedSession::expectContractKept() {

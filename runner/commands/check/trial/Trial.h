@@ -20,6 +20,9 @@ struct BlackBox;
 /// The macro file of \p steps.
 std::string macroOf(const std::vector<MacroCommand>& steps);
 
+/// The name of \p step in messages: `ID text (FILE:LINE)`.
+std::string nameOf(const MacroCommand& step);
+
 /// The add-on to check, and the input of the tests.
 struct Subject {
     SessionOptions options;                    ///< the first add-on is checked; the macros need the others
@@ -90,6 +93,10 @@ public:
     /// Runs a command that must succeed, as in every case without faults.
     /// \throws CaseFailed if it fails, with its message and the findings so far.
     void runWell(const MacroCommand& step);
+    /// Runs commands as runWell() does, and calls end().
+    void runWellAndEnd(const std::vector<MacroCommand>& steps);
+    /// The commands that were recorded, as macro lines.
+    std::vector<std::string> recorded() const;
     /// Passes warnings to Trial::warn().
     /// \throws CaseFailed if a rule of severity error was broken so far.
     void expectContractKept();
