@@ -110,15 +110,16 @@ ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdic
             continue;
         }
         if (!here.insert(part.key).second) continue;
-        const auto [cause, isNew] = m_causes.try_emplace(part.key, Cause{part.headline, test});
-        ++cause->second.tests;
-        if (isNew) {
-            m_order.push_back(part.key);
-            addLine(told.text, part.text);
-            told.isNew = true;
-        } else {
-            earlier.insert(cause->second.firstTest);
+        const auto known =
+            std::find_if(m_causes.begin(), m_causes.end(), [&](const Cause& cause) { return cause.key == part.key; });
+        if (known != m_causes.end()) {
+            ++known->tests;
+            earlier.insert(known->firstTest);
+            continue;
         }
+        m_causes.push_back({part.key, part.headline, test, 1});
+        addLine(told.text, part.text);
+        told.isNew = true;
     }
     if (told.isNew || here.empty()) addLine(told.text, context);
     std::string names;
@@ -130,8 +131,7 @@ ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdic
 
 std::string ToldCauses::summary() const {
     std::string lines;
-    for (const std::string& key : m_order) {
-        const Cause& cause = m_causes.at(key);
+    for (const Cause& cause : m_causes) {
         if (cause.tests < 2) continue;
         addLine(lines, std::to_string(cause.tests) + " tests have the cause that " + cause.firstTest +
                            " shows: " + shortText(cause.headline));

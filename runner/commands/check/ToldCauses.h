@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -29,6 +28,7 @@ public:
 
 private:
     struct Cause {
+        std::string key;  // equal for equal causes
         std::string headline;
         std::string firstTest;
         std::size_t tests = 0;
@@ -36,14 +36,13 @@ private:
     // A cause, or what was going on then: some lines of a reason.
     struct Part {
         std::string text;
-        std::string key = {};       // equal for equal causes; empty for what is no cause
+        std::string key = {};       // that of its cause; empty for what is no cause
         std::string headline = {};  // of a cause
     };
 
     static std::vector<Part> partsOf(const Verdict& verdict);
 
-    std::map<std::string, Cause> m_causes;  // by their keys
-    std::vector<std::string> m_order;       // the keys, as they were told
+    std::vector<Cause> m_causes;  // in the order in which they were told
 };
 
 }  // namespace vexa::runner
