@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "commands/check/CheckRun.h"
-#include "commands/check/tests/TestCatalogue.h"
+#include "commands/check/tests/Tests.h"
 #include "options/CommonOptions.h"
 #include "options/Refusals.h"
 #include "terminal/Console.h"

@@ -18,15 +18,15 @@ bool isBad(Outcome_e outcome, bool warningsAsErrors) {
 
 bool isPassed(const CheckReport& report) {
     const auto is = [&](const auto& has) { return std::any_of(report.tests.begin(), report.tests.end(), has); };
-    return is([](const ReportedTest& test) { return test.result.verdict.outcome <= Outcome_e::Warned; }) &&
-           !is([&](const ReportedTest& test) { return isBad(test.result.verdict.outcome, report.warningsAsErrors); });
+    return is([](const TestResult& test) { return test.verdict.outcome <= Outcome_e::Warned; }) &&
+           !is([&](const TestResult& test) { return isBad(test.verdict.outcome, report.warningsAsErrors); });
 }
 
 std::string countsText(const CheckReport& report) {
     std::string text;
     for (std::size_t i = 0; i != kNames.size(); ++i) {
-        const auto count = std::count_if(report.tests.begin(), report.tests.end(), [&](const ReportedTest& test) {
-            return test.result.verdict.outcome == static_cast<Outcome_e>(i);
+        const auto count = std::count_if(report.tests.begin(), report.tests.end(), [&](const TestResult& test) {
+            return test.verdict.outcome == static_cast<Outcome_e>(i);
         });
         if (count > 0) text += (text.empty() ? "" : ", ") + std::to_string(count) + ' ' + kNames[i];
     }
@@ -35,7 +35,7 @@ std::string countsText(const CheckReport& report) {
 
 std::size_t refusedWrites(const CheckReport& report) {
     std::size_t count = 0;
-    for (const ReportedTest& test : report.tests) count += test.result.refusedWrites;
+    for (const TestResult& test : report.tests) count += test.refusedWrites;
     return count;
 }
 

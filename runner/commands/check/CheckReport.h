@@ -9,19 +9,13 @@
 
 namespace vexa::runner {
 
-/// A test that was run, and how to see its outcome again.
-struct ReportedTest {
-    TestResult result;
-    std::string reproduce;  ///< the command that does; empty when there is nothing to see
-};
-
 /// What came of a check.
 struct CheckReport {
-    std::string addOn;                ///< the add-on's file
-    std::uint64_t seed = 0;           ///< of all that was random
-    int level = 0;                    ///< the level that was asked for
-    bool warningsAsErrors = false;    ///< whether a test that warned has not passed
-    std::vector<ReportedTest> tests;  ///< in the order in which they ran
+    std::string addOn;              ///< the add-on's file
+    std::uint64_t seed = 0;         ///< of all that was random
+    int level = 0;                  ///< the level that was asked for
+    bool warningsAsErrors = false;  ///< whether a test that warned has not passed
+    std::vector<TestResult> tests;  ///< in the order in which they ran
 };
 
 /// For people, and in files: "passed", "timed out" …

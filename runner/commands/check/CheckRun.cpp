@@ -16,7 +16,7 @@
 #include "commands/check/ReportFiles.h"
 #include "commands/check/TestRun.h"
 #include "commands/check/ToldCauses.h"
-#include "commands/check/tests/TestCatalogue.h"
+#include "commands/check/tests/Tests.h"
 #include "commands/check/trial/Trial.h"
 #include "formats/MacroFile.h"
 #include "session/ProjectSettings.h"
@@ -125,9 +125,9 @@ private:
 
     // This process loads no add-on, so the test reports the ids of the add-ons.
     void loadFirst() {
-        const TestResult result = runTest(*m_loadTest, m_subject, m_setting);
+        TestResult result = runTest(*m_loadTest, m_subject, m_setting);
         m_addOnIds = {result.addOnIds.begin(), result.addOnIds.end()};
-        add(result);
+        add(std::move(result));
     }
 
     bool readMacros() {
@@ -161,22 +161,21 @@ private:
         TestResult skipped;
         skipped.test = &test;
         skipped.verdict = {Outcome_e::Skipped, whySkipped};
-        add(skipped);
+        add(std::move(skipped));
     }
 
-    void add(const TestResult& result) {
-        ReportedTest reported = {result, ""};
-        reported.result.verdict.reason = printable(result.verdict.reason);
-        const Verdict& verdict = reported.result.verdict;
+    void add(TestResult result) {
+        Verdict& verdict = result.verdict;
+        verdict.reason = printable(verdict.reason);
         const bool isOfInterest = verdict.outcome != Outcome_e::Passed && verdict.outcome != Outcome_e::Skipped;
-        if (isOfInterest) reported.reproduce = reproducingCommand(result);
+        if (isOfInterest) result.reproduce = reproducingCommand(result);
         std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
                     decimalSeconds(result.duration, 2).c_str());
         const ToldCauses::Told told = m_causes.tell(result.test->name, verdict);
         if (!told.text.empty()) print(indented(told.text) + '\n');
-        if (told.isNew) print("      reproduce: " + reported.reproduce + '\n');
+        if (told.isNew) print("      reproduce: " + result.reproduce + '\n');
         std::fflush(stdout);
-        m_report.tests.push_back(reported);
+        m_report.tests.push_back(std::move(result));
     }
 
     std::string reproducingCommand(const TestResult& result) {

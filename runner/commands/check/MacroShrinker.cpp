@@ -12,7 +12,6 @@
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/Confinement.h"
 #include "commands/check/trial/FreeRun.h"
-#include "commands/check/trial/MacroLine.h"
 #include "text/Lines.h"
 
 namespace vexa::runner {

@@ -22,8 +22,8 @@ double secondsOf(const TestResult& result) { return std::chrono::duration<double
 
 std::string dumped(const Json& json) { return json.dump(kIndent) + '\n'; }
 
-std::string withReproduction(const ReportedTest& test) {
-    const std::string& reason = test.result.verdict.reason;
+std::string withReproduction(const TestResult& test) {
+    const std::string& reason = test.verdict.reason;
     if (test.reproduce.empty()) return reason;
     return reason + (reason.empty() ? "" : "\n") + "reproduce: " + printable(test.reproduce);
 }
@@ -59,19 +59,19 @@ std::string asUri(const std::string& path) {
 
 Json sarifRules(const CheckReport& report) {
     Json rules = Json::array();
-    for (const ReportedTest& test : report.tests) {
-        rules.push_back({{"id", test.result.test->name},
-                         {"shortDescription", {{"text", test.result.test->summary}}},
-                         {"fullDescription", {{"text", test.result.test->why}}}});
+    for (const TestResult& test : report.tests) {
+        rules.push_back({{"id", test.test->name},
+                         {"shortDescription", {{"text", test.test->summary}}},
+                         {"fullDescription", {{"text", test.test->why}}}});
     }
     return rules;
 }
 
 Json sarifResult(const CheckReport& report, std::size_t index) {
-    const ReportedTest& test = report.tests[index];
-    const Outcome_e outcome = test.result.verdict.outcome;
+    const TestResult& test = report.tests[index];
+    const Outcome_e outcome = test.verdict.outcome;
     const Json file = {{"physicalLocation", {{"artifactLocation", {{"uri", asUri(report.addOn)}}}}}};
-    return {{"ruleId", test.result.test->name},
+    return {{"ruleId", test.test->name},
             {"ruleIndex", index},
             {"level", isBad(outcome, report.warningsAsErrors) ? "error" : "warning"},
             {"message", {{"text", withReproduction(test)}}},
@@ -83,13 +83,13 @@ Json sarifResult(const CheckReport& report, std::size_t index) {
 
 std::string jsonText(const CheckReport& report) {
     Json tests = Json::array();
-    for (const ReportedTest& test : report.tests) {
-        tests.push_back({{"name", test.result.test->name},
-                         {"summary", test.result.test->summary},
-                         {"outcome", nameOf(test.result.verdict.outcome)},
-                         {"seconds", secondsOf(test.result)},
-                         {"refusedWrites", test.result.refusedWrites},
-                         {"reason", test.result.verdict.reason},
+    for (const TestResult& test : report.tests) {
+        tests.push_back({{"name", test.test->name},
+                         {"summary", test.test->summary},
+                         {"outcome", nameOf(test.verdict.outcome)},
+                         {"seconds", secondsOf(test)},
+                         {"refusedWrites", test.refusedWrites},
+                         {"reason", test.verdict.reason},
                          {"reproduce", printable(test.reproduce)}});
     }
     return dumped({{"tool", kTool},
@@ -104,9 +104,9 @@ std::string jsonText(const CheckReport& report) {
 
 std::string junitText(const CheckReport& report) {
     std::vector<JunitCase> cases;
-    for (const ReportedTest& test : report.tests) {
-        const Verdict& verdict = test.result.verdict;
-        cases.push_back({report.addOn, test.result.test->name, secondsOf(test.result),
+    for (const TestResult& test : report.tests) {
+        const Verdict& verdict = test.verdict;
+        cases.push_back({report.addOn, test.test->name, secondsOf(test),
                          junitOutcome(verdict.outcome, report.warningsAsErrors), nameOf(verdict.outcome),
                          firstLine(verdict.reason), withReproduction(test)});
     }
@@ -120,7 +120,7 @@ std::string junitText(const CheckReport& report) {
 std::string sarifText(const CheckReport& report) {
     Json results = Json::array();
     for (std::size_t i = 0; i != report.tests.size(); ++i) {
-        const Outcome_e outcome = report.tests[i].result.verdict.outcome;
+        const Outcome_e outcome = report.tests[i].verdict.outcome;
         if (outcome == Outcome_e::Warned || isBad(outcome, false)) results.push_back(sarifResult(report, i));
     }
     const Json driver = {{"name", kTool}, {"version", VEXA_STANDIN_VERSION}, {"rules", sarifRules(report)}};

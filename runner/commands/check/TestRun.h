@@ -25,6 +25,7 @@ struct TestResult {
     std::chrono::milliseconds duration{};
     std::size_t refusedWrites = 0;      ///< how often the confinement of the test refused to change a file
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
+    std::string reproduce;              ///< the command that shows the outcome again; empty if nothing is to be seen
 };
 
 /// Runs \p test in a process of its own, and tells a crash or a hang of it as its verdict.

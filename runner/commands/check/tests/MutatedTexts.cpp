@@ -9,7 +9,6 @@
 
 #include "commands/check/tests/CommandText.h"
 #include "commands/check/trial/FreeRun.h"
-#include "commands/check/trial/MacroLine.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {

@@ -1,8 +1,6 @@
-#include "commands/check/tests/TestCatalogue.h"
+#include "commands/check/tests/Tests.h"
 
 #include <algorithm>
-
-#include "commands/check/tests/Tests.h"
 
 namespace vexa::runner {
 

@@ -1,8 +1,17 @@
 #pragma once
 
+#include <string_view>
+#include <vector>
+
 #include "commands/check/trial/Trial.h"
 
 namespace vexa::runner {
+
+/// Every test, in the order in which they run. Tests that others build on come first.
+const std::vector<CheckTest>& checkTests();
+
+/// The test \p name; null if there is none.
+const CheckTest* findCheckTest(std::string_view name);
 
 // The functions of the tests. checkTests() has their names and says what each one tests.
 
