@@ -67,8 +67,8 @@ Command checkCommand() {
     Command command{"check", "Test an add-on thoroughly, in processes of their own", kCheckFooter};
     command.add(argument("FILE.so", "The add-on", &options->addOn).check(whyNoStream));
     command.add(option({"--macro"}, "FILE", "A macro of its commands; may be given more than once", &options->macros));
-    command.add(
-        option({"--addon"}, "FILE", "A further add-on, which the macros need", &options->others).check(whyNoStream));
+    command.add(option({"--addon"}, "FILE", "A further add-on, which the macros need", &options->session.addOns)
+                    .check(whyNoStream));
     command.add(option({"--level"}, "N", "How thorough to be, 1 to 3", &options->level).check(kLevels));
     command.add(
         option({"--only"}, "NAME", "Run this test, of whatever level; may be given more than once", &options->only)
@@ -77,22 +77,22 @@ Command checkCommand() {
     command.add(option({"--seed"}, "N", "Of all that is random; the output names the seed taken", &options->seed));
     command.add(option({"--time"}, "SECONDS", "For how long each test of many cases goes on; 10", &options->time)
                     .check(whyNoSeconds));
-    command.add(styleOption(options->style));
+    command.add(styleOption(options->session.style));
     command.add(option({"--json"}, "FILE", "Write a report for programs", &options->json));
     command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
     command.add(option({"--sarif"}, "FILE", "Write what did not pass in the form SARIF 2.1.0", &options->sarif));
-    addSuppressOptions(command, options->contract);
-    addTimeoutOption(command, options->contract);
+    addSuppressOptions(command, options->session.contract);
+    addTimeoutOption(command, options->session.contract);
     command.add(flag({"--warnings-as-errors"}, "Fail also where tests warn",
-                     SetSwitch{&options->contract.warningsAsErrors, true}));
+                     SetSwitch{&options->session.contract.warningsAsErrors, true}));
     command.add(
         option({"-o", "--output-dir"}, "FOLDER", "Where macros that show a failure are written; .", &options->folder)
             .check(whyNoStream));
-    command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->inProcess));
+    command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->session.inProcess));
     command.add(flag({"--list"}, "Explain the tests, and run none", isList.get()));
     command.check = [options] {
         std::vector<std::string> inputs = options->macros;
-        inputs.push_back(options->style.value_or(""));
+        inputs.push_back(options->session.style.value_or(""));
         refuseSecondStandardInput(inputs);
     };
     command.run = [options, isList] { return *isList ? listTests() : check(*options); };
