@@ -79,11 +79,9 @@ private:
     void add(std::string how, std::string text) { m_damages.push_back({std::move(how), std::move(text)}); }
     void add(std::string how, const CommandText& command) { add(std::move(how), command.text()); }
 
-    // Changes one option.
-    template <class Change>
-    void change(std::string how, std::size_t option, const Change& change) {
+    void replace(std::string how, std::size_t i, CommandText::Option option) {
         CommandText changed = m_command;
-        change(changed.options[option]);
+        changed.options[i] = std::move(option);
         add(std::move(how), changed);
     }
 
@@ -100,8 +98,7 @@ private:
     }
 
     void option(std::size_t i) {
-        using Option = CommandText::Option;
-        const std::string name = m_command.options[i].name;
+        const auto& [name, value] = m_command.options[i];
         CommandText changed = m_command;
         changed.options.erase(changed.options.begin() + static_cast<std::ptrdiff_t>(i));
         add("without " + name, changed);
@@ -113,31 +110,27 @@ private:
             std::swap(changed.options[i - 1], changed.options[i]);
             add("with " + name + " before the option before it", changed);
         }
-        for (const std::string& value : values()) {
-            change(std::string(name).append(" = ").append(value), i, [&](Option& option) { option.value = value; });
-        }
+        for (const std::string& other : values()) replace(name + " = " + other, i, {name, other});
         quotesWithin(i);
-        change("without the = of " + name, i, [&](Option& option) { option = {option.name + ' ' + option.value, ""}; });
-        change("with nothing behind the = of " + name, i, [&](Option& option) { option = {name + " =", ""}; });
-        change("with two = of " + name, i, [&](Option& option) { option.value.insert(0, "= "); });
-        change("without the name " + name, i, [&](Option& option) { option.name.clear(); });
-        change("with a very long name", i, [&](Option& option) { option.name.append(kVeryLong, 'A'); });
-        change("with a very long value of " + name, i,
-               [&](Option& option) { option.value = '\'' + std::string(kVeryLong, 'a') + '\''; });
-        change("with a very long number for " + name, i,
-               [&](Option& option) { option.value = std::string(kVeryLong, '1'); });
         std::string set = "[1";
         for (std::size_t n = 3; set.size() < kVeryLong; n += 2) set += ',' + std::to_string(n);
-        change("with a very long set for " + name, i, [&](Option& option) { option.value = set + ']'; });
+        replace("without the = of " + name, i, {name + ' ' + value, ""});
+        replace("with nothing behind the = of " + name, i, {name + " =", ""});
+        replace("with two = of " + name, i, {name, "= " + value});
+        replace("without the name " + name, i, {"", value});
+        replace("with a very long name", i, {name + std::string(kVeryLong, 'A'), value});
+        replace("with a very long value of " + name, i, {name, '\'' + std::string(kVeryLong, 'a') + '\''});
+        replace("with a very long number for " + name, i, {name, std::string(kVeryLong, '1')});
+        replace("with a very long set for " + name, i, {name, set + ']'});
     }
 
     // Quotes and escapes within a quoted text have to be read, and recorded so that they are read again.
     void quotesWithin(std::size_t i) {
-        const std::string& value = m_command.options[i].value;
+        const auto& [name, value] = m_command.options[i];
         if (value.size() < 2 || (value.front() != '\'' && value.front() != '"')) return;
-        for (const char* const within : {"''", "\"\"", "\\'", "\\\"", "\\\\", "'", "\""}) {
-            change("with " + std::string(within) + " within " + m_command.options[i].name, i,
-                   [&](CommandText::Option& option) { option.value.insert(option.value.size() / 2, within); });
+        for (const std::string within : {"''", "\"\"", "\\'", "\\\"", "\\\\", "'", "\""}) {
+            std::string changed = value;
+            replace("with " + within + " within " + name, i, {name, changed.insert(value.size() / 2, within)});
         }
     }
 

@@ -20,12 +20,10 @@ struct Deed {
 /// A way to disturb a command that otherwise succeeds.
 struct Disturbance {
     std::string what;  ///< for people, for example "call 3 of VexaUtilStringAlloc fails"
-    /// Rules whose breaches pass while the command runs.
-    std::vector<std::string> suppressed;
-    /// Whether a disturbed command that succeeds must record the same as undisturbed.
-    bool successIsWhole = false;
     /// Runs the command, and ends the disturbance.
     std::function<void(standin::Host& host, const std::function<void()>& command)> run;
+    std::vector<std::string> suppressed = {};  ///< rules that the command may break meanwhile
+    bool successIsWhole = false;  ///< whether a disturbed command that succeeds must record the same as undisturbed
 };
 
 /// A command of the macros after the commands before it. Each case runs in a session of its own, with recording on.
