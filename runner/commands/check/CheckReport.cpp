@@ -17,9 +17,10 @@ bool isBad(Outcome_e outcome, bool warningsAsErrors) {
 }
 
 bool isPassed(const CheckReport& report) {
-    const auto is = [&](const auto& has) { return std::any_of(report.tests.begin(), report.tests.end(), has); };
-    return is([](const TestResult& test) { return test.verdict.outcome <= Outcome_e::Warned; }) &&
-           !is([&](const TestResult& test) { return isBad(test.verdict.outcome, report.warningsAsErrors); });
+    const std::vector<TestResult>& tests = report.tests;
+    const auto hasRun = [](const TestResult& test) { return test.verdict.outcome <= Outcome_e::Warned; };
+    const auto isWrong = [&](const TestResult& test) { return isBad(test.verdict.outcome, report.warningsAsErrors); };
+    return std::any_of(tests.begin(), tests.end(), hasRun) && std::none_of(tests.begin(), tests.end(), isWrong);
 }
 
 std::string countsText(const CheckReport& report) {

@@ -33,15 +33,10 @@ std::string withReproduction(const TestResult& test) {
 std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
 JunitOutcome_e junitOutcome(Outcome_e outcome, bool warningsAsErrors) {
-    switch (outcome) {
-        case Outcome_e::Passed: return JunitOutcome_e::Passed;
-        case Outcome_e::Skipped: return JunitOutcome_e::Skipped;
-        case Outcome_e::Warned: return warningsAsErrors ? JunitOutcome_e::Failure : JunitOutcome_e::Remarked;
-        case Outcome_e::Failed: return JunitOutcome_e::Failure;
-        case Outcome_e::Crashed:
-        case Outcome_e::TimedOut: break;
-    }
-    return JunitOutcome_e::Error;
+    constexpr JunitOutcome_e kOutcomes[] = {JunitOutcome_e::Passed,  JunitOutcome_e::Remarked, JunitOutcome_e::Skipped,
+                                            JunitOutcome_e::Failure, JunitOutcome_e::Error,    JunitOutcome_e::Error};
+    const bool isWarningBad = outcome == Outcome_e::Warned && warningsAsErrors;
+    return isWarningBad ? JunitOutcome_e::Failure : kOutcomes[static_cast<std::size_t>(outcome)];
 }
 
 // ---- SARIF
@@ -120,8 +115,7 @@ std::string junitText(const CheckReport& report) {
 std::string sarifText(const CheckReport& report) {
     Json results = Json::array();
     for (std::size_t i = 0; i != report.tests.size(); ++i) {
-        const Outcome_e outcome = report.tests[i].verdict.outcome;
-        if (outcome == Outcome_e::Warned || isBad(outcome, false)) results.push_back(sarifResult(report, i));
+        if (isBad(report.tests[i].verdict.outcome, true)) results.push_back(sarifResult(report, i));
     }
     const Json driver = {{"name", kTool}, {"version", VEXA_STANDIN_VERSION}, {"rules", sarifRules(report)}};
     return dumped({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},

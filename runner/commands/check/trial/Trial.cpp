@@ -68,9 +68,6 @@ std::string Trial::warnings() const {
 class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
     explicit Recorder(BlackBox& box) : m_box(box) {}
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
-    ~Recorder() override = default;
 
     // A command of an add-on may run a command of another one.
     void entryBegan(const standin::EntryEvent& entry) override {

@@ -82,8 +82,6 @@ class CheckedSession {
 public:
     /// \throws CaseFailed if the add-on cannot be loaded.
     explicit CheckedSession(Trial& trial);
-    CheckedSession(const CheckedSession&) = delete;
-    CheckedSession& operator=(const CheckedSession&) = delete;
     ~CheckedSession();
 
     Session& session() { return m_session; }
