@@ -72,13 +72,13 @@ Disturbance stopping(std::size_t nth) {
 
 // A command that fails because memory ran out has no memory for a message, either. And the library's
 // getValueAsString() deliberately does not free its argument list then, so commands that use it cannot.
-Disturbance withoutMemory(Failing_e failing, std::size_t nth) {
+Disturbance withoutMemory(std::size_t first, std::size_t last) {
     const auto run = [=](standin::Host&, const std::function<void()>& command) {
-        const AllocationFaults faults(failing, nth);
+        const AllocationFaults faults(first, last);
         command();
     };
-    const char* const which = failing == Failing_e::One ? " fails" : " and all behind it fail";
-    return {"allocation " + std::to_string(nth) + which, run, {"missing-errmsg", "leaked-arglist"}, true};
+    const char* const which = first == last ? " fails" : " and all behind it fail";
+    return {"allocation " + std::to_string(first) + which, run, {"missing-errmsg", "leaked-arglist"}, true};
 }
 
 // At most kMostOfOneKind of the numbers from 1 to `count`, in the order in which to try them: the first, the last, and
@@ -135,8 +135,8 @@ Verdict allocationFails(Trial& trial) {
     const auto failures = [&](const DisturbedCommand& command) {
         RankedDisturbances all;
         for (const std::size_t nth : sampled(trial, command.countAllocations())) {
-            all.emplace(all.size(), withoutMemory(Failing_e::One, nth));
-            all.emplace(all.size(), withoutMemory(Failing_e::FromThere, nth));
+            all.emplace(all.size(), withoutMemory(nth, nth));
+            all.emplace(all.size(), withoutMemory(nth, AllocationFaults::kAll));
         }
         return all;
     };

@@ -114,7 +114,7 @@ std::size_t DisturbedCommand::countAllocations() const {
     m_trial.nowTrying(nameOf(m_step) + ": undisturbed");
     CheckedSession session(m_trial);
     runBefore(session);
-    const AllocationFaults counting(Failing_e::None);
+    const AllocationFaults counting(AllocationFaults::kNone, AllocationFaults::kNone);
     session.run(m_step);
     return AllocationFaults::count();
 }
