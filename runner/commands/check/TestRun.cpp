@@ -12,7 +12,6 @@
 #include <utility>
 
 #include "commands/check/MacroShrinker.h"
-#include "commands/check/WatchedProcess.h"
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/Confinement.h"
 #include "system/files/ScratchFolder.h"
@@ -107,7 +106,7 @@ Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseco
 
 void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& setting) {
     if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
-    std::string smaller = shrunkMacro(setting.signals, subject, setting.timeout, verdict.macro);
+    std::string smaller = shrunkMacro(setting, subject, verdict.macro);
     if (smaller == verdict.macro) return;
     addLine(verdict.reason, "a smaller macro shows the same:\n    " + shortText(smaller));
     verdict.macro = std::move(smaller);
@@ -115,15 +114,10 @@ void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& se
 
 Verdict runTame(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
     const auto task = [&] { return verdictOf(test, subject, box); };
-    if (!setting.inProcess) return judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    if (!setting.inProcess) return judge(runWatched(setting, box, task), box, setting.timeout);
     const auto process = std::make_unique<ProcessBox>();
     box.process = process.get();
     return task();
-}
-
-Subject withAbsoluteFiles(Subject subject) {
-    for (std::string& file : subject.options.addOns) file = std::filesystem::absolute(file);
-    return subject;
 }
 
 // In the process of a test whose commands may be any text.
@@ -150,7 +144,8 @@ void runWild(const CheckTest& test, const Subject& subject, const TestSetting& s
                    std::string(kWritesAnywhere) + ", and only a process of its own can be confined"};
         return;
     }
-    Subject movable = withAbsoluteFiles(subject);
+    Subject movable = subject;
+    for (std::string& file : movable.options.addOns) file = std::filesystem::absolute(file);
     std::optional<ScratchFolder> scratch;
     try {
         scratch.emplace();
@@ -164,7 +159,7 @@ void runWild(const CheckTest& test, const Subject& subject, const TestSetting& s
     movable.confinement = &confinement;
     const CurrentFolder there(scratch->copy());
     const auto task = [&] { return confinedVerdictOf(test, movable, box); };
-    verdict = judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    verdict = judge(runWatched(setting, box, task), box, setting.timeout);
     result.refusedWrites = confinement.refusals();
     if (result.refusedWrites > 0) addLine(verdict.reason, refusalsText(result.refusedWrites));
     shrinkMacro(verdict, movable, setting);

@@ -5,18 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "commands/check/WatchedProcess.h"
 #include "commands/check/trial/CheckTest.h"
 #include "commands/check/trial/Trial.h"
-#include "system/processes/AwaitedSignals.h"
 
 namespace vexa::runner {
-
-/// How tests are run.
-struct TestSetting {
-    const AwaitedSignals& signals;        ///< what ends the whole check
-    bool inProcess = false;               ///< in this process, for a debugger
-    std::chrono::milliseconds timeout{};  ///< for each command; a process of its own is killed then
-};
 
 /// A test that was run.
 struct TestResult {

@@ -13,36 +13,33 @@ constexpr std::size_t kManyOptions = 5000;
 constexpr std::size_t kMostCuts = 400;  // in longer texts, cuts have a distance
 
 // Values of every kind, and what is nearly one.
-const std::vector<std::string>& values() {
-    static const std::vector<std::string> all = {"",
-                                                 "TRUE",
-                                                 "-1",
-                                                 "0",
-                                                 "1.5",
-                                                 "1e999",
-                                                 "nan",
-                                                 "99999999999999999999",
-                                                 "'text'",
-                                                 "\"text\"",
-                                                 "''",
-                                                 "'",
-                                                 "\"",
-                                                 "'\\",
-                                                 "[1-3]",
-                                                 "[]",
-                                                 "[",
-                                                 "]",
-                                                 "[3-1]",
-                                                 "[1,",
-                                                 "[0-9223372036854775807]",
-                                                 "[1-9000000000:2]",
-                                                 "=",
-                                                 "\\",
-                                                 "text",
-                                                 "'\xC3\xA4\xFF'",
-                                                 "%s%n"};
-    return all;
-}
+constexpr const char* kValues[] = {"",
+                                   "TRUE",
+                                   "-1",
+                                   "0",
+                                   "1.5",
+                                   "1e999",
+                                   "nan",
+                                   "99999999999999999999",
+                                   "'text'",
+                                   "\"text\"",
+                                   "''",
+                                   "'",
+                                   "\"",
+                                   "'\\",
+                                   "[1-3]",
+                                   "[]",
+                                   "[",
+                                   "]",
+                                   "[3-1]",
+                                   "[1,",
+                                   "[0-9223372036854775807]",
+                                   "[1-9000000000:2]",
+                                   "=",
+                                   "\\",
+                                   "text",
+                                   "'\xC3\xA4\xFF'",
+                                   "%s%n"};
 
 std::size_t endOfValue(const std::string& text, std::size_t at) {
     const char first = text[at];
@@ -110,7 +107,7 @@ private:
             std::swap(changed.options[i - 1], changed.options[i]);
             add("with " + name + " before the option before it", changed);
         }
-        for (const std::string& other : values()) replace(name + " = " + other, i, {name, other});
+        for (const std::string other : kValues) replace(name + " = " + other, i, {name, other});
         quotesWithin(i);
         std::string set = "[1";
         for (std::size_t n = 3; set.size() < kVeryLong; n += 2) set += ',' + std::to_string(n);
@@ -176,7 +173,7 @@ void damageOnce(std::string& text, std::mt19937_64& random) {
         case 0: text.erase(at, length); break;
         case 1: text.insert(at, text.substr(at, length)); break;
         case 2: text.insert(at, 1, static_cast<char>(1 + below(random, 255))); break;
-        case 3: text.insert(at, values()[below(random, values().size())]); break;
+        case 3: text.insert(at, kValues[below(random, std::size(kValues))]); break;
         case 4: text.insert(at, text.substr(below(random, text.size()), length)); break;
         default:
             if (at != text.size()) text[at] = static_cast<char>(1 + below(random, 255));
@@ -218,7 +215,7 @@ std::vector<DamagedText> strangeTexts() {
         texts.push_back({"byte " + std::to_string(byte) + " alone", one});
     }
     texts.push_back({"every byte there is", every});
-    for (const std::string& text : values()) texts.push_back({"a value alone", text});
+    for (const char* const text : kValues) texts.push_back({"a value alone", text});
     for (const char byte : std::string_view("A '\"[=\\1\xFF")) {
         texts.push_back({"the same byte very often", std::string(kVeryLong, byte)});
     }

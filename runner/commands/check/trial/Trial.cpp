@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -30,6 +31,12 @@ std::string macroOf(const std::vector<MacroCommand>& steps) {
     std::string text;
     for (const MacroCommand& step : steps) text += step.addOnId + ' ' + step.text + '\n';
     return text;
+}
+
+std::vector<MacroCommand> stepsOf(const std::vector<std::string>& lines) {
+    std::vector<MacroCommand> steps;
+    std::transform(lines.begin(), lines.end(), std::back_inserter(steps), commandOfLine);
+    return steps;
 }
 
 std::string nameOf(const MacroCommand& step) {

@@ -20,6 +20,9 @@ struct BlackBox;
 /// The macro file of \p steps.
 std::string macroOf(const std::vector<MacroCommand>& steps);
 
+/// The commands of the lines of a macro file.
+std::vector<MacroCommand> stepsOf(const std::vector<std::string>& lines);
+
 /// The name of \p step in messages: `ID text (FILE:LINE)`.
 std::string nameOf(const MacroCommand& step);
 
