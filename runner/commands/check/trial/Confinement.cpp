@@ -10,12 +10,12 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "system/LastError.h"
-#include "system/files/Descriptor.h"
 
 namespace vexa::runner {
 namespace {
@@ -61,8 +61,7 @@ void allow(const Descriptor& rules, const char* path, std::uint64_t access) {
 // ---- By mounts
 
 void writeFile(const char* path, const std::string& text) {
-    const Descriptor file(open(path, O_WRONLY | O_CLOEXEC));
-    if (file.get() < 0 || !writeAll(file.get(), text)) throwLastError(path);
+    if (!(std::ofstream(path) << text << std::flush)) throwLastError(path);
 }
 
 // Whoever is not root is granted a view of mounts in a name space of users only. There, too, everyone stays who they
