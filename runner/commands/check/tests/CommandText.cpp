@@ -57,9 +57,43 @@ std::size_t skipBlanks(const std::string& text, std::size_t at) {
     return std::min(text.find_first_not_of(kBlanks, at), text.size());
 }
 
-std::string textOf(const CommandText::Option& option) {
-    return option.value.empty() ? option.name : option.name + " = " + option.value;
-}
+// The parts of a command's text, as far as it has the usual form: a word, and options after it.
+//
+//     LOAD FILE = 'a b' COLUMNS=[1-3] FAST      the word LOAD, and FILE = 'a b', COLUMNS = [1-3], FAST
+struct CommandText {
+    struct Option {
+        std::string name;
+        std::string value;  // as written, with its quotes; empty if there is none
+    };
+
+    explicit CommandText(const std::string& text) {
+        std::size_t at = skipBlanks(text, 0);
+        const std::size_t wordEnd = std::min(text.find_first_of(kBlanks, at), text.size());
+        word = text.substr(at, wordEnd - at);
+        for (at = skipBlanks(text, wordEnd); at < text.size(); at = skipBlanks(text, at)) {
+            const std::size_t nameEnd = std::min(text.find_first_of(" \t\n\v\f\r=", at), text.size());
+            Option option = {text.substr(at, nameEnd - at), ""};
+            at = skipBlanks(text, nameEnd);
+            if (at < text.size() && text[at] == '=') {
+                at = skipBlanks(text, at + 1);
+                const std::size_t valueEnd = at == text.size() ? at : endOfValue(text, at);
+                option.value = text.substr(at, valueEnd - at);
+                at = valueEnd;
+            }
+            options.push_back(std::move(option));
+        }
+    }
+
+    // The text again, with single blanks.
+    std::string text() const {
+        std::string text = word;
+        for (const auto& [name, value] : options) text += ' ' + name + (value.empty() ? "" : " = " + value);
+        return text;
+    }
+
+    std::string word;
+    std::vector<Option> options;
+};
 
 class Damages {
 public:
@@ -181,30 +215,6 @@ void damageOnce(std::string& text, std::mt19937_64& random) {
 }
 
 }  // namespace
-
-CommandText::CommandText(const std::string& text) {
-    std::size_t at = skipBlanks(text, 0);
-    const std::size_t wordEnd = std::min(text.find_first_of(kBlanks, at), text.size());
-    word = text.substr(at, wordEnd - at);
-    for (at = skipBlanks(text, wordEnd); at < text.size(); at = skipBlanks(text, at)) {
-        const std::size_t nameEnd = std::min(text.find_first_of(" \t\n\v\f\r=", at), text.size());
-        Option option = {text.substr(at, nameEnd - at), ""};
-        at = skipBlanks(text, nameEnd);
-        if (at < text.size() && text[at] == '=') {
-            at = skipBlanks(text, at + 1);
-            const std::size_t valueEnd = at == text.size() ? at : endOfValue(text, at);
-            option.value = text.substr(at, valueEnd - at);
-            at = valueEnd;
-        }
-        options.push_back(std::move(option));
-    }
-}
-
-std::string CommandText::text() const {
-    std::string text = word;
-    for (const Option& option : options) text += ' ' + textOf(option);
-    return text;
-}
 
 std::vector<DamagedText> strangeTexts() {
     std::vector<DamagedText> texts;
