@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "commands/check/CheckReport.h"
-#include "commands/check/ReportFiles.h"
 #include "commands/check/TestRun.h"
 #include "commands/check/ToldCauses.h"
 #include "commands/check/tests/Tests.h"
