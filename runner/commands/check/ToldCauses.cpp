@@ -12,6 +12,7 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::string_view kIndentation = "    ";
+constexpr std::string_view kDigits = "0123456789";
 // How lines begin that tell what went on, and lines that belong to the one before.
 constexpr std::string_view kContext[] = {"tried: ",
                                          "during: ",
@@ -31,22 +32,17 @@ bool startsWithAny(std::string_view line, const Beginnings& beginnings) {
                        [&](std::string_view beginning) { return startsWith(line, beginning); });
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 // `line` without the number that stands behind `word`.
 std::string withoutNumber(std::string line, std::string_view word) {
     const std::size_t begin = line.find(word);
     if (begin == std::string::npos) return line;
-    std::size_t end = begin + word.size();
-    while (end < line.size() && isDigit(line[end])) ++end;
-    return line.erase(begin, end - begin);
+    return line.erase(begin, line.find_first_not_of(kDigits, begin + word.size()) - begin);
 }
 
 // Without the place in a macro that a headline begins with: `FILE:LINE: `.
 std::string withoutPlace(const std::string& line) {
     for (std::size_t colon = line.find(':'); colon != std::string::npos; colon = line.find(':', colon + 1)) {
-        std::size_t end = colon + 1;
-        while (end < line.size() && isDigit(line[end])) ++end;
+        const std::size_t end = std::min(line.find_first_not_of(kDigits, colon + 1), line.size());
         if (end > colon + 1 && line.compare(end, 2, ": ") == 0) return line.substr(end + 2);
     }
     return line;
@@ -57,8 +53,7 @@ std::string withoutLastPlace(const std::string& line) {
     const std::size_t begin = line.rfind(" (");
     const std::size_t colon = line.rfind(':');
     const bool hasPlace = begin != std::string::npos && colon > begin && colon + 2 < line.size() &&
-                          line.back() == ')' &&
-                          std::all_of(line.begin() + static_cast<std::ptrdiff_t>(colon) + 1, line.end() - 1, isDigit);
+                          line.back() == ')' && line.find_first_not_of(kDigits, colon + 1) == line.size() - 1;
     return hasPlace ? line.substr(0, begin) : line;
 }
 

@@ -1,10 +1,8 @@
 #include "commands/check/tests/Tests.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "commands/check/tests/CommandText.h"

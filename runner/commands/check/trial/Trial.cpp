@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <iterator>
 #include <mutex>
-#include <utility>
 
 #include "commands/check/trial/BlackBox.h"
 #include "terminal/Console.h"
@@ -43,9 +42,6 @@ std::string nameOf(const MacroCommand& step) {
     return step.addOnId + ' ' + step.text + (step.place.empty() ? "" : " (" + step.place + ')');
 }
 
-CaseFailed::CaseFailed(const std::string& reason, std::string macro)
-    : std::runtime_error(reason), m_macro(std::move(macro)) {}
-
 Trial::Trial(const Subject& subject, BlackBox& blackBox)
     : m_subject(subject),
       m_blackBox(blackBox),
@@ -58,8 +54,6 @@ void Trial::nowTrying(const std::string& what, const std::string& macro) {
     m_blackBox.macro.set(macro.size() <= decltype(m_blackBox.macro)::capacity() ? macro : "");
     m_blackBox.touch();
 }
-
-bool Trial::isTimeUp() const { return std::chrono::steady_clock::now() >= m_end; }
 
 void Trial::warn(const std::string& reason) {
     if (std::find(m_warnings.begin(), m_warnings.end(), reason) == m_warnings.end()) m_warnings.push_back(reason);

@@ -6,6 +6,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/check/trial/CheckTest.h"
@@ -31,7 +32,7 @@ struct Subject {
     SessionOptions options;                    ///< the first add-on is checked; the macros need the others
     std::vector<MacroCommand> steps;           ///< the commands of all macros, in order
     std::vector<StyleSetting> style;           ///< the host's style settings
-    std::uint64_t seed = 0;                    ///< of all that is random
+    std::uint64_t seed = 0;                    ///< of all random numbers
     std::chrono::milliseconds time{};          ///< the time for a test that could go on forever
     const Confinement* confinement = nullptr;  ///< which the process of the test enters; null for none
 
@@ -43,7 +44,8 @@ class CaseFailed : public std::runtime_error {
 public:
     /// \param reason is for the user.
     /// \param macro  shows the error; empty if only the test shows it.
-    explicit CaseFailed(const std::string& reason, std::string macro = {});
+    explicit CaseFailed(const std::string& reason, std::string macro = {})
+        : std::runtime_error(reason), m_macro(std::move(macro)) {}
     const std::string& macro() const { return m_macro; }
 
 private:
@@ -63,7 +65,7 @@ public:
     /// failure, a crash or a hang names it, and has \p macro, which may show it.
     void nowTrying(const std::string& what, const std::string& macro = {});
     /// Whether the time for a test that could go on forever is over.
-    bool isTimeUp() const;
+    bool isTimeUp() const { return std::chrono::steady_clock::now() >= m_end; }
     /// Notes that a rule of severity warning was broken. The test ends as warned, unless it fails. Equal reasons count
     /// once.
     void warn(const std::string& reason);
