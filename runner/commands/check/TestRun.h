@@ -21,8 +21,8 @@ struct TestResult {
     std::string reproduce;              ///< the command that shows the outcome again; empty if nothing is to be seen
 };
 
-/// Runs \p test in a process of its own, and tells a crash or a hang of it as its verdict.
-/// \throws std::system_error when there cannot be another process.
+/// Runs \p test in a process of its own. If the process crashes or hangs, the verdict says so.
+/// \throws std::system_error if a process cannot be started.
 TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting);
 
 }  // namespace vexa::runner

@@ -12,14 +12,14 @@ namespace vexa::runner {
 
 /// How tests are run.
 struct TestSetting {
-    const AwaitedSignals& signals;        ///< what ends the whole check
-    bool inProcess = false;               ///< in this process, for a debugger
-    std::chrono::milliseconds timeout{};  ///< for each command; a process of its own is killed then
+    const AwaitedSignals& signals;        ///< the signals that end the whole check
+    bool inProcess = false;               ///< whether tests run in this process, for a debugger
+    std::chrono::milliseconds timeout{};  ///< for each command; then the process of the test is killed
 };
 
 /// The end of a process that ran a test.
 struct ProcessEnd : ProcessOutcome {
-    std::optional<Verdict> verdict;  ///< nothing if the process ended before it had one
+    std::optional<Verdict> verdict;  ///< nothing if the process ended first
 
     bool hasLeft() const { return end == End_e::Left; }
     bool hasTimedOut() const { return end == End_e::TimedOut; }
