@@ -87,19 +87,16 @@ private:
     // Removes pieces, large ones first, until no byte can be removed.
     void shortenStep(std::size_t index) {
         const auto text = [&]() -> const std::string& { return m_steps[index].text; };
-        for (std::size_t size = text().size(); size > 0; size = size == 1 ? 0 : (size + 1) / 2) {
-            bool hasCut = true;
-            while (hasCut) {
-                hasCut = false;
-                for (std::size_t at = 0; at < text().size();) {
-                    if (cut(index, at, size)) {
-                        hasCut = true;
-                    } else {
-                        at += size;
-                    }
-                }
-                if (size != 1) break;  // the last bytes are tried again, for what they needed may be gone
+        for (std::size_t size = text().size(); size > 0;) {
+            bool hasCut = false;
+            for (std::size_t at = 0; at < text().size();) {
+                const bool isCut = cut(index, at, size);
+                hasCut |= isCut;
+                if (!isCut) at += size;
             }
+            // Single bytes are tried again after a cut, because what needed them may be gone.
+            const bool isDone = size == 1 && !hasCut;
+            size = isDone ? 0 : (size + 1) / 2;
         }
     }
 

@@ -18,7 +18,7 @@ struct TestResult {
     std::chrono::milliseconds duration{};
     std::size_t refusedWrites = 0;      ///< how often the confinement of the test refused to change a file
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
-    std::string reproduce;              ///< the command that shows the outcome again; empty if nothing is to be seen
+    std::string reproduce;  ///< the command that shows the outcome again; empty if the test passed or was skipped
 };
 
 /// Runs \p test in a process of its own. If the process crashes or hangs, the verdict says so.

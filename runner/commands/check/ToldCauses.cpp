@@ -75,9 +75,14 @@ std::string howItEnded(const std::vector<std::string>& lines) {
     return how;
 }
 
-}  // namespace
+// Some lines of a reason: a cause, or its context.
+struct Part {
+    std::string text;
+    std::string key = {};       // the key of its cause; empty for context
+    std::string headline = {};  // of a cause
+};
 
-std::vector<ToldCauses::Part> ToldCauses::partsOf(const Verdict& verdict) {
+std::vector<Part> partsOf(const Verdict& verdict) {
     const std::vector<std::string> lines = linesOf(verdict.reason);
     const bool isEnd = verdict.outcome == Outcome_e::Crashed || verdict.outcome == Outcome_e::TimedOut;
     if (isEnd) return {{verdict.reason, howItEnded(lines), howItEnded(lines)}};
@@ -92,6 +97,8 @@ std::vector<ToldCauses::Part> ToldCauses::partsOf(const Verdict& verdict) {
     }
     return parts;
 }
+
+}  // namespace
 
 ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdict) {
     if (verdict.outcome == Outcome_e::Passed || verdict.outcome == Outcome_e::Skipped) return {verdict.reason, false};

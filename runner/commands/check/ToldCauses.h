@@ -34,14 +34,6 @@ private:
         std::string firstTest;
         std::size_t tests = 0;
     };
-    // Some lines of a reason: a cause, or its context.
-    struct Part {
-        std::string text;
-        std::string key = {};       // the key of its cause; empty for context
-        std::string headline = {};  // of a cause
-    };
-
-    static std::vector<Part> partsOf(const Verdict& verdict);
 
     std::vector<Cause> m_causes;  // in the order in which they were told
 };
