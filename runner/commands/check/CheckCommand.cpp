@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "commands/check/CheckRun.h"
-#include "commands/check/tests/TestCatalogue.h"
+#include "commands/check/tests/Tests.h"
 #include "options/CommonOptions.h"
 #include "options/Refusals.h"
 #include "terminal/Console.h"
@@ -18,16 +18,17 @@ namespace {
 constexpr std::size_t kWidth = 80;
 
 constexpr const char* kCheckFooter = R"(Levels:
-  1  loading, what the file is made of, and every command by itself
-  2  and commands in other orders, other modes of the host, calls of the host
-     that fail, the stop button
-  3  and allocations that fail, and damaged commands
+  1  loading, the add-on's file, and each command by itself
+  2  also commands in other orders, other modes of the host, host calls that
+     fail, and the stop button
+  3  also allocations that fail, and damaged commands
 
 Example:
   vexa-standin check ./libstats.so --macro sweep.macro --level 3
 
-The commands run in the current folder, and write their files there. A report -
-goes to the standard output, and the text to the standard error output then.
+The commands run in the current folder and write their files there. If a report
+is named -, it goes to the standard output, and the text goes to the standard
+error output.
 
 Exit status:
   0    passed
@@ -66,33 +67,34 @@ Command checkCommand() {
     constexpr Range kLevels = {1, 3};
     Command command{"check", "Test an add-on thoroughly, in processes of their own", kCheckFooter};
     command.add(argument("FILE.so", "The add-on", &options->addOn).check(whyNoStream));
-    command.add(option({"--macro"}, "FILE", "A macro of its commands; may be given more than once", &options->macros));
     command.add(
-        option({"--addon"}, "FILE", "A further add-on, which the macros need", &options->others).check(whyNoStream));
+        option({"--macro"}, "FILE", "A macro that runs its commands; may be given more than once", &options->macros));
+    command.add(option({"--addon"}, "FILE", "Another add-on that the macros need", &options->session.addOns)
+                    .check(whyNoStream));
     command.add(option({"--level"}, "N", "How thorough to be, 1 to 3", &options->level).check(kLevels));
     command.add(
-        option({"--only"}, "NAME", "Run this test, of whatever level; may be given more than once", &options->only)
+        option({"--only"}, "NAME", "Run only this test, at any level; may be given more than once", &options->only)
             .check(whyNoTest)
             .suggest(testNames()));
-    command.add(option({"--seed"}, "N", "Of all that is random; the output names the seed taken", &options->seed));
-    command.add(option({"--time"}, "SECONDS", "For how long each test of many cases goes on; 10", &options->time)
+    command.add(option({"--seed"}, "N", "Seed of all random numbers; without it, a new one, which the output shows",
+                       &options->seed));
+    command.add(option({"--time"}, "SECONDS", "Time for each test that could go on forever; 10", &options->time)
                     .check(whyNoSeconds));
-    command.add(styleOption(options->style));
+    command.add(styleOption(options->session.style));
     command.add(option({"--json"}, "FILE", "Write a report for programs", &options->json));
-    command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
-    command.add(option({"--sarif"}, "FILE", "Write what did not pass in the form SARIF 2.1.0", &options->sarif));
-    addSuppressOptions(command, options->contract);
-    addTimeoutOption(command, options->contract);
-    command.add(flag({"--warnings-as-errors"}, "Fail also where tests warn",
-                     SetSwitch{&options->contract.warningsAsErrors, true}));
-    command.add(
-        option({"-o", "--output-dir"}, "FOLDER", "Where macros that show a failure are written; .", &options->folder)
-            .check(whyNoStream));
-    command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->inProcess));
-    command.add(flag({"--list"}, "Explain the tests, and run none", isList.get()));
+    command.add(option({"--junit"}, "FILE", "Write a report as JUnit XML", &options->junit));
+    command.add(option({"--sarif"}, "FILE", "Write the tests that did not pass as SARIF 2.1.0", &options->sarif));
+    addSuppressOptions(command, options->session.contract);
+    addTimeoutOption(command, options->session.contract);
+    command.add(flag({"--warnings-as-errors"}, "Fail also if a test warns",
+                     SetSwitch{&options->session.contract.warningsAsErrors, true}));
+    command.add(option({"-o", "--output-dir"}, "FOLDER", "Folder for macros that show a failure; .", &options->folder)
+                    .check(whyNoStream));
+    command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->session.inProcess));
+    command.add(flag({"--list"}, "Explain the tests, and run none of them", isList.get()));
     command.check = [options] {
         std::vector<std::string> inputs = options->macros;
-        inputs.push_back(options->style.value_or(""));
+        inputs.push_back(options->session.style.value_or(""));
         refuseSecondStandardInput(inputs);
     };
     command.run = [options, isList] { return *isList ? listTests() : check(*options); };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -9,34 +8,31 @@
 
 namespace vexa::runner {
 
-/// A test that was run, and how to see its outcome again.
-struct ReportedTest {
-    TestResult result;
-    std::string reproduce;  ///< the command that does; empty when there is nothing to see
-};
-
-/// What came of a check.
+/// The outcome of a check.
 struct CheckReport {
-    std::string addOn;                ///< the add-on's file
-    std::uint64_t seed = 0;           ///< of all that was random
-    int level = 0;                    ///< the level that was asked for
-    bool warningsAsErrors = false;    ///< whether a test that warned has not passed
-    std::vector<ReportedTest> tests;  ///< in the order in which they ran
+    std::string addOn;              ///< the add-on's file
+    std::uint64_t seed = 0;         ///< of all random numbers
+    int level = 0;                  ///< the requested level
+    bool warningsAsErrors = false;  ///< whether a warning makes a test fail
+    std::vector<TestResult> tests;  ///< in the order in which they ran
 };
 
-/// For people, and in files: "passed", "timed out" …
+/// The name of an outcome in messages and files: "passed", "timed out" …
 const char* nameOf(Outcome_e outcome);
 
-/// Whether an outcome makes the check fail.
-bool isBad(Outcome_e outcome, bool warningsAsErrors);
-
-/// Whether the add-on passed: a test did, and none made the check fail.
+/// Whether the add-on passed: at least one test passed, and no test made the check fail.
 bool isPassed(const CheckReport& report);
 
-/// How often each outcome came: "7 passed, 1 skipped, 2 crashed".
+/// The number of tests with each outcome: "7 passed, 1 skipped, 2 crashed".
 std::string countsText(const CheckReport& report);
 
-/// How often confinements refused to change a file, in all tests.
-std::size_t refusedWrites(const CheckReport& report);
+/// The report for other programs, in the project's own format, which docs/check.md describes.
+std::string jsonText(const CheckReport& report);
+
+/// The report for build servers that show the tests of JUnit.
+std::string junitText(const CheckReport& report);
+
+/// The tests that did not pass, for tools that read SARIF 2.1.0.
+std::string sarifText(const CheckReport& report);
 
 }  // namespace vexa::runner

@@ -4,19 +4,16 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <list>
 #include <random>
 #include <set>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "commands/check/CheckReport.h"
-#include "commands/check/ReportFiles.h"
 #include "commands/check/TestRun.h"
 #include "commands/check/ToldCauses.h"
-#include "commands/check/tests/TestCatalogue.h"
+#include "commands/check/tests/Tests.h"
 #include "commands/check/trial/Trial.h"
 #include "formats/MacroFile.h"
 #include "session/ProjectSettings.h"
@@ -33,6 +30,7 @@ namespace vexa::runner {
 namespace {
 
 using std::chrono::milliseconds;
+using Seconds = std::chrono::duration<double>;
 
 std::uint64_t newSeed() {
     std::random_device device;
@@ -47,7 +45,7 @@ std::string indented(const std::string& lines) {
 
 class Check {
 public:
-    explicit Check(const CheckOptions& options) : m_options(options), m_contract(options.contract) {}
+    explicit Check(const CheckOptions& options) : m_options(options) { m_subject.options = options.session; }
 
     ExitStatus_e execute() {
         if (!prepare()) return ExitStatus_e::BadUsageOrInput;
@@ -63,34 +61,28 @@ public:
     }
 
 private:
-    // A report: its file, and the function that makes its text.
-    struct ReportFile {
-        using Text = std::string (*)(const CheckReport& report);
-        ReportFile(const std::string& path, Text textOf) : output(path), text(textOf) {}
-        WholeOutput output;
-        Text text;
-    };
+    using ReportText = std::string (*)(const CheckReport& report);
 
     bool prepare() {
-        if (!addProjectFile(m_contract) || !isThere()) return false;
+        if (!addProjectFile(session().contract) || !isThere()) return false;
+        session().addOns.insert(session().addOns.begin(), m_options.addOn);
         findReports();
         return readStyle();
     }
 
+    SessionOptions& session() { return m_subject.options; }
+
     bool isThere() const {
-        std::error_code error;
-        const bool exists = std::filesystem::exists(m_options.addOn, error);
-        if (!exists) tell(m_options.addOn, "no such file");
-        return exists;
+        std::error_code ignored;
+        if (std::filesystem::exists(m_options.addOn, ignored)) return true;
+        tell(m_options.addOn, "no such file");
+        return false;
     }
 
-    // Done before the tests, so that nobody waits for a report that cannot be written.
+    // Called before the tests, so that nobody waits for a report that cannot be written.
     void findReports() {
-        m_files.read(m_options.addOn);
-        m_files.read(m_options.others);
+        m_files = inputsOf(session());
         m_files.read(m_options.macros);
-        m_files.read(m_options.style);
-        m_files.read(m_contract.projectFile);
         for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
         if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
         if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
@@ -98,36 +90,29 @@ private:
     }
 
     bool readStyle() {
-        if (!m_options.style) return true;
-        auto style = readStyles(*m_options.style);
+        if (!session().style) return true;
+        auto style = readStyles(*session().style);
         if (style) m_subject.style = std::move(*style);
         return style.has_value();
     }
 
     void configure() {
-        constexpr std::chrono::duration<double> kTimeout(10);
-        m_subject.options.addOns = m_options.others;
-        m_subject.options.addOns.insert(m_subject.options.addOns.begin(), m_options.addOn);
-        m_subject.options.contract.suppressed = m_contract.suppressed;
+        constexpr Seconds kTimeout(10);
         m_subject.seed = m_options.seed.value_or(newSeed());
-        m_subject.time = millisecondsOf(std::chrono::duration<double>(m_options.time));
-        m_setting.inProcess = m_options.inProcess;
-        m_setting.timeout = millisecondsOf(m_contract.timeout.value_or(kTimeout));
+        m_subject.time = std::chrono::ceil<milliseconds>(Seconds(m_options.time));
+        m_setting.inProcess = session().inProcess;
+        m_setting.timeout = std::chrono::ceil<milliseconds>(session().contract.timeout.value_or(kTimeout));
         m_report.addOn = m_options.addOn;
         m_report.seed = m_subject.seed;
         m_report.level = m_options.level;
-        m_report.warningsAsErrors = m_contract.warningsAsErrors.value_or(false);
-    }
-
-    static milliseconds millisecondsOf(std::chrono::duration<double> time) {
-        return std::chrono::ceil<milliseconds>(time);
+        m_report.warningsAsErrors = session().contract.warningsAsErrors.value_or(false);
     }
 
     // This process loads no add-on, so the test reports the ids of the add-ons.
     void loadFirst() {
-        const TestResult result = runTest(*m_loadTest, m_subject, m_setting);
+        TestResult result = runTest(*m_loadTest, m_subject, m_setting);
         m_addOnIds = {result.addOnIds.begin(), result.addOnIds.end()};
-        add(result);
+        add(std::move(result));
     }
 
     bool readMacros() {
@@ -161,32 +146,32 @@ private:
         TestResult skipped;
         skipped.test = &test;
         skipped.verdict = {Outcome_e::Skipped, whySkipped};
-        add(skipped);
+        add(std::move(skipped));
     }
 
-    void add(const TestResult& result) {
-        ReportedTest reported = {result, ""};
-        reported.result.verdict.reason = printable(result.verdict.reason);
-        const Verdict& verdict = reported.result.verdict;
+    void add(TestResult result) {
+        Verdict& verdict = result.verdict;
+        verdict.reason = printable(verdict.reason);
         const bool isOfInterest = verdict.outcome != Outcome_e::Passed && verdict.outcome != Outcome_e::Skipped;
-        if (isOfInterest) reported.reproduce = reproducingCommand(result);
+        if (isOfInterest) result.reproduce = reproducingCommand(result);
         std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
                     decimalSeconds(result.duration, 2).c_str());
         const ToldCauses::Told told = m_causes.tell(result.test->name, verdict);
         if (!told.text.empty()) print(indented(told.text) + '\n');
-        if (told.isNew) print("      reproduce: " + reported.reproduce + '\n');
+        if (told.isNew) print("      reproduce: " + result.reproduce + '\n');
         std::fflush(stdout);
-        m_report.tests.push_back(reported);
+        m_report.tests.push_back(std::move(result));
     }
 
     std::string reproducingCommand(const TestResult& result) {
         const std::string macro = result.verdict.macro.empty() ? "" : writeMacro(result);
         std::string command = kProgramName;
-        command += macro.empty() ? checkAgain(*result.test) : " run " + shellWord(macro) + " --strict --keep-going";
-        command += macro.empty() ? "" : " --addon " + shellWord(m_options.addOn);
-        for (const std::string& other : m_options.others) command += " --addon " + shellWord(other);
-        if (m_options.style) command += " --style " + shellWord(*m_options.style);
-        for (const std::string& rule : m_options.contract.suppressed) command += " --suppress " + rule;
+        command += macro.empty()
+                       ? checkAgain(*result.test)
+                       : " run " + shellWord(macro) + " --strict --keep-going --addon " + shellWord(m_options.addOn);
+        for (const std::string& other : m_options.session.addOns) command += " --addon " + shellWord(other);
+        if (m_options.session.style) command += " --style " + shellWord(*m_options.session.style);
+        for (const std::string& rule : m_options.session.contract.suppressed) command += " --suppress " + rule;
         if (m_report.warningsAsErrors) command += " --warnings-as-errors";
         if (result.verdict.outcome == Outcome_e::TimedOut)
             command += " --timeout " + decimalSeconds(m_setting.timeout, 2);
@@ -220,14 +205,13 @@ private:
         const std::string causes = m_causes.summary();
         if (!causes.empty()) std::printf("%s\n", causes.c_str());
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
-        for (ReportFile& report : m_reports) report.output.replace(report.text(m_report));
+        for (auto& [output, text] : m_reports) output.replace(text(m_report));
         if (m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
         return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
     }
 
     const CheckTest* m_loadTest = findCheckTest("load");
     const CheckOptions& m_options;
-    ContractOptions m_contract;
     Subject m_subject;
     const AwaitedSignals m_signals;
     TestSetting m_setting{m_signals};
@@ -235,7 +219,7 @@ private:
     CheckReport m_report;
     ToldCauses m_causes;
     RunFiles m_files;
-    std::list<ReportFile> m_reports;
+    std::list<std::pair<WholeOutput, ReportText>> m_reports;
     bool m_isUnwritten = false;  // a macro could not be written
 };
 

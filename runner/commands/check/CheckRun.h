@@ -5,30 +5,27 @@
 #include <string>
 #include <vector>
 
-#include "options/ContractOptions.h"
 #include "options/ExitStatus.h"
+#include "session/Session.h"
 
 namespace vexa::runner {
 
-/// What a check of an add-on is asked for.
+/// The options of a check.
 struct CheckOptions {
     std::string addOn;                  ///< the file
-    std::vector<std::string> others;    ///< further add-ons
     std::vector<std::string> macros;    ///< macro files
     std::vector<std::string> only;      ///< the tests to run; all of the level when empty
     int level = 2;                      ///< how thorough to be, 1 to 3
-    std::optional<std::uint64_t> seed;  ///< of all that is random
-    double time = 10;                   ///< seconds, for a test that could go on for ever
-    std::optional<std::string> style;   ///< the style file
-    std::optional<std::string> json;    ///< where the report for programs goes
-    std::optional<std::string> junit;   ///< where the one in the form of JUnit goes
-    std::optional<std::string> sarif;   ///< where the one in the form SARIF goes
-    std::string folder = ".";           ///< where macros that show a failure go
-    bool inProcess = false;             ///< whether the tests run in this process
-    ContractOptions contract;           ///< what of the host's contract is asked for
+    std::optional<std::uint64_t> seed;  ///< of all random numbers
+    double time = 10;                   ///< seconds, for a test that could go on forever
+    std::optional<std::string> json;    ///< the file for the report for programs
+    std::optional<std::string> junit;   ///< the file for the JUnit report
+    std::optional<std::string> sarif;   ///< the file for the SARIF report
+    std::string folder = ".";           ///< the folder for macros that show a failure
+    SessionOptions session;             ///< of each test; its add-ons are further ones, which the macros need
 };
 
-/// Checks an add-on as \p options say, and tells what came of it.
+/// Checks an add-on, and prints the results.
 ExitStatus_e checkAddOn(const CheckOptions& options);
 
 }  // namespace vexa::runner

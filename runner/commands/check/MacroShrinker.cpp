@@ -4,15 +4,14 @@
 
 #include <algorithm>
 #include <exception>
+#include <numeric>
 #include <set>
 #include <utility>
 #include <vector>
 
-#include "commands/check/WatchedProcess.h"
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/Confinement.h"
 #include "commands/check/trial/FreeRun.h"
-#include "commands/check/trial/MacroLine.h"
 #include "text/Lines.h"
 
 namespace vexa::runner {
@@ -23,42 +22,34 @@ using std::chrono::milliseconds;
 constexpr milliseconds kTimeForAll = std::chrono::seconds(30);
 constexpr milliseconds kTimeForATry = std::chrono::seconds(1);  // for commands that took long before, and do again
 
-std::vector<MacroCommand> stepsOf(const std::string& macro) {
-    std::vector<MacroCommand> steps;
-    for (const std::string& line : linesOf(macro)) steps.push_back(commandOfLine(line));
-    return steps;
-}
-
 std::string brokenRules(const std::vector<standin::Finding>& findings) {
     std::set<std::string> names;
     for (const standin::Finding& finding : findings) {
-        if (finding.severity == standin::Severity_e::Error) names.insert(finding.rule);
+        if (finding.severity == standin::Severity_e::Error) names.insert(finding.rule + ' ');
     }
-    std::string text;
-    for (const std::string& name : names) text += name + ' ';
-    return text;
+    return std::accumulate(names.begin(), names.end(), std::string());
 }
 
 class Shrinker {
 public:
-    Shrinker(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout,
-             std::vector<MacroCommand> steps)
-        : m_signals(signals), m_subject(subject), m_timeout(timeout), m_steps(std::move(steps)) {}
+    Shrinker(const TestSetting& setting, const Subject& subject, std::vector<MacroCommand> steps)
+        : m_setting(setting), m_subject(subject), m_steps(std::move(steps)) {}
 
     std::vector<MacroCommand> shrink() {
         std::vector<MacroCommand> whole = m_steps;
-        m_symptom = symptomOf(whole, m_timeout);
+        m_symptom = symptomOf(whole, m_setting.timeout);
         if (m_symptom.empty()) return whole;
         dropSteps();
         for (std::size_t i = m_steps.size(); i-- > 0;) shortenStep(i);
         // The tries had a shorter time limit than users get.
-        return symptomOf(m_steps, m_timeout) == m_symptom ? m_steps : whole;
+        return symptomOf(m_steps, m_setting.timeout) == m_symptom ? m_steps : whole;
     }
 
 private:
     // The error that the commands show, in a word; empty for none.
     std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
-        const ProcessEnd end = runWatched(m_signals, *m_box, timeout, [&] { return verdictOn(steps); });
+        const ProcessEnd end =
+            runWatched({m_setting.signals, false, timeout}, *m_box, [&] { return verdictOn(steps); });
         if (end.hasTimedOut()) return "hangs";
         if (WIFSIGNALED(end.waitStatus)) return "signal " + std::to_string(WTERMSIG(end.waitStatus));
         if (!end.verdict) return "exit " + std::to_string(WEXITSTATUS(end.waitStatus));
@@ -79,7 +70,7 @@ private:
     // Takes `smaller` if it shows the same as the whole.
     bool takeIfSame(std::vector<MacroCommand> smaller) {
         if (BlackBox::Clock::now() > m_end) return false;
-        if (symptomOf(smaller, std::min(m_timeout, kTimeForATry)) != m_symptom) return false;
+        if (symptomOf(smaller, std::min(m_setting.timeout, kTimeForATry)) != m_symptom) return false;
         m_steps = std::move(smaller);
         return true;
     }
@@ -96,19 +87,16 @@ private:
     // Removes pieces, large ones first, until no byte can be removed.
     void shortenStep(std::size_t index) {
         const auto text = [&]() -> const std::string& { return m_steps[index].text; };
-        for (std::size_t size = text().size(); size > 0; size = size == 1 ? 0 : (size + 1) / 2) {
-            bool hasCut = true;
-            while (hasCut) {
-                hasCut = false;
-                for (std::size_t at = 0; at < text().size();) {
-                    if (cut(index, at, size)) {
-                        hasCut = true;
-                    } else {
-                        at += size;
-                    }
-                }
-                if (size != 1) break;  // the last bytes are tried again, for what they needed may be gone
+        for (std::size_t size = text().size(); size > 0;) {
+            bool hasCut = false;
+            for (std::size_t at = 0; at < text().size();) {
+                const bool isCut = cut(index, at, size);
+                hasCut |= isCut;
+                if (!isCut) at += size;
             }
+            // Single bytes are tried again after a cut, because what needed them may be gone.
+            const bool isDone = size == 1 && !hasCut;
+            size = isDone ? 0 : (size + 1) / 2;
         }
     }
 
@@ -118,9 +106,8 @@ private:
         return fitsMacroLine(shorter[index].text) && takeIfSame(std::move(shorter));
     }
 
-    const AwaitedSignals& m_signals;
+    const TestSetting& m_setting;
     const Subject& m_subject;
-    milliseconds m_timeout;
     std::vector<MacroCommand> m_steps;
     std::string m_symptom;
     SharedMemory<BlackBox> m_box;
@@ -129,9 +116,8 @@ private:
 
 }  // namespace
 
-std::string shrunkMacro(const AwaitedSignals& signals, const Subject& subject, milliseconds timeout,
-                        const std::string& macro) {
-    return macroOf(Shrinker(signals, subject, timeout, stepsOf(macro)).shrink());
+std::string shrunkMacro(const TestSetting& setting, const Subject& subject, const std::string& macro) {
+    return macroOf(Shrinker(setting, subject, stepsOf(linesOf(macro))).shrink());
 }
 
 }  // namespace vexa::runner

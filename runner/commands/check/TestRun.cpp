@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <new>
 #include <optional>
@@ -12,7 +13,6 @@
 #include <utility>
 
 #include "commands/check/MacroShrinker.h"
-#include "commands/check/WatchedProcess.h"
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/Confinement.h"
 #include "system/files/ScratchFolder.h"
@@ -93,13 +93,15 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
 
 bool isWell(const ProcessEnd& end) { return end.hasLeft() && end.verdict; }
 
-// In the process that watches: the verdict of the test, or else one about how its process ended.
-Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
+// Runs `work` in a process of its own. The verdict is that of the process, or else one about how the process ended.
+Verdict watchedVerdict(const TestSetting& setting, BlackBox& box, const std::function<Verdict()>& work) {
+    const ProcessEnd end = runWatched(setting, box, work);
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
     if (isPassed) return *end.verdict;
-    Verdict verdict = isWell(end) ? *end.verdict
-                                  : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
-                                            howItEnded(end, box, timeout) + '\n' + whatRan(box), box.macro.text()};
+    Verdict verdict = isWell(end)
+                          ? *end.verdict
+                          : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
+                                    howItEnded(end, box, setting.timeout) + '\n' + whatRan(box), box.macro.text()};
     if (box.wantedMemory) addLine(verdict.reason, "the process ran out of memory on the way");
     addLine(verdict.reason, lastLinesOf(end.out.text));
     return verdict;
@@ -107,23 +109,10 @@ Verdict judge(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseco
 
 void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& setting) {
     if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
-    std::string smaller = shrunkMacro(setting.signals, subject, setting.timeout, verdict.macro);
+    std::string smaller = shrunkMacro(setting, subject, verdict.macro);
     if (smaller == verdict.macro) return;
     addLine(verdict.reason, "a smaller macro shows the same:\n    " + shortText(smaller));
     verdict.macro = std::move(smaller);
-}
-
-Verdict runTame(const CheckTest& test, const Subject& subject, const TestSetting& setting, BlackBox& box) {
-    const auto task = [&] { return verdictOf(test, subject, box); };
-    if (!setting.inProcess) return judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
-    const auto process = std::make_unique<ProcessBox>();
-    box.process = process.get();
-    return task();
-}
-
-Subject withAbsoluteFiles(Subject subject) {
-    for (std::string& file : subject.options.addOns) file = std::filesystem::absolute(file);
-    return subject;
 }
 
 // In the process of a test whose commands may be any text.
@@ -150,7 +139,8 @@ void runWild(const CheckTest& test, const Subject& subject, const TestSetting& s
                    std::string(kWritesAnywhere) + ", and only a process of its own can be confined"};
         return;
     }
-    Subject movable = withAbsoluteFiles(subject);
+    Subject movable = subject;
+    for (std::string& file : movable.options.addOns) file = std::filesystem::absolute(file);
     std::optional<ScratchFolder> scratch;
     try {
         scratch.emplace();
@@ -164,7 +154,7 @@ void runWild(const CheckTest& test, const Subject& subject, const TestSetting& s
     movable.confinement = &confinement;
     const CurrentFolder there(scratch->copy());
     const auto task = [&] { return confinedVerdictOf(test, movable, box); };
-    verdict = judge(runWatched(setting.signals, box, setting.timeout, task), box, setting.timeout);
+    verdict = watchedVerdict(setting, box, task);
     result.refusedWrites = confinement.refusals();
     if (result.refusedWrites > 0) addLine(verdict.reason, refusalsText(result.refusedWrites));
     shrinkMacro(verdict, movable, setting);
@@ -179,8 +169,12 @@ TestResult runTest(const CheckTest& test, const Subject& subject, const TestSett
     result.test = &test;
     if (test.isWild) {
         runWild(test, subject, setting, *box, result);
+    } else if (setting.inProcess) {
+        const auto process = std::make_unique<ProcessBox>();
+        box->process = process.get();
+        result.verdict = verdictOf(test, subject, *box);
     } else {
-        result.verdict = runTame(test, subject, setting, *box);
+        result.verdict = watchedVerdict(setting, *box, [&] { return verdictOf(test, subject, *box); });
     }
     result.duration = std::chrono::duration_cast<std::chrono::milliseconds>(BlackBox::Clock::now() - begin);
     result.addOnIds = linesOf(box->addOnIds.text());

@@ -5,18 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "commands/check/WatchedProcess.h"
 #include "commands/check/trial/CheckTest.h"
 #include "commands/check/trial/Trial.h"
-#include "system/processes/AwaitedSignals.h"
 
 namespace vexa::runner {
-
-/// How tests are run.
-struct TestSetting {
-    const AwaitedSignals& signals;        ///< what ends the whole check
-    bool inProcess = false;               ///< in this process, for a debugger
-    std::chrono::milliseconds timeout{};  ///< for each command; a process of its own is killed then
-};
 
 /// A test that was run.
 struct TestResult {
@@ -25,10 +18,11 @@ struct TestResult {
     std::chrono::milliseconds duration{};
     std::size_t refusedWrites = 0;      ///< how often the confinement of the test refused to change a file
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
+    std::string reproduce;  ///< the command that shows the outcome again; empty if the test passed or was skipped
 };
 
-/// Runs \p test in a process of its own, and tells a crash or a hang of it as its verdict.
-/// \throws std::system_error when there cannot be another process.
+/// Runs \p test in a process of its own. If the process crashes or hangs, the verdict says so.
+/// \throws std::system_error if a process cannot be started.
 TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting);
 
 }  // namespace vexa::runner

@@ -12,6 +12,7 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::string_view kIndentation = "    ";
+constexpr std::string_view kDigits = "0123456789";
 // How lines begin that tell what went on, and lines that belong to the one before.
 constexpr std::string_view kContext[] = {"tried: ",
                                          "during: ",
@@ -31,22 +32,17 @@ bool startsWithAny(std::string_view line, const Beginnings& beginnings) {
                        [&](std::string_view beginning) { return startsWith(line, beginning); });
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 // `line` without the number that stands behind `word`.
 std::string withoutNumber(std::string line, std::string_view word) {
     const std::size_t begin = line.find(word);
     if (begin == std::string::npos) return line;
-    std::size_t end = begin + word.size();
-    while (end < line.size() && isDigit(line[end])) ++end;
-    return line.erase(begin, end - begin);
+    return line.erase(begin, line.find_first_not_of(kDigits, begin + word.size()) - begin);
 }
 
 // Without the place in a macro that a headline begins with: `FILE:LINE: `.
 std::string withoutPlace(const std::string& line) {
     for (std::size_t colon = line.find(':'); colon != std::string::npos; colon = line.find(':', colon + 1)) {
-        std::size_t end = colon + 1;
-        while (end < line.size() && isDigit(line[end])) ++end;
+        const std::size_t end = std::min(line.find_first_not_of(kDigits, colon + 1), line.size());
         if (end > colon + 1 && line.compare(end, 2, ": ") == 0) return line.substr(end + 2);
     }
     return line;
@@ -57,8 +53,7 @@ std::string withoutLastPlace(const std::string& line) {
     const std::size_t begin = line.rfind(" (");
     const std::size_t colon = line.rfind(':');
     const bool hasPlace = begin != std::string::npos && colon > begin && colon + 2 < line.size() &&
-                          line.back() == ')' &&
-                          std::all_of(line.begin() + static_cast<std::ptrdiff_t>(colon) + 1, line.end() - 1, isDigit);
+                          line.back() == ')' && line.find_first_not_of(kDigits, colon + 1) == line.size() - 1;
     return hasPlace ? line.substr(0, begin) : line;
 }
 
@@ -80,9 +75,14 @@ std::string howItEnded(const std::vector<std::string>& lines) {
     return how;
 }
 
-}  // namespace
+// Some lines of a reason: a cause, or its context.
+struct Part {
+    std::string text;
+    std::string key = {};       // the key of its cause; empty for context
+    std::string headline = {};  // of a cause
+};
 
-std::vector<ToldCauses::Part> ToldCauses::partsOf(const Verdict& verdict) {
+std::vector<Part> partsOf(const Verdict& verdict) {
     const std::vector<std::string> lines = linesOf(verdict.reason);
     const bool isEnd = verdict.outcome == Outcome_e::Crashed || verdict.outcome == Outcome_e::TimedOut;
     if (isEnd) return {{verdict.reason, howItEnded(lines), howItEnded(lines)}};
@@ -98,6 +98,8 @@ std::vector<ToldCauses::Part> ToldCauses::partsOf(const Verdict& verdict) {
     return parts;
 }
 
+}  // namespace
+
 ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdict) {
     if (verdict.outcome == Outcome_e::Passed || verdict.outcome == Outcome_e::Skipped) return {verdict.reason, false};
     Told told;
@@ -110,15 +112,16 @@ ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdic
             continue;
         }
         if (!here.insert(part.key).second) continue;
-        const auto [cause, isNew] = m_causes.try_emplace(part.key, Cause{part.headline, test});
-        ++cause->second.tests;
-        if (isNew) {
-            m_order.push_back(part.key);
-            addLine(told.text, part.text);
-            told.isNew = true;
-        } else {
-            earlier.insert(cause->second.firstTest);
+        const auto known =
+            std::find_if(m_causes.begin(), m_causes.end(), [&](const Cause& cause) { return cause.key == part.key; });
+        if (known != m_causes.end()) {
+            ++known->tests;
+            earlier.insert(known->firstTest);
+            continue;
         }
+        m_causes.push_back({part.key, part.headline, test, 1});
+        addLine(told.text, part.text);
+        told.isNew = true;
     }
     if (told.isNew || here.empty()) addLine(told.text, context);
     std::string names;
@@ -130,8 +133,7 @@ ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdic
 
 std::string ToldCauses::summary() const {
     std::string lines;
-    for (const std::string& key : m_order) {
-        const Cause& cause = m_causes.at(key);
+    for (const Cause& cause : m_causes) {
         if (cause.tests < 2) continue;
         addLine(lines, std::to_string(cause.tests) + " tests have the cause that " + cause.firstTest +
                            " shows: " + shortText(cause.headline));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -9,41 +8,34 @@
 
 namespace vexa::runner {
 
-/// What a check tells of its tests, each cause once: a mistake of an add-on shows in test after test.
+/// What a check prints about its tests. One mistake of an add-on often makes many tests fail, so each cause is printed
+/// once.
 ///
-/// A cause is a breach of a rule by a command, a message of a failed command, or a way in which a command ended the
-/// process. Where it lies and how often the host was called before makes no other cause of it.
+/// A cause is a breach of a rule by a command, the message of a failed command, or the way in which a command ended the
+/// process. The place in a macro and the number of host calls before do not distinguish causes.
 class ToldCauses {
 public:
-    /// What is told of a test.
+    /// What is printed about a test.
     struct Told {
-        std::string text;    ///< lines; empty when there is nothing
-        bool isNew = false;  ///< whether there is a cause in it that no test before had
+        std::string text;    ///< lines; empty for nothing
+        bool isNew = false;  ///< whether it has a cause that no earlier test had
     };
 
-    /// What to tell of a test that came out as \p verdict, whose reason is printable.
+    /// Returns what to print about a test with this verdict. Its reason must be printable.
     Told tell(const std::string& test, const Verdict& verdict);
 
-    /// A line for each cause that several tests had.
+    /// Returns a line for each cause that several tests had.
     std::string summary() const;
 
 private:
     struct Cause {
+        std::string key;  // equal for equal causes
         std::string headline;
         std::string firstTest;
         std::size_t tests = 0;
     };
-    // A cause, or what was going on then: some lines of a reason.
-    struct Part {
-        std::string text;
-        std::string key = {};       // equal for equal causes; empty for what is no cause
-        std::string headline = {};  // of a cause
-    };
 
-    static std::vector<Part> partsOf(const Verdict& verdict);
-
-    std::map<std::string, Cause> m_causes;  // by their keys
-    std::vector<std::string> m_order;       // the keys, as they were told
+    std::vector<Cause> m_causes;  // in the order in which they were told
 };
 
 }  // namespace vexa::runner

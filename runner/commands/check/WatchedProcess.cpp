@@ -16,9 +16,8 @@ namespace {
 
 constexpr std::chrono::seconds kTimeToLeave{5};  // from the verdict to the end of the process
 constexpr std::size_t kOutputKept = 4096;
-constexpr char kReasonNote = 'r';
 constexpr char kMacroNote = 'm';
-constexpr char kOutcomeNote = 'o';  // a digit; it comes last, so it makes the verdict whole
+constexpr char kFirstOutcome = '0';  // the notes of a reason: the outcome is added, and they come last
 constexpr rlim_t kMemory = rlim_t{4} << 30;
 constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // sanitizers reserve more addresses than any program needs
 
@@ -58,9 +57,8 @@ public:
         m_box.timeout = m_timeout;
         m_box.touch();
         const Verdict verdict = m_work();
-        notes.tell(kReasonNote, verdict.reason);
         notes.tell(kMacroNote, verdict.macro);
-        notes.tell(kOutcomeNote, std::to_string(static_cast<int>(verdict.outcome)));
+        notes.tell(static_cast<char>(kFirstOutcome + static_cast<int>(verdict.outcome)), verdict.reason);
         return 0;
     }
     NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return this; }
@@ -75,26 +73,25 @@ public:
 
 private:
     void tell(char kind, std::string_view text) override {
-        if (kind == kReasonNote) m_told.reason = text;
-        if (kind == kMacroNote) m_told.macro = text;
-        if (kind != kOutcomeNote) return;
-        m_told.outcome = static_cast<Outcome_e>(text.front() - '0');
-        m_end.verdict = m_told;
+        if (kind == kMacroNote) {
+            m_macro = text;
+        } else {
+            m_end.verdict = Verdict{static_cast<Outcome_e>(kind - kFirstOutcome), std::string(text), m_macro};
+        }
     }
     std::string ask(char, std::string_view) override { return ""; }
 
     BlackBox& m_box;
     std::chrono::milliseconds m_timeout;
     const std::function<Verdict()>& m_work;
-    Verdict m_told;
+    std::string m_macro;
     ProcessEnd m_end;
     bool m_isStopAsked = false;
 };
 
 }  // namespace
 
-ProcessEnd runWatched(const AwaitedSignals& signals, BlackBox& box, std::chrono::milliseconds timeout,
-                      const std::function<Verdict()>& work) {
+ProcessEnd runWatched(const TestSetting& test, BlackBox& box, const std::function<Verdict()>& work) {
     ProcessSetting setting;
     setting.printed = Printed_e::CaughtAsOne;
     setting.kept = kOutputKept;
@@ -102,9 +99,9 @@ ProcessEnd runWatched(const AwaitedSignals& signals, BlackBox& box, std::chrono:
     setting.isTimed = true;
     setting.timeToLeave = kTimeToLeave;
     setting.leavesAtOnce = true;
-    WatchedTest test(box, timeout, work);
-    runInProcesses(signals, 1, setting, test);
-    return test.result();
+    WatchedTest watched(box, test.timeout, work);
+    runInProcesses(test.signals, 1, setting, watched);
+    return watched.result();
 }
 
 }  // namespace vexa::runner

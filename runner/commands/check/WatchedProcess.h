@@ -10,19 +10,25 @@
 
 namespace vexa::runner {
 
+/// How tests are run.
+struct TestSetting {
+    const AwaitedSignals& signals;        ///< the signals that end the whole check
+    bool inProcess = false;               ///< whether tests run in this process, for a debugger
+    std::chrono::milliseconds timeout{};  ///< for each command; then the process of the test is killed
+};
+
 /// The end of a process that ran a test.
 struct ProcessEnd : ProcessOutcome {
-    std::optional<Verdict> verdict;  ///< nothing if the process ended before it had one
+    std::optional<Verdict> verdict;  ///< nothing if the process ended first
 
     bool hasLeft() const { return end == End_e::Left; }
     bool hasTimedOut() const { return end == End_e::TimedOut; }
 };
 
-/// Runs \p work in a process of its own and watches it. The process is killed if the black box does not change for
-/// \p timeout while an add-on works. Its output is caught, its input is empty, and its memory is limited.
+/// Runs \p work in a process of its own and watches it. The process is killed if the black box does not change for the
+/// timeout while an add-on works. Its output is caught, its input is empty, and its memory is limited.
 /// \throws std::system_error if the process cannot be started.
-/// \throws EndedBySignal if one of \p signals came that ends the program.
-ProcessEnd runWatched(const AwaitedSignals& signals, BlackBox& box, std::chrono::milliseconds timeout,
-                      const std::function<Verdict()>& work);
+/// \throws EndedBySignal if a signal came that ends the program.
+ProcessEnd runWatched(const TestSetting& setting, BlackBox& box, const std::function<Verdict()>& work);
 
 }  // namespace vexa::runner

@@ -1,36 +1,15 @@
 #include "system/files/ElfFile.h"
 
 #include <cxxabi.h>
-#include <fcntl.h>
 #include <gelf.h>
-#include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <sstream>
 
 namespace vexa::runner {
 namespace {
-
-class OpenElf {
-public:
-    explicit OpenElf(const std::string& path) : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-        elf_version(EV_CURRENT);
-        m_elf = elf_begin(m_descriptor, ELF_C_READ, nullptr);
-    }
-    OpenElf(const OpenElf&) = delete;
-    OpenElf& operator=(const OpenElf&) = delete;
-    ~OpenElf() {
-        elf_end(m_elf);
-        if (m_descriptor >= 0) close(m_descriptor);
-    }
-
-    Elf* get() const { return m_elf; }
-
-private:
-    int m_descriptor;
-    Elf* m_elf = nullptr;
-};
 
 std::string text(Elf* elf, const GElf_Shdr& section, std::size_t offset) {
     const char* const found = elf_strptr(elf, section.sh_link, offset);
@@ -106,9 +85,12 @@ bool hasExecutableStack(Elf* elf) {
 }  // namespace
 
 ElfFile readElfFile(const std::string& path) {
-    const OpenElf elf(path);
+    elf_version(EV_CURRENT);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(path.c_str(), "re"), std::fclose);
+    const std::unique_ptr<Elf, int (*)(Elf*)> elf(
+        in != nullptr ? elf_begin(fileno(in.get()), ELF_C_READ, nullptr) : nullptr, elf_end);
     GElf_Ehdr header;
-    if (elf.get() == nullptr || elf_kind(elf.get()) != ELF_K_ELF || gelf_getehdr(elf.get(), &header) == nullptr) {
+    if (elf_kind(elf.get()) != ELF_K_ELF || gelf_getehdr(elf.get(), &header) == nullptr) {
         throw ElfError("it is no shared object");
     }
     ElfFile file;

@@ -13,36 +13,33 @@ constexpr std::size_t kManyOptions = 5000;
 constexpr std::size_t kMostCuts = 400;  // in longer texts, cuts have a distance
 
 // Values of every kind, and what is nearly one.
-const std::vector<std::string>& values() {
-    static const std::vector<std::string> all = {"",
-                                                 "TRUE",
-                                                 "-1",
-                                                 "0",
-                                                 "1.5",
-                                                 "1e999",
-                                                 "nan",
-                                                 "99999999999999999999",
-                                                 "'text'",
-                                                 "\"text\"",
-                                                 "''",
-                                                 "'",
-                                                 "\"",
-                                                 "'\\",
-                                                 "[1-3]",
-                                                 "[]",
-                                                 "[",
-                                                 "]",
-                                                 "[3-1]",
-                                                 "[1,",
-                                                 "[0-9223372036854775807]",
-                                                 "[1-9000000000:2]",
-                                                 "=",
-                                                 "\\",
-                                                 "text",
-                                                 "'\xC3\xA4\xFF'",
-                                                 "%s%n"};
-    return all;
-}
+constexpr const char* kValues[] = {"",
+                                   "TRUE",
+                                   "-1",
+                                   "0",
+                                   "1.5",
+                                   "1e999",
+                                   "nan",
+                                   "99999999999999999999",
+                                   "'text'",
+                                   "\"text\"",
+                                   "''",
+                                   "'",
+                                   "\"",
+                                   "'\\",
+                                   "[1-3]",
+                                   "[]",
+                                   "[",
+                                   "]",
+                                   "[3-1]",
+                                   "[1,",
+                                   "[0-9223372036854775807]",
+                                   "[1-9000000000:2]",
+                                   "=",
+                                   "\\",
+                                   "text",
+                                   "'\xC3\xA4\xFF'",
+                                   "%s%n"};
 
 std::size_t endOfValue(const std::string& text, std::size_t at) {
     const char first = text[at];
@@ -60,9 +57,43 @@ std::size_t skipBlanks(const std::string& text, std::size_t at) {
     return std::min(text.find_first_not_of(kBlanks, at), text.size());
 }
 
-std::string textOf(const CommandText::Option& option) {
-    return option.value.empty() ? option.name : option.name + " = " + option.value;
-}
+// The parts of a command's text, as far as it has the usual form: a word, and options after it.
+//
+//     LOAD FILE = 'a b' COLUMNS=[1-3] FAST      the word LOAD, and FILE = 'a b', COLUMNS = [1-3], FAST
+struct CommandText {
+    struct Option {
+        std::string name;
+        std::string value;  // as written, with its quotes; empty if there is none
+    };
+
+    explicit CommandText(const std::string& text) {
+        std::size_t at = skipBlanks(text, 0);
+        const std::size_t wordEnd = std::min(text.find_first_of(kBlanks, at), text.size());
+        word = text.substr(at, wordEnd - at);
+        for (at = skipBlanks(text, wordEnd); at < text.size(); at = skipBlanks(text, at)) {
+            const std::size_t nameEnd = std::min(text.find_first_of(" \t\n\v\f\r=", at), text.size());
+            Option option = {text.substr(at, nameEnd - at), ""};
+            at = skipBlanks(text, nameEnd);
+            if (at < text.size() && text[at] == '=') {
+                at = skipBlanks(text, at + 1);
+                const std::size_t valueEnd = at == text.size() ? at : endOfValue(text, at);
+                option.value = text.substr(at, valueEnd - at);
+                at = valueEnd;
+            }
+            options.push_back(std::move(option));
+        }
+    }
+
+    // The text again, with single blanks.
+    std::string text() const {
+        std::string text = word;
+        for (const auto& [name, value] : options) text += ' ' + name + (value.empty() ? "" : " = " + value);
+        return text;
+    }
+
+    std::string word;
+    std::vector<Option> options;
+};
 
 class Damages {
 public:
@@ -79,11 +110,9 @@ private:
     void add(std::string how, std::string text) { m_damages.push_back({std::move(how), std::move(text)}); }
     void add(std::string how, const CommandText& command) { add(std::move(how), command.text()); }
 
-    // Changes one option.
-    template <class Change>
-    void change(std::string how, std::size_t option, const Change& change) {
+    void replace(std::string how, std::size_t i, CommandText::Option option) {
         CommandText changed = m_command;
-        change(changed.options[option]);
+        changed.options[i] = std::move(option);
         add(std::move(how), changed);
     }
 
@@ -100,8 +129,7 @@ private:
     }
 
     void option(std::size_t i) {
-        using Option = CommandText::Option;
-        const std::string name = m_command.options[i].name;
+        const auto& [name, value] = m_command.options[i];
         CommandText changed = m_command;
         changed.options.erase(changed.options.begin() + static_cast<std::ptrdiff_t>(i));
         add("without " + name, changed);
@@ -113,31 +141,27 @@ private:
             std::swap(changed.options[i - 1], changed.options[i]);
             add("with " + name + " before the option before it", changed);
         }
-        for (const std::string& value : values()) {
-            change(std::string(name).append(" = ").append(value), i, [&](Option& option) { option.value = value; });
-        }
+        for (const std::string other : kValues) replace(name + " = " + other, i, {name, other});
         quotesWithin(i);
-        change("without the = of " + name, i, [&](Option& option) { option = {option.name + ' ' + option.value, ""}; });
-        change("with nothing behind the = of " + name, i, [&](Option& option) { option = {name + " =", ""}; });
-        change("with two = of " + name, i, [&](Option& option) { option.value.insert(0, "= "); });
-        change("without the name " + name, i, [&](Option& option) { option.name.clear(); });
-        change("with a very long name", i, [&](Option& option) { option.name.append(kVeryLong, 'A'); });
-        change("with a very long value of " + name, i,
-               [&](Option& option) { option.value = '\'' + std::string(kVeryLong, 'a') + '\''; });
-        change("with a very long number for " + name, i,
-               [&](Option& option) { option.value = std::string(kVeryLong, '1'); });
         std::string set = "[1";
         for (std::size_t n = 3; set.size() < kVeryLong; n += 2) set += ',' + std::to_string(n);
-        change("with a very long set for " + name, i, [&](Option& option) { option.value = set + ']'; });
+        replace("without the = of " + name, i, {name + ' ' + value, ""});
+        replace("with nothing behind the = of " + name, i, {name + " =", ""});
+        replace("with two = of " + name, i, {name, "= " + value});
+        replace("without the name " + name, i, {"", value});
+        replace("with a very long name", i, {name + std::string(kVeryLong, 'A'), value});
+        replace("with a very long value of " + name, i, {name, '\'' + std::string(kVeryLong, 'a') + '\''});
+        replace("with a very long number for " + name, i, {name, std::string(kVeryLong, '1')});
+        replace("with a very long set for " + name, i, {name, set + ']'});
     }
 
     // Quotes and escapes within a quoted text have to be read, and recorded so that they are read again.
     void quotesWithin(std::size_t i) {
-        const std::string& value = m_command.options[i].value;
+        const auto& [name, value] = m_command.options[i];
         if (value.size() < 2 || (value.front() != '\'' && value.front() != '"')) return;
-        for (const char* const within : {"''", "\"\"", "\\'", "\\\"", "\\\\", "'", "\""}) {
-            change("with " + std::string(within) + " within " + m_command.options[i].name, i,
-                   [&](CommandText::Option& option) { option.value.insert(option.value.size() / 2, within); });
+        for (const std::string within : {"''", "\"\"", "\\'", "\\\"", "\\\\", "'", "\""}) {
+            std::string changed = value;
+            replace("with " + within + " within " + name, i, {name, changed.insert(value.size() / 2, within)});
         }
     }
 
@@ -183,7 +207,7 @@ void damageOnce(std::string& text, std::mt19937_64& random) {
         case 0: text.erase(at, length); break;
         case 1: text.insert(at, text.substr(at, length)); break;
         case 2: text.insert(at, 1, static_cast<char>(1 + below(random, 255))); break;
-        case 3: text.insert(at, values()[below(random, values().size())]); break;
+        case 3: text.insert(at, kValues[below(random, std::size(kValues))]); break;
         case 4: text.insert(at, text.substr(below(random, text.size()), length)); break;
         default:
             if (at != text.size()) text[at] = static_cast<char>(1 + below(random, 255));
@@ -191,30 +215,6 @@ void damageOnce(std::string& text, std::mt19937_64& random) {
 }
 
 }  // namespace
-
-CommandText::CommandText(const std::string& text) {
-    std::size_t at = skipBlanks(text, 0);
-    const std::size_t wordEnd = std::min(text.find_first_of(kBlanks, at), text.size());
-    word = text.substr(at, wordEnd - at);
-    for (at = skipBlanks(text, wordEnd); at < text.size(); at = skipBlanks(text, at)) {
-        const std::size_t nameEnd = std::min(text.find_first_of(" \t\n\v\f\r=", at), text.size());
-        Option option = {text.substr(at, nameEnd - at), ""};
-        at = skipBlanks(text, nameEnd);
-        if (at < text.size() && text[at] == '=') {
-            at = skipBlanks(text, at + 1);
-            const std::size_t valueEnd = at == text.size() ? at : endOfValue(text, at);
-            option.value = text.substr(at, valueEnd - at);
-            at = valueEnd;
-        }
-        options.push_back(std::move(option));
-    }
-}
-
-std::string CommandText::text() const {
-    std::string text = word;
-    for (const Option& option : options) text += ' ' + textOf(option);
-    return text;
-}
 
 std::vector<DamagedText> strangeTexts() {
     std::vector<DamagedText> texts;
@@ -225,7 +225,7 @@ std::vector<DamagedText> strangeTexts() {
         texts.push_back({"byte " + std::to_string(byte) + " alone", one});
     }
     texts.push_back({"every byte there is", every});
-    for (const std::string& text : values()) texts.push_back({"a value alone", text});
+    for (const char* const text : kValues) texts.push_back({"a value alone", text});
     for (const char byte : std::string_view("A '\"[=\\1\xFF")) {
         texts.push_back({"the same byte very often", std::string(kVeryLong, byte)});
     }

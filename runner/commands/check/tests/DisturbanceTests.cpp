@@ -1,7 +1,7 @@
 #include "commands/check/tests/Tests.h"
 
 #include <algorithm>
-#include <array>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,43 +19,35 @@ constexpr const char* kAllocString = "VexaUtilStringAlloc";
 
 // ---- Host calls
 
-// What a failed call returns. An add-on cannot see that a function failed that returns nothing, so there is nothing to
-// try.
-std::vector<int> failuresOf(standin::ResultKind_e kind) {
+struct Failure {
+    int result;
+    const char* text;  // as the host writes it down
+};
+
+// What a failed call returns. An add-on cannot see that a function without a result failed, so there is nothing to try.
+std::vector<Failure> failuresOf(standin::ResultKind_e kind) {
     switch (kind) {
         case standin::ResultKind_e::None: return {};
-        case standin::ResultKind_e::Handle:
-        case standin::ResultKind_e::Boolean: return {0};
-        case standin::ResultKind_e::ReturnCode: return {1, 2, 3};
+        case standin::ResultKind_e::Handle: return {{0, "null"}};
+        case standin::ResultKind_e::Boolean: return {{0, "0"}};
+        case standin::ResultKind_e::ReturnCode:
+            return {{1, "GetValueReturnCode_OtherType"},
+                    {2, "GetValueReturnCode_UnknownPath"},
+                    {3, "GetValueReturnCode_NotAvailable"}};
     }
     return {};
 }
 
-// As the host writes it down.
-std::string resultText(standin::ResultKind_e kind, int result) {
-    constexpr std::array<const char*, 4> kCodes = {"GetValueReturnCode_Ok", "GetValueReturnCode_OtherType",
-                                                   "GetValueReturnCode_UnknownPath", "GetValueReturnCode_NotAvailable"};
-    switch (kind) {
-        case standin::ResultKind_e::Handle: return "null";
-        case standin::ResultKind_e::ReturnCode: return kCodes.at(static_cast<std::size_t>(result));
-        default: return std::to_string(result);
-    }
-}
-
-Disturbance failing(const standin::HostFunctionInfo& info, std::size_t nth, int result) {
-    Disturbance disturbance;
-    const std::string function = info.name;
-    disturbance.what =
-        "call " + std::to_string(nth) + " of " + function + " returns " + resultText(info.result, result);
-    disturbance.run = [=](standin::Host& host, const std::function<void()>& command) {
+Disturbance failing(const std::string& function, std::size_t nth, const Failure& failure) {
+    const auto run = [=, result = failure.result](standin::Host& host, const std::function<void()>& command) {
         host.failCall(function, nth, result);
         command();
-        host.forgetFaults();  // it may have gone another way this time
+        host.forgetFaults();  // the command may not have made that call this time
     };
-    return disturbance;
+    return {"call " + std::to_string(nth) + " of " + function + " returns " + failure.text, run};
 }
 
-// Failing commands that get no memory for their message, too, have a way out of their own.
+// A failing command takes yet another path if it gets no memory for its message.
 Disturbance withoutMessage(Disturbance disturbance) {
     disturbance.what += ", and " + std::string(kAllocString) + " null";
     disturbance.run = [run = disturbance.run](standin::Host& host, const std::function<void()>& command) {
@@ -68,49 +60,51 @@ Disturbance withoutMessage(Disturbance disturbance) {
 // ---- The stop button
 
 Disturbance stopping(std::size_t nth) {
-    Disturbance disturbance;
-    disturbance.what = "the user presses stop before call " + std::to_string(nth) + " of " + kCheckPercent;
-    disturbance.run = [=](standin::Host& host, const std::function<void()>& command) {
+    const auto run = [=](standin::Host& host, const std::function<void()>& command) {
         host.pressStopAtCheck(nth);
         command();
         host.releaseStop();
     };
-    return disturbance;
+    return {"the user presses stop before call " + std::to_string(nth) + " of " + kCheckPercent, run};
 }
 
 // ---- Allocations
 
-// A command that fails for want of memory has none for a message, either. And the library's getValueAsString()
-// deliberately does not free its argument list when memory runs out, so what uses it cannot.
-Disturbance withoutMemory(Failing_e failing, std::size_t nth) {
-    Disturbance disturbance;
-    disturbance.what =
-        "allocation " + std::to_string(nth) + (failing == Failing_e::One ? " fails" : " and all behind it fail");
-    disturbance.suppressed = {"missing-errmsg", "leaked-arglist"};
-    disturbance.successIsWhole = true;
-    disturbance.run = [=](standin::Host&, const std::function<void()>& command) {
-        const AllocationFaults faults(failing, nth);
+// A command that fails because memory ran out has no memory for a message, either. And the library's
+// getValueAsString() deliberately does not free its argument list then, so commands that use it cannot.
+Disturbance withoutMemory(std::size_t first, std::size_t last) {
+    const auto run = [=](standin::Host&, const std::function<void()>& command) {
+        const AllocationFaults faults(first, last);
         command();
     };
-    return disturbance;
+    const char* const which = first == last ? " fails" : " and all behind it fail";
+    return {"allocation " + std::to_string(first) + which, run, {"missing-errmsg", "leaked-arglist"}, true};
 }
 
-using Cases = std::vector<DisturbedCase>;
+// At most kMostOfOneKind of the numbers from 1 to `count`, in the order in which to try them: the first, the last, and
+// the others at random.
+std::vector<std::size_t> sampled(Trial& trial, std::size_t count) {
+    std::vector<std::size_t> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), std::size_t{1});
+    if (count > 2) std::swap(numbers[1], numbers.back());
+    for (std::size_t at = 2; at < count; ++at) std::swap(numbers[at], numbers[at + trial.random()() % (count - at)]);
+    numbers.resize(std::min(count, kMostOfOneKind));
+    return numbers;
+}
 
-// Adds the cases of a function that the command with this index calls.
-void addFailures(Trial& trial, Cases& cases, std::size_t index, const DisturbedCommand& command,
+// Adds the failures of a function that the command calls.
+void addFailures(Trial& trial, RankedDisturbances& failures, const DisturbedCommand& command,
                  const standin::HostFunctionInfo& info) {
     const std::vector<std::string> results = command.resultsOf(info.name);
     std::size_t rank = 0;
-    for (const std::size_t nth : sampled(trial, results.size(), kMostOfOneKind)) {
+    for (const std::size_t nth : sampled(trial, results.size())) {
         ++rank;
-        for (const int result : failuresOf(info.result)) {
-            // What is answered anyway disturbs nobody.
-            if (results[nth - 1] == resultText(info.result, result)) continue;
-            const Disturbance one = failing(info, nth, result);
-            cases.push_back({index, rank, one});
-            if (rank == 1 && info.name != std::string(kAllocString))
-                cases.push_back({index, rank, withoutMessage(one)});
+        for (const Failure& failure : failuresOf(info.result)) {
+            // A result that the call returns anyway disturbs nobody.
+            if (results[nth - 1] == failure.text) continue;
+            const Disturbance one = failing(info.name, nth, failure);
+            failures.emplace(rank, one);
+            if (rank == 1 && info.name != std::string(kAllocString)) failures.emplace(rank, withoutMessage(one));
         }
     }
 }
@@ -118,45 +112,37 @@ void addFailures(Trial& trial, Cases& cases, std::size_t index, const DisturbedC
 }  // namespace
 
 Verdict hostCallFails(Trial& trial) {
-    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
-    Cases cases;
-    for (std::size_t i = 0; i != commands.size(); ++i) {
-        for (const standin::HostFunctionInfo& info : standin::hostFunctions()) {
-            addFailures(trial, cases, i, commands[i], info);
-        }
-    }
-    return tryCases(trial, commands, std::move(cases));
+    const auto failures = [&](const DisturbedCommand& command) {
+        RankedDisturbances all;
+        for (const standin::HostFunctionInfo& info : standin::hostFunctions()) addFailures(trial, all, command, info);
+        return all;
+    };
+    return tryDisturbances(trial, failures, "there was nothing to disturb");
 }
 
 Verdict stopPressed(Trial& trial) {
-    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
-    Cases cases;
-    for (std::size_t i = 0; i != commands.size(); ++i) {
-        std::size_t rank = 0;
-        for (const std::size_t nth : sampled(trial, commands[i].resultsOf(kCheckPercent).size(), kMostOfOneKind)) {
-            cases.push_back({i, ++rank, stopping(nth)});
+    const auto stops = [&](const DisturbedCommand& command) {
+        RankedDisturbances all;
+        for (const std::size_t nth : sampled(trial, command.resultsOf(kCheckPercent).size())) {
+            all.emplace(all.size(), stopping(nth));
         }
-    }
-    if (cases.empty()) return {Outcome_e::Skipped, "no command shows a progress that could be stopped"};
-    return tryCases(trial, commands, std::move(cases));
+        return all;
+    };
+    return tryDisturbances(trial, stops, "no command shows a progress that could be stopped");
 }
 
 Verdict allocationFails(Trial& trial) {
-    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
-    Cases cases;
-    for (std::size_t i = 0; i != commands.size(); ++i) {
-        std::size_t rank = 0;
-        for (const std::size_t nth : sampled(trial, commands[i].countAllocations(), kMostOfOneKind)) {
-            cases.push_back({i, ++rank, withoutMemory(Failing_e::One, nth)});
-            cases.push_back({i, rank, withoutMemory(Failing_e::FromThere, nth)});
+    const auto failures = [&](const DisturbedCommand& command) {
+        RankedDisturbances all;
+        for (const std::size_t nth : sampled(trial, command.countAllocations())) {
+            all.emplace(all.size(), withoutMemory(nth, nth));
+            all.emplace(all.size(), withoutMemory(nth, AllocationFaults::kAll));
         }
-    }
-    if (cases.empty()) {
-        return {Outcome_e::Skipped,
-                "no allocation was seen: the commands make none, or the add-on has an operator new of its own, as when "
-                "it is linked with the C++ library inside"};
-    }
-    return tryCases(trial, commands, std::move(cases));
+        return all;
+    };
+    return tryDisturbances(trial, failures,
+                           "no allocation was seen: the commands make none, or the add-on has an operator new of its "
+                           "own, as when it is linked with the C++ library inside");
 }
 
 }  // namespace vexa::runner

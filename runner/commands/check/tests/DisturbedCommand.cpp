@@ -1,10 +1,6 @@
 #include "commands/check/tests/DisturbedCommand.h"
 
 #include <algorithm>
-#include <deque>
-#include <iterator>
-#include <map>
-#include <numeric>
 #include <utility>
 
 #include "commands/check/trial/AllocationFaults.h"
@@ -17,10 +13,9 @@ constexpr const char* kUnknownCommand = "NO_SUCH_COMMAND";
 constexpr std::size_t kMostTogether = 16;
 constexpr std::size_t kFirstTogether = 4;  // so that slow commands, too, soon had their first cases
 
-std::vector<Disturbance> takeSome(std::deque<Disturbance>& left, std::size_t most) {
-    const auto end = left.begin() + static_cast<std::ptrdiff_t>(std::min(left.size(), most));
-    std::vector<Disturbance> taken(std::make_move_iterator(left.begin()), std::make_move_iterator(end));
-    left.erase(left.begin(), end);
+std::vector<Disturbance> takeSome(RankedDisturbances& left, std::size_t most) {
+    std::vector<Disturbance> taken;
+    while (!left.empty() && taken.size() != most) taken.push_back(std::move(left.extract(left.begin()).mapped()));
     return taken;
 }
 
@@ -39,11 +34,24 @@ std::string textOf(const Deed& deed) {
     return "it failed, with " + (deed.error.empty() ? "no message" : "the message: " + deed.error);
 }
 
+// The commands of the macros, each after those before it, and one that the add-on does not know.
+std::vector<DisturbedCommand> disturbedCommands(Trial& trial) {
+    std::vector<DisturbedCommand> commands;
+    std::vector<MacroCommand> before;
+    for (const MacroCommand& step : trial.subject().steps) {
+        commands.emplace_back(trial, before, step);
+        before.push_back(step);
+    }
+    const std::string addOnId = CheckedSession(trial).host().addOns().front().id;
+    commands.emplace_back(trial, std::vector<MacroCommand>{}, MacroCommand{"", addOnId, kUnknownCommand});
+    return commands;
+}
+
 }  // namespace
 
 DisturbedCommand::DisturbedCommand(Trial& trial, std::vector<MacroCommand> before, MacroCommand step)
     : m_trial(trial), m_before(std::move(before)), m_step(std::move(step)) {
-    m_trial.nowTrying(name() + ": undisturbed");
+    m_trial.nowTrying(nameOf(m_step) + ": undisturbed");
     CheckedSession session(m_trial);
     runBefore(session);
     m_undisturbed = runOnce(session);
@@ -61,20 +69,19 @@ std::vector<std::string> DisturbedCommand::resultsOf(const std::string& function
     return found == m_results.end() ? std::vector<std::string>{} : found->second;
 }
 
-void DisturbedCommand::run(const Disturbances& disturbances) const {
+void DisturbedCommand::run(const std::vector<Disturbance>& disturbances) const {
     try {
         for (auto at = disturbances.begin(); at != disturbances.end();) at = runTogether(at, disturbances.end());
     } catch (const CaseFailed& failure) {
         for (auto at = disturbances.begin(); at != disturbances.end(); ++at) runTogether(at, at + 1);
-        m_trial.nowTrying(name() + ": several times in one session, from: " + disturbances.front().what +
+        m_trial.nowTrying(nameOf(m_step) + ": several times in one session, from: " + disturbances.front().what +
                           "; to: " + disturbances.back().what);
         throw;
     }
 }
 
 // Returns up to where one session could serve.
-DisturbedCommand::Disturbances::const_iterator DisturbedCommand::runTogether(Disturbances::const_iterator at,
-                                                                             Disturbances::const_iterator end) const {
+DisturbedCommand::Position DisturbedCommand::runTogether(Position at, Position end) const {
     CheckedSession session(m_trial);
     runBefore(session);
     bool isPossibleAgain = true;
@@ -83,27 +90,31 @@ DisturbedCommand::Disturbances::const_iterator DisturbedCommand::runTogether(Dis
         // What succeeded need not be possible again.
         isPossibleAgain = !deed.accepted || m_repeats;
     }
-    if (isPossibleAgain) expectUndisturbed(runOnce(session));
+    if (isPossibleAgain) {
+        expectUsual(runOnce(session), "the same command behind it, undisturbed, does not do what it does", "before");
+    }
     session.end();
     return at;
 }
 
 Deed DisturbedCommand::runDisturbed(CheckedSession& session, const Disturbance& disturbance) const {
-    m_trial.nowTrying(name() + ": " + disturbance.what);
+    m_trial.nowTrying(nameOf(m_step) + ": " + disturbance.what);
     for (const std::string& rule : disturbance.suppressed) session.host().suppress(rule);
     Deed deed;
     disturbance.run(session.host(), [&] { deed = runOnce(session); });
     session.expectContractKept();
     expectReplayable(deed.recorded);
-    if (disturbance.successIsWhole) expectSuccessIsWhole(deed);
+    if (disturbance.successIsWhole && deed.accepted) {
+        expectUsual(deed, "the command reports success, but did not do all it does", "undisturbed");
+    }
     return deed;
 }
 
 std::size_t DisturbedCommand::countAllocations() const {
-    m_trial.nowTrying(name() + ": undisturbed");
+    m_trial.nowTrying(nameOf(m_step) + ": undisturbed");
     CheckedSession session(m_trial);
     runBefore(session);
-    const AllocationFaults counting(Failing_e::None);
+    const AllocationFaults counting(AllocationFaults::kNone, AllocationFaults::kNone);
     session.run(m_step);
     return AllocationFaults::count();
 }
@@ -113,11 +124,7 @@ Deed DisturbedCommand::runOnce(CheckedSession& session) const {
     host.clearCalls();
     host.clearRecordedCommands();
     const standin::CommandResult result = session.run(m_step);
-    Deed deed = {result.accepted, result.error, {}};
-    for (const standin::RecordedCommand& recorded : host.recordedCommands()) {
-        deed.recorded.push_back(recorded.addOnId + ' ' + recorded.command);
-    }
-    return deed;
+    return {result.accepted, result.error, session.recorded()};
 }
 
 void DisturbedCommand::runBefore(CheckedSession& session) const {
@@ -130,71 +137,40 @@ void DisturbedCommand::expectReplayable(const std::vector<std::string>& recorded
     for (const std::string& line : recorded) {
         const std::vector<std::string>& usual = m_undisturbed.recorded;
         if (std::find(usual.begin(), usual.end(), line) != usual.end()) continue;
-        const std::size_t idEnd = line.find(' ');
+        const MacroCommand command = commandOfLine(line);
         CheckedSession session(m_trial);
         runBefore(session);
-        const auto finding = replay(session.session(), {line.substr(0, idEnd), line.substr(idEnd + 1), {}});
+        const auto finding = replay(session.session(), {command.addOnId, command.text, {}});
         if (finding) session.host().report(*finding);
         session.end();
     }
 }
 
-void DisturbedCommand::expectSuccessIsWhole(const Deed& deed) const {
-    if (!deed.accepted || !m_isSteady || isSame(deed, m_undisturbed)) return;
-    throw CaseFailed("the command reports success, but did not do all it does: " + textOf(deed) + "\nundisturbed, " +
-                     textOf(m_undisturbed));
-}
-
-void DisturbedCommand::expectUndisturbed(const Deed& deed) const {
+void DisturbedCommand::expectUsual(const Deed& deed, const std::string& wrong, const std::string& usually) const {
     if (!m_isSteady || isSame(deed, m_undisturbed)) return;
-    throw CaseFailed("the same command behind it, undisturbed, does not do what it does: " + textOf(deed) +
-                     "\nbefore, " + textOf(m_undisturbed));
+    throw CaseFailed(wrong + ": " + textOf(deed) + '\n' + usually + ", " + textOf(m_undisturbed));
 }
 
-std::string DisturbedCommand::name() const {
-    return m_step.addOnId + ' ' + m_step.text + (m_step.place.empty() ? "" : " (" + m_step.place + ')');
-}
-
-std::vector<DisturbedCommand> disturbedCommands(Trial& trial) {
-    std::vector<DisturbedCommand> commands;
-    std::vector<MacroCommand> before;
-    for (const MacroCommand& step : trial.subject().steps) {
-        commands.emplace_back(trial, before, step);
-        before.push_back(step);
-    }
-    const std::string addOnId = CheckedSession(trial).host().addOns().front().id;
-    commands.emplace_back(trial, std::vector<MacroCommand>{}, MacroCommand{"", addOnId, kUnknownCommand});
-    return commands;
-}
-
-Verdict tryCases(Trial& trial, const std::vector<DisturbedCommand>& commands, std::vector<DisturbedCase> cases) {
-    if (cases.empty()) return {Outcome_e::Skipped, "there was nothing to disturb"};
-    // A multimap keeps equal ranks in order. So does std::stable_sort, but clang 19 warns about it in libstdc++ 12.
-    std::multimap<std::size_t, DisturbedCase*> byRank;
-    for (DisturbedCase& one : cases) byRank.emplace(one.rank, &one);
-    std::vector<std::deque<Disturbance>> left(commands.size());
-    for (const auto& [rank, one] : byRank) left[one->command].push_back(std::move(one->disturbance));
+Verdict tryDisturbances(Trial& trial,
+                        const std::function<RankedDisturbances(const DisturbedCommand& command)>& disturbancesOf,
+                        const char* whyNone) {
+    const std::vector<DisturbedCommand> commands = disturbedCommands(trial);
+    std::vector<RankedDisturbances> left;
+    std::size_t count = 0;
+    for (const DisturbedCommand& command : commands) count += left.emplace_back(disturbancesOf(command)).size();
+    if (count == 0) return {Outcome_e::Skipped, whyNone};
     std::size_t tried = 0;
-    for (bool isFirstRound = true; tried != cases.size() && (isFirstRound || !trial.isTimeUp()); isFirstRound = false) {
+    for (bool isFirstRound = true; tried != count && (isFirstRound || !trial.isTimeUp()); isFirstRound = false) {
         for (std::size_t i = 0; i != commands.size(); ++i) {
+            if (left[i].empty() || (!isFirstRound && trial.isTimeUp())) continue;
             const std::vector<Disturbance> together = takeSome(left[i], isFirstRound ? kFirstTogether : kMostTogether);
-            if (together.empty() || (!isFirstRound && trial.isTimeUp())) continue;
             commands[i].run(together);
             tried += together.size();
         }
     }
     std::string reason = std::to_string(tried) + (tried == 1 ? " case" : " cases");
-    if (tried != cases.size()) reason += " of " + std::to_string(cases.size()) + "; then the time was up";
+    if (tried != count) reason += " of " + std::to_string(count) + "; then the time was up";
     return {Outcome_e::Passed, reason};
-}
-
-std::vector<std::size_t> sampled(Trial& trial, std::size_t count, std::size_t most) {
-    std::vector<std::size_t> numbers(count);
-    std::iota(numbers.begin(), numbers.end(), std::size_t{1});
-    if (count > 2) std::swap(numbers[1], numbers.back());
-    for (std::size_t at = 2; at < count; ++at) std::swap(numbers[at], numbers[at + trial.random()() % (count - at)]);
-    numbers.resize(std::min(count, most));
-    return numbers;
 }
 
 }  // namespace vexa::runner

@@ -20,15 +20,13 @@ struct Deed {
 /// A way to disturb a command that otherwise succeeds.
 struct Disturbance {
     std::string what;  ///< for people, for example "call 3 of VexaUtilStringAlloc fails"
-    /// Rules whose breaches pass while the command runs.
-    std::vector<std::string> suppressed;
-    /// Whether a disturbed command that succeeds must record the same as undisturbed.
-    bool successIsWhole = false;
     /// Runs the command, and ends the disturbance.
     std::function<void(standin::Host& host, const std::function<void()>& command)> run;
+    std::vector<std::string> suppressed = {};  ///< rules that the command may break meanwhile
+    bool successIsWhole = false;  ///< whether a disturbed command that succeeds must record the same as undisturbed
 };
 
-/// A command after those before it in the macros. Each case runs in a session of its own, with recording on.
+/// A command of the macros after the commands before it. Each case runs in a session of its own, with recording on.
 class DisturbedCommand {
 public:
     /// Runs \p step undisturbed after \p before, which may fail. The later runs are compared with this one.
@@ -40,24 +38,21 @@ public:
     /// Runs the command disturbed in each of these ways, then again undisturbed, and unloads the add-on. Disturbances
     /// share a session, which is faster; after an error each one is tried alone.
     /// \throws CaseFailed if the contract is broken, if a recorded command cannot be replayed, or if the last run
-    /// differs
-    ///         from the undisturbed one.
+    ///         differs from the undisturbed one.
     void run(const std::vector<Disturbance>& disturbances) const;
 
     /// How many allocations the command asks for, undisturbed.
     std::size_t countAllocations() const;
 
 private:
-    using Disturbances = std::vector<Disturbance>;
+    using Position = std::vector<Disturbance>::const_iterator;
 
-    Disturbances::const_iterator runTogether(Disturbances::const_iterator at, Disturbances::const_iterator end) const;
+    Position runTogether(Position at, Position end) const;
     Deed runDisturbed(CheckedSession& session, const Disturbance& disturbance) const;
     Deed runOnce(CheckedSession& session) const;
     void runBefore(CheckedSession& session) const;
     void expectReplayable(const std::vector<std::string>& recorded) const;
-    void expectSuccessIsWhole(const Deed& deed) const;
-    void expectUndisturbed(const Deed& deed) const;
-    std::string name() const;
+    void expectUsual(const Deed& deed, const std::string& wrong, const std::string& usually) const;
 
     Trial& m_trial;
     std::vector<MacroCommand> m_before;
@@ -68,21 +63,14 @@ private:
     std::map<std::string, std::vector<std::string>> m_results;  // of the calls of each function
 };
 
-/// The commands of the macros, each after those before it, and one that the add-on does not know.
-std::vector<DisturbedCommand> disturbedCommands(Trial& trial);
+/// Disturbances by their rank: low ranks come first.
+using RankedDisturbances = std::multimap<std::size_t, Disturbance>;
 
-/// A case of a test.
-struct DisturbedCase {
-    std::size_t command = 0;  ///< of disturbedCommands()
-    std::size_t rank = 0;     ///< the low ones come first
-    Disturbance disturbance;
-};
-
-/// Tries \p cases, the low ranks of all commands first, until the time is up. Some of each command are always tried.
-Verdict tryCases(Trial& trial, const std::vector<DisturbedCommand>& commands, std::vector<DisturbedCase> cases);
-
-/// At most \p most of the numbers from 1 to \p count, in the order in which to try them: the first, the last, and the
-/// others at random.
-std::vector<std::size_t> sampled(Trial& trial, std::size_t count, std::size_t most);
+/// Disturbs the commands of the macros, each after those before it, and a command that the add-on does not know. Tries
+/// the low ranks of all commands first, until the time is up, but at least some disturbances of each command.
+/// \param whyNone is the reason for skipping the test if \p disturbancesOf returns none for any command.
+Verdict tryDisturbances(Trial& trial,
+                        const std::function<RankedDisturbances(const DisturbedCommand& command)>& disturbancesOf,
+                        const char* whyNone);
 
 }  // namespace vexa::runner

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,12 +21,6 @@ namespace {
 constexpr std::string_view kEntry = "vexaAddOn";
 constexpr std::size_t kNamesShown = 3;
 constexpr std::size_t kNameLength = 60;
-
-// What is wrong with the file, lines.
-struct Findings {
-    std::vector<std::string> errors;
-    std::vector<std::string> warnings;
-};
 
 // Names of templates can be longer than anybody reads.
 std::string shortened(const std::string& name) {
@@ -59,30 +54,16 @@ std::string whyOfAnotherKind(const ElfFile& file) {
     return file.type == ET_DYN ? "" : "it is no shared object, but an object file or a program; link it as a module";
 }
 
-class Loaded {
-public:
-    Loaded(const std::string& file, int flags) : m_handle(dlopen(file.c_str(), flags | RTLD_LOCAL)) {
-        if (m_handle == nullptr) m_error = dlerror();
-    }
-    Loaded(const Loaded&) = delete;
-    Loaded& operator=(const Loaded&) = delete;
-    ~Loaded() {
-        if (m_handle != nullptr) dlclose(m_handle);
-    }
+using Library = std::unique_ptr<void, int (*)(void*)>;
 
-    std::filesystem::path folder() const {
-        link_map* object = nullptr;
-        if (m_handle == nullptr || dlinfo(m_handle, RTLD_DI_LINKMAP, &object) != 0) return {};
-        return std::filesystem::path(object->l_name).parent_path();
-    }
-    bool has(const std::string& symbol) const { return m_handle != nullptr && dlsym(m_handle, symbol.c_str()); }
-    bool isThere() const { return m_handle != nullptr; }
-    const std::string& error() const { return m_error; }
+// Null if the library cannot be opened; dlerror() tells why.
+Library opened(const std::string& file, int flags) { return {dlopen(file.c_str(), flags | RTLD_LOCAL), dlclose}; }
 
-private:
-    void* m_handle;
-    std::string m_error;
-};
+std::filesystem::path folderOf(const Library& library) {
+    link_map* object = nullptr;
+    if (library == nullptr || dlinfo(library.get(), RTLD_DI_LINKMAP, &object) != 0) return {};
+    return std::filesystem::path(object->l_name).parent_path();
+}
 
 std::string whereFrom(const std::string& symbol) {
     if (startsWith(symbol, "VexaUtil")) return "the host has no such function; was it written for another host?";
@@ -92,12 +73,13 @@ std::string whereFrom(const std::string& symbol) {
 
 // Not lazily bound, a symbol is missed that is an object; then there is nothing to look in but the process itself.
 std::vector<std::string> missingSymbols(const std::string& path, const ElfFile& file) {
-    const Loaded lazily(path, RTLD_LAZY);
+    const Library lazily = opened(path, RTLD_LAZY);
     std::vector<std::string> missing;
+    if (lazily == nullptr) return missing;
     for (const ElfSymbol& symbol : file.symbols) {
+        const auto has = [&](void* library) { return dlsym(library, symbol.name.c_str()) != nullptr; };
         const bool isWanted = !symbol.isDefined && symbol.isStrong;
-        if (!isWanted || dlsym(RTLD_DEFAULT, symbol.name.c_str()) != nullptr || lazily.has(symbol.name)) continue;
-        if (lazily.isThere()) missing.push_back(symbol.name);
+        if (isWanted && !has(RTLD_DEFAULT) && !has(lazily.get())) missing.push_back(symbol.name);
     }
     return missing;
 }
@@ -117,9 +99,8 @@ std::string explained(const std::string& path, const ElfFile& file, const std::s
     return lines;
 }
 
-void checkBinding(const std::string& path, const ElfFile& file, Findings& found) {
-    const Loaded now(path, RTLD_NOW);
-    if (!now.isThere()) found.errors.push_back(explained(path, file, now.error()));
+void checkBinding(const std::string& path, const ElfFile& file, std::string& errors) {
+    if (opened(path, RTLD_NOW) == nullptr) addLine(errors, explained(path, file, dlerror()));
 }
 
 // ---- What it offers
@@ -129,7 +110,7 @@ bool isToolchains(const std::string& name) {
     return startsWith(name, "__") || name == "_init" || name == "_fini" || name == "_edata" || name == "_end";
 }
 
-void checkExports(const ElfFile& file, Findings& found) {
+void checkExports(Trial& trial, const ElfFile& file, std::string& errors) {
     std::vector<std::string> strong;
     std::vector<std::string> weak;
     bool hasEntry = false;
@@ -140,14 +121,14 @@ void checkExports(const ElfFile& file, Findings& found) {
         if (!isEntry) (symbol.isStrong ? strong : weak).push_back(demangled(symbol.name));
     }
     const std::string mend = "; link with a version script that exports vexaAddOn alone";
-    if (!hasEntry) found.errors.emplace_back("it exports no vexaAddOn, so it is no add-on");
+    if (!hasEntry) addLine(errors, "it exports no vexaAddOn, so it is no add-on");
     if (!strong.empty()) {
-        found.errors.push_back(
-            "it exports more than vexaAddOn, which other add-ons may take for theirs: " + listed(strong) + mend);
+        addLine(errors,
+                "it exports more than vexaAddOn, which other add-ons may take for theirs: " + listed(strong) + mend);
     }
     if (!weak.empty()) {
-        found.warnings.push_back(
-            "templates and inline functions are exported, which add-ons then share by chance: " + listed(weak) + mend);
+        trial.warn("templates and inline functions are exported, which add-ons then share by chance: " + listed(weak) +
+                   mend);
     }
 }
 
@@ -157,39 +138,35 @@ void checkExports(const ElfFile& file, Findings& found) {
 bool isWhereTheHostLooks(const std::string& folder, const ElfFile& file) {
     return std::any_of(file.needed.begin(), file.needed.end(), [&](const std::string& library) {
         std::error_code ignored;
-        return std::filesystem::equivalent(folder, Loaded(library, RTLD_LAZY | RTLD_NOLOAD).folder(), ignored);
+        return std::filesystem::equivalent(folder, folderOf(opened(library, RTLD_LAZY | RTLD_NOLOAD)), ignored);
     });
 }
 
-// Without the empty entries at the end: CMake makes room by them for the run path of the installed file.
-std::vector<std::string> withoutPadding(std::vector<std::string> paths) {
+void checkRunPaths(Trial& trial, const ElfFile& file, std::string& errors) {
+    std::vector<std::string> paths = file.runPaths;
+    // CMake leaves empty entries at the end as room for the run path of the installed file.
     while (!paths.empty() && paths.back().empty()) paths.pop_back();
-    return paths;
-}
-
-void checkRunPaths(const ElfFile& file, Findings& found) {
-    for (const std::string& path : withoutPadding(file.runPaths)) {
+    for (const std::string& path : paths) {
         if (startsWith(path, "$ORIGIN") || startsWith(path, "${ORIGIN}")) continue;
         if (startsWith(path, "/")) {
             if (isWhereTheHostLooks(path, file)) continue;
-            found.warnings.push_back("it looks for libraries in " + path +
-                                     ", which is there on this machine; install it with a run path from $ORIGIN on");
+            trial.warn("it looks for libraries in " + path +
+                       ", which is there on this machine; install it with a run path from $ORIGIN on");
         } else {
-            found.errors.push_back("it looks for libraries in \"" + path +
-                                   "\", so in the folder the host is started in, where anybody may put one");
+            addLine(errors, "it looks for libraries in \"" + path +
+                                "\", so in the folder the host is started in, where anybody may put one");
         }
     }
 }
 
-void checkMemory(const ElfFile& file, Findings& found) {
+void checkMemory(const ElfFile& file, std::string& errors) {
     if (file.hasExecutableStack) {
-        found.errors.emplace_back(
-            "it asks for a stack whose content can be executed, for the whole host; an assembly source without a "
-            ".note.GNU-stack section does that, or -z execstack");
+        addLine(errors,
+                "it asks for a stack whose content can be executed, for the whole host; an assembly source without a "
+                ".note.GNU-stack section does that, or -z execstack");
     }
     if (file.hasTextRelocations) {
-        found.errors.emplace_back(
-            "its code is changed while it is loaded (text relocations); compile all of it with -fPIC");
+        addLine(errors, "its code is changed while it is loaded (text relocations); compile all of it with -fPIC");
     }
 }
 
@@ -197,24 +174,21 @@ void checkMemory(const ElfFile& file, Findings& found) {
 
 Verdict binaryHygiene(Trial& trial) {
     const std::string path = std::filesystem::absolute(trial.subject().addOn());
-    Findings found;
+    std::string errors;
     try {
         const ElfFile file = readElfFile(path);
         const std::string otherKind = whyOfAnotherKind(file);
         if (!otherKind.empty()) throw CaseFailed(otherKind);
-        checkExports(file, found);
-        checkRunPaths(file, found);
-        checkMemory(file, found);
+        checkExports(trial, file, errors);
+        checkRunPaths(trial, file, errors);
+        checkMemory(file, errors);
         trial.nowTrying("all symbols are bound");
-        checkBinding(path, file, found);
+        checkBinding(path, file, errors);
         trial.nowTrying("");
     } catch (const ElfError& error) {
         throw CaseFailed(error.what());
     }
-    for (const std::string& warning : found.warnings) trial.warn(warning);
-    std::string reason;
-    for (const std::string& error : found.errors) addLine(reason, error);
-    if (!reason.empty()) throw CaseFailed(reason);
+    if (!errors.empty()) throw CaseFailed(errors);
     return {};
 }
 

@@ -11,8 +11,11 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "system/files/ElfFile.h"
+#include "text/Lines.h"
+#include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
@@ -27,27 +30,21 @@ struct Holdings {
     std::size_t mappings;
 };
 
-std::size_t mappingsNow() {
+std::vector<std::string> mappings() {
     std::ifstream maps("/proc/self/maps");
-    std::string line;
-    std::size_t count = 0;
-    while (std::getline(maps, line)) ++count;
-    return count;
+    return linesOf({std::istreambuf_iterator<char>(maps), {}});
 }
 
 Holdings holdingsNow() {
     const struct mallinfo2 heap = mallinfo2();
-    return {heap.uordblks + heap.hblkhd, mappingsNow()};
+    return {heap.uordblks + heap.hblkhd, mappings().size()};
 }
 
 bool isMapped(const std::string& path) {
-    std::ifstream maps("/proc/self/maps");
-    for (std::string line; std::getline(maps, line);) {
-        const bool isOfFile =
-            line.size() > path.size() && line.compare(line.size() - path.size(), path.size(), path) == 0;
-        if (isOfFile && line[line.size() - path.size() - 1] == ' ') return true;
-    }
-    return false;
+    const std::vector<std::string> lines = mappings();
+    return std::any_of(lines.begin(), lines.end(), [end = ' ' + path](const std::string& line) {
+        return line.size() >= end.size() && line.compare(line.size() - end.size(), end.size(), end) == 0;
+    });
 }
 
 long threadsNow() {
@@ -66,29 +63,26 @@ bool staysWithMoreThreads(long than) {
 
 std::string whyStillMapped(const std::string& path) {
     const ElfFile file = readElfFile(path);
-    const auto findSymbol = [&](const auto& is) { return std::find_if(file.symbols.begin(), file.symbols.end(), is); };
-    std::string lines =
-        "its file is still mapped after it was unloaded: its static state stays, and a new version of it is not taken "
-        "before the host ends";
-    bool isKnown = false;
-    const auto add = [&](const std::string& reason) {
-        lines += "\nseen in the file: " + reason;
-        isKnown = true;
-    };
+    const auto find = [&](const auto& is) { return std::find_if(file.symbols.begin(), file.symbols.end(), is); };
+    std::string reasons;
+    const auto add = [&](const std::string& reason) { reasons += "\nseen in the file: " + reason; };
     if (file.isNeverUnloaded) add("it is linked with -z nodelete");
-    const auto unique = findSymbol([](const ElfSymbol& symbol) { return symbol.isDefined && symbol.isUnique; });
+    const auto unique = find([](const ElfSymbol& symbol) { return symbol.isDefined && symbol.isUnique; });
     if (unique != file.symbols.end()) {
         add("the whole process shares its " + demangled(unique->name) +
             ", which pins it; compile with -fno-gnu-unique, or export vexaAddOn alone by a version script");
     }
     const auto threadExit =
-        findSymbol([](const ElfSymbol& symbol) { return symbol.name.find("__cxa_thread_atexit") == 0; });
+        find([](const ElfSymbol& symbol) { return startsWith(symbol.name, "__cxa_thread_atexit"); });
     if (threadExit != file.symbols.end()) {
         add("it has thread_local objects with destructors; one of the host's own thread pins it until that ends");
     }
-    if (!isKnown)
-        lines += "\nnothing in the file tells why; it may have opened itself by dlopen(), or another library did";
-    return lines;
+    if (reasons.empty()) {
+        reasons = "\nnothing in the file tells why; it may have opened itself by dlopen(), or another library did";
+    }
+    return "its file is still mapped after it was unloaded: its static state stays, and a new version of it is not "
+           "taken before the host ends" +
+           reasons;
 }
 
 // Keeps the file mapped while it lives, so that a thread that was left behind does not crash.
@@ -123,8 +117,7 @@ void expectNothingLeft(const Holdings& before, const Holdings& after) {
 
 Verdict load(Trial& trial) {
     trial.nowTrying("the add-on is loaded and unloaded");
-    CheckedSession session(trial);
-    session.end();
+    CheckedSession(trial).end();
     return {};
 }
 

@@ -1,15 +1,12 @@
 #include "commands/check/tests/Tests.h"
 
-#include <algorithm>
-#include <deque>
+#include <cstddef>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "commands/check/tests/CommandText.h"
 #include "commands/check/trial/FreeRun.h"
-#include "commands/check/trial/MacroLine.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -19,19 +16,17 @@ namespace {
 struct Original {
     std::vector<MacroCommand> before;  // the commands before it
     MacroCommand step;
-    std::deque<DamagedText> left;  // what is still to be tried of it
+    std::vector<DamagedText> damages;
 };
 
 class Mutations {
 public:
     explicit Mutations(Trial& trial) : m_trial(trial) {
         const std::string addOnId = CheckedSession(trial).host().addOns().front().id;
-        const std::vector<DamagedText> strange = strangeTexts();
-        m_originals.push_back({{}, {"", addOnId, "NAME = 'text'"}, {strange.begin(), strange.end()}});
+        m_originals.push_back({{}, {"", addOnId, "NAME = 'text'"}, strangeTexts()});
         std::vector<MacroCommand> before;
         for (const MacroCommand& step : trial.subject().steps) {
-            const std::vector<DamagedText> texts = damaged(step.text);
-            m_originals.push_back({before, step, {texts.begin(), texts.end()}});
+            m_originals.push_back({before, step, damaged(step.text)});
             before.push_back(step);
         }
     }
@@ -45,18 +40,17 @@ public:
     }
 
 private:
-    // Takes a text of each original in turn, so that what there is time for is of all of them. Returns whether there
-    // was time for all.
+    // Takes one text of each original in turn, so that every original gets its share of the time. Returns whether there
+    // was time for all texts.
     bool trySystematically() {
-        for (bool hasMore = true; hasMore;) {
+        bool hasMore = true;
+        for (std::size_t round = 0; hasMore; ++round) {
             hasMore = false;
-            for (Original& original : m_originals) {
-                if (original.left.empty()) continue;
+            for (const Original& original : m_originals) {
+                if (round >= original.damages.size()) continue;
                 if (m_trial.isTimeUp()) return false;
                 hasMore = true;
-                const DamagedText damage = std::move(original.left.front());
-                original.left.pop_front();
-                tryText(original, damage.how, damage.text);
+                tryText(original, original.damages[round].how, original.damages[round].text);
             }
         }
         return true;

@@ -1,46 +1,46 @@
 #pragma once
 
+#include <string_view>
+#include <vector>
+
 #include "commands/check/trial/Trial.h"
 
 namespace vexa::runner {
 
+/// Every test, in the order in which they run. Tests that others build on come first.
+const std::vector<CheckTest>& checkTests();
+
+/// The test \p name; null if there is none.
+const CheckTest* findCheckTest(std::string_view name);
+
 // The functions of the tests. checkTests() has their names and says what each one tests.
 
-/// \name The add-on itself
-/// @{
+// The add-on itself
 Verdict load(Trial& trial);
 Verdict binaryHygiene(Trial& trial);
 Verdict loadAndUnload(Trial& trial);
-/// @}
 
-/// \name Every command of the macros
-/// @{
+// Every command of the macros
 Verdict commandsInOrder(Trial& trial);
 Verdict commandsAlone(Trial& trial);
 Verdict commandsTwice(Trial& trial);
 Verdict commandsInRandomOrder(Trial& trial);
 Verdict commandsFromSecondAddOn(Trial& trial);
-/// @}
 
-/// \name The macros while the host is in another mode
-/// @{
+// The macros while the host is in another mode
 Verdict inBatchMode(Trial& trial);
 Verdict whileRecording(Trial& trial);
 Verdict duringJournalPlayback(Trial& trial);
 Verdict duringLayoutPlayback(Trial& trial);
 Verdict recordAndReplay(Trial& trial);
-/// @}
 
-/// \name Disturbed commands
-/// A disturbed command may fail with a message. It must keep the contract, and what it records must be replayable. The
-/// same command after it must do what it always does.
-/// @{
+// Disturbed commands. A disturbed command may fail with a message. It must keep the contract, and the commands that it
+// records must be replayable. The same command after it must do what it always does.
 Verdict hostCallFails(Trial& trial);
 Verdict stopPressed(Trial& trial);
 Verdict allocationFails(Trial& trial);
-/// @}
 
-/// Damaged commands, systematically and then at random. They only have to keep the contract.
+// Damaged commands, systematically and then at random. They only have to keep the contract.
 Verdict mutatedTexts(Trial& trial);
 
 }  // namespace vexa::runner

@@ -11,43 +11,36 @@ namespace {
 
 struct Plan {
     bool isArmed;
-    Failing_e failing;
-    std::size_t nth;
+    std::size_t first;
+    std::size_t last;
     std::size_t count;
 };
 
-// What operator new is to do is known to the thread only; constant from the start, so that it holds at any time.
-thread_local Plan plan = {false, Failing_e::None, 0, 0};
+// What operator new does on this thread. Initialized by constants, because allocations start before constructors.
+thread_local Plan plan = {false, 0, 0, 0};
 
 // Counts an allocation that an add-on asks for.
 bool isToFail() {
     if (!plan.isArmed || !standin::Host::isInAddOn()) return false;
     ++plan.count;
-    switch (plan.failing) {
-        case Failing_e::One: return plan.count == plan.nth;
-        case Failing_e::FromThere: return plan.count >= plan.nth;
-        case Failing_e::None: break;
-    }
-    return false;
+    return plan.first <= plan.count && plan.count <= plan.last;
 }
 
-void* blockOf(std::size_t size, std::size_t alignment) noexcept {
-    if (alignment <= alignof(std::max_align_t)) return std::malloc(std::max<std::size_t>(size, 1));
-    void* block = nullptr;
-    return posix_memalign(&block, alignment, std::max<std::size_t>(size, 1)) == 0 ? block : nullptr;
-}
+constexpr std::align_val_t kUsual{alignof(std::max_align_t)};
 
-void* allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
+void* allocate(std::size_t size, std::align_val_t alignment = kUsual) {
     if (isToFail()) throw std::bad_alloc();
     for (;;) {
-        if (void* const block = blockOf(size, alignment)) return block;
+        void* block = nullptr;
+        const std::size_t boundary = std::max(static_cast<std::size_t>(alignment), alignof(std::max_align_t));
+        if (posix_memalign(&block, boundary, std::max<std::size_t>(size, 1)) == 0) return block;
         const std::new_handler handler = std::get_new_handler();
         if (handler == nullptr) throw std::bad_alloc();
         handler();
     }
 }
 
-void* tryToAllocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
+void* tryToAllocate(std::size_t size, std::align_val_t alignment = kUsual) noexcept {
     try {
         return allocate(size, alignment);
     } catch (const std::bad_alloc&) {
@@ -55,11 +48,9 @@ void* tryToAllocate(std::size_t size, std::size_t alignment = alignof(std::max_a
     }
 }
 
-std::size_t number(std::align_val_t alignment) { return static_cast<std::size_t>(alignment); }
-
 }  // namespace
 
-AllocationFaults::AllocationFaults(Failing_e failing, std::size_t nth) { plan = {true, failing, nth, 0}; }
+AllocationFaults::AllocationFaults(std::size_t first, std::size_t last) { plan = {true, first, last, 0}; }
 
 AllocationFaults::~AllocationFaults() { plan.isArmed = false; }
 
@@ -68,21 +59,20 @@ std::size_t AllocationFaults::count() { return plan.count; }
 }  // namespace vexa::runner
 
 using vexa::runner::allocate;
-using vexa::runner::number;
 using vexa::runner::tryToAllocate;
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc,hicpp-no-malloc)
 void* operator new(std::size_t size) { return allocate(size); }
 void* operator new[](std::size_t size) { return allocate(size); }
-void* operator new(std::size_t size, std::align_val_t alignment) { return allocate(size, number(alignment)); }
-void* operator new[](std::size_t size, std::align_val_t alignment) { return allocate(size, number(alignment)); }
+void* operator new(std::size_t size, std::align_val_t alignment) { return allocate(size, alignment); }
+void* operator new[](std::size_t size, std::align_val_t alignment) { return allocate(size, alignment); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return tryToAllocate(size); }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return tryToAllocate(size); }
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-    return tryToAllocate(size, number(alignment));
+    return tryToAllocate(size, alignment);
 }
 void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-    return tryToAllocate(size, number(alignment));
+    return tryToAllocate(size, alignment);
 }
 
 void operator delete(void* block) noexcept { std::free(block); }

@@ -1,30 +1,26 @@
 /// \file
-/// Allocations that fail. The program's operator new is replaced for it, in all its forms, and with it that of all
-/// shared objects of the program but those that have one of their own.
+/// Allocations that fail. This replaces operator new in all its forms, for the program and for its shared objects that
+/// have no operator new of their own.
 #pragma once
 
 #include <cstddef>
+#include <limits>
 
 namespace vexa::runner {
 
-/// Which allocations fail.
-enum class Failing_e {
-    None,      ///< none: they are only counted
-    One,       ///< one
-    FromThere  ///< that one and all behind it
-};
-
-/// Lets allocations of the calling thread fail while this lives, but only those of add-ons: not what the host
-/// allocates on the way.
+/// Makes allocations of the calling thread fail while this object lives. Allocations of the host do not count.
 class AllocationFaults {
 public:
-    /// \param nth which allocation is the first to fail, counted from 1.
-    explicit AllocationFaults(Failing_e failing, std::size_t nth = 1);
+    static constexpr std::size_t kNone = 0;
+    static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+
+    /// Makes the allocations with the numbers from \p first to \p last fail, counted from 1.
+    AllocationFaults(std::size_t first, std::size_t last);
     AllocationFaults(const AllocationFaults&) = delete;
     AllocationFaults& operator=(const AllocationFaults&) = delete;
     ~AllocationFaults();
 
-    /// How many allocations the add-ons asked for since this was constructed.
+    /// How many allocations the add-ons have asked for since the last object was constructed.
     static std::size_t count();
 };
 

@@ -4,28 +4,28 @@
 
 namespace vexa::runner {
 
-/// How a test of the check came out.
+/// The outcome of a test.
 enum class Outcome_e {
     Passed,
-    Warned,    ///< it works, but a rule of severity warning was broken
+    Warned,    ///< it passed, but broke a rule of severity warning
     Skipped,   ///< there was nothing to test: no macro, or no add-on that can be loaded
-    Failed,    ///< the add-on did wrong
-    Crashed,   ///< the add-on took its process down: a signal, exit(), want of memory
+    Failed,    ///< the add-on made an error
+    Crashed,   ///< the add-on ended its process: a signal, exit(), no memory
     TimedOut,  ///< a command did not return
 };
 
-/// What came of a test.
+/// The outcome of a test, and its reason.
 struct Verdict {
     Outcome_e outcome = Outcome_e::Passed;
-    std::string reason = {};  ///< for people, lines; empty when passed
-    std::string macro = {};   ///< a macro that shows it; empty when only the test itself does
+    std::string reason = {};  ///< lines for people; empty if the test passed
+    std::string macro = {};   ///< a macro that shows it; empty if only the test itself shows it
 };
 
-/// What a test needs, or else is skipped.
+/// What a test needs. Without it the test is skipped.
 enum class Needs_e {
     File,     ///< the add-on's file
     Loading,  ///< an add-on that can be loaded
-    Commands  ///< commands of a macro, besides: the subject has steps then
+    Commands  ///< such an add-on, and a macro with commands
 };
 
 class Trial;
@@ -34,13 +34,13 @@ class Trial;
 struct CheckTest {
     const char* name;     ///< short and stable, as --only takes it, for example "host-call-fails"
     int level;            ///< the lowest level that has it, 1 to 3
-    Needs_e needs;        ///< what it is skipped without
+    Needs_e needs;        ///< the test is skipped without it
     const char* summary;  ///< what is tested, in one sentence
-    const char* why;      ///< what users suffer from add-ons that do not pass
-    /// Runs it. What the add-on does wrong is returned, or thrown as a CaseFailed.
+    const char* why;      ///< what goes wrong for users if an add-on does not pass
+    /// Runs the test. It returns an error of the add-on, or throws it as a CaseFailed.
     Verdict (*run)(Trial& trial);
-    /// Whether its commands are texts that the user did not write. They may write anywhere, so the test works in a copy
-    /// of the current folder, in a process that can write nowhere else; and the macro of its verdict can be made
+    /// Whether its commands are texts that the user did not write. Such commands may write anywhere, so the test works
+    /// in a copy of the current folder, in a process that can write nowhere else. The macro of its verdict is then made
     /// smaller.
     bool isWild = false;
 };

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <linux/landlock.h>
 #include <sched.h>
-#include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -11,20 +10,17 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <new>
+#include <fstream>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "system/LastError.h"
-#include "system/files/Descriptor.h"
 
 namespace vexa::runner {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::atomic<std::uint64_t>* enteredCounter = nullptr;  // of the confinement that this process entered
 
 // ---- By Landlock, for which the C library has no functions
 
@@ -65,8 +61,7 @@ void allow(const Descriptor& rules, const char* path, std::uint64_t access) {
 // ---- By mounts
 
 void writeFile(const char* path, const std::string& text) {
-    const Descriptor file(open(path, O_WRONLY | O_CLOEXEC));
-    if (file.get() < 0 || !writeAll(file.get(), text)) throwLastError(path);
+    if (!(std::ofstream(path) << text << std::flush)) throwLastError(path);
 }
 
 // Whoever is not root is granted a view of mounts in a name space of users only. There, too, everyone stays who they
@@ -115,14 +110,10 @@ void confineByMounts(const fs::path& folder) {
     fs::current_path(current);  // by its name, for it was on the mount that is read-only now
 }
 
-Confinement::Confinement(fs::path folder, fs::path temporary)
-    : m_folder(std::move(folder)), m_temporary(std::move(temporary)) {
-    void* const memory = mmap(nullptr, sizeof(Counter), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) throw std::bad_alloc();
-    m_refusals = new (memory) Counter(0);
-}
+Confinement::Counter* Confinement::enteredCounter = nullptr;
 
-Confinement::~Confinement() { munmap(m_refusals, sizeof(Counter)); }
+Confinement::Confinement(fs::path folder, fs::path temporary)
+    : m_folder(std::move(folder)), m_temporary(std::move(temporary)) {}
 
 void Confinement::enter() const {
     try {
@@ -131,12 +122,12 @@ void Confinement::enter() const {
         confineByMounts(m_folder);
     }
     setenv("TMPDIR", m_temporary.c_str(), 1);
-    enteredCounter = m_refusals;
+    enteredCounter = &*m_refusals;
 }
 
 void Confinement::noteFailure(int error) noexcept {
     const bool isRefusal = error == EACCES || error == EROFS || error == EXDEV;
-    if (isRefusal && enteredCounter != nullptr) ++*enteredCounter;
+    if (isRefusal && enteredCounter != nullptr) ++enteredCounter->value;
 }
 
 }  // namespace vexa::runner

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "system/processes/SharedMemory.h"
+
 namespace vexa::runner {
 
 /// A folder below which alone those processes may change files that entered it, and the processes that they start.
@@ -30,9 +32,6 @@ public:
     /// \param temporary a folder below it, which TMPDIR names within.
     /// \throws std::bad_alloc
     Confinement(std::filesystem::path folder, std::filesystem::path temporary);
-    Confinement(const Confinement&) = delete;
-    Confinement& operator=(const Confinement&) = delete;
-    ~Confinement();
 
     /// Confines this process, which must have one thread. Its current folder stays the same.
     /// \throws std::system_error when neither way is open; the process is not to go on then.
@@ -41,19 +40,23 @@ public:
     /// How many calls of the C library that change files were refused in all processes that entered. System calls that
     /// are made without the C library, or by it for its own ends, and those of other programs are refused, too, but not
     /// counted.
-    std::size_t refusals() const { return *m_refusals; }
+    std::size_t refusals() const { return m_refusals->value; }
 
     /// Counts a call that failed with \p error, if this process is confined and that is why. Called by the functions of
     /// CountedFileCalls.cpp.
     static void noteFailure(int error) noexcept;
 
 private:
-    using Counter = std::atomic<std::uint64_t>;
-    static_assert(Counter::is_always_lock_free);
+    struct Counter {
+        std::atomic<std::uint64_t> value{0};
+        static_assert(decltype(value)::is_always_lock_free);
+    };
+
+    static Counter* enteredCounter;  // of the confinement that this process entered
 
     std::filesystem::path m_folder;
     std::filesystem::path m_temporary;
-    Counter* m_refusals;  // processes that are forked share it
+    SharedMemory<Counter> m_refusals;
 };
 
 /// The two ways of Confinement::enter(), for tests.

@@ -1,7 +1,7 @@
 // The functions of the C library that change files, for the whole program and its add-ons: the loader finds these
-// first. They call the library's, and count what a confinement refused.
+// first. They call the library's functions, and count the changes that a confinement refused.
 
-// The library's own checked variants would be defined twice.
+// Without this, the library's headers define checked variants of the same functions.
 #undef _FORTIFY_SOURCE
 
 #include <dlfcn.h>
@@ -23,21 +23,16 @@ namespace {
 bool isFailure(int result) { return result < 0; }
 bool isFailure(const void* result) { return result == nullptr; }
 
-template <class Result>
-Result counted(Result result) noexcept {
-    const int error = errno;
-    if (isFailure(result)) Confinement::noteFailure(error);
-    errno = error;
-    return result;
-}
-
 bool isForWriting(int flags) { return (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0; }
 bool isForWriting(const char* mode) { return std::strpbrk(mode, "wa+") != nullptr; }
 
-// Opening for reading is refused by permissions only.
-template <class Result, class Mode>
-Result opened(Result result, Mode mode) noexcept {
-    return isForWriting(mode) ? counted(result) : result;
+// A confinement refuses only changes. Permissions are why a file cannot be opened for reading.
+template <class Result>
+Result counted(Result result, bool isChange) noexcept {
+    const int error = errno;
+    if (isChange && isFailure(result)) Confinement::noteFailure(error);
+    errno = error;
+    return result;
 }
 
 mode_t modeOf(int flags, va_list arguments) {
@@ -47,40 +42,26 @@ mode_t modeOf(int flags, va_list arguments) {
 
 }  // namespace
 
-// The function that would have been called but for the one here.
-// NOLINTNEXTLINE(bugprone-macro-parentheses): a type cannot stand in them
+// The next function of this name, which is the C library's.
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a type cannot stand in parentheses
 #define VEXA_NEXT(function) static const auto next = reinterpret_cast<decltype(&function)>(dlsym(RTLD_NEXT, #function))
 
-#define VEXA_OPEN(function)                            \
-    int function(const char* path, int flags, ...) {   \
-        VEXA_NEXT(function);                           \
-        va_list arguments;                             \
-        va_start(arguments, flags);                    \
-        const mode_t mode = modeOf(flags, arguments);  \
-        va_end(arguments);                             \
-        return opened(next(path, flags, mode), flags); \
+// Defines a function that calls the next one. `isChange` says whether the call asks for a change.
+#define VEXA_CALL(type, function, parameters, arguments, isChange)    \
+    type function parameters noexcept(noexcept(function arguments)) { \
+        VEXA_NEXT(function);                                          \
+        return counted(next arguments, isChange);                     \
     }
 
-#define VEXA_OPENAT(function)                                    \
-    int function(int folder, const char* path, int flags, ...) { \
-        VEXA_NEXT(function);                                     \
-        va_list arguments;                                       \
-        va_start(arguments, flags);                              \
-        const mode_t mode = modeOf(flags, arguments);            \
-        va_end(arguments);                                       \
-        return opened(next(folder, path, flags, mode), flags);   \
-    }
-
-#define VEXA_FOPEN(function)                             \
-    FILE* function(const char* path, const char* mode) { \
-        VEXA_NEXT(function);                             \
-        return opened(next(path, mode), mode);           \
-    }
-
-#define VEXA_FREOPEN(function)                                      \
-    FILE* function(const char* path, const char* mode, FILE* old) { \
-        VEXA_NEXT(function);                                        \
-        return opened(next(path, mode, old), mode);                 \
+// The same for functions that open files, which take a mode only if they create the file.
+#define VEXA_OPEN(function, parameters, arguments)           \
+    int function parameters {                                \
+        VEXA_NEXT(function);                                 \
+        va_list optional;                                    \
+        va_start(optional, flags);                           \
+        const mode_t mode = modeOf(flags, optional);         \
+        va_end(optional);                                    \
+        return counted(next arguments, isForWriting(flags)); \
     }
 
 // NOLINTBEGIN(cert-dcl50-cpp,bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
@@ -92,104 +73,39 @@ int __open64_2(const char* path, int flags);
 int __openat_2(int folder, const char* path, int flags);
 int __openat64_2(int folder, const char* path, int flags);
 
-int __open_2(const char* path, int flags) {
-    VEXA_NEXT(__open_2);
-    return opened(next(path, flags), flags);
-}
-int __open64_2(const char* path, int flags) {
-    VEXA_NEXT(__open64_2);
-    return opened(next(path, flags), flags);
-}
-int __openat_2(int folder, const char* path, int flags) {
-    VEXA_NEXT(__openat_2);
-    return opened(next(folder, path, flags), flags);
-}
-int __openat64_2(int folder, const char* path, int flags) {
-    VEXA_NEXT(__openat64_2);
-    return opened(next(folder, path, flags), flags);
-}
+VEXA_OPEN(open, (const char* path, int flags, ...), (path, flags, mode))
+VEXA_OPEN(open64, (const char* path, int flags, ...), (path, flags, mode))
+VEXA_OPEN(openat, (int folder, const char* path, int flags, ...), (folder, path, flags, mode))
+VEXA_OPEN(openat64, (int folder, const char* path, int flags, ...), (folder, path, flags, mode))
 
-VEXA_OPEN(open)
-VEXA_OPEN(open64)
-VEXA_OPENAT(openat)
-VEXA_OPENAT(openat64)
-VEXA_FOPEN(fopen)
-VEXA_FOPEN(fopen64)
-VEXA_FREOPEN(freopen)
-VEXA_FREOPEN(freopen64)
-
-int creat(const char* path, mode_t mode) {
-    VEXA_NEXT(creat);
-    return counted(next(path, mode));
-}
-int creat64(const char* path, mode_t mode) {
-    VEXA_NEXT(creat64);
-    return counted(next(path, mode));
-}
-int truncate(const char* path, off_t size) noexcept {
-    VEXA_NEXT(truncate);
-    return counted(next(path, size));
-}
-int truncate64(const char* path, off64_t size) noexcept {
-    VEXA_NEXT(truncate64);
-    return counted(next(path, size));
-}
-int mkdir(const char* path, mode_t mode) noexcept {
-    VEXA_NEXT(mkdir);
-    return counted(next(path, mode));
-}
-int mkdirat(int folder, const char* path, mode_t mode) noexcept {
-    VEXA_NEXT(mkdirat);
-    return counted(next(folder, path, mode));
-}
-int mkfifo(const char* path, mode_t mode) noexcept {
-    VEXA_NEXT(mkfifo);
-    return counted(next(path, mode));
-}
-int rename(const char* from, const char* to) noexcept {
-    VEXA_NEXT(rename);
-    return counted(next(from, to));
-}
-int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
-    VEXA_NEXT(renameat);
-    return counted(next(fromFolder, from, toFolder, to));
-}
-int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
-    VEXA_NEXT(renameat2);
-    return counted(next(fromFolder, from, toFolder, to, flags));
-}
-int link(const char* from, const char* to) noexcept {
-    VEXA_NEXT(link);
-    return counted(next(from, to));
-}
-int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
-    VEXA_NEXT(linkat);
-    return counted(next(fromFolder, from, toFolder, to, flags));
-}
-int symlink(const char* target, const char* path) noexcept {
-    VEXA_NEXT(symlink);
-    return counted(next(target, path));
-}
-int symlinkat(const char* target, int folder, const char* path) noexcept {
-    VEXA_NEXT(symlinkat);
-    return counted(next(target, folder, path));
-}
-int unlink(const char* path) noexcept {
-    VEXA_NEXT(unlink);
-    return counted(next(path));
-}
-int unlinkat(int folder, const char* path, int flags) noexcept {
-    VEXA_NEXT(unlinkat);
-    return counted(next(folder, path, flags));
-}
-int rmdir(const char* path) noexcept {
-    VEXA_NEXT(rmdir);
-    return counted(next(path));
-}
-int remove(const char* path) noexcept {
-    VEXA_NEXT(remove);
-    return counted(next(path));
-}
+VEXA_CALL(int, __open_2, (const char* path, int flags), (path, flags), isForWriting(flags))
+VEXA_CALL(int, __open64_2, (const char* path, int flags), (path, flags), isForWriting(flags))
+VEXA_CALL(int, __openat_2, (int folder, const char* path, int flags), (folder, path, flags), isForWriting(flags))
+VEXA_CALL(int, __openat64_2, (int folder, const char* path, int flags), (folder, path, flags), isForWriting(flags))
+VEXA_CALL(FILE*, fopen, (const char* path, const char* mode), (path, mode), isForWriting(mode))
+VEXA_CALL(FILE*, fopen64, (const char* path, const char* mode), (path, mode), isForWriting(mode))
+VEXA_CALL(FILE*, freopen, (const char* path, const char* mode, FILE* old), (path, mode, old), isForWriting(mode))
+VEXA_CALL(FILE*, freopen64, (const char* path, const char* mode, FILE* old), (path, mode, old), isForWriting(mode))
+VEXA_CALL(int, creat, (const char* path, mode_t mode), (path, mode), true)
+VEXA_CALL(int, creat64, (const char* path, mode_t mode), (path, mode), true)
+VEXA_CALL(int, truncate, (const char* path, off_t size), (path, size), true)
+VEXA_CALL(int, truncate64, (const char* path, off64_t size), (path, size), true)
+VEXA_CALL(int, mkdir, (const char* path, mode_t mode), (path, mode), true)
+VEXA_CALL(int, mkdirat, (int folder, const char* path, mode_t mode), (folder, path, mode), true)
+VEXA_CALL(int, mkfifo, (const char* path, mode_t mode), (path, mode), true)
+VEXA_CALL(int, rename, (const char* from, const char* to), (from, to), true)
+VEXA_CALL(int, renameat, (int from, const char* old, int to, const char* path), (from, old, to, path), true)
+VEXA_CALL(int, renameat2, (int from, const char* old, int to, const char* path, unsigned flags),
+          (from, old, to, path, flags), true)
+VEXA_CALL(int, link, (const char* from, const char* to), (from, to), true)
+VEXA_CALL(int, linkat, (int from, const char* old, int to, const char* path, int flags), (from, old, to, path, flags),
+          true)
+VEXA_CALL(int, symlink, (const char* target, const char* path), (target, path), true)
+VEXA_CALL(int, symlinkat, (const char* target, int folder, const char* path), (target, folder, path), true)
+VEXA_CALL(int, unlink, (const char* path), (path), true)
+VEXA_CALL(int, unlinkat, (int folder, const char* path, int flags), (folder, path, flags), true)
+VEXA_CALL(int, rmdir, (const char* path), (path), true)
+VEXA_CALL(int, remove, (const char* path), (path), true)
 }
 #pragma GCC visibility pop
 // NOLINTEND(cert-dcl50-cpp,bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)

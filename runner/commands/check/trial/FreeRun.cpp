@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "commands/check/trial/MacroLine.h"
 #include "session/Replay.h"
 
 namespace vexa::runner {

@@ -1,11 +1,18 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "commands/check/trial/Trial.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
+
+/// Whether a macro file can hold a command with this text.
+inline bool fitsMacroLine(std::string_view text) {
+    return !text.empty() && text.front() != ' ' && text.front() != '\t' &&
+           text.find_first_of(std::string_view("\n\r\0", 3)) == std::string_view::npos;
+}
 
 /// Runs \p steps, which may be any texts and may fail, in a session of its own. The stop button is pressed after some
 /// steps of a task, because a damaged number can make a task endless. The commands that the last step recorded are

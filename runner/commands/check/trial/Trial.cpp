@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <mutex>
-#include <utility>
 
 #include "commands/check/trial/BlackBox.h"
 #include "terminal/Console.h"
@@ -16,13 +16,12 @@ namespace vexa::runner {
 namespace {
 
 std::string nameOf(const standin::EntryEvent& entry) {
-    const std::string place = entry.macroLine.empty() ? "" : " (" + entry.macroLine + ')';
     switch (entry.kind) {
         case standin::Entry_e::Loading: return "loading of " + entry.addOnId;
         case standin::Entry_e::Unloading: return "unloading of " + entry.addOnId;
         case standin::Entry_e::Command: break;
     }
-    return entry.addOnId + ' ' + entry.command + place;
+    return nameOf(MacroCommand{entry.macroLine, entry.addOnId, entry.command});
 }
 
 }  // namespace
@@ -33,8 +32,15 @@ std::string macroOf(const std::vector<MacroCommand>& steps) {
     return text;
 }
 
-CaseFailed::CaseFailed(const std::string& reason, std::string macro)
-    : std::runtime_error(reason), m_macro(std::move(macro)) {}
+std::vector<MacroCommand> stepsOf(const std::vector<std::string>& lines) {
+    std::vector<MacroCommand> steps;
+    std::transform(lines.begin(), lines.end(), std::back_inserter(steps), commandOfLine);
+    return steps;
+}
+
+std::string nameOf(const MacroCommand& step) {
+    return step.addOnId + ' ' + step.text + (step.place.empty() ? "" : " (" + step.place + ')');
+}
 
 Trial::Trial(const Subject& subject, BlackBox& blackBox)
     : m_subject(subject),
@@ -48,8 +54,6 @@ void Trial::nowTrying(const std::string& what, const std::string& macro) {
     m_blackBox.macro.set(macro.size() <= decltype(m_blackBox.macro)::capacity() ? macro : "");
     m_blackBox.touch();
 }
-
-bool Trial::isTimeUp() const { return std::chrono::steady_clock::now() >= m_end; }
 
 void Trial::warn(const std::string& reason) {
     if (std::find(m_warnings.begin(), m_warnings.end(), reason) == m_warnings.end()) m_warnings.push_back(reason);
@@ -65,9 +69,6 @@ std::string Trial::warnings() const {
 class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
     explicit Recorder(BlackBox& box) : m_box(box) {}
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
-    ~Recorder() override = default;
 
     // A command of an add-on may run a command of another one.
     void entryBegan(const standin::EntryEvent& entry) override {
@@ -129,6 +130,19 @@ void CheckedSession::runWell(const MacroCommand& step) {
     addLine(lines, result.error.empty() ? "without a message" : "its message: " + result.error);
     addLine(lines, breaches());
     throw CaseFailed(lines);
+}
+
+void CheckedSession::runWellAndEnd(const std::vector<MacroCommand>& steps) {
+    for (const MacroCommand& step : steps) runWell(step);
+    end();
+}
+
+std::vector<std::string> CheckedSession::recorded() const {
+    std::vector<std::string> lines;
+    for (const standin::RecordedCommand& one : m_session.host().recordedCommands()) {
+        lines.push_back(one.addOnId + ' ' + one.command);
+    }
+    return lines;
 }
 
 void CheckedSession::expectContractKept() {

@@ -6,6 +6,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/check/trial/CheckTest.h"
@@ -20,12 +21,18 @@ struct BlackBox;
 /// The macro file of \p steps.
 std::string macroOf(const std::vector<MacroCommand>& steps);
 
+/// The commands of the lines of a macro file.
+std::vector<MacroCommand> stepsOf(const std::vector<std::string>& lines);
+
+/// The name of \p step in messages: `ID text (FILE:LINE)`.
+std::string nameOf(const MacroCommand& step);
+
 /// The add-on to check, and the input of the tests.
 struct Subject {
     SessionOptions options;                    ///< the first add-on is checked; the macros need the others
     std::vector<MacroCommand> steps;           ///< the commands of all macros, in order
     std::vector<StyleSetting> style;           ///< the host's style settings
-    std::uint64_t seed = 0;                    ///< of all that is random
+    std::uint64_t seed = 0;                    ///< of all random numbers
     std::chrono::milliseconds time{};          ///< the time for a test that could go on forever
     const Confinement* confinement = nullptr;  ///< which the process of the test enters; null for none
 
@@ -37,7 +44,8 @@ class CaseFailed : public std::runtime_error {
 public:
     /// \param reason is for the user.
     /// \param macro  shows the error; empty if only the test shows it.
-    explicit CaseFailed(const std::string& reason, std::string macro = {});
+    explicit CaseFailed(const std::string& reason, std::string macro = {})
+        : std::runtime_error(reason), m_macro(std::move(macro)) {}
     const std::string& macro() const { return m_macro; }
 
 private:
@@ -57,7 +65,7 @@ public:
     /// failure, a crash or a hang names it, and has \p macro, which may show it.
     void nowTrying(const std::string& what, const std::string& macro = {});
     /// Whether the time for a test that could go on forever is over.
-    bool isTimeUp() const;
+    bool isTimeUp() const { return std::chrono::steady_clock::now() >= m_end; }
     /// Notes that a rule of severity warning was broken. The test ends as warned, unless it fails. Equal reasons count
     /// once.
     void warn(const std::string& reason);
@@ -79,8 +87,6 @@ class CheckedSession {
 public:
     /// \throws CaseFailed if the add-on cannot be loaded.
     explicit CheckedSession(Trial& trial);
-    CheckedSession(const CheckedSession&) = delete;
-    CheckedSession& operator=(const CheckedSession&) = delete;
     ~CheckedSession();
 
     Session& session() { return m_session; }
@@ -90,6 +96,10 @@ public:
     /// Runs a command that must succeed, as in every case without faults.
     /// \throws CaseFailed if it fails, with its message and the findings so far.
     void runWell(const MacroCommand& step);
+    /// Runs commands as runWell() does, and calls end().
+    void runWellAndEnd(const std::vector<MacroCommand>& steps);
+    /// The commands that were recorded, as macro lines.
+    std::vector<std::string> recorded() const;
     /// Passes warnings to Trial::warn().
     /// \throws CaseFailed if a rule of severity error was broken so far.
     void expectContractKept();
