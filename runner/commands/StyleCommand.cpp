@@ -1,4 +1,4 @@
-#include "commands/StyleCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 #include <optional>

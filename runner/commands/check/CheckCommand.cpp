@@ -1,4 +1,4 @@
-#include "commands/check/CheckCommand.h"
+#include "commands/Commands.h"
 
 #include <cstddef>
 #include <cstdio>

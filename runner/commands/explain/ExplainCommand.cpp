@@ -1,4 +1,4 @@
-#include "commands/explain/ExplainCommand.h"
+#include "commands/Commands.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "commands/manual/ManualCommand.h"
+#include "commands/Commands.h"
 
 #include <cstdio>
 #include <memory>

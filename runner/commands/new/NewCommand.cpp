@@ -1,4 +1,4 @@
-#include "commands/new/NewCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "commands/report/ReportCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-#include "commands/run/RunCommand.h"
+#include "commands/Commands.h"
 
 #include <algorithm>
 #include <cstddef>
