@@ -9,6 +9,7 @@
 #include "options/CommonOptions.h"
 #include "options/UsageError.h"
 #include "terminal/Console.h"
+#include "text/Joined.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/StyleValue.h"
 
@@ -44,12 +45,6 @@ struct StyleOptions {
     long offset2 = 0;
 };
 
-std::string joined(const std::vector<std::string>& keywords) {
-    std::string text;
-    for (const std::string& keyword : keywords) text += (text.empty() ? "" : " ") + keyword;
-    return text;
-}
-
 std::string reasonOf(GetValueReturnCode_e code, const StyleOptions& options) {
     switch (code) {
         case GetValueReturnCode_UnknownPath: return "unknown: the style file has no such setting";
@@ -69,7 +64,7 @@ ExitStatus_e showStyle(StyleOptions& options) {
     std::string value;
     vexautilutil::getValueAsString(options.path, options.offset1, options.offset2, type, code, value);
     if (code != GetValueReturnCode_Ok) {
-        tell(joined(options.path), reasonOf(code, options));
+        tell(joined(options.path, " "), reasonOf(code, options));
         return ExitStatus_e::BadUsageOrInput;
     }
     print(std::string(kKindNames[type]) + ' ' + value + '\n');

@@ -32,8 +32,9 @@ struct Command {
     void add(Option option) { options.push_back(std::move(option)); }
 };
 
-/// The commands of \p program that are not hidden.
+/// The commands of \p program that are not hidden, and their names.
 std::vector<const Command*> shownCommands(const Command& program);
+std::vector<std::string> shownNames(const Command& program);
 
 /// What \p command takes by place, and what by name.
 std::vector<const Option*> argumentsOf(const Command& command);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "text/Joined.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -64,19 +65,13 @@ Coverage_e coverageOf(const TracedRun& run, const Rule& rule, const RuleTrigger&
     return isTouched(run, trigger) ? Coverage_e::Touched : Coverage_e::Untouched;
 }
 
-std::string listOf(const std::vector<const char*>& names) {
-    std::string list;
-    for (const char* const name : names) list += (list.empty() ? "" : ", ") + std::string(name);
-    return list;
-}
-
 }  // namespace
 
 std::string whatTouches(const std::string& rule) {
     const RuleTrigger* const trigger = standin::findTrigger(rule);
     if (trigger == nullptr) return "";
     switch (trigger->kind) {
-        case RuleTrigger_e::Call: return listOf(trigger->functions);
+        case RuleTrigger_e::Call: return joined(trigger->functions, ", ");
         case RuleTrigger_e::Entry: return "an add-on that is entered";
         case RuleTrigger_e::AcceptedCommand: return "a command that succeeds";
         case RuleTrigger_e::FailedCommand: return "a command that fails";
