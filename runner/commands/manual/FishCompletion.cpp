@@ -1,4 +1,4 @@
-#include "commands/manual/Completion.h"
+#include "commands/manual/Forms.h"
 #include "text/StartsWith.h"
 
 namespace vexa::runner {

@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/manual/Completion.h"
-#include "commands/manual/ManPage.h"
+#include "commands/manual/Forms.h"
 
 namespace vexa::runner {
 namespace {

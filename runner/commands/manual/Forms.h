@@ -7,7 +7,10 @@
 
 namespace vexa::runner {
 
-// The scripts by which shells complete the command line of a program: commands, options, rules, tests and files.
+/// The manual page of \p program and its commands, for man.
+std::string manPage(const Command& program);
+
+// Scripts with which shells complete the command line of a program: commands, options, rules, tests and files.
 
 std::string bashCompletion(const Command& program);
 std::string zshCompletion(const Command& program);
