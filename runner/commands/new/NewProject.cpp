@@ -147,10 +147,10 @@ public:
             refuseForError(path, {errno, std::generic_category()});
         }
         const bool isWritten = writeAll(descriptor, text);
-        const std::error_code error(errno, std::generic_category());
-        const bool isClosed = close(descriptor) == 0;
-        if (!isWritten) refuseForError(path, error);
-        if (!isClosed) refuseForError(path, {errno, std::generic_category()});
+        const int reason = errno;
+        if (close(descriptor) != 0 || !isWritten) {
+            refuseForError(path, {isWritten ? errno : reason, std::generic_category()});
+        }
     }
     void keep() { m_paths.clear(); }
 
