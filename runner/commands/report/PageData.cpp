@@ -115,23 +115,20 @@ std::string textAt(const Json& arguments, std::size_t index) {
     return isText ? arguments[index].get<std::string>() : "";
 }
 
-Json recordedOf(const TracedRun& run) {
-    Json commands = Json::array();
-    for (const TracedSpan& span : run.spans) {
-        if (!isRecording(span)) continue;
-        const Json arguments = argumentsOf(span);
-        commands.push_back({{"addOn", textAt(arguments, 0)}, {"command", textAt(arguments, 1)}, {"call", span.number}});
-    }
-    return commands;
-}
+bool isDialog(const TracedSpan& span) { return span.kind == Kind_e::Call && span.name == kDialogFunction; }
 
-Json dialogsOf(const TracedRun& run) {
-    Json dialogs = Json::array();
+// The numbers of certain calls, and their arguments under the given names.
+Json callsOf(const TracedRun& run, bool (*isWanted)(const TracedSpan&), const std::vector<const char*>& names) {
+    Json calls = Json::array();
     for (const TracedSpan& span : run.spans) {
-        if (span.name != kDialogFunction || span.kind != Kind_e::Call) continue;
-        dialogs.push_back({{"text", textAt(argumentsOf(span), 0)}, {"call", span.number}});
+        if (!isWanted(span)) continue;
+        const Json arguments = argumentsOf(span);
+        Json call;
+        for (std::size_t i = 0; i < names.size(); ++i) call[names[i]] = textAt(arguments, i);
+        call["call"] = span.number;
+        calls.push_back(std::move(call));
     }
-    return dialogs;
+    return calls;
 }
 
 Json functionsOf(const TracedRun& run) {
@@ -172,8 +169,8 @@ nlohmann::ordered_json pageData(const TracedRun& run) {
             {"entries", listOf(run.entries)},
             {"findings", listOf(run.findings)},
             {"percents", run.percents},
-            {"recorded", recordedOf(run)},
-            {"dialogs", dialogsOf(run)},
+            {"recorded", callsOf(run, isRecording, {"addOn", "command"})},
+            {"dialogs", callsOf(run, isDialog, {"text"})},
             {"functions", functionsOf(run)},
             {"rules", listOf(coverageOf(run))}};
 }
