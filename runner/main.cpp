@@ -39,8 +39,8 @@ void keepStandardStreamsTaken() {
 
 ExitStatus_e tellWrongUsage(const UsageError& error) {
     tell(kProgramName, error.what());
-    for (const std::string& suggestion : error.suggestions()) tell(kProgramName, suggestion);
-    tell("run '" + error.call() + " --help' for the usage");
+    for (const std::string& suggestion : error.suggestions) tell(kProgramName, suggestion);
+    tell("run '" + error.call + " --help' for the usage");
     return ExitStatus_e::BadUsageOrInput;
 }
 

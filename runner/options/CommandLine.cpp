@@ -29,9 +29,7 @@ struct OptionAdder {
 
     CLI::Option* operator()(ShowHelp) const { return app.set_help_flag(names); }
     CLI::Option* operator()(const ShowVersion& version) const { return app.set_version_flag(names, version.text); }
-    CLI::Option* operator()(const SetSwitch& set) const {
-        return app.add_flag_callback(names, [set] { *set.value = set.isOn; });
-    }
+    CLI::Option* operator()(const Act& act) const { return app.add_flag_callback(names, act); }
     CLI::Option* operator()(bool* isGiven) const { return app.add_flag(names, *isGiven); }
     CLI::Option* operator()(const TakeText& take) const { return app.add_option_function<std::string>(names, take); }
     template <class Value>
@@ -91,10 +89,13 @@ public:
         } catch (const CLI::ParseError& error) {
             const std::vector<std::string> unexpected = m_app.remaining(true);
             const bool isUnexpected = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-            throw UsageError(isUnexpected ? unexpectedWords(unexpected) : error.what(), call(),
-                             corrections(unexpected, chosen()));
-        } catch (const UsageError& error) {
-            throw UsageError(error.what(), call(), error.suggestions());
+            UsageError refusal(isUnexpected ? unexpectedWords(unexpected) : error.what());
+            refusal.call = call();
+            refusal.suggestions = corrections(unexpected, chosen());
+            throw refusal;
+        } catch (UsageError& refusal) {
+            refusal.call = call();
+            throw;
         }
     }
 

@@ -13,8 +13,8 @@ std::string whyNoTimeout(const std::string& text) { return secondsOf(text) ? "" 
 
 // A switch that is neither on nor off until it is given.
 void addSwitch(Command& command, std::optional<bool>& value, const std::string& name, const std::string& help) {
-    command.add(flag({"--" + name}, help, SetSwitch{&value, true}));
-    command.add(flag({"--no-" + name}, "Not so, whatever the project file says", SetSwitch{&value, false}));
+    command.add(flag({"--" + name}, help, switchTo(value, true)));
+    command.add(flag({"--no-" + name}, "Not so, whatever the project file says", switchTo(value, false)));
 }
 
 }  // namespace

@@ -84,7 +84,7 @@ Command checkCommand() {
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
     command.add(flag({"--warnings-as-errors"}, "Fail also where tests warn",
-                     SetSwitch{&options->contract.warningsAsErrors, true}));
+                     switchTo(options->contract.warningsAsErrors, true)));
     command.add(
         option({"-o", "--output-dir"}, "FOLDER", "Where macros that show a failure are written; .", &options->folder)
             .check(whyNoStream));

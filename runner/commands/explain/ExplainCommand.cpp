@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -67,18 +66,18 @@ std::string explanationOf(const standin::Rule& rule) {
            wrapped(rule.hint, outputWidth(), "  Hint:  ");
 }
 
-ExitStatus_e print(const std::string& text) {
-    std::fputs(text.c_str(), stdout);
-    return ExitStatus_e::AllWell;
+std::string textOf(const ExplainOptions& options) {
+    if (options.markdown) return contractPage();
+    return options.rule ? explanationOf(*standin::findRule(*options.rule)) : listOfRules();
 }
 
 ExitStatus_e explain(const ExplainOptions& options) {
-    if (options.markdown) return print(contractPage());
-    if (!options.rule) return print(listOfRules());
-    const standin::Rule* const rule = standin::findRule(*options.rule);
-    if (rule != nullptr) return print(explanationOf(*rule));
-    tell(kProgramName, noSuchRule(*options.rule));
-    return ExitStatus_e::BadUsageOrInput;
+    if (options.rule && standin::findRule(*options.rule) == nullptr) {
+        tell(kProgramName, noSuchRule(*options.rule));
+        return ExitStatus_e::BadUsageOrInput;
+    }
+    print(textOf(options));
+    return ExitStatus_e::AllWell;
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ Command newCommand() {
     command.add(
         option({"--title"}, "TEXT", "The add-on's title for people; as --id", &options->title).check(whyNoTitle));
     command.check = [options] {
-        if (options->folder.empty()) throw UsageError::in("FOLDER", "expected a name");
+        if (options->folder.empty()) throw UsageError("FOLDER: expected a name");
     };
     command.run = [options] { return writeNewProject(*options); };
     return command;
