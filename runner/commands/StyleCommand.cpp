@@ -16,17 +16,17 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kFooter = R"(Style file: JSON, keywords in one another, six at most, in any letter case:
+constexpr const char* kFooter = R"(Style file: JSON with nested keywords, at most six, in any letter case:
   {"FIELDMAP": {"MESH": {"LINETHICKNESS": 0.4, "COLOR": 3}},
    "ACTIVEFIELDMAPS": [1, 2, "5-7"],
    "TITLE": {"TEXT": "Wake"},
    "SIZE": {"$offsets": [{"offset1": 1, "offset2": 0, "value": 2.5}],
             "$value": 1.5}}
 A number with a point or an exponent is a double, and so is {"$double": 3}. An
-array is a set, and so is {"$set": "[1-2,5-7]"}. "$offsets" are values for pairs
-of offsets, "$value" is the value for all others.
-Add-ons tell integers, texts and sets apart by the last keyword alone; a value of
-another kind is refused.
+array is a set, and so is {"$set": "[1-2,5-7]"}. "$offsets" has values for pairs
+of offsets, and "$value" is the value for all other pairs.
+The last keyword decides whether add-ons expect an integer, a text or a set. A
+value of another kind is refused.
 
 Example:
   vexa-standin style --style look.json FIELDMAP MESH LINETHICKNESS

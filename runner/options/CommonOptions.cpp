@@ -37,7 +37,7 @@ Option jobsOption(std::size_t& jobs, const std::string& what) {
 
 Option styleOption(std::optional<std::string>& file) {
     return option({"--style"}, "FILE.json",
-                  "The file of the host's style settings, - for the standard input; 'style --help' tells its form",
+                  "The file of the host's style settings, - for the standard input; 'style --help' describes it",
                   &file);
 }
 

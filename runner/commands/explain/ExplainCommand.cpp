@@ -85,7 +85,7 @@ ExitStatus_e explain(const ExplainOptions& options) {
 Command explainCommand() {
     const auto options = std::make_shared<ExplainOptions>();
     Command command{"explain", "Explain the rules of the host's contract", kExplainFooter};
-    command.add(argument("RULE", "The rule; all are listed without one", &options->rule)
+    command.add(argument("RULE", "The rule to explain; without one, all rules are listed", &options->rule)
                     .suggest(ruleNames())
                     .exclude("--markdown"));
     command.add(flag({"--markdown"}, "Print the page of all rules", &options->markdown).exclude("RULE"));
