@@ -38,20 +38,21 @@ public:
         : m_macro(macro), m_addOnIds(addOnIds), m_unknownId(unknownId) {}
 
     void read(const std::string& path) {
-        const std::string all = path == kStandardInput ? readStandardInput() : readWholeFile(path);
-        const std::size_t nul = std::min(all.find('\0'), all.size());
-        const std::size_t lineStart = nul == all.size() ? nul : all.rfind('\n', nul) + 1;
-        m_text = all.substr(0, lineStart);
+        m_text = path == kStandardInput ? readStandardInput() : readWholeFile(path);
+        const char* problem = nullptr;
+        if (const std::size_t nul = m_text.find('\0'); nul != std::string::npos) {
+            const std::size_t lineStart = m_text.rfind('\n', nul) + 1;
+            problem = m_text.find('\r', lineStart) < nul ? kHoldsReturn : "the line holds a NUL byte";
+            m_text.resize(lineStart);
+        }
         const MemoryFile copy(m_text);
         if (!m_file.open(copy.path())) {
             if (errno == ENOMEM) throw std::bad_alloc();
             throwLastError();
         }
         while (!m_file.isEOF()) takeLine();
-        if (nul == all.size()) return;
-        const auto linesBefore = std::count(m_text.begin(), m_text.end(), '\n');
-        const bool isCut = all.find('\r', lineStart) < nul;
-        refuse(static_cast<std::size_t>(linesBefore) + 1, isCut ? kHoldsReturn : "the line holds a NUL byte");
+        const auto lines = static_cast<std::size_t>(std::count(m_text.begin(), m_text.end(), '\n'));
+        if (problem != nullptr) refuse(lines + 1, problem);
     }
 
 private:
