@@ -48,15 +48,9 @@ public:
 private:
     void take(std::size_t number, std::string_view line) {
         m_isAtEnd = line.find('\0') != std::string_view::npos;
-        if (m_isAtEnd) {
-            // The reader does not refuse a line that starts with NUL after a line that it refused for its carriage
-            // return.
-            if (line.front() != '\0' || !m_isCut) refused.push_back(number);
-            return;
-        }
+        if (m_isAtEnd) return refused.push_back(number);
         if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        m_isCut = line.find('\r') != std::string_view::npos;
-        if (m_isCut) return refused.push_back(number);
+        if (line.find('\r') != std::string_view::npos) return refused.push_back(number);
         if (number == 1 && line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
             line.remove_prefix(kByteOrderMark.size());
         }
@@ -81,7 +75,6 @@ private:
     }
 
     std::string m_name;
-    bool m_isCut = false;    // true if the last line has a carriage return inside
     bool m_isAtEnd = false;  // true after a NUL
 };
 

@@ -106,7 +106,7 @@ void requireReadBack(const Settings& settings) {
 
 void requireReason(const runner::JsonError& error, const std::string& text) {
     const std::string reason = error.what();
-    require(error.at() <= text.size(), "what is wrong lies in the file", reason);
+    require(error.at <= text.size(), "what is wrong lies in the file", reason);
     require(!reason.empty() && reason.find_first_of("\r\n") == std::string::npos, "a reason is one line", reason);
     require(reason.size() < 1000, "a reason is short", reason);
 }

@@ -7,16 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/ListCommand.h"
-#include "commands/StyleCommand.h"
-#include "commands/check/CheckCommand.h"
-#include "commands/explain/ExplainCommand.h"
-#include "commands/manual/ManualCommand.h"
-#include "commands/new/NewCommand.h"
-#include "commands/repl/ReplCommand.h"
-#include "commands/report/ReportCommand.h"
-#include "commands/run/RunCommand.h"
-#include "commands/test/TestCommand.h"
+#include "commands/Commands.h"
 #include "options/CommandLine.h"
 #include "options/CommonOptions.h"
 #include "options/ExitStatus.h"
@@ -48,8 +39,8 @@ void keepStandardStreamsTaken() {
 
 ExitStatus_e tellWrongUsage(const UsageError& error) {
     tell(kProgramName, error.what());
-    for (const std::string& suggestion : error.suggestions()) tell(kProgramName, suggestion);
-    tell("run '" + error.call() + " --help' for the usage");
+    for (const std::string& suggestion : error.suggestions) tell(kProgramName, suggestion);
+    tell("run '" + error.call + " --help' for the usage");
     return ExitStatus_e::BadUsageOrInput;
 }
 

@@ -1,4 +1,4 @@
-#include "commands/ListCommand.h"
+#include "commands/Commands.h"
 
 #include <algorithm>
 #include <csignal>

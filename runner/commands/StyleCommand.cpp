@@ -1,4 +1,4 @@
-#include "commands/StyleCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 #include <optional>
@@ -9,23 +9,24 @@
 #include "options/CommonOptions.h"
 #include "options/UsageError.h"
 #include "terminal/Console.h"
+#include "text/Joined.h"
 #include "vexastandin/Host.h"
 #include "vexautilutil/StyleValue.h"
 
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kFooter = R"(Style file: JSON, keywords in one another, six at most, in any letter case:
+constexpr const char* kFooter = R"(Style file: JSON with nested keywords, at most six, in any letter case:
   {"FIELDMAP": {"MESH": {"LINETHICKNESS": 0.4, "COLOR": 3}},
    "ACTIVEFIELDMAPS": [1, 2, "5-7"],
    "TITLE": {"TEXT": "Wake"},
    "SIZE": {"$offsets": [{"offset1": 1, "offset2": 0, "value": 2.5}],
             "$value": 1.5}}
 A number with a point or an exponent is a double, and so is {"$double": 3}. An
-array is a set, and so is {"$set": "[1-2,5-7]"}. "$offsets" are values for pairs
-of offsets, "$value" is the value for all others.
-Add-ons tell integers, texts and sets apart by the last keyword alone; a value of
-another kind is refused.
+array is a set, and so is {"$set": "[1-2,5-7]"}. "$offsets" has values for pairs
+of offsets, and "$value" is the value for all other pairs.
+The last keyword decides whether add-ons expect an integer, a text or a set. A
+value of another kind is refused.
 
 Example:
   vexa-standin style --style look.json FIELDMAP MESH LINETHICKNESS
@@ -43,12 +44,6 @@ struct StyleOptions {
     long offset1 = 0;
     long offset2 = 0;
 };
-
-std::string joined(const std::vector<std::string>& keywords) {
-    std::string text;
-    for (const std::string& keyword : keywords) text += (text.empty() ? "" : " ") + keyword;
-    return text;
-}
 
 std::string reasonOf(GetValueReturnCode_e code, const StyleOptions& options) {
     switch (code) {
@@ -69,7 +64,7 @@ ExitStatus_e showStyle(StyleOptions& options) {
     std::string value;
     vexautilutil::getValueAsString(options.path, options.offset1, options.offset2, type, code, value);
     if (code != GetValueReturnCode_Ok) {
-        tell(joined(options.path), reasonOf(code, options));
+        tell(joined(options.path, " "), reasonOf(code, options));
         return ExitStatus_e::BadUsageOrInput;
     }
     print(std::string(kKindNames[type]) + ' ' + value + '\n');
@@ -88,7 +83,7 @@ Command styleCommand() {
     command.add(option({"--offset2"}, "N", "The query's second index; 0 unless given", &options->offset2));
     command.check = [options] {
         // The library would leave further keywords away, except that the last one tells the kind.
-        if (options->path.size() > kMostStyleKeywords) throw UsageError::in("PATH", "six keywords are the most");
+        if (options->path.size() > kMostStyleKeywords) throw UsageError("PATH: six keywords are the most");
     };
     command.run = [options] { return showStyle(*options); };
     return command;

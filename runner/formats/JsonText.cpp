@@ -48,13 +48,10 @@ public:
         return add(static_cast<std::int64_t>(value));
     }
 
-    bool number_float(number_float_t value, const string_t&) override {
-        const std::size_t at = takeToken();
-        const std::size_t digitsEnd = m_text.find_first_not_of("-0123456789", at);
-        const std::string_view behindDigits = m_text.substr(std::min(digitsEnd, m_text.size()), 1);
-        if (behindDigits.find_first_of(".eE") == std::string_view::npos) throw JsonError(at, kIntegerTooLarge);
-        addAt(at, value);
-        return true;
+    bool number_float(number_float_t value, const string_t& token) override {
+        const bool isInteger = token.find_first_not_of("-0123456789") == std::string::npos;
+        if (isInteger) throw JsonError(takeToken(), kIntegerTooLarge);
+        return add(value);
     }
 
     bool start_object(std::size_t) override { return open(JsonValue::Object()); }
@@ -88,16 +85,10 @@ private:
 
     template <class Value>
     bool add(Value value) {
-        addAt(takeToken(), std::move(value));
-        return true;
-    }
-
-    template <class Value>
-    JsonValue& addAt(std::size_t at, Value value) {
         JsonValue& added = place();
-        added.at = at;
+        added.at = takeToken();
         added.value = std::move(value);
-        return added;
+        return true;
     }
 
     // Where the next value goes.
@@ -109,9 +100,10 @@ private:
 
     template <class Container>
     bool open(Container container) {
-        const std::size_t at = takeToken();
-        if (m_open.size() == kMostNested) throw JsonError(at, "nested too deeply");
-        m_open.push_back(&addAt(at, std::move(container)));
+        if (m_open.size() == kMostNested) throw JsonError(takeToken(), "nested too deeply");
+        JsonValue& opened = place();
+        opened = {takeToken(), std::move(container)};
+        m_open.push_back(&opened);
         return true;
     }
 

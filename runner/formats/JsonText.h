@@ -29,15 +29,10 @@ struct JsonMember {
 };
 
 /// A text is no JSON. The message is the reason.
-class JsonError : public std::runtime_error {
-public:
-    JsonError(std::size_t at, const std::string& reason) : std::runtime_error(reason), m_at(at) {}
+struct JsonError : std::runtime_error {
+    JsonError(std::size_t index, const std::string& reason) : std::runtime_error(reason), at(index) {}
 
-    /// The index of the byte in the text.
-    std::size_t at() const { return m_at; }
-
-private:
-    std::size_t m_at;
+    std::size_t at;  ///< the index of the byte in the text
 };
 
 /// Reads a JSON text, which is UTF-8.

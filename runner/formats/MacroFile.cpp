@@ -1,14 +1,10 @@
 #include "formats/MacroFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <new>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -19,7 +15,6 @@
 #include "system/files/WholeFile.h"
 #include "text/StartsWith.h"
 #include "vexautilutil/AsciiFile.h"
-#include "vexautilutil/FileSystem.h"
 
 namespace vexa::runner {
 namespace {
@@ -31,29 +26,7 @@ constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kWhiteSpace = " \t\v\f\r";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kStandardInput = "-";
-constexpr std::string_view kNul("\0", 1);
-constexpr const char* kHoldsNul = "the line holds a NUL byte";
-
-[[noreturn]] void throwReadError() {
-    if (errno == ENOMEM) throw std::bad_alloc();
-    throwLastError();
-}
-
-// AsciiFile needs the size of a file before it reads. A pipe has none, and some devices report 0.
-bool hasSize(const std::string& path) {
-    unsigned long size = 0;
-    return filesystem::fileStatus(path, true).type() == boost::filesystem::regular_file &&
-           filesystem::fileSize(path, size) && size > 0;
-}
-
-// At most three bytes of a file after the first `offset` bytes: enough to see a line end and whether more follows.
-std::string bytesBehind(const std::string& path, std::ptrdiff_t offset) {
-    const auto close = [](FILE* file) { std::fclose(file); };
-    const std::unique_ptr<FILE, decltype(close)> file(filesystem::fileOpen(path, "rbe"), close);
-    if (!file || fseeko(file.get(), offset, SEEK_SET) != 0) throwReadError();
-    std::array<char, 3> bytes{};
-    return {bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get())};
-}
+constexpr const char* kHoldsReturn = "the line holds a carriage return";
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -65,26 +38,29 @@ public:
         : m_macro(macro), m_addOnIds(addOnIds), m_unknownId(unknownId) {}
 
     void read(const std::string& path) {
-        std::optional<MemoryFile> copy;
-        if (path == kStandardInput) {
-            copy.emplace(readStandardInput());
-        } else if (!hasSize(path)) {
-            copy.emplace(readWholeFile(path));
+        m_text = path == kStandardInput ? readStandardInput() : readWholeFile(path);
+        const char* problem = nullptr;
+        if (const std::size_t nul = m_text.find('\0'); nul != std::string::npos) {
+            const std::size_t lineStart = m_text.rfind('\n', nul) + 1;
+            problem = m_text.find('\r', lineStart) < nul ? kHoldsReturn : "the line holds a NUL byte";
+            m_text.resize(lineStart);
         }
-        if (!m_file.open(copy ? copy->path() : path)) throwReadError();
+        const MemoryFile copy(m_text);
+        if (!m_file.open(copy.path())) {
+            if (errno == ENOMEM) throw std::bad_alloc();
+            throwLastError();
+        }
         while (!m_file.isEOF()) takeLine();
-        checkEnd();
+        const auto lines = static_cast<std::size_t>(std::count(m_text.begin(), m_text.end(), '\n'));
+        if (problem != nullptr) refuse(lines + 1, problem);
     }
 
 private:
     void takeLine() {
-        const std::string behind = behindLine(m_file.currentLineNumber());
+        const bool isCut = cuts(m_file.currentLineNumber());
         std::string_view line = m_file.readRawLine();
         const std::size_t lineNumber = m_file.currentLineNumber();
-        if (startsWith(behind, kNul)) return;  // checkEnd() refuses it
-        if (startsWith(behind, "\r") && behind != "\r" && !startsWith(behind, "\r\n")) {
-            return refuse(lineNumber, "the line holds a carriage return");
-        }
+        if (isCut) return refuse(lineNumber, kHoldsReturn);
         if (lineNumber == 1 && startsWith(line, kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
         MacroCommand command = commandOfLine(line);
         command.place = m_macro.place(lineNumber);
@@ -102,28 +78,13 @@ private:
         m_macro.commands.push_back(std::move(command));
     }
 
-    // AsciiFile ends the file at a NUL, so there can be one only after the last line that it found.
-    void checkEnd() {
-        const std::size_t lines = m_file.numLinesInFile();
-        const std::string behind = lines == 0 ? bytesBehind(m_file.fileName(), 0) : behindLine(lines - 1);
-        const std::size_t lineEnd = behind.find('\n');
-        if (startsWith(behind, kNul)) {
-            refuse(std::max<std::size_t>(lines, 1), kHoldsNul);
-        } else if (lineEnd != std::string::npos && lineEnd + 1 < behind.size()) {
-            refuse(lines + 1, kHoldsNul);
-        }
-    }
-
-    // The bytes after the text that AsciiFile returns for a line, at most three for the last line. They are the line
-    // end, unless AsciiFile has cut the line at a carriage return or the file at a NUL.
-    std::string behindLine(std::uint64_t index) const {
+    // Whether AsciiFile cuts a line, counted from 0, at a carriage return that is not part of the line end.
+    bool cuts(std::uint64_t index) const {
+        const char* const text = m_file.readRawLineAtOffset(0);
         const char* const line = m_file.readRawLineAtOffset(index);
-        const char* const end = line + std::strlen(line);
-        if (index + 1 == m_file.numLinesInFile()) {
-            return bytesBehind(m_file.fileName(), end - m_file.readRawLineAtOffset(0));
-        }
-        const std::ptrdiff_t count = m_file.readRawLineAtOffset(index + 1) - end;
-        return std::string(static_cast<std::size_t>(count - 1), '\r') + '\n';
+        const auto end = static_cast<std::size_t>(line - text) + std::strlen(line);
+        const std::size_t lineFeed = std::min(m_text.find('\n', end), m_text.size());
+        return lineFeed > end + 1;
     }
 
     void refuse(std::size_t lineNumber, const std::string& why) {
@@ -133,6 +94,7 @@ private:
     MacroFile& m_macro;
     const std::set<std::string>& m_addOnIds;
     UnknownId_e m_unknownId;
+    std::string m_text;  // up to the line with a NUL, where AsciiFile would end the file
     AsciiFile m_file;
 };
 

@@ -25,7 +25,7 @@ enum class UnknownId_e {
 struct MacroFile {
     std::string name;                    ///< as messages show it
     std::vector<MacroCommand> commands;  ///< in the order of the file
-    std::vector<std::string> problems;   ///< what is wrong with it, a message each; empty when it can be run
+    std::vector<std::string> problems;   ///< one message each; empty if the file can be run
 
     /// `FILE:LINE`, the form that editors jump to.
     std::string place(std::size_t line) const;
@@ -43,11 +43,10 @@ MacroCommand commandOfLine(std::string_view line);
 ///     STATS                       refused: no command
 ///     OTHER LOAD                  refused, unless OTHER is one of the add-ons
 ///
-/// Lines end with LF or CRLF; the last one may end with the file. A byte-order mark at the start is skipped. Refused
-/// are a line with a carriage return before its end, and one with a NUL byte, behind which nothing is looked at. The
-/// file may be a pipe or a device.
-/// \param addOnIds  the loaded add-ons.
-/// \param unknownId what becomes of the lines of others.
+/// Lines end with LF or CRLF; the last one may end with the file. A byte-order mark at the start is skipped. The reader
+/// refuses a line with a carriage return before its end. It refuses a line with a NUL byte and stops there. The file
+/// may be a pipe or a device. \param addOnIds  the loaded add-ons. \param unknownId what to do with the lines of other
+/// add-ons.
 MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds,
                         UnknownId_e unknownId = UnknownId_e::RefusesFile);
 

@@ -3,7 +3,6 @@
 #include <toml++/toml.h>
 
 #include <filesystem>
-#include <string_view>
 #include <system_error>
 
 #include "options/Refusals.h"
@@ -59,31 +58,23 @@ std::vector<std::string> rulesOf(const Setting& setting) {
     return rules;
 }
 
-struct Key {
-    std::string_view name;
-    void (*take)(ContractOptions& options, const Setting& setting);
-};
-
-constexpr Key kKeys[] = {
-    {"strict", [](ContractOptions& options, const Setting& setting) { options.strict = truthOf(setting); }},
-    {"warnings-as-errors",
-     [](ContractOptions& options, const Setting& setting) { options.warningsAsErrors = truthOf(setting); }},
-    {"suppress", [](ContractOptions& options, const Setting& setting) { options.suppressed = rulesOf(setting); }},
-    {"timeout", [](ContractOptions& options, const Setting& setting) { options.timeout = timeoutOf(setting); }},
-};
-
-const Key& keyOf(const toml::key& given) {
-    std::string names;
-    for (const Key& key : kKeys) {
-        if (given == key.name) return key;
-        names.append(names.empty() ? "" : ", ").append(key.name);
-    }
-    refuse(given.source(), "unknown key " + std::string(given.str()) + "; the keys are " + names);
-}
-
 ContractOptions optionsOf(const toml::table& file) {
     ContractOptions options;
-    for (const auto& [key, value] : file) keyOf(key).take(options, {std::string(key.str()), value});
+    for (const auto& [key, value] : file) {
+        const Setting setting{std::string(key.str()), value};
+        if (key == "strict") {
+            options.strict = truthOf(setting);
+        } else if (key == "warnings-as-errors") {
+            options.warningsAsErrors = truthOf(setting);
+        } else if (key == "suppress") {
+            options.suppressed = rulesOf(setting);
+        } else if (key == "timeout") {
+            options.timeout = timeoutOf(setting);
+        } else {
+            refuse(key.source(),
+                   "unknown key " + setting.name + "; the keys are strict, warnings-as-errors, suppress, timeout");
+        }
+    }
     return options;
 }
 

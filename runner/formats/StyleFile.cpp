@@ -296,7 +296,7 @@ std::optional<std::vector<StyleSetting>> readStyles(const std::string& file) {
         text = readInput(file);
         return parseStyles(text);
     } catch (const JsonError& error) {
-        tell(name + ':' + placeIn(text, error.at()), error.what());
+        tell(name + ':' + placeIn(text, error.at), error.what());
     } catch (const std::system_error& error) {
         tell(name, "cannot be read: " + error.code().message());
     }

@@ -18,6 +18,12 @@ std::vector<const Command*> shownCommands(const Command& program) {
     return those(program.commands, [](const Command& command) { return !command.isHidden; });
 }
 
+std::vector<std::string> shownNames(const Command& program) {
+    std::vector<std::string> names;
+    for (const Command* command : shownCommands(program)) names.push_back(command->name);
+    return names;
+}
+
 std::vector<const Option*> argumentsOf(const Command& command) {
     return those(command.options, [](const Option& option) { return option.isArgument(); });
 }

@@ -10,32 +10,33 @@
 
 namespace vexa::runner {
 
-/// What the command line asks for.
+/// Does what the command line asks for.
 using Action = std::function<ExitStatus_e()>;
 
 /// An option that the user gave, and its values as text.
 using GivenOption = std::pair<std::string, std::vector<std::string>>;
 
-/// A command of the program, or the program itself, which has commands. All that the parser, the help, the manual page
-/// and the completions of shells know about it.
+/// A command of the program, or the program itself, which has commands. The parser, the help, the manual page and the
+/// completions of shells read it.
 struct Command {
     std::string name;
     std::string summary;
-    std::string footer = {};           ///< stands below the options in the help: examples, exit statuses
+    std::string footer = {};           ///< the help shows it below the options: examples, exit statuses
     std::vector<Option> options = {};  ///< in the help's order
     std::vector<Command> commands = {};
     bool isHidden = false;                  ///< whether help, manual page and completions leave it out
-    std::function<void()> check = nullptr;  ///< throws UsageError when options do not go together; may be empty
+    std::function<void()> check = nullptr;  ///< throws UsageError if options cannot be combined; may be empty
     Action run = nullptr;
     std::vector<GivenOption>* given = nullptr;  ///< gets the options that the user gave, if not null
 
     void add(Option option) { options.push_back(std::move(option)); }
 };
 
-/// The commands of \p program that are not hidden.
+/// The commands of \p program that are not hidden, and their names.
 std::vector<const Command*> shownCommands(const Command& program);
+std::vector<std::string> shownNames(const Command& program);
 
-/// What \p command takes by place, and what by name.
+/// The positional arguments and the other options of \p command.
 std::vector<const Option*> argumentsOf(const Command& command);
 std::vector<const Option*> namedOptionsOf(const Command& command);
 

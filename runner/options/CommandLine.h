@@ -7,12 +7,12 @@
 
 namespace vexa::runner {
 
-/// Reads a command line: puts the values of the options where they go.
+/// Reads a command line and puts the values of the options into their destinations.
 ///
-/// \param program    the program, whose commands are to live until what is returned has run
+/// \param program    the program; it must live until the returned action has run
 /// \param arguments  the words of the command line, without the name of the program
-/// \return what the user asks for: the command, the help or the version. Without a command it is the help as an error.
-/// \throws UsageError when the command line is refused.
+/// \return runs the command, or prints the help or the version. Without a command it prints the help as an error.
+/// \throws UsageError if the command line is wrong.
 Action parse(const Command& program, const std::vector<std::string>& arguments);
 
 }  // namespace vexa::runner

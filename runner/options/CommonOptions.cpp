@@ -9,8 +9,6 @@
 namespace vexa::runner {
 namespace {
 
-Option helpOption() { return flag({"-h", "--help"}, "Print this help message and exit", ShowHelp()); }
-
 Option colourOption() {
     const auto choose = [](const std::string& when) {
         if (when != "auto") chooseColour(when == "always");
@@ -22,7 +20,8 @@ Option colourOption() {
 }  // namespace
 
 void addOptionsOfAll(Command& program) {
-    program.options.insert(program.options.begin(), helpOption());
+    program.options.insert(program.options.begin(),
+                           flag({"-h", "--help"}, "Print this help message and exit", ShowHelp()));
     program.add(colourOption());
     for (Command& command : program.commands) addOptionsOfAll(command);
 }
@@ -38,7 +37,7 @@ Option jobsOption(std::size_t& jobs, const std::string& what) {
 
 Option styleOption(std::optional<std::string>& file) {
     return option({"--style"}, "FILE.json",
-                  "The file of the host's style settings, - for the standard input; 'style --help' tells its form",
+                  "The file of the host's style settings, - for the standard input; 'style --help' describes it",
                   &file);
 }
 
@@ -48,7 +47,7 @@ std::string whyNoStream(const std::string& path) {
 
 void refuseSecondStandardInput(const std::vector<std::string>& inputs) {
     if (std::count_if(inputs.begin(), inputs.end(), isStandardInput) < 2) return;
-    throw UsageError::in("-", "the standard input can be read only once");
+    throw UsageError("-: the standard input can be read only once");
 }
 
 }  // namespace vexa::runner

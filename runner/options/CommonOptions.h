@@ -9,23 +9,23 @@
 
 namespace vexa::runner {
 
-/// Gives \p program and all its commands the options that each of them has: the help, and when messages are in colour,
-/// which takes effect when the option is found.
+/// Adds `--help` and `--color` to \p program and to each of its commands. `--color` takes effect when the parser finds
+/// it.
 void addOptionsOfAll(Command& program);
 
-/// Add-ons to load.
+/// `--addon`: the add-ons to load.
 Option addOnOption(std::vector<std::string>& files);
 
-/// How many of \p what run at a time: one, unless it is given.
+/// `--jobs`: how many of \p what run at a time.
 Option jobsOption(std::size_t& jobs, const std::string& what);
 
-/// A style file.
+/// `--style`: the style file.
 Option styleOption(std::optional<std::string>& file);
 
 /// A check for options that name an add-on or a folder: refuses `-`, which names a standard stream.
 std::string whyNoStream(const std::string& path);
 
-/// \throws UsageError when more than one of \p inputs is the standard input.
+/// \throws UsageError if more than one of \p inputs is the standard input.
 void refuseSecondStandardInput(const std::vector<std::string>& inputs);
 
 }  // namespace vexa::runner

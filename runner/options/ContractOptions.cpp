@@ -13,23 +13,24 @@ std::string whyNoTimeout(const std::string& text) { return secondsOf(text) ? "" 
 
 // A switch that is neither on nor off until it is given.
 void addSwitch(Command& command, std::optional<bool>& value, const std::string& name, const std::string& help) {
-    command.add(flag({"--" + name}, help, SetSwitch{&value, true}));
-    command.add(flag({"--no-" + name}, "Not so, whatever the project file says", SetSwitch{&value, false}));
+    command.add(flag({"--" + name}, help, switchTo(value, true)));
+    command.add(flag({"--no-" + name}, "Turn this off, even if the project file turns it on", switchTo(value, false)));
 }
 
 }  // namespace
 
 void addSuppressOptions(Command& command, ContractOptions& options) {
     command.add(
-        option({"--suppress"}, "RULE", "Let breaches of a rule pass; may be given more than once", &options.suppressed)
+        option({"--suppress"}, "RULE", "Ignore findings of a rule; may be given more than once", &options.suppressed)
             .check(whyNoRule)
             .suggest(ruleNames()));
-    command.add(flag({"--no-project-file"}, "Do not look for a vexa-standin.toml", &options.ignoresProjectFile));
+    command.add(
+        flag({"--no-project-file"}, "Do not read the project file vexa-standin.toml", &options.ignoresProjectFile));
 }
 
 void addStrictOptions(Command& command, ContractOptions& options) {
     addSwitch(command, options.strict, "strict", "Fail when an add-on breaks the host's contract");
-    addSwitch(command, options.warningsAsErrors, "warnings-as-errors", "As --strict, and warnings count as errors");
+    addSwitch(command, options.warningsAsErrors, "warnings-as-errors", "Like --strict, but warnings fail the run, too");
 }
 
 void addTimeoutOption(Command& command, ContractOptions& options) {

@@ -9,20 +9,20 @@
 
 namespace vexa::runner {
 
-/// What the user wants of the host's contract: by options, and by the project file. What nobody said is left empty.
+/// The settings of the contract check, from options and from the project file. A setting that neither gives is empty.
 struct ContractOptions {
-    std::optional<bool> strict;                            ///< whether breaches count
-    std::optional<bool> warningsAsErrors;                  ///< whether breaches of rules of severity warning do
-    std::vector<std::string> suppressed;                   ///< rules whose breaches pass
+    std::optional<bool> strict;                            ///< whether findings make a run fail
+    std::optional<bool> warningsAsErrors;                  ///< whether findings of severity warning do, too
+    std::vector<std::string> suppressed;                   ///< rules whose findings are ignored
     std::optional<std::chrono::duration<double>> timeout;  ///< how long a command may take
-    bool ignoresProjectFile = false;                       ///< whether the project file is not looked for
+    bool ignoresProjectFile = false;                       ///< whether no project file is read
     std::optional<std::string> projectFile;                ///< the project file that was read
 
-    /// Whether breaches count. They do when warnings are to count as errors, unless somebody said otherwise.
+    /// Whether findings make a run fail. If no setting says so, they do if warnings count as errors.
     bool isStrict() const { return strict.value_or(warningsAsErrors.value_or(false)); }
 };
 
-/// Adds `--suppress` and `--no-project-file`. Rules there are none of are refused.
+/// Adds `--suppress` and `--no-project-file`. Unknown rules are refused.
 void addSuppressOptions(Command& command, ContractOptions& options);
 
 /// Adds `--strict`, `--warnings-as-errors`, and their opposites.

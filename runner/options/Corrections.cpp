@@ -1,16 +1,11 @@
 #include "options/Corrections.h"
 
+#include "text/Joined.h"
 #include "text/NearNames.h"
 #include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
-
-std::vector<std::string> commandNames(const Command& program) {
-    std::vector<std::string> names;
-    for (const Command* command : shownCommands(program)) names.push_back(command->name);
-    return names;
-}
 
 std::vector<std::string> longNames(const Command& command) {
     std::vector<std::string> all;
@@ -25,10 +20,8 @@ std::vector<std::string> longNames(const Command& command) {
 }  // namespace
 
 std::string unexpectedWords(const std::vector<std::string>& words) {
-    std::string text =
-        words.size() == 1 ? "The following argument was not expected:" : "The following arguments were not expected:";
-    for (const std::string& word : words) text += ' ' + word;
-    return text;
+    return std::string("The following argument") + (words.size() == 1 ? " was" : "s were") +
+           " not expected: " + joined(words, " ");
 }
 
 std::vector<std::string> corrections(const std::vector<std::string>& words, const Command& command) {
@@ -42,7 +35,7 @@ std::vector<std::string> corrections(const std::vector<std::string>& words, cons
         if (isOption) {
             correct(word.substr(0, word.find('=')), longNames(command));
         } else if (&word == &words.front()) {
-            correct(word, commandNames(command));
+            correct(word, shownNames(command));
         }
     }
     return messages;

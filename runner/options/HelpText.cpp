@@ -1,10 +1,11 @@
 #include "options/HelpText.h"
 
 #include <algorithm>
-#include <sstream>
 #include <string_view>
 
 #include "terminal/WrappedText.h"
+#include "text/Joined.h"
+#include "text/Lines.h"
 
 namespace vexa::runner {
 namespace {
@@ -21,14 +22,13 @@ std::string indentedLine(const std::string& line, std::size_t width) {
 }
 
 std::string footerText(const std::string& footer, std::size_t width) {
-    std::istringstream lines(footer);
     std::string text;
     std::string paragraph;
     const auto endParagraph = [&] {
         if (!paragraph.empty()) text += wrapped(paragraph, width);
         paragraph.clear();
     };
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : linesOf(footer)) {
         const bool isIndented = line.empty() || line.front() == ' ';
         if (isIndented) {
             endParagraph();
@@ -49,8 +49,7 @@ std::string usageOf(const Option& argument) {
 
 // "-o,--output FILE.html REQUIRED"
 std::string headOf(const Option& option) {
-    std::string head;
-    for (const std::string& name : option.names) head += (head.empty() ? "" : ",") + name;
+    std::string head = joined(option.names, ",");
     if (!option.valueName.empty()) head += (head.empty() ? "" : " ") + option.valueName;
     if (option.isRepeatable()) head += " ...";
     if (option.isRequired) head += " REQUIRED";
@@ -58,54 +57,34 @@ std::string headOf(const Option& option) {
     return head;
 }
 
-// Two columns. The right one has what the left one names.
-class Table {
-public:
-    explicit Table(std::size_t width)
-        : m_nameColumns(std::min(kUsualNameColumns, width * 3 / 8)),
-          m_textColumns(std::max(kLeastText, width - m_nameColumns)) {}
-
-    std::string row(const std::string& name, const std::string& text) const {
-        const std::string start = "  " + name;
-        const bool isShort = start.size() < m_nameColumns;
-        return start +
-               (isShort ? std::string(m_nameColumns - start.size(), ' ') : '\n' + std::string(m_nameColumns, ' ')) +
-               text + '\n';
+// The left column names what the right one describes.
+std::string rowOf(const std::string& name, const std::string& text, std::size_t width) {
+    const std::size_t nameColumns = std::min(kUsualNameColumns, width * 3 / 8);
+    std::string start = "  " + name;
+    std::string row;
+    if (start.size() >= nameColumns) {
+        row = start + '\n';
+        start.clear();
     }
+    start.resize(nameColumns, ' ');
+    return row + wrapped(text, std::max(nameColumns + kLeastText, width), start);
+}
 
-    std::string rows(const char* title, const std::vector<const Option*>& options) const {
-        if (options.empty()) return "";
-        std::string text = std::string("\n") + title + ":\n";
-        for (const Option* option : options) text += row(headOf(*option), description(option->help));
-        return text;
-    }
-
-private:
-    // Its further lines start below its first one.
-    std::string description(const std::string& help) const {
-        const std::string lines = wrapped(help, m_textColumns);
-        std::string text;
-        for (const char c : lines.substr(0, lines.size() - 1)) {
-            text += c;
-            if (c == '\n') text.append(m_nameColumns, ' ');
-        }
-        return text;
-    }
-
-    std::size_t m_nameColumns;
-    std::size_t m_textColumns;
-};
+std::string rowsOf(const char* title, const std::vector<const Option*>& options, std::size_t width) {
+    std::string rows = options.empty() ? "" : std::string("\n") + title + ":\n";
+    for (const Option* option : options) rows += rowOf(headOf(*option), option->help, width);
+    return rows;
+}
 
 }  // namespace
 
 std::string helpText(const Command& command, const std::string& call, std::size_t width) {
-    const Table table(width);
     std::string text = command.summary + "\nUsage: " + call + " [OPTIONS]";
     for (const Option* argument : argumentsOf(command)) text += ' ' + usageOf(*argument);
     text += command.commands.empty() ? "\n" : " [SUBCOMMAND]\n";
-    text += table.rows("Positionals", argumentsOf(command)) + table.rows("Options", namedOptionsOf(command));
+    text += rowsOf("Positionals", argumentsOf(command), width) + rowsOf("Options", namedOptionsOf(command), width);
     if (!command.commands.empty()) text += "\nSubcommands:\n";
-    for (const Command* shown : shownCommands(command)) text += table.row(shown->name, shown->summary);
+    for (const Command* shown : shownCommands(command)) text += rowOf(shown->name, shown->summary, width);
     return text + '\n' + footerText(command.footer, width);
 }
 

@@ -7,10 +7,10 @@
 
 namespace vexa::runner {
 
-/// The help of \p command in lines of at most \p width columns, as far as its words allow.
+/// The help of \p command in lines of at most \p width columns. A longer word is not broken.
 ///
-/// In its footer, lines that start with a blank are a table or code, and code stays as it is; all others that follow
-/// one another are a paragraph.
+/// In the footer, a line that starts with a blank is a row of a table or code, which is not wrapped. Other lines form
+/// paragraphs.
 /// \param call  how the command is called: "vexa-standin run"
 std::string helpText(const Command& command, const std::string& call, std::size_t width);
 

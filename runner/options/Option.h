@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+#include "text/StartsWith.h"
+
 namespace vexa::runner {
 
 /// Shows the help of the command.
@@ -19,22 +21,19 @@ struct ShowVersion {
     std::string text;
 };
 
-/// Sets what is neither true nor false until the user says so.
-struct SetSwitch {
-    std::optional<bool>* value;
-    bool isOn;
-};
+/// Is called when the option is given.
+using Act = std::function<void()>;
 
-/// Takes the value as text, after the option's check.
+/// Gets the value as text, after the option's check.
 using TakeText = std::function<void(const std::string&)>;
 
-/// Where an option's value goes. A bool becomes true. Into a vector go the values of all times that the option is
-/// given; all others may be given once. What is pointed to must live until the command has run.
+/// Where the parser puts an option's value. It sets a bool to true. A vector gets one value each time the user gives
+/// the option; other options may be given once. A variable that is pointed to must live until the command has run.
 using Destination =
-    std::variant<ShowHelp, ShowVersion, SetSwitch, TakeText, bool*, int*, long*, std::size_t*, double*, std::string*,
+    std::variant<ShowHelp, ShowVersion, Act, TakeText, bool*, int*, long*, std::size_t*, double*, std::string*,
                  std::optional<std::uint64_t>*, std::optional<std::string>*, std::vector<std::string>*>;
 
-/// Says what is wrong with a value; nothing when it is fine.
+/// Returns what is wrong with a value; an empty text if the value is right.
 using WhyNot = std::function<std::string(const std::string& value)>;
 
 /// The integers from \p least to \p most.
@@ -43,19 +42,19 @@ struct Range {
     long most;
 };
 
-/// One option of a command, or one argument that it takes by place. The parser, the help, the manual page and the
-/// completions of shells read it. option(), flag() and argument() make one.
+/// An option or a positional argument of a command. The parser, the help, the manual page and the completions of shells
+/// read it. Make one with option(), flag() or argument().
 struct Option {
-    std::vector<std::string> names;  ///< what the user gives: `{"-j", "--jobs"}`; none for an argument
-    std::string valueName;           ///< what the help calls the value: `FILE`; empty for a switch
+    std::vector<std::string> names;  ///< for example `{"-j", "--jobs"}`; empty for an argument
+    std::string valueName;           ///< the name of the value in the help: `FILE`; empty for a switch
     std::string help;                ///< what the option does, without a full stop
     Destination destination;
-    bool isRequired = false;              ///< whether it cannot be left out
-    WhyNot whyNot = nullptr;              ///< which values it takes; may be empty
-    std::optional<Range> range = {};      ///< which integers it takes
+    bool isRequired = false;              ///< whether the user must give it
+    WhyNot whyNot = nullptr;              ///< checks the value; may be empty
+    std::optional<Range> range = {};      ///< the integers that are allowed
     std::vector<std::string> words = {};  ///< values that completion offers
-    bool areOthersRefused = false;        ///< whether it takes only these words
-    std::string excluded = {};            ///< the label() of what it does not go with, which says the same of this one
+    bool areOthersRefused = false;        ///< whether other values are refused
+    std::string excluded = {};  ///< the label() of an option that cannot be combined with it; that one names this one
 
     Option& require() {
         isRequired = true;
@@ -84,10 +83,13 @@ struct Option {
 
     bool isArgument() const { return names.empty(); }
     bool isRepeatable() const { return std::holds_alternative<std::vector<std::string>*>(destination); }
-    /// What messages call it: its long name; for an argument that of its value.
+    /// The name in messages: the long name, or the name of the value of an argument.
     const std::string& label() const { return isArgument() ? valueName : names.back(); }
-    /// Whether its value is a file or a folder. Its name tells: it starts with FILE, FOLDER, MACRO or TRACE.
-    bool takesFiles() const;
+    /// Whether its value is a file or a folder, by the start of its name.
+    bool takesFiles() const {
+        const auto isCalled = [this](const char* start) { return startsWith(valueName, start); };
+        return isCalled("FILE") || isCalled("FOLDER") || isCalled("MACRO") || isCalled("TRACE");
+    }
 };
 
 /// An option with a value.
@@ -95,12 +97,17 @@ inline Option option(std::vector<std::string> names, std::string valueName, std:
     return {std::move(names), std::move(valueName), std::move(help), std::move(to)};
 }
 
+/// Sets a value that is empty until the user gives it.
+inline Act switchTo(std::optional<bool>& value, bool isOn) {
+    return [&value, isOn] { value = isOn; };
+}
+
 /// An option without a value.
 inline Option flag(std::vector<std::string> names, std::string help, Destination to) {
     return {std::move(names), "", std::move(help), std::move(to)};
 }
 
-/// A value that is given by its place.
+/// A positional argument.
 inline Option argument(std::string valueName, std::string help, Destination to) {
     return {{}, std::move(valueName), std::move(help), std::move(to)};
 }

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "options/ContractOptions.h"
+#include "text/Joined.h"
 #include "text/NearNames.h"
 #include "text/ShortText.h"
 
@@ -22,8 +23,7 @@ std::string noSuchAddOn(const std::string& id, const std::set<std::string>& load
     const std::string name = shortText(id);
     const std::vector<std::string> ids(loaded.begin(), loaded.end());
     std::string message = "no add-on '" + name + "' is loaded";
-    for (const std::string& one : ids) message += (&one == &ids.front() ? " (loaded: " : ", ") + one;
-    if (!ids.empty()) message += ')';
+    if (!ids.empty()) message += " (loaded: " + joined(ids, ", ") + ')';
     const std::vector<std::string> near = nearNames(name, ids);
     return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
 }

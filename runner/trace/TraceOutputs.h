@@ -10,26 +10,26 @@
 
 namespace vexa::runner {
 
-/// The traces that a run is asked for.
+/// The traces to write.
 struct TraceOptions {
-    std::optional<std::string> events;  ///< where the trace events go
-    std::optional<std::string> text;    ///< where the trace as text goes
-    RunFacts facts;                     ///< all but the options given are to be added
+    std::optional<std::string> events;  ///< the file for the trace events
+    std::optional<std::string> text;    ///< the file for the trace as text
+    RunFacts facts;                     ///< addTraceOptions() sets the tool and the options
 };
 
-/// Adds `--trace` and `--trace-text`. The facts get the program, and all options that \p command is given.
+/// Adds `--trace` and `--trace-text`. The facts get the program and all options that the user gives to \p command.
 void addTraceOptions(Command& command, TraceOptions& options);
 
 /// The traces of a run.
 class TraceOutputs {
 public:
-    /// Opens what is asked for.
-    /// \throws OutputError when a trace cannot be written.
+    /// Opens the files.
+    /// \throws OutputError if a trace cannot be written.
     void open(const TraceOptions& options);
-    /// Who is to observe the run; null when no trace is asked for.
+    /// The observer of the run; null if there is no trace to write.
     standin::ObserverInterface* observer();
-    /// Ends the traces; to be called once, when all add-ons are unloaded.
-    /// \return \p status, or that of bad output when a trace could not be written, which is told.
+    /// Ends the traces. Call it once, after all add-ons are unloaded. Reports a trace that could not be written.
+    /// \return \p status; ExitStatus_e::BadUsageOrInput if a trace could not be written.
     ExitStatus_e finish(ExitStatus_e status);
 
 private:

@@ -1,4 +1,4 @@
-#include "commands/check/CheckCommand.h"
+#include "commands/Commands.h"
 
 #include <cstddef>
 #include <cstdio>
@@ -87,7 +87,7 @@ Command checkCommand() {
     addSuppressOptions(command, options->session.contract);
     addTimeoutOption(command, options->session.contract);
     command.add(flag({"--warnings-as-errors"}, "Fail also if a test warns",
-                     SetSwitch{&options->session.contract.warningsAsErrors, true}));
+                     switchTo(options->session.contract.warningsAsErrors, true)));
     command.add(option({"-o", "--output-dir"}, "FOLDER", "Folder for macros that show a failure; .", &options->folder)
                     .check(whyNoStream));
     command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->session.inProcess));

@@ -1,9 +1,8 @@
-#include "commands/explain/ExplainCommand.h"
+#include "commands/Commands.h"
 
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -67,18 +66,18 @@ std::string explanationOf(const standin::Rule& rule) {
            wrapped(rule.hint, outputWidth(), "  Hint:  ");
 }
 
-ExitStatus_e print(const std::string& text) {
-    std::fputs(text.c_str(), stdout);
-    return ExitStatus_e::AllWell;
+std::string textOf(const ExplainOptions& options) {
+    if (options.markdown) return contractPage();
+    return options.rule ? explanationOf(*standin::findRule(*options.rule)) : listOfRules();
 }
 
 ExitStatus_e explain(const ExplainOptions& options) {
-    if (options.markdown) return print(contractPage());
-    if (!options.rule) return print(listOfRules());
-    const standin::Rule* const rule = standin::findRule(*options.rule);
-    if (rule != nullptr) return print(explanationOf(*rule));
-    tell(kProgramName, noSuchRule(*options.rule));
-    return ExitStatus_e::BadUsageOrInput;
+    if (options.rule && standin::findRule(*options.rule) == nullptr) {
+        tell(kProgramName, noSuchRule(*options.rule));
+        return ExitStatus_e::BadUsageOrInput;
+    }
+    print(textOf(options));
+    return ExitStatus_e::AllWell;
 }
 
 }  // namespace
@@ -86,7 +85,7 @@ ExitStatus_e explain(const ExplainOptions& options) {
 Command explainCommand() {
     const auto options = std::make_shared<ExplainOptions>();
     Command command{"explain", "Explain the rules of the host's contract", kExplainFooter};
-    command.add(argument("RULE", "The rule; all are listed without one", &options->rule)
+    command.add(argument("RULE", "The rule to explain; without one, all rules are listed", &options->rule)
                     .suggest(ruleNames())
                     .exclude("--markdown"));
     command.add(flag({"--markdown"}, "Print the page of all rules", &options->markdown).exclude("RULE"));

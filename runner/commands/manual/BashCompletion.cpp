@@ -1,4 +1,4 @@
-#include "commands/manual/Completion.h"
+#include "commands/manual/Forms.h"
 
 namespace vexa::runner {
 namespace {
@@ -52,7 +52,7 @@ std::string caseOf(const Command& command, const std::string& name, const std::s
 }  // namespace
 
 std::string bashCompletion(const Command& program) {
-    const std::vector<std::string> names = completedCommands(program);
+    const std::vector<std::string> names = shownNames(program);
     std::string cases;
     for (const Command* command : shownCommands(program)) {
         const std::vector<const Option*> arguments = argumentsOf(*command);

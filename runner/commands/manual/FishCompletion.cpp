@@ -1,4 +1,4 @@
-#include "commands/manual/Completion.h"
+#include "commands/manual/Forms.h"
 #include "text/StartsWith.h"
 
 namespace vexa::runner {
@@ -64,7 +64,7 @@ std::string linesOf(const Command& command, const std::string& name) {
 
 std::string fishCompletion(const Command& program) {
     std::string script = kScript;
-    fillIn(script, "COMMANDS", joined(completedCommands(program), " "));
+    fillIn(script, "COMMANDS", joined(shownNames(program), " "));
     script += linesOf(program, "");
     for (const Command* command : shownCommands(program)) script += linesOf(*command, command->name);
     return script;

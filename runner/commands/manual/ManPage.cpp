@@ -1,4 +1,4 @@
-#include "commands/manual/ManPage.h"
+#include "commands/manual/Forms.h"
 
 #include "terminal/Console.h"
 

@@ -1,12 +1,11 @@
-#include "commands/manual/ManualCommand.h"
+#include "commands/Commands.h"
 
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "commands/manual/Completion.h"
-#include "commands/manual/ManPage.h"
+#include "commands/manual/Forms.h"
 
 namespace vexa::runner {
 namespace {

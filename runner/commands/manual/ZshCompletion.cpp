@@ -1,4 +1,4 @@
-#include "commands/manual/Completion.h"
+#include "commands/manual/Forms.h"
 
 namespace vexa::runner {
 namespace {

@@ -1,4 +1,4 @@
-#include "commands/new/NewCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 #include <optional>
@@ -14,9 +14,9 @@ namespace vexa::runner {
 namespace {
 
 constexpr const char* kNewFooter =
-    R"(The project is complete: it builds, its tests pass, and it runs. It has one
-command with two options, a test of it, macros beside what they print and
-record, and a script for build servers.
+    R"(The project builds, runs and passes its tests. It has one command with two
+options, a unit test, macros with their expected results, and a script for
+build servers.
 
 Examples:
   vexa-standin new wake-probe
@@ -24,7 +24,7 @@ Examples:
 
 Exit status:
   0  the project was written
-  2  wrong usage, or it could not be written; then nothing was)";
+  2  wrong usage, or the project could not be written; then no file is left)";
 
 struct NewOptions {
     std::string folder;
@@ -54,17 +54,19 @@ ExitStatus_e writeNewProject(const NewOptions& options) {
 Command newCommand() {
     const auto options = std::make_shared<NewOptions>();
     Command command{"new", "Write the project of a new add-on", kNewFooter};
-    command.add(argument("FOLDER", "Where it goes; it must be missing, or empty. Its name is that of the CMake target",
+    command.add(argument("FOLDER",
+                         "The folder to write to; it must be missing or empty. Its name becomes the CMake target",
                          &options->folder)
                     .require()
                     .check(whyNoStream));
     command.add(
-        option({"--id"}, "ID", "How macros address the add-on; made of the folder's name unless given", &options->id)
+        option({"--id"}, "ID", "The add-on's id in macros; made from the folder's name unless given", &options->id)
             .check(whyNoId));
-    command.add(
-        option({"--title"}, "TEXT", "The add-on's title for people; as --id", &options->title).check(whyNoTitle));
+    command.add(option({"--title"}, "TEXT", "The add-on's title for people; made from the folder's name unless given",
+                       &options->title)
+                    .check(whyNoTitle));
     command.check = [options] {
-        if (options->folder.empty()) throw UsageError::in("FOLDER", "expected a name");
+        if (options->folder.empty()) throw UsageError("FOLDER: expected a name");
     };
     command.run = [options] { return writeNewProject(*options); };
     return command;

@@ -26,12 +26,11 @@ struct TemplateFile {
 
 #include "ProjectFiles.inc"
 
-constexpr std::string_view kScript = "#!";  // what a program begins with that a shell runs
+constexpr std::string_view kScript = "#!";  // the start of a program that a shell runs
 constexpr mode_t kFile = 0666;
 constexpr mode_t kProgram = 0777;
 
-// Names that CMake keeps for targets of its own, with any generator. The last one names its variables, which project()
-// would overwrite.
+// Names that CMake reserves for its own targets, with any generator. project(CMAKE) would overwrite variables of CMake.
 constexpr std::string_view kTakenNames[] = {
     "all",     "ALL_BUILD",      "clean",      "edit_cache",    "help",      "install", "INSTALL",    "package",
     "PACKAGE", "package_source", "preinstall", "rebuild_cache", "RUN_TESTS", "test",    "ZERO_CHECK", "CMAKE"};
@@ -88,7 +87,7 @@ std::string titleFor(std::string name) {
     return name;
 }
 
-// As it stands between double quotes in C++.
+// For a string literal of C++.
 std::string escaped(const std::string& text) {
     std::string literal;
     for (const char c : text) {
@@ -98,7 +97,7 @@ std::string escaped(const std::string& text) {
     return literal;
 }
 
-// Puts the names where the template has their placeholders.
+// Replaces the placeholders of the template.
 std::string filled(std::string_view text, const ProjectNames& names) {
     const std::pair<std::string_view, std::string> values[] = {{"@NAME@", names.name},
                                                                {"@ID@", names.id},
@@ -115,7 +114,7 @@ std::string filled(std::string_view text, const ProjectNames& names) {
     return result;
 }
 
-// What was made so far. It is removed again, unless all went well.
+// The files and folders that were made. Removes them unless keep() is called.
 class MadePaths {
 public:
     MadePaths() = default;
@@ -147,10 +146,10 @@ public:
             refuseForError(path, {errno, std::generic_category()});
         }
         const bool isWritten = writeAll(descriptor, text);
-        const std::error_code error(errno, std::generic_category());
-        const bool isClosed = close(descriptor) == 0;
-        if (!isWritten) refuseForError(path, error);
-        if (!isClosed) refuseForError(path, {errno, std::generic_category()});
+        const int reason = errno;
+        if (close(descriptor) != 0 || !isWritten) {
+            refuseForError(path, {isWritten ? errno : reason, std::generic_category()});
+        }
     }
     void keep() { m_paths.clear(); }
 

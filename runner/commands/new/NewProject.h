@@ -11,10 +11,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// What the project of a new add-on is called.
+/// The names in the project of a new add-on.
 struct ProjectNames {
-    std::string name;   ///< of the project, its target and its file: letters, digits, `_`, `-`, `.` and `+`
-    std::string id;     ///< by which macros address the add-on
+    std::string name;   ///< the project, its target and its file: letters, digits, `_`, `-`, `.` and `+`
+    std::string id;     ///< the id of the add-on in macros
     std::string title;  ///< for people; one line
 };
 
@@ -23,19 +23,19 @@ struct ProjectNames {
 ///     work/wake-probe    name wake-probe, id WAKEPROBE, title "Wake probe"
 ///     42                 name addon-42, id ADDON42, title "Addon 42"
 ///
-/// \throws NewProjectError when CMake takes no target of the folder's name: it has other characters, or CMake keeps it
-/// for itself, such as `test`.
+/// \throws NewProjectError if the folder's name cannot be a CMake target: it has other characters, or CMake reserves
+/// it, such as `test`.
 ProjectNames namesFor(const std::string& folder);
 
-/// What is wrong with an id that an add-on is to have; empty when nothing is.
+/// Returns what is wrong with the id of a new add-on; an empty text if it is right.
 std::string whyNoId(const std::string& id);
 
-/// What is wrong with a title; empty when nothing is.
+/// Returns what is wrong with a title; an empty text if it is right.
 std::string whyNoTitle(const std::string& title);
 
-/// Writes the project of a new add-on to \p folder, which is made, unless it is there and empty.
-/// \throws NewProjectError when the folder has something in it, and when a file cannot be written; all is as it was
-/// then.
+/// Writes the project of a new add-on to \p folder. The folder must be missing or empty.
+/// \throws NewProjectError if the folder is not empty, or if a file cannot be written. All files and folders that were
+/// written are removed then.
 void writeProject(const std::string& folder, const ProjectNames& names);
 
 }  // namespace vexa::runner

@@ -1,4 +1,4 @@
-#include "commands/repl/ReplCommand.h"
+#include "commands/Commands.h"
 
 #include <unistd.h>
 

@@ -1,10 +1,10 @@
 #include "commands/report/PageData.h"
 
+#include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
-#include "commands/report/CallArguments.h"
 #include "commands/report/RuleCoverage.h"
 #include "vexastandin/HostFunctions.h"
 
@@ -31,99 +31,104 @@ private:
     Json m_texts = Json::array();
 };
 
-Json optionsOf(const TracedRun& run) {
-    Json options = Json::object();
-    for (const TracedOption& option : run.options) options[option.name] = option.values;
-    return options;
+// What \p part, a function or a member, gives for each of \p items.
+template <class Items, class Part>
+Json listOf(const Items& items, const Part& part) {
+    Json list = Json::array();
+    for (const auto& item : items) list.push_back(std::invoke(part, item));
+    return list;
 }
 
-Json tracksOf(const TracedRun& run) {
-    Json tracks = Json::array();
-    for (const TracedTrack& track : run.tracks) tracks.push_back({{"name", track.name}, {"isScope", track.isScope}});
-    return tracks;
+Json jsonOf(const TracedTrack& track) { return {{"name", track.name}, {"isScope", track.isScope}}; }
+
+Json jsonOf(const TracedEntry& entry) {
+    return {{"span", entry.span},       {"kind", entry.kind},           {"addOn", entry.addOnId},
+            {"command", entry.command}, {"macroLine", entry.macroLine}, {"succeeded", entry.succeeded},
+            {"error", entry.error},     {"calls", entry.calls}};
+}
+
+Json jsonOf(const TracedFinding& finding) {
+    Json facts = Json::parse(finding.facts);
+    facts["track"] = finding.track;
+    facts["time"] = finding.time;
+    return facts;
+}
+
+const char* nameOf(Coverage_e coverage) {
+    switch (coverage) {
+        case Coverage_e::Broken: return "broken";
+        case Coverage_e::Touched: return "touched";
+        case Coverage_e::Untouched: return "untouched";
+        case Coverage_e::Suppressed: return "suppressed";
+    }
+    return "";
+}
+
+Json jsonOf(const RuleCoverage& coverage) {
+    return {{"name", coverage.rule->name},
+            {"summary", coverage.rule->summary},
+            {"coverage", nameOf(coverage.coverage)},
+            {"touchedBy", coverage.touchedBy},
+            {"findings", coverage.findings}};
+}
+
+template <class Items>
+Json listOf(const Items& items) {
+    return listOf(items, [](const auto& item) { return jsonOf(item); });
 }
 
 // The duration of a span without end is -1.
+std::int64_t durationOf(const TracedSpan& span) { return span.end ? *span.end - span.start : -1; }
+
 Json spansOf(const TracedRun& run) {
     TextTable texts;
-    std::vector<int> kinds;
-    std::vector<std::size_t> tracks;
-    std::vector<std::size_t> depths;
-    std::vector<std::size_t> numbers;
-    std::vector<std::size_t> names;
-    std::vector<std::size_t> arguments;
-    std::vector<std::size_t> results;
-    std::vector<std::int64_t> starts;
-    std::vector<std::int64_t> durations;
+    const auto column = [&](auto part) { return listOf(run.spans, part); };
+    const auto textColumn = [&](std::string TracedSpan::*text) {
+        return column([&texts, text](const TracedSpan& span) { return texts.numberOf(span.*text); });
+    };
+    return {{"kind", column([](const TracedSpan& span) { return static_cast<int>(span.kind); })},
+            {"track", column(&TracedSpan::track)},
+            {"depth", column(&TracedSpan::depth)},
+            {"start", column(&TracedSpan::start)},
+            {"duration", column(durationOf)},
+            {"number", column(&TracedSpan::number)},
+            {"name", textColumn(&TracedSpan::name)},
+            {"arguments", textColumn(&TracedSpan::arguments)},
+            {"result", textColumn(&TracedSpan::result)},
+            {"texts", texts.texts()}};
+}
+
+// The host quotes texts as JSON does, but leaves other control characters as they are.
+Json argumentsOf(const TracedSpan& call) {
+    std::string json;
+    for (const char c : call.arguments) {
+        const bool isControl = c >= 0 && c < ' ';
+        json +=
+            isControl ? std::string("\\u00") + (c < 16 ? '0' : '1') + "0123456789abcdef"[c % 16] : std::string(1, c);
+    }
+    return Json::parse('[' + json + ']', nullptr, false);
+}
+
+// Empty for a null pointer.
+std::string textAt(const Json& arguments, std::size_t index) {
+    const bool isText = arguments.is_array() && index < arguments.size() && arguments[index].is_string();
+    return isText ? arguments[index].get<std::string>() : "";
+}
+
+bool isDialog(const TracedSpan& span) { return span.kind == Kind_e::Call && span.name == kDialogFunction; }
+
+// The numbers of certain calls, and their arguments under the given names.
+Json callsOf(const TracedRun& run, bool (*isWanted)(const TracedSpan&), const std::vector<const char*>& names) {
+    Json calls = Json::array();
     for (const TracedSpan& span : run.spans) {
-        kinds.push_back(static_cast<int>(span.kind));
-        tracks.push_back(span.track);
-        depths.push_back(span.depth);
-        starts.push_back(span.start);
-        durations.push_back(span.end ? *span.end - span.start : -1);
-        numbers.push_back(span.number);
-        names.push_back(texts.numberOf(span.name));
-        arguments.push_back(texts.numberOf(span.arguments));
-        results.push_back(texts.numberOf(span.result));
+        if (!isWanted(span)) continue;
+        const Json arguments = argumentsOf(span);
+        Json call;
+        for (std::size_t i = 0; i < names.size(); ++i) call[names[i]] = textAt(arguments, i);
+        call["call"] = span.number;
+        calls.push_back(std::move(call));
     }
-    return {{"kind", kinds},         {"track", tracks},       {"depth", depths},        {"start", starts},
-            {"duration", durations}, {"number", numbers},     {"arguments", arguments}, {"result", results},
-            {"name", names},         {"texts", texts.texts()}};
-}
-
-Json entriesOf(const TracedRun& run) {
-    Json entries = Json::array();
-    for (const TracedEntry& entry : run.entries) {
-        entries.push_back({{"span", entry.span},
-                           {"kind", entry.kind},
-                           {"addOn", entry.addOnId},
-                           {"command", entry.command},
-                           {"macroLine", entry.macroLine},
-                           {"succeeded", entry.succeeded},
-                           {"error", entry.error},
-                           {"calls", entry.calls}});
-    }
-    return entries;
-}
-
-Json findingsOf(const TracedRun& run) {
-    Json findings = Json::array();
-    for (const TracedFinding& finding : run.findings) {
-        Json facts = Json::parse(finding.facts);
-        facts["track"] = finding.track;
-        facts["time"] = finding.time;
-        findings.push_back(std::move(facts));
-    }
-    return findings;
-}
-
-Json percentsOf(const TracedRun& run) {
-    Json percents = Json::array();
-    for (const TracedPercent& percent : run.percents) percents.push_back({percent.time, percent.percent});
-    return percents;
-}
-
-std::string textAt(const std::vector<std::optional<std::string>>& texts, std::size_t index) {
-    return index < texts.size() && texts[index] ? *texts[index] : "";
-}
-
-Json recordedOf(const TracedRun& run) {
-    Json commands = Json::array();
-    for (const TracedSpan& span : run.spans) {
-        if (!isRecording(span)) continue;
-        const auto texts = textArguments(span.arguments);
-        commands.push_back({{"addOn", textAt(texts, 0)}, {"command", textAt(texts, 1)}, {"call", span.number}});
-    }
-    return commands;
-}
-
-Json dialogsOf(const TracedRun& run) {
-    Json dialogs = Json::array();
-    for (const TracedSpan& span : run.spans) {
-        if (span.name != kDialogFunction || span.kind != Kind_e::Call) continue;
-        dialogs.push_back({{"text", textAt(textArguments(span.arguments), 0)}, {"call", span.number}});
-    }
-    return dialogs;
+    return calls;
 }
 
 Json functionsOf(const TracedRun& run) {
@@ -146,28 +151,6 @@ Json functionsOf(const TracedRun& run) {
     return functions;
 }
 
-const char* nameOf(Coverage_e coverage) {
-    switch (coverage) {
-        case Coverage_e::Broken: return "broken";
-        case Coverage_e::Touched: return "touched";
-        case Coverage_e::Untouched: return "untouched";
-        case Coverage_e::Suppressed: return "suppressed";
-    }
-    return "";
-}
-
-Json rulesOf(const TracedRun& run) {
-    Json rules = Json::array();
-    for (const RuleCoverage& coverage : coverageOf(run)) {
-        rules.push_back({{"name", coverage.rule->name},
-                         {"summary", coverage.rule->summary},
-                         {"coverage", nameOf(coverage.coverage)},
-                         {"touchedBy", coverage.touchedBy},
-                         {"findings", coverage.findings}});
-    }
-    return rules;
-}
-
 Json outcomeOf(const TracedRun& run) {
     if (!run.outcome) return nullptr;
     return {{"exitStatus", run.outcome->exitStatus}, {"text", run.outcome->text}};
@@ -178,18 +161,18 @@ Json outcomeOf(const TracedRun& run) {
 nlohmann::ordered_json pageData(const TracedRun& run) {
     return {{"tool", run.tool},
             {"macroFile", run.macroFile},
-            {"options", optionsOf(run)},
+            {"options", Json::parse(run.options)},
             {"outcome", outcomeOf(run)},
             {"end", run.end},
-            {"tracks", tracksOf(run)},
+            {"tracks", listOf(run.tracks)},
             {"spans", spansOf(run)},
-            {"entries", entriesOf(run)},
-            {"findings", findingsOf(run)},
-            {"percents", percentsOf(run)},
-            {"recorded", recordedOf(run)},
-            {"dialogs", dialogsOf(run)},
+            {"entries", listOf(run.entries)},
+            {"findings", listOf(run.findings)},
+            {"percents", run.percents},
+            {"recorded", callsOf(run, isRecording, {"addOn", "command"})},
+            {"dialogs", callsOf(run, isDialog, {"text"})},
             {"functions", functionsOf(run)},
-            {"rules", rulesOf(run)}};
+            {"rules", listOf(coverageOf(run))}};
 }
 
 }  // namespace vexa::runner

@@ -1,4 +1,4 @@
-#include "commands/report/ReportCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 #include <string>
@@ -14,15 +14,15 @@ namespace vexa::runner {
 namespace {
 
 constexpr const char* kReportFooter =
-    R"(The page needs no other file, and no network. The trace of a run that was killed
-is shown up to there.
+    R"(The page needs no other file and no network. If the run was killed, the page
+shows the run up to that point.
 
 Example:
   vexa-standin run sweep.macro --addon ./libstats.so --trace sweep.trace
   vexa-standin report sweep.trace -o sweep.html
 
 Exit status:
-  0  the page was written, whatever became of the run
+  0  the page was written, even if the run failed
   2  wrong usage, the file is no trace, or the page could not be written)";
 
 struct ReportOptions {
@@ -50,8 +50,8 @@ ExitStatus_e report(const ReportOptions& options) {
 
 Command reportCommand() {
     const auto options = std::make_shared<ReportOptions>();
-    Command command{"report", "Make a page of a trace, for browsers", kReportFooter};
-    command.add(argument("TRACE", "What 'run --trace' wrote", &options->trace).require());
+    Command command{"report", "Make a page for browsers from a trace", kReportFooter};
+    command.add(argument("TRACE", "The file that 'run --trace' wrote", &options->trace).require());
     command.add(option({"-o", "--output"}, "FILE.html", "The page", &options->output).require());
     command.run = [options] { return report(*options); };
     return command;

@@ -28,13 +28,7 @@ std::string_view textOf(const char (&bytes)[size]) {
 std::string escapedForScript(const std::string& json) {
     std::string text;
     text.reserve(json.size());
-    for (const char c : json) {
-        if (c == '<') {
-            text += "\\u003c";
-        } else {
-            text += c;
-        }
-    }
+    for (const char c : json) text += c == '<' ? std::string_view("\\u003c") : std::string_view(&c, 1);
     return text;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "text/Joined.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -13,13 +14,14 @@ using standin::RuleTrigger;
 using standin::RuleTrigger_e;
 using Kind_e = TracedSpan::Kind_e;
 
-bool isFiredBy(const RuleTrigger& trigger, std::string_view function) {
-    return std::find(trigger.functions.begin(), trigger.functions.end(), function) != trigger.functions.end();
+template <class Names>
+bool contains(const Names& names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 bool hasCall(const TracedRun& run, const RuleTrigger& trigger) {
     return std::any_of(run.spans.begin(), run.spans.end(), [&](const TracedSpan& span) {
-        return span.kind == Kind_e::Call && isFiredBy(trigger, span.name);
+        return span.kind == Kind_e::Call && contains(trigger.functions, span.name);
     });
 }
 
@@ -49,10 +51,6 @@ bool isTouched(const TracedRun& run, const RuleTrigger& trigger) {
     return false;
 }
 
-bool isSuppressed(const TracedRun& run, const std::string& rule) {
-    return std::find(run.suppressed.begin(), run.suppressed.end(), rule) != run.suppressed.end();
-}
-
 std::size_t findingsOf(const TracedRun& run, const std::string& rule) {
     return static_cast<std::size_t>(std::count_if(run.findings.begin(), run.findings.end(),
                                                   [&](const TracedFinding& finding) { return finding.rule == rule; }));
@@ -60,14 +58,8 @@ std::size_t findingsOf(const TracedRun& run, const std::string& rule) {
 
 Coverage_e coverageOf(const TracedRun& run, const Rule& rule, const RuleTrigger& trigger, std::size_t findings) {
     if (findings != 0) return Coverage_e::Broken;
-    if (isSuppressed(run, rule.name)) return Coverage_e::Suppressed;
+    if (contains(run.suppressed, rule.name)) return Coverage_e::Suppressed;
     return isTouched(run, trigger) ? Coverage_e::Touched : Coverage_e::Untouched;
-}
-
-std::string listOf(const std::vector<const char*>& names) {
-    std::string list;
-    for (const char* const name : names) list += (list.empty() ? "" : ", ") + std::string(name);
-    return list;
 }
 
 }  // namespace
@@ -76,7 +68,7 @@ std::string whatTouches(const std::string& rule) {
     const RuleTrigger* const trigger = standin::findTrigger(rule);
     if (trigger == nullptr) return "";
     switch (trigger->kind) {
-        case RuleTrigger_e::Call: return listOf(trigger->functions);
+        case RuleTrigger_e::Call: return joined(trigger->functions, ", ");
         case RuleTrigger_e::Entry: return "an add-on that is entered";
         case RuleTrigger_e::AcceptedCommand: return "a command that succeeds";
         case RuleTrigger_e::FailedCommand: return "a command that fails";

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -44,34 +44,32 @@ Json eventIn(std::string_view line) {
     return Json::parse(line, isBounded, false);
 }
 
-// The JSON library would also accept Booleans, fractions, and numbers that do not fit the type.
-template <class Integer>
-Integer integerIn(const Json& part) {
-    const std::int64_t value = part.get_ref<const Json::number_integer_t&>();
-    using Limits = std::numeric_limits<Integer>;
-    const bool fits = value < 0 ? Limits::is_signed && value >= static_cast<std::int64_t>(Limits::min())
-                                : static_cast<std::uint64_t>(value) <= static_cast<std::uint64_t>(Limits::max());
-    if (!fits) throw std::invalid_argument(kWrongPart);
-    return static_cast<Integer>(value);
+// A conversion by the JSON library would also accept Booleans and fractions.
+std::int64_t integerIn(const Json& part) { return part.get_ref<const Json::number_integer_t&>(); }
+
+std::size_t countIn(const Json& part) {
+    const std::int64_t value = integerIn(part);
+    if (value < 0) throw std::invalid_argument(kWrongPart);
+    return static_cast<std::size_t>(value);
 }
 
-std::vector<TracedOption> optionsIn(const Json& part) {
-    std::vector<TracedOption> options;
-    for (const auto& [name, values] : part.get_ref<const Json::object_t&>()) {
-        options.push_back({name, values.get<std::vector<std::string>>()});
+// The page uses the options unchecked.
+std::string optionsIn(const Json& part) {
+    for (const auto& option : part.get_ref<const Json::object_t&>()) {
+        (void)option.second.get<std::vector<std::string>>();
     }
-    return options;
+    return part.dump();
 }
 
 void checkPlace(const Json& place) {
     for (const char* name : {"function", "command", "macroLine"}) (void)place.at(name).get<std::string>();
-    for (const char* name : {"call", "thread"}) integerIn<std::size_t>(place.at(name));
+    for (const char* name : {"call", "thread"}) countIn(place.at(name));
 }
 
 // The page uses the facts of a finding unchecked.
 void checkFinding(const Json& facts) {
     for (const char* name : {"rule", "severity", "message", "addOn", "hint"}) (void)facts.at(name).get<std::string>();
-    for (const char* name : {"count", "repeats"}) integerIn<std::size_t>(facts.at(name));
+    for (const char* name : {"count", "repeats"}) countIn(facts.at(name));
     if (!facts.at("opened").is_null()) checkPlace(facts.at("opened"));
     checkPlace(facts.at("seen"));
 }
@@ -89,7 +87,7 @@ public:
         m_run.end = std::max(m_run.end, time);
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
-        if (phase == "C") return m_run.percents.push_back({time, integerIn<int>(event.at("args").at("percent"))});
+        if (phase == "C") return m_run.percents.push_back({time, integerIn(event.at("args").at("percent"))});
         if (phase == "i") return readInstant(event, time);
         throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
     }
@@ -123,7 +121,7 @@ private:
         const std::string category = event.at("cat");
         const Json& facts = event.at("args");
         if (category == "call") {
-            span.number = integerIn<std::size_t>(facts.at("number"));
+            span.number = countIn(facts.at("number"));
             span.arguments = facts.at("arguments");
             if (!m_openEntries.empty()) ++m_run.entries[m_openEntries.back()].calls;
         } else if (category == "scope") {
@@ -171,7 +169,7 @@ private:
             checkFinding(facts);
             m_run.findings.push_back({trackOf(event), time, facts.at("rule"), facts.dump()});
         } else {
-            m_run.outcome = {integerIn<int>(facts.at("exitStatus")), facts.at("outcome")};
+            m_run.outcome = {integerIn(facts.at("exitStatus")), facts.at("outcome")};
         }
     }
 
@@ -183,16 +181,16 @@ private:
     }
 
     std::size_t trackOf(const Json& event) {
-        const long id = integerIn<long>(event.at("tid"));
+        const std::int64_t id = integerIn(event.at("tid"));
         const auto [place, isNew] = m_trackIndexes.try_emplace(id, m_run.tracks.size());
-        if (isNew) m_run.tracks.push_back({id, "thread " + std::to_string(id), false});
+        if (isNew) m_run.tracks.push_back({"thread " + std::to_string(id), false});
         return place->second;
     }
 
     TracedRun m_run;
     bool m_hasHeader = false;
     double m_origin = 0;
-    std::map<long, std::size_t> m_trackIndexes;
+    std::map<std::int64_t, std::size_t> m_trackIndexes;
     std::map<std::size_t, std::vector<std::size_t>> m_open;  // by track, the spans, the outermost first
     std::vector<std::size_t> m_openEntries;
 };
@@ -205,26 +203,19 @@ std::string textOf(const std::string& file, const std::string& path) {
     }
 }
 
-std::string_view withoutComma(std::string_view line) {
-    if (!line.empty() && line.back() == ',') line.remove_suffix(1);
-    return line;
-}
-
 }  // namespace
 
 TracedRun readTrace(const std::string& file) {
     const std::string path = isStandardInput(file) ? kStandardInputName : file;
-    const std::string text = textOf(file, path);
+    std::istringstream text(textOf(file, path));
     RunBuilder builder;
     std::size_t number = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
-        const std::string_view line = withoutComma(std::string_view(text).substr(at, lineEnd - at));
-        at = lineEnd + 1;
+    for (std::string line; std::getline(text, line);) {
+        if (!line.empty() && line.back() == ',') line.pop_back();
         ++number;
         if (number == 1 && line != "[") throw TraceError(path + ": " + kNoTrace);
         if (line == "[" || line == "]") continue;
-        const bool isLast = at >= text.size();
+        const bool isLast = text.peek() == std::istringstream::traits_type::eof();
         try {
             const Json event = eventIn(line);
             if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vexa::runner {
 
 /// A line of the timeline: a thread, or a kind of scope.
 struct TracedTrack {
-    long id = 0;
     std::string name;
     bool isScope = false;
 };
@@ -55,21 +55,9 @@ struct TracedFinding {
     std::string facts;  ///< the fields of a Finding, and the hint, as a JSON object
 };
 
-/// An option that the run was given, with its values.
-struct TracedOption {
-    std::string name;
-    std::vector<std::string> values;
-};
-
-/// A percentage of the status line.
-struct TracedPercent {
-    std::int64_t time = 0;
-    int percent = 0;
-};
-
 /// How a run ended.
 struct TracedOutcome {
-    int exitStatus = 0;
+    std::int64_t exitStatus = 0;
     std::string text;
 };
 
@@ -77,7 +65,7 @@ struct TracedOutcome {
 struct TracedRun {
     std::string tool;
     std::string macroFile;
-    std::vector<TracedOption> options;
+    std::string options = "{}";  ///< the options given, with their values, as a JSON object
     bool isStrict = false;
     bool hasTimeLimit = false;
     std::vector<std::string> suppressed;   ///< rules
@@ -87,7 +75,7 @@ struct TracedRun {
     std::vector<TracedSpan> spans;  ///< in the order of their starts
     std::vector<TracedEntry> entries;
     std::vector<TracedFinding> findings;
-    std::vector<TracedPercent> percents;
+    std::vector<std::pair<std::int64_t, std::int64_t>> percents;  ///< of the status line: times and percentages
 };
 
 }  // namespace vexa::runner

@@ -1,4 +1,4 @@
-#include "commands/run/RunCommand.h"
+#include "commands/Commands.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -79,7 +79,7 @@ void refuseForSeveral(const RunRequest& request) {
         {"--style -", options.style && isStandardInput(*options.style)},
     };
     for (const auto& [name, isGiven] : given) {
-        if (isGiven) throw UsageError::in(name, "goes with one macro file only");
+        if (isGiven) throw UsageError(name + std::string(": goes with one macro file only"));
     }
 }
 

@@ -1,4 +1,4 @@
-#include "commands/test/TestCommand.h"
+#include "commands/Commands.h"
 
 #include <memory>
 

@@ -14,7 +14,7 @@ std::string errorIn(const std::string& text) {
         parseJson(text);
         return "";
     } catch (const JsonError& error) {
-        return std::to_string(error.at()) + ": " + error.what();
+        return std::to_string(error.at) + ": " + error.what();
     }
 }
 

@@ -15,7 +15,7 @@ std::string errorIn(const std::string& text) {
         parseStyles(text);
         return "";
     } catch (const JsonError& error) {
-        return std::to_string(error.at()) + ": " + error.what();
+        return std::to_string(error.at) + ": " + error.what();
     }
 }
 

@@ -71,7 +71,7 @@ TEST_F(CommandLine, LeavesAloneWhatIsNotGiven) {
     std::optional<bool> isStrict;
     go().add(option({"--level"}, "N", "", &level));
     go().add(option({"--style"}, "FILE", "", &style));
-    go().add(flag({"--strict"}, "", SetSwitch{&isStrict, true}));
+    go().add(flag({"--strict"}, "", switchTo(isStrict, true)));
     accept({"go"});
     EXPECT_EQ(level, 2);
     EXPECT_FALSE(style);
@@ -80,8 +80,8 @@ TEST_F(CommandLine, LeavesAloneWhatIsNotGiven) {
 
 TEST_F(CommandLine, SetsSwitchesBothWays) {
     std::optional<bool> isStrict;
-    go().add(flag({"--strict"}, "", SetSwitch{&isStrict, true}));
-    go().add(flag({"--no-strict"}, "", SetSwitch{&isStrict, false}));
+    go().add(flag({"--strict"}, "", switchTo(isStrict, true)));
+    go().add(flag({"--no-strict"}, "", switchTo(isStrict, false)));
     accept({"go", "--no-strict"});
     EXPECT_EQ(isStrict, false);
     accept({"go", "--strict"});
@@ -158,7 +158,7 @@ TEST_F(CommandLine, ChecksOptionsTogetherOnceAllAreRead) {
     std::string name;
     go().add(option({"--name"}, "TEXT", "", &name));
     go().check = [&name] {
-        if (name == "two") throw UsageError::in("--name", "goes alone");
+        if (name == "two") throw UsageError("--name: goes alone");
     };
     EXPECT_EQ(refusalOf({"go", "--name", "one"}), "none");
     EXPECT_EQ(refusalOf({"go", "--name", "two"}), "--name: goes alone");
@@ -171,15 +171,15 @@ TEST_F(CommandLine, NamesTheCommandAndWhatMayBeMeant) {
         parse(m_program, {"go", "--fats"});
         FAIL() << "an unknown option was accepted";
     } catch (const UsageError& error) {
-        EXPECT_EQ(error.call(), "prog go");
-        EXPECT_EQ(error.suggestions(), Words({"--fats: did you mean --fast?"}));
+        EXPECT_EQ(error.call, "prog go");
+        EXPECT_EQ(error.suggestions, Words({"--fats: did you mean --fast?"}));
     }
     try {
         parse(m_program, {"og"});
         FAIL() << "an unknown command was accepted";
     } catch (const UsageError& error) {
-        EXPECT_EQ(error.call(), "prog");
-        EXPECT_EQ(error.suggestions(), Words({"og: did you mean go?"}));
+        EXPECT_EQ(error.call, "prog");
+        EXPECT_EQ(error.suggestions, Words({"og: did you mean go?"}));
     }
 }
 

@@ -34,6 +34,30 @@ TEST(PageData, HasDialogs) {
     EXPECT_EQ(pageData(run).at("dialogs"), Json::parse(R"([{"text":"a\nb","call":7},{"text":"","call":7}])"));
 }
 
+TEST(PageData, HasTheTextsThatWerePassed) {
+    struct Case {
+        const char* why;
+        const char* argument;
+        const char* text;
+    };
+    const Case cases[] = {
+        {"an empty one", R"("")", ""},
+        {"null", "null", ""},
+        {"null as a text", R"("null")", "null"},
+        {"a quote and a comma", R"("a \", b")", "a \", b"},
+        {"every escape", R"("\\\n\r\t\"")", "\\\n\r\t\""},
+        {"control characters", "\"\x01 \x1f\"", "\x01 \x1f"},
+        {"a character of two bytes", "\"\xC3\xA9\"", "\xC3\xA9"},
+        {"a quote left open", R"("ab)", ""},
+        {"no text", "arglist#1", ""},
+    };
+    for (const Case& c : cases) {
+        TracedRun run;
+        run.spans = {callOf("VexaUtilDialogErrMsg", c.argument, "")};
+        EXPECT_EQ(pageData(run).at("dialogs").at(0).at("text"), c.text) << c.why;
+    }
+}
+
 TEST(PageData, HasEveryHostFunctionWithItsCalls) {
     TracedRun run;
     run.spans = {callOf("VexaUtilLockStart", "", ""), callOf("VexaUtilLockStart", "", "")};
@@ -46,7 +70,7 @@ TEST(PageData, HasEachTextOnce) {
     TracedRun run;
     run.spans = {callOf("VexaUtilLockStart", "ONE", ""), callOf("VexaUtilLockFinish", "ONE", "")};
     EXPECT_EQ(pageData(run).at("spans").at("texts"),
-              Json::parse(R"(["VexaUtilLockStart","ONE","","VexaUtilLockFinish"])"));
+              Json::parse(R"(["VexaUtilLockStart","VexaUtilLockFinish","ONE",""])"));
 }
 
 TEST(PageData, HasNoOutcomeForATraceThatIsCutOff) { EXPECT_TRUE(pageData(TracedRun()).at("outcome").is_null()); }

@@ -74,9 +74,9 @@ TEST(RuleCoverage, IsTouchedByWhatBecameOfACommand) {
 
 TEST(RuleCoverage, IsTouchedByASecondThreadAndNoScope) {
     TracedRun run;
-    run.tracks = {{1, "thread 1", false}, {2, "lock", true}};
+    run.tracks = {{"thread 1", false}, {"lock", true}};
     EXPECT_EQ(coverageOf(run, "wrong-thread").coverage, Coverage_e::Untouched);
-    run.tracks.push_back({3, "thread 2", false});
+    run.tracks.push_back({"thread 2", false});
     EXPECT_EQ(coverageOf(run, "wrong-thread").coverage, Coverage_e::Touched);
 }
 
