@@ -48,9 +48,6 @@ public:
     /// \param box      must live longer.
     /// \param conclude is called on a thread of the session, while the add-on goes on; without it there is no limit.
     Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude = nullptr);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session() = default;
 
     standin::Host& host() { return m_host; }
     const standin::Host& host() const { return m_host; }

@@ -2,12 +2,12 @@
 
 #include <utility>
 
-#include "system/processes/BlockedSignals.h"
+#include "system/processes/Signals.h"
 
 namespace vexa::runner {
 
 Watchdog::Watchdog(std::function<void()> endProgram) : m_endProgram(std::move(endProgram)) {
-    const BlockedSignals blocked;
+    const SignalMask blocked(allSignals());
     m_thread = std::thread([this] { watch(); });
 }
 

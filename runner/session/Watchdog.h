@@ -24,8 +24,6 @@ public:
     /// \param endProgram is called when the time is over, on a thread that gets no signals. It must not return. Calls
     ///        of stop() wait for ever meanwhile.
     explicit Watchdog(std::function<void()> endProgram);
-    Watchdog(const Watchdog&) = delete;
-    Watchdog& operator=(const Watchdog&) = delete;
     ~Watchdog();
 
     void start(Seconds limit);

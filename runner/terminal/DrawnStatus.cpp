@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "system/files/Descriptor.h"
+#include "system/Descriptor.h"
 #include "terminal/StatusPicture.h"
 #include "terminal/Terminal.h"
 

@@ -1,25 +1,27 @@
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include "system/files/RedirectedOutput.h"
 
 namespace vexa::runner {
 
 /// Puts a pipe between the standard output and its terminal: as long as this object lives, descriptor 1 is the pipe.
 ///
 /// The owner reads the pipe and calls pass(). So it can first clear what it has drawn on the same terminal. It may pass
-/// on whole lines only, and hold back the start of a line. If no pipe can be made, the standard output is unchanged.
+/// on whole lines only, and hold back the start of a line.
 /// Threads: one at a time.
-class StdoutRelay {
+class StdoutRelay : NonCopyable {
 public:
     /// Call it before anything is printed.
+    /// \throws std::system_error
     StdoutRelay();
-    StdoutRelay(const StdoutRelay&) = delete;
-    StdoutRelay& operator=(const StdoutRelay&) = delete;
     /// Passes on the rest, and restores the standard output.
     ~StdoutRelay();
 
-    /// A descriptor that becomes readable when there is output to pass on; negative if nothing is relayed.
-    int readable() const { return m_pipe; }
+    /// A descriptor that becomes readable when there is output to pass on.
+    int readable() const { return m_pipe.get(); }
     /// Takes the output so far. Does not wait for more.
     /// \return the whole lines and, unless \p wholeLinesOnly, the start of the next line.
     std::string take(bool wholeLinesOnly);
@@ -29,10 +31,8 @@ public:
     bool isWithinLine() const { return m_isWithinLine; }
 
 private:
-    void readPipe();
-
-    int m_real = -1;
-    int m_pipe = -1;
+    Descriptor m_pipe;
+    std::optional<RedirectedOutput> m_redirected;
     std::string m_held;
     bool m_isWithinLine = false;
 };

@@ -6,6 +6,7 @@
 
 #include <locale.h>
 
+#include "system/NonCopyable.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
@@ -15,13 +16,11 @@ constexpr std::string_view kEllipsis = "…";
 constexpr std::size_t kEllipsisWidth = 1;
 
 // Sets a UTF-8 locale for this thread only. Add-ons rely on the locale of the process.
-class Utf8Locale {
+class Utf8Locale : NonCopyable {
 public:
     Utf8Locale() : m_utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {
         if (m_utf8 != nullptr) m_before = uselocale(m_utf8);
     }
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
     ~Utf8Locale() {
         if (m_utf8 == nullptr) return;
         uselocale(m_before);

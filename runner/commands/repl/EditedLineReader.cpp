@@ -14,6 +14,7 @@
 
 #include "commands/repl/LineReader.h"
 #include "commands/repl/PlainLines.h"
+#include "system/processes/Signals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 
@@ -73,22 +74,6 @@ int giveUpLine() {
     return 0;
 }
 
-// Ctrl-C gives the line up, as long as this lives.
-class GivingUp {
-public:
-    GivingUp() {
-        struct sigaction action {};
-        action.sa_handler = [](int) { isGivenUp = 1; };
-        sigaction(SIGINT, &action, &m_before);
-    }
-    GivingUp(const GivingUp&) = delete;
-    GivingUp& operator=(const GivingUp&) = delete;
-    ~GivingUp() { sigaction(SIGINT, &m_before, nullptr); }
-
-private:
-    struct sigaction m_before {};
-};
-
 }  // namespace
 
 LineReader::LineReader(std::vector<std::string> words)
@@ -114,7 +99,7 @@ LineReader::~LineReader() {
 std::optional<std::string> LineReader::next() const {
     std::fflush(stdout);
     if (!m_isEditing) return plainLine();
-    const GivingUp givingUp;
+    const SignalHandler givesUp(SIGINT, [](int) { isGivenUp = 1; });
     const std::unique_ptr<char, Free> line(readline("> "));
     if (!line) return std::nullopt;
     if (*line != '\0') add_history(line.get());

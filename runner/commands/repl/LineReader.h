@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// Reads the lines that the user types. In a terminal the user can edit the line, bring back earlier lines, also of
 /// earlier sessions, and complete the first word and then names of files with the tabulator; Ctrl-C gives up the line.
 /// If the program was built without an editor, or the input is no terminal, lines are only read.
-class LineReader {
+class LineReader : NonCopyable {
 public:
     /// \param words the first words to complete
     explicit LineReader(std::vector<std::string> words);
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
     /// Saves the lines for the next session.
     ~LineReader();
 

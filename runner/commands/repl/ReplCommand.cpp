@@ -160,7 +160,7 @@ public:
 
     ExitStatus_e execute() {
         if (m_options.inProcess || isTraced()) {
-            const UnblockedSignals unblocked(m_signals);
+            const SignalMask unblocked(m_signals.before());
             const auto box = std::make_unique<ProcessBox>();
             return Repl(m_options, *box, *this).execute();
         }
@@ -193,7 +193,7 @@ private:
 
     std::string ask(char kind, std::string_view text) override {
         if (kind != kLineNote) return m_outputs.ask(kind, text);
-        const UnblockedSignals unblocked(m_signals);
+        const SignalMask unblocked(m_signals.before());
         if (!m_reader) m_reader.emplace(linesOf(std::string(text)));
         const auto line = m_reader->next();
         return line ? kLineRead + *line : "";

@@ -18,7 +18,6 @@
 #include "formats/JunitText.h"
 #include "session/watch/Death.h"
 #include "session/watch/UserWork.h"
-#include "system/files/AtomicFile.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
 #include "system/files/WholeFile.h"
@@ -238,7 +237,7 @@ private:
         }
         if (expected == transcript) return {true, "", ""};
         if (m_options.accepts) {
-            AtomicFile(path).replace(transcript);
+            WholeOutput(path).replace(transcript);
             return {true, "accepted", ""};
         }
         std::string difference = lineDifference(expected.value_or(""), transcript);

@@ -36,9 +36,6 @@ public:
         m_host.setRecording(true);
         m_host.onDialog([this](const std::string& text) { keepDialog(text); });
     }
-    Transcript(const Transcript&) = delete;
-    Transcript& operator=(const Transcript&) = delete;
-    ~Transcript() = default;
 
     TranscriptEnd_e write(const std::vector<StyleSetting>& styles) {
         giveStyles(m_host, styles);

@@ -40,8 +40,8 @@ public:
 
 private:
     MemoryFile m_printed;
-    RedirectedOutput m_out{STDOUT_FILENO, m_printed.path()};
-    RedirectedOutput m_err{STDERR_FILENO, m_printed.path()};
+    RedirectedOutput m_out{STDOUT_FILENO, m_printed.descriptor()};
+    RedirectedOutput m_err{STDERR_FILENO, m_printed.descriptor()};
 };
 
 }  // namespace vexa::runner

@@ -11,17 +11,11 @@ volatile std::sig_atomic_t statusOfProgram = 0;  // a signal handler gets only t
 
 }  // namespace
 
-LastWords::LastWords(int status) {
+LastWords::LastWords(int status) : m_handler(SIGALRM, [](int) { _exit(statusOfProgram); }) {
     statusOfProgram = status;
-    struct sigaction action {};
-    action.sa_handler = [](int) { _exit(statusOfProgram); };
-    sigaction(SIGALRM, &action, &m_before);
     alarm(kSeconds);
 }
 
-LastWords::~LastWords() {
-    alarm(0);
-    sigaction(SIGALRM, &m_before, nullptr);
-}
+LastWords::~LastWords() { alarm(0); }
 
 }  // namespace vexa::runner

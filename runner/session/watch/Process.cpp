@@ -43,14 +43,14 @@ Process::Process(std::size_t index, const ProcessSetting& setting, ProcessWorkIn
       m_err(setting.kept, setting.keepsEnd),
       m_notes(work.notesOf(index, [this] { return m_out.take(); })),
       m_child(streams(), signals.before(),
-              [&] { workInProcess(index, m_connection.childEnd(), *m_box, setting, work); }) {
-    m_connection.closeChildEnd();
+              [&] { workInProcess(index, m_connection.childEnd.get(), *m_box, setting, work); }) {
+    m_connection.childEnd.close();
     m_out.closeWriter();
     m_err.closeWriter();
 }
 
 void Process::addTo(std::vector<pollfd>& polled) const {
-    for (const int descriptor : {m_isOpen ? m_connection.parentEnd() : -1, m_out.reader(), m_err.reader()}) {
+    for (const int descriptor : {m_isOpen ? m_connection.parentEnd.get() : -1, m_out.reader(), m_err.reader()}) {
         if (descriptor >= 0) polled.push_back({descriptor, POLLIN, 0});
     }
 }
@@ -79,7 +79,7 @@ ProcessOutcome Process::outcome() {
     outcome.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - m_begin).count();
     outcome.out = m_out.take();
     outcome.err = m_err.take();
-    m_connection.closeParentEnd();
+    m_connection.parentEnd.close();
     return outcome;
 }
 

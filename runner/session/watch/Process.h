@@ -20,9 +20,6 @@ public:
     /// \throws std::system_error
     Process(std::size_t index, const ProcessSetting& setting, ProcessWorkInterface& work,
             const AwaitedSignals& signals);
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
-    ~Process() = default;
 
     std::size_t index() const { return m_index; }
     ProcessBox& box() const { return *m_box; }
@@ -45,7 +42,7 @@ private:
     const ProcessSetting& m_setting;
     SharedMemory<ProcessBox> m_box;
     Connection m_connection;
-    Mailbox m_mailbox{m_connection.parentEnd()};
+    Mailbox m_mailbox{m_connection.parentEnd.get()};
     bool m_isOpen = true;
     Drain m_out;
     Drain m_err;

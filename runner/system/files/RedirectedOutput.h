@@ -1,22 +1,24 @@
 #pragma once
 
-#include <string>
+#include "system/Descriptor.h"
+#include "system/NonCopyable.h"
 
 namespace vexa::runner {
 
-/// Sends what this process prints on an output to a file, as long as it lives.
-class RedirectedOutput {
+/// Sends what this process prints on an output to another file, as long as it lives.
+class RedirectedOutput : NonCopyable {
 public:
     /// \param output STDOUT_FILENO or STDERR_FILENO
-    /// \param file   exists; what is printed is appended to it.
-    RedirectedOutput(int output, const std::string& file);
-    RedirectedOutput(const RedirectedOutput&) = delete;
-    RedirectedOutput& operator=(const RedirectedOutput&) = delete;
+    /// \param target a descriptor; is copied
+    RedirectedOutput(int output, int target);
     ~RedirectedOutput();
+
+    /// Where the output went before; negative if an add-on has closed it.
+    int real() const { return m_real.get(); }
 
 private:
     int m_output;
-    int m_real;  // negative if an add-on has closed it
+    Descriptor m_real;
 };
 
 }  // namespace vexa::runner

@@ -3,18 +3,18 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// A copy of the current folder, for commands that may write files anywhere in it. The destructor removes it.
 ///
 /// Only files, folders and links are copied, without hidden ones.
-class ScratchFolder {
+class ScratchFolder : NonCopyable {
 public:
     /// \throws std::filesystem::filesystem_error if the folder cannot be copied.
     /// \throws std::length_error if it is too large.
     ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
 
     /// The folder that has the copy and the folder for temporary files.
@@ -32,12 +32,10 @@ private:
 };
 
 /// Changes the current folder as long as this object lives.
-class CurrentFolder {
+class CurrentFolder : NonCopyable {
 public:
     /// \throws std::filesystem::filesystem_error
     explicit CurrentFolder(const std::filesystem::path& path);
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
     ~CurrentFolder();
 
 private:
