@@ -15,7 +15,6 @@
 #include "formats/StyleFile.h"
 #include "options/PrintedOutput.h"
 #include "options/Refusals.h"
-#include "session/FailureText.h"
 #include "session/FindingPrinter.h"
 #include "session/Replay.h"
 #include "session/RunOutputs.h"

@@ -23,6 +23,11 @@ RunFiles inputsOf(const SessionOptions& options) {
     return files;
 }
 
+std::string_view failureText(const standin::CommandResult& result) {
+    const std::string_view message = withoutTrailingBlanks(result.error);
+    return message.empty() ? "the command failed without a message" : message;
+}
+
 // The time in which the session works on something: the box has it, and the time limit holds.
 class Session::TimeInAddOn : NonCopyable {
 public:

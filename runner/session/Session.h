@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "formats/MacroFile.h"
@@ -27,6 +28,9 @@ struct SessionOptions {
 
 /// The files that a session with \p options reads, so that no output replaces one of them.
 RunFiles inputsOf(const SessionOptions& options);
+
+/// Why a command failed, for the user: the message of the add-on, if it gave one. The text lives as long as \p result.
+std::string_view failureText(const standin::CommandResult& result);
 
 /// Work of a session that took longer than the time limit.
 struct Overrun {

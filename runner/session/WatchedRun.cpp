@@ -11,7 +11,6 @@
 #include "formats/ResultsFile.h"
 #include "session/FindingPrinter.h"
 #include "session/watch/Death.h"
-#include "session/watch/LastWords.h"
 #include "session/watch/UserWork.h"
 #include "system/files/MemoryFile.h"
 #include "system/files/WholeFile.h"

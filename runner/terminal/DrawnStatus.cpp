@@ -2,17 +2,130 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "system/Descriptor.h"
-#include "terminal/StatusPicture.h"
 #include "terminal/Terminal.h"
+#include "terminal/TextWidth.h"
 
 namespace vexa::runner {
 namespace {
 
 constexpr std::chrono::milliseconds kLeastInterval{100};
+constexpr std::size_t kBarWidth = 20;
+constexpr std::size_t kReadableWidth = 8;  // to which a text may be cut
+constexpr int kHint = 1;                   // less important than the whole text
+constexpr int kMostImportant = 5;
+constexpr std::size_t kPercentWidth = 3;
+constexpr int kAllDone = 100;
+constexpr int kSecondsAMinute = 60;
+constexpr int kMinutesAnHour = 60;
+constexpr const char* kGap = "  ";
+constexpr const char* kGreen = "\033[32m";
+constexpr const char* kUsualColour = "\033[0m";
+
+// What the picture shows in addition to the status line.
+struct StatusFrame {
+    std::chrono::seconds elapsed{0};  // since the task started
+    bool isStopping = false;          // the user has asked to stop it
+    bool inColour = false;
+    std::size_t columns = 80;  // the width of the picture, at most
+};
+
+std::string twoDigits(long number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+
+std::string timeText(std::chrono::seconds time) {
+    const auto seconds = static_cast<long>(time.count());
+    const long minutes = seconds / kSecondsAMinute;
+    const std::string end = ':' + twoDigits(seconds % kSecondsAMinute);
+    if (minutes < kMinutesAnHour) return std::to_string(minutes) + end;
+    return std::to_string(minutes / kMinutesAnHour) + ':' + twoDigits(minutes % kMinutesAnHour) + end;
+}
+
+std::string barText(int percent) {
+    const std::size_t done = static_cast<std::size_t>(percent) * kBarWidth / kAllDone;
+    return '[' + std::string(done, '#') + std::string(kBarWidth - done, ' ') + ']';
+}
+
+std::string percentText(int percent) {
+    const std::string number = std::to_string(percent);
+    return std::string(kPercentWidth - number.size(), ' ') + number + " %";
+}
+
+// Assumes that each percent takes the same time.
+std::string remainingText(int percent, std::chrono::seconds elapsed) {
+    if (percent <= 0 || percent >= kAllDone || elapsed.count() == 0) return "";
+    return timeText(elapsed * (kAllDone - percent) / percent) + " left";
+}
+
+std::string stopText(const standin::StatusLine& line, bool isStopping) {
+    if (isStopping) return "stopping";
+    return line.showStopButton ? "Ctrl-C stops" : "";
+}
+
+// A part of the picture beside the text. The least important part is dropped first.
+struct Part {
+    std::string text;
+    int importance;
+    std::string separator;
+};
+
+std::vector<Part> partsOf(const standin::StatusLine& line, const StatusFrame& frame) {
+    std::vector<Part> parts;
+    const auto add = [&](std::string text, int importance, const char* separator = kGap) {
+        if (!text.empty()) parts.push_back({std::move(text), importance, separator});
+    };
+    if (line.showBar) {
+        add(barText(line.percent), 2);
+        add(percentText(line.percent), kMostImportant, " ");
+    }
+    add(timeText(frame.elapsed), 3);
+    if (line.showBar) add(remainingText(line.percent, frame.elapsed), kHint, ", ");
+    add(stopText(line, frame.isStopping), frame.isStopping ? 4 : 0);
+    return parts;
+}
+
+std::size_t totalWidthOf(const std::vector<Part>& parts) {
+    std::size_t width = 0;
+    for (const Part& part : parts) width += part.separator.size() + part.text.size();
+    return width;
+}
+
+// Drops parts of at most this importance until the others fit beside a text of this width.
+void dropUntilFit(std::vector<Part>& parts, std::size_t columns, std::size_t textWidth, int importance) {
+    const auto isLess = [](const Part& a, const Part& b) { return a.importance < b.importance; };
+    while (!parts.empty() && textWidth + totalWidthOf(parts) > columns) {
+        const auto least = std::min_element(parts.begin(), parts.end(), isLess);
+        if (least->importance > importance) return;
+        parts.erase(least);
+    }
+}
+
+// Adds colours last: they take no columns.
+std::string joined(std::string text, const std::vector<Part>& parts, bool inColour) {
+    for (const Part& part : parts) {
+        if (!text.empty()) text += part.separator;
+        const bool isBar = part.text.front() == '[';
+        text += inColour && isBar ? kGreen + part.text + kUsualColour : part.text;
+    }
+    return text;
+}
+
+// The status line as one line of a terminal:
+//
+//     Reading rows  [########            ]  42 %  0:05, 0:07 left  Ctrl-C stops
+//
+// In a narrow window the least important parts are left out first; then the text is cut.
+std::string pictureOf(const standin::StatusLine& line, const StatusFrame& frame) {
+    const std::string text = asOneLine(line.text);
+    std::vector<Part> parts = partsOf(line, frame);
+    dropUntilFit(parts, frame.columns, widthOf(text), kHint);
+    dropUntilFit(parts, frame.columns, std::min(widthOf(text), kReadableWidth), kMostImportant);
+    return joined(cutToWidth(text, frame.columns - totalWidthOf(parts)), parts, frame.inColour);
+}
 
 }  // namespace
 

@@ -13,7 +13,6 @@
 #include <system_error>
 
 #include "commands/repl/LineReader.h"
-#include "commands/repl/PlainLines.h"
 #include "system/processes/Signals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
@@ -38,7 +37,7 @@ std::string variable(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-// Empty when there is no place for it.
+// Empty if there is no place for it.
 std::string historyFile() {
     const std::string home = variable("HOME");
     const std::string state = variable("XDG_STATE_HOME");
@@ -46,7 +45,7 @@ std::string historyFile() {
     return home.empty() ? "" : (fs::path(home) / ".local/state" / kProgramName / "history").string();
 }
 
-// The `state`th word that begins with `text`; null behind the last one.
+// The `state`th word that starts with `text`; null after the last one.
 char* nextWord(const char* text, int state) {
     static std::size_t next = 0;
     if (state == 0) next = 0;
@@ -57,7 +56,7 @@ char* nextWord(const char* text, int state) {
     return nullptr;
 }
 
-// Null has the library complete names of files.
+// Returns null to let the library complete names of files.
 char** complete(const char* text, int start, int) {
     if (start != 0) return nullptr;
     rl_attempted_completion_over = 1;
@@ -82,7 +81,7 @@ LineReader::LineReader(std::vector<std::string> words)
     theWords = std::move(words);
     rl_readline_name = kProgramName;
     rl_attempted_completion_function = complete;
-    rl_event_hook = giveUpLine;  // asked again and again: a signal may come just before the keyboard is waited for
+    rl_event_hook = giveUpLine;  // called repeatedly: a signal may come just before the library waits for the keyboard
     using_history();
     stifle_history(kMostKept);
     read_history(historyFile().c_str());

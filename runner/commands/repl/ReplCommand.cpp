@@ -15,7 +15,6 @@
 #include "formats/StyleFile.h"
 #include "options/CommonOptions.h"
 #include "options/Refusals.h"
-#include "session/FailureText.h"
 #include "session/RunOutputs.h"
 #include "session/Session.h"
 #include "session/SessionView.h"

@@ -34,8 +34,7 @@ constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
 // A path is not a macro and not a folder of macros. The message is one line.
-class PathError : public std::runtime_error {
-public:
+struct PathError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "options/PrintedOutput.h"
-#include "session/FailureText.h"
 #include "session/FindingPrinter.h"
 #include "terminal/Console.h"
 #include "text/Seconds.h"

@@ -19,8 +19,12 @@ public:
     /// \param takePrinted returns what was printed since the last call
     explicit TranscriptText(std::function<KeptText()> takePrinted) : m_takePrinted(std::move(takePrinted)) {}
 
-    void tell(char kind, std::string_view text) override;
-    std::string ask(char kind, std::string_view text) override;
+    void tell(char kind, std::string_view text) override { (kind == kExplainedNote ? m_explained : m_text) += text; }
+    std::string ask(char, std::string_view text) override {
+        const std::string lines = printedLines(m_takePrinted());
+        if (!lines.empty()) m_text.append(text).append(lines);
+        return lines.empty() ? "" : "y";
+    }
 
     const std::string& text() const { return m_text; }
     /// The breaches of the contract with their places and hints.
@@ -36,7 +40,11 @@ private:
 class CaughtOutput {
 public:
     /// What was printed since the last call.
-    KeptText take() const;
+    KeptText take() const {
+        KeptText printed{m_printed.text(), 0};
+        m_printed.clear();
+        return printed;
+    }
 
 private:
     MemoryFile m_printed;

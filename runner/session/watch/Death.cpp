@@ -1,6 +1,7 @@
 #include "session/watch/Death.h"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -12,6 +13,10 @@
 
 namespace vexa::runner {
 namespace {
+
+constexpr unsigned kSecondsForLastWords = 5;
+
+volatile std::sig_atomic_t statusOfProgram = 0;  // a signal handler gets only the number of the signal
 
 std::string lastFunctionOf(const ProcessBox& box) {
     const std::size_t function = box.calls.lastFunction;
@@ -25,6 +30,13 @@ std::string whatItCalled(const ProcessBox& box) {
 }
 
 }  // namespace
+
+LastWords::LastWords(int status) : m_handler(SIGALRM, [](int) { _exit(statusOfProgram); }) {
+    statusOfProgram = status;
+    alarm(kSecondsForLastWords);
+}
+
+LastWords::~LastWords() { alarm(0); }
 
 std::string howItEnded(int waitStatus) {
     if (WIFEXITED(waitStatus)) return "exit status " + std::to_string(WEXITSTATUS(waitStatus));

@@ -6,6 +6,7 @@
 
 #include "session/watch/ProcessBox.h"
 #include "session/watch/Processes.h"
+#include "system/processes/Signals.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -34,5 +35,16 @@ std::string workOf(const ProcessBox& box);
 
 /// What a message about a process starts with: `FILE:LINE: ID` for a command, and else the program's name.
 std::string placeOf(const ProcessBox& box);
+
+/// Limits the time in which a program prints why it ends. If nobody reads and the pipe is full, the program ends with
+/// \p status after a few seconds.
+class LastWords : NonCopyable {
+public:
+    explicit LastWords(int status);
+    ~LastWords();
+
+private:
+    SignalHandler m_handler;
+};
 
 }  // namespace vexa::runner

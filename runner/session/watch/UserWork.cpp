@@ -7,7 +7,6 @@
 
 #include "options/ExitStatus.h"
 #include "session/watch/Death.h"
-#include "session/watch/LastWords.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
