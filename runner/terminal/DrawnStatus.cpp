@@ -27,14 +27,6 @@ constexpr const char* kGap = "  ";
 constexpr const char* kGreen = "\033[32m";
 constexpr const char* kUsualColour = "\033[0m";
 
-// What the picture shows in addition to the status line.
-struct StatusFrame {
-    std::chrono::seconds elapsed{0};  // since the task started
-    bool isStopping = false;          // the user has asked to stop it
-    bool inColour = false;
-    std::size_t columns = 80;  // the width of the picture, at most
-};
-
 std::string twoDigits(long number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
 std::string timeText(std::chrono::seconds time) {
@@ -119,12 +111,17 @@ std::string joined(std::string text, const std::vector<Part>& parts, bool inColo
 //     Reading rows  [########            ]  42 %  0:05, 0:07 left  Ctrl-C stops
 //
 // In a narrow window the least important parts are left out first; then the text is cut.
-std::string pictureOf(const standin::StatusLine& line, const StatusFrame& frame) {
+std::string pictureOf(const standin::StatusLine& line, const StatusFrame& frame, bool inColour) {
+    const std::size_t columns = frame.columns - 1;  // after the last column, some terminals go to the next line at once
     const std::string text = asOneLine(line.text);
     std::vector<Part> parts = partsOf(line, frame);
-    dropUntilFit(parts, frame.columns, widthOf(text), kHint);
-    dropUntilFit(parts, frame.columns, std::min(widthOf(text), kReadableWidth), kMostImportant);
-    return joined(cutToWidth(text, frame.columns - totalWidthOf(parts)), parts, frame.inColour);
+    dropUntilFit(parts, columns, widthOf(text), kHint);
+    dropUntilFit(parts, columns, std::min(widthOf(text), kReadableWidth), kMostImportant);
+    return joined(cutToWidth(text, columns - totalWidthOf(parts)), parts, inColour);
+}
+
+bool isSame(const StatusFrame& a, const StatusFrame& b) {
+    return a.elapsed == b.elapsed && a.isStopping == b.isStopping && a.columns == b.columns;
 }
 
 }  // namespace
@@ -145,32 +142,25 @@ void DrawnStatus::show(const standin::StatusLine& line) {
 }
 
 void DrawnStatus::refresh() {
-    if (m_line.active && Clock::now() - m_lastDrawing >= kLeastInterval && isOutdated()) draw();
+    if (!m_line.active || Clock::now() - m_lastDrawing < kLeastInterval) return;
+    if (m_hasChanged || !m_isDrawn || !isSame(m_drawn, frame())) draw();
 }
 
 void DrawnStatus::clear() {
     if (m_isDrawn.exchange(false)) writeAll(STDERR_FILENO, kClearLine);
 }
 
-std::chrono::seconds DrawnStatus::elapsed() const {
-    return std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_begin);
-}
-
-bool DrawnStatus::isOutdated() const {
-    return m_hasChanged || !m_isDrawn || m_drawnStopping != m_isStopping() || m_drawnElapsed != elapsed() ||
-           m_drawnColumns != columnsOf(STDERR_FILENO);
+StatusFrame DrawnStatus::frame() const {
+    return {std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_begin), m_isStopping(),
+            columnsOf(STDERR_FILENO)};
 }
 
 void DrawnStatus::draw() {
     m_hasChanged = false;
-    m_drawnStopping = m_isStopping();
-    m_drawnElapsed = elapsed();
-    m_drawnColumns = columnsOf(STDERR_FILENO);
-    // Leave the last column free: after it, some terminals go to the next line at once.
-    const StatusFrame frame{m_drawnElapsed, m_drawnStopping, m_inColour, m_drawnColumns - 1};
+    m_drawn = frame();
     m_isDrawn = true;
     // One write avoids flicker.
-    writeAll(STDERR_FILENO, kClearLine + pictureOf(m_line, frame) + '\r');
+    writeAll(STDERR_FILENO, kClearLine + pictureOf(m_line, m_drawn, m_inColour) + '\r');
     m_lastDrawing = Clock::now();
 }
 

@@ -28,19 +28,10 @@ constexpr int kMostKept = 1000;
 std::vector<std::string> theWords;
 volatile std::sig_atomic_t isGivenUp = 0;
 
-struct Free {
-    void operator()(char* text) const { std::free(text); }
-};
-
-std::string variable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
 // Empty if there is no place for it.
 std::string historyFile() {
-    const std::string home = variable("HOME");
-    const std::string state = variable("XDG_STATE_HOME");
+    const std::string_view home = environment("HOME");
+    const std::string_view state = environment("XDG_STATE_HOME");
     if (!state.empty()) return fs::path(state) / kProgramName / "history";
     return home.empty() ? "" : (fs::path(home) / ".local/state" / kProgramName / "history").string();
 }
@@ -99,7 +90,7 @@ std::optional<std::string> LineReader::next() const {
     std::fflush(stdout);
     if (!m_isEditing) return plainLine();
     const SignalHandler givesUp(SIGINT, [](int) { isGivenUp = 1; });
-    const std::unique_ptr<char, Free> line(readline("> "));
+    const std::unique_ptr<char, void (*)(void*)> line(readline("> "), std::free);
     if (!line) return std::nullopt;
     if (*line != '\0') add_history(line.get());
     return std::string(line.get());

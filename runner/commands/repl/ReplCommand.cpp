@@ -19,7 +19,6 @@
 #include "session/Session.h"
 #include "session/SessionView.h"
 #include "session/watch/Death.h"
-#include "session/watch/UserWork.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
 #include "terminal/StopButton.h"
@@ -30,16 +29,16 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kReplFooter = R"(A line is a command as macro files have it: the add-on's id, and its command. The
-tabulator completes ids and names of files, the arrows bring lines of before
-back. Ctrl-C gives a line up, and stops a task; quit or Ctrl-D ends.
+constexpr const char* kReplFooter = R"(A line is a command as in a macro file: the add-on's id, and its command. The tab
+key completes ids and file names; the arrow keys show earlier lines. Ctrl-C
+discards a line, or stops a task. quit or Ctrl-D ends the program.
 
 Example:
   vexa-standin repl --addon ./libstats.so --record session.macro
   > STATS LOAD FILE = 'wake.txt'
 
 Exit status:
-  0  all went well, whatever became of the commands
+  0  all went well; commands may have failed
   2  wrong usage or input; a file could not be read or written
   5  an add-on ended its process: a crash, exit() or the like)";
 

@@ -22,15 +22,14 @@ struct Head {
 constexpr char kAnswer = 'a';
 
 bool sendMessage(int descriptor, char kind, bool isAsked, std::string_view text) {
-    std::array<char, sizeof(Head)> bytes{};
     const Head head{text.size(), kind, isAsked};
-    std::memcpy(bytes.data(), &head, sizeof head);
-    return sendAll(descriptor, {bytes.data(), bytes.size()}) && sendAll(descriptor, text);
+    const void* const bytes = &head;
+    return sendAll(descriptor, {static_cast<const char*>(bytes), sizeof head}) && sendAll(descriptor, text);
 }
 
-bool receiveAll(int descriptor, char* bytes, std::size_t size) {
+bool receiveAll(int descriptor, void* bytes, std::size_t size) {
     for (std::size_t at = 0; at != size;) {
-        const ssize_t count = ::recv(descriptor, bytes + at, size - at, 0);
+        const ssize_t count = ::recv(descriptor, static_cast<char*>(bytes) + at, size - at, 0);
         if (count == 0 || (count < 0 && errno != EINTR)) return false;
         if (count > 0) at += static_cast<std::size_t>(count);
     }
@@ -61,9 +60,7 @@ std::string Channel::ask(char kind, std::string_view text) {
     const std::lock_guard<std::mutex> lock(m_guard);
     send(kind, true, text);
     Head head;
-    std::array<char, sizeof head> bytes{};
-    if (!receiveAll(m_descriptor, bytes.data(), bytes.size())) return "";
-    std::memcpy(&head, bytes.data(), sizeof head);
+    if (!receiveAll(m_descriptor, &head, sizeof head)) return "";
     std::string answer(head.size, '\0');
     return receiveAll(m_descriptor, answer.data(), answer.size()) ? answer : "";
 }

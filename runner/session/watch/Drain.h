@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "system/Descriptor.h"
 
@@ -35,7 +34,7 @@ public:
     KeptText take();
 
 private:
-    void keep(std::string_view bytes);
+    void trim();
 
     std::size_t m_most;
     bool m_keepsEnd;

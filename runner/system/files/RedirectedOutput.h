@@ -1,5 +1,9 @@
 #pragma once
 
+#include <fcntl.h>
+
+#include <cstdio>
+
 #include "system/Descriptor.h"
 #include "system/NonCopyable.h"
 
@@ -10,8 +14,15 @@ class RedirectedOutput : NonCopyable {
 public:
     /// \param output STDOUT_FILENO or STDERR_FILENO
     /// \param target a descriptor; is copied
-    RedirectedOutput(int output, int target);
-    ~RedirectedOutput();
+    RedirectedOutput(int output, int target)
+        : m_output(output), m_real(fcntl(output, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)) {
+        std::fflush(stdout);
+        dup2(target, m_output);
+    }
+    ~RedirectedOutput() {
+        std::fflush(stdout);
+        if (m_real.isOpen()) dup2(real(), m_output);
+    }
 
     /// Where the output went before; negative if an add-on has closed it.
     int real() const { return m_real.get(); }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <utility>
 
 #include "system/NonCopyable.h"
 
@@ -25,6 +26,7 @@ public:
     std::filesystem::path temporary() const { return m_path / "tmp"; }
 
 private:
+    explicit ScratchFolder(std::filesystem::path path) : m_path(std::move(path)) {}
     void fill(const std::filesystem::path& from, const std::filesystem::path& to);
 
     std::filesystem::path m_path;

@@ -27,12 +27,6 @@ std::optional<int> AwaitedSignals::next() const {
     return static_cast<int>(info.ssi_signo);
 }
 
-void AwaitedSignals::throwIfEnded() const {
-    while (const auto signal = next()) {
-        if (*signal == SIGINT || endsProgram(*signal)) throw EndedBySignal{*signal};
-    }
-}
-
 bool endsProgram(int signal) { return signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT; }
 
 }  // namespace vexa::runner

@@ -30,10 +30,6 @@ public:
     /// The signals that were blocked before this object, for code that handles the awaited ones.
     const sigset_t& before() const { return m_before; }
 
-    /// Call it between two processes.
-    /// \throws EndedBySignal if a signal that ends the program has arrived.
-    void throwIfEnded() const;
-
 private:
     sigset_t m_before{};
     Descriptor m_descriptor;
