@@ -12,7 +12,6 @@
 #include "session/FindingPrinter.h"
 #include "session/Session.h"
 #include "session/watch/Death.h"
-#include "session/watch/UserWork.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
 #include "terminal/TextWidth.h"

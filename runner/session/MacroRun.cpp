@@ -1,5 +1,6 @@
 #include "session/MacroRun.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include "formats/StyleFile.h"
 #include "options/PrintedOutput.h"
 #include "options/Refusals.h"
-#include "session/FailureText.h"
 #include "session/FindingPrinter.h"
 #include "session/Replay.h"
 #include "session/RunOutputs.h"
@@ -60,8 +60,6 @@ public:
         m_view.show(m_host, !options.batch);
         if (drawsStatus(options)) m_view.drawStatus([this] { return m_stopButton.isPressed(); }, box.isStatusDrawn);
     }
-    MacroRun(const MacroRun&) = delete;
-    MacroRun& operator=(const MacroRun&) = delete;
     ~MacroRun() { m_stopButton.disarm(); }
 
     ExitStatus_e execute() { return finish(checkOutput(runToEnd())); }
@@ -183,7 +181,8 @@ private:
     bool replayRecording() {
         const std::vector<standin::RecordedCommand> recorded = m_host.recordedCommands();
         if (recorded.empty()) return true;
-        const RedirectedOutput discarded(STDOUT_FILENO, "/dev/null");
+        const Descriptor nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
+        const RedirectedOutput discarded(STDOUT_FILENO, nowhere.get());
         m_host.setCallProgress(nullptr);
         const bool isReplayed = replayInNewSession(recorded);
         m_host.setCallProgress(&m_box.calls);

@@ -6,8 +6,8 @@
 namespace vexa::runner {
 
 void RunOutputs::open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile) {
-    if (recordFile) m_record.emplace(*recordFile, recordingText({}), "recorded");
-    if (journalFile) m_journal.emplace(*journalFile, journalText({}), "journaled");
+    if (recordFile) m_record = Output{WholeOutput(*recordFile), recordingText({}), "recorded"};
+    if (journalFile) m_journal = Output{WholeOutput(*journalFile), journalText({}), "journaled"};
 }
 
 void RunOutputs::tell(char kind, std::string_view text) {

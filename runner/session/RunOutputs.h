@@ -53,8 +53,6 @@ public:
 private:
     /// A file, and the text for it.
     struct Output {
-        Output(const std::string& path, std::string head, const char* itsHow)
-            : file(path), text(std::move(head)), how(itsHow) {}
         WholeOutput file;
         std::string text;  // the head of the file, and the lines so far
         const char* how;   // "recorded" or "journaled"

@@ -23,8 +23,13 @@ RunFiles inputsOf(const SessionOptions& options) {
     return files;
 }
 
+std::string_view failureText(const standin::CommandResult& result) {
+    const std::string_view message = withoutTrailingBlanks(result.error);
+    return message.empty() ? "the command failed without a message" : message;
+}
+
 // The time in which the session works on something: the box has it, and the time limit holds.
-class Session::TimeInAddOn {
+class Session::TimeInAddOn : NonCopyable {
 public:
     TimeInAddOn(Session& session, const MacroCommand& work, std::size_t times = 1)
         : m_box(session.m_box), m_watchdog(session.m_watchdog) {
@@ -34,8 +39,6 @@ public:
         m_box.allow(std::chrono::ceil<ProcessBox::Clock::duration>(limit));
         m_watchdog->start(limit);
     }
-    TimeInAddOn(const TimeInAddOn&) = delete;
-    TimeInAddOn& operator=(const TimeInAddOn&) = delete;
     // If the add-on forked a copy of the process, the copy ends here, so that it does not go on with the session.
     ~TimeInAddOn() {
         if (m_box.isOfOther()) _exit(EXIT_FAILURE);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "formats/MacroFile.h"
@@ -28,6 +29,9 @@ struct SessionOptions {
 /// The files that a session with \p options reads, so that no output replaces one of them.
 RunFiles inputsOf(const SessionOptions& options);
 
+/// Why a command failed, for the user: the message of the add-on, if it gave one. The text lives as long as \p result.
+std::string_view failureText(const standin::CommandResult& result);
+
 /// Work of a session that took longer than the time limit.
 struct Overrun {
     MacroCommand work;                        ///< a command; of other work only the text, such as `loading of FILE`
@@ -48,9 +52,6 @@ public:
     /// \param box      must live longer.
     /// \param conclude is called on a thread of the session, while the add-on goes on; without it there is no limit.
     Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude = nullptr);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session() = default;
 
     standin::Host& host() { return m_host; }
     const standin::Host& host() const { return m_host; }

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "session/FindingPrinter.h"
 #include "terminal/Console.h"
@@ -20,17 +21,31 @@ namespace vexa::runner {
 class SessionView {
 public:
     /// Shows what \p host does from now on: dialogs, and the status line if \p showsStatus.
-    void show(standin::Host& host, bool showsStatus);
+    void show(standin::Host& host, bool showsStatus) {
+        m_host = &host;
+        host.onDialog([this](const std::string& text) { tell(place() + ": dialog", text); });
+        if (showsStatus) host.onStatus([this](const standin::StatusLine& line) { showStatus(line); });
+    }
 
     /// Draws the status line on the terminal from now on. The parameters are those of Screen.
-    void drawStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
+    void drawStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn) {
+        m_screen.emplace(std::move(isStopping), isDrawn);
+    }
     void stopDrawing() { m_screen.reset(); }
-    /// To be called before the process ends without destroying this. Call nothing after it.
-    void leaveTerminal();
+    /// Call this before the process ends without destroying this. Call nothing after it.
+    void leaveTerminal() {
+        if (m_screen) m_screen->leave();
+    }
 
     /// Sets what messages start with: `FILE:LINE: ID` while a command runs, and else the name of the program.
-    void setPlace(const std::string& place);
-    std::string place() const;
+    void setPlace(const std::string& place) {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        m_place = place;
+    }
+    std::string place() const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_place;
+    }
 
     /// Shows that a command, or other work, has ended.
     void conclude(bool hasSucceeded) { m_plainStatus.conclude(hasSucceeded); }
@@ -38,7 +53,10 @@ public:
     void printFindings() { m_findings.printNew(*m_host); }
 
 private:
-    void showStatus(const standin::StatusLine& line);
+    void showStatus(const standin::StatusLine& line) {
+        if (m_screen) return m_screen->show(line);
+        m_plainStatus.show(place(), line, m_host->isStopPressed());
+    }
 
     standin::Host* m_host = nullptr;
     mutable std::mutex m_guard;

@@ -6,6 +6,9 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
+
+#include "system/processes/Signals.h"
 
 namespace vexa::runner {
 
@@ -21,20 +24,50 @@ class Watchdog {
 public:
     using Seconds = std::chrono::duration<double>;
 
-    /// \param endProgram is called when the time is over, on a thread that gets no signals. It must not return. Calls
-    ///        of stop() wait for ever meanwhile.
-    explicit Watchdog(std::function<void()> endProgram);
-    Watchdog(const Watchdog&) = delete;
-    Watchdog& operator=(const Watchdog&) = delete;
-    ~Watchdog();
+    /// \param endProgram is called when the time is over, on a thread that gets no signals. It must not return.
+    /// Meanwhile
+    ///        calls of stop() wait forever.
+    explicit Watchdog(std::function<void()> endProgram) : m_endProgram(std::move(endProgram)) {
+        const SignalMask blocked(allSignals());
+        m_thread = std::thread([this] { watch(); });
+    }
+    ~Watchdog() {
+        change([this] { m_isEnding = true; });
+        m_thread.join();
+    }
 
-    void start(Seconds limit);
-    void stop();
+    void start(Seconds limit) {
+        change([&] { m_deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit); });
+    }
+    void stop() {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        m_deadline.reset();
+    }
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    void watch();
+    template <class Action>
+    void change(const Action& action) {
+        {
+            const std::lock_guard<std::mutex> lock(m_guard);
+            action();
+        }
+        m_news.notify_one();
+    }
+
+    void watch() {
+        std::unique_lock<std::mutex> lock(m_guard);
+        while (!m_isEnding) {
+            if (!m_deadline) {
+                m_news.wait(lock);
+            } else if (const Clock::time_point deadline = *m_deadline; Clock::now() < deadline) {
+                m_news.wait_until(lock, deadline);
+            } else {
+                m_endProgram();
+            }
+        }
+    }
 
     std::function<void()> m_endProgram;
     std::mutex m_guard;

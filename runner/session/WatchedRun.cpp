@@ -11,8 +11,6 @@
 #include "formats/ResultsFile.h"
 #include "session/FindingPrinter.h"
 #include "session/watch/Death.h"
-#include "session/watch/LastWords.h"
-#include "session/watch/UserWork.h"
 #include "system/files/MemoryFile.h"
 #include "system/files/WholeFile.h"
 #include "system/processes/Tracer.h"
@@ -32,15 +30,13 @@ bool endedForWantOfReaders(const ProcessOutcome& outcome) {
     return isPipe && (isBroken(STDOUT_FILENO) || isBroken(STDERR_FILENO));
 }
 
-std::unique_ptr<LiveFile> openResults(const RunOptions& options) {
-    return options.json ? std::make_unique<LiveFile>(*options.json) : nullptr;
-}
-
 // The run of a program that runs one macro file. It prints where the program prints.
 class OneRun : public UserWork {
 public:
     explicit OneRun(const RunOptions& options)
-        : m_options(options), m_results(openResults(options)), m_run(options, [this](auto lines) {
+        : m_options(options),
+          m_results(options.json ? std::make_unique<LiveFile>(*options.json) : nullptr),
+          m_run(options, [this](auto lines) {
               if (m_results) m_results->append(lines);
           }) {
         m_run.outputs().open(options.record, options.journal);
@@ -53,7 +49,10 @@ public:
         } else {
             const AwaitedSignals signals;
             m_run.outputs().keepEndBack();
-            runInProcesses(signals, 1, settingOf(m_options), *this);
+            ProcessSetting setting;
+            setting.printed = Printed_e::Inherited;
+            setting.limitTime(m_options.contract.timeout);
+            runInProcesses(signals, 1, setting, *this);
         }
         if (m_results) m_results->close();
         return m_status;
@@ -116,13 +115,6 @@ ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, co
         m_outputs.tellEnd();
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;
-}
-
-ProcessSetting settingOf(const RunOptions& options) {
-    ProcessSetting setting;
-    setting.printed = Printed_e::Inherited;
-    setting.limitTime(options.contract.timeout);
-    return setting;
 }
 
 ExitStatus_e runOneMacro(const RunOptions& options) {

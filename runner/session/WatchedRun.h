@@ -32,9 +32,6 @@ private:
     RunOutputs m_outputs;
 };
 
-/// The setting for the process of a run.
-ProcessSetting settingOf(const RunOptions& options);
-
 /// Runs a macro file in a process of its own, or in this one under a debugger and with SessionOptions::inProcess.
 /// \throws OutputError if an output cannot be written.
 ExitStatus_e runOneMacro(const RunOptions& options);

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 // Whatever this program says leaves through these functions, which make it printable(): parts of it come from add-ons,
@@ -32,11 +34,8 @@ void tellLines(std::string_view place, std::string_view lines);
 void passOn(const std::string& lines);
 
 /// Gets messages in the place of the standard error output.
-class MessageSinkInterface {
+class MessageSinkInterface : NonCopyable {
 public:
-    MessageSinkInterface() = default;
-    MessageSinkInterface(const MessageSinkInterface&) = delete;
-    MessageSinkInterface& operator=(const MessageSinkInterface&) = delete;
     virtual ~MessageSinkInterface() = default;
 
     /// Shows \p lines after all that was printed so far. May be called from any thread.

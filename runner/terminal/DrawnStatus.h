@@ -9,6 +9,13 @@
 
 namespace vexa::runner {
 
+/// What the drawn status line depends on, apart from the line itself.
+struct StatusFrame {
+    std::chrono::seconds elapsed{0};  ///< since the task started
+    bool isStopping = false;          ///< the user has asked to stop it
+    std::size_t columns = 0;          ///< the width of the terminal
+};
+
 /// The status line, drawn on the terminal at the standard error output.
 ///
 /// It is drawn in place, at most ten times a second. The cursor stays at its start. If the window becomes narrower and
@@ -34,8 +41,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    std::chrono::seconds elapsed() const;
-    bool isOutdated() const;
+    StatusFrame frame() const;
     void draw();
 
     std::function<bool()> m_isStopping;
@@ -44,11 +50,8 @@ private:
     Clock::time_point m_begin;
     Clock::time_point m_lastDrawing;
     std::atomic<bool>& m_isDrawn;
-    // What the last drawing showed.
-    bool m_hasChanged = false;
-    bool m_drawnStopping = false;
-    std::size_t m_drawnColumns = 0;
-    std::chrono::seconds m_drawnElapsed{0};
+    bool m_hasChanged = false;  // the line, since the last drawing
+    StatusFrame m_drawn;
 };
 
 }  // namespace vexa::runner

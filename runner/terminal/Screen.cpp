@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "system/LastError.h"
-#include "system/processes/BlockedSignals.h"
+#include "system/processes/Signals.h"
 #include "terminal/Terminal.h"
 
 namespace vexa::runner {
@@ -22,9 +22,9 @@ constexpr int kWatchInterval = 100;  // milliseconds
 
 Screen::Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
     : m_status(std::move(isStopping), isDrawn), m_wakeUp(eventfd(0, EFD_CLOEXEC)) {
-    if (m_wakeUp < 0) throwLastError("eventfd");
+    if (!m_wakeUp.isOpen()) throwLastError("eventfd");
     if (isTerminal(STDOUT_FILENO)) m_relay.emplace();
-    const BlockedSignals blocked;
+    const SignalMask blocked(allSignals());
     m_watcher = std::thread([this] { watch(); });
     setMessageSink(this);
 }
@@ -34,9 +34,8 @@ Screen::~Screen() {
     std::fflush(stdout);
     setMessageSink(nullptr);
     const std::uint64_t wakes = 1;
-    static_cast<void>(!write(m_wakeUp, &wakes, sizeof wakes));
+    static_cast<void>(!write(m_wakeUp.get(), &wakes, sizeof wakes));
     m_watcher.join();
-    close(m_wakeUp);
     m_status.clear();
 }
 
@@ -68,7 +67,7 @@ void Screen::leave() {
 }
 
 void Screen::watch() {
-    std::array<pollfd, 2> watched{{{m_wakeUp, POLLIN, 0}, {m_relay ? m_relay->readable() : -1, POLLIN, 0}}};
+    std::array<pollfd, 2> watched{{{m_wakeUp.get(), POLLIN, 0}, {m_relay ? m_relay->readable() : -1, POLLIN, 0}}};
     while (watched[0].revents == 0) {
         poll(watched.data(), watched.size(), kWatchInterval);
         // An add-on that closes the standard output has nothing more to say.

@@ -43,7 +43,7 @@ private:
     std::mutex m_guard;
     DrawnStatus m_status;
     std::optional<StdoutRelay> m_relay;
-    int m_wakeUp;
+    Descriptor m_wakeUp;
     std::thread m_watcher;
 };
 

@@ -5,8 +5,7 @@
 #include <cerrno>
 #include <csignal>
 
-#include "system/files/Descriptor.h"
-#include "system/processes/IgnoredSignal.h"
+#include "system/Descriptor.h"
 #include "terminal/Terminal.h"
 
 namespace vexa::runner {
@@ -18,26 +17,17 @@ std::atomic<StopButton*> theButton{nullptr};
 static_assert(std::atomic<void*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
               "A signal handler must not wait");
 
-void handle(int signal, void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;  // an add-on's input and output go on
-    sigaction(signal, &action, nullptr);
-}
-
 }  // namespace
 
 StopButton::~StopButton() {
-    if (!m_isInstalled) return;
-    handle(SIGINT, SIG_DFL);
+    m_handler.reset();
     theButton = nullptr;
 }
 
 void StopButton::install() {
     if (isIgnored(SIGINT)) return;
-    m_isInstalled = true;
     theButton = this;
-    handle(SIGINT, &StopButton::onSignal);
+    m_handler.emplace(SIGINT, &StopButton::onSignal, SA_RESTART);  // input and output of the add-ons go on
 }
 
 void StopButton::arm(standin::Host& host) { m_host = &host; }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <optional>
 
+#include "system/processes/Signals.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -10,13 +12,11 @@ namespace vexa::runner {
 /// the second time it ends the program at once, and clears the status line.
 ///
 /// Threads: one is used at a time, from one thread, where nothing else is said.
-class StopButton {
+class StopButton : NonCopyable {
 public:
     /// SIGINT keeps its meaning until install().
     /// \param isStatusDrawn whether the status line is drawn, and so is to be cleared when the program ends.
     explicit StopButton(const std::atomic<bool>& isStatusDrawn) : m_isStatusDrawn(isStatusDrawn) {}
-    StopButton(const StopButton&) = delete;
-    StopButton& operator=(const StopButton&) = delete;
     /// Gives SIGINT its meaning back.
     ~StopButton();
 
@@ -39,7 +39,7 @@ private:
     const std::atomic<bool>& m_isStatusDrawn;
     std::atomic<standin::Host*> m_host{nullptr};  // null: not armed
     std::atomic<bool> m_isPressed{false};
-    bool m_isInstalled = false;
+    std::optional<SignalHandler> m_handler;
 };
 
 }  // namespace vexa::runner

@@ -16,12 +16,12 @@ constexpr std::size_t kUsualColumns = 80;
 
 std::optional<bool> theColour;
 
+}  // namespace
+
 std::string_view environment(const char* name) {
     const char* const value = std::getenv(name);
     return value == nullptr ? "" : value;
 }
-
-}  // namespace
 
 bool isTerminal(int descriptor) {
     const std::string_view kind = environment("TERM");

@@ -1,8 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 namespace vexa::runner {
+
+/// The value of the environment variable \p name; empty if it is not set.
+std::string_view environment(const char* name);
 
 /// Whether \p descriptor is a terminal that can redraw a line.
 bool isTerminal(int descriptor);

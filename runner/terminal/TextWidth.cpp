@@ -6,6 +6,7 @@
 
 #include <locale.h>
 
+#include "system/NonCopyable.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
@@ -15,13 +16,11 @@ constexpr std::string_view kEllipsis = "…";
 constexpr std::size_t kEllipsisWidth = 1;
 
 // Sets a UTF-8 locale for this thread only. Add-ons rely on the locale of the process.
-class Utf8Locale {
+class Utf8Locale : NonCopyable {
 public:
     Utf8Locale() : m_utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {
         if (m_utf8 != nullptr) m_before = uselocale(m_utf8);
     }
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
     ~Utf8Locale() {
         if (m_utf8 == nullptr) return;
         uselocale(m_before);
@@ -50,48 +49,50 @@ Character firstOf(std::string_view text) {
     return {bytes, printableLength(text) == bytes, static_cast<std::size_t>(width)};
 }
 
+// Calls \p visit with the bytes of each character, until it returns false.
+template <class Visit>
+void forEachCharacter(std::string_view text, const Visit& visit) {
+    const Utf8Locale utf8;
+    while (!text.empty()) {
+        const Character character = firstOf(text);
+        if (!visit(text.substr(0, character.bytes), character)) return;
+        text.remove_prefix(character.bytes);
+    }
+}
+
 bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80U; }
 
 }  // namespace
 
 std::size_t widthOf(std::string_view text) {
-    const Utf8Locale utf8;
     std::size_t width = 0;
-    while (!text.empty()) {
-        const Character character = firstOf(text);
+    forEachCharacter(text, [&](std::string_view, const Character& character) {
         width += character.width;
-        text.remove_prefix(character.bytes);
-    }
+        return true;
+    });
     return width;
 }
 
 std::string cutToWidth(std::string_view text, std::size_t columns) {
     if (widthOf(text) <= columns) return std::string(text);
     if (columns < kEllipsisWidth) return "";
-    const Utf8Locale utf8;
-    std::size_t kept = 0;
+    std::string kept;
     std::size_t width = 0;
-    while (kept < text.size()) {
-        const Character character = firstOf(text.substr(kept));
+    forEachCharacter(text, [&](std::string_view bytes, const Character& character) {
         width += character.width;
-        if (width + kEllipsisWidth > columns) break;
-        kept += character.bytes;
-    }
-    return std::string(text.substr(0, kept)).append(kEllipsis);
+        const bool fits = width + kEllipsisWidth <= columns;
+        if (fits) kept += bytes;
+        return fits;
+    });
+    return kept.append(kEllipsis);
 }
 
 std::string asOneLine(std::string_view text) {
-    const Utf8Locale utf8;
     std::string line;
-    while (!text.empty()) {
-        const Character character = firstOf(text);
-        if (character.isPrintable) {
-            line += text.substr(0, character.bytes);
-        } else {
-            line += isAscii(text.front()) ? ' ' : '?';
-        }
-        text.remove_prefix(character.bytes);
-    }
+    forEachCharacter(text, [&](std::string_view bytes, const Character& character) {
+        line += character.isPrintable ? bytes : isAscii(bytes.front()) ? " " : "?";
+        return true;
+    });
     return line;
 }
 

@@ -17,7 +17,6 @@
 #include "commands/check/trial/Trial.h"
 #include "formats/MacroFile.h"
 #include "session/ProjectSettings.h"
-#include "system/files/AtomicFile.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
 #include "system/files/WholeOutput.h"
@@ -191,7 +190,7 @@ private:
         std::string path = (std::filesystem::path(m_options.folder) / name).lexically_normal();
         try {
             m_files.write(path);
-            AtomicFile(path).replace(result.verdict.macro);
+            WholeOutput(path).replace(result.verdict.macro);
             return path;
         } catch (const OutputError& error) {
             tell(error.what());

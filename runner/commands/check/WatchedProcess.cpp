@@ -9,7 +9,6 @@
 #include <new>
 
 #include "session/watch/Death.h"
-#include "session/watch/LastWords.h"
 
 namespace vexa::runner {
 namespace {

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "system/files/Descriptor.h"
+#include "system/Descriptor.h"
 
 namespace vexa::runner {
 namespace {

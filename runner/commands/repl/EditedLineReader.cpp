@@ -13,7 +13,7 @@
 #include <system_error>
 
 #include "commands/repl/LineReader.h"
-#include "commands/repl/PlainLines.h"
+#include "system/processes/Signals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 
@@ -28,24 +28,15 @@ constexpr int kMostKept = 1000;
 std::vector<std::string> theWords;
 volatile std::sig_atomic_t isGivenUp = 0;
 
-struct Free {
-    void operator()(char* text) const { std::free(text); }
-};
-
-std::string variable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-// Empty when there is no place for it.
+// Empty if there is no place for it.
 std::string historyFile() {
-    const std::string home = variable("HOME");
-    const std::string state = variable("XDG_STATE_HOME");
+    const std::string_view home = environment("HOME");
+    const std::string_view state = environment("XDG_STATE_HOME");
     if (!state.empty()) return fs::path(state) / kProgramName / "history";
     return home.empty() ? "" : (fs::path(home) / ".local/state" / kProgramName / "history").string();
 }
 
-// The `state`th word that begins with `text`; null behind the last one.
+// The `state`th word that starts with `text`; null after the last one.
 char* nextWord(const char* text, int state) {
     static std::size_t next = 0;
     if (state == 0) next = 0;
@@ -56,7 +47,7 @@ char* nextWord(const char* text, int state) {
     return nullptr;
 }
 
-// Null has the library complete names of files.
+// Returns null to let the library complete names of files.
 char** complete(const char* text, int start, int) {
     if (start != 0) return nullptr;
     rl_attempted_completion_over = 1;
@@ -73,22 +64,6 @@ int giveUpLine() {
     return 0;
 }
 
-// Ctrl-C gives the line up, as long as this lives.
-class GivingUp {
-public:
-    GivingUp() {
-        struct sigaction action {};
-        action.sa_handler = [](int) { isGivenUp = 1; };
-        sigaction(SIGINT, &action, &m_before);
-    }
-    GivingUp(const GivingUp&) = delete;
-    GivingUp& operator=(const GivingUp&) = delete;
-    ~GivingUp() { sigaction(SIGINT, &m_before, nullptr); }
-
-private:
-    struct sigaction m_before {};
-};
-
 }  // namespace
 
 LineReader::LineReader(std::vector<std::string> words)
@@ -97,7 +72,7 @@ LineReader::LineReader(std::vector<std::string> words)
     theWords = std::move(words);
     rl_readline_name = kProgramName;
     rl_attempted_completion_function = complete;
-    rl_event_hook = giveUpLine;  // asked again and again: a signal may come just before the keyboard is waited for
+    rl_event_hook = giveUpLine;  // called repeatedly: a signal may come just before the library waits for the keyboard
     using_history();
     stifle_history(kMostKept);
     read_history(historyFile().c_str());
@@ -114,8 +89,8 @@ LineReader::~LineReader() {
 std::optional<std::string> LineReader::next() const {
     std::fflush(stdout);
     if (!m_isEditing) return plainLine();
-    const GivingUp givingUp;
-    const std::unique_ptr<char, Free> line(readline("> "));
+    const SignalHandler givesUp(SIGINT, [](int) { isGivenUp = 1; });
+    const std::unique_ptr<char, void (*)(void*)> line(readline("> "), std::free);
     if (!line) return std::nullopt;
     if (*line != '\0') add_history(line.get());
     return std::string(line.get());

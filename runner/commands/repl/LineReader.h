@@ -1,20 +1,21 @@
 #pragma once
 
+#include <iostream>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// Reads the lines that the user types. In a terminal the user can edit the line, bring back earlier lines, also of
-/// earlier sessions, and complete the first word and then names of files with the tabulator; Ctrl-C gives up the line.
-/// If the program was built without an editor, or the input is no terminal, lines are only read.
-class LineReader {
+/// earlier sessions, and complete the first word and then file names with the tab key. Ctrl-C discards the line.
+/// Without readline, or if the input is no terminal, lines are only read.
+class LineReader : NonCopyable {
 public:
     /// \param words the first words to complete
     explicit LineReader(std::vector<std::string> words);
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
     /// Saves the lines for the next session.
     ~LineReader();
 
@@ -22,6 +23,12 @@ public:
     std::optional<std::string> next() const;
 
 private:
+    static std::optional<std::string> plainLine() {
+        std::string line;
+        if (!std::getline(std::cin, line)) return std::nullopt;
+        return line;
+    }
+
     bool m_isEditing;
 };
 

@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "commands/repl/LineReader.h"
-#include "commands/repl/PlainLines.h"
 #include "terminal/Terminal.h"
 
 namespace vexa::runner {

@@ -15,12 +15,10 @@
 #include "formats/StyleFile.h"
 #include "options/CommonOptions.h"
 #include "options/Refusals.h"
-#include "session/FailureText.h"
 #include "session/RunOutputs.h"
 #include "session/Session.h"
 #include "session/SessionView.h"
 #include "session/watch/Death.h"
-#include "session/watch/UserWork.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
 #include "terminal/StopButton.h"
@@ -31,16 +29,16 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kReplFooter = R"(A line is a command as macro files have it: the add-on's id, and its command. The
-tabulator completes ids and names of files, the arrows bring lines of before
-back. Ctrl-C gives a line up, and stops a task; quit or Ctrl-D ends.
+constexpr const char* kReplFooter = R"(A line is a command as in a macro file: the add-on's id, and its command. The tab
+key completes ids and file names; the arrow keys show earlier lines. Ctrl-C
+discards a line, or stops a task. quit or Ctrl-D ends the program.
 
 Example:
   vexa-standin repl --addon ./libstats.so --record session.macro
   > STATS LOAD FILE = 'wake.txt'
 
 Exit status:
-  0  all went well, whatever became of the commands
+  0  all went well; commands may have failed
   2  wrong usage or input; a file could not be read or written
   5  an add-on ended its process: a crash, exit() or the like)";
 
@@ -160,7 +158,7 @@ public:
 
     ExitStatus_e execute() {
         if (m_options.inProcess || isTraced()) {
-            const UnblockedSignals unblocked(m_signals);
+            const SignalMask unblocked(m_signals.before());
             const auto box = std::make_unique<ProcessBox>();
             return Repl(m_options, *box, *this).execute();
         }
@@ -193,7 +191,7 @@ private:
 
     std::string ask(char kind, std::string_view text) override {
         if (kind != kLineNote) return m_outputs.ask(kind, text);
-        const UnblockedSignals unblocked(m_signals);
+        const SignalMask unblocked(m_signals.before());
         if (!m_reader) m_reader.emplace(linesOf(std::string(text)));
         const auto line = m_reader->next();
         return line ? kLineRead + *line : "";

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "session/WatchedRun.h"
-#include "session/watch/UserWork.h"
+#include "session/watch/Death.h"
 #include "system/files/LiveFile.h"
 #include "system/files/OutputTarget.h"
 #include "terminal/Console.h"
@@ -22,8 +22,8 @@ public:
     ExitStatus_e run(std::size_t jobs) {
         const AwaitedSignals signals;
         if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
-        ProcessSetting setting = settingOf(m_options);
-        setting.printed = Printed_e::Caught;
+        ProcessSetting setting;
+        setting.limitTime(m_options.contract.timeout);
         setting.jobs = jobs;
         const std::size_t ended = runInProcesses(signals, m_macroFiles.size(), setting, *this);
         const std::size_t left = m_macroFiles.size() - ended;

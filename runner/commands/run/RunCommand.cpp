@@ -20,29 +20,30 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kRunFooter = R"(Macro file: a command a line, the add-on's id first; blank lines and lines that
-begin with # are skipped:
+constexpr const char* kRunFooter = R"(A macro file has one command per line, which starts with the add-on's id. Blank
+lines and lines that start with # are skipped:
   # three zones
   STATS LOAD FILE = 'wake.txt'
   STATS MEAN ZONES = '1-3'
 
-Breaches of the host's contract are told as they come to light; 'vexa-standin
-explain RULE' explains them. With --strict they count, and the commands that the
-add-ons record, recorded to a file or not, are run again in a new session: each
-must be accepted, and record the same text.
+The program reports each broken rule of the host's contract when it finds it;
+'vexa-standin explain RULE' explains the rule. With --strict, broken rules change
+the exit status, and a new session runs the recorded commands again: the add-ons
+must accept each command and record the same text.
 
-Project file: vexa-standin.toml, here or in a folder above; options go before it:
+Project file: vexa-standin.toml, in the current folder or one above. Options on
+the command line override it:
   strict = true
   warnings-as-errors = true
   suppress = ["missing-errmsg"]
   timeout = 2.5
 
-Several macro files run each in a process of its own, --jobs of them at a time.
-What they print comes in the order of the files, and then a summary; the exit
-status is the highest of theirs. Ctrl-C stops all.
+Each of several macro files runs in a process of its own, --jobs at a time. Their
+outputs appear in the order of the files, followed by a summary. The exit status
+is the highest of theirs. Ctrl-C stops all.
 
-An output - is the standard output; what the add-ons print goes to the standard
-error output then.
+The output - is the standard output. What the add-ons print then goes to the
+standard error output.
 
 Examples:
   vexa-standin run sweep.macro --addon ./libstats.so --record recorded.macro

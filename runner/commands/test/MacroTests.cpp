@@ -14,11 +14,8 @@
 
 #include "commands/test/LineDifference.h"
 #include "commands/test/Transcript.h"
-#include "commands/test/TranscriptText.h"
 #include "formats/JunitText.h"
 #include "session/watch/Death.h"
-#include "session/watch/UserWork.h"
-#include "system/files/AtomicFile.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
 #include "system/files/WholeFile.h"
@@ -35,8 +32,7 @@ constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
 // A path is not a macro and not a folder of macros. The message is one line.
-class PathError : public std::runtime_error {
-public:
+struct PathError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
@@ -148,7 +144,7 @@ private:
             const TranscriptEnd_e end = writeTranscript(macro, m_options, m_style, *box, transcript);
             caught.reset();
             const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
-            conclude(macro, time.count(), [&] { return verdictOn(macro, end, transcript); });
+            conclude(macro, time.count(), verdictOn(macro, end, transcript));
         }
         return m_macros.size();
     }
@@ -164,24 +160,18 @@ private:
 
     void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
         const auto transcript = std::move(m_transcripts[index]);
-        conclude(m_macros[index], outcome.seconds,
-                 [&] { return verdictOn(m_macros[index], box, outcome, *transcript); });
+        conclude(m_macros[index], outcome.seconds, verdictOn(m_macros[index], box, outcome, *transcript));
     }
 
-    template <class Judge>
-    void conclude(const std::string& macro, double seconds, const Judge& judge) {
-        MacroVerdict verdict;
-        try {
-            verdict = judge();
-        } catch (const OutputError& error) {
-            verdict = {false, error.what(), ""};
-            m_isBroken = true;
-        }
+    void conclude(const std::string& macro, double seconds, const MacroVerdict& verdict) {
         m_passed += verdict.passed ? 1 : 0;
         const std::string reason = verdict.reason.empty() ? "" : ": " + verdict.reason;
         print((verdict.passed ? "passed " : "failed ") + printableLine(macro + reason) + '\n' + verdict.lines);
         std::fflush(stdout);
-        report(macro, verdict, seconds);
+        const fs::path path(macro);
+        m_report.push_back({path.parent_path().string(), path.stem().string(), seconds,
+                            verdict.passed ? JunitOutcome_e::Passed : JunitOutcome_e::Failure, "failed", verdict.reason,
+                            verdict.lines});
     }
 
     MacroVerdict verdictOn(const std::string& macro, const ProcessBox& box, const ProcessOutcome& outcome,
@@ -201,7 +191,11 @@ private:
 
     MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const TranscriptText& transcript) {
         switch (end) {
-            case TranscriptEnd_e::Whole: return compared(macro, transcript);
+            case TranscriptEnd_e::Whole: try { return compared(macro, transcript);
+                } catch (const OutputError& error) {
+                    m_isBroken = true;
+                    return {false, error.what(), ""};
+                }
             case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", transcript.explained()};
             case TranscriptEnd_e::CommandHung:
                 return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained()};
@@ -238,20 +232,13 @@ private:
         }
         if (expected == transcript) return {true, "", ""};
         if (m_options.accepts) {
-            AtomicFile(path).replace(transcript);
+            WholeOutput(path).replace(transcript);
             return {true, "accepted", ""};
         }
         std::string difference = lineDifference(expected.value_or(""), transcript);
         if (hasNewFinding(difference)) difference += told.explained();
         if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
         return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
-    }
-
-    void report(const std::string& macro, const MacroVerdict& verdict, double seconds) {
-        const fs::path path(macro);
-        m_report.push_back({path.parent_path().string(), path.stem().string(), seconds,
-                            verdict.passed ? JunitOutcome_e::Passed : JunitOutcome_e::Failure, "failed", verdict.reason,
-                            verdict.lines});
     }
 
     const MacroTestOptions& m_options;

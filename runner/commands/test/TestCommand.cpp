@@ -9,20 +9,20 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kTestFooter = R"(Beside each NAME.macro lies NAME.expected, which --accept writes:
+constexpr const char* kTestFooter = R"(NAME.expected beside each NAME.macro has what it should do; --accept writes it:
   > STATS MEAN ZONES = '1-3'        a command of the macro
     mean 5.9                        what was printed
-  ! dialog: no such zone            what the user was told, and what was broken
+  ! dialog: no such zone            a message, a dialog, or a broken rule
   + STATS MEAN ZONES = '1-3'        what was recorded
-All commands run, also after one that failed. They run in the current folder,
-each macro in a process of its own.
+All commands run, even after one has failed. Each macro runs in a process of its
+own, in the current folder.
 
 Example:
   vexa-standin test tests/macros --addon ./libstats.so
 
 Exit status:
-  0    all did what is expected of them, or --accept took what they did
-  1    one did not, or broke the contract with --strict
+  0    all macros did what is expected, or --accept wrote what they did
+  1    a macro did not, or with --strict an add-on broke the contract
   2    wrong usage or input; a file could not be read or written
   130  stopped by Ctrl-C)";
 

@@ -3,13 +3,12 @@
 #include <cstddef>
 #include <cstdio>
 #include <mutex>
-#include <sstream>
 #include <utility>
 
 #include "options/PrintedOutput.h"
-#include "session/FailureText.h"
 #include "session/FindingPrinter.h"
 #include "terminal/Console.h"
+#include "text/Lines.h"
 #include "text/Seconds.h"
 #include "text/SeverityName.h"
 
@@ -17,9 +16,8 @@ namespace vexa::runner {
 namespace {
 
 std::string marked(const std::string& mark, const std::string& text) {
-    std::istringstream in(text);
     std::string lines;
-    for (std::string line; std::getline(in, line);) lines += mark + line + '\n';
+    for (const std::string& line : linesOf(text)) lines += mark + line + '\n';
     return lines;
 }
 
@@ -36,9 +34,6 @@ public:
         m_host.setRecording(true);
         m_host.onDialog([this](const std::string& text) { keepDialog(text); });
     }
-    Transcript(const Transcript&) = delete;
-    Transcript& operator=(const Transcript&) = delete;
-    ~Transcript() = default;
 
     TranscriptEnd_e write(const std::vector<StyleSetting>& styles) {
         giveStyles(m_host, styles);

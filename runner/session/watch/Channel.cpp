@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -20,29 +19,17 @@ struct Head {
     bool isAsked = false;
 };
 
-constexpr std::size_t kMostAtOnce = std::size_t{1} << 20;
-
 constexpr char kAnswer = 'a';
 
-bool sendAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (count < 0 && errno != EINTR) return false;
-        if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
 bool sendMessage(int descriptor, char kind, bool isAsked, std::string_view text) {
-    std::array<char, sizeof(Head)> bytes{};
     const Head head{text.size(), kind, isAsked};
-    std::memcpy(bytes.data(), &head, sizeof head);
-    return sendAll(descriptor, {bytes.data(), bytes.size()}) && sendAll(descriptor, text);
+    const void* const bytes = &head;
+    return sendAll(descriptor, {static_cast<const char*>(bytes), sizeof head}) && sendAll(descriptor, text);
 }
 
-bool receiveAll(int descriptor, char* bytes, std::size_t size) {
+bool receiveAll(int descriptor, void* bytes, std::size_t size) {
     for (std::size_t at = 0; at != size;) {
-        const ssize_t count = ::recv(descriptor, bytes + at, size - at, 0);
+        const ssize_t count = ::recv(descriptor, static_cast<char*>(bytes) + at, size - at, 0);
         if (count == 0 || (count < 0 && errno != EINTR)) return false;
         if (count > 0) at += static_cast<std::size_t>(count);
     }
@@ -52,19 +39,12 @@ bool receiveAll(int descriptor, char* bytes, std::size_t size) {
 }  // namespace
 
 Connection::Connection() {
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_ends) != 0) throwLastError("no connection");
-    if (fcntl(m_ends[0], F_SETFL, O_NONBLOCK) != 0) throwLastError("no connection");
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) throwLastError("no connection");
+    parentEnd = Descriptor(ends[0]);
+    childEnd = Descriptor(ends[1]);
+    if (fcntl(parentEnd.get(), F_SETFL, O_NONBLOCK) != 0) throwLastError("no connection");
 }
-
-Connection::~Connection() {
-    for (const int end : m_ends) {
-        if (end >= 0) close(end);
-    }
-}
-
-void Connection::closeChildEnd() { close(std::exchange(m_ends[1], -1)); }
-
-void Connection::closeParentEnd() { close(std::exchange(m_ends[0], -1)); }
 
 void Channel::send(char kind, bool isAsked, std::string_view text) {
     ++m_sent;
@@ -80,24 +60,14 @@ std::string Channel::ask(char kind, std::string_view text) {
     const std::lock_guard<std::mutex> lock(m_guard);
     send(kind, true, text);
     Head head;
-    std::array<char, sizeof head> bytes{};
-    if (!receiveAll(m_descriptor, bytes.data(), bytes.size())) return "";
-    std::memcpy(&head, bytes.data(), sizeof head);
+    if (!receiveAll(m_descriptor, &head, sizeof head)) return "";
     std::string answer(head.size, '\0');
     return receiveAll(m_descriptor, answer.data(), answer.size()) ? answer : "";
 }
 
 bool Mailbox::fetch() {
     m_bytes.erase(0, std::exchange(m_at, 0));
-    std::array<char, 65536> chunk;
-    for (std::size_t fetched = 0; fetched < kMostAtOnce;) {
-        const ssize_t count = ::recv(m_descriptor, chunk.data(), chunk.size(), 0);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return count != 0 && errno == EAGAIN;
-        m_bytes.append(chunk.data(), static_cast<std::size_t>(count));
-        fetched += static_cast<std::size_t>(count);
-    }
-    return true;
+    return readAvailable(m_descriptor, m_bytes);
 }
 
 std::optional<Message> Mailbox::next() {
@@ -112,12 +82,6 @@ std::optional<Message> Mailbox::next() {
     return message;
 }
 
-// The child waits for it, so there is room.
-void Mailbox::answer(std::string_view text) const {
-    const int flags = fcntl(m_descriptor, F_GETFL);
-    fcntl(m_descriptor, F_SETFL, flags & ~O_NONBLOCK);
-    sendMessage(m_descriptor, kAnswer, false, text);
-    fcntl(m_descriptor, F_SETFL, flags);
-}
+void Mailbox::answer(std::string_view text) const { sendMessage(m_descriptor, kAnswer, false, text); }
 
 }  // namespace vexa::runner

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "session/watch/Notes.h"
+#include "system/Descriptor.h"
 
 namespace vexa::runner {
 
@@ -20,22 +21,12 @@ struct Message {
 };
 
 /// The two ends of a connection between this process and one that it forks off.
-class Connection {
-public:
+struct Connection {
     /// \throws std::system_error
     Connection();
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-    ~Connection();
 
-    int parentEnd() const { return m_ends[0]; }
-    int childEnd() const { return m_ends[1]; }
-    /// Call this in the parent after the fork, so that it sees when the child closes its end.
-    void closeChildEnd();
-    void closeParentEnd();
-
-private:
-    int m_ends[2] = {-1, -1};
+    Descriptor parentEnd;
+    Descriptor childEnd;  ///< The parent closes it after the fork, so that it sees when the child closes its own.
 };
 
 /// Sends messages from the child to the parent.

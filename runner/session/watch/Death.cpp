@@ -1,10 +1,12 @@
 #include "session/watch/Death.h"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
 
+#include "options/ExitStatus.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 #include "text/Seconds.h"
@@ -13,10 +15,29 @@
 namespace vexa::runner {
 namespace {
 
+constexpr unsigned kSecondsForLastWords = 5;
+
+volatile std::sig_atomic_t statusOfProgram = 0;  // a signal handler gets only the number of the signal
+
 std::string lastFunctionOf(const ProcessBox& box) {
     const std::size_t function = box.calls.lastFunction;
     const bool isThere = box.calls.calls != 0 && function < standin::hostFunctions().size();
     return isThere ? standin::hostFunctions()[function].name : "";
+}
+
+// What the add-ons of a process do, or did last: `STATS MEAN ZONES = '1-3'`, `loading of ./stats.so`. Empty before any
+// add-on was entered.
+std::string workOf(const ProcessBox& box) {
+    const std::string id = box.addOnId.text();
+    return id.empty() ? box.work.text() : id + ' ' + box.work.text();
+}
+
+// The start of a message about a process: `FILE:LINE: ID` for a command, and otherwise the name of the program.
+std::string placeOf(const ProcessBox& box) {
+    const std::string id = box.addOnId.text();
+    if (id.empty()) return kProgramName;
+    const std::string place = box.place.text();
+    return place.empty() ? id : place + ": " + id;
 }
 
 std::string whatItCalled(const ProcessBox& box) {
@@ -26,23 +47,18 @@ std::string whatItCalled(const ProcessBox& box) {
 
 }  // namespace
 
+LastWords::LastWords(int status) : m_handler(SIGALRM, [](int) { _exit(statusOfProgram); }) {
+    statusOfProgram = status;
+    alarm(kSecondsForLastWords);
+}
+
+LastWords::~LastWords() { alarm(0); }
+
 std::string howItEnded(int waitStatus) {
     if (WIFEXITED(waitStatus)) return "exit status " + std::to_string(WEXITSTATUS(waitStatus));
     const int number = WTERMSIG(waitStatus);
     const char* const name = sigabbrev_np(number);
     return "SIG" + (name == nullptr ? std::to_string(number) : std::string(name)) + " (" + strsignal(number) + ')';
-}
-
-std::string workOf(const ProcessBox& box) {
-    const std::string id = box.addOnId.text();
-    return id.empty() ? box.work.text() : id + ' ' + box.work.text();
-}
-
-std::string placeOf(const ProcessBox& box) {
-    const std::string id = box.addOnId.text();
-    if (id.empty()) return kProgramName;
-    const std::string place = box.place.text();
-    return place.empty() ? id : place + ": " + id;
 }
 
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
@@ -73,6 +89,23 @@ standin::Finding lateFinding(const ProcessBox& box) {
     standin::Finding finding = hangFinding(last, box.callsBefore, box.limit());
     if (!box.isInAddOn) finding.message = "the process for the add-ons did not end after \"" + workOf(box) + '"';
     return finding;
+}
+
+// A drawn status line itself shows that a task is stopping.
+void UserWork::stopAsked(std::size_t, const ProcessBox& box) {
+    m_isStopAsked = true;
+    if (!box.isStatusDrawn) tell(placeOf(box), "stop was asked for; a second Ctrl-C ends the program");
+}
+
+void UserWork::killed(std::size_t, const ProcessBox& box, int signal) {
+    const LastWords lastWords(kKilledBySignal + signal);
+    clearStatusOf(box);
+    const std::string work = box.isInAddOn ? workOf(box) : "";
+    tell(placeOf(box), (work.empty() ? "ended" : "ended \"" + work + '"') + " by SIG" + sigabbrev_np(signal));
+}
+
+bool UserWork::wasInterrupted(const ProcessOutcome& outcome) const {
+    return m_isStopAsked && WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGINT;
 }
 
 void clearStatusOf(const ProcessBox& box) {

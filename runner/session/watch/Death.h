@@ -6,6 +6,7 @@
 
 #include "session/watch/ProcessBox.h"
 #include "session/watch/Processes.h"
+#include "system/processes/Signals.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -28,11 +29,29 @@ standin::Finding lateFinding(const ProcessBox& box);
 /// Clears the status line if a process that has ended left it drawn.
 void clearStatusOf(const ProcessBox& box);
 
-/// What the add-ons of a process do, or did last: `STATS MEAN ZONES = '1-3'`, `loading of ./stats.so`. Empty before any
-/// add-on was entered.
-std::string workOf(const ProcessBox& box);
+/// Limits the time in which a program prints why it ends. If nobody reads and the pipe is full, the program ends with
+/// \p status after a few seconds.
+class LastWords : NonCopyable {
+public:
+    explicit LastWords(int status);
+    ~LastWords();
 
-/// What a message about a process starts with: `FILE:LINE: ID` for a command, and else the program's name.
-std::string placeOf(const ProcessBox& box);
+private:
+    SignalHandler m_handler;
+};
+
+/// Work in processes for which a user waits. It prints that Ctrl-C has arrived, and what a signal ended.
+class UserWork : public ProcessWorkInterface {
+public:
+    void stopAsked(std::size_t index, const ProcessBox& box) override;
+    void killed(std::size_t index, const ProcessBox& box, int signal) override;
+
+protected:
+    /// Whether Ctrl-C ended the process, before it could stop by itself.
+    bool wasInterrupted(const ProcessOutcome& outcome) const;
+
+private:
+    bool m_isStopAsked = false;
+};
 
 }  // namespace vexa::runner

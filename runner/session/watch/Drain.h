@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
+
+#include "system/Descriptor.h"
 
 namespace vexa::runner {
 
@@ -19,16 +20,13 @@ public:
     /// \param most     how many bytes are kept at least
     /// \param keepsEnd whether the last bytes are kept, instead of the first ones
     /// \throws std::system_error
-    Drain(std::size_t most, bool keepsEnd);
-    Drain(const Drain&) = delete;
-    Drain& operator=(const Drain&) = delete;
-    ~Drain();
+    Drain(std::size_t most, bool keepsEnd) : m_most(most), m_keepsEnd(keepsEnd) {}
 
     /// The end to wait for; negative once all is read.
-    int reader() const { return m_in; }
-    int writer() const { return m_out; }
+    int reader() const { return m_pipe.reader.get(); }
+    int writer() const { return m_pipe.writer.get(); }
     /// Call this once the process that writes has its own copy of writer().
-    void closeWriter();
+    void closeWriter() { m_pipe.writer.close(); }
 
     /// Reads what is in the pipe now, up to a limit, so that no writer holds up this process.
     void fetch();
@@ -36,12 +34,11 @@ public:
     KeptText take();
 
 private:
-    void keep(std::string_view bytes);
+    void trim();
 
     std::size_t m_most;
     bool m_keepsEnd;
-    int m_in = -1;
-    int m_out = -1;
+    Pipe m_pipe;
     KeptText m_kept;
 };
 

@@ -3,17 +3,16 @@
 #include <string>
 #include <string_view>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// Gets the notes of a process that runs add-ons: what is to be kept of its work. They go to the process that watches
 /// it, or stay in the process.
 ///
 /// Threads: safe from any.
-class NotesInterface {
+class NotesInterface : NonCopyable {
 public:
-    NotesInterface() = default;
-    NotesInterface(const NotesInterface&) = delete;
-    NotesInterface& operator=(const NotesInterface&) = delete;
     virtual ~NotesInterface() = default;
 
     /// Notes \p text. Sender and receiver agree on the meaning of \p kind.

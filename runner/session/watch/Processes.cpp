@@ -1,14 +1,20 @@
 #include "session/watch/Processes.h"
 
 #include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <iterator>
 #include <list>
 #include <map>
 #include <vector>
 
-#include "session/watch/Process.h"
+#include "session/watch/Channel.h"
+#include "session/watch/UncaughtErrors.h"
+#include "system/processes/ChildProcess.h"
 #include "system/processes/Strays.h"
 
 namespace vexa::runner {
@@ -17,6 +23,116 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kLookInterval = 20;  // milliseconds
+
+// ---- In the process
+
+[[noreturn]] void leave(ProcessBox& box, const ProcessSetting& setting, int status) {
+    box.report(status);
+    box.allow(setting.timeToLeave);
+    if (!setting.leavesAtOnce) std::exit(status);
+    std::fflush(nullptr);
+    box.markLeft();
+    _exit(status);
+}
+
+[[noreturn]] void workInProcess(std::size_t index, int descriptor, ProcessBox& box, const ProcessSetting& setting,
+                                ProcessWorkInterface& work) {
+    box.owner = getpid();
+    // Registered first, so it runs last.
+    on_exit([](int, void* itsBox) { static_cast<ProcessBox*>(itsBox)->markLeft(); }, &box);
+    Channel channel(descriptor, box.sent);
+    leave(box, setting, printUncaughtErrors([&] { return work.run(index, box, channel); }));
+}
+
+// ---- In the process that watches
+
+// One of the processes, as the watching process sees it.
+class Process {
+public:
+    Process(std::size_t index, const ProcessSetting& setting, ProcessWorkInterface& work, const AwaitedSignals& signals)
+        : m_index(index),
+          m_setting(setting),
+          m_out(setting.kept, setting.keepsEnd),
+          m_err(setting.kept, setting.keepsEnd),
+          m_notes(work.notesOf(index, [this] { return m_out.take(); })),
+          m_child(streams(), signals.before(),
+                  [&] { workInProcess(index, m_connection.childEnd.get(), *m_box, setting, work); }) {
+        m_connection.childEnd.close();
+        m_out.closeWriter();
+        m_err.closeWriter();
+    }
+
+    std::size_t index() const { return m_index; }
+    ProcessBox& box() const { return *m_box; }
+    const ChildProcess& child() const { return m_child; }
+
+    // Adds the descriptors to wait for.
+    void addTo(std::vector<pollfd>& polled) const {
+        for (const int descriptor : {m_isOpen ? m_connection.parentEnd.get() : -1, m_out.reader(), m_err.reader()}) {
+            if (descriptor >= 0) polled.push_back({descriptor, POLLIN, 0});
+        }
+    }
+
+    // Takes its notes and what it printed, and kills it if it is late.
+    void attend() {
+        m_out.fetch();
+        m_err.fetch();
+        if (m_isOpen) m_isOpen = m_mailbox.fetch();
+        while (const auto message = m_mailbox.next()) handOn(*message);
+        if (m_setting.isTimed && !m_isKilled && m_box->isLate(m_setting.grace)) {
+            m_isKilled = true;
+            m_child.kill();
+        }
+    }
+
+    bool hasEnded() const { return m_child.hasEnded(); }
+    // Call this once, when it has ended.
+    ProcessOutcome outcome() {
+        attend();
+        ProcessOutcome outcome;
+        const pid_t id = m_child.id();
+        outcome.waitStatus = m_child.reap();
+        outcome.status = m_box->status();
+        const bool hasLeft =
+            m_box->hasLeft(id) && WIFEXITED(outcome.waitStatus) && WEXITSTATUS(outcome.waitStatus) == outcome.status;
+        outcome.end = hasLeft ? End_e::Left : m_isKilled ? End_e::TimedOut : End_e::Died;
+        outcome.areNotesWhole = m_mailbox.received() == m_box->sent;
+        outcome.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - m_begin).count();
+        outcome.out = m_out.take();
+        outcome.err = m_err.take();
+        m_connection.parentEnd.close();
+        return outcome;
+    }
+
+private:
+    ChildProcess::Streams streams() const {
+        if (m_setting.printed == Printed_e::Inherited) return {-1, -1, m_setting.readsNothing};
+        const bool isOne = m_setting.printed == Printed_e::CaughtAsOne;
+        return {m_out.writer(), isOne ? m_out.writer() : m_err.writer(), true};
+    }
+
+    void handOn(const Message& message) {
+        if (m_notes == nullptr) return;
+        if (message.isAsked) {
+            m_mailbox.answer(m_notes->ask(message.kind, message.text));
+        } else {
+            m_notes->tell(message.kind, message.text);
+        }
+    }
+
+    std::size_t m_index;
+    const ProcessSetting& m_setting;
+    SharedMemory<ProcessBox> m_box;
+    Connection m_connection;
+    Mailbox m_mailbox{m_connection.parentEnd.get()};
+    bool m_isOpen = true;
+    Drain m_out;
+    Drain m_err;
+    NotesInterface* m_notes;
+    std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+    bool m_isKilled = false;
+    ChildProcess m_child;  // last: its process starts with all of the above
+};
 
 class Pool {
 public:

@@ -33,11 +33,8 @@ struct ProcessOutcome {
 };
 
 /// Work that is done in processes of its own.
-class ProcessWorkInterface {
+class ProcessWorkInterface : NonCopyable {
 public:
-    ProcessWorkInterface() = default;
-    ProcessWorkInterface(const ProcessWorkInterface&) = delete;
-    ProcessWorkInterface& operator=(const ProcessWorkInterface&) = delete;
     virtual ~ProcessWorkInterface() = default;
 
     /// Does the work number \p index. Called in the process for it.

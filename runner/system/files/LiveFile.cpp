@@ -1,27 +1,55 @@
 #include "system/files/LiveFile.h"
 
-#include <unistd.h>
+#include <fcntl.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
-#include <utility>
 
-#include "system/files/Descriptor.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/StandardStreams.h"
 
 namespace vexa::runner {
+namespace {
 
-LiveFile::LiveFile(const std::string& path)
-    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openOutput(path)) {}
+constexpr mode_t kNewFile = 0666;
 
-LiveFile::~LiveFile() {
-    if (m_descriptor >= 0) ::close(m_descriptor);
+// Redirects the output of the program and its add-ons to the standard error output. Returns the former standard output.
+Descriptor takeStandardOutput() {
+    std::fflush(stdout);
+    const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+    if (flags < 0) refuseOutput(kStandardOutputName);
+    // At its start the program opens a closed standard output for reading, so that no other file gets its number.
+    if ((flags & O_ACCMODE) == O_RDONLY) refuseOutput(kStandardOutputName, "it is closed");
+    Descriptor output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    if (!output.isOpen() || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput(kStandardOutputName);
+    return output;
 }
 
+// Without O_NONBLOCK, opening a pipe that nobody reads would wait forever.
+Descriptor openedStream(const std::string& path) {
+    Descriptor stream(open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!stream.isOpen() && errno == ENXIO) refuseOutput(path, "nobody reads it");
+    if (!stream.isOpen() || fcntl(stream.get(), F_SETFL, 0) != 0) refuseOutput(path);
+    return stream;
+}
+
+Descriptor openedOutput(const std::string& path) {
+    if (isStandardOutput(path)) return takeStandardOutput();
+    if (isStream(path)) return openedStream(path);
+    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kNewFile));
+    if (!file.isOpen()) refuseOutput(path);
+    return file;
+}
+
+}  // namespace
+
+LiveFile::LiveFile(const std::string& path)
+    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openedOutput(path)) {}
+
 void LiveFile::append(std::string_view text) {
-    if (m_descriptor < 0 || !m_problem.empty()) return;
-    if (!writeAll(m_descriptor, text)) giveUp(std::generic_category().message(errno));
+    if (!m_descriptor.isOpen() || !m_problem.empty()) return;
+    if (!writeAll(m_descriptor.get(), text)) giveUp(std::generic_category().message(errno));
 }
 
 void LiveFile::giveUp(const std::string& why) {
@@ -29,9 +57,9 @@ void LiveFile::giveUp(const std::string& why) {
 }
 
 void LiveFile::close() {
-    const int closed = ::close(std::exchange(m_descriptor, -1));
+    const bool isClosed = m_descriptor.close();
     if (!m_problem.empty()) refuseOutput(m_path, m_problem);
-    if (closed != 0) refuseOutput(m_path);
+    if (!isClosed) refuseOutput(m_path);
 }
 
 }  // namespace vexa::runner

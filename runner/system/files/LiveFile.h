@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "system/Descriptor.h"
+
 namespace vexa::runner {
 
 /// A file that is written at once: appended text is in the file even if the process dies after that.
@@ -16,13 +18,10 @@ namespace vexa::runner {
 /// Threads: one at a time.
 class LiveFile {
 public:
-    /// Opens \p path as openOutput() does.
+    /// Opens \p path for writing. A regular file is created or emptied; a stream is opened as it is. `-` is the
+    /// standard output. It then belongs to this object alone: the output of the program and of its add-ons goes to the
+    /// standard error output. A pipe that nobody reads and a closed standard output are refused.
     explicit LiveFile(const std::string& path);
-    /// Takes ownership of \p descriptor. Messages call it \p name.
-    LiveFile(const std::string& name, int descriptor) : m_path(name), m_descriptor(descriptor) {}
-    LiveFile(const LiveFile&) = delete;
-    LiveFile& operator=(const LiveFile&) = delete;
-    ~LiveFile();
 
     void append(std::string_view text);
     /// Writes nothing more; close() throws \p why.
@@ -33,7 +32,7 @@ public:
 private:
     std::string m_path;
     std::string m_problem;  // empty if there is none
-    int m_descriptor;
+    Descriptor m_descriptor;
 };
 
 }  // namespace vexa::runner

@@ -1,34 +1,37 @@
 #pragma once
 
+#include <fcntl.h>
+#include <sys/mman.h>
+
 #include <string>
 #include <string_view>
+
+#include "system/Descriptor.h"
+#include "system/LastError.h"
+#include "system/files/WholeFile.h"
 
 namespace vexa::runner {
 
 /// A file without a name, in memory, so that no folder for temporary files is needed. Child processes share it.
+/// Errors: std::system_error, from each function.
 class MemoryFile {
 public:
-    /// \throws std::system_error
-    MemoryFile();
-    /// Makes a file that contains \p text.
-    /// \throws std::system_error
-    explicit MemoryFile(std::string_view text);
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    ~MemoryFile();
+    /// Makes a file that contains \p text. After clear(), writers continue at its new end.
+    explicit MemoryFile(std::string_view text = "") : m_descriptor(memfd_create("vexa", MFD_CLOEXEC)) {
+        const bool isReady = m_descriptor.isOpen() && fcntl(descriptor(), F_SETFL, O_APPEND) == 0;
+        if (!isReady || !writeAll(descriptor(), text)) throwLastError();
+    }
 
-    int descriptor() const { return m_descriptor; }
+    int descriptor() const { return m_descriptor.get(); }
     /// A path by which this process can open it, as long as this object lives.
-    std::string path() const;
-    /// The content of the file.
-    /// \throws std::system_error
-    std::string text() const;
-    /// Empties the file. The next write is at its start.
-    /// \throws std::system_error
-    void clear() const;
+    std::string path() const { return "/dev/fd/" + std::to_string(descriptor()); }
+    std::string text() const { return readWholeFile(path()); }
+    void clear() const {
+        if (ftruncate(descriptor(), 0) != 0) throwLastError();
+    }
 
 private:
-    int m_descriptor;
+    Descriptor m_descriptor;
 };
 
 }  // namespace vexa::runner

@@ -24,11 +24,4 @@ std::string outputTarget(const std::string& path);
 /// Whether \p path is the standard output, a pipe or a character device. Those are written to directly.
 bool isStream(const std::string& path);
 
-/// Opens \p path for writing. A regular file is created or emptied; a stream is opened as it is. `-` is the standard
-/// output. It then belongs to the caller alone: the output of the program and of its add-ons goes to the standard error
-/// output.
-/// \return a descriptor, which the caller closes.
-/// \throws OutputError also for a pipe that nobody reads, and for a closed standard output.
-int openOutput(const std::string& path);
-
 }  // namespace vexa::runner

@@ -1,22 +1,35 @@
 #pragma once
 
-#include <string>
+#include <fcntl.h>
+
+#include <cstdio>
+
+#include "system/Descriptor.h"
+#include "system/NonCopyable.h"
 
 namespace vexa::runner {
 
-/// Sends what this process prints on an output to a file, as long as it lives.
-class RedirectedOutput {
+/// Sends what this process prints on an output to another file, as long as it lives.
+class RedirectedOutput : NonCopyable {
 public:
     /// \param output STDOUT_FILENO or STDERR_FILENO
-    /// \param file   exists; what is printed is appended to it.
-    RedirectedOutput(int output, const std::string& file);
-    RedirectedOutput(const RedirectedOutput&) = delete;
-    RedirectedOutput& operator=(const RedirectedOutput&) = delete;
-    ~RedirectedOutput();
+    /// \param target a descriptor; is copied
+    RedirectedOutput(int output, int target)
+        : m_output(output), m_real(fcntl(output, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)) {
+        std::fflush(stdout);
+        dup2(target, m_output);
+    }
+    ~RedirectedOutput() {
+        std::fflush(stdout);
+        if (m_real.isOpen()) dup2(real(), m_output);
+    }
+
+    /// Where the output went before; negative if an add-on has closed it.
+    int real() const { return m_real.get(); }
 
 private:
     int m_output;
-    int m_real;  // negative if an add-on has closed it
+    Descriptor m_real;
 };
 
 }  // namespace vexa::runner

@@ -22,25 +22,19 @@ fs::path newFolder() {
     return name;
 }
 
-void removeAll(const fs::path& path) noexcept {
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
-}
-
 }  // namespace
 
-ScratchFolder::ScratchFolder() : m_path(newFolder()) {
-    try {
-        fs::create_directory(temporary());
-        fs::create_directory(copy());
-        fill(fs::current_path(), copy());
-    } catch (...) {
-        removeAll(m_path);
-        throw;
-    }
+// From here on the destructor removes the folder, also if this constructor throws.
+ScratchFolder::ScratchFolder() : ScratchFolder(newFolder()) {
+    fs::create_directory(temporary());
+    fs::create_directory(copy());
+    fill(fs::current_path(), copy());
 }
 
-ScratchFolder::~ScratchFolder() { removeAll(m_path); }
+ScratchFolder::~ScratchFolder() {
+    std::error_code ignored;
+    fs::remove_all(m_path, ignored);
+}
 
 void ScratchFolder::fill(const fs::path& from, const fs::path& to) {
     for (const fs::directory_entry& entry : fs::directory_iterator(from)) {

@@ -2,19 +2,20 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <utility>
+
+#include "system/NonCopyable.h"
 
 namespace vexa::runner {
 
 /// A copy of the current folder, for commands that may write files anywhere in it. The destructor removes it.
 ///
 /// Only files, folders and links are copied, without hidden ones.
-class ScratchFolder {
+class ScratchFolder : NonCopyable {
 public:
     /// \throws std::filesystem::filesystem_error if the folder cannot be copied.
     /// \throws std::length_error if it is too large.
     ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
 
     /// The folder that has the copy and the folder for temporary files.
@@ -25,6 +26,7 @@ public:
     std::filesystem::path temporary() const { return m_path / "tmp"; }
 
 private:
+    explicit ScratchFolder(std::filesystem::path path) : m_path(std::move(path)) {}
     void fill(const std::filesystem::path& from, const std::filesystem::path& to);
 
     std::filesystem::path m_path;
@@ -32,12 +34,10 @@ private:
 };
 
 /// Changes the current folder as long as this object lives.
-class CurrentFolder {
+class CurrentFolder : NonCopyable {
 public:
     /// \throws std::filesystem::filesystem_error
     explicit CurrentFolder(const std::filesystem::path& path);
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
     ~CurrentFolder();
 
 private:

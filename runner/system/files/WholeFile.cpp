@@ -6,20 +6,14 @@
 #include <sys/vfs.h>
 
 #include <array>
-#include <cstdio>
-#include <memory>
+#include <cerrno>
 
+#include "system/Descriptor.h"
 #include "system/LastError.h"
 #include "system/files/StandardStreams.h"
 
 namespace vexa::runner {
 namespace {
-
-struct FileCloser {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<FILE, FileCloser>;
 
 // An error code for named pipes, so that callers show its message as they show errno.
 class NamedPipeCategory : public std::error_category {
@@ -36,34 +30,35 @@ bool isNamedPipe(int descriptor) {
            system.f_type != PIPEFS_MAGIC;
 }
 
-std::string readToEnd(FILE* file) {
+std::string readToEnd(int descriptor) {
     std::string text;
-    std::array<char, 65536> chunk{};
-    std::size_t count = 0;
-    while ((count = std::fread(chunk.data(), 1, chunk.size(), file)) > 0) text.append(chunk.data(), count);
-    if (std::ferror(file)) throwLastError();
-    return text;
+    std::array<char, 65536> chunk;
+    for (;;) {
+        const ssize_t count = read(descriptor, chunk.data(), chunk.size());
+        if (count == 0) return text;
+        if (count < 0 && errno != EINTR) throwLastError();
+        if (count > 0) text.append(chunk.data(), static_cast<std::size_t>(count));
+    }
 }
 
 }  // namespace
 
 std::string readWholeFile(const std::string& path) {
-    const File file(std::fopen(path.c_str(), "rbe"));
-    if (!file) throwLastError();
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) throwLastError();
     return readToEnd(file.get());
 }
 
 std::string readInput(const std::string& path) {
     static const NamedPipeCategory kNamedPipe;
     if (isStandardInput(path)) return readStandardInput();
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) throwLastError();
-    const File file(fdopen(descriptor, "rb"));
-    if (isNamedPipe(descriptor)) throw std::system_error(1, kNamedPipe);
-    if (!file || fcntl(descriptor, F_SETFL, 0) != 0) throwLastError();
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen()) throwLastError();
+    if (isNamedPipe(file.get())) throw std::system_error(1, kNamedPipe);
+    if (fcntl(file.get(), F_SETFL, 0) != 0) throwLastError();
     return readToEnd(file.get());
 }
 
-std::string readStandardInput() { return readToEnd(stdin); }
+std::string readStandardInput() { return readToEnd(STDIN_FILENO); }
 
 }  // namespace vexa::runner

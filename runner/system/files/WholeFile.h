@@ -13,7 +13,7 @@ std::string readWholeFile(const std::string& path);
 /// \throws std::system_error if it cannot be read.
 std::string readInput(const std::string& path);
 
-/// The same for the standard input, from its current position.
+/// The same for the standard input.
 std::string readStandardInput();
 
 }  // namespace vexa::runner

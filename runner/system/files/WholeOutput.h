@@ -4,14 +4,22 @@
 #include <string>
 #include <string_view>
 
-#include "system/files/AtomicFile.h"
 #include "system/files/LiveFile.h"
+#include "system/files/OutputTarget.h"
 
 namespace vexa::runner {
 
-/// An output that is written in one piece: a file is replaced, and a stream gets all of the text at once. `-` is the
-/// standard output, which then belongs to this object alone; see openOutput().
-/// Errors: OutputError, from construction and replace().
+/// An output that is written in one piece: a file is replaced as a whole, or not at all; a stream gets all of the text
+/// at once. `-` is the standard output, which then belongs to this object alone; see LiveFile.
+///
+///     WholeOutput file("recorded.macro");   // fails now if the place cannot be written
+///     ...                                   // the old file is still there
+///     file.replace(text);                   // now the new one is
+///
+/// replace() writes the text to a file without a name in the same folder, and names the file when it is complete. So a
+/// program that is killed leaves nothing behind. On a file system without such files, replace() uses a temporary name.
+/// The file keeps its permissions. Of a symbolic link, the file that it points to is replaced.
+/// Errors: OutputError, from construction and replace(); the old file, if any, is unchanged.
 class WholeOutput {
 public:
     /// Opens a stream, or checks that a file can be written.
@@ -19,12 +27,12 @@ public:
 
     /// The path as given.
     const std::string& path() const { return m_path; }
-    /// Writes \p text. Call it once.
+    /// Writes \p text. Call it once. While it replaces a file, signals wait.
     void replace(std::string_view text);
 
 private:
     std::string m_path;
-    std::optional<AtomicFile> m_file;
+    std::string m_target;              // the file to replace
     std::optional<LiveFile> m_stream;  // instead of the file
 };
 

@@ -1,10 +1,9 @@
 #include "system/processes/AwaitedSignals.h"
 
 #include <sys/signalfd.h>
-#include <unistd.h>
 
 #include "system/LastError.h"
-#include "system/processes/IgnoredSignal.h"
+#include "system/processes/Signals.h"
 
 namespace vexa::runner {
 
@@ -15,26 +14,17 @@ AwaitedSignals::AwaitedSignals() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
         if (!isIgnored(signal)) sigaddset(&awaited, signal);
     }
-    m_descriptor = signalfd(-1, &awaited, SFD_NONBLOCK | SFD_CLOEXEC);
-    if (m_descriptor < 0) throwLastError("signalfd");
+    m_descriptor = Descriptor(signalfd(-1, &awaited, SFD_NONBLOCK | SFD_CLOEXEC));
+    if (!m_descriptor.isOpen()) throwLastError("signalfd");
     sigprocmask(SIG_BLOCK, &awaited, &m_before);
 }
 
-AwaitedSignals::~AwaitedSignals() {
-    sigprocmask(SIG_SETMASK, &m_before, nullptr);
-    close(m_descriptor);
-}
+AwaitedSignals::~AwaitedSignals() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
 
 std::optional<int> AwaitedSignals::next() const {
     signalfd_siginfo info{};
-    if (read(m_descriptor, &info, sizeof info) != static_cast<ssize_t>(sizeof info)) return std::nullopt;
+    if (read(descriptor(), &info, sizeof info) != static_cast<ssize_t>(sizeof info)) return std::nullopt;
     return static_cast<int>(info.ssi_signo);
-}
-
-void AwaitedSignals::throwIfEnded() const {
-    while (const auto signal = next()) {
-        if (*signal == SIGINT || endsProgram(*signal)) throw EndedBySignal{*signal};
-    }
 }
 
 bool endsProgram(int signal) { return signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT; }

@@ -3,6 +3,9 @@
 #include <csignal>
 #include <optional>
 
+#include "system/Descriptor.h"
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// A signal stops the command. The exception lets destructors clean up; then the program ends by that signal.
@@ -14,42 +17,22 @@ struct EndedBySignal {
 /// suspends it, and the end of a child. They are blocked as long as this object lives. Ignored signals stay ignored.
 ///
 /// Create it before there is anything to clean up, while the process has one thread.
-class AwaitedSignals {
+class AwaitedSignals : NonCopyable {
 public:
     /// \throws std::system_error
     AwaitedSignals();
-    AwaitedSignals(const AwaitedSignals&) = delete;
-    AwaitedSignals& operator=(const AwaitedSignals&) = delete;
     ~AwaitedSignals();
 
     /// A descriptor that becomes readable when a signal arrives.
-    int descriptor() const { return m_descriptor; }
+    int descriptor() const { return m_descriptor.get(); }
     /// The next signal that has arrived, if any.
     std::optional<int> next() const;
-    /// The signals that were blocked before this object.
+    /// The signals that were blocked before this object, for code that handles the awaited ones.
     const sigset_t& before() const { return m_before; }
-
-    /// Call it between two processes.
-    /// \throws EndedBySignal if a signal that ends the program has arrived.
-    void throwIfEnded() const;
 
 private:
     sigset_t m_before{};
-    int m_descriptor;
-};
-
-/// Unblocks the signals as long as this object lives, for code that handles them.
-class UnblockedSignals {
-public:
-    explicit UnblockedSignals(const AwaitedSignals& signals) {
-        sigprocmask(SIG_SETMASK, &signals.before(), &m_blocked);
-    }
-    UnblockedSignals(const UnblockedSignals&) = delete;
-    UnblockedSignals& operator=(const UnblockedSignals&) = delete;
-    ~UnblockedSignals() { sigprocmask(SIG_SETMASK, &m_blocked, nullptr); }
-
-private:
-    sigset_t m_blocked{};
+    Descriptor m_descriptor;
 };
 
 /// Whether \p signal ends the program at once. SIGINT does so only the second time.

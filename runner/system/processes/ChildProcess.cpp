@@ -10,7 +10,7 @@
 #include <cstdlib>
 
 #include "system/LastError.h"
-#include "system/processes/IgnoredSignal.h"
+#include "system/processes/Signals.h"
 
 namespace vexa::runner {
 namespace {

@@ -5,13 +5,15 @@
 #include <csignal>
 #include <functional>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// A child process in a process group of its own. The destructor kills it and its group, and it dies with its parent.
 /// It cannot read from the terminal, which belongs to the parent.
 ///
 /// Create it while the process has one thread.
-class ChildProcess {
+class ChildProcess : NonCopyable {
 public:
     /// Its standard streams.
     struct Streams {
@@ -24,8 +26,6 @@ public:
     /// \param work runs in the child, and must not return.
     /// \throws std::system_error if no process can be created.
     ChildProcess(const Streams& streams, const sigset_t& mask, const std::function<void()>& work);
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
 
     pid_t id() const { return m_id; }

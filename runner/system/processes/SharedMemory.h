@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "system/NonCopyable.h"
+
 namespace vexa::runner {
 
 /// A text of limited length in shared memory. A longer text is cut.
@@ -30,7 +32,7 @@ private:
 
 /// A \p Value that this process shares with its child processes. It must outlive them.
 template <class Value>
-class SharedMemory {
+class SharedMemory : NonCopyable {
 public:
     /// \throws std::bad_alloc
     SharedMemory() {
@@ -38,8 +40,6 @@ public:
         if (memory == MAP_FAILED) throw std::bad_alloc();
         m_value = new (memory) Value;
     }
-    SharedMemory(const SharedMemory&) = delete;
-    SharedMemory& operator=(const SharedMemory&) = delete;
     ~SharedMemory() { munmap(m_value, sizeof(Value)); }
 
     Value& operator*() const { return *m_value; }

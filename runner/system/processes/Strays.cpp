@@ -1,6 +1,5 @@
 #include "system/processes/Strays.h"
 
-#include <dirent.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,9 +8,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string>
+#include <system_error>
 
 namespace vexa::runner {
 namespace {
@@ -28,14 +28,11 @@ pid_t parentOf(const std::string& process) {
 
 std::set<pid_t> childrenOfThisProcess() {
     std::set<pid_t> children;
-    const auto close = [](DIR* folder) { closedir(folder); };
-    const std::unique_ptr<DIR, decltype(close)> folder(opendir("/proc"), close);
-    if (!folder) return children;
-    while (const dirent* const entry = readdir(folder.get())) {
-        const std::string name = entry->d_name;
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc", ignored)) {
+        const std::string name = entry.path().filename();
         const bool isProcess = std::isdigit(static_cast<unsigned char>(name.front())) != 0;
-        if (isProcess && parentOf(name) == getpid())
-            children.insert(static_cast<pid_t>(std::strtol(name.c_str(), nullptr, 10)));
+        if (isProcess && parentOf(name) == getpid()) children.insert(std::stoi(name));
     }
     return children;
 }

@@ -9,11 +9,11 @@ namespace vexa::runner {
 namespace {
 
 bool hasTracer() {
-    constexpr std::string_view kField = "TracerPid:";
     std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, kField.size(), kField) == 0)
-            return std::strtol(line.c_str() + kField.size(), nullptr, 10) != 0;
+    for (std::string word; status >> word;) {
+        if (word != "TracerPid:") continue;
+        long tracer = 0;
+        return status >> tracer && tracer != 0;
     }
     return false;
 }

@@ -15,6 +15,7 @@
 #include <system_error>
 #include <utility>
 
+#include "system/Descriptor.h"
 #include "system/LastError.h"
 
 namespace vexa::runner {
@@ -34,24 +35,10 @@ constexpr std::uint64_t kWriting =
 constexpr const char* kHarmlessDevices[] = {"/dev/null",   "/dev/zero",    "/dev/full",
                                             "/dev/random", "/dev/urandom", "/dev/tty"};
 
-class Descriptor {
-public:
-    explicit Descriptor(long descriptor) : m_descriptor(static_cast<int>(descriptor)) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (m_descriptor >= 0) close(m_descriptor);
-    }
-    int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
-
 // A path that is not there needs no permission.
 void allow(const Descriptor& rules, const char* path, std::uint64_t access) {
     const Descriptor place(open(path, O_PATH | O_CLOEXEC));
-    if (place.get() < 0) return;
+    if (!place.isOpen()) return;
     landlock_path_beneath_attr rule{};
     rule.allowed_access = access;
     rule.parent_fd = place.get();
@@ -92,7 +79,7 @@ void confineByLandlock(const fs::path& folder) {
     landlock_ruleset_attr handled{};
     handled.handled_access_fs = kWriting;
     const Descriptor rules(syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0));
-    if (rules.get() < 0) throwLastError("Landlock");
+    if (!rules.isOpen()) throwLastError("Landlock");
     allow(rules, folder.c_str(), kWriting);
     for (const char* device : kHarmlessDevices) allow(rules, device, LANDLOCK_ACCESS_FS_WRITE_FILE | kCut);
     const bool isConfined =

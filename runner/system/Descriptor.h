@@ -1,0 +1,52 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace vexa::runner {
+
+/// A file descriptor, which this object closes.
+class Descriptor {
+public:
+    /// \param descriptor may be negative, for none
+    explicit Descriptor(long descriptor = -1) : m_descriptor(static_cast<int>(descriptor)) {}
+    Descriptor(Descriptor&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+    Descriptor& operator=(Descriptor other) noexcept {
+        std::swap(m_descriptor, other.m_descriptor);
+        return *this;
+    }
+    ~Descriptor() { close(); }
+
+    int get() const { return m_descriptor; }
+    bool isOpen() const { return m_descriptor >= 0; }
+    /// \return false, with errno set, if a write to it has failed.
+    bool close() { return !isOpen() || ::close(std::exchange(m_descriptor, -1)) == 0; }
+
+private:
+    int m_descriptor;
+};
+
+/// A pipe. Reading from it does not wait; writing does.
+struct Pipe {
+    /// \throws std::system_error
+    Pipe();
+
+    Descriptor reader;
+    Descriptor writer;
+};
+
+/// Writes all of \p text to \p descriptor.
+/// \return false, with errno set, if that fails.
+bool writeAll(int descriptor, std::string_view text);
+
+/// The same for a socket. Fails if \p socket is none any more, or if the other end is closed.
+bool sendAll(int socket, std::string_view text);
+
+/// Appends to \p text what \p descriptor has now, up to a limit, so that no writer holds up this process.
+/// \return whether more may come: false at the end of the file, and after an error.
+bool readAvailable(int descriptor, std::string& text);
+
+}  // namespace vexa::runner
