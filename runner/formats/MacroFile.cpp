@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -45,8 +47,13 @@ public:
             problem = m_text.find('\r', lineStart) < nul ? kHoldsReturn : "the line holds a NUL byte";
             m_text.resize(lineStart);
         }
-        const MemoryFile copy(m_text);
-        if (!m_file.open(copy.path())) {
+        // AsciiFile needs a file whose size is known: a pipe has none, and some devices report 0.
+        std::error_code error;
+        const bool isPlain =
+            problem == nullptr && path != kStandardInput && std::filesystem::file_size(path, error) == m_text.size();
+        std::optional<MemoryFile> copy;
+        if (!isPlain || m_text.empty()) copy.emplace(m_text);
+        if (!m_file.open(copy ? copy->path() : path)) {
             if (errno == ENOMEM) throw std::bad_alloc();
             throwLastError();
         }
