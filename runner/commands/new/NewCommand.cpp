@@ -33,16 +33,10 @@ struct NewOptions {
 };
 
 ExitStatus_e writeNewProject(const NewOptions& options) {
-    ProjectNames names;
-    try {
-        names = namesFor(options.folder);
-        if (options.id) names.id = *options.id;
-        if (options.title) names.title = *options.title;
-        writeProject(options.folder, names);
-    } catch (const NewProjectError& error) {
-        tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
-    }
+    ProjectNames names = namesFor(options.folder);
+    if (options.id) names.id = *options.id;
+    if (options.title) names.title = *options.title;
+    writeProject(options.folder, names);
     print(printableLine(options.folder + ": the project of the add-on " + names.id) +
           ". Build it, and run its tests:\n" + "  cd " + shellWord(options.folder) + "\n" +
           "  cmake --preset release && cmake --build --preset release && ctest --preset release\n");

@@ -2,10 +2,8 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "system/Descriptor.h"
+#include "system/files/OutputTarget.h"
 
 namespace vexa::runner {
 namespace {
@@ -46,11 +45,7 @@ bool isTargetCharacter(char c) { return isNameCharacter(c) || c == '.' || c == '
 char upper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 
 [[noreturn]] void refuse(const fs::path& path, const std::string& why) {
-    throw NewProjectError(path.string() + ": " + why);
-}
-
-[[noreturn]] void refuseForError(const fs::path& path, std::error_code error) {
-    refuse(path, "cannot be written: " + error.message());
+    throw OutputError(path.string() + ": " + why);
 }
 
 void refuseAsTarget(const fs::path& folder, const std::string& name) {
@@ -66,8 +61,7 @@ void refuseAsTarget(const fs::path& folder, const std::string& name) {
 }
 
 std::string nameFor(const fs::path& folder) {
-    std::string name = fs::absolute(folder).lexically_normal().filename().string();
-    if (name.empty()) name = fs::absolute(folder).lexically_normal().parent_path().filename().string();  // "folder/"
+    std::string name = fs::absolute(folder / "").lexically_normal().parent_path().filename().string();
     refuseAsTarget(folder, name);
     return name.empty() || !isLetter(name.front()) ? "addon-" + name : name;
 }
@@ -130,26 +124,16 @@ public:
         std::error_code error;
         if (fs::is_directory(folder, error)) return;
         if (folder.has_relative_path() && folder.has_parent_path()) makeFolder(folder.parent_path());
-        m_paths.push_back(folder);
         const bool isMade = fs::create_directory(folder, error);
-        if (isMade) return;
-        m_paths.pop_back();
-        refuseForError(folder, error ? error : std::make_error_code(std::errc::file_exists));
+        if (!isMade) refuseOutput(folder, (error ? error : std::make_error_code(std::errc::file_exists)).message());
+        m_paths.push_back(folder);
     }
-    void makeFile(const fs::path& path, const std::string& text) {
+    void makeFile(const std::string& path, const std::string& text) {
         const bool isProgram = text.substr(0, kScript.size()) == kScript;
+        Descriptor file(open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, isProgram ? kProgram : kFile));
+        if (!file.isOpen()) refuseOutput(path);
         m_paths.push_back(path);
-        const int descriptor =
-            open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, isProgram ? kProgram : kFile);
-        if (descriptor < 0) {
-            m_paths.pop_back();
-            refuseForError(path, {errno, std::generic_category()});
-        }
-        const bool isWritten = writeAll(descriptor, text);
-        const int reason = errno;
-        if (close(descriptor) != 0 || !isWritten) {
-            refuseForError(path, {isWritten ? errno : reason, std::generic_category()});
-        }
+        if (!writeAll(file.get(), text) || !file.close()) refuseOutput(path);
     }
     void keep() { m_paths.clear(); }
 

@@ -1,15 +1,8 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 
 namespace vexa::runner {
-
-/// A project that cannot be written. The message is one line: the folder or file, and why.
-class NewProjectError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// The names in the project of a new add-on.
 struct ProjectNames {
@@ -23,7 +16,7 @@ struct ProjectNames {
 ///     work/wake-probe    name wake-probe, id WAKEPROBE, title "Wake probe"
 ///     42                 name addon-42, id ADDON42, title "Addon 42"
 ///
-/// \throws NewProjectError if the folder's name cannot be a CMake target: it has other characters, or CMake reserves
+/// \throws OutputError if the folder's name cannot be a CMake target: it has other characters, or CMake reserves
 /// it, such as `test`.
 ProjectNames namesFor(const std::string& folder);
 
@@ -34,7 +27,7 @@ std::string whyNoId(const std::string& id);
 std::string whyNoTitle(const std::string& title);
 
 /// Writes the project of a new add-on to \p folder. The folder must be missing or empty.
-/// \throws NewProjectError if the folder is not empty, or if a file cannot be written. All files and folders that were
+/// \throws OutputError if the folder is not empty, or if a file cannot be written. All files and folders that were
 /// written are removed then.
 void writeProject(const std::string& folder, const ProjectNames& names);
 
