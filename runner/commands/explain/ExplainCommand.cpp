@@ -3,13 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "commands/explain/ContractPage.h"
 #include "options/ContractOptions.h"
 #include "options/Refusals.h"
 #include "terminal/Console.h"
@@ -64,6 +64,87 @@ std::string explanationOf(const standin::Rule& rule) {
     return std::string(rule.name) + ", " + nameOf(rule.severity) + "\n\n" +
            wrapped(rule.summary, outputWidth(), "  Rule:  ") + wrapped(rule.why, outputWidth(), "  Why:   ") +
            wrapped(rule.hint, outputWidth(), "  Hint:  ");
+}
+
+constexpr std::size_t kPageWidth = 119;
+
+constexpr const char* kIntroduction = R"(# The host's contract
+
+<!-- Printed by `vexa-standin explain --markdown`; a test compares the two. -->
+
+The host's contract is the list of rules that an add-on must keep when it uses the host's C functions. The stand-in host
+checks every call of an add-on against these rules. If a call breaks a rule, the stand-in reports a *finding*. The run
+continues.
+
+```
+$ vexa-standin run sweep.macro --addon ./libstats.so --strict
+sweep.macro:3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]
+    first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+    seen:  the end of "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+    hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.
+```
+
+A finding shows
+
+- the macro line and the add-on, what is wrong, and the name of the rule;
+- `first`: where the problem started;
+- `seen`: where the stand-in noticed it;
+- `hint`: how to fix it.
+
+`vexa-standin explain` lists the rules. `vexa-standin explain RULE` explains one rule. For each rule and add-on, the
+runner shows the first ten findings and counts the others.
+
+## Options
+
+| Option of `run`        | Project file                  | Meaning                                                    |
+|------------------------|-------------------------------|------------------------------------------------------------|
+| `--strict`             | `strict = true`               | A finding with severity error makes the exit status 3.     |
+| `--warnings-as-errors` | `warnings-as-errors = true`   | A finding of any severity makes the exit status 3.         |
+| `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | Ignore findings of these rules.                            |
+| `--timeout SECONDS`    | `timeout = 2.5`               | A command that takes longer makes the exit status 4.       |
+| `--no-project-file`    |                               | Do not read the project file.                              |
+
+The project file is called `vexa-standin.toml`. The runner looks for it in the current folder and then in the folders
+above. Command line options override the project file. `--no-strict` and `--no-warnings-as-errors` switch its settings
+off. Suppressed rules are the exception: the rules from both places are suppressed. At the end of the run, the runner
+names the suppressed rules that had no finding.
+
+A command that exceeds the time limit ends the run. The runner names its last host call, and writes everything that was
+recorded up to then.
+
+With `--strict`, the runner also tests the recording after the macro. It loads the add-ons again and runs every command
+that they recorded, in order and with recording on. This happens even if you do not write the recording to a file. Each
+command must succeed and record the same text again. The runner does not show the output and the dialogs of these
+commands, but the commands write their files again.
+)";
+
+constexpr const char* kUnchecked = R"(
+## What is not checked
+
+The stand-in cannot detect these errors:
+
+)";
+
+std::string sectionOf(const standin::Rule& rule) {
+    std::string severity = nameOf(rule.severity);
+    severity.front() = static_cast<char>(std::toupper(severity.front()));
+    return "\n### " + std::string(rule.name) + "\n\n" +
+           wrapped(severity + ". **" + rule.summary + "** " + rule.why, kPageWidth) + '\n' +
+           wrapped("Fix: " + std::string(rule.hint), kPageWidth);
+}
+
+// The page docs/contract.md: every rule of the host's contract, what cannot be checked, and what a user can ask for.
+std::string contractPage() {
+    std::string page = kIntroduction;
+    std::string_view family;
+    for (const standin::Rule& rule : standin::rules()) {
+        if (family != rule.family) page += "\n## " + std::string(rule.family) + '\n';
+        family = rule.family;
+        page += sectionOf(rule);
+    }
+    page += kUnchecked;
+    for (const char* const mistake : standin::uncheckedMistakes()) page += wrapped(mistake, kPageWidth, "- ");
+    return page;
 }
 
 std::string textOf(const ExplainOptions& options) {
