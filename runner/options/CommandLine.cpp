@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "options/Corrections.h"
 #include "options/HelpText.h"
+#include "options/Refusals.h"
 #include "options/UsageError.h"
 #include "terminal/Terminal.h"
 #include "text/Joined.h"

@@ -1,13 +1,25 @@
 #include "options/Refusals.h"
 
-#include <vector>
-
 #include "options/ContractOptions.h"
 #include "text/Joined.h"
 #include "text/NearNames.h"
 #include "text/ShortText.h"
+#include "text/StartsWith.h"
 
 namespace vexa::runner {
+namespace {
+
+std::vector<std::string> longNames(const Command& command) {
+    std::vector<std::string> all;
+    for (const Option& option : command.options) {
+        for (const std::string& name : option.names) {
+            if (startsWith(name, "--")) all.push_back(name);
+        }
+    }
+    return all;
+}
+
+}  // namespace
 
 std::string noSuchRule(const std::string& name) {
     const std::vector<std::string> near = nearNames(name, ruleNames());
@@ -26,6 +38,28 @@ std::string noSuchAddOn(const std::string& id, const std::set<std::string>& load
     if (!ids.empty()) message += " (loaded: " + joined(ids, ", ") + ')';
     const std::vector<std::string> near = nearNames(name, ids);
     return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
+}
+
+std::string unexpectedWords(const std::vector<std::string>& words) {
+    return std::string("The following argument") + (words.size() == 1 ? " was" : "s were") +
+           " not expected: " + joined(words, " ");
+}
+
+std::vector<std::string> corrections(const std::vector<std::string>& words, const Command& command) {
+    std::vector<std::string> messages;
+    const auto correct = [&](const std::string& word, const std::vector<std::string>& names) {
+        const std::vector<std::string> near = nearNames(word, names);
+        if (!near.empty()) messages.push_back(word + ": did you mean " + alternatives(near) + "?");
+    };
+    for (const std::string& word : words) {
+        const bool isOption = word.size() > 2 && word.front() == '-';
+        if (isOption) {
+            correct(word.substr(0, word.find('=')), longNames(command));
+        } else if (&word == &words.front()) {
+            correct(word, shownNames(command));
+        }
+    }
+    return messages;
 }
 
 }  // namespace vexa::runner

@@ -2,6 +2,9 @@
 
 #include <set>
 #include <string>
+#include <vector>
+
+#include "options/Command.h"
 
 namespace vexa::runner {
 
@@ -22,5 +25,12 @@ std::string noSuchTest(const std::string& name);
 ///
 ///     STATZ    no add-on 'STATZ' is loaded (loaded: LOADER, STATS); did you mean STATS?
 std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded);
+
+/// The message for \p words that the command line cannot have.
+std::string unexpectedWords(const std::vector<std::string>& words);
+
+/// Suggests an option of \p command for each of the unexpected \p words that resembles one, and a command for the first
+/// word: "--recrod: did you mean --record?"
+std::vector<std::string> corrections(const std::vector<std::string>& words, const Command& command);
 
 }  // namespace vexa::runner

@@ -5,6 +5,8 @@
 namespace vexa::runner {
 namespace {
 
+using Words = std::vector<std::string>;
+
 TEST(Refusals, NameTheRulesThatMayBeMeant) {
     EXPECT_EQ(noSuchRule("unbalanced-lok"), "there is no rule \"unbalanced-lok\"; is unbalanced-lock meant?");
     EXPECT_EQ(noSuchRule("lock"),
@@ -21,6 +23,21 @@ TEST(Refusals, NameTheLoadedAddOns) {
               "no add-on 'STATZ' is loaded (loaded: LOADER, STATS); did you mean STATS?");
     EXPECT_EQ(noSuchAddOn("FROB", {"STATS"}), "no add-on 'FROB' is loaded (loaded: STATS)");
     EXPECT_EQ(noSuchAddOn("STATS", {}), "no add-on 'STATS' is loaded");
+}
+
+TEST(Corrections, ListUnexpectedWords) {
+    EXPECT_EQ(unexpectedWords({"a"}), "The following argument was not expected: a");
+    EXPECT_EQ(unexpectedWords({"a", "b"}), "The following arguments were not expected: a b");
+}
+
+TEST(Corrections, AreOptionsAndForTheFirstWordCommands) {
+    bool isFast = false;
+    Command program{"prog", "Does things"};
+    program.commands = {Command{"run", "Runs"}, Command{"rum", "Hides"}};
+    program.commands.back().isHidden = true;
+    program.add(flag({"-f", "--fast"}, "", &isFast));
+    EXPECT_EQ(corrections({"rnu", "rnu", "--fats=1", "-z", "frobnicate"}, program),
+              Words({"rnu: did you mean run?", "--fats: did you mean --fast?"}));
 }
 
 }  // namespace
