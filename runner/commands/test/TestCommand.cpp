@@ -1,13 +1,37 @@
 #include "commands/Commands.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
 #include <memory>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
 
-#include "commands/test/MacroTests.h"
+#include "commands/test/LineDifference.h"
+#include "commands/test/Transcript.h"
+#include "formats/JunitText.h"
 #include "options/CommonOptions.h"
 #include "session/ProjectSettings.h"
+#include "session/Session.h"
+#include "session/watch/Death.h"
+#include "system/files/OutputTarget.h"
+#include "system/files/RunFiles.h"
+#include "system/files/WholeFile.h"
+#include "system/files/WholeOutput.h"
+#include "terminal/Console.h"
+#include "text/Printable.h"
 
 namespace vexa::runner {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* kTestFooter = R"(NAME.expected beside each NAME.macro has what it should do; --accept writes it:
   > STATS MEAN ZONES = '1-3'        a command of the macro
@@ -26,10 +50,244 @@ Exit status:
   2    wrong usage or input; a file could not be read or written
   130  stopped by Ctrl-C)";
 
+constexpr const char* kMacro = ".macro";
+constexpr const char* kExpected = ".expected";
+
+struct TestOptions : SessionOptions {
+    std::vector<std::string> paths;    // folders of macros, and macros
+    std::optional<std::string> junit;  // where the JUnit report goes
+    std::size_t jobs = 1;              // how many macros run at a time
+    bool accepts = false;              // what the macros do is expected from now on
+};
+
+// A path is not a macro and not a folder of macros. The message is one line.
+struct PathError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// The macros in a folder, by name. An expectation without a macro is refused, for it would never be compared.
+std::vector<std::string> macrosIn(const fs::path& folder) {
+    std::vector<std::string> macros;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        const fs::path& path = entry.path();
+        if (path.extension() == kMacro) macros.push_back(path.string());
+        std::error_code isUnknown;
+        if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
+            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");
+        }
+    }
+    if (error) throw PathError(folder.string() + ": cannot be read: " + error.message());
+    if (macros.empty()) throw PathError(folder.string() + ": there is no macro in it, NAME" + kMacro);
+    std::sort(macros.begin(), macros.end());
+    return macros;
+}
+
+std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
+    std::vector<std::string> macros;
+    for (const std::string& path : paths) {
+        std::error_code error;
+        const fs::file_status status = fs::status(path, error);
+        const bool isOfNoFile = error && status.type() != fs::file_type::not_found;
+        if (isOfNoFile) throw PathError(path + ": cannot be read: " + error.message());
+        if (fs::is_directory(status)) {
+            const std::vector<std::string> found = macrosIn(path);
+            macros.insert(macros.end(), found.begin(), found.end());
+        } else if (fs::path(path).extension() != kMacro) {
+            throw PathError(path + ": expected a folder, or a macro NAME" + kMacro);
+        } else {
+            macros.push_back(path);
+        }
+    }
+    return macros;
+}
+
+std::string expectationOf(const std::string& macro) { return fs::path(macro).replace_extension(kExpected).string(); }
+
+struct MacroVerdict {
+    bool passed = false;
+    std::string reason;  // one line; empty when it passed
+    std::string lines;   // that show it
+};
+
+// Runs each macro in a process of its own, compares what NAME.macro does with NAME.expected beside it, and prints the
+// result of each.
+class MacroTests : public UserWork {
+public:
+    explicit MacroTests(const TestOptions& options) : m_options(options) {}
+
+    ExitStatus_e run() {
+        if (!prepare()) return ExitStatus_e::BadUsageOrInput;
+        const std::size_t ended = m_options.inProcess ? runHere() : runWatched();
+        std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
+        if (m_junit) m_junit->replace(junitText("vexa-standin test", {}, m_report));
+        if (m_isBroken) return ExitStatus_e::BadUsageOrInput;
+        if (m_isStopped || ended != m_macros.size()) return ExitStatus_e::Stopped;
+        return m_passed == ended ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    }
+
+private:
+    bool prepare() {
+        try {
+            m_macros = macrosOf(m_options.paths);
+            findFiles();
+            if (!m_options.style) return true;
+            auto style = readStyles(*m_options.style);
+            if (style) m_style = std::move(*style);
+            return style.has_value();
+        } catch (const PathError& error) {
+            tell(error.what());
+            return false;
+        }
+    }
+
+    // Refuses an output that would replace an input.
+    void findFiles() {
+        RunFiles files = inputsOf(m_options);
+        files.read(m_macros);
+        std::set<std::string> expectations;  // a macro may be named twice
+        for (const std::string& macro : m_macros) {
+            const std::string expectation = expectationOf(macro);
+            const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
+            if (!isNew) continue;
+            m_options.accepts ? files.write(expectation) : files.read(expectation);
+        }
+        files.write(m_options.junit);
+        if (m_options.junit) m_junit.emplace(*m_options.junit);
+    }
+
+    std::size_t runWatched() {
+        const AwaitedSignals signals;
+        ProcessSetting setting;
+        setting.jobs = m_options.jobs;
+        setting.printed = Printed_e::CaughtAsOne;
+        setting.limitTime(m_options.contract.timeout);
+        m_transcripts.resize(m_macros.size());
+        return runInProcesses(signals, m_macros.size(), setting, *this);
+    }
+
+    std::size_t runHere() {
+        for (const std::string& macro : m_macros) {
+            const auto begin = std::chrono::steady_clock::now();
+            const auto box = std::make_unique<ProcessBox>();
+            std::optional<CaughtOutput> caught(std::in_place);
+            TranscriptText transcript([&] { return caught->take(); });
+            const TranscriptEnd_e end = writeTranscript(macro, m_options, m_style, *box, transcript);
+            caught.reset();
+            const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+            conclude(macro, time.count(), verdictOn(macro, end, transcript));
+        }
+        return m_macros.size();
+    }
+
+    int run(std::size_t index, ProcessBox& box, NotesInterface& notes) override {
+        return static_cast<int>(writeTranscript(m_macros[index], m_options, m_style, box, notes));
+    }
+
+    NotesInterface* notesOf(std::size_t index, std::function<KeptText()> takePrinted) override {
+        m_transcripts[index] = std::make_unique<TranscriptText>(std::move(takePrinted));
+        return m_transcripts[index].get();
+    }
+
+    void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        const auto transcript = std::move(m_transcripts[index]);
+        conclude(m_macros[index], outcome.seconds, verdictOn(m_macros[index], box, outcome, *transcript));
+    }
+
+    void conclude(const std::string& macro, double seconds, const MacroVerdict& verdict) {
+        m_passed += verdict.passed ? 1 : 0;
+        const std::string reason = verdict.reason.empty() ? "" : ": " + verdict.reason;
+        print((verdict.passed ? "passed " : "failed ") + printableLine(macro + reason) + '\n' + verdict.lines);
+        std::fflush(stdout);
+        const fs::path path(macro);
+        m_report.push_back({path.parent_path().string(), path.stem().string(), seconds,
+                            verdict.passed ? JunitOutcome_e::Passed : JunitOutcome_e::Failure, "failed", verdict.reason,
+                            verdict.lines});
+    }
+
+    MacroVerdict verdictOn(const std::string& macro, const ProcessBox& box, const ProcessOutcome& outcome,
+                           const TranscriptText& transcript) {
+        if (outcome.end == End_e::Left && outcome.areNotesWhole) {
+            return verdictOn(macro, static_cast<TranscriptEnd_e>(outcome.status), transcript);
+        }
+        const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
+        if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
+        if (outcome.end == End_e::TimedOut)
+            return {false, "it did not return within its time limit", textOf(lateFinding(box))};
+        if (wasInterrupted(outcome)) {
+            m_isStopped = true;
+            return {false, "stopped by Ctrl-C", lines};
+        }
+        return {false, "an add-on ended the process", lines + deathText(box, outcome) + '\n'};
+    }
+
+    MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const TranscriptText& transcript) {
+        switch (end) {
+            case TranscriptEnd_e::Whole: try { return compared(macro, transcript);
+                } catch (const OutputError& error) {
+                    m_isBroken = true;
+                    return {false, error.what(), ""};
+                }
+            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", transcript.explained()};
+            case TranscriptEnd_e::CommandHung:
+                return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained()};
+            case TranscriptEnd_e::OutputLost:
+                m_isBroken = true;
+                return {false, "the standard output could not be written", transcript.text()};
+            case TranscriptEnd_e::NotRun: break;
+        }
+        m_isBroken = true;
+        return {false, "it cannot be run", transcript.text()};
+    }
+
+    // The part of the transcript about the last command.
+    static std::string lastCommand(const std::string& transcript) {
+        const std::size_t begin = transcript.rfind("\n> ");
+        return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
+    }
+
+    static bool hasNewFinding(const std::string& difference) {
+        return difference.find("\n+ ! error: ") != std::string::npos ||
+               difference.find("\n+ ! warning: ") != std::string::npos;
+    }
+
+    MacroVerdict compared(const std::string& macro, const TranscriptText& told) const {
+        const std::string& transcript = told.text();
+        const std::string path = expectationOf(macro);
+        std::optional<std::string> expected;
+        try {
+            expected = readInput(path);
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::no_such_file_or_directory) {
+                refuseOutput(path, "it cannot be read: " + error.code().message());
+            }
+        }
+        if (expected == transcript) return {true, "", ""};
+        if (m_options.accepts) {
+            WholeOutput(path).replace(transcript);
+            return {true, "accepted", ""};
+        }
+        std::string difference = lineDifference(expected.value_or(""), transcript);
+        if (hasNewFinding(difference)) difference += told.explained();
+        if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
+        return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
+    }
+
+    const TestOptions& m_options;
+    std::vector<std::string> m_macros;
+    std::vector<StyleSetting> m_style;
+    std::vector<std::unique_ptr<TranscriptText>> m_transcripts;
+    std::size_t m_passed = 0;
+    bool m_isBroken = false;  // something could not be read, run or written
+    bool m_isStopped = false;
+    std::vector<JunitCase> m_report;
+    std::optional<WholeOutput> m_junit;
+};
+
 }  // namespace
 
 Command testCommand() {
-    const auto options = std::make_shared<MacroTestOptions>();
+    const auto options = std::make_shared<TestOptions>();
     Command command{"test", "Compare what macros do with what is expected of them", kTestFooter};
     command.add(argument("MACRO", "Folders of macros, NAME.macro, or such files", &options->paths).require());
     command.add(addOnOption(options->addOns).require());
@@ -43,8 +301,7 @@ Command testCommand() {
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options->batch));
     command.run = [options] {
-        if (!addProjectFile(options->contract)) return ExitStatus_e::BadUsageOrInput;
-        return testMacros(*options);
+        return addProjectFile(options->contract) ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
     };
     return command;
 }
