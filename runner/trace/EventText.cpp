@@ -8,6 +8,15 @@ namespace {
 
 bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
 
+// In microseconds, to the nanosecond. The clock counts from the start of the machine.
+std::string textOf(EventText::Time time) {
+    constexpr long kThousand = 1000;
+    const long nanoseconds = std::chrono::nanoseconds(time.time_since_epoch()).count();
+    std::string fraction = std::to_string(kThousand + nanoseconds % kThousand);  // keeps the leading zeros
+    fraction.front() = '.';
+    return std::to_string(nanoseconds / kThousand) + fraction;
+}
+
 }  // namespace
 
 // Fast path for printable ASCII; the JSON library handles the rest.
@@ -28,20 +37,12 @@ EventText& EventText::event(std::string_view phase, std::string_view name, std::
                             Time time) {
     beginEvent(name);
     member("cat", category).member("ph", phase).member("pid", m_process).member("tid", track);
-    begin("ts");
-    appendTime(time);
-    return *this;
+    return json("ts", textOf(time));
 }
 
 void EventText::metadata(std::string_view kind, long track, std::string_view name) {
     beginEvent(kind);
     member("ph", "M").member("pid", m_process).member("tid", track).open("args").member("name", name).close().close();
-}
-
-EventText& EventText::open(std::string_view name) {
-    begin(name);
-    m_text += '{';
-    return *this;
 }
 
 EventText& EventText::close() {
@@ -52,12 +53,6 @@ EventText& EventText::close() {
 EventText& EventText::member(std::string_view name, std::string_view text) {
     begin(name);
     appendJsonString(m_text, text);
-    return *this;
-}
-
-EventText& EventText::member(std::string_view name, bool value) {
-    begin(name);
-    m_text += value ? "true" : "false";
     return *this;
 }
 
@@ -79,16 +74,6 @@ void EventText::beginEvent(std::string_view name) {
     m_text += m_isFirst ? "[\n{" : ",\n{";
     m_isFirst = false;
     member("name", name);
-}
-
-// In microseconds, to the nanosecond. The clock counts from the start of the machine.
-void EventText::appendTime(Time time) {
-    constexpr long kThousand = 1000;
-    const long nanoseconds = std::chrono::nanoseconds(time.time_since_epoch()).count();
-    append(nanoseconds / kThousand);
-    m_text += '.';
-    const long rest = nanoseconds % kThousand;
-    for (long digit = kThousand / 10; digit != 0; digit /= 10) m_text += static_cast<char>('0' + rest / digit % 10);
 }
 
 }  // namespace vexa::runner

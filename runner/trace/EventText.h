@@ -1,8 +1,6 @@
 #pragma once
 
-#include <charconv>
 #include <chrono>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -31,18 +29,16 @@ public:
     void metadata(std::string_view kind, long track, std::string_view name);
 
     /// Starts a member that is an object.
-    EventText& open(std::string_view name);
+    EventText& open(std::string_view name) { return json(name, "{"); }
     /// Ends an object, or the event.
     EventText& close();
 
     EventText& member(std::string_view name, std::string_view text);
     EventText& member(std::string_view name, const char* text) { return member(name, std::string_view(text)); }
-    EventText& member(std::string_view name, bool value);
+    EventText& member(std::string_view name, bool value) { return json(name, value ? "true" : "false"); }
     template <class Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
     EventText& member(std::string_view name, Integer number) {
-        begin(name);
-        append(number);
-        return *this;
+        return json(name, std::to_string(number));
     }
     /// Adds a member whose value is already JSON.
     EventText& json(std::string_view name, std::string_view value);
@@ -59,12 +55,6 @@ public:
 private:
     void begin(std::string_view name);
     void beginEvent(std::string_view name);
-    template <class Integer>
-    void append(Integer number) {
-        char digits[std::numeric_limits<Integer>::digits10 + 2];
-        m_text.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
-    }
-    void appendTime(Time time);
 
     long m_process;
     bool m_isFirst = true;

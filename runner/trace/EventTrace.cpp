@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "text/SeverityName.h"
@@ -22,6 +23,8 @@ using Time = std::chrono::steady_clock::time_point;
 // Greater than every thread id of the kernel.
 constexpr long kFirstScopeTrack = 1L << 22;
 
+// By the kind of the entry.
+constexpr std::array<const char*, 3> kEntryCategories = {"loading", "command", "unloading"};
 constexpr std::string_view kCall = "call";
 constexpr std::string_view kScope = "scope";
 constexpr std::string_view kRun = "run";
@@ -33,25 +36,14 @@ long thisThread() {
     return number;
 }
 
-const char* categoryOf(Entry_e kind) {
-    switch (kind) {
-        case Entry_e::Loading: return "loading";
-        case Entry_e::Command: return "command";
-        case Entry_e::Unloading: return "unloading";
-    }
-    return "";
-}
-
 // Add-ons may pass invalid UTF-8.
 std::string textOf(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
+const char* categoryOf(Entry_e kind) { return kEntryCategories.at(static_cast<std::size_t>(kind)); }
+
 std::string nameOf(const EntryEvent& entry) {
-    switch (entry.kind) {
-        case Entry_e::Loading: return "load " + entry.addOnId;
-        case Entry_e::Command: return entry.addOnId + ' ' + entry.command;
-        case Entry_e::Unloading: return "unload " + entry.addOnId;
-    }
-    return "";
+    if (entry.kind == Entry_e::Command) return entry.addOnId + ' ' + entry.command;
+    return (entry.kind == Entry_e::Loading ? "load " : "unload ") + entry.addOnId;
 }
 
 Json placeOf(const Place& place) {
@@ -89,7 +81,12 @@ std::string factsOf(const RunFacts& facts) {
 }  // namespace
 
 EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path), m_text(getpid()) {
-    write([&] { writeHeader(facts); });
+    write([&] {
+        const long thread = thisThread();
+        m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
+        m_text.member("s", "p").json("args", factsOf(facts)).close();
+        m_text.metadata("process_name", thread, facts.tool);
+    });
 }
 
 void EventTrace::entryBegan(const EntryEvent& entry) {
@@ -106,7 +103,7 @@ void EventTrace::entryBegan(const EntryEvent& entry) {
 
 void EventTrace::entryEnded(const EntryEvent& entry) {
     write([&] {
-        for (const ScopeEdge& edge : m_scopes.entryEnded(entry.time)) writeEdge(edge);
+        writeEdges(m_scopes.entryEnded(entry.time));
         const long thread = thisThread();
         const auto name = endSpan(thread);
         if (!name) return;
@@ -122,13 +119,13 @@ void EventTrace::callBegan(const CallEvent& call) {
         beginSpan(thread, call.threadNumber, call.function);
         m_text.event("B", call.function, kCall, thread, call.time).open("args");
         m_text.member("number", call.number).member("arguments", call.arguments).close().close();
-        if (const auto edge = m_scopes.callBegan(call)) writeEdge(*edge);
+        writeEdges(m_scopes.callBegan(call));
     });
 }
 
 void EventTrace::callEnded(const CallEvent& call) {
     write([&] {
-        if (const auto edge = m_scopes.callEnded(call)) writeEdge(*edge);
+        writeEdges(m_scopes.callEnded(call));
         const long thread = thisThread();
         if (!endSpan(thread)) return;
         m_text.event("E", call.function, kCall, thread, call.time).open("args").member("result", call.result);
@@ -172,16 +169,9 @@ void EventTrace::handTo(LiveFile& file) {
     m_text.hand([&](std::string_view text) { file.append(text); });
 }
 
-void EventTrace::writeHeader(const RunFacts& facts) {
-    const long thread = thisThread();
-    m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
-    m_text.member("s", "p").json("args", factsOf(facts)).close();
-    m_text.metadata("process_name", thread, facts.tool);
-}
-
 void EventTrace::writeEnd(int exitStatus, const std::string& outcome) {
     const Time now = std::chrono::steady_clock::now();
-    for (const ScopeEdge& edge : m_scopes.endAll(now)) writeEdge(edge);
+    writeEdges(m_scopes.endAll(now));
     for (auto& [track, open] : m_openSpans) {
         while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
     }
@@ -190,12 +180,14 @@ void EventTrace::writeEnd(int exitStatus, const std::string& outcome) {
     m_text.end();
 }
 
-void EventTrace::writeEdge(const ScopeEdge& edge) {
-    const long track = kFirstScopeTrack + static_cast<long>(edge.track);
-    if (m_openSpans.try_emplace(track).second) m_text.metadata("thread_name", track, edge.trackName);
-    m_text.event(edge.begins ? "B" : "E", edge.name, kScope, track, edge.time);
-    if (edge.begins) m_text.open("args").member("arguments", edge.arguments).close();
-    m_text.close();
+void EventTrace::writeEdges(const std::vector<ScopeEdge>& edges) {
+    for (const ScopeEdge& edge : edges) {
+        const long track = kFirstScopeTrack + static_cast<long>(edge.track);
+        if (m_openSpans.try_emplace(track).second) m_text.metadata("thread_name", track, edge.trackName);
+        m_text.event(edge.begins ? "B" : "E", edge.name, kScope, track, edge.time);
+        if (edge.begins) m_text.open("args").member("arguments", edge.arguments).close();
+        m_text.close();
+    }
 }
 
 void EventTrace::beginSpan(long thread, std::size_t threadNumber, std::string name) {

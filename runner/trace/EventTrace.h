@@ -51,8 +51,7 @@ private:
     template <class Action>
     void write(const Action& action);
     void handTo(LiveFile& file);
-    void writeHeader(const RunFacts& facts);
-    void writeEdge(const ScopeEdge& edge);
+    void writeEdges(const std::vector<ScopeEdge>& edges);
     void writeEnd(int exitStatus, const std::string& outcome);
     void beginSpan(long thread, std::size_t threadNumber, std::string name);
     std::optional<std::string> endSpan(long thread);

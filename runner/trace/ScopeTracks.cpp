@@ -37,38 +37,31 @@ ScopeTracks::ScopeTracks() {
 }
 
 std::vector<ScopeEdge> ScopeTracks::entryEnded(Time time) {
-    std::vector<ScopeEdge> edges;
-    for (std::size_t track = 0; track != m_tracks.size(); ++track) {
-        const std::vector<Scope>& open = m_tracks[track].open;
-        while (m_tracks[track].kind != kMutex && !open.empty() && open.back().depth >= m_depth) {
-            edges.push_back(end(track, time));
-        }
-    }
-    --m_depth;
-    return edges;
+    const std::size_t depth = m_depth--;
+    return endWhile([&](const Track& track) { return track.kind != kMutex && track.open.back().depth >= depth; }, time);
 }
 
-std::optional<ScopeEdge> ScopeTracks::callBegan(const CallEvent& call) {
+std::vector<ScopeEdge> ScopeTracks::callBegan(const CallEvent& call) {
     const HostFunctionInfo* const function = scopeFunction(call);
-    if (function == nullptr || doesBegin(*function, call)) return std::nullopt;
-    const auto track = trackToEndOn(*function, nameOf(*function, call));
-    return track ? std::optional<ScopeEdge>(end(*track, call.time)) : std::nullopt;
+    if (function == nullptr || doesBegin(*function, call)) return {};
+    Track* const track = trackToEndOn(*function, nameOf(*function, call));
+    if (track == nullptr) return {};
+    return {end(*track, call.time)};
 }
 
-std::optional<ScopeEdge> ScopeTracks::callEnded(const CallEvent& call) {
+std::vector<ScopeEdge> ScopeTracks::callEnded(const CallEvent& call) {
     const HostFunctionInfo* const function = scopeFunction(call);
-    if (function == nullptr || call.threw || !doesBegin(*function, call)) return std::nullopt;
+    if (function == nullptr || call.threw || !doesBegin(*function, call)) return {};
     const std::string name = nameOf(*function, call);
-    const auto track = trackToBeginOn(*function, name);
-    return track ? std::optional<ScopeEdge>(begin(*track, name, call)) : std::nullopt;
+    Track* const track = trackToBeginOn(*function, name);
+    if (track == nullptr) return {};
+    track->open.push_back({m_depth, name});
+    track->last = std::max(track->last, call.time);
+    return {{true, track->number, track->name, name, call.arguments, track->last}};
 }
 
 std::vector<ScopeEdge> ScopeTracks::endAll(Time time) {
-    std::vector<ScopeEdge> edges;
-    for (std::size_t track = 0; track != m_tracks.size(); ++track) {
-        while (!m_tracks[track].open.empty()) edges.push_back(end(track, time));
-    }
-    return edges;
+    return endWhile([](const Track&) { return true; }, time);
 }
 
 // Null and invalid handles are not locked.
@@ -79,44 +72,42 @@ const HostFunctionInfo* ScopeTracks::scopeFunction(const CallEvent& call) const 
     return isOfNoMutex ? nullptr : found->second;
 }
 
-std::size_t ScopeTracks::newTrack(const char* kind, const std::string& name) {
-    m_tracks.push_back({name, kind, {}, {}});
-    return m_tracks.size() - 1;
-}
-
 // Uses the first free track, so that there are only as many as mutexes are locked at once.
-std::optional<std::size_t> ScopeTracks::trackToBeginOn(const HostFunctionInfo& function, const std::string& name) {
-    if (!nests(function) && trackToEndOn(function, name)) return std::nullopt;
+ScopeTracks::Track* ScopeTracks::trackToBeginOn(const HostFunctionInfo& function, const std::string& name) {
+    if (!nests(function) && trackToEndOn(function, name) != nullptr) return nullptr;
     std::size_t ofKind = 0;
-    for (std::size_t track = 0; track != m_tracks.size(); ++track) {
-        if (m_tracks[track].kind != std::string_view(function.scope)) continue;
-        if (!isOfMutex(function) || m_tracks[track].open.empty()) return track;
+    for (Track& track : m_tracks) {
+        if (track.kind != std::string_view(function.scope)) continue;
+        if (!isOfMutex(function) || track.open.empty()) return &track;
         ++ofKind;
     }
-    return newTrack(function.scope, function.scope + (isOfMutex(function) ? ' ' + std::to_string(ofKind + 1) : ""));
+    const std::string number = isOfMutex(function) ? ' ' + std::to_string(ofKind + 1) : "";
+    m_tracks.push_back({m_tracks.size() + 1, function.scope + number, function.scope, {}, {}});
+    return &m_tracks.back();
 }
 
-std::optional<std::size_t> ScopeTracks::trackToEndOn(const HostFunctionInfo& function, const std::string& name) const {
+ScopeTracks::Track* ScopeTracks::trackToEndOn(const HostFunctionInfo& function, const std::string& name) {
     const auto found = std::find_if(m_tracks.begin(), m_tracks.end(), [&](const Track& track) {
         return track.kind == std::string_view(function.scope) && !track.open.empty() && track.open.back().name == name;
     });
-    if (found == m_tracks.end()) return std::nullopt;
-    return static_cast<std::size_t>(found - m_tracks.begin());
+    return found == m_tracks.end() ? nullptr : &*found;
 }
 
-ScopeEdge ScopeTracks::begin(std::size_t track, const std::string& name, const CallEvent& call) {
-    m_tracks[track].open.push_back({m_depth, name});
-    m_tracks[track].last = std::max(m_tracks[track].last, call.time);
-    return {true, track + 1, m_tracks[track].name, name, call.arguments, m_tracks[track].last};
+template <class Predicate>
+std::vector<ScopeEdge> ScopeTracks::endWhile(const Predicate& isOver, Time time) {
+    std::vector<ScopeEdge> edges;
+    for (Track& track : m_tracks) {
+        while (!track.open.empty() && isOver(track)) edges.push_back(end(track, time));
+    }
+    return edges;
 }
 
 // The calls of several threads may not arrive in the order of their times.
-ScopeEdge ScopeTracks::end(std::size_t track, Time time) {
-    Track& ended = m_tracks[track];
-    const std::string name = ended.open.back().name;
-    ended.open.pop_back();
-    ended.last = std::max(ended.last, time);
-    return {false, track + 1, ended.name, name, "", ended.last};
+ScopeEdge ScopeTracks::end(Track& track, Time time) {
+    const std::string name = track.open.back().name;
+    track.open.pop_back();
+    track.last = std::max(track.last, time);
+    return {false, track.number, track.name, name, "", track.last};
 }
 
 }  // namespace vexa::runner

@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -36,8 +35,9 @@ public:
     void entryBegan() { ++m_depth; }
     /// Ends the scopes that the entry left open, the last one first.
     std::vector<ScopeEdge> entryEnded(std::chrono::steady_clock::time_point time);
-    std::optional<ScopeEdge> callBegan(const standin::CallEvent& call);
-    std::optional<ScopeEdge> callEnded(const standin::CallEvent& call);
+    /// Has at most one edge.
+    std::vector<ScopeEdge> callBegan(const standin::CallEvent& call);
+    std::vector<ScopeEdge> callEnded(const standin::CallEvent& call);
     /// Ends all open scopes.
     std::vector<ScopeEdge> endAll(std::chrono::steady_clock::time_point time);
 
@@ -47,6 +47,7 @@ private:
         std::string name;
     };
     struct Track {
+        std::size_t number = 0;
         std::string name;
         const char* kind = "";
         std::vector<Scope> open;
@@ -54,11 +55,11 @@ private:
     };
 
     const standin::HostFunctionInfo* scopeFunction(const standin::CallEvent& call) const;
-    std::size_t newTrack(const char* kind, const std::string& name);
-    std::optional<std::size_t> trackToBeginOn(const standin::HostFunctionInfo& function, const std::string& name);
-    std::optional<std::size_t> trackToEndOn(const standin::HostFunctionInfo& function, const std::string& name) const;
-    ScopeEdge begin(std::size_t track, const std::string& name, const standin::CallEvent& call);
-    ScopeEdge end(std::size_t track, std::chrono::steady_clock::time_point time);
+    Track* trackToBeginOn(const standin::HostFunctionInfo& function, const std::string& name);
+    Track* trackToEndOn(const standin::HostFunctionInfo& function, const std::string& name);
+    template <class Predicate>
+    std::vector<ScopeEdge> endWhile(const Predicate& isOver, std::chrono::steady_clock::time_point time);
+    static ScopeEdge end(Track& track, std::chrono::steady_clock::time_point time);
 
     std::unordered_map<std::string_view, const standin::HostFunctionInfo*> m_functions;  // the functions of scopes
     std::vector<Track> m_tracks;

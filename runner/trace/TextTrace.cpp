@@ -21,23 +21,15 @@ constexpr std::string_view kIndentation = "  ";
 std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
 
 std::string beginningOf(const EntryEvent& entry) {
-    switch (entry.kind) {
-        case Entry_e::Loading: return "load " + fileNameOf(entry.addOnId);
-        case Entry_e::Command:
-            return (entry.macroLine.empty() ? "" : entry.macroLine + ": ") + entry.addOnId + ' ' + entry.command;
-        case Entry_e::Unloading: return "unload " + entry.addOnId;
-    }
-    return "";
+    if (entry.kind == Entry_e::Loading) return "load " + fileNameOf(entry.addOnId);
+    if (entry.kind == Entry_e::Unloading) return "unload " + entry.addOnId;
+    return (entry.macroLine.empty() ? "" : entry.macroLine + ": ") + entry.addOnId + ' ' + entry.command;
 }
 
 std::string endOf(const EntryEvent& entry) {
     if (!entry.succeeded) return entry.error.empty() ? "=> failed" : "=> failed: " + entry.error;
-    switch (entry.kind) {
-        case Entry_e::Loading: return "=> loaded " + entry.addOnId;
-        case Entry_e::Command: return "=> accepted";
-        case Entry_e::Unloading: return "=> unloaded";
-    }
-    return "";
+    if (entry.kind == Entry_e::Loading) return "=> loaded " + entry.addOnId;
+    return entry.kind == Entry_e::Command ? "=> accepted" : "=> unloaded";
 }
 
 std::string lineOf(const CallEvent& call) {

@@ -29,17 +29,11 @@ void addTraceOptions(Command& command, TraceOptions& options) {
 }
 
 void TraceOutputs::open(const TraceOptions& options) {
-    if (options.events) {
-        m_events.emplace(*options.events, options.facts);
-        m_tee.add(*m_events);
-    }
-    if (options.text) {
-        m_text.emplace(*options.text);
-        m_tee.add(*m_text);
-    }
+    if (options.events) m_traces.push_back(&m_events.emplace(*options.events, options.facts));
+    if (options.text) m_traces.push_back(&m_text.emplace(*options.text));
 }
 
-standin::ObserverInterface* TraceOutputs::observer() { return m_events || m_text ? &m_tee : nullptr; }
+standin::ObserverInterface* TraceOutputs::observer() { return m_traces.empty() ? nullptr : this; }
 
 ExitStatus_e TraceOutputs::finish(ExitStatus_e status) {
     const bool areEventsWritten = finished(m_events, static_cast<int>(status), meaningOf(status));

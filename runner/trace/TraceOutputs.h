@@ -2,10 +2,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "options/Command.h"
 #include "trace/EventTrace.h"
-#include "trace/ObserverTee.h"
 #include "trace/TextTrace.h"
 
 namespace vexa::runner {
@@ -20,8 +20,10 @@ struct TraceOptions {
 /// Adds `--trace` and `--trace-text`. The facts get the program and all options that the user gives to \p command.
 void addTraceOptions(Command& command, TraceOptions& options);
 
-/// The traces of a run.
-class TraceOutputs {
+/// The traces of a run: an observer that passes every event on to each of them.
+///
+/// Threads: as an observer.
+class TraceOutputs : standin::ObserverInterface {
 public:
     /// Opens the files.
     /// \throws OutputError if a trace cannot be written.
@@ -33,9 +35,21 @@ public:
     ExitStatus_e finish(ExitStatus_e status);
 
 private:
+    void entryBegan(const standin::EntryEvent& entry) override { pass(&ObserverInterface::entryBegan, entry); }
+    void entryEnded(const standin::EntryEvent& entry) override { pass(&ObserverInterface::entryEnded, entry); }
+    void callBegan(const standin::CallEvent& call) override { pass(&ObserverInterface::callBegan, call); }
+    void callEnded(const standin::CallEvent& call) override { pass(&ObserverInterface::callEnded, call); }
+    void findingMade(const standin::Finding& finding) override { pass(&ObserverInterface::findingMade, finding); }
+    void statusChanged(const standin::StatusLine& line) override { pass(&ObserverInterface::statusChanged, line); }
+
+    template <class Event>
+    void pass(void (ObserverInterface::*happened)(const Event&), const Event& event) {
+        for (ObserverInterface* const trace : m_traces) (trace->*happened)(event);
+    }
+
     std::optional<EventTrace> m_events;
     std::optional<TextTrace> m_text;
-    ObserverTee m_tee;
+    std::vector<ObserverInterface*> m_traces;  // those to write
 };
 
 }  // namespace vexa::runner
