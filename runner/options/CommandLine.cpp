@@ -92,7 +92,7 @@ public:
             UsageError refusal(isUnexpected ? unexpectedWords(unexpected) : error.what());
             refusal.call = call();
             refusal.suggestions = corrections(unexpected, chosen());
-            throw refusal;
+            throw UsageError(refusal);
         } catch (UsageError& refusal) {
             refusal.call = call();
             throw;

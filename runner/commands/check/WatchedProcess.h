@@ -29,6 +29,6 @@ struct ProcessEnd : ProcessOutcome {
 /// timeout while an add-on works. Its output is caught, its input is empty, and its memory is limited.
 /// \throws std::system_error if the process cannot be started.
 /// \throws EndedBySignal if a signal came that ends the program.
-ProcessEnd runWatched(const TestSetting& setting, BlackBox& box, const std::function<Verdict()>& work);
+ProcessEnd runWatched(const TestSetting& test, BlackBox& box, const std::function<Verdict()>& work);
 
 }  // namespace vexa::runner

@@ -132,7 +132,7 @@ public:
         const bool isProgram = text.substr(0, kScript.size()) == kScript;
         Descriptor file(open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, isProgram ? kProgram : kFile));
         if (!file.isOpen()) refuseOutput(path);
-        m_paths.push_back(path);
+        m_paths.emplace_back(path);
         if (!writeAll(file.get(), text) || !file.close()) refuseOutput(path);
     }
     void keep() { m_paths.clear(); }

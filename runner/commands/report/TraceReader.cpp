@@ -87,9 +87,9 @@ public:
         m_run.end = std::max(m_run.end, time);
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
-        if (phase == "C") return m_run.percents.push_back({time, integerIn(event.at("args").at("percent"))});
         if (phase == "i") return readInstant(event, time);
-        throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
+        if (phase != "C") throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
+        m_run.percents.emplace_back(time, integerIn(event.at("args").at("percent")));
     }
 
     bool hasHeader() const { return m_hasHeader; }

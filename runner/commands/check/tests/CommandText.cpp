@@ -141,7 +141,10 @@ private:
             std::swap(changed.options[i - 1], changed.options[i]);
             add("with " + name + " before the option before it", changed);
         }
-        for (const std::string other : kValues) replace(name + " = " + other, i, {name, other});
+        for (const std::string other : kValues) {
+            std::string what = name;
+            replace(what.append(" = ").append(other), i, {name, other});
+        }
         quotesWithin(i);
         std::string set = "[1";
         for (std::size_t n = 3; set.size() < kVeryLong; n += 2) set += ',' + std::to_string(n);
@@ -161,7 +164,9 @@ private:
         if (value.size() < 2 || (value.front() != '\'' && value.front() != '"')) return;
         for (const std::string within : {"''", "\"\"", "\\'", "\\\"", "\\\\", "'", "\""}) {
             std::string changed = value;
-            replace("with " + within + " within " + name, i, {name, changed.insert(value.size() / 2, within)});
+            std::string what = "with ";
+            what.append(within).append(" within ").append(name);
+            replace(what, i, {name, changed.insert(value.size() / 2, within)});
         }
     }
 
