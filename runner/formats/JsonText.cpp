@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kMostNested = 16;
 constexpr std::string_view kBetweenTokens = " \t\r\n:,\xEF\xBB\xBF";  // a byte-order mark, too
-constexpr const char* kIntegerTooLarge = "the integer needs more than 64 bits; with .0 behind it, it is a double";
+constexpr const char* kIntegerTooLarge = "the integer needs more than 64 bits; with .0 after it, it is a double";
 
 // The parser's message without its number and its place: "[json.number] parse error at line 1, column 2: REASON".
 std::string reasonOf(std::string_view message) {

@@ -100,7 +100,7 @@ TEST_F(CheckTorture, PassesWhatCanBeStoppedAtEveryPercentage) {
 
 TEST_F(CheckTorture, FindsWhatRecordsNothingMoreOnceItWasStopped) {
     expectFailure(check("stop-recording", "stop-pressed"), "stop-pressed",
-                  {"the same command behind it, undisturbed, does not do what it does", "the user presses stop"});
+                  {"the same command after it, undisturbed, does not do what it does", "the user presses stop"});
 }
 
 TEST_F(CheckTorture, FindsTheStatusLineThatAStoppedCommandLeaves) {

@@ -51,30 +51,30 @@ std::string valueOf(const Option& option) {
 
 // How _arguments has it: '(-j --jobs)'{-j,--jobs=}'[How many run]:N: '. In front of it stand the names that it is not
 // offered after: its own ones, unless it may be given again.
-std::string specOf(const Option& option) {
+std::string entryOf(const Option& option) {
     if (option.isArgument()) return quoted((option.isRepeatable() ? "*" : "1") + valueOf(option));
     const bool hasValue = !option.valueName.empty();
     const std::string rest = '[' + escaped(option.help) + ']' + (hasValue ? valueOf(option) : "");
-    std::string specs;
+    std::string entries;
     for (const std::string& name : option.names) {
-        std::string spec = option.isRepeatable() ? "*" : '(' + joined(option.names, " ") + ')';
-        spec += name;
-        if (hasValue) spec += name.size() > 2 ? '=' : '+';
-        specs += (specs.empty() ? "" : " ") + quoted(spec + rest);
+        std::string entry = option.isRepeatable() ? "*" : '(' + joined(option.names, " ") + ')';
+        entry += name;
+        if (hasValue) entry += name.size() > 2 ? '=' : '+';
+        entries += (entries.empty() ? "" : " ") + quoted(entry + rest);
     }
-    return specs;
+    return entries;
 }
 
-std::string specsOf(const Command& command, const std::string& indent) {
-    std::string specs;
-    for (const Option& option : command.options) specs += indent + specOf(option) + " \\\n";
-    return specs;
+std::string entriesOf(const Command& command, const std::string& indent) {
+    std::string entries;
+    for (const Option& option : command.options) entries += indent + entryOf(option) + " \\\n";
+    return entries;
 }
 
 std::string caseOf(const Command& command) {
-    std::string specs = specsOf(command, "                        ");
-    specs.resize(specs.size() - 3);  // " \\\n"
-    return "                " + command.name + ")\n                    _arguments \\\n" + specs + " ;;\n";
+    std::string entries = entriesOf(command, "                        ");
+    entries.resize(entries.size() - 3);  // " \\\n"
+    return "                " + command.name + ")\n                    _arguments \\\n" + entries + " ;;\n";
 }
 
 }  // namespace
@@ -88,7 +88,7 @@ std::string zshCompletion(const Command& program) {
     }
     std::string script = kScript;
     fillIn(script, "COMMANDS", commands);
-    fillIn(script, "OPTIONS", specsOf(program, "        "));
+    fillIn(script, "OPTIONS", entriesOf(program, "        "));
     fillIn(script, "CASES", cases);
     return script;
 }

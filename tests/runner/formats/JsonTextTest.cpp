@@ -59,7 +59,7 @@ TEST(JsonText, PlacesAnError) {
 }
 
 TEST(JsonText, RefusesAnIntegerOfMoreThan64Bits) {
-    const std::string reason = ": the integer needs more than 64 bits; with .0 behind it, it is a double";
+    const std::string reason = ": the integer needs more than 64 bits; with .0 after it, it is a double";
     EXPECT_EQ(errorIn("[9223372036854775808]"), '1' + reason);
     EXPECT_EQ(errorIn("123456789012345678901"), '0' + reason);
 }

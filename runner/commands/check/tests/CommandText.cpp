@@ -149,7 +149,7 @@ private:
         std::string set = "[1";
         for (std::size_t n = 3; set.size() < kVeryLong; n += 2) set += ',' + std::to_string(n);
         replace("without the = of " + name, i, {name + ' ' + value, ""});
-        replace("with nothing behind the = of " + name, i, {name + " =", ""});
+        replace("with nothing after the = of " + name, i, {name + " =", ""});
         replace("with two = of " + name, i, {name, "= " + value});
         replace("without the name " + name, i, {"", value});
         replace("with a very long name", i, {name + std::string(kVeryLong, 'A'), value});

@@ -77,7 +77,7 @@ Disturbance withoutMemory(std::size_t first, std::size_t last) {
         const AllocationFaults faults(first, last);
         command();
     };
-    const char* const which = first == last ? " fails" : " and all behind it fail";
+    const char* const which = first == last ? " fails" : " and all after it fail";
     return {"allocation " + std::to_string(first) + which, run, {"missing-errmsg", "leaked-arglist"}, true};
 }
 

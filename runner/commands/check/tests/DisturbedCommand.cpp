@@ -91,7 +91,7 @@ DisturbedCommand::Position DisturbedCommand::runTogether(Position at, Position e
         isPossibleAgain = !deed.accepted || m_repeats;
     }
     if (isPossibleAgain) {
-        expectUsual(runOnce(session), "the same command behind it, undisturbed, does not do what it does", "before");
+        expectUsual(runOnce(session), "the same command after it, undisturbed, does not do what it does", "before");
     }
     session.end();
     return at;
