@@ -31,7 +31,7 @@ constexpr const char* SET_name = "$set";
 constexpr const char* OFFSETS_name = "$offsets";
 constexpr const char* VALUE_name = "$value";
 
-std::string quoted(std::string_view text) { return '\'' + shortText(text) + '\''; }
+std::string inQuotes(std::string_view text) { return '\'' + shortText(text) + '\''; }
 
 std::string inUpperCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -62,10 +62,10 @@ Members membersOf(const JsonValue::Object& object, std::initializer_list<const c
     Members members;
     for (const JsonMember& member : object) {
         if (std::find(names.begin(), names.end(), member.name) == names.end()) {
-            throw JsonError(member.at, quoted(member.name) + " is none of '" + joined(names, "', '") + '\'');
+            throw JsonError(member.at, inQuotes(member.name) + " is none of '" + joined(names, "', '") + '\'');
         }
         if (!members.emplace(member.name, &member.value).second) {
-            throw JsonError(member.at, quoted(member.name) + " is given twice");
+            throw JsonError(member.at, inQuotes(member.name) + " is given twice");
         }
     }
     return members;
@@ -166,7 +166,7 @@ private:
             checkKeyword(member);
             if (!known.insert(inUpperCase(member.name)).second) {
                 throw JsonError(member.at,
-                                quoted(member.name) + " is given twice; the case of letters does not matter");
+                                inQuotes(member.name) + " is given twice; the case of letters does not matter");
             }
             m_path.push_back(member.name);
             takeSetting(member.value);
@@ -176,10 +176,10 @@ private:
 
     void checkKeyword(const JsonMember& keyword) const {
         if (keyword.name.empty()) throw JsonError(keyword.at, "a keyword is empty");
-        if (isSpecial(keyword)) throw JsonError(keyword.at, quoted(keyword.name) + " cannot stand among keywords");
+        if (isSpecial(keyword)) throw JsonError(keyword.at, inQuotes(keyword.name) + " cannot stand among keywords");
         if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword cannot hold a NUL");
         if (m_path.size() == kMostStyleKeywords) {
-            throw JsonError(keyword.at, quoted(keyword.name) + " is the seventh keyword of a path; six are the most");
+            throw JsonError(keyword.at, inQuotes(keyword.name) + " is the seventh keyword of a path; six are the most");
         }
     }
 
@@ -223,7 +223,7 @@ private:
         const std::size_t kind = setting.value.index();
         const std::size_t expected = kind == Double ? Double : expectedKind();
         if (kind != expected) {
-            throw JsonError(value.at, "add-ons take " + quoted(m_path.back()) + " for " + kKindNames[expected] +
+            throw JsonError(value.at, "add-ons take " + inQuotes(m_path.back()) + " for " + kKindNames[expected] +
                                           " unless it is a double, but this is " + kKindNames[kind]);
         }
         m_settings.push_back(std::move(setting));
