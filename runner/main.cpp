@@ -20,7 +20,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kAbout = "Runs add-ons, and macro files of their commands, without the host application.";
+constexpr const char* kAbout = "Runs add-ons and macro files without the host application.";
 
 constexpr const char* kFooter = R"(Examples:
   vexa-standin new wake-probe

@@ -62,7 +62,7 @@ Members membersOf(const JsonValue::Object& object, std::initializer_list<const c
     Members members;
     for (const JsonMember& member : object) {
         if (std::find(names.begin(), names.end(), member.name) == names.end()) {
-            throw JsonError(member.at, quoted(member.name) + " is none of '" + joined(names, "', '") + '\'');
+            throw JsonError(member.at, quoted(member.name) + " is not one of '" + joined(names, "', '") + '\'');
         }
         if (!members.emplace(member.name, &member.value).second) {
             throw JsonError(member.at, quoted(member.name) + " is given twice");
@@ -85,7 +85,7 @@ toolbox::Set setOf(const std::string& text, std::size_t at) {
 std::string membersOf(const JsonValue& item) {
     const auto* const index = std::get_if<std::int64_t>(&item.value);
     if (index != nullptr && *index >= 0) return std::to_string(*index);
-    const auto& range = required<std::string>(item, "an index from 0 up, or a range such as \"5-7\"");
+    const auto& range = required<std::string>(item, "an index of 0 or more, or a range such as \"5-7\"");
     return range.find_first_not_of(" \t") == std::string::npos ? "" : range;
 }
 
@@ -144,7 +144,7 @@ standin::StyleValue valueOf(const JsonValue& value) {
     if (const auto* const object = std::get_if<JsonValue::Object>(&value.value))
         return markedValueOf(*object, value.at);
     const auto& text = required<std::string>(value, "a number, a text, a set or keywords");
-    if (holdsNul(text)) throw JsonError(value.at, "a text cannot hold a NUL");
+    if (holdsNul(text)) throw JsonError(value.at, "a text must not contain a NUL");
     return text;
 }
 
@@ -176,10 +176,11 @@ private:
 
     void checkKeyword(const JsonMember& keyword) const {
         if (keyword.name.empty()) throw JsonError(keyword.at, "a keyword is empty");
-        if (isSpecial(keyword)) throw JsonError(keyword.at, quoted(keyword.name) + " cannot stand among keywords");
-        if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword cannot hold a NUL");
+        if (isSpecial(keyword)) throw JsonError(keyword.at, quoted(keyword.name) + " cannot be used beside keywords");
+        if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword must not contain a NUL");
         if (m_path.size() == kMostStyleKeywords) {
-            throw JsonError(keyword.at, quoted(keyword.name) + " is the seventh keyword of a path; six are the most");
+            throw JsonError(keyword.at,
+                            quoted(keyword.name) + " is the seventh keyword of a path; at most six are allowed");
         }
     }
 

@@ -215,7 +215,7 @@ private:
         if (overrun.finding) {
             concludeHang(overrun);
         } else {
-            tell(m_options.macroFile, "cannot be read: it has no end after " + secondsText(overrun.limit));
+            tell(m_options.macroFile, "cannot be read: it did not end within " + secondsText(overrun.limit));
         }
         finish(status);
         m_view.leaveTerminal();

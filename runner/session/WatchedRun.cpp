@@ -101,8 +101,9 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
         m_outputs.tellEnd();
         return static_cast<ExitStatus_e>(outcome.status);
     }
-    tell(m_options.macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
-    return conclude(box, ExitStatus_e::BadUsageOrInput, "part of what the run told was lost");
+    tell(m_options.macroFile,
+         "error: a part of the run's report was lost: an add-on closed a file that it does not own");
+    return conclude(box, ExitStatus_e::BadUsageOrInput, "a part of the run's report was lost");
 }
 
 ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {

@@ -43,7 +43,7 @@ TEST_F(Report, OfWhatIsNoTraceIsRefused) {
         const char* why;
     };
     const Case cases[] = {
-        {"text", "this is no trace that 'vexa-standin run --trace' wrote"},
+        {"text", "this is not a trace of 'vexa-standin run --trace'"},
         {"gone", "cannot be read: No such file or directory"},
         {"folder", "cannot be read: Is a directory"},
     };

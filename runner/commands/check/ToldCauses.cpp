@@ -20,10 +20,10 @@ constexpr std::string_view kContext[] = {"tried: ",
                                          "in host call ",
                                          "last host call: ",
                                          "it had not called the host",
-                                         "the add-on was not at work yet",
+                                         "the add-on had not been called",
                                          "the process ran out of memory",
-                                         "the last that was printed:",
-                                         "a smaller macro shows the same:"};
+                                         "the last output:",
+                                         "a smaller macro shows the same error:"};
 constexpr std::string_view kFurther[] = {kIndentation, "its message: ", "without a message"};
 
 template <class Beginnings>
@@ -135,8 +135,8 @@ std::string ToldCauses::summary() const {
     std::string lines;
     for (const Cause& cause : m_causes) {
         if (cause.tests < 2) continue;
-        addLine(lines, std::to_string(cause.tests) + " tests have the cause that " + cause.firstTest +
-                           " shows: " + shortText(cause.headline));
+        addLine(lines, std::to_string(cause.tests) + " tests have the same cause, first seen in " + cause.firstTest +
+                           ": " + shortText(cause.headline));
     }
     return lines;
 }

@@ -166,10 +166,10 @@ ExitStatus_e explain(const ExplainOptions& options) {
 Command explainCommand() {
     const auto options = std::make_shared<ExplainOptions>();
     Command command{"explain", "Explain the rules of the host's contract", kExplainFooter};
-    command.add(argument("RULE", "The rule to explain; without one, all rules are listed", &options->rule)
+    command.add(argument("RULE", "The rule to explain; by default all rules are listed", &options->rule)
                     .suggest(ruleNames())
                     .exclude("--markdown"));
-    command.add(flag({"--markdown"}, "Print the page of all rules", &options->markdown).exclude("RULE"));
+    command.add(flag({"--markdown"}, "Print all rules as a Markdown page", &options->markdown).exclude("RULE"));
     command.run = [options] { return explain(*options); };
     return command;
 }

@@ -51,12 +51,11 @@ char upper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 void refuseAsTarget(const fs::path& folder, const std::string& name) {
     const std::string other = "; choose another name for the folder";
     if (std::find(std::begin(kTakenNames), std::end(kTakenNames), name) != std::end(kTakenNames)) {
-        refuse(folder, "CMake keeps the name '" + name + "' for itself" + other);
+        refuse(folder, "CMake reserves the name '" + name + "'" + other);
     }
     if (!std::all_of(name.begin(), name.end(), isTargetCharacter)) {
-        refuse(folder, "'" + name +
-                           "' cannot be a target of CMake, whose name has letters, digits, '_', '-', '.' and '+'" +
-                           other);
+        refuse(folder,
+               "'" + name + "' cannot be a CMake target; expected letters, digits, '_', '-', '.' and '+'" + other);
     }
 }
 
@@ -145,10 +144,10 @@ void refuseWhatIsThere(const fs::path& folder) {
     std::error_code error;
     const fs::file_status status = fs::status(folder, error);
     if (!fs::exists(status)) return;
-    if (!fs::is_directory(status)) refuse(folder, "is there already, and no folder");
+    if (!fs::is_directory(status)) refuse(folder, "it exists and is not a folder");
     const bool isEmpty = fs::is_empty(folder, error);
     if (error) refuse(folder, "cannot be read: " + error.message());
-    if (!isEmpty) refuse(folder, "is there already, and not empty");
+    if (!isEmpty) refuse(folder, "it exists and is not empty");
 }
 
 }  // namespace

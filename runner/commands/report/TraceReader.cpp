@@ -19,8 +19,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Kind_e = TracedSpan::Kind_e;
 
-constexpr const char* kNoTrace = "this is no trace that 'vexa-standin run --trace' wrote";
-constexpr const char* kWrongPart = "an event with a part missing, or of another kind";
+constexpr const char* kNoTrace = "this is not a trace of 'vexa-standin run --trace'";
+constexpr const char* kWrongPart = "an event with a missing part, or with a part of the wrong type";
 constexpr double kNanosecondsPerMicrosecond = 1000;
 constexpr double kMostNanoseconds = 1LL << 53;  // the largest integer that JavaScript counts exactly: 104 days
 constexpr int kMostNested = 8;
@@ -37,7 +37,7 @@ Json eventIn(std::string_view line) {
     const auto isBounded = [&](int depth, Json::parse_event_t token, const Json&) {
         if (depth > kMostNested) throw std::invalid_argument("an event that is nested too deeply");
         if (token == Json::parse_event_t::key && ++parts > kMostParts) {
-            throw std::invalid_argument("an event of too many parts");
+            throw std::invalid_argument("an event with too many parts");
         }
         return true;
     };
@@ -88,7 +88,7 @@ public:
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
         if (phase == "i") return readInstant(event, time);
-        if (phase != "C") throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
+        if (phase != "C") throw std::invalid_argument("an event of unknown type " + Json(shortText(phase)).dump());
         m_run.percents.emplace_back(time, integerIn(event.at("args").at("percent")));
     }
 
@@ -142,7 +142,7 @@ private:
 
     void end(const Json& event, std::int64_t time) {
         auto& open = m_open[trackOf(event)];
-        if (open.empty()) throw std::invalid_argument("an end without its beginning");
+        if (open.empty()) throw std::invalid_argument("an end without a start");
         TracedSpan& span = m_run.spans[open.back()];
         open.pop_back();
         if (event.at("cat") == "cut off") return;  // it did not end
@@ -176,7 +176,7 @@ private:
     std::int64_t timeOf(const Json& event) const {
         const double time = event.at("ts");
         const double nanoseconds = (time - m_origin) * kNanosecondsPerMicrosecond;
-        if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("a time that no run can have");
+        if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("an impossible time");
         return std::llround(nanoseconds);
     }
 
@@ -219,7 +219,7 @@ TracedRun readTrace(const std::string& file) {
         try {
             const Json event = eventIn(line);
             if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written
-            if (event.is_discarded()) throw std::invalid_argument("no event of a trace");
+            if (event.is_discarded()) throw std::invalid_argument("not an event of a trace");
             builder.add(event);
         } catch (const Json::exception&) {
             refuse(path, number, builder.hasHeader() ? kWrongPart : kNoTrace);

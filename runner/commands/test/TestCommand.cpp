@@ -33,20 +33,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kTestFooter = R"(NAME.expected beside each NAME.macro has what it should do; --accept writes it:
+constexpr const char* kTestFooter = R"(NAME.expected has the expected results of NAME.macro; --accept writes it:
   > STATS MEAN ZONES = '1-3'        a command of the macro
     mean 5.9                        what was printed
   ! dialog: no such zone            a message, a dialog, or a broken rule
   + STATS MEAN ZONES = '1-3'        what was recorded
-All commands run, even after one has failed. Each macro runs in a process of its
-own, in the current folder.
+All commands run, even after one has failed. Each macro runs in its own process,
+in the current folder.
 
 Example:
   vexa-standin test tests/macros --addon ./libstats.so
 
 Exit status:
-  0    all macros did what is expected, or --accept wrote what they did
-  1    a macro did not, or with --strict an add-on broke the contract
+  0    all results are as expected, or --accept saved them
+  1    a macro has other results, or with --strict an add-on broke the contract
   2    wrong usage or input; a file could not be read or written
   130  stopped by Ctrl-C)";
 
@@ -74,11 +74,11 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
         if (path.extension() == kMacro) macros.push_back(path.string());
         std::error_code isUnknown;
         if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
-            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");
+            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " in this folder");
         }
     }
     if (error) throw PathError(folder.string() + ": cannot be read: " + error.message());
-    if (macros.empty()) throw PathError(folder.string() + ": there is no macro in it, NAME" + kMacro);
+    if (macros.empty()) throw PathError(folder.string() + ": it has no macro NAME" + kMacro);
     std::sort(macros.begin(), macros.end());
     return macros;
 }
@@ -211,7 +211,7 @@ private:
             return verdictOn(macro, static_cast<TranscriptEnd_e>(outcome.status), transcript);
         }
         const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
-        if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
+        if (outcome.end == End_e::Left) return {false, "a part of its report was lost", lines};
         if (outcome.end == End_e::TimedOut)
             return {false, "it did not return within its time limit", textOf(lateFinding(box))};
         if (wasInterrupted(outcome)) {
@@ -270,7 +270,7 @@ private:
         std::string difference = lineDifference(expected.value_or(""), transcript);
         if (hasNewFinding(difference)) difference += told.explained();
         if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
-        return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
+        return {false, "its results differ from " + path + "; --accept saves the new results", difference};
     }
 
     const TestOptions& m_options;
@@ -288,18 +288,18 @@ private:
 
 Command testCommand() {
     const auto options = std::make_shared<TestOptions>();
-    Command command{"test", "Compare what macros do with what is expected of them", kTestFooter};
-    command.add(argument("MACRO", "Folders of macros, NAME.macro, or such files", &options->paths).require());
+    Command command{"test", "Compare the results of macros with the expected results", kTestFooter};
+    command.add(argument("MACRO", "Macro files NAME.macro, or folders of them", &options->paths).require());
     command.add(addOnOption(options->addOns).require());
-    command.add(flag({"--accept"}, "Expect from now on what they do now", &options->accepts));
+    command.add(flag({"--accept"}, "Save the current results as the expected results", &options->accepts));
     command.add(jobsOption(options->jobs, "macros"));
     command.add(styleOption(options->style));
-    command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
+    command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
-    command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options->batch));
+    command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options->batch));
     command.run = [options] {
         return addProjectFile(options->contract) ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
     };

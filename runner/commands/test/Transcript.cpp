@@ -127,7 +127,7 @@ private:
     TranscriptEnd_e conclude(const Overrun& overrun) {
         m_notes.ask(kPrintedNote, "");
         if (!overrun.finding) {
-            note(m_macroFile + ": cannot be read: it has no end after " + secondsText(overrun.limit) + '\n');
+            note(m_macroFile + ": cannot be read: it did not end within " + secondsText(overrun.limit) + '\n');
             return TranscriptEnd_e::NotRun;
         }
         note(findingLine(*overrun.finding));

@@ -94,7 +94,7 @@ standin::Finding lateFinding(const ProcessBox& box) {
 // A drawn status line itself shows that a task is stopping.
 void UserWork::stopAsked(std::size_t, const ProcessBox& box) {
     m_isStopAsked = true;
-    if (!box.isStatusDrawn) tell(placeOf(box), "stop was asked for; a second Ctrl-C ends the program");
+    if (!box.isStatusDrawn) tell(placeOf(box), "stop requested; a second Ctrl-C ends the program");
 }
 
 void UserWork::killed(std::size_t, const ProcessBox& box, int signal) {

@@ -29,7 +29,7 @@ Descriptor takeStandardOutput() {
 // Without O_NONBLOCK, opening a pipe that nobody reads would wait forever.
 Descriptor openedStream(const std::string& path) {
     Descriptor stream(open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!stream.isOpen() && errno == ENXIO) refuseOutput(path, "nobody reads it");
+    if (!stream.isOpen() && errno == ENXIO) refuseOutput(path, "no process reads it");
     if (!stream.isOpen() || fcntl(stream.get(), F_SETFL, 0) != 0) refuseOutput(path);
     return stream;
 }

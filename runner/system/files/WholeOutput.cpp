@@ -84,7 +84,7 @@ WholeOutput::WholeOutput(const std::string& path) : m_path(path) {
     const SignalMask blocked(allSignals());
     const Draft draft(m_target);
     if (!draft.isOpen())
-        refuseOutput(path, "no file can be made in its folder: " + std::generic_category().message(errno));
+        refuseOutput(path, "cannot create a file in its folder: " + std::generic_category().message(errno));
 }
 
 void WholeOutput::replace(std::string_view text) {

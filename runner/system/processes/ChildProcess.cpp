@@ -49,7 +49,7 @@ ChildProcess::ChildProcess(const Streams& streams, const sigset_t& mask, const s
     std::fflush(nullptr);  // otherwise the child would write the buffers again
     const pid_t parent = getpid();
     m_id = fork();
-    if (m_id < 0) throwLastError("no other process");
+    if (m_id < 0) throwLastError("cannot create a process");
     if (m_id == 0) becomeChild(parent, streams, mask, work);
     setpgid(m_id, m_id);
 }

@@ -82,7 +82,7 @@ AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>
     m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
     m_entry = reinterpret_cast<AddOnEntry>(dlsym(m_object.get(), kEntryName));
-    if (m_entry == nullptr) throw refusal("it exports no function vexaAddOn, so it is no add-on");
+    if (m_entry == nullptr) throw refusal("it does not export the function vexaAddOn, so it is not an add-on");
 }
 
 AddOn::AddOn(AddOnEntry entry) : m_identity(std::make_unique<AddOnList_s>()), m_entry(entry) {

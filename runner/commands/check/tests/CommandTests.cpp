@@ -116,7 +116,7 @@ Verdict commandsFromSecondAddOn(Trial& trial) {
 
 Verdict inBatchMode(Trial& trial) {
     for (const std::string& dialog : dialogsInMode(trial, "in batch mode", &standin::Host::setBatchMode)) {
-        trial.warn("in batch mode a dialog comes up, with nobody there to close it: " + dialog);
+        trial.warn("in batch mode the add-on shows a dialog, which nobody can close: " + dialog);
     }
     return {};
 }
@@ -146,7 +146,7 @@ Verdict recordAndReplay(Trial& trial) {
     if (first == second) return {};
     const auto same = std::mismatch(first.begin(), first.end(), second.begin(), second.end()).first - first.begin();
     const auto index = static_cast<std::size_t>(same);
-    throw CaseFailed("what was recorded records something else when it is run\nfirst: " + lineOf(first, index) +
+    throw CaseFailed("the recorded commands record something else when they are run\nfirst: " + lineOf(first, index) +
                      "\nthen:  " + lineOf(second, index));
 }
 

@@ -125,7 +125,7 @@ private:
         for (std::size_t i = 0; i != kManyOptions; ++i) swollen += " N" + std::to_string(i) + " = 1";
         add("with very many options", swollen);
         add("with a very long first word", m_command.word + std::string(kVeryLong, 'A'));
-        add("with very many blanks behind it", m_text + std::string(kVeryLong, ' '));
+        add("with very many blanks after it", m_text + std::string(kVeryLong, ' '));
     }
 
     void option(std::size_t i) {
@@ -173,7 +173,7 @@ private:
     void cuts() {
         const std::size_t step = m_text.size() / kMostCuts + 1;
         for (std::size_t at = 1; at < m_text.size(); at += step) {
-            add("cut behind byte " + std::to_string(at), m_text.substr(0, at));
+            add("cut after byte " + std::to_string(at), m_text.substr(0, at));
         }
         for (std::size_t at = 1; at < m_text.size(); at += step) {
             add("without its first " + std::to_string(at) + " bytes", m_text.substr(at));
@@ -191,7 +191,7 @@ private:
             for (const std::size_t at : {m_text.size() / 3, m_text.size() * 2 / 3, m_text.size()}) {
                 std::string text = m_text;
                 text.insert(at, 1, byte);
-                add("with a strange byte behind byte " + std::to_string(at), text);
+                add("with a strange byte after byte " + std::to_string(at), text);
             }
         }
     }
@@ -229,7 +229,7 @@ std::vector<DamagedText> strangeTexts() {
         every += one;
         texts.push_back({"byte " + std::to_string(byte) + " alone", one});
     }
-    texts.push_back({"every byte there is", every});
+    texts.push_back({"every possible byte", every});
     for (const char* const text : kValues) texts.push_back({"a value alone", text});
     for (const char byte : std::string_view("A '\"[=\\1\xFF")) {
         texts.push_back({"the same byte very often", std::string(kVeryLong, byte)});

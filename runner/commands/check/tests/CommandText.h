@@ -8,7 +8,7 @@ namespace vexa::runner {
 
 /// A damaged command text.
 struct DamagedText {
-    std::string how;  ///< what is damaged, for example "cut behind byte 7"
+    std::string how;  ///< what is damaged, for example "cut after byte 7"
     std::string text;
 };
 

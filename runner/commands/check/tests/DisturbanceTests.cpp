@@ -117,7 +117,7 @@ Verdict hostCallFails(Trial& trial) {
         for (const standin::HostFunctionInfo& info : standin::hostFunctions()) addFailures(trial, all, command, info);
         return all;
     };
-    return tryDisturbances(trial, failures, "there was nothing to disturb");
+    return tryDisturbances(trial, failures, "nothing can be disturbed");
 }
 
 Verdict stopPressed(Trial& trial) {
@@ -128,7 +128,7 @@ Verdict stopPressed(Trial& trial) {
         }
         return all;
     };
-    return tryDisturbances(trial, stops, "no command shows a progress that could be stopped");
+    return tryDisturbances(trial, stops, "no command shows a progress");
 }
 
 Verdict allocationFails(Trial& trial) {
@@ -141,8 +141,8 @@ Verdict allocationFails(Trial& trial) {
         return all;
     };
     return tryDisturbances(trial, failures,
-                           "no allocation was seen: the commands make none, or the add-on has an operator new of its "
-                           "own, as when it is linked with the C++ library inside");
+                           "no allocation was seen: the commands make none, or the add-on has its own operator new, "
+                           "for example because it links the C++ library statically");
 }
 
 }  // namespace vexa::runner

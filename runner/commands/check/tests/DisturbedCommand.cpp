@@ -91,7 +91,8 @@ DisturbedCommand::Position DisturbedCommand::runTogether(Position at, Position e
         isPossibleAgain = !deed.accepted || m_repeats;
     }
     if (isPossibleAgain) {
-        expectUsual(runOnce(session), "the same command after it, undisturbed, does not do what it does", "before");
+        expectUsual(runOnce(session), "after it, the same command has another result, although nothing disturbs it",
+                    "before");
     }
     session.end();
     return at;
@@ -105,7 +106,7 @@ Deed DisturbedCommand::runDisturbed(CheckedSession& session, const Disturbance& 
     session.expectContractKept();
     expectReplayable(deed.recorded);
     if (disturbance.successIsWhole && deed.accepted) {
-        expectUsual(deed, "the command reports success, but did not do all it does", "undisturbed");
+        expectUsual(deed, "the command reports success, but did only a part of its work", "undisturbed");
     }
     return deed;
 }
@@ -169,7 +170,7 @@ Verdict tryDisturbances(Trial& trial,
         }
     }
     std::string reason = std::to_string(tried) + (tried == 1 ? " case" : " cases");
-    if (tried != count) reason += " of " + std::to_string(count) + "; then the time was up";
+    if (tried != count) reason += " of " + std::to_string(count) + "; the time was over";
     return {Outcome_e::Passed, reason};
 }
 

@@ -51,7 +51,7 @@ std::string whyOfAnotherKind(const ElfFile& file) {
         return "it is built for processors of ELF machine " + std::to_string(file.machine) + ", but the host for " +
                std::to_string(own.machine);
     }
-    return file.type == ET_DYN ? "" : "it is no shared object, but an object file or a program; link it as a module";
+    return file.type == ET_DYN ? "" : "it is an object file or a program, not a shared object; link it as a module";
 }
 
 using Library = std::unique_ptr<void, int (*)(void*)>;
@@ -67,7 +67,8 @@ std::filesystem::path folderOf(const Library& library) {
 
 std::string whereFrom(const std::string& symbol) {
     if (startsWith(symbol, "VexaUtil")) return "the host has no such function; was it written for another host?";
-    if (startsWith(demangled(symbol), "vexa::")) return "link vexa::vexautilutil, of the version it was compiled with";
+    if (startsWith(demangled(symbol), "vexa::"))
+        return "link the version of vexa::vexautilutil with which it was compiled";
     return "link the library that has it";
 }
 
@@ -92,9 +93,9 @@ std::string explained(const std::string& path, const ElfFile& file, const std::s
         return "the library " + error.substr(0, library) + ", which it needs, was not found in" + folders +
                " LD_LIBRARY_PATH and the system's folders";
     }
-    std::string lines = "it cannot be bound: " + error;
+    std::string lines = "its symbols cannot be bound: " + error;
     for (const std::string& symbol : missingSymbols(path, file)) {
-        lines += "\nnobody has " + demangled(symbol) + ": " + whereFrom(symbol);
+        lines += "\nno library has " + demangled(symbol) + ": " + whereFrom(symbol);
     }
     return lines;
 }
@@ -120,14 +121,14 @@ void checkExports(Trial& trial, const ElfFile& file, std::string& errors) {
         hasEntry |= isEntry;
         if (!isEntry) (symbol.isStrong ? strong : weak).push_back(demangled(symbol.name));
     }
-    const std::string mend = "; link with a version script that exports vexaAddOn alone";
-    if (!hasEntry) addLine(errors, "it exports no vexaAddOn, so it is no add-on");
+    const std::string mend = "; link with a version script that exports only vexaAddOn";
+    if (!hasEntry) addLine(errors, "it does not export vexaAddOn, so it is not an add-on");
     if (!strong.empty()) {
-        addLine(errors,
-                "it exports more than vexaAddOn, which other add-ons may take for theirs: " + listed(strong) + mend);
+        addLine(errors, "it exports more than vexaAddOn; other add-ons may use these symbols by accident: " +
+                            listed(strong) + mend);
     }
     if (!weak.empty()) {
-        trial.warn("templates and inline functions are exported, which add-ons then share by chance: " + listed(weak) +
+        trial.warn("it exports templates and inline functions; add-ons may share them by accident: " + listed(weak) +
                    mend);
     }
 }
@@ -151,10 +152,10 @@ void checkRunPaths(Trial& trial, const ElfFile& file, std::string& errors) {
         if (startsWith(path, "/")) {
             if (isWhereTheHostLooks(path, file)) continue;
             trial.warn("it looks for libraries in " + path +
-                       ", which is there on this machine; install it with a run path from $ORIGIN on");
+                       ", a folder of this machine; install it with a run path that starts with $ORIGIN");
         } else {
             addLine(errors, "it looks for libraries in \"" + path +
-                                "\", so in the folder the host is started in, where anybody may put one");
+                                "\", which means the current folder of the host, where anybody can put one");
         }
     }
 }
@@ -162,11 +163,11 @@ void checkRunPaths(Trial& trial, const ElfFile& file, std::string& errors) {
 void checkMemory(const ElfFile& file, std::string& errors) {
     if (file.hasExecutableStack) {
         addLine(errors,
-                "it asks for a stack whose content can be executed, for the whole host; an assembly source without a "
-                ".note.GNU-stack section does that, or -z execstack");
+                "it makes the stack of the whole host executable; the cause is an assembly source without a "
+                ".note.GNU-stack section, or -z execstack");
     }
     if (file.hasTextRelocations) {
-        addLine(errors, "its code is changed while it is loaded (text relocations); compile all of it with -fPIC");
+        addLine(errors, "the loader must change its code (text relocations); compile all of it with -fPIC");
     }
 }
 

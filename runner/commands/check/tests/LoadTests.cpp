@@ -70,18 +70,20 @@ std::string whyStillMapped(const std::string& path) {
     const auto unique = find([](const ElfSymbol& symbol) { return symbol.isDefined && symbol.isUnique; });
     if (unique != file.symbols.end()) {
         add("the whole process shares its " + demangled(unique->name) +
-            ", which pins it; compile with -fno-gnu-unique, or export vexaAddOn alone by a version script");
+            ", which keeps the file loaded; compile with -fno-gnu-unique, or export only vexaAddOn by a version "
+            "script");
     }
     const auto threadExit =
         find([](const ElfSymbol& symbol) { return startsWith(symbol.name, "__cxa_thread_atexit"); });
     if (threadExit != file.symbols.end()) {
-        add("it has thread_local objects with destructors; one of the host's own thread pins it until that ends");
+        add("it has thread_local objects with destructors; such an object of a host thread keeps the file loaded until "
+            "the thread ends");
     }
     if (reasons.empty()) {
-        reasons = "\nnothing in the file tells why; it may have opened itself by dlopen(), or another library did";
+        reasons = "\nthe file does not show why; the add-on or another library may have opened it by dlopen()";
     }
-    return "its file is still mapped after it was unloaded: its static state stays, and a new version of it is not "
-           "taken before the host ends" +
+    return "its file is still mapped after it was unloaded: its static state stays, and the host cannot load a new "
+           "version before it is restarted" +
            reasons;
 }
 
@@ -97,8 +99,8 @@ void expectNoThreadLeft(Trial& trial, const std::string& path) {
     if (staysWithMoreThreads(threads)) {
         (void)hold.release();  // the thread goes on
         throw CaseFailed(
-            "a thread of the add-on still runs after its shutdown, in code that is unloaded then; end and "
-            "join it in the shutdown");
+            "a thread of the add-on still runs after the shutdown, in code that the host then unloads; end and "
+            "join the thread in the shutdown");
     }
 }
 
@@ -106,10 +108,11 @@ void expectNothingLeft(const Holdings& before, const Holdings& after) {
     constexpr std::size_t kRoundsCounted = kRounds - kFirstRounds;
     const std::size_t bytes = after.bytes > before.bytes ? (after.bytes - before.bytes) / kRoundsCounted : 0;
     if (bytes > kBytesAllowed) {
-        throw CaseFailed(std::to_string(bytes) + " bytes of memory are lost each time that it is loaded and unloaded");
+        throw CaseFailed(std::to_string(bytes) +
+                         " bytes of memory are lost each time the add-on is loaded and unloaded");
     }
     if (after.mappings >= before.mappings + kRoundsCounted) {
-        throw CaseFailed("a mapping of memory, or of a file, is left each time that it is loaded and unloaded");
+        throw CaseFailed("a mapping of memory or of a file is left each time the add-on is loaded and unloaded");
     }
 }
 

@@ -35,7 +35,7 @@ public:
         const bool all = trySystematically();
         tryAtRandom();
         std::string reason = std::to_string(m_count) + " texts";
-        if (!all) reason += "; the time was up before all of the kinds were tried";
+        if (!all) reason += "; the time was over before every kind was tried";
         return {Outcome_e::Passed, reason};
     }
 

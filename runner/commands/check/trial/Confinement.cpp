@@ -57,7 +57,7 @@ void takeMounts() {
     const std::string user = std::to_string(geteuid());
     const std::string group = std::to_string(getegid());
     if (unshare(CLONE_NEWNS) == 0) return;
-    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) throwLastError("no mounts of its own");
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) throwLastError("cannot create separate mounts");
     writeFile("/proc/self/setgroups", "deny");
     writeFile("/proc/self/uid_map", user + ' ' + user + " 1");
     writeFile("/proc/self/gid_map", group + ' ' + group + " 1");
@@ -75,7 +75,7 @@ void confineByLandlock(const fs::path& folder) {
     const long version = syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 0) throwLastError("Landlock");
     if (version < kVersionWithCut)
-        throw std::system_error(ENOSYS, std::generic_category(), "Landlock that covers cutting");
+        throw std::system_error(ENOSYS, std::generic_category(), "Landlock cannot refuse truncation");
     landlock_ruleset_attr handled{};
     handled.handled_access_fs = kWriting;
     const Descriptor rules(syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0));
