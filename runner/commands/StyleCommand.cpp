@@ -82,7 +82,7 @@ Command styleCommand() {
     command.add(option({"--offset1"}, "N", "The first index of the query (default 0)", &options->offset1));
     command.add(option({"--offset2"}, "N", "The second index of the query (default 0)", &options->offset2));
     command.check = [options] {
-        // The library would leave further keywords away, except that the last one tells the kind.
+        // The library passes only six keywords to the host, but the last of all keywords decides the kind.
         if (options->path.size() > kMostStyleKeywords) throw UsageError("PATH: expected at most six keywords");
     };
     command.run = [options] { return showStyle(*options); };

@@ -31,7 +31,7 @@ std::string whatWasTried(const BlackBox& box) {
     return tried.empty() ? "" : "tried: " + tried;
 }
 
-// In the process of the test: its verdict, if the process lives so long.
+// Runs the test in the process of the test, and returns its verdict.
 Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     Trial trial(subject, box);
     const auto failed = [&](const std::string& reason, std::string macro) {
@@ -93,7 +93,7 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
 
 bool isWell(const ProcessEnd& end) { return end.hasLeft() && end.verdict; }
 
-// Runs `work` in a process of its own. The verdict is that of the process, or else one about how the process ended.
+// Runs `work` in another process. Returns the verdict of that process, or a verdict about the way in which it ended.
 Verdict watchedVerdict(const TestSetting& setting, BlackBox& box, const std::function<Verdict()>& work) {
     const ProcessEnd end = runWatched(setting, box, work);
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
@@ -115,7 +115,7 @@ void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& se
     verdict.macro = std::move(smaller);
 }
 
-// In the process of a test whose commands may be any text.
+// Called in the process of a test whose commands may be any text.
 Verdict confinedVerdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     try {
         subject.confinement->enter();

@@ -29,8 +29,8 @@ Exit status:
   2  wrong usage, or there is no such rule)";
 
 struct ExplainOptions {
-    std::optional<std::string> rule;  // all of them without
-    bool markdown = false;            // the page of all rules
+    std::optional<std::string> rule;  // the rule to explain; empty for a list of all rules
+    bool markdown = false;            // print the Markdown page of all rules
 };
 
 std::string padded(std::string text, std::size_t width) {
@@ -40,7 +40,7 @@ std::string padded(std::string text, std::size_t width) {
 
 std::size_t outputWidth() { return textColumnsOf(STDOUT_FILENO) - 1; }
 
-// A line a rule, which is continued below its text in a terminal. A narrow one has the text below the name.
+// Returns one line per rule. In a terminal, long lines are wrapped; in a narrow terminal the text is below the name.
 std::string listOfRules() {
     constexpr std::size_t kLeastText = 40;
     const std::size_t width = isTerminal(STDOUT_FILENO) ? outputWidth() : std::string::npos;

@@ -34,7 +34,7 @@ constexpr std::string_view kTakenNames[] = {
     "all",     "ALL_BUILD",      "clean",      "edit_cache",    "help",      "install", "INSTALL",    "package",
     "PACKAGE", "package_source", "preinstall", "rebuild_cache", "RUN_TESTS", "test",    "ZERO_CHECK", "CMAKE"};
 
-// Of ASCII, whatever the locale.
+// ASCII only, in every locale.
 bool isLower(char c) { return c >= 'a' && c <= 'z'; }
 bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
 bool isLetter(char c) { return isLower(c) || isUpper(c); }
@@ -80,7 +80,7 @@ std::string titleFor(std::string name) {
     return name;
 }
 
-// For a string literal of C++.
+// Escapes text for a C++ string literal.
 std::string escaped(const std::string& text) {
     std::string literal;
     for (const char c : text) {
@@ -107,7 +107,7 @@ std::string filled(std::string_view text, const ProjectNames& names) {
     return result;
 }
 
-// The files and folders that were made. Removes them unless keep() is called.
+// The created files and folders. The destructor removes them unless keep() was called.
 class MadePaths {
 public:
     MadePaths() = default;
@@ -118,7 +118,7 @@ public:
         for (auto path = m_paths.rbegin(); path != m_paths.rend(); ++path) fs::remove(*path, ignored);
     }
 
-    // Makes \p folder, and those above it that are missing.
+    // Creates \p folder, and missing folders above it.
     void makeFolder(const fs::path& folder) {
         std::error_code error;
         if (fs::is_directory(folder, error)) return;

@@ -50,10 +50,10 @@ struct ReplOptions : SessionOptions {
     std::optional<std::string> record;
 };
 
-constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
-constexpr char kLineRead = 'y';  // the answer's first character when there is a line
+constexpr char kLineNote = 'l';  // asks for a line; the note has the words for completion, one per line
+constexpr char kLineRead = 'y';  // the first character of an answer with a line
 
-// Runs the commands. It asks the notes for the lines that the user types.
+// Runs the commands. It gets the lines that the user types as answers to notes.
 class Repl {
 public:
     Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
@@ -88,7 +88,7 @@ private:
     void readLines() {
         std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
         for (const std::string& id : m_ids) {
-            // The terminal gets completed words unchanged.
+            // Skips ids with unprintable characters, because completed words go to the terminal unchanged.
             if (printableLine(id) == id) words += id + '\n';
         }
         for (;;) {
@@ -149,7 +149,7 @@ private:
     standin::Host& m_host = m_session.host();
 };
 
-// The side of the user: it reads the lines, and keeps the recording.
+// Works in the watching process: reads the lines of the user, and keeps the recording.
 class ReplDesk : public UserWork, private NotesInterface {
 public:
     explicit ReplDesk(const ReplOptions& options) : m_options(options) {

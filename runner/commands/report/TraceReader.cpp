@@ -44,7 +44,7 @@ Json eventIn(std::string_view line) {
     return Json::parse(line, isBounded, false);
 }
 
-// A conversion by the JSON library would also accept Booleans and fractions.
+// A conversion by the JSON library would accept Booleans and fractions, too.
 std::int64_t integerIn(const Json& part) { return part.get_ref<const Json::number_integer_t&>(); }
 
 std::size_t countIn(const Json& part) {
@@ -145,7 +145,7 @@ private:
         if (open.empty()) throw std::invalid_argument("an end without a start");
         TracedSpan& span = m_run.spans[open.back()];
         open.pop_back();
-        if (event.at("cat") == "cut off") return;  // it did not end
+        if (event.at("cat") == "cut off") return;  // the span did not end
         span.end = time;
         if (span.kind == Kind_e::Call) {
             const Json& facts = event.at("args");
@@ -191,7 +191,7 @@ private:
     bool m_hasHeader = false;
     double m_origin = 0;
     std::map<std::int64_t, std::size_t> m_trackIndexes;
-    std::map<std::size_t, std::vector<std::size_t>> m_open;  // by track, the spans, the outermost first
+    std::map<std::size_t, std::vector<std::size_t>> m_open;  // the open spans of each track, the outermost first
     std::vector<std::size_t> m_openEntries;
 };
 
@@ -218,7 +218,8 @@ TracedRun readTrace(const std::string& file) {
         const bool isLast = text.peek() == std::istringstream::traits_type::eof();
         try {
             const Json event = eventIn(line);
-            if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written
+            if (event.is_discarded() && isLast && builder.hasHeader())
+                break;  // the line was cut off while it was written
             if (event.is_discarded()) throw std::invalid_argument("not an event of a trace");
             builder.add(event);
         } catch (const Json::exception&) {

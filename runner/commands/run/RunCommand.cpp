@@ -62,7 +62,7 @@ The add-ons run in a separate process, which the program watches. Under gdb,
 lldb, rr, strace and valgrind they run in the program itself.)";
 
 struct RunRequest {
-    RunOptions options;  // but the macro file
+    RunOptions options;  // without the macro file
     std::vector<std::string> macroFiles;
     std::size_t jobs = 1;
 };
@@ -84,7 +84,7 @@ void refuseForSeveral(const RunRequest& request) {
     }
 }
 
-// The facts about the run that a trace starts with.
+// Adds the facts about the run with which a trace starts.
 void completeFacts(RunOptions& options) {
     RunFacts& facts = options.trace.facts;
     facts.macroFile = options.macroFile;

@@ -54,18 +54,19 @@ constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
 struct TestOptions : SessionOptions {
-    std::vector<std::string> paths;    // folders of macros, and macros
-    std::optional<std::string> junit;  // where the JUnit report goes
+    std::vector<std::string> paths;    // macros, and folders of macros
+    std::optional<std::string> junit;  // the file for the JUnit report
     std::size_t jobs = 1;              // how many macros run at a time
-    bool accepts = false;              // what the macros do is expected from now on
+    bool accepts = false;              // save the current results as the expected results
 };
 
-// A path is not a macro and not a folder of macros. The message is one line.
+// Reports a path that is neither a macro nor a folder of macros. The message is one line.
 struct PathError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// The macros in a folder, by name. An expectation without a macro is refused, for it would never be compared.
+// Returns the macros in a folder, sorted by name. Refuses an expected file without a macro, because it would never be
+// compared.
 std::vector<std::string> macrosIn(const fs::path& folder) {
     std::vector<std::string> macros;
     std::error_code error;
@@ -106,12 +107,12 @@ std::string expectationOf(const std::string& macro) { return fs::path(macro).rep
 
 struct MacroVerdict {
     bool passed = false;
-    std::string reason;  // one line; empty when it passed
-    std::string lines;   // that show it
+    std::string reason;  // one line; empty if the macro passed
+    std::string lines;   // lines that show the failure
 };
 
-// Runs each macro in a process of its own, compares what NAME.macro does with NAME.expected beside it, and prints the
-// result of each.
+// Runs each macro in its own process, compares the results of NAME.macro with NAME.expected in the same folder, and
+// prints the outcome.
 class MacroTests : public UserWork {
 public:
     explicit MacroTests(const TestOptions& options) : m_options(options) {}
@@ -145,7 +146,7 @@ private:
     void findFiles() {
         RunFiles files = inputsOf(m_options);
         files.read(m_macros);
-        std::set<std::string> expectations;  // a macro may be named twice
+        std::set<std::string> expectations;  // a set, because the user may name a macro twice
         for (const std::string& macro : m_macros) {
             const std::string expectation = expectationOf(macro);
             const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
@@ -240,7 +241,7 @@ private:
         return {false, "it cannot be run", transcript.text()};
     }
 
-    // The part of the transcript about the last command.
+    // Returns the part of the transcript about the last command.
     static std::string lastCommand(const std::string& transcript) {
         const std::size_t begin = transcript.rfind("\n> ");
         return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
@@ -278,7 +279,7 @@ private:
     std::vector<StyleSetting> m_style;
     std::vector<std::unique_ptr<TranscriptText>> m_transcripts;
     std::size_t m_passed = 0;
-    bool m_isBroken = false;  // something could not be read, run or written
+    bool m_isBroken = false;  // true if something could not be read, run or written
     bool m_isStopped = false;
     std::vector<JunitCase> m_report;
     std::optional<WholeOutput> m_junit;

@@ -10,9 +10,9 @@ namespace {
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr std::size_t kVeryLong = 70000;  // more than 64 KiB
 constexpr std::size_t kManyOptions = 5000;
-constexpr std::size_t kMostCuts = 400;  // in longer texts, cuts have a distance
+constexpr std::size_t kMostCuts = 400;  // a longer text is cut at only so many places
 
-// Values of every kind, and what is nearly one.
+// Values of every kind, and texts that nearly are values.
 constexpr const char* kValues[] = {"",
                                    "TRUE",
                                    "-1",
@@ -57,7 +57,7 @@ std::size_t skipBlanks(const std::string& text, std::size_t at) {
     return std::min(text.find_first_not_of(kBlanks, at), text.size());
 }
 
-// The parts of a command's text, as far as it has the usual form: a word, and options after it.
+// The parts of a command's text if it has the usual form: a word, and options after it.
 //
 //     LOAD FILE = 'a b' COLUMNS=[1-3] FAST      the word LOAD, and FILE = 'a b', COLUMNS = [1-3], FAST
 struct CommandText {
@@ -158,7 +158,7 @@ private:
         replace("with a very long set for " + name, i, {name, set + ']'});
     }
 
-    // Quotes and escapes within a quoted text have to be read, and recorded so that they are read again.
+    // Tests that the add-on reads quotes and escapes in a quoted text, and records them so that they can be read again.
     void quotesWithin(std::size_t i) {
         const auto& [name, value] = m_command.options[i];
         if (value.size() < 2 || (value.front() != '\'' && value.front() != '"')) return;

@@ -22,12 +22,12 @@ constexpr std::string_view kEntry = "vexaAddOn";
 constexpr std::size_t kNamesShown = 3;
 constexpr std::size_t kNameLength = 60;
 
-// Names of templates can be longer than anybody reads.
+// Names of templates can be very long.
 std::string shortened(const std::string& name) {
     return name.size() <= kNameLength ? name : name.substr(0, kNameLength) + "...";
 }
 
-// The first few of many.
+// Returns the first few names.
 std::string listed(const std::vector<std::string>& names) {
     std::string text;
     for (std::size_t i = 0; i != std::min(names.size(), kNamesShown); ++i) {
@@ -37,11 +37,11 @@ std::string listed(const std::vector<std::string>& names) {
     return more == 0 ? text : text + " and " + std::to_string(more) + " more";
 }
 
-// ---- Whether this machine's programs can load it
+// ---- Can this machine load the file?
 
 std::string bitsOf(const ElfFile& file) { return file.fileClass == ELFCLASS64 ? "64" : "32"; }
 
-// Empty when it is of the kind that this program is.
+// Returns why this program cannot load the file; empty if it can.
 std::string whyOfAnotherKind(const ElfFile& file) {
     const ElfFile own = readElfFile("/proc/self/exe");
     if (file.fileClass != own.fileClass) {
@@ -56,7 +56,7 @@ std::string whyOfAnotherKind(const ElfFile& file) {
 
 using Library = std::unique_ptr<void, int (*)(void*)>;
 
-// Null if the library cannot be opened; dlerror() tells why.
+// Returns null if the library cannot be opened; dlerror() then has the reason.
 Library opened(const std::string& file, int flags) { return {dlopen(file.c_str(), flags | RTLD_LOCAL), dlclose}; }
 
 std::filesystem::path folderOf(const Library& library) {
@@ -72,7 +72,8 @@ std::string whereFrom(const std::string& symbol) {
     return "link the library that has it";
 }
 
-// Not lazily bound, a symbol is missed that is an object; then there is nothing to look in but the process itself.
+// Opens the file with lazy binding, which succeeds even if functions are missing. It fails if an object is missing; the
+// result is then empty.
 std::vector<std::string> missingSymbols(const std::string& path, const ElfFile& file) {
     const Library lazily = opened(path, RTLD_LAZY);
     std::vector<std::string> missing;
@@ -104,7 +105,7 @@ void checkBinding(const std::string& path, const ElfFile& file, std::string& err
     if (opened(path, RTLD_NOW) == nullptr) addLine(errors, explained(path, file, dlerror()));
 }
 
-// ---- What it offers
+// ---- Exported symbols
 
 // Linkers and instrumentation add names of their own.
 bool isToolchains(const std::string& name) {
@@ -133,9 +134,10 @@ void checkExports(Trial& trial, const ElfFile& file, std::string& errors) {
     }
 }
 
-// ---- How it is linked
+// ---- Link options
 
-// Whether this program itself has a library from there that the add-on needs. CMake notes this folder in build trees.
+// Returns true if this program has loaded, from `folder`, a library that the add-on needs. In build trees, CMake adds
+// such a folder to the run path.
 bool isWhereTheHostLooks(const std::string& folder, const ElfFile& file) {
     return std::any_of(file.needed.begin(), file.needed.end(), [&](const std::string& library) {
         std::error_code ignored;

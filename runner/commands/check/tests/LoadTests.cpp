@@ -21,10 +21,10 @@ namespace vexa::runner {
 namespace {
 
 constexpr int kRounds = 50;
-constexpr int kFirstRounds = 10;           // until all that is made once is made
-constexpr std::size_t kBytesAllowed = 64;  // a round: no object of anybody's, but the loader's own small change
+constexpr int kFirstRounds = 10;           // by then, everything that is created only once exists
+constexpr std::size_t kBytesAllowed = 64;  // in each round: less than any object, but the loader needs a few bytes
 
-// What the process has that a leak makes more of.
+// Resources of the process that grow with a leak.
 struct Holdings {
     std::size_t bytes;
     std::size_t mappings;
@@ -51,7 +51,7 @@ long threadsNow() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
 }
 
-// A thread that was joined may be listed a moment longer.
+// The system may list a joined thread for a moment longer.
 bool staysWithMoreThreads(long than) {
     constexpr auto kPatience = std::chrono::seconds(2);
     const auto end = std::chrono::steady_clock::now() + kPatience;
@@ -87,7 +87,7 @@ std::string whyStillMapped(const std::string& path) {
            reasons;
 }
 
-// Keeps the file mapped while it lives, so that a thread that was left behind does not crash.
+// Keeps the file mapped as long as this lives, so that a thread that still runs does not crash.
 using Hold = std::unique_ptr<void, int (*)(void*)>;
 
 void expectNoThreadLeft(Trial& trial, const std::string& path) {
@@ -97,7 +97,7 @@ void expectNoThreadLeft(Trial& trial, const std::string& path) {
     Hold hold(dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD), dlclose);
     session.end();
     if (staysWithMoreThreads(threads)) {
-        (void)hold.release();  // the thread goes on
+        (void)hold.release();  // keep the file mapped, because the thread still runs
         throw CaseFailed(
             "a thread of the add-on still runs after the shutdown, in code that the host then unloads; end and "
             "join the thread in the shutdown");

@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    // Takes one text of each original in turn, so that every original gets its share of the time. Returns whether there
+    // Takes one text of each original in turn, so that every original gets its share of the time. Returns true if there
     // was time for all texts.
     bool trySystematically() {
         bool hasMore = true;
@@ -82,7 +82,8 @@ private:
 
     Trial& m_trial;
     std::vector<Original> m_originals;
-    std::set<std::string> m_warned;  // the rules of which one warning was given: thousands of texts break the same
+    std::set<std::string>
+        m_warned;  // rules with a warning; each gets one, because thousands of texts break the same rule
     std::size_t m_count = 0;
 };
 
