@@ -85,7 +85,8 @@ private:
         m_macro.commands.push_back(std::move(command));
     }
 
-    // Whether AsciiFile cuts a line, counted from 0, at a carriage return that is not part of the line end.
+    // Returns true if AsciiFile cuts the line `index`, counted from 0, at a carriage return that is not part of a line
+    // end.
     bool cuts(std::uint64_t index) const {
         const char* const text = m_file.readRawLineAtOffset(0);
         const char* const line = m_file.readRawLineAtOffset(index);
@@ -101,7 +102,7 @@ private:
     MacroFile& m_macro;
     const std::set<std::string>& m_addOnIds;
     UnknownId_e m_unknownId;
-    std::string m_text;  // up to the line with a NUL, where AsciiFile would end the file
+    std::string m_text;  // ends before the line with a NUL, because AsciiFile ends the file at a NUL
     AsciiFile m_file;
 };
 

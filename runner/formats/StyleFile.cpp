@@ -57,7 +57,7 @@ enum Kind_e : std::size_t { Double, Integer, Text, IndexSet };
 
 // ---- Values
 
-// The members of `object` by name. Refuses a name that is not among `names`, or that is given twice.
+// Returns the members of `object` by name. Refuses a name that is not one of `names`, and a repeated name.
 Members membersOf(const JsonValue::Object& object, std::initializer_list<const char*> names) {
     Members members;
     for (const JsonMember& member : object) {
@@ -81,7 +81,7 @@ toolbox::Set setOf(const std::string& text, std::size_t at) {
     }
 }
 
-// The text of a set for an item of an array of indices; empty for a text without a member.
+// Returns the text of an item in an array of indices, as a part of the text of a set. Empty for a text without members.
 std::string membersOf(const JsonValue& item) {
     const auto* const index = std::get_if<std::int64_t>(&item.value);
     if (index != nullptr && *index >= 0) return std::to_string(*index);
@@ -108,14 +108,15 @@ bool isSetText(const std::string& text) {
     }
 }
 
-// Reads all items as one text: a set reads them in any order in linear time, and limits the number of all members.
+// Reads all items as one text, because a set reads them in linear time and limits the total number of members.
 toolbox::Set setOf(const JsonValue::Array& items) {
     const JsonValue* const begin = items.data();
     const std::string text = setTextOf(begin, begin + items.size());
     try {
         return setOf(text, 0);
     } catch (const JsonError& refusal) {
-        // Finds the first item that is wrong, or one too many, by bisection: reading each item separately is slow.
+        // Finds the first wrong item, or the first item over the limit, by bisection: reading each item separately is
+        // slow.
         const JsonValue* const wrong =
             std::partition_point(begin, begin + items.size() - 1,
                                  [begin](const JsonValue& item) { return isSetText(setTextOf(begin, &item + 1)); });
@@ -230,8 +231,8 @@ private:
         m_settings.push_back(std::move(setting));
     }
 
-    // The kind that the library, and so an add-on, expects for a value that is no double. Asks with the value 0, which
-    // the library does not follow as an address.
+    // Returns the kind that the library, and so an add-on, expects for a value that is not a double. Asks with the
+    // value 0, which the library does not use as an address.
     Kind_e expectedKind() {
         m_host.setStyle(m_path, std::int64_t{0});
         vexautilutil::ResultType_e type{};
@@ -245,9 +246,9 @@ private:
         }
     }
 
-    Path m_path;  // of the value that is taken
+    Path m_path;  // the path of the current value
     std::vector<StyleSetting> m_settings;
-    standin::Host m_host;  // asked for the kinds of values
+    standin::Host m_host;  // tells the kinds of values
 };
 
 // ---- The file

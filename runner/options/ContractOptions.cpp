@@ -11,7 +11,7 @@ std::string whyNoRule(const std::string& name) { return standin::findRule(name) 
 
 std::string whyNoTimeout(const std::string& text) { return secondsOf(text) ? "" : kExpectedSeconds; }
 
-// A switch that is neither on nor off until it is given.
+// Adds the options --NAME and --no-NAME. `value` stays empty if the user gives neither.
 void addSwitch(Command& command, std::optional<bool>& value, const std::string& name, const std::string& help) {
     command.add(flag({"--" + name}, help, switchTo(value, true)));
     command.add(flag({"--no-" + name}, "Turn --" + name + " off, even if the project file turns it on",

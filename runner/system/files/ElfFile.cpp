@@ -69,7 +69,7 @@ void takeSections(ElfFile& file, Elf* elf) {
     }
 }
 
-// A file without an entry for its stack gets an executable stack.
+// The system makes the stack executable if the file has no entry for it.
 bool hasExecutableStack(Elf* elf) {
     std::size_t count = 0;
     elf_getphdrnum(elf, &count);

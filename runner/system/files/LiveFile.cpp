@@ -19,7 +19,7 @@ Descriptor takeStandardOutput() {
     std::fflush(stdout);
     const int flags = fcntl(STDOUT_FILENO, F_GETFL);
     if (flags < 0) refuseOutput(kStandardOutputName);
-    // At its start the program opens a closed standard output for reading, so that no other file gets its number.
+    // If the standard output is closed, the program opened it for reading at its start, to keep its number occupied.
     if ((flags & O_ACCMODE) == O_RDONLY) refuseOutput(kStandardOutputName, "it is closed");
     Descriptor output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     if (!output.isOpen() || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput(kStandardOutputName);

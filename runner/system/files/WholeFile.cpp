@@ -22,7 +22,7 @@ public:
     std::string message(int) const override { return "it is a named pipe, not a regular file"; }
 };
 
-// Pipes without a name have a file system of their own.
+// Only named pipes: pipes without a name belong to a special file system.
 bool isNamedPipe(int descriptor) {
     struct stat status {};
     struct statfs system {};

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kNewFile = 0666;
 
-// A file that is being written. It has no name until it is complete, if the file system can do that.
+// A file that is being written. If the file system supports this, the file has no name until it is complete.
 class Draft : NonCopyable {
 public:
     explicit Draft(const std::string& target)
