@@ -28,7 +28,8 @@ using Act = std::function<void()>;
 using TakeText = std::function<void(const std::string&)>;
 
 /// The place for the value of an option. The parser sets a bool to true. It appends to a vector each time the user
-/// gives the option; other options may be given once. A variable behind a pointer must live until the command has run.
+/// gives the option; other options may be given once. A variable that a pointer refers to must live until the command
+/// has run.
 using Destination =
     std::variant<ShowHelp, ShowVersion, Act, TakeText, bool*, int*, long*, std::size_t*, double*, std::string*,
                  std::optional<std::uint64_t>*, std::optional<std::string>*, std::vector<std::string>*>;

@@ -9,7 +9,7 @@
 
 namespace vexa::runner {
 
-/// What the drawn status line depends on, apart from the line itself.
+/// The facts on which the drawing of the status line depends, apart from the line itself.
 struct StatusFrame {
     std::chrono::seconds elapsed{0};  ///< since the task started
     bool isStopping = false;          ///< the user has asked to stop it

@@ -47,7 +47,7 @@ public:
         writeAll(m_redirected->real(), text);
         m_isWithinLine = text.back() != '\n';
     }
-    /// Whether the text passed on last ended in the middle of a line.
+    /// Returns true if the last text passed on ended in the middle of a line.
     bool isWithinLine() const { return m_isWithinLine; }
 
 private:

@@ -8,7 +8,7 @@ namespace vexa::runner {
 /// The value of the environment variable \p name; empty if it is not set.
 std::string_view environment(const char* name);
 
-/// Whether \p descriptor is a terminal that can redraw a line.
+/// Returns true if \p descriptor is a terminal that can redraw a line.
 bool isTerminal(int descriptor);
 
 /// The current width of the window of the terminal \p descriptor, in columns.

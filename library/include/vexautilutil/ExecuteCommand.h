@@ -32,7 +32,7 @@ inline void storeErrorMessage(const char* message, char** errMsg) {
     *errMsg = text;
 }
 
-/// Stores the message of the exception that is being handled. \p errMsg stays as it is if the host throws.
+/// Stores the message of the exception that is being handled. If the host throws, \p errMsg is unchanged.
 inline void reportException(char** errMsg) noexcept {
     try {
         try {

@@ -31,7 +31,7 @@ private:
     Json m_texts = Json::array();
 };
 
-// What \p part, a function or a member, gives for each of \p items.
+// Returns \p part of each of \p items; \p part is a function or a member.
 template <class Items, class Part>
 Json listOf(const Items& items, const Part& part) {
     Json list = Json::array();

@@ -52,7 +52,7 @@ public:
     virtual void killed(std::size_t index, const ProcessBox& box, int signal) = 0;
 };
 
-/// Where the output of the processes goes.
+/// The destination of the output of the processes.
 enum class Printed_e {
     Inherited,  ///< to the outputs of this process; the processes also read its input, unless that is a terminal
     Caught,     ///< to ProcessOutcome, each output by itself

@@ -108,7 +108,7 @@ std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& ho
     }
 }
 
-/// Returns the number of the object behind a handle; 0 if the result is not a handle.
+/// Returns the number of the object of a handle; 0 if the result is not a handle.
 inline std::size_t numberOf(const HostState& host, const ThreadMutex_s* mutex) { return host.mutexes.numberOf(mutex); }
 inline std::size_t numberOf(const HostState& host, const ArgList_s* argList) { return host.argLists.numberOf(argList); }
 inline std::size_t numberOf(const HostState& host, const Set_s* set) { return host.sets.numberOf(set); }

@@ -53,7 +53,7 @@ mode_t modeOf(int flags, va_list arguments) {
         return counted(next arguments, isChange);                     \
     }
 
-// The same for functions that open files, which take a mode only if they create the file.
+// Does the same for functions that open files. They take a mode only if they create the file.
 #define VEXA_OPEN(function, parameters, arguments)           \
     int function parameters {                                \
         VEXA_NEXT(function);                                 \
