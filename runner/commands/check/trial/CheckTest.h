@@ -39,9 +39,9 @@ struct CheckTest {
     const char* why;      ///< what goes wrong for users if an add-on does not pass
     /// Runs the test. It returns an error of the add-on, or throws it as a CaseFailed.
     Verdict (*run)(Trial& trial);
-    /// True if the test runs commands that the user did not write. Such commands may write to any file, so the test works
-    /// in a copy of the current folder, in a process that can write nowhere else. shrunkMacro() makes the macro of its
-    /// verdict smaller.
+    /// True if the test runs commands that the user did not write. Such commands may write to any file, so the test
+    /// works in a copy of the current folder, in a process that can write nowhere else. shrunkMacro() makes the macro
+    /// of its verdict smaller.
     bool isWild = false;
 };
 
