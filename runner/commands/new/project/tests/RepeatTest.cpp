@@ -3,8 +3,8 @@
 
 namespace {
 
-// Loads the add-on into a stand-in host. Each test fails if the add-on breaks the host's contract. Several failures from
-// one cause are explained once.
+// Loads the add-on into a stand-in host. Each test fails if the add-on breaks the host's contract. Several failures
+// from one cause are explained once.
 class Repeat : public ::testing::Test {
 protected:
     static void fail(const std::string& finding) { ADD_FAILURE() << finding; }
