@@ -33,7 +33,7 @@ macro(vexa_debian_package component name section)
     list(APPEND CPACK_COMPONENTS_ALL ${component})
     set(CPACK_DEBIAN_${key}_PACKAGE_NAME ${name})
     set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section})
-    if(NOT ${component} STREQUAL development)  # which alone has no shared library of its own
+    if(NOT ${component} STREQUAL development)  # the only component without a shared library
         set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
     endif()
     foreach(field IN ITEMS DEPENDS RECOMMENDS SUGGESTS)

@@ -52,7 +52,7 @@ inline void checkArgument(Books& books, const Moment& now, const Set_s* set) {
     books.setLedger.checkUse(set, now, books.findings);
 }
 
-/// The function changes the set: its type is not const.
+/// A non-const set means that the function changes the set.
 inline void checkArgument(Books& books, const Moment& now, Set_s* set) {
     books.setLedger.checkChange(set, now, books.findings);
 }
@@ -85,14 +85,14 @@ inline void checkArgument(Books& books, const Moment& now, char** string) {
     books.stringLedger.freed(*string, now);
 }
 
-/// The ledger for handles of a type.
+/// Returns the ledger for handles of a type.
 inline HandleLedger& ledgerOf(Books& books, const ThreadMutex_s*) { return books.mutexLedger; }
 inline HandleLedger& ledgerOf(Books& books, const ArgList_s*) { return books.argListLedger; }
 inline HandleLedger& ledgerOf(Books& books, const Set_s*) { return books.setLedger; }
 inline HandleLedger& ledgerOf(Books& books, const char*) { return books.stringLedger; }
 
 /// Enters the handle that a function returned.
-/// \param number which of its kind the handle is, counted from 1.
+/// \param number the number of the handle among those of its kind, counted from 1.
 template <class Result>
 void checkResult(Books& books, const Moment& now, Result result, std::size_t number) {
     if constexpr (std::is_pointer_v<Result>) {

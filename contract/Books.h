@@ -17,15 +17,15 @@
 
 namespace vexa::standin {
 
-/// What is open in one entry into an add-on, or outside all add-ons.
+/// The open scopes and other state of one entry into an add-on, or of the time outside all add-ons.
 struct EntryBooks {
     std::shared_ptr<Entry> entry;
     Scopes scopes;
     StatusRules status;
-    bool hadNoMemory = false;  ///< whether the host had no memory for a string
+    bool hadNoMemory = false;  ///< true if the host had no memory for a string
 };
 
-/// Everything that the contract remembers, one part for each family of rules.
+/// The state of the contract, with one part for each family of rules.
 struct Books {
     explicit Books(const HostStringsInterface& hostStrings) : strings(stringLedger, hostStrings) {}
     Books(const Books&) = delete;
@@ -43,8 +43,8 @@ struct Books {
     ArgumentNames arguments{argListLedger};
     StringRules strings;
     ThreadRules threads;
-    std::set<const AddOnList_s*> identities;  ///< of all add-ons loaded so far
-    std::vector<EntryBooks> entries;          ///< innermost last; the first stands for the time outside all add-ons
+    std::set<const AddOnList_s*> identities;  ///< the identities of all add-ons loaded so far
+    std::vector<EntryBooks> entries;          ///< the innermost is last; the first is the time outside all add-ons
 };
 
 }  // namespace vexa::standin

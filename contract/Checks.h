@@ -15,7 +15,7 @@
 
 namespace vexa::standin {
 
-/// A function that needs no checks beyond those of the types of its arguments.
+/// For a function whose calls need no check except those of ArgumentChecks.h.
 struct NoCheck {
     template <class... Arguments>
     static void began(Books&, const Moment&, const Arguments&...) {}
@@ -24,7 +24,7 @@ struct NoCheck {
     static void ended(Books&, const Moment&, const Arguments&...) {}
 };
 
-/// How the calls of \p function are checked. A call of a function without a Check does not compile.
+/// Checks the calls of \p function. A call of a function without a Check does not compile.
 template <HostFunction function>
 struct Check;
 
@@ -128,7 +128,7 @@ struct Check<HostFunction::VexaUtilStatusFinishPercentDone> : NoCheck {
     static void began(Books& books, const Moment& now) { books.current().status.finished(now, books.findings); }
 };
 
-// ---- Questions and records
+// ---- Queries and recording
 
 template <>
 struct Check<HostFunction::VexaUtilMacroIsBatchModeActive> : NoCheck {};
@@ -221,9 +221,9 @@ struct Check<HostFunction::VexaUtilSetInsert> : NoCheck {};
 template <>
 struct Check<HostFunction::VexaUtilSetNextRange> : NoCheck {};
 
-// ---- What a host calls
+// ---- Functions for hosts
 
-/// Checks a call that begins. A host calls this before it does what the function is to do.
+/// Checks the start of a call. A host calls this before it does the work of the function.
 /// \param call the number of the call, counted from 1.
 template <HostFunction function, class... Arguments>
 void checkCall(Contract& contract, std::size_t call, const Arguments&... arguments) {
@@ -234,21 +234,21 @@ void checkCall(Contract& contract, std::size_t call, const Arguments&... argumen
     });
 }
 
-/// Enters the return of a call of a function without a result. The parameters are those of checkCall().
+/// Notes the return of a call of a function without a result. The parameters are those of checkCall().
 template <HostFunction function, class... Arguments>
 void checkReturn(Contract& contract, std::size_t call, const Arguments&... arguments) {
     contract.check(call, function,
                    [&](Books& books, const Moment& now) { Check<function>::ended(books, now, arguments...); });
 }
 
-/// What a call returned.
+/// The result of a call.
 template <class Result>
 struct Returned {
     Result result;
-    std::size_t number;  ///< if the result is a handle: which of its kind it is, counted from 1
+    std::size_t number;  ///< if the result is a handle, its number among those of its kind, counted from 1
 };
 
-/// Enters the return of a call of a function with a result. The other parameters are those of checkCall().
+/// Notes the return of a call of a function with a result. The other parameters are those of checkCall().
 template <HostFunction function, class Result, class... Arguments>
 void checkReturn(Contract& contract, std::size_t call, Returned<Result> returned, const Arguments&... arguments) {
     contract.check(call, function, [&](Books& books, const Moment& now) {

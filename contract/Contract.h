@@ -19,24 +19,25 @@ namespace vexa::standin {
 
 /// Checks that add-ons keep the rules of rules().
 ///
-/// It checks the calls that were made, whatever the host did with them: a call that the host was told to fail counts,
-/// too. What a call acquires counts from the return of the call, and what it releases until the call begins.
+/// The class checks all calls, whatever the host did with them: a call that the host was told to fail counts, too. An
+/// acquired object counts from the return of the acquiring call, and a released one until the start of the releasing
+/// call.
 ///
-/// Errors:  if it runs out of memory it stops checking for good, because any further finding could be wrong.
-/// Threads: safe from any.
+/// Errors:  if memory runs out, the class stops checking, because any further finding could be wrong.
+/// Threads: any thread may call the functions.
 class Contract {
 public:
     using Show = std::function<void(const Finding&)>;
 
-    /// \param threads numbers the threads; lives longer than this.
-    /// \param strings the host's strings, to see what was written to them; lives longer than this.
-    /// \param show    called with each finding, on the thread that made the call, with nothing locked.
+    /// \param threads numbers the threads; must outlive this object.
+    /// \param strings the host's strings, to check their contents; must outlive this object.
+    /// \param show    called with each finding, on the thread of the call. No mutex is locked during this call.
     Contract(ThreadNumbers& threads, const HostStringsInterface& strings, Show show);
 
     bool isOn() const { return m_isOn.load(std::memory_order_relaxed); }
     void setOn(bool isOn) { m_isOn = isOn; }
 
-    /// Runs \p check on the books for the beginning or the end of a call, unless checking is off. checkCall() and
+    /// Runs \p check on the books for the start or the return of a call, unless checking is off. checkCall() and
     /// checkReturn() call it.
     /// \param check takes the books and the moment.
     template <class Check>
@@ -44,20 +45,20 @@ public:
         if (isOn()) update([&] { check(m_books, momentOf(call, function)); });
     }
 
-    /// The host enters an add-on on the calling thread.
+    /// Notes that the host enters an add-on on the calling thread.
     void enter(Entry entry);
-    /// The add-on that is being loaded gets \p identity from the host.
+    /// Notes that the host gives \p identity to the add-on that is being loaded.
     void introduce(const AddOnList_s* identity);
-    /// The add-on that is being loaded has returned its id.
+    /// Notes the id that the add-on being loaded has returned.
     void name(const std::string& addOnId);
-    /// Checks the error message of the command, null if it has none.
+    /// Checks the error message of the command; null if it has none.
     void judgeErrorMessage(bool accepted, const char* errMsg);
     /// Reports that an exception escaped from the add-on.
     void judgeEscape(const std::string& what);
-    /// The add-on that the host entered last has returned.
+    /// Notes that the add-on that the host entered last has returned.
     void leave();
 
-    /// The host lends \p set to add-ons: they may read it, but not change or free it.
+    /// Notes that the host lends \p set to add-ons: they may read it, but not change or free it.
     void lend(const Set_s* set);
     void takeBack(const Set_s* set);
 
@@ -65,7 +66,7 @@ public:
     void suppress(const Rule& rule);
     std::vector<Finding> findings() const;
     std::vector<std::string> unusedSuppressions() const;
-    /// The place of a call in the entry that runs now, or that ran last.
+    /// Returns the place of a call in the current or the last entry.
     Place placeNow(std::size_t call, std::optional<HostFunction> function) const;
 
 private:

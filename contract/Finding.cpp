@@ -10,7 +10,7 @@ std::string indented(const std::string& text) {
     return lines;
 }
 
-// `moment` says which moment of the command a place is that has no call: "the beginning" or "the end".
+// If the place is not a call, `moment` says which part of the command it is: "the beginning" or "the end".
 std::string textOf(const Place& place, const std::string& moment) {
     if (place.call == 0 && place.command.empty()) return "";
     std::string text;

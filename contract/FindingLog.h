@@ -16,24 +16,24 @@ class FindingLog {
 public:
     /// Adds a finding, unless its rule is suppressed. It keeps the first ten for each rule and add-on.
     void add(Finding finding);
-    /// Adds a finding that came to light at \p seen. \p opened is where its cause began, null if it has no such place.
+    /// Adds a finding that was detected at \p seen. The problem started at \p opened; null if there is no such place.
     void add(const char* rule, std::string message, const Moment& seen, const Moment* opened = nullptr,
              std::size_t count = 1);
-    /// Gives the findings of the add-on \p before to \p addOnId, which is its id. They count together with those that
-    /// the id already has.
+    /// Moves the findings of the add-on \p before to its id \p addOnId. They count together with earlier findings of
+    /// this id.
     void rename(const std::string& before, const std::string& addOnId);
 
     void suppress(const Rule& rule);
     std::vector<std::string> unusedSuppressions() const;
 
     const std::vector<Finding>& kept() const { return m_kept; }
-    /// The findings since the last call of this, including those that are not kept.
+    /// Returns the findings since the last call of this function, including those that are not kept.
     std::vector<Finding> takeNew() { return std::exchange(m_new, {}); }
 
 private:
     struct Tally {
         std::size_t kept = 0;
-        std::size_t last = 0;  // index of the last one kept
+        std::size_t last = 0;  // the index of the last kept finding
     };
     struct Suppression {
         std::string rule;
@@ -44,7 +44,7 @@ private:
     bool isSuppressed(const std::string& rule);
 
     std::vector<Finding> m_kept;
-    std::map<std::pair<std::string, std::string>, Tally> m_tallies;  // by rule and add-on
+    std::map<std::pair<std::string, std::string>, Tally> m_tallies;  // one for each rule and add-on
     std::vector<Suppression> m_suppressions;
     std::vector<Finding> m_new;
 };

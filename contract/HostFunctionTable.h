@@ -56,13 +56,13 @@ enum class HostFunction {
 #undef VEXASTANDIN_ENUMERATOR
 };
 
-/// The entry of \p function in the table.
+/// Returns the entry of \p function in the table.
 const HostFunctionInfo& infoOf(HostFunction function);
 
-/// The C name of \p function.
+/// Returns the C name of \p function.
 const char* nameOf(HostFunction function);
 
-/// The function of the C name \p name; nothing if there is none.
+/// Returns the function with the C name \p name; nothing if there is none.
 std::optional<HostFunction> findHostFunction(std::string_view name);
 
 }  // namespace vexa::standin

@@ -24,7 +24,7 @@ constexpr std::string_view kDeclared[] = {
 };
 
 constexpr bool isListed(std::string_view name) {
-    for (const std::string_view listed : kListed) {  // NOLINT(readability-use-anyofallof): that is no constant in C++17
+    for (const std::string_view listed : kListed) {  // NOLINT(readability-use-anyofallof): not constexpr in C++17
         if (listed == name) return true;
     }
     return false;

@@ -4,14 +4,14 @@
 
 namespace vexa::standin {
 
-/// What a host sees when it looks at one of its strings.
+/// The state of a string of the host.
 struct HostStringState {
-    std::size_t size = 0;      ///< how many bytes the add-on asked for
-    bool isIntact = true;      ///< false if something was written past those bytes
-    bool isTerminated = true;  ///< false if none of those bytes is zero
+    std::size_t size = 0;      ///< the number of bytes that the add-on requested
+    bool isIntact = true;      ///< false if the add-on wrote past these bytes
+    bool isTerminated = true;  ///< false if none of these bytes is zero
 };
 
-/// The strings of the host that is checked. Each host implements this in its own way.
+/// Access to the strings of the checked host. Each host implements this interface.
 class HostStringsInterface {
 public:
     HostStringsInterface() = default;
@@ -19,7 +19,7 @@ public:
     HostStringsInterface& operator=(const HostStringsInterface&) = delete;
     virtual ~HostStringsInterface() = default;
 
-    /// Looks at the string at \p string, which VexaUtilStringAlloc() returned and nobody has freed.
+    /// Returns the state of \p string, which VexaUtilStringAlloc() returned and nobody has freed.
     /// \return the default state if the host cannot tell, so that no finding is made.
     virtual HostStringState stateOf(const char* string) const = 0;
 };

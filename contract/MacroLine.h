@@ -10,8 +10,8 @@ bool isLineBreak(char c);
 
 bool hasWhiteSpace(std::string_view text);
 
-/// Why a line of a macro file that holds \p addOnId, a blank and \p command would not be read as that command of that
-/// add-on; empty if it would.
+/// Returns why a macro line of \p addOnId, a blank and \p command would not be read as this command of this add-on;
+/// empty if it would.
 std::string_view whyNoMacroLine(std::string_view addOnId, std::string_view command);
 
 }  // namespace vexa::standin

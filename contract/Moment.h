@@ -15,12 +15,12 @@ namespace vexa::standin {
 struct Entry {
     Entry_e kind = Entry_e::Command;
     std::string addOnId;  ///< the add-on's id, or its file until the id is known; empty outside all add-ons
-    std::string command;  ///< the command's text; empty for another kind of entry
+    std::string command;  ///< the command's text; empty if the entry is not a command
     std::string macroLine;
     std::size_t thread = 0;  ///< the number of the thread that entered; 0 outside all add-ons
 };
 
-/// The name of \p entry as the subject of a sentence, for example "the command".
+/// Returns the name of \p entry as the subject of a sentence, for example "the command".
 std::string nameOf(const Entry& entry);
 
 /// A host call, or the end of an entry.

@@ -9,7 +9,8 @@
 
 namespace vexa::standin {
 
-/// Remembers which thread holds which mutex, as the add-on sees it: a call that the host was told to fail counts, too.
+/// Remembers which thread holds which mutex from the view of the add-on: a call that the host was told to fail counts,
+/// too.
 class MutexHolds {
 public:
     explicit MutexHolds(HandleLedger& mutexes) : m_mutexes(mutexes) {}

@@ -18,7 +18,7 @@ constexpr const char* kStrings = "Strings";
 constexpr const char* kArguments = "Argument lists";
 constexpr const char* kEntries = "Threads and commands";
 
-// A rule, and what has to happen for it to be checked.
+// A rule, and the event that makes the host check it.
 struct Row {
     const char* name;
     const char* family;
@@ -59,7 +59,8 @@ const std::vector<Row>& catalogue() {
          "Use an AddOnIdLock. It releases the lock on every return and on every exception."},
         {"lock-identity", kScopes, Error, callOf({F::VexaUtilLockFinish}),
          "VexaUtilLockFinish must get the same identity as VexaUtilLockStart.",
-         "The host counts locks by identity. The lock stays taken, and the lock of another add-on may be released.",
+         "The host counts locks by identity. With another identity, the lock stays taken, and the lock of another "
+         "add-on may be released.",
          "Store the identity that vexaAddOn() receives in one place, and pass it to both calls."},
         {"unbalanced-auxdata", kScopes, Error, callOf({F::VexaUtilAuxDataBeginAssign, F::VexaUtilAuxDataEndAssign}),
          "Every VexaUtilAuxDataBeginAssign needs a VexaUtilAuxDataEndAssign in the same command, and vice versa.",
@@ -69,8 +70,8 @@ const std::vector<Row>& catalogue() {
          "exception."},
         {"unbalanced-marking", kScopes, Error, callOf({F::VexaUtilDataSetSuspendMarking}),
          "The marking of data sets must be resumed as often as it is suspended, in the same command.",
-         "While marking is suspended, the host does not mark the user's changes. They are lost when the data set is "
-         "closed. An extra resume ends the suspension of another add-on.",
+         "While marking is suspended, the host does not mark the data set as changed. The user's changes are lost when "
+         "the data set is closed. An extra resume ends the suspension of another add-on.",
          "Use a DataSetSuspendMarking. It resumes marking exactly once, on every return and on every exception."},
         {"unbalanced-solution-time", kScopes, Error,
          callOf({F::VexaUtilZoneSolutionTimeModificationBegin, F::VexaUtilZoneSolutionTimeModificationEnd}),
@@ -83,7 +84,8 @@ const std::vector<Row>& catalogue() {
          callOf({F::VexaUtilStatusStartPercentDone, F::VexaUtilStatusFinishPercentDone}),
          "Every VexaUtilStatusStartPercentDone needs a VexaUtilStatusFinishPercentDone in the same command, and vice "
          "versa.",
-         "Without the finish, the status line shows a task that is over, and its stop button stops the next task.",
+         "Without the finish, the status line still shows a task that is over, and its stop button stops the next "
+         "task.",
          "Use a task progress from createTaskProgressBar(). It starts the line, and its destructor finishes the line."},
         {"status-started-twice", kStatus, Error, callOf({F::VexaUtilStatusStartPercentDone}),
          "VexaUtilStatusStartPercentDone must not be called while the status line is shown.",
@@ -93,7 +95,7 @@ const std::vector<Row>& catalogue() {
         {"status-not-started", kStatus, Error,
          callOf({F::VexaUtilStatusCheckPercentDone, F::VexaUtilStatusSetPercentDoneText}),
          "Percentages and texts must be set between the start and the finish of the status line.",
-         "Without a status line, the host may draw them over something else.",
+         "If the status line is not shown, the host may draw them over something else.",
          "Start the line first. Do not advance a progress after its finish."},
         {"percent-out-of-range", kStatus, Warning, callOf({F::VexaUtilStatusCheckPercentDone}),
          "A percentage must be from 0 to 100.", "The bar is wrong, and the user cannot see how much work is left.",
@@ -130,10 +132,10 @@ const std::vector<Row>& catalogue() {
         {"leaked-string", kHandles, Error, callOf({F::VexaUtilStringAlloc}),
          "A host string must be freed, or returned as the error message, before the command ends.",
          "Every command uses more of the host's memory, until the session ends.",
-         "Allocate the string last, when the command has already failed, and store it in the errMsg of the command."},
+         "Allocate the string only after the command has failed, and store it in the errMsg of the command."},
         {"leaked-mutex", kHandles, Error, callOf({F::VexaUtilThreadMutexAlloc}),
          "A mutex must be freed before the add-on is unloaded.",
-         "The host has few mutexes, and they exist longer than the add-on.",
+         "The host has few mutexes, and does not free them when it unloads the add-on.",
          "Use the class Mutex, or free the mutex in the add-on's shutdown."},
         {"leaked-set", kHandles, Error, callOf({F::VexaUtilSetAlloc}),
          "A set must be freed before the add-on is unloaded.",
@@ -184,15 +186,15 @@ const std::vector<Row>& catalogue() {
          "Without a reason, the user cannot correct the command.",
          "Before you return 0, store a text in errMsg that says what is wrong."},
         {"missing-argument", kArguments, Error, callOf({F::VexaUtilStyleGetLowLevelX}),
-         "A style query needs a path from P1 on without gaps, and one place for the value: DValue or IValue.",
-         "The host finds no value, or has no place to store it.",
+         "A style query needs a path that starts at P1 and has no gaps, and one address for the value: DValue or "
+         "IValue.",
+         "The host finds no value, or has no address to store it at.",
          "Append P1, P2 and so on, and either DValue or IValue. Check that each append succeeded."},
         {"duplicate-argument", kArguments, Error,
          callOf({F::VexaUtilArgListAppendString, F::VexaUtilArgListAppendInt, F::VexaUtilArgListAppendDoublePtr,
                  F::VexaUtilArgListAppendArbParamPtr, F::VexaUtilStyleGetLowLevelX}),
          "An argument list must contain each name only once, and a style query only one of DValue and IValue.",
-         "It is not defined which of the two values the host uses.",
-         "Call VexaUtilArgListClear() before you fill a list again."},
+         "The host may use either of the two values.", "Call VexaUtilArgListClear() before you fill a list again."},
         {"wrong-argument-kind", kArguments, Error,
          callOf({F::VexaUtilArgListAppendString, F::VexaUtilArgListAppendInt, F::VexaUtilArgListAppendDoublePtr,
                  F::VexaUtilArgListAppendArbParamPtr}),
@@ -215,16 +217,16 @@ const std::vector<Row>& catalogue() {
          {RuleTrigger_e::Entry, {}},
          "No exception may leave an add-on.",
          "The host is written in C. The exception ends the host, and the user's work is lost.",
-         "Catch all exceptions in execute() and shutdown(), store the message in errMsg and return 0. A command "
-         "processor does this."},
+         "Catch all exceptions in execute() and shutdown(). In execute(), store the message in errMsg and return 0; "
+         "executeCommand() does this."},
         {"command-timeout",
          kEntries,
          Error,
          {RuleTrigger_e::TimeLimit, {}},
          "A command must return.",
          "The host hangs until the command returns.",
-         "Look at the last host call and at the text of the command. Usual causes are a quote that is never closed, a "
-         "loop that waits for more text, and a lock that is taken twice."},
+         "Look at the last host call and at the text of the command. Usual causes are a missing closing quote, a loop "
+         "that waits for more text, and a lock that is taken twice."},
         {"recording-not-replayable",
          kEntries,
          Error,
@@ -232,8 +234,8 @@ const std::vector<Row>& catalogue() {
          "A recorded or journaled command must fit on one line of a macro file. A recorded command that is run again "
          "must succeed and record the same text.",
          "The user's macro fails, or does something else, when it is played back.",
-         "Record the text that the command model writes, or write all options yourself, quoted as the command reads "
-         "them."},
+         "Record the text that MacroCommandAbstract::toString() returns, or write all options yourself, quoted as the "
+         "command reads them."},
     };
     return rows;
 }

@@ -28,7 +28,7 @@ private:
         Moment since;
     };
 
-    std::array<std::vector<Open>, 4> m_open;  // by kind
+    std::array<std::vector<Open>, 4> m_open;  // indexed by kind
 };
 
 }  // namespace vexa::standin

@@ -18,10 +18,10 @@ public:
     void endOfEntry(const Moment& now, FindingLog& findings) const;
 
 private:
-    std::optional<Moment> m_start;        // of the line that is shown now
-    std::optional<Moment> m_finish;       // of the line before it
-    std::size_t m_needlessStarts = 0;     // each allows one more finish
-    std::optional<Moment> m_lastPercent;  // when m_percent was shown
+    std::optional<Moment> m_start;        // the start of the current status line
+    std::optional<Moment> m_finish;       // the finish of the previous status line
+    std::size_t m_needlessStarts = 0;     // starts while the line was shown; each allows one more finish
+    std::optional<Moment> m_lastPercent;  // the moment in which m_percent was shown
     int m_percent = 0;
 };
 

@@ -8,10 +8,10 @@
 namespace vexa::standin {
 
 /// Numbers threads from 1 in the order of their first calls, so that two runs use the same numbers.
-/// Threads: safe from any.
+/// Threads: any thread may call the functions.
 class ThreadNumbers {
 public:
-    /// The number of the calling thread.
+    /// Returns the number of the calling thread.
     std::size_t mine() {
         const std::lock_guard<std::mutex> lock(m_guard);
         return m_numbers.try_emplace(std::this_thread::get_id(), m_numbers.size() + 1).first->second;

@@ -7,7 +7,7 @@
 namespace vexa::standin {
 namespace {
 
-constexpr std::size_t kNoThread = 0;  // outside all add-ons
+constexpr std::size_t kNoThread = 0;  // for the time outside all add-ons
 
 }  // namespace
 

@@ -13,7 +13,7 @@ namespace vexa::standin {
 class ThreadRules {
 public:
     void entered(std::shared_ptr<const Entry> entry) { m_last = std::move(entry); }
-    /// The entry that began last; null before the first.
+    /// Returns the last entry that started; null before the first.
     const std::shared_ptr<const Entry>& last() const { return m_last; }
 
     static void callBegan(const Moment& now, FindingLog& findings);

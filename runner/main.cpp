@@ -20,7 +20,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kAbout = "Runs add-ons, and macro files of their commands, without the host application.";
+constexpr const char* kAbout = "Runs add-ons and macro files without the host application.";
 
 constexpr const char* kFooter = R"(Examples:
   vexa-standin new wake-probe
@@ -29,8 +29,8 @@ constexpr const char* kFooter = R"(Examples:
 'vexa-standin COMMAND --help' shows the options of a command, examples, and the
 exit statuses.)";
 
-// An output file must not get the number of a closed standard stream: what add-ons print would end up in it. What is
-// read from such a stream, or printed to it, fails as before; only messages are lost.
+// Keeps a file that is opened later from getting the number of a closed standard stream, because the output of add-ons
+// would end up in that file. Reading and printing still fail on such a stream; only messages are lost.
 void keepStandardStreamsTaken() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDOUT_FILENO ? O_RDONLY : O_WRONLY);
@@ -58,7 +58,7 @@ ExitStatus_e runProgram(const std::vector<std::string>& arguments) {
     }
 }
 
-// All is cleaned up by now. So the shell sees what happened.
+// Ends the program by the signal, so that the shell sees the reason. Everything is cleaned up by now.
 void endBySignal(int number) {
     std::fflush(stdout);
     std::signal(number, SIG_DFL);
@@ -69,7 +69,7 @@ int runGuarded(int argc, char** argv) {
     try {
         return printUncaughtErrors([&] {
             keepStandardStreamsTaken();
-            std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too large is an error of the one who writes it
+            std::signal(SIGXFSZ, SIG_IGN);  // writing a file that becomes too large then fails with EFBIG
             return static_cast<int>(checkOutput(runProgram({argv + std::min(argc, 1), argv + argc})));
         });
     } catch (const EndedBySignal& end) {

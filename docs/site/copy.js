@@ -1,4 +1,4 @@
-// Gives each sample a button that copies it. Of a shell session it copies the commands only.
+// Adds a copy button to each sample. From a shell session it copies only the commands.
 "use strict";
 
 const kShownFor = 1500; // milliseconds that the button tells what happened

@@ -33,7 +33,7 @@ SHELL_TOKEN = re.compile(r"""
 
 
 def as_html(text):
-    return html.escape(text).replace("$", "&#36;")  # Doxygen replaces $(NAME) by an environment variable
+    return html.escape(text).replace("$", "&#36;")  # because Doxygen replaces $(NAME) by an environment variable
 
 
 def coloured(command):
@@ -46,7 +46,7 @@ def coloured(command):
 
 
 def shell_sample(text):
-    """A shell sample as HTML. Where a line begins with a prompt, lines without one are output."""
+    """A shell sample as HTML. If any line starts with a prompt, lines without a prompt are output."""
     lines, commands = [], []
     is_session = text.startswith(PROMPT)
     continues = False
@@ -65,7 +65,7 @@ def shell_sample(text):
 
 
 def sample(fence):
-    """A fence as Doxygen is to read it."""
+    """A fence in the form for Doxygen."""
     return shell_sample(fence[2]) if fence[1] == "sh" or fence[2].startswith(PROMPT) else fence[0]
 
 

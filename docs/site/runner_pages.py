@@ -28,7 +28,7 @@ def help_page(name, label, help_text, after=""):
 
 
 def manual_page(manual):
-    """The manual as a page. Its headings are Doxygen's, which lists them."""
+    """The manual as a page. Its headings are in the form for Doxygen, so that Doxygen lists them."""
     fragment = output_of("mandoc", "-T", "html", "-O", "fragment", text=manual)
     body = fragment.partition('<div class="manual-text">\n')[2].rpartition('</div>\n<table class="foot">')[0]
     _, *parts = HEADING.split(NOT_NEEDED.sub("", body))

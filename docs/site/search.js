@@ -1,5 +1,5 @@
-// Full-text search without a server. search_index.py writes what is searched to search-index.js. It works from file://,
-// too, where a page may load scripts but no other data.
+// Full-text search without a server. search_index.py writes the searched texts to search-index.js: a script, because a page
+// that is opened from file:// may load scripts but no other data.
 "use strict";
 
 const kMostResults = 30;
@@ -141,7 +141,7 @@ document.addEventListener("click", event => {
     if (!box.contains(event.target)) close();
 });
 
-// A link can carry a search: index.html?search=lock
+// A link can contain a search: index.html?search=lock
 const asked = new URLSearchParams(location.search).get("search");
 if (asked) {
     field.value = asked;

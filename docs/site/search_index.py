@@ -15,7 +15,7 @@ GUIDE = re.compile(r"^(index|md_\w+|help\w*|manual)\.html$")
 HEADING = re.compile(r"^h[1-6]$")
 VOID = {"br", "col", "hr", "img", "input", "link", "meta", "wbr"}
 IGNORED = {"memberdecls", "memItemLeft", "toc", "ttc", "permalink", "mlabels"}
-MEMBER_ROW = re.compile(r"^mem(item|desc):(\w+)$")  # in a list of members: the declaration, and what is said of it
+MEMBER_ROW = re.compile(r"^mem(item|desc):(\w+)$")  # in a list of members: the declaration, and its description
 PARAMETERS = re.compile(r" ?\(.*")
 
 
@@ -27,7 +27,7 @@ class Sections(HTMLParser):
         self.title = ""
         self.found = []          # [place, heading, text]
         self.places = {""}       # the start of the page, and each anchor
-        self._open = [("", "")]  # elements, each with what its text is
+        self._open = [("", "")]  # the open elements, each with the kind of its text
         self._place = ""
         self.feed(text)
 
@@ -93,8 +93,8 @@ def as_words(text):
 def sections_of(path):
     """The sections of a page."""
     page = Sections(path.read_text(encoding="utf-8", errors="replace"))
-    # A member can be listed and later described, both at the same place: the description is taken. One that is listed
-    # without a place is described on another page. A heading without one only parts the list from the descriptions.
+    # If a member is listed and later described at the same place, takes the description. Skips a member that is listed
+    # without a place, because another page describes it, and a heading without a place, which only separates lists.
     found = {}
     for place, heading, text in page.found:
         if place in page.places and (place or not found):

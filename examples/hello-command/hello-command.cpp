@@ -8,7 +8,7 @@
 
 namespace {
 
-// Understands one command, HELLO, with two options, TIMES = 3 and LOUD = T, and has it recorded.
+// Reads and records one command, HELLO, with two options: TIMES = 3 and LOUD = T.
 class HelloProcessor : public vexa::vexautilutil::MacroCommandProcessorAbstract {
 public:
     bool processCommand() override {

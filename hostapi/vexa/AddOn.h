@@ -1,5 +1,5 @@
 /// \file
-/// What an add-on's shared object must export for the host to load it: one function, which describes the add-on.
+/// The one function that an add-on's shared object must export. It describes the add-on to the host.
 ///
 ///     static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, "MYADDON", "My add-on", execute, shutdown};
 ///     const VexaAddOn_s* vexaAddOn(AddOnList_s* self) { return &description; }
@@ -22,9 +22,9 @@ typedef struct VexaAddOn_s {
     const char* id;
     /// A title shown to users. May be null.
     const char* title;
-    /// Runs one command; must not be null. On success it returns 1. Otherwise it returns 0, and may store in \p errMsg,
-    /// which is null at first, a string from VexaUtilStringAlloc(); the host then owns the string. No exception may
-    /// leave it.
+    /// Runs one command; must not be null. On success it returns 1. Otherwise it returns 0, and may store an error
+    /// message in \p errMsg, which is null at first. The message is a string from VexaUtilStringAlloc(); the host then
+    /// owns the string. No exception may leave the function.
     VexaBoolean (*execute)(const char* command, char** errMsg);
     /// The host calls it once, before it unloads the add-on. May be null. No exception may leave it.
     void (*shutdown)(void);

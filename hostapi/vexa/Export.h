@@ -1,8 +1,8 @@
 /// \file
-/// Which names the in-house class libraries export.
+/// Marks the names that the class libraries export.
 #pragma once
 
-/// Exports a class or function of the in-house class libraries.
+/// Exports a class or function of the class libraries.
 #if defined(__GNUC__)
 #define VEXAHOSTLIBS_API __attribute__((visibility("default")))
 #else

@@ -13,7 +13,7 @@ Command explainCommand();
 /// `list` prints a table of add-ons in the order given: id, title, file.
 Command listCommand();
 
-/// `manual` prints the manual page and the completions of shells, which the build installs. The help does not show it.
+/// `manual` prints the manual page and the shell completions for the build to install. The help does not list it.
 /// \param program  the program that the manual describes; it must outlive the returned command
 Command manualCommand(const Command& program);
 
@@ -23,17 +23,17 @@ Command newCommand();
 /// `repl` runs the commands that the user types.
 Command replCommand();
 
-/// `report` makes a page for browsers from a trace.
+/// `report` makes an HTML page from a trace.
 Command reportCommand();
 
-/// `run` runs macro files. Only add-ons print on the standard output. SIGINT stops the current command, and no other
-/// command starts. The runner still writes what the add-ons recorded.
+/// `run` runs macro files. Only add-ons print on the standard output. After SIGINT, the current command stops and no
+/// other command starts. The runner still writes the recorded commands.
 Command runCommand();
 
-/// `style` prints a setting of a style file as add-ons get it from the library: its kind and its value.
+/// `style` prints the kind and the value that add-ons get from the library for a setting of a style file.
 Command styleCommand();
 
-/// `test` compares what macros do with what they are expected to do.
+/// `test` compares the results of macros with the expected results.
 Command testCommand();
 
 }  // namespace vexa::runner

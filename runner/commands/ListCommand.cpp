@@ -31,7 +31,7 @@ Exit status:
 constexpr const char* kColumnGap = "  ";
 constexpr const char* kNoTitle = "-";
 
-// A column has one line, even if the title or the id has more.
+// Puts the title on one line, because it is a column of a table.
 std::string titleOf(const standin::AddOnInfo& addOn) {
     return addOn.title.empty() ? kNoTitle : printableLine(addOn.title);
 }
@@ -65,7 +65,7 @@ ExitStatus_e listHere(const SessionOptions& options, ProcessBox& box) {
     return checkOutput(allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput);
 }
 
-// Loads the add-ons in a process of their own, which they may end.
+// Loads the add-ons in another process, because an add-on may end its process.
 class WatchedList : public UserWork {
 public:
     explicit WatchedList(const SessionOptions& options) : m_options(options) {}

@@ -48,10 +48,10 @@ struct StyleOptions {
 std::string reasonOf(GetValueReturnCode_e code, const StyleOptions& options) {
     switch (code) {
         case GetValueReturnCode_UnknownPath: return "unknown: the style file has no such setting";
-        case GetValueReturnCode_OtherType: return "its value is of another kind than was asked for";
+        case GetValueReturnCode_OtherType: return "its value has another type than the query expects";
         default:
-            return "no value: it holds other settings, or has none for the offsets " + std::to_string(options.offset1) +
-                   " and " + std::to_string(options.offset2);
+            return "no value: the path is too short, or there is none for the offsets " +
+                   std::to_string(options.offset1) + " and " + std::to_string(options.offset2);
     }
 }
 
@@ -75,15 +75,15 @@ ExitStatus_e showStyle(StyleOptions& options) {
 
 Command styleCommand() {
     const auto options = std::make_shared<StyleOptions>();
-    Command command{"style", "Show a setting of a style file as add-ons get it", kFooter};
+    Command command{"style", "Print the value that add-ons get for a setting of a style file", kFooter};
     command.add(styleOption(options->style).require());
-    command.add(
-        argument("PATH", "The setting's keywords, outermost first, an argument each", &options->path).require());
-    command.add(option({"--offset1"}, "N", "The query's first index; 0 unless given", &options->offset1));
-    command.add(option({"--offset2"}, "N", "The query's second index; 0 unless given", &options->offset2));
+    command.add(argument("PATH", "The keywords of the setting, outermost first, each as one argument", &options->path)
+                    .require());
+    command.add(option({"--offset1"}, "N", "The first index of the query (default 0)", &options->offset1));
+    command.add(option({"--offset2"}, "N", "The second index of the query (default 0)", &options->offset2));
     command.check = [options] {
-        // The library would leave further keywords away, except that the last one tells the kind.
-        if (options->path.size() > kMostStyleKeywords) throw UsageError("PATH: six keywords are the most");
+        // The library passes only six keywords to the host, but the last of all keywords decides the kind.
+        if (options->path.size() > kMostStyleKeywords) throw UsageError("PATH: expected at most six keywords");
     };
     command.run = [options] { return showStyle(*options); };
     return command;

@@ -13,17 +13,18 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kMostNested = 16;
-constexpr std::string_view kBetweenTokens = " \t\r\n:,\xEF\xBB\xBF";  // a byte-order mark, too
+constexpr std::string_view kBetweenTokens = " \t\r\n:,\xEF\xBB\xBF";  // includes a byte-order mark
 constexpr const char* kIntegerTooLarge = "the integer needs more than 64 bits; with .0 after it, it is a double";
 
-// The parser's message without its number and its place: "[json.number] parse error at line 1, column 2: REASON".
+// Returns the parser's message without its number and its place: "[json.number] parse error at line 1, column 2:
+// REASON".
 std::string reasonOf(std::string_view message) {
     constexpr std::string_view kNumberEnd = "] ";
     constexpr std::string_view kPlace = "parse error at ";
     constexpr std::string_view kPlaceEnd = ": ";
     message.remove_prefix(message.find(kNumberEnd) + kNumberEnd.size());
     if (message.substr(0, kPlace.size()) == kPlace) message.remove_prefix(message.find(kPlaceEnd) + kPlaceEnd.size());
-    return shortText(message);  // it quotes the token
+    return shortText(message);  // the message quotes the token, which may be long
 }
 
 // Builds values. The parser calls it right after each token.
@@ -37,7 +38,7 @@ public:
     bool null() override { return add(nullptr); }
     bool boolean(bool value) override { return add(value); }
     bool string(string_t& value) override { return add(std::move(value)); }
-    bool binary(binary_t&) override { return false; }  // there is none in a text
+    bool binary(binary_t&) override { return false; }  // a JSON text has none
 
     bool number_integer(number_integer_t value) override { return add(value); }
 
@@ -71,12 +72,12 @@ public:
     }
 
 private:
-    // How much the parser has read: up to the end of the last token, or one byte more.
+    // Returns how much the parser has read: up to the end of the last token, or one byte more.
     std::size_t consumed() const {
         return static_cast<std::size_t>(m_stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
     }
 
-    // The start of the current token: it is the first one after the end of the last token.
+    // Returns the start of the current token, which is the first one after the end of the previous token.
     std::size_t takeToken() {
         const std::size_t begin = m_text.find_first_not_of(kBetweenTokens, m_end);
         m_end = consumed();
@@ -91,7 +92,7 @@ private:
         return true;
     }
 
-    // Where the next value goes.
+    // Returns the place for the next value.
     JsonValue& place() {
         if (m_open.empty()) return m_root;
         if (auto* const members = std::get_if<JsonValue::Object>(&m_open.back()->value)) return members->back().value;

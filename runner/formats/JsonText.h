@@ -21,14 +21,14 @@ struct JsonValue {
     std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object> value;
 };
 
-/// A member of a JSON object. An object keeps all members in their order, also if two have the same name.
+/// A member of a JSON object. An object keeps all members in their order, even if two have the same name.
 struct JsonMember {
     std::size_t at = 0;  ///< the index of the first byte of its name, in the text
     std::string name;
     JsonValue value;
 };
 
-/// A text is no JSON. The message is the reason.
+/// Reports a text that is not JSON. The message is the reason.
 struct JsonError : std::runtime_error {
     JsonError(std::size_t index, const std::string& reason) : std::runtime_error(reason), at(index) {}
 

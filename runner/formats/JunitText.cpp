@@ -13,7 +13,7 @@ std::string escaped(const std::string& text) {
     std::string xml;
     for (const char c : printable(text)) {
         switch (c) {
-            case '\t': xml += "&#9;"; break;  // a tab or line feed in an attribute would be read as a blank
+            case '\t': xml += "&#9;"; break;  // otherwise a tab or line feed in an attribute is read as a blank
             case '&': xml += "&amp;"; break;
             case '<': xml += "&lt;"; break;
             case '>': xml += "&gt;"; break;

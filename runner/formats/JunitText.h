@@ -9,7 +9,7 @@ namespace vexa::runner {
 /// The outcome of a test case, as JUnit names it.
 enum class JunitOutcome_e {
     Passed,
-    Remarked,  ///< passed, with a text
+    Remarked,  ///< the test passed, and has a text
     Skipped,
     Failure,
     Error,  ///< the test could not finish
@@ -21,12 +21,12 @@ struct JunitCase {
     std::string name;
     double seconds = 0;
     JunitOutcome_e outcome = JunitOutcome_e::Passed;
-    std::string type;     ///< of a failure or an error
-    std::string message;  ///< one line, if it did not pass
+    std::string type;     ///< the type of a failure or an error
+    std::string message;  ///< one line, if the test did not pass
     std::string text;     ///< the whole text
 };
 
-/// Makes a JUnit report, which build servers show. Bytes that cannot be printed are written as `\xHH`.
+/// Returns a JUnit report for build servers. Bytes that cannot be printed are written as `\xHH`.
 /// \param properties names and values
 std::string junitText(const std::string& suite, const std::vector<std::pair<std::string, std::string>>& properties,
                       const std::vector<JunitCase>& cases);

@@ -28,7 +28,7 @@ constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kWhiteSpace = " \t\v\f\r";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kStandardInput = "-";
-constexpr const char* kHoldsReturn = "the line holds a carriage return";
+constexpr const char* kHoldsReturn = "the line contains a carriage return";
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -44,7 +44,7 @@ public:
         const char* problem = nullptr;
         if (const std::size_t nul = m_text.find('\0'); nul != std::string::npos) {
             const std::size_t lineStart = m_text.rfind('\n', nul) + 1;
-            problem = m_text.find('\r', lineStart) < nul ? kHoldsReturn : "the line holds a NUL byte";
+            problem = m_text.find('\r', lineStart) < nul ? kHoldsReturn : "the line contains a NUL byte";
             m_text.resize(lineStart);
         }
         // AsciiFile needs a file whose size is known: a pipe has none, and some devices report 0.
@@ -80,12 +80,13 @@ private:
             return refuse(lineNumber, noSuchAddOn(command.addOnId, m_addOnIds));
         }
         if (!isUnknown && command.text.find_first_not_of(kWhiteSpace) == std::string::npos) {
-            return refuse(lineNumber, "a command of '" + command.addOnId + "' was expected after its name");
+            return refuse(lineNumber, "expected a command after '" + command.addOnId + "'");
         }
         m_macro.commands.push_back(std::move(command));
     }
 
-    // Whether AsciiFile cuts a line, counted from 0, at a carriage return that is not part of the line end.
+    // Returns true if AsciiFile cuts the line `index`, counted from 0, at a carriage return that is not part of a line
+    // end.
     bool cuts(std::uint64_t index) const {
         const char* const text = m_file.readRawLineAtOffset(0);
         const char* const line = m_file.readRawLineAtOffset(index);
@@ -101,7 +102,7 @@ private:
     MacroFile& m_macro;
     const std::set<std::string>& m_addOnIds;
     UnknownId_e m_unknownId;
-    std::string m_text;  // up to the line with a NUL, where AsciiFile would end the file
+    std::string m_text;  // ends before the line with a NUL, because AsciiFile ends the file at a NUL
     AsciiFile m_file;
 };
 

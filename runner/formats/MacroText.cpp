@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kDataMark = "#   ";
 
-// Starts a comment at each line end. A macro file may not have a carriage return within a line.
+// Starts a new comment at each line end and at each carriage return, which a line of a macro file may not have.
 std::string asComments(std::string_view data) {
     std::string comments(kDataMark);
     for (std::size_t at = 0; at < data.size(); ++at) {

@@ -7,20 +7,20 @@
 
 namespace vexa::runner {
 
-/// The macro file that runs \p commands again. The same commands give the same text.
+/// Returns a macro file that runs \p commands again. The same commands give the same text.
 std::string recordingText(const std::vector<standin::RecordedCommand>& commands);
 
-/// The line of one command in recordingText().
+/// Returns the line of one command in recordingText().
 std::string recordingLine(const standin::RecordedCommand& recorded);
 
-/// A macro file of the commands of \p entries, each with its journal data as comments.
+/// Returns a macro file with the commands of \p entries, each with its journal data as comments.
 ///
 ///     STATS LOAD FILE = 'wake.txt'
 ///     #   rows=128
 ///     #   columns=3
 std::string journalText(const std::vector<standin::JournalEntry>& entries);
 
-/// The lines of one entry in journalText().
+/// Returns the lines of one entry in journalText().
 std::string journalLines(const standin::JournalEntry& entry);
 
 }  // namespace vexa::runner

@@ -12,14 +12,14 @@ std::string findProjectFile();
 
 /// Reads a project file, which is TOML.
 ///
-///     strict = true                   breaches of rules make a run fail
-///     warnings-as-errors = true       also breaches of rules of severity warning
-///     suppress = ["missing-errmsg"]   rules whose breaches pass
+///     strict = true                   findings make a run fail
+///     warnings-as-errors = true       findings of severity warning do, too
+///     suppress = ["missing-errmsg"]   rules whose findings are ignored
 ///     timeout = 2.5                   seconds that a command may take
 ///
 /// All keys are optional, and suppress may also be a single rule.
-/// \throws UsageError if the file cannot be read, is no TOML, or has another key or a value of the wrong type. The
-/// message names the file, and the line if the fault is on one.
+/// \throws UsageError if the file cannot be read, is not TOML, or has an unknown key or a value of the wrong type. The
+/// message names the file, and the line if there is one.
 ContractOptions readProjectFile(const std::string& path);
 
 }  // namespace vexa::runner

@@ -10,17 +10,17 @@
 
 namespace vexa::runner {
 
-// The results of a run for other programs: a JSON object a line, one for each command, and a last one for the whole
-// run. docs/testing.md describes them.
+// The results of a run for other programs: one JSON object per line, for each command and then for the whole run.
+// docs/many-files.md describes them.
 
-/// The line of a command.
-/// \param findings those since the line before
+/// Returns the line of a command.
+/// \param findings the findings since the previous line
 std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
                        std::chrono::duration<double> time, const std::vector<standin::Finding>& findings);
 
-/// The last line.
-/// \param findings those since the line before
-/// \param error    why the run ended early; empty if it did not
+/// Returns the last line.
+/// \param findings the findings since the previous line
+/// \param error    the reason why the run ended early; empty if it did not
 std::string endLine(const std::string& macroFile, ExitStatus_e status, const std::vector<standin::Finding>& findings,
                     const std::string& error = {});
 

@@ -57,12 +57,12 @@ enum Kind_e : std::size_t { Double, Integer, Text, IndexSet };
 
 // ---- Values
 
-// The members of `object` by name. Refuses a name that is not among `names`, or that is given twice.
+// Returns the members of `object` by name. Refuses a name that is not one of `names`, and a repeated name.
 Members membersOf(const JsonValue::Object& object, std::initializer_list<const char*> names) {
     Members members;
     for (const JsonMember& member : object) {
         if (std::find(names.begin(), names.end(), member.name) == names.end()) {
-            throw JsonError(member.at, inQuotes(member.name) + " is none of '" + joined(names, "', '") + '\'');
+            throw JsonError(member.at, inQuotes(member.name) + " is not one of '" + joined(names, "', '") + '\'');
         }
         if (!members.emplace(member.name, &member.value).second) {
             throw JsonError(member.at, inQuotes(member.name) + " is given twice");
@@ -81,11 +81,11 @@ toolbox::Set setOf(const std::string& text, std::size_t at) {
     }
 }
 
-// The text of a set for an item of an array of indices; empty for a text without a member.
+// Returns the text of an item in an array of indices, as a part of the text of a set. Empty for a text without members.
 std::string membersOf(const JsonValue& item) {
     const auto* const index = std::get_if<std::int64_t>(&item.value);
     if (index != nullptr && *index >= 0) return std::to_string(*index);
-    const auto& range = required<std::string>(item, "an index from 0 up, or a range such as \"5-7\"");
+    const auto& range = required<std::string>(item, "an index of 0 or more, or a range such as \"5-7\"");
     return range.find_first_not_of(" \t") == std::string::npos ? "" : range;
 }
 
@@ -108,14 +108,15 @@ bool isSetText(const std::string& text) {
     }
 }
 
-// Reads all items as one text: a set reads them in any order in linear time, and limits the number of all members.
+// Reads all items as one text, because a set reads them in linear time and limits the total number of members.
 toolbox::Set setOf(const JsonValue::Array& items) {
     const JsonValue* const begin = items.data();
     const std::string text = setTextOf(begin, begin + items.size());
     try {
         return setOf(text, 0);
     } catch (const JsonError& refusal) {
-        // Finds the first item that is wrong, or one too many, by bisection: reading each item separately is slow.
+        // Finds the first wrong item, or the first item over the limit, by bisection: reading each item separately is
+        // slow.
         const JsonValue* const wrong =
             std::partition_point(begin, begin + items.size() - 1,
                                  [begin](const JsonValue& item) { return isSetText(setTextOf(begin, &item + 1)); });
@@ -144,7 +145,7 @@ standin::StyleValue valueOf(const JsonValue& value) {
     if (const auto* const object = std::get_if<JsonValue::Object>(&value.value))
         return markedValueOf(*object, value.at);
     const auto& text = required<std::string>(value, "a number, a text, a set or keywords");
-    if (holdsNul(text)) throw JsonError(value.at, "a text cannot hold a NUL");
+    if (holdsNul(text)) throw JsonError(value.at, "a text must not contain a NUL");
     return text;
 }
 
@@ -176,10 +177,11 @@ private:
 
     void checkKeyword(const JsonMember& keyword) const {
         if (keyword.name.empty()) throw JsonError(keyword.at, "a keyword is empty");
-        if (isSpecial(keyword)) throw JsonError(keyword.at, inQuotes(keyword.name) + " cannot stand among keywords");
-        if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword cannot hold a NUL");
+        if (isSpecial(keyword)) throw JsonError(keyword.at, inQuotes(keyword.name) + " cannot be used beside keywords");
+        if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword must not contain a NUL");
         if (m_path.size() == kMostStyleKeywords) {
-            throw JsonError(keyword.at, inQuotes(keyword.name) + " is the seventh keyword of a path; six are the most");
+            throw JsonError(keyword.at,
+                            inQuotes(keyword.name) + " is the seventh keyword of a path; at most six are allowed");
         }
     }
 
@@ -229,8 +231,8 @@ private:
         m_settings.push_back(std::move(setting));
     }
 
-    // The kind that the library, and so an add-on, expects for a value that is no double. Asks with the value 0, which
-    // the library does not follow as an address.
+    // Returns the kind that the library, and so an add-on, expects for a value that is not a double. Asks with the
+    // value 0, which the library does not use as an address.
     Kind_e expectedKind() {
         m_host.setStyle(m_path, std::int64_t{0});
         vexautilutil::ResultType_e type{};
@@ -244,9 +246,9 @@ private:
         }
     }
 
-    Path m_path;  // of the value that is taken
+    Path m_path;  // the path of the current value
     std::vector<StyleSetting> m_settings;
-    standin::Host m_host;  // asked for the kinds of values
+    standin::Host m_host;  // tells the kinds of values
 };
 
 // ---- The file

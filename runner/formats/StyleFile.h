@@ -11,21 +11,21 @@
 
 namespace vexa::runner {
 
-/// How many keywords the path of a setting has at most.
+/// The maximum number of keywords in the path of a setting.
 inline constexpr std::size_t kMostStyleKeywords = 6;
 
 /// A setting of a style file.
 struct StyleSetting {
     std::vector<std::string> path;                 ///< its keywords, outermost first
-    std::optional<std::pair<long, long>> offsets;  ///< the pair that it is for; empty: all other pairs
+    std::optional<std::pair<long, long>> offsets;  ///< the pair of offsets with this value; empty for all other pairs
     standin::StyleValue value;
 };
 
-/// Reads the text of a style file, which is JSON: keywords in one another, and values.
+/// Reads the text of a style file, which is JSON: nested keywords, and values.
 ///
 ///     {"FIELDMAP": {"MESH": {"LINETHICKNESS": 0.4}}}      a double, of the path FIELDMAP, MESH, LINETHICKNESS
 ///     {"FRAME": 3}                                        an integer: no point, no exponent
-///     {"FRAME": {"$double": 3}}                           a double all the same
+///     {"FRAME": {"$double": 3}}                           a double, too
 ///     {"TITLE": {"TEXT": "Wake"}}                         a text
 ///     {"ACTIVEFIELDMAPS": [1, 2, "5-7"]}                  a set: indices, and ranges as sets write them
 ///     {"ACTIVEFIELDMAPS": {"$set": "[1-2,5-7]"}}          the same set
@@ -34,10 +34,10 @@ struct StyleSetting {
 ///                                                         "$value" is for all other pairs, and may be left out
 ///
 /// \throws JsonError for everything else, and for
-/// - a keyword that is empty, has a NUL, starts with `$`, or is in one object twice, in any letter case
+/// - a keyword that is empty, has a NUL, starts with `$`, or occurs twice in an object, in any letter case
 /// - a path of more than six keywords
 /// - a text with a NUL
-/// - a value of another kind than add-ons expect for its last keyword: they may use an integer as an address
+/// - a value of another kind than add-ons expect for its last keyword, because they may use an integer as an address
 std::vector<StyleSetting> parseStyles(const std::string& text);
 
 /// Reads a style file; `-` is the standard input. Reports an error as "FILE:LINE:COLUMN: reason".
@@ -48,7 +48,7 @@ std::optional<std::vector<StyleSetting>> readStyles(const std::string& file);
 void giveStyles(standin::Host& host, const std::vector<StyleSetting>& settings);
 
 /// Reads a style file, as readStyles() does, and sets its settings in \p host.
-/// \return whether the file could be read; if not, \p host is unchanged.
+/// \return false if the file could not be read; \p host is then unchanged.
 bool loadStyles(standin::Host& host, const std::string& file);
 
 }  // namespace vexa::runner

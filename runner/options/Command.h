@@ -10,7 +10,7 @@
 
 namespace vexa::runner {
 
-/// Does what the command line asks for.
+/// Runs a command, and returns the exit status.
 using Action = std::function<ExitStatus_e()>;
 
 /// An option that the user gave, and its values as text.
@@ -22,21 +22,21 @@ struct Command {
     std::string name;
     std::string summary;
     std::string footer = {};           ///< the help shows it below the options: examples, exit statuses
-    std::vector<Option> options = {};  ///< in the help's order
+    std::vector<Option> options = {};  ///< in the order of the help
     std::vector<Command> commands = {};
-    bool isHidden = false;                  ///< whether help, manual page and completions leave it out
+    bool isHidden = false;                  ///< true to omit the command in help, manual page and completions
     std::function<void()> check = nullptr;  ///< throws UsageError if options cannot be combined; may be empty
     Action run = nullptr;
-    std::vector<GivenOption>* given = nullptr;  ///< gets the options that the user gave, if not null
+    std::vector<GivenOption>* given = nullptr;  ///< receives the options that the user gave; may be null
 
     void add(Option option) { options.push_back(std::move(option)); }
 };
 
-/// The commands of \p program that are not hidden, and their names.
+/// Return the commands of \p program that are not hidden, and their names.
 std::vector<const Command*> shownCommands(const Command& program);
 std::vector<std::string> shownNames(const Command& program);
 
-/// The positional arguments and the other options of \p command.
+/// Return the positional arguments, and the other options, of \p command.
 std::vector<const Option*> argumentsOf(const Command& command);
 std::vector<const Option*> namedOptionsOf(const Command& command);
 

@@ -22,7 +22,7 @@ Action show(std::FILE* stream, const std::string& text, ExitStatus_e status) {
     };
 }
 
-// Adds an option to the parser, by the kind of its destination.
+// Adds an option to the parser. The type of its destination selects the call.
 struct OptionAdder {
     CLI::App& app;
     std::string names;
@@ -43,7 +43,7 @@ void addOption(CLI::App& app, const Option& option) {
     CLI::Option& parsed = *std::visit(OptionAdder{app, names}, option.destination);
     if (option.valueName.empty()) return;
     parsed.type_name(option.isArgument() ? "" : option.valueName)->required(option.isRequired);
-    // One value per option, so that an argument after it is not taken for a second one.
+    // One value per option, so that the parser does not use a following argument as a second value.
     if (!option.isArgument()) parsed.allow_extra_args(false);
     if (option.whyNot) parsed.check(CLI::Validator(option.whyNot, ""));
     if (option.range) parsed.check(CLI::Range(option.range->least, option.range->most).description(""));
@@ -68,7 +68,7 @@ std::vector<GivenOption> givenTo(const CLI::App& app, const Command& command) {
     return given;
 }
 
-// The program as the parser knows it.
+// The program, with its commands and options added to the parser.
 class Parser {
 public:
     explicit Parser(const Command& program) : m_program(program), m_app(program.summary, program.name) {
@@ -79,7 +79,7 @@ public:
 
     Action parse(std::vector<std::string> words) {
         try {
-            std::reverse(words.begin(), words.end());  // as the parser wants them
+            std::reverse(words.begin(), words.end());  // the parser expects the words in reverse order
             m_app.parse(std::move(words));
             return isCommandChosen() ? checked(chosen()) : show(stderr, help(), ExitStatus_e::BadUsageOrInput);
         } catch (const CLI::CallForHelp&) {
@@ -100,7 +100,7 @@ public:
     }
 
 private:
-    // The command that the user gave; without one the program.
+    // Returns the command that the user gave; without a command, the program.
     const Command& chosen() const {
         const auto isChosen = [this](const Command& command) { return m_app.got_subcommand(command.name); };
         const auto found = std::find_if(m_program.commands.begin(), m_program.commands.end(), isChosen);

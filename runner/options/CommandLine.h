@@ -11,7 +11,8 @@ namespace vexa::runner {
 ///
 /// \param program    the program; it must live until the returned action has run
 /// \param arguments  the words of the command line, without the name of the program
-/// \return runs the command, or prints the help or the version. Without a command it prints the help as an error.
+/// \return an action that runs the command, or prints the help or the version. Without a command, the action prints the
+///         help as an error.
 /// \throws UsageError if the command line is wrong.
 Action parse(const Command& program, const std::vector<std::string>& arguments);
 

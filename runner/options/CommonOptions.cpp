@@ -13,7 +13,7 @@ Option colourOption() {
     const auto choose = [](const std::string& when) {
         if (when != "auto") chooseColour(when == "always");
     };
-    return option({"--color"}, "WHEN", "When messages are in colour: auto, always or never", choose)
+    return option({"--color"}, "WHEN", "When to colour messages: auto, always or never", choose)
         .allow({"auto", "always", "never"});
 }
 
@@ -32,17 +32,17 @@ Option addOnOption(std::vector<std::string>& files) {
 
 Option jobsOption(std::size_t& jobs, const std::string& what) {
     constexpr Range kJobs = {1, 1000};
-    return option({"-j", "--jobs"}, "N", "How many " + what + " run at a time; 1 unless given", &jobs).check(kJobs);
+    return option({"-j", "--jobs"}, "N", "How many " + what + " run at a time (default 1)", &jobs).check(kJobs);
 }
 
 Option styleOption(std::optional<std::string>& file) {
-    return option({"--style"}, "FILE.json",
-                  "The file of the host's style settings, - for the standard input; 'style --help' describes it",
-                  &file);
+    return option(
+        {"--style"}, "FILE.json",
+        "The file of the host's style settings; - reads the standard input; 'style --help' describes the file", &file);
 }
 
 std::string whyNoStream(const std::string& path) {
-    return path == "-" ? "a standard stream cannot be used here; ./- is a file or folder of that name" : "";
+    return path == "-" ? "a standard stream cannot be used here; for a file or folder called -, write ./-" : "";
 }
 
 void refuseSecondStandardInput(const std::vector<std::string>& inputs) {

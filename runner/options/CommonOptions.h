@@ -9,8 +9,8 @@
 
 namespace vexa::runner {
 
-/// Adds `--help` and `--color` to \p program and to each of its commands. `--color` takes effect when the parser finds
-/// it.
+/// Adds `--help` and `--color` to \p program and to each of its commands. `--color` takes effect as soon as the parser
+/// reads it.
 void addOptionsOfAll(Command& program);
 
 /// `--addon`: the add-ons to load.
@@ -22,7 +22,7 @@ Option jobsOption(std::size_t& jobs, const std::string& what);
 /// `--style`: the style file.
 Option styleOption(std::optional<std::string>& file);
 
-/// A check for options that name an add-on or a folder: refuses `-`, which names a standard stream.
+/// The check of options that name an add-on or a folder: refuses `-`, which names a standard stream.
 std::string whyNoStream(const std::string& path);
 
 /// \throws UsageError if more than one of \p inputs is the standard input.

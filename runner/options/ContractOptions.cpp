@@ -11,10 +11,11 @@ std::string whyNoRule(const std::string& name) { return standin::findRule(name) 
 
 std::string whyNoTimeout(const std::string& text) { return secondsOf(text) ? "" : kExpectedSeconds; }
 
-// A switch that is neither on nor off until it is given.
+// Adds the options --NAME and --no-NAME. `value` stays empty if the user gives neither.
 void addSwitch(Command& command, std::optional<bool>& value, const std::string& name, const std::string& help) {
     command.add(flag({"--" + name}, help, switchTo(value, true)));
-    command.add(flag({"--no-" + name}, "Turn this off, even if the project file turns it on", switchTo(value, false)));
+    command.add(flag({"--no-" + name}, "Turn --" + name + " off, even if the project file turns it on",
+                     switchTo(value, false)));
 }
 
 }  // namespace
@@ -29,14 +30,13 @@ void addSuppressOptions(Command& command, ContractOptions& options) {
 }
 
 void addStrictOptions(Command& command, ContractOptions& options) {
-    addSwitch(command, options.strict, "strict", "Fail when an add-on breaks the host's contract");
+    addSwitch(command, options.strict, "strict", "Fail if an add-on breaks the host's contract");
     addSwitch(command, options.warningsAsErrors, "warnings-as-errors", "Like --strict, but warnings fail the run, too");
 }
 
 void addTimeoutOption(Command& command, ContractOptions& options) {
     const auto take = [&options](const std::string& text) { options.timeout = secondsOf(text); };
-    command.add(
-        option({"--timeout"}, "SECONDS", "End the program when a command takes longer", take).check(whyNoTimeout));
+    command.add(option({"--timeout"}, "SECONDS", "End the run if a command takes longer", take).check(whyNoTimeout));
 }
 
 std::vector<std::string> ruleNames() {

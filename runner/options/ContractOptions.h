@@ -11,14 +11,14 @@ namespace vexa::runner {
 
 /// The settings of the contract check, from options and from the project file. A setting that neither gives is empty.
 struct ContractOptions {
-    std::optional<bool> strict;                            ///< whether findings make a run fail
-    std::optional<bool> warningsAsErrors;                  ///< whether findings of severity warning do, too
+    std::optional<bool> strict;                            ///< true if findings make a run fail
+    std::optional<bool> warningsAsErrors;                  ///< true if findings of severity warning do, too
     std::vector<std::string> suppressed;                   ///< rules whose findings are ignored
     std::optional<std::chrono::duration<double>> timeout;  ///< how long a command may take
-    bool ignoresProjectFile = false;                       ///< whether no project file is read
+    bool ignoresProjectFile = false;                       ///< true if no project file is read
     std::optional<std::string> projectFile;                ///< the project file that was read
 
-    /// Whether findings make a run fail. If no setting says so, they do if warnings count as errors.
+    /// Returns true if findings make a run fail. Without a setting, they do if warnings count as errors.
     bool isStrict() const { return strict.value_or(warningsAsErrors.value_or(false)); }
 };
 
@@ -31,7 +31,7 @@ void addStrictOptions(Command& command, ContractOptions& options);
 /// Adds `--timeout`.
 void addTimeoutOption(Command& command, ContractOptions& options);
 
-/// The names of all rules, for completion.
+/// Returns the names of all rules, for completion.
 std::vector<std::string> ruleNames();
 
 }  // namespace vexa::runner

@@ -11,14 +11,14 @@ enum class ExitStatus_e : int {
     BadUsageOrInput = 2,
     ContractViolated = 3,
     CommandHung = 4,
-    ProcessEnded = 5,  ///< an add-on ended the process it runs in
-    Stopped = 130,     ///< as shells say of a program that SIGINT ended
+    ProcessEnded = 5,  ///< an add-on ended its process
+    Stopped = 130,     ///< the status that shells report for a program that SIGINT ended
 };
 
-/// What shells add to the number of a signal that ended a program.
+/// Shells report this plus the number of the signal for a program that a signal ended.
 inline constexpr int kKilledBySignal = 128;
 
-/// For people; empty for a status that is none of the runner's.
+/// Returns a text for users; empty if the runner has no such status.
 std::string meaningOf(ExitStatus_e status);
 
 }  // namespace vexa::runner

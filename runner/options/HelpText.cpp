@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kUsualNameColumns = 30;
 constexpr std::size_t kLeastText = 20;
 
-// A line of a table, "  KEY  text", is continued below its text. All others are code, which stays as it is.
+// Wraps a line of a table, "  KEY  text", below its text. Does not change other lines, which are code.
 std::string indentedLine(const std::string& line, std::size_t width) {
     const std::size_t gap = line.find("  ", std::min(line.find_first_not_of(' '), line.size()));
     const std::size_t text = line.find_first_not_of(' ', gap);
@@ -57,7 +57,7 @@ std::string headOf(const Option& option) {
     return head;
 }
 
-// The left column names what the right one describes.
+// Returns a row: the name in the left column, and the description in the right one.
 std::string rowOf(const std::string& name, const std::string& text, std::size_t width) {
     const std::size_t nameColumns = std::min(kUsualNameColumns, width * 3 / 8);
     std::string start = "  " + name;

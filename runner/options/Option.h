@@ -21,19 +21,20 @@ struct ShowVersion {
     std::string text;
 };
 
-/// Is called when the option is given.
+/// Called when the user gives the option.
 using Act = std::function<void()>;
 
-/// Gets the value as text, after the option's check.
+/// Receives the value as text, after the option's check.
 using TakeText = std::function<void(const std::string&)>;
 
-/// Where the parser puts an option's value. It sets a bool to true. A vector gets one value each time the user gives
-/// the option; other options may be given once. A variable that is pointed to must live until the command has run.
+/// The place for the value of an option. The parser sets a bool to true. It appends to a vector each time the user
+/// gives the option; other options may be given once. A variable that a pointer refers to must live until the command
+/// has run.
 using Destination =
     std::variant<ShowHelp, ShowVersion, Act, TakeText, bool*, int*, long*, std::size_t*, double*, std::string*,
                  std::optional<std::uint64_t>*, std::optional<std::string>*, std::vector<std::string>*>;
 
-/// Returns what is wrong with a value; an empty text if the value is right.
+/// Returns what is wrong with a value; empty if the value is valid.
 using WhyNot = std::function<std::string(const std::string& value)>;
 
 /// The integers from \p least to \p most.
@@ -49,12 +50,13 @@ struct Option {
     std::string valueName;           ///< the name of the value in the help: `FILE`; empty for a switch
     std::string help;                ///< what the option does, without a full stop
     Destination destination;
-    bool isRequired = false;              ///< whether the user must give it
+    bool isRequired = false;              ///< true if the user must give the option
     WhyNot whyNot = nullptr;              ///< checks the value; may be empty
     std::optional<Range> range = {};      ///< the integers that are allowed
     std::vector<std::string> words = {};  ///< values that completion offers
-    bool areOthersRefused = false;        ///< whether other values are refused
-    std::string excluded = {};  ///< the label() of an option that cannot be combined with it; that one names this one
+    bool areOthersRefused = false;        ///< true if other values are refused
+    std::string excluded =
+        {};  ///< the label() of an option that excludes this one; that option must name this one, too
 
     Option& require() {
         isRequired = true;
@@ -83,31 +85,31 @@ struct Option {
 
     bool isArgument() const { return names.empty(); }
     bool isRepeatable() const { return std::holds_alternative<std::vector<std::string>*>(destination); }
-    /// The name in messages: the long name, or the name of the value of an argument.
+    /// Returns the name in messages: the long name, or the value name of a positional argument.
     const std::string& label() const { return isArgument() ? valueName : names.back(); }
-    /// Whether its value is a file or a folder, by the start of its name.
+    /// Returns true if the value is a file or a folder, which the start of the value name tells.
     bool takesFiles() const {
         const auto isCalled = [this](const char* start) { return startsWith(valueName, start); };
         return isCalled("FILE") || isCalled("FOLDER") || isCalled("MACRO") || isCalled("TRACE");
     }
 };
 
-/// An option with a value.
+/// Makes an option with a value.
 inline Option option(std::vector<std::string> names, std::string valueName, std::string help, Destination to) {
     return {std::move(names), std::move(valueName), std::move(help), std::move(to)};
 }
 
-/// Sets a value that is empty until the user gives it.
+/// Returns an action that sets \p value, which is empty until the user gives the option.
 inline Act switchTo(std::optional<bool>& value, bool isOn) {
     return [&value, isOn] { value = isOn; };
 }
 
-/// An option without a value.
+/// Makes an option without a value.
 inline Option flag(std::vector<std::string> names, std::string help, Destination to) {
     return {std::move(names), "", std::move(help), std::move(to)};
 }
 
-/// A positional argument.
+/// Makes a positional argument.
 inline Option argument(std::string valueName, std::string help, Destination to) {
     return {{}, std::move(valueName), std::move(help), std::move(to)};
 }

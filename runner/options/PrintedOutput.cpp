@@ -11,7 +11,7 @@
 namespace vexa::runner {
 
 bool isOutputWhole() {
-    // Output may still be in the buffer. A full disk, or a descriptor that an add-on closed, is found only now.
+    // Flushes the buffer, because only then a full disk, or a descriptor that an add-on closed, shows.
     const bool isFlushed = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (isFlushed && fcntl(STDOUT_FILENO, F_GETFD) >= 0) return true;
     __fpurge(stdout);

@@ -4,8 +4,8 @@
 
 namespace vexa::runner {
 
-/// Whether everything that this process printed was written to the standard output. If not, later output is discarded,
-/// so that the loss is reported once.
+/// Returns true if everything that this process printed was written to the standard output. Otherwise later output is
+/// discarded, so that the loss is reported once.
 bool isOutputWhole();
 
 /// Reports lost output.

@@ -28,7 +28,7 @@ std::string noSuchRule(const std::string& name) {
 }
 
 std::string noSuchTest(const std::string& name) {
-    return "there is no test \"" + name + "\"; 'check --list' names them";
+    return "there is no test \"" + name + "\"; 'check --list' lists them";
 }
 
 std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded) {

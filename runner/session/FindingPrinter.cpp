@@ -26,7 +26,7 @@ void printFinding(const standin::Finding& finding) {
 void FindingPrinter::printNew(const standin::Host& host) {
     const std::lock_guard<std::mutex> lock(m_guard);
     for (standin::Finding& finding : newFindings(host, m_printed)) {
-        finding.repeats = 0;  // there may be more to come
+        finding.repeats = 0;  // more may follow, so the count is not final
         printFinding(finding);
     }
 }

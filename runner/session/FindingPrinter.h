@@ -8,18 +8,18 @@
 
 namespace vexa::runner {
 
-/// The findings of \p host after the first \p known ones; then all of them are known. There are few: the host keeps ten
-/// for each rule and add-on.
+/// Returns the findings of \p host after the first \p known ones, and sets \p known to their total. There are few: the
+/// host keeps ten for each rule and add-on.
 std::vector<standin::Finding> newFindings(const standin::Host& host, std::size_t& known);
 
-/// Prints how many findings \p host only counted, and which rules were suppressed without need.
+/// Prints how many findings \p host only counted, and which suppressed rules had no finding.
 void printRestOfFindings(const standin::Host& host);
 
 /// Prints a finding for the user.
 void printFinding(const standin::Finding& finding);
 
 /// Prints the findings of a host for the user, each one once.
-/// Threads: safe from any.
+/// Threads: any thread may call the functions.
 class FindingPrinter {
 public:
     /// Prints the findings since the last call.

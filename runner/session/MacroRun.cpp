@@ -176,8 +176,8 @@ private:
         return isWritten;
     }
 
-    // Plays the recording in a new session, as a user does who plays a recorded macro. The user saw what is printed,
-    // the dialogs and the status line before.
+    // Plays the recording back in a new session, as a user would. Shows no output, dialogs or status line: the user has
+    // already seen them.
     bool replayRecording() {
         const std::vector<standin::RecordedCommand> recorded = m_host.recordedCommands();
         if (recorded.empty()) return true;
@@ -209,13 +209,13 @@ private:
         return loaded;
     }
 
-    // Called on another thread, while the add-on goes on.
+    // Called on another thread while the add-on still runs.
     ExitStatus_e conclude(const Overrun& overrun) {
         const ExitStatus_e status = overrun.finding ? ExitStatus_e::CommandHung : ExitStatus_e::BadUsageOrInput;
         if (overrun.finding) {
             concludeHang(overrun);
         } else {
-            tell(m_options.macroFile, "cannot be read: it has no end after " + secondsText(overrun.limit));
+            tell(m_options.macroFile, "cannot be read: it did not end within " + secondsText(overrun.limit));
         }
         finish(status);
         m_view.leaveTerminal();
@@ -237,7 +237,7 @@ private:
     std::vector<StyleSetting> m_styles;
     std::set<std::string> m_ids;  // of the loaded add-ons
     MacroFile m_macro;
-    bool m_isRunning = false;  // commands run, and what they record is still to be written
+    bool m_isRunning = false;  // commands run, and their recording is not written yet
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;
     std::size_t m_run = 0;

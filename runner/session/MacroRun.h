@@ -17,13 +17,13 @@ struct RunOptions : SessionOptions {
     std::optional<std::string> journal;  ///< where the journal goes
     std::optional<std::string> json;     ///< where the results for other programs go
     TraceOptions trace;                  ///< where the traces go
-    bool keepGoing = false;              ///< run on after a failed command
+    bool keepGoing = false;              ///< continue after a failed command
     bool verbose = false;                ///< show each command, and a summary
 };
 
 /// Runs a macro file in this process. Ends the process if work takes longer than the time limit.
-/// \param box   gets what the add-ons do.
-/// \param notes get the recording, the journal and the results.
+/// \param box   receives what the add-ons are doing.
+/// \param notes receives the recording, the journal and the results.
 ExitStatus_e runMacro(const RunOptions& options, ProcessBox& box, NotesInterface& notes);
 
 }  // namespace vexa::runner

@@ -14,7 +14,7 @@ std::string lineOf(const standin::RecordedCommand& recorded) { return recorded.a
 
 std::string quoted(const std::string& text) { return '"' + text + '"'; }
 
-// How the recorded commands differ from `expected` alone; empty if they do not.
+// Describes how the recorded commands differ from the single command `expected`; empty if they do not.
 std::string differenceOf(const std::vector<standin::RecordedCommand>& commands, const std::string& expected) {
     if (commands.size() == 1 && lineOf(commands.front()) == expected) return "";
     if (commands.empty()) return "records nothing";

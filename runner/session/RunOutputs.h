@@ -12,42 +12,42 @@
 
 namespace vexa::runner {
 
-/// \name What a run tells the process that keeps its outputs
+/// \name Messages of a run to the process that keeps its outputs
 /// @{
 inline constexpr char kRecordedNote = 'r';   ///< the lines of a recorded command
 inline constexpr char kJournaledNote = 'j';  ///< the lines of a journal entry
 inline constexpr char kResultNote = 'o';     ///< a line of the results
 inline constexpr char kEndNote = 'e';        ///< the last line of the results
-inline constexpr char kBeganNote = 'b';      ///< commands run from now on
+inline constexpr char kBeganNote = 'b';      ///< the first command starts
 inline constexpr char kWriteNote = 'w';      ///< asks to write the outputs; answer: kWritten and a summary, or empty
 /// @}
 
 inline constexpr char kWritten = 'y';
 
-/// The outputs of a run. It keeps the recording and the journal until the run is over, and then writes each of them as
-/// a whole. It hands on the lines of the results at once.
+/// The outputs of a run. It keeps the recording and the journal until the run is over, and then writes each file as a
+/// whole. It passes each line of the results on at once.
 ///
-/// It gets the notes of a run in this process, and of one in another process.
-/// Threads: tell() and ask() are safe from any.
+/// The run may be in this process or in another one; both send notes.
+/// Threads: any thread may call tell() and ask().
 class RunOutputs : public NotesInterface {
 public:
     /// \param results gets each line of the results.
     explicit RunOutputs(std::function<void(std::string_view)> results) : m_results(std::move(results)) {}
 
-    /// Keeps the last line of the results back until tellEnd(), for a run that may still end in another way.
+    /// Holds back the last line of the results until tellEnd(), because the process may still end in another way.
     void keepEndBack() { m_keepsEndBack = true; }
     void tellEnd() { m_results(m_end); }
 
-    /// Checks that the files asked for can be written.
+    /// Checks that the requested files can be written.
     /// \throws OutputError
     void open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile);
 
     void tell(char kind, std::string_view text) override;
     std::string ask(char kind, std::string_view text) override;
 
-    /// Writes the recording and the journal of a run that ended before it asked for that.
-    /// If no command began, the files stay as they were.
-    /// \return whether all was written; errors were printed.
+    /// Writes the recording and the journal of a run that ended before it sent kWriteNote. If no command started, the
+    /// files stay unchanged.
+    /// \return false if a file could not be written. The function has then printed the error.
     bool writeWhatIsLeft();
 
 private:
@@ -68,7 +68,7 @@ private:
     std::string m_end;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
-    bool m_isLeft = false;  // commands began, and their outputs are not written yet
+    bool m_isLeft = false;  // commands have started, and their outputs are not written yet
 };
 
 }  // namespace vexa::runner

@@ -28,7 +28,7 @@ std::string_view failureText(const standin::CommandResult& result) {
     return message.empty() ? "the command failed without a message" : message;
 }
 
-// The time in which the session works on something: the box has it, and the time limit holds.
+// While an object of this class lives, the box names the work of the session, and the time limit applies.
 class Session::TimeInAddOn : NonCopyable {
 public:
     TimeInAddOn(Session& session, const MacroCommand& work, std::size_t times = 1)
@@ -119,8 +119,8 @@ bool Session::isContractBroken() const {
            });
 }
 
-// The add-on goes on meanwhile, and may hold locks, or the standard output if nobody reads it. If this waits for them,
-// the process that watches this one ends it.
+// The add-on still runs, and may hold locks, or block the standard output if nobody reads it. If this function waits
+// for them, the watching process ends this one.
 void Session::endProcess(const ConcludeOverrun& conclude) {
     Overrun overrun{{m_box.place.text(), m_box.addOnId.text(), m_box.work.text()}, m_box.limit(), std::nullopt};
     m_box.allow(kTimeForLastWords);

@@ -36,21 +36,21 @@ std::string_view failureText(const standin::CommandResult& result);
 struct Overrun {
     MacroCommand work;                        ///< a command; of other work only the text, such as `loading of FILE`
     std::chrono::duration<double> limit;      ///< the limit of this work
-    std::optional<standin::Finding> finding;  ///< what the add-on did wrong; nothing if no add-on was entered
+    std::optional<standin::Finding> finding;  ///< the finding about the add-on; empty if no add-on was called
 };
 
-/// A stand-in host that is set up from options: the way in which each command of the program runs add-ons.
+/// A stand-in host that is set up from options. Every command of the program runs add-ons by a session.
 ///
-/// The process box gets what the add-ons are entered for. With a time limit, work that takes longer ends the process.
-/// Threads: as for standin::Host.
+/// The session writes to the process box what the add-ons are doing. If work exceeds the time limit, the session ends
+/// the process. Threads: as for standin::Host.
 class Session {
 public:
-    /// Tells of work that took too long, and returns the status with which the process ends.
+    /// Reports work that took too long, and returns the exit status of the process.
     using ConcludeOverrun = std::function<int(const Overrun&)>;
 
-    /// \param options  must live longer. The caller gives the style file to the host.
-    /// \param box      must live longer.
-    /// \param conclude is called on a thread of the session, while the add-on goes on; without it there is no limit.
+    /// \param options  must outlive the session. The caller passes the style file to the host.
+    /// \param box      must outlive the session.
+    /// \param conclude called on a thread of the session while the add-on still runs; null for no time limit.
     Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude = nullptr);
 
     standin::Host& host() { return m_host; }
@@ -64,7 +64,7 @@ public:
     bool loadAddOns();
     /// Unloads all add-ons. The host does this in one call, so the time limit counts once for each of them.
     void unloadAddOns();
-    /// Reads a macro file for the loaded add-ons. A pipe may have no end, so the time limit holds here, too.
+    /// Reads a macro file for the loaded add-ons. The time limit applies, because a pipe may have no end.
     MacroFile readMacro(const std::string& file, UnknownId_e unknownId = UnknownId_e::RefusesFile);
     /// Runs a command.
     /// \throws vexa::InvalidArgumentException if its add-on is not loaded.
@@ -72,7 +72,7 @@ public:
 
     /// The ids of the loaded add-ons.
     std::set<std::string> addOnIds() const;
-    /// Whether the options are strict and a rule was broken that counts.
+    /// Returns true if the options are strict and a finding makes the run fail.
     bool isContractBroken() const;
 
 private:

@@ -15,9 +15,9 @@
 
 namespace vexa::runner {
 
-/// What a user sees of a host: dialogs, the status line and findings.
+/// Shows the user the dialogs, the status line and the findings of a host.
 ///
-/// Threads: a dialog may come from any thread of an add-on; all else is for the thread of the host.
+/// Threads: any thread of an add-on may show a dialog. Call the functions on the thread of the host.
 class SessionView {
 public:
     /// Shows what \p host does from now on: dialogs, and the status line if \p showsStatus.
@@ -32,12 +32,12 @@ public:
         m_screen.emplace(std::move(isStopping), isDrawn);
     }
     void stopDrawing() { m_screen.reset(); }
-    /// Call this before the process ends without destroying this. Call nothing after it.
+    /// Call this before the process ends without destroying this object. Call nothing after this.
     void leaveTerminal() {
         if (m_screen) m_screen->leave();
     }
 
-    /// Sets what messages start with: `FILE:LINE: ID` while a command runs, and else the name of the program.
+    /// Sets the start of messages: `FILE:LINE: ID` while a command runs, otherwise the name of the program.
     void setPlace(const std::string& place) {
         const std::lock_guard<std::mutex> lock(m_guard);
         m_place = place;
@@ -47,7 +47,7 @@ public:
         return m_place;
     }
 
-    /// Shows that a command, or other work, has ended.
+    /// Shows that a command or other work has ended.
     void conclude(bool hasSucceeded) { m_plainStatus.conclude(hasSucceeded); }
     /// Prints the findings since the last call.
     void printFindings() { m_findings.printNew(*m_host); }

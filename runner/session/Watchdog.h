@@ -12,7 +12,7 @@
 
 namespace vexa::runner {
 
-/// Ends the program if something takes too long.
+/// Ends the program if work takes too long.
 ///
 ///     Watchdog watchdog([&] { tell(...); _exit(4); });
 ///     watchdog.start(2s);
@@ -24,9 +24,9 @@ class Watchdog {
 public:
     using Seconds = std::chrono::duration<double>;
 
-    /// \param endProgram is called when the time is over, on a thread that gets no signals. It must not return.
-    /// Meanwhile
-    ///        calls of stop() wait forever.
+    /// \param endProgram called when the time is over, on a thread that gets no signals. It must not return. From then
+    /// on,
+    ///                   calls of stop() wait forever.
     explicit Watchdog(std::function<void()> endProgram) : m_endProgram(std::move(endProgram)) {
         const SignalMask blocked(allSignals());
         m_thread = std::thread([this] { watch(); });

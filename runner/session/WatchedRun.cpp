@@ -24,13 +24,13 @@ bool isBroken(int descriptor) {
     return poll(&polled, 1, 0) > 0 && (polled.revents & POLLERR) != 0;
 }
 
-// Whether SIGPIPE ended the process: nobody reads what the program prints any more.
+// Returns true if SIGPIPE ended the process, because nobody reads its output any more.
 bool endedForWantOfReaders(const ProcessOutcome& outcome) {
     const bool isPipe = WIFSIGNALED(outcome.waitStatus) && WTERMSIG(outcome.waitStatus) == SIGPIPE;
     return isPipe && (isBroken(STDOUT_FILENO) || isBroken(STDERR_FILENO));
 }
 
-// The run of a program that runs one macro file. It prints where the program prints.
+// The run of a single macro file. It prints on the outputs of the program.
 class OneRun : public UserWork {
 public:
     explicit OneRun(const RunOptions& options)
@@ -101,8 +101,9 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
         m_outputs.tellEnd();
         return static_cast<ExitStatus_e>(outcome.status);
     }
-    tell(m_options.macroFile, "error: part of what the run told was lost: an add-on closed a file that is not its own");
-    return conclude(box, ExitStatus_e::BadUsageOrInput, "part of what the run told was lost");
+    tell(m_options.macroFile,
+         "error: a part of the run's report was lost: an add-on closed a file that it does not own");
+    return conclude(box, ExitStatus_e::BadUsageOrInput, "a part of the run's report was lost");
 }
 
 ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {

@@ -10,8 +10,7 @@
 
 namespace vexa::runner {
 
-/// A run of a macro file in a process of its own, as the process that watches it sees it: it keeps the outputs, and
-/// decides on the exit status.
+/// Watches a run of a macro file in another process. It keeps the outputs of the run and decides on the exit status.
 class WatchedRun {
 public:
     /// \param options must live longer.
@@ -21,8 +20,8 @@ public:
 
     RunOutputs& outputs() { return m_outputs; }
 
-    /// Decides on the exit status of the run, and prints what went wrong. Writes the recording and the journal as far
-    /// as they came, and the end of the results.
+    /// Decides on the exit status of the run, and prints errors. Writes the recording and the journal up to the end of
+    /// the run, and the last line of the results.
     ExitStatus_e judge(const ProcessBox& box, const ProcessOutcome& outcome);
 
 private:
@@ -32,7 +31,7 @@ private:
     RunOutputs m_outputs;
 };
 
-/// Runs a macro file in a process of its own, or in this one under a debugger and with SessionOptions::inProcess.
+/// Runs a macro file in a new process. Under a debugger, and with SessionOptions::inProcess, runs it in this process.
 /// \throws OutputError if an output cannot be written.
 ExitStatus_e runOneMacro(const RunOptions& options);
 

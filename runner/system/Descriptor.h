@@ -11,7 +11,7 @@ namespace vexa::runner {
 /// A file descriptor, which this object closes.
 class Descriptor {
 public:
-    /// \param descriptor may be negative, for none
+    /// \param descriptor negative for no file
     explicit Descriptor(long descriptor = -1) : m_descriptor(static_cast<int>(descriptor)) {}
     Descriptor(Descriptor&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
     Descriptor& operator=(Descriptor other) noexcept {
@@ -42,11 +42,12 @@ struct Pipe {
 /// \return false, with errno set, if that fails.
 bool writeAll(int descriptor, std::string_view text);
 
-/// The same for a socket. Fails if \p socket is none any more, or if the other end is closed.
+/// Writes all of \p text to a socket. Also fails if the descriptor is no longer a socket, or if the other end is
+/// closed.
 bool sendAll(int socket, std::string_view text);
 
-/// Appends to \p text what \p descriptor has now, up to a limit, so that no writer holds up this process.
-/// \return whether more may come: false at the end of the file, and after an error.
+/// Appends the data that \p descriptor has now to \p text, up to a limit, so that a fast writer cannot block this
+/// process. \return false at the end of the file and after an error; true if more may come.
 bool readAvailable(int descriptor, std::string& text);
 
 }  // namespace vexa::runner

@@ -8,7 +8,7 @@ namespace vexa::runner {
 /// Throws the error in errno.
 /// \throws std::system_error
 [[noreturn]] inline void throwLastError() { throw std::system_error(errno, std::generic_category()); }
-/// The same, with \p what before the message.
+/// Throws the error in errno, with \p what before the message.
 /// \throws std::system_error
 [[noreturn]] inline void throwLastError(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);

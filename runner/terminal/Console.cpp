@@ -20,7 +20,7 @@ constexpr const char* kErrorColour = "\033[1;31m";
 constexpr const char* kWarningColour = "\033[1;33m";
 constexpr const char* kUsualColour = "\033[0m";
 
-// The process has one standard error output, and every message of the program goes through here.
+// Global, because the process has only one standard error output.
 std::atomic<MessageSinkInterface*> theSink{nullptr};
 
 std::string withFollowingLinesIndented(std::string_view text) {
@@ -61,7 +61,7 @@ void tellLines(std::string_view place, std::string_view lines) {
 
 void passOn(const std::string& lines) {
     if (MessageSinkInterface* const sink = theSink) return sink->tell(lines);
-    // Add-ons print through the same buffer: a terminal, or a log of both outputs, shows things in their order.
+    // Keeps the order of output and messages in a terminal or in a log of both outputs.
     std::fflush(stdout);
     std::fputs(lines.c_str(), stderr);
 }
@@ -71,7 +71,7 @@ void setMessageSink(MessageSinkInterface* sink) { theSink = sink; }
 void print(std::string_view text) { std::fputs(printable(text).c_str(), stdout); }
 
 std::string_view withoutTrailingBlanks(std::string_view text) {
-    // With no other character in the text, npos + 1 is 0.
+    // If the text has only such characters, npos + 1 is 0.
     return text.substr(0, text.find_last_not_of(kBlanksAndLineEnds) + 1);
 }
 

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kLeastInterval{100};
 constexpr std::size_t kBarWidth = 20;
-constexpr std::size_t kReadableWidth = 8;  // to which a text may be cut
+constexpr std::size_t kReadableWidth = 8;  // a text is not cut shorter for other parts
 constexpr int kHint = 1;                   // less important than the whole text
 constexpr int kMostImportant = 5;
 constexpr std::size_t kPercentWidth = 3;
@@ -130,7 +130,7 @@ DrawnStatus::DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& is
     : m_isStopping(std::move(isStopping)), m_inColour(wantsColour()), m_isDrawn(isDrawn) {}
 
 void DrawnStatus::show(const standin::StatusLine& line) {
-    // The percentage went back: the task was started again.
+    // A lower percentage means that the task was started again.
     if (line.active && (!m_line.active || line.percent < m_line.percent)) m_begin = Clock::now();
     m_line = line;
     m_hasChanged = true;

@@ -9,7 +9,7 @@
 
 namespace vexa::runner {
 
-/// What the drawn status line depends on, apart from the line itself.
+/// The facts on which the drawing of the status line depends, apart from the line itself.
 struct StatusFrame {
     std::chrono::seconds elapsed{0};  ///< since the task started
     bool isStopping = false;          ///< the user has asked to stop it
@@ -18,8 +18,8 @@ struct StatusFrame {
 
 /// The status line, drawn on the terminal at the standard error output.
 ///
-/// It is drawn in place, at most ten times a second. The cursor stays at its start. If the window becomes narrower and
-/// the terminal wraps the line, all of the line is still after the cursor, and is cleared.
+/// It is redrawn in place, at most ten times a second. The cursor stays at the start of the line. So if the window
+/// becomes narrower and the terminal wraps the line, the whole line is still after the cursor and can be cleared.
 /// Threads: one at a time, unless a function says otherwise.
 class DrawnStatus {
 public:
@@ -27,15 +27,15 @@ public:
     /// \param isDrawn    is set to whether something is drawn
     DrawnStatus(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
 
-    /// Shows \p line when the next drawing is due. A line that is taken down is cleared at once.
+    /// Shows \p line when the next drawing is due. If the host has removed the line, clears it at once.
     void show(const standin::StatusLine& line);
     /// Draws the line if it has changed and a drawing is due.
     void refresh();
     /// Clears the drawn line to make room. The next refresh() that is due draws it again.
     void clear();
-    /// Whether the status line is up.
+    /// Returns true while the host shows its status line, drawn or not.
     bool isUp() const { return m_line.active; }
-    /// Whether something is drawn. May be called from any thread, and from a signal handler.
+    /// Returns true if the line is drawn now. Any thread and any signal handler may call it.
     bool isDrawn() const { return m_isDrawn; }
 
 private:

@@ -32,7 +32,7 @@ void PlainStatus::show(const std::string& place, const standin::StatusLine& line
         m_ending = Ending{task, endOf(line, isStopping)};
     } else if (line.percent < m_told) {
         if (!isTooSoon()) tellStart(task);
-    } else if (line.showBar && step > m_told && step < kAllDone) {  // the last step is logged as the end
+    } else if (line.showBar && step > m_told && step < kAllDone) {  // 100 % is logged as the end
         m_told = step;
         tell(task, std::to_string(step) + " %");
     }
@@ -40,7 +40,7 @@ void PlainStatus::show(const std::string& place, const standin::StatusLine& line
 
 void PlainStatus::conclude(bool hasSucceeded) {
     const std::lock_guard<std::mutex> lock(m_guard);
-    // A progress bar of the library shows 100 % before it ends, also if the task failed.
+    // A progress bar of the library shows 100 % before it ends, even if the task failed.
     if (m_ending && !hasSucceeded && m_ending->how != kStopped) m_ending->how = "failed";
     tellEnding();
     if (m_leftOut > 0) tell(m_place, "and " + std::to_string(m_leftOut) + " more tasks");

@@ -10,12 +10,12 @@
 
 namespace vexa::runner {
 
-/// The status line as a log, for where it cannot be drawn: a message at the start, every ten percent, and at the end.
+/// Logs the status line if it cannot be drawn: one message at the start, one every ten percent, and one at the end.
 ///
-/// The end of a task is logged when the next task starts, or by conclude(): only then is it known whether the task
-/// failed. An add-on that changes the line very often does not fill the log. The first ten tasks of a command are
-/// logged, then one task a second. A percentage that goes back is logged as a new start, at most once a second.
-/// Threads: may be called from any.
+/// The end of a task is logged when the next task starts, or by conclude(), because only then it is known whether the
+/// task failed. To keep the log short, only the first ten tasks of a command are logged, then one task a second. A
+/// percentage that goes back is logged as a new start, at most once a second. Threads: any thread may call the
+/// functions.
 class PlainStatus {
 public:
     /// Logs the current status line.

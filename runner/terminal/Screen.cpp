@@ -30,7 +30,7 @@ Screen::Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn)
 }
 
 Screen::~Screen() {
-    // While the watcher still makes room in the pipe.
+    // The watcher still reads the pipe, so this cannot block.
     std::fflush(stdout);
     setMessageSink(nullptr);
     const std::uint64_t wakes = 1;
@@ -40,7 +40,7 @@ Screen::~Screen() {
 }
 
 void Screen::tell(const std::string& lines) {
-    // Not under the guard: it waits for the watcher when the pipe is full.
+    // Do not lock m_guard here: if the pipe is full, this waits for the watcher, which locks it.
     std::fflush(stdout);
     const std::lock_guard<std::mutex> lock(m_guard);
     passOn();
@@ -53,7 +53,7 @@ void Screen::show(const standin::StatusLine& line) {
     std::fflush(stdout);
     const std::lock_guard<std::mutex> lock(m_guard);
     passOn();
-    // The start of a line that was printed before stays to be read.
+    // Ends a partial line, so that the status line does not overwrite it.
     if (line.active && !m_status.isDrawn() && m_relay && m_relay->isWithinLine()) m_relay->pass("\n");
     m_status.show(line);
     passOn();
@@ -70,7 +70,7 @@ void Screen::watch() {
     std::array<pollfd, 2> watched{{{m_wakeUp.get(), POLLIN, 0}, {m_relay ? m_relay->readable() : -1, POLLIN, 0}}};
     while (watched[0].revents == 0) {
         poll(watched.data(), watched.size(), kWatchInterval);
-        // An add-on that closes the standard output has nothing more to say.
+        // The add-on has closed the standard output, so nothing more can come.
         if (watched[1].revents == POLLHUP) watched[1].fd = -1;
         const std::lock_guard<std::mutex> lock(m_guard);
         passOn();

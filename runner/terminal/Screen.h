@@ -14,26 +14,27 @@
 
 namespace vexa::runner {
 
-/// The terminal that the user looks at: it keeps apart the status line, messages, and what add-ons print. While it
+/// Keeps the status line, messages, and the output of add-ons apart on the user's terminal. As long as this object
 /// lives, it is the sink of messages.
 ///
-/// What the add-ons print comes through a relay when it goes to a terminal, too; a thread of the screen passes it on,
-/// and draws what was not due before.
-/// Threads: safe from any. It is made and destroyed while no add-on runs; there is one at a time.
+/// If the standard output is a terminal, too, the output of the add-ons comes through a relay. A thread of the screen
+/// passes the output on, and redraws the status line when a drawing is due.
+/// Threads: any thread may call the functions. Construct and destroy the screen while no add-on runs. Only one may
+/// exist.
 class Screen final : public MessageSinkInterface {
 public:
-    /// For the standard error output, which must be a terminal.
+    /// The standard error output must be a terminal.
     /// \param isStopping as for DrawnStatus
-    /// \param isDrawn    tells whether the status line is drawn, also after the process has died
+    /// \param isDrawn    is true while the status line is drawn; another process may read it after this one has died
     Screen(std::function<bool()> isStopping, std::atomic<bool>& isDrawn);
-    /// Takes the status line down, and puts out what was held back.
+    /// Clears the status line, and prints the output that was held back.
     ~Screen() override;
 
     void tell(const std::string& lines) override;
     /// Shows the status line as it is now.
     void show(const standin::StatusLine& line);
-    /// Leaves the terminal to a program that ends without destroying the screen: puts out what was held back, and takes
-    /// the status line down. Whoever shows something from now on waits for ever.
+    /// Call this before the program ends without destroying the screen: prints the output that was held back, and
+    /// clears the status line. Any later call that shows something waits forever.
     void leave();
 
 private:

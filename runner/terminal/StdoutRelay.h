@@ -11,9 +11,8 @@ namespace vexa::runner {
 
 /// Puts a pipe between the standard output and its terminal: as long as this object lives, descriptor 1 is the pipe.
 ///
-/// The owner reads the pipe and calls pass(). So it can first clear what it has drawn on the same terminal. It may pass
-/// on whole lines only, and hold back the start of a line.
-/// Threads: one at a time.
+/// The owner reads the pipe and calls pass(). Before that it can clear its own drawing on the same terminal. It may
+/// pass on only whole lines, and hold back the start of a line. Threads: one at a time.
 class StdoutRelay : NonCopyable {
 public:
     /// Call it before anything is printed.
@@ -48,7 +47,7 @@ public:
         writeAll(m_redirected->real(), text);
         m_isWithinLine = text.back() != '\n';
     }
-    /// Whether the text passed on last ended in the middle of a line.
+    /// Returns true if the last text passed on ended in the middle of a line.
     bool isWithinLine() const { return m_isWithinLine; }
 
 private:

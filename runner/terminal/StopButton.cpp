@@ -11,7 +11,7 @@
 namespace vexa::runner {
 namespace {
 
-// A signal handler gets nothing but the number of the signal.
+// Global, because a signal handler gets only the number of the signal.
 std::atomic<StopButton*> theButton{nullptr};
 
 static_assert(std::atomic<void*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
@@ -27,7 +27,7 @@ StopButton::~StopButton() {
 void StopButton::install() {
     if (isIgnored(SIGINT)) return;
     theButton = this;
-    m_handler.emplace(SIGINT, &StopButton::onSignal, SA_RESTART);  // input and output of the add-ons go on
+    m_handler.emplace(SIGINT, &StopButton::onSignal, SA_RESTART);  // system calls of the add-ons continue
 }
 
 void StopButton::arm(standin::Host& host) { m_host = &host; }
@@ -41,7 +41,7 @@ void StopButton::handOver(standin::Host& host) {
 void StopButton::disarm() { m_host = nullptr; }
 
 void StopButton::onSignal(int) {
-    const int error = errno;  // which is that of the code that was interrupted
+    const int error = errno;  // the interrupted code may still need it
     if (StopButton* const button = theButton) button->interrupt();
     errno = error;
 }
@@ -53,7 +53,7 @@ void StopButton::interrupt() {
     host->pressStop();
 }
 
-// The signal comes again when its handler ends, and then finds the default action: so the shell sees what happened.
+// Ends the program by the signal, so that the shell sees the reason. The signal arrives when its handler has returned.
 void StopButton::endProgram() const {
     if (m_isStatusDrawn) writeAll(STDERR_FILENO, kClearLine);
     std::signal(SIGINT, SIG_DFL);

@@ -8,27 +8,28 @@
 
 namespace vexa::runner {
 
-/// Ctrl-C, which is the stop button while commands run: SIGINT presses it in the host. Before arm(), after disarm() and
-/// the second time it ends the program at once, and clears the status line.
+/// Makes Ctrl-C the stop button while commands run: the first SIGINT presses the button in the host. A second SIGINT,
+/// and any SIGINT before arm() or after disarm(), clears the status line and ends the program at once.
 ///
-/// Threads: one is used at a time, from one thread, where nothing else is said.
+/// Threads: use one object at a time, on one thread, unless a function says otherwise.
 class StopButton : NonCopyable {
 public:
-    /// SIGINT keeps its meaning until install().
-    /// \param isStatusDrawn whether the status line is drawn, and so is to be cleared when the program ends.
+    /// Does not change SIGINT; install() does.
+    /// \param isStatusDrawn true while the status line is drawn and must be cleared before the program ends.
     explicit StopButton(const std::atomic<bool>& isStatusDrawn) : m_isStatusDrawn(isStatusDrawn) {}
-    /// Gives SIGINT its meaning back.
+    /// Restores the previous action of SIGINT.
     ~StopButton();
 
-    /// Takes over SIGINT, unless it is ignored: then it stays so. To be called once.
+    /// Handles SIGINT from now on. If the process ignores SIGINT, it still does. Call it once.
     void install();
     /// From now on the first SIGINT presses the stop button of \p host.
     void arm(standin::Host& host);
-    /// After arm(): from now on it is the stop button of \p host. When it was pressed already, it is there, too.
+    /// After arm(): from now on SIGINT presses the stop button of \p host. If the button was already pressed, presses
+    /// it in \p host, too.
     void handOver(standin::Host& host);
     /// From now on SIGINT ends the program.
     void disarm();
-    /// Whether the stop button was pressed. From any thread.
+    /// Returns true if the stop button was pressed. Any thread may call it.
     bool isPressed() const { return m_isPressed; }
 
 private:

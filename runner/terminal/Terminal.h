@@ -8,7 +8,7 @@ namespace vexa::runner {
 /// The value of the environment variable \p name; empty if it is not set.
 std::string_view environment(const char* name);
 
-/// Whether \p descriptor is a terminal that can redraw a line.
+/// Returns true if \p descriptor is a terminal that can redraw a line.
 bool isTerminal(int descriptor);
 
 /// The current width of the window of the terminal \p descriptor, in columns.
@@ -18,8 +18,8 @@ std::size_t columnsOf(int descriptor);
 /// terminal.
 std::size_t textColumnsOf(int descriptor);
 
-/// Whether to colour messages: as chooseColour() said; by default, if the standard error output is a terminal and the
-/// environment variable NO_COLOR is empty.
+/// Returns true if messages should have colours: the choice of chooseColour(). By default it returns true if the
+/// standard error output is a terminal and the environment variable NO_COLOR is empty.
 bool wantsColour();
 
 /// Sets the result of wantsColour(). Call it while the process has one thread.

@@ -5,7 +5,7 @@
 
 namespace vexa::runner {
 
-/// The texts of a list, with \p between after each but the last one: "a, b, c".
+/// Returns the texts of a list with \p between as the separator: "a, b, c".
 template <class Texts>
 std::string joined(const Texts& texts, std::string_view between) {
     std::string all;

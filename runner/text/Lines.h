@@ -13,14 +13,14 @@ inline void addLine(std::string& lines, const std::string& line) {
     if (!line.empty()) lines += (lines.empty() ? "" : "\n") + line;
 }
 
-/// \p text on one line: each line feed becomes a blank.
+/// Returns \p text on one line: each line feed becomes a blank.
 inline std::string joinedLines(std::string_view text) {
     std::string line(text);
     std::replace(line.begin(), line.end(), '\n', ' ');
     return line;
 }
 
-/// The lines of \p text, without their line feeds.
+/// Returns the lines of \p text, without their line feeds.
 inline std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream in(text);

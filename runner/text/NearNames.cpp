@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::size_t kMostOffered = 3;
 
-// The number of edits that turn one text into the other. An edit inserts, deletes or replaces a character, or swaps two
-// neighbours.
+// Returns the number of edits that turn one text into the other. An edit inserts, deletes or replaces a character, or
+// swaps two neighbours.
 std::size_t distance(std::string_view from, std::string_view to) {
     std::vector<std::vector<std::size_t>> steps(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
     for (std::size_t i = 0; i <= from.size(); ++i) {
@@ -33,7 +33,7 @@ void toLower(std::string& text) {
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
 }
 
-// A part of a name counts like one typing mistake.
+// Returns how far a name is from the wanted one. A part of a name counts as one typing mistake.
 std::size_t remoteness(std::string name, std::string meant) {
     toLower(name);
     toLower(meant);

@@ -5,8 +5,8 @@
 
 namespace vexa::runner {
 
-/// Finds the names that the user most likely meant when he typed \p name.
-/// \return at most three of \p names: those that \p name is a part of, or that differ from it in a few characters.
+/// Returns the names that the user most likely meant by \p name.
+/// \return at most three of \p names: names that contain \p name, or that differ from it in a few characters.
 /// Letter case does not matter.
 std::vector<std::string> nearNames(const std::string& name, const std::vector<std::string>& names);
 

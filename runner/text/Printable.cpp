@@ -9,7 +9,7 @@ bool isIn(unsigned char byte, unsigned first, unsigned last) { return byte >= fi
 
 bool isPlain(char c) { return c >= ' ' && c <= '~'; }
 
-// U+202A to U+202E and U+2066 to U+2069. With them, a text can look like another one.
+// Returns true for U+202A to U+202E and U+2066 to U+2069. With them, a text can look like another one.
 bool turnsDirection(unsigned char first, unsigned char second, unsigned char third) {
     if (first != 0xE2) return false;
     return (second == 0x80 && isIn(third, 0xAA, 0xAE)) || (second == 0x81 && isIn(third, 0xA6, 0xA9));

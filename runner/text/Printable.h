@@ -16,10 +16,10 @@ namespace vexa::runner {
 /// text (U+202A to U+202E, U+2066 to U+2069), and invalid UTF-8. A second call changes nothing.
 std::string printable(std::string_view text);
 
-/// The same on one line: a line feed becomes `\n`, and a tab `\t`.
+/// Makes text printable() on one line: a line feed becomes `\n`, and a tab `\t`.
 std::string printableLine(std::string_view text);
 
-/// The size in bytes of the printable character at the start of \p text; 0 if there is none.
+/// Returns the size in bytes of the printable character at the start of \p text; 0 if there is none.
 std::size_t printableLength(std::string_view text);
 
 }  // namespace vexa::runner

@@ -8,7 +8,7 @@ namespace {
 
 bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
 
-// In microseconds, to the nanosecond. The clock counts from the start of the machine.
+// Returns a time in microseconds with three decimals. The clock starts with the machine.
 std::string textOf(EventText::Time time) {
     constexpr long kThousand = 1000;
     const long nanoseconds = std::chrono::nanoseconds(time.time_since_epoch()).count();

@@ -7,7 +7,7 @@
 
 namespace vexa::runner {
 
-/// Builds the JSON text of trace events, one event a line.
+/// Builds the JSON text of trace events, one event per line.
 ///
 ///     EventText text(getpid());
 ///     text.event("E", "VexaUtilStringAlloc", "call", gettid(), now);

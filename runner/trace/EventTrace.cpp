@@ -23,14 +23,15 @@ using Time = std::chrono::steady_clock::time_point;
 // Greater than every thread id of the kernel.
 constexpr long kFirstScopeTrack = 1L << 22;
 
-// By the kind of the entry.
+// In the order of Entry_e.
 constexpr std::array<const char*, 3> kEntryCategories = {"loading", "command", "unloading"};
 constexpr std::string_view kCall = "call";
 constexpr std::string_view kScope = "scope";
 constexpr std::string_view kRun = "run";
-constexpr std::string_view kCutOff = "cut off";  // a span that had not ended when the trace did
+constexpr std::string_view kCutOff = "cut off";  // the category of a span that was still open at the end of the trace
 
-// The id of the kernel, which other tools show too. Cached, because a system call at each event is slow.
+// Returns the kernel's id of the thread, which other tools show, too. Cached, because a system call for each event is
+// slow.
 long thisThread() {
     thread_local const long number = gettid();
     return number;
@@ -163,8 +164,8 @@ void EventTrace::write(const Action& action) {
     });
 }
 
-// Writes the text of an action at once, so that it is in the file if the process dies, and by a single system call,
-// which is the main cost of a traced call.
+// Writes the new text immediately, so that it is in the file if the process dies. Uses a single system call, because
+// that call is the main cost of a traced call.
 void EventTrace::handTo(LiveFile& file) {
     m_text.hand([&](std::string_view text) { file.append(text); });
 }

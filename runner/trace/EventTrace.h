@@ -20,12 +20,12 @@ struct RunFacts {
     std::string tool;                                                       ///< the program and its version
     std::string macroFile;                                                  ///< the path as given
     std::vector<std::pair<std::string, std::vector<std::string>>> options;  ///< the options given, with their values
-    bool isStrict = false;      ///< whether breaches of the contract fail the run, and recordings are played back
-    bool hasTimeLimit = false;  ///< whether a command that does not return is a finding
-    std::vector<std::string> suppressed;  ///< rules whose breaches are ignored
+    bool isStrict = false;                ///< true if findings make the run fail, and recordings are played back
+    bool hasTimeLimit = false;            ///< true if a command that does not return is a finding
+    std::vector<std::string> suppressed;  ///< rules whose findings are ignored
 };
 
-/// An observer that writes a file in the Chrome trace event format: a JSON array, one event a line.
+/// An observer that writes a file in the Chrome trace event format: a JSON array, one event per line.
 ///
 /// Commands, loading and unloading of add-ons, and host calls are spans. The scopes of the host have tracks of their
 /// own. The percentage of the status line is a counter, and a finding is an instant. Each operation writes its event
@@ -59,7 +59,8 @@ private:
     TraceFile m_file;
     EventText m_text;  // to be written next
     ScopeTracks m_scopes;
-    std::map<long, std::vector<std::string>> m_openSpans;  // names by track; has every named track
+    std::map<long, std::vector<std::string>>
+        m_openSpans;  // the names of the open spans by track; has every track that has a name
 };
 
 }  // namespace vexa::runner

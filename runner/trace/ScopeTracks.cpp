@@ -16,7 +16,7 @@ constexpr char kHandleSign = '#';
 
 bool isOfMutex(const HostFunctionInfo& function) { return function.scope == kMutex; }
 
-// The host has one status line, and a thread cannot lock a mutex twice.
+// The status line and mutexes do not nest: the host has one status line, and a thread cannot lock a mutex twice.
 bool nests(const HostFunctionInfo& function) { return !isOfMutex(function) && function.scope != kStatusLine; }
 
 bool doesBegin(const HostFunctionInfo& function, const CallEvent& call) {

@@ -35,7 +35,7 @@ public:
     void entryBegan() { ++m_depth; }
     /// Ends the scopes that the entry left open, the last one first.
     std::vector<ScopeEdge> entryEnded(std::chrono::steady_clock::time_point time);
-    /// Has at most one edge.
+    /// Returns at most one edge.
     std::vector<ScopeEdge> callBegan(const standin::CallEvent& call);
     std::vector<ScopeEdge> callEnded(const standin::CallEvent& call);
     /// Ends all open scopes.
@@ -61,7 +61,8 @@ private:
     std::vector<ScopeEdge> endWhile(const Predicate& isOver, std::chrono::steady_clock::time_point time);
     static ScopeEdge end(Track& track, std::chrono::steady_clock::time_point time);
 
-    std::unordered_map<std::string_view, const standin::HostFunctionInfo*> m_functions;  // the functions of scopes
+    std::unordered_map<std::string_view, const standin::HostFunctionInfo*>
+        m_functions;  // the functions that start or end scopes
     std::vector<Track> m_tracks;
     std::size_t m_depth = 0;  // of entries
 };

@@ -17,7 +17,7 @@ using standin::Finding;
 constexpr const char* kHead = "# thread, then commands, and their calls of the host with arguments and results\n";
 constexpr std::string_view kIndentation = "  ";
 
-// Without the folder, which differs between machines.
+// Omits the folder, which differs between machines.
 std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
 
 std::string beginningOf(const EntryEvent& entry) {
@@ -91,7 +91,7 @@ void TextTrace::findingMade(const Finding& finding) {
     });
 }
 
-// The calls that change it are written.
+// Writes nothing, because the calls that change the status line are written.
 void TextTrace::statusChanged(const standin::StatusLine&) {}
 
 void TextTrace::finish(int exitStatus, const std::string& outcome) {

@@ -11,8 +11,8 @@
 
 namespace vexa::runner {
 
-/// An observer that writes a text file, one line a call. It has no times and no addresses, so equal runs write equal
-/// files.
+/// An observer that writes a text file, one line per call. The file has no times and no addresses, so equal runs write
+/// equal files.
 ///
 ///     1  sweep.macro:3: STATS MEAN
 ///     1    VexaUtilLockStart(STATS)
@@ -43,7 +43,7 @@ private:
     // A thread that is in a call of the host.
     struct Calling {
         std::size_t open = 0;
-        std::vector<std::string> findings;  // about its calls, to be written after them
+        std::vector<std::string> findings;  // findings about its calls, which are written after the calls
     };
 
     TraceFile m_file;

@@ -10,7 +10,7 @@ namespace vexa::runner {
 
 /// The file of a trace. Any thread may write to it until it is finished.
 ///
-/// After memory runs out nothing more is written: an incomplete trace would mislead.
+/// If memory runs out, nothing more is written, because a trace with gaps would mislead.
 ///
 /// Errors:  OutputError from construction and finish().
 /// Threads: any.

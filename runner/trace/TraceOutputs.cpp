@@ -20,10 +20,10 @@ bool finished(std::optional<Trace>& trace, const Arguments&... arguments) {
 }  // namespace
 
 void addTraceOptions(Command& command, TraceOptions& options) {
-    command.add(option({"--trace"}, "FILE", "Write what happens as trace events; 'report' makes a page of them",
+    command.add(option({"--trace"}, "FILE", "Write a trace of all calls as JSON events; 'report' makes a page of it",
                        &options.events));
     command.add(
-        option({"--trace-text"}, "FILE", "Write what happens as text to compare, a line a call", &options.text));
+        option({"--trace-text"}, "FILE", "Write a trace as text, one line per call, for comparisons", &options.text));
     command.given = &options.facts.options;
     options.facts.tool = std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION;
 }

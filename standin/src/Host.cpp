@@ -17,8 +17,8 @@
 namespace vexa::standin {
 namespace {
 
-// Guards changes of the links between living hosts. Host calls read the innermost host without it, because a lock would
-// be expensive there.
+// Protects changes of the links between living hosts. Host calls read the innermost host without this mutex, because a
+// lock would be expensive there.
 std::mutex livingGuard;
 
 void enterLiving(HostState& state) {
@@ -39,7 +39,7 @@ void leaveLiving(HostState& state) {
     inner->outer = state.outer;
 }
 
-// Releases the host's lock as often as the code of an add-on has left it taken.
+// Releases the host's lock as often as the add-on has left it locked.
 class LockBalance {
 public:
     explicit LockBalance(HostLock& lock) : m_lock(lock), m_depth(lock.depth()) {}
@@ -100,7 +100,7 @@ private:
     EntryEvent m_event;
 };
 
-// For a command that an exception ended, a missing error message is no finding of its own.
+// If an exception ended the command, a missing error message is not another finding.
 void judgeOutcome(HostState& state, const std::optional<std::string>& escaped, bool accepted, const char* errMsg) {
     if (escaped) state.contract.judgeEscape(*escaped);
     if (!escaped || errMsg != nullptr) state.contract.judgeErrorMessage(accepted, errMsg);
@@ -122,13 +122,13 @@ LoadError alreadyLoaded(const AddOn& refused, const AddOn& loaded) {
     return refused.refusal("an add-on " + loaded.info().id + " is already loaded, from " + loaded.info().path);
 }
 
-// The source is the path of a shared object, or an entry.
+// `source` is the path of a shared object, or an entry.
 template <class Source>
 AddOnInfo load(HostState& state, const Source& source) {
     const auto addOn = std::make_shared<AddOn>(source);
     const auto loaded = state.addOns.copy();
     for (const auto& other : loaded) {
-        // The loader returns the same object for a file that is loaded twice. It must not be entered again.
+        // If a file is loaded twice, the loader returns the same object, whose entry must not be called again.
         if (addOn->hasSameEntry(*other)) throw alreadyLoaded(*addOn, *other);
     }
     const LockBalance balance(state.lock);

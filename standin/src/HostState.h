@@ -25,7 +25,7 @@
 
 namespace vexa::standin {
 
-/// A value that several threads may use. They get copies of it.
+/// A value for several threads. Each gets a copy.
 template <class Value>
 class Shared {
 public:
@@ -33,7 +33,7 @@ public:
         const std::lock_guard<std::mutex> lock(m_guard);
         return m_value;
     }
-    /// The old value is destroyed without the lock, because its destructor may run code of others.
+    /// Destroys the old value without the lock, because its destructor may run foreign code.
     void set(Value value) {
         const std::lock_guard<std::mutex> lock(m_guard);
         std::swap(m_value, value);
@@ -56,7 +56,7 @@ public:
     void set(ObserverInterface* observer) { m_observer = observer; }
     bool isThere() const { return m_observer.load(std::memory_order_relaxed) != nullptr; }
 
-    /// Calls \p tell with the observer. A call must not fail because it is watched, so exceptions are dropped.
+    /// Calls \p tell with the observer. Ignores exceptions, because a host call must not fail because of an observer.
     template <class Tell>
     void tell(const Tell& tell) const noexcept {
         ObserverInterface* const observer = m_observer;
@@ -70,10 +70,10 @@ private:
     std::atomic<ObserverInterface*> m_observer{nullptr};
 };
 
-/// What a Host consists of, and what its C functions use.
+/// The parts of a Host, which its C functions use.
 ///
-/// Each part has its own lock. None is locked while code of others runs: of an add-on, or of a function that shows a
-/// dialog or the status line.
+/// Each part has its own lock. No lock is held while foreign code runs: an add-on, or a function that shows a dialog or
+/// the status line.
 struct HostState {
     explicit HostState(Host& itsHost) : host(itsHost) {}
 
@@ -107,7 +107,7 @@ struct HostState {
     StopRequest stopRequest;
 
     /// Shows a change that a call of \ref status returned.
-    /// \return whether there was a change.
+    /// \return true if there was a change.
     bool showChange(const std::optional<StatusLine>& change) const;
 
     StyleTree styles;
@@ -121,7 +121,7 @@ struct HostState {
     Handles<Set_s> sets;
     HostStrings strings;
 
-    /// Lets threads that wait in a call of this host continue. The host ends, so nobody else would wake them.
+    /// Wakes the threads that wait in a call of this host, because nobody else wakes them after the host is destroyed.
     void endWaiting();
 
     Handles<Set_s> styleSets;  ///< sets of the host that add-ons may read
@@ -132,20 +132,20 @@ struct HostState {
     CallProgress ownProgress;
     CallProgress* progress = &ownProgress;  ///< never null; changed only while no call can be made
 
-    /// Whether calls are not checked, logged, observed or made to fail. Such calls skip all of that, which is faster.
+    /// Returns true if calls are not checked, logged, observed or made to fail. Such calls take a faster path.
     bool isLeftAlone() const {
         return !contract.isOn() && !calls.keeps() && !audience.isThere() && !faults.isAnyPlanned();
     }
 
-    /// Counts a call that begins.
+    /// Counts a call that starts.
     /// \return its number.
     std::size_t countCall(HostFunction function) const {
         progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
         return progress->calls.fetch_add(1, std::memory_order_relaxed) + 1;
     }
 
-    /// Counts a call whose number nobody sees. It is not exact if several threads call at once, because exact counting
-    /// would be most of the cost of such a call.
+    /// Counts a call whose number nobody uses. The count is not exact if several threads call at once, because exact
+    /// counting would be most of the cost of such a call.
     void countUnnumbered(HostFunction function) const {
         progress->lastFunction.store(static_cast<std::size_t>(function), std::memory_order_relaxed);
         progress->calls.store(progress->calls.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);

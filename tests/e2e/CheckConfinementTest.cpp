@@ -107,8 +107,8 @@ TEST_F(CheckConfinement, IsNeededForDamagedCommands) {
     EXPECT_EQ(result.status, 0) << result.out << result.err;
     EXPECT_TRUE(cameOut(result, "mutated-text", "skipped")) << result.out;
     EXPECT_TRUE(has(result,
-                    "its commands may write under any name, and this system has nothing to confine it by: no "
-                    "mounts of its own: Operation not permitted"))
+                    "its commands may write to any file, and this system cannot confine it: cannot "
+                    "create separate mounts: Operation not permitted"))
         << result.out;
     expectNothingChanged();
 }
@@ -116,7 +116,7 @@ TEST_F(CheckConfinement, IsNeededForDamagedCommands) {
 TEST_F(CheckConfinement, NeedsAProcessOfItsOwn) {
     const ProgramResult result = checkCommand("SAVE", {"--in-process"});
     EXPECT_TRUE(cameOut(result, "mutated-text", "skipped")) << result.out;
-    EXPECT_TRUE(has(result, "only a process of its own can be confined")) << result.out;
+    EXPECT_TRUE(has(result, "only a separate process can be confined")) << result.out;
     expectNothingChanged();
 }
 

@@ -41,7 +41,8 @@ TEST_F(CheckReports, TellProgramsAll) {
 }
 
 TEST_F(CheckReports, TellEveryCauseInFull) {
-    EXPECT_EQ(result.out.find("SIGABRT: "), result.out.rfind("SIGABRT: ", result.out.find("2 tests have the cause")))
+    EXPECT_EQ(result.out.find("SIGABRT: "),
+              result.out.rfind("SIGABRT: ", result.out.find("2 tests have the same cause")))
         << result.out;
     const auto json = nlohmann::json::parse(read("c.json"));
     const auto& again = json.at("tests").at(3);

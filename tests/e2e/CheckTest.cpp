@@ -76,7 +76,7 @@ TEST_F(Check, SkipsTheTestsOfCommandsWithoutAMacro) {
 TEST_F(Check, ExplainsItsTests) {
     const ProgramResult result = runProgram(runner({"check", "--list"}));
     EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(has(result, "load-unload (level 1)\n    Loaded and unloaded fifty times")) << result.out;
+    EXPECT_TRUE(has(result, "load-unload (level 1)\n    Fifty times loaded and unloaded")) << result.out;
     EXPECT_TRUE(has(result, "record-replay (level 2)\n")) << result.out;
 }
 
@@ -100,7 +100,7 @@ TEST_F(Check, RefusesWrongUsageAndInput) {
         {"a wrong style file", {addOn, "--style", "style.json"}, "style.json:1:1"},
         {"one file for two reports",
          {addOn, "--json", "r", "--sarif", "./r"},
-         "./r: cannot be written: the run uses it as r, too"},
+         "./r: cannot be written: the command also uses it as r"},
         {"a report that cannot be written",
          {addOn, "--json", "gone/report.json"},
          "gone/report.json: cannot be written"},
@@ -164,7 +164,7 @@ TEST_F(Check, TellsOfEveryWayToEndTheProcess) {
         {"an exception on a thread", "terminate", "SIGABRT"},
         {"exit() as if all were well", "exit", "the add-on ended the process, with status 0"},
         {"_exit()", "exit-at-once", "the add-on ended the process, with status 3"},
-        {"nobody can be told the outcome", "close-all", "its outcome could not be told"},
+        {"nobody can be told the outcome", "close-all", "its outcome could not be reported"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -215,7 +215,7 @@ TEST_F(Check, DoesNotWaitForAThreadThatAnAddOnLeaves) {
 
 TEST_F(Check, ShowsTheLastThatACrashedAddOnPrinted) {
     const ProgramResult result = checkMacro("rogue", "ROGUE print\n", "commands-in-order");
-    EXPECT_TRUE(has(result, "the last that was printed:\n")) << result.out;
+    EXPECT_TRUE(has(result, "the last output:\n")) << result.out;
     EXPECT_TRUE(has(result, "line 100000\n")) << result.out;
     EXPECT_FALSE(has(result, "line 9000\n")) << result.out;
 }
@@ -262,7 +262,8 @@ TEST_F(Check, TellsWhatTheFileIsMadeOf) {
     };
     const Case cases[] = {
         {"built", "passed", ""},
-        {"more-exports", "failed", "it exports more than vexaAddOn, which other add-ons may take for theirs: helperOf"},
+        {"more-exports", "failed",
+         "it exports more than vexaAddOn; other add-ons may use these symbols by accident: helperOf"},
         {"weak-export", "warned", "weakHelper"},
         {"run-path", "warned", "it looks for libraries in /opt/nowhere/lib"},
         {"origin-run-path", "passed", ""},
@@ -270,10 +271,10 @@ TEST_F(Check, TellsWhatTheFileIsMadeOf) {
         {"empty-run-path", "failed", "it looks for libraries in \"\""},
         {"hosts-run-path", "passed", ""},
         {"padded-run-path", "passed", ""},
-        {"exec-stack", "failed", "it asks for a stack whose content can be executed"},
+        {"exec-stack", "failed", "it makes the stack of the whole host executable"},
         {"text-relocation", "failed", "text relocations"},
-        {"unresolved", "failed", "nobody has VexaUtilOfAnotherHost: the host has no such function"},
-        {"unresolved", "failed", "nobody has vexa::ofAnotherLibrary(): link vexa::vexautilutil"},
+        {"unresolved", "failed", "no library has VexaUtilOfAnotherHost: the host has no such function"},
+        {"unresolved", "failed", "no library has vexa::ofAnotherLibrary(): link the version of vexa::vexautilutil"},
         {"library-gone", "failed", "the library libvexa-gone.so, which it needs, was not found"},
     };
     for (const Case& c : cases) {
@@ -294,9 +295,9 @@ TEST_F(Check, TellsWhyAFileIsNoAddOn) {
     const std::string bytes((std::istreambuf_iterator<char>(built)), {});
     const auto with = [&](std::size_t at, char byte) { return std::string(bytes).replace(at, 1, 1, byte); };
     const Case cases[] = {
-        {"a text", "no library", "it is no shared object"},
-        {"nothing", "", "it is no shared object"},
-        {"cut off", bytes.substr(0, 40), "it is no shared object"},
+        {"a text", "no library", "it is not a shared object"},
+        {"nothing", "", "it is not a shared object"},
+        {"cut off", bytes.substr(0, 40), "it is not a shared object"},
         {"another processor", with(18, '\x08'), "it is built for processors of ELF machine 8"},
     };
     for (const Case& c : cases) {
@@ -319,7 +320,7 @@ TEST_F(Check, TellsWhatStaysBehindAfterUnloading) {
         {"nodelete", "seen in the file: it is linked with -z nodelete"},
         {"unique", "seen in the file: the whole process shares its sharedByAll"},
         {"thread-local", "seen in the file: it has thread_local objects with destructors"},
-        {"thread", "a thread of the add-on still runs after its shutdown"},
+        {"thread", "a thread of the add-on still runs after the shutdown"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.addOn);
@@ -425,7 +426,7 @@ TEST_F(Check, TellsACauseOnceWithOneCommandThatShowsIt) {
     EXPECT_EQ(countOf("reproduce: vexa-standin run", result.out), 1U) << result.out;
     EXPECT_EQ(countOf("\n      as above (commands-in-order)\n", result.out), 11U) << result.out;
     EXPECT_TRUE(has(result,
-                    "12 tests have the cause that commands-in-order shows: m.macro:1: MISBEHAVING: error: "
+                    "12 tests have the same cause, first seen in commands-in-order: m.macro:1: MISBEHAVING: error: "
                     "VexaUtilLockStart has no matching VexaUtilLockFinish"))
         << result.out;
 }

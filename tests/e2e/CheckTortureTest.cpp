@@ -99,8 +99,9 @@ TEST_F(CheckTorture, PassesWhatCanBeStoppedAtEveryPercentage) {
 }
 
 TEST_F(CheckTorture, FindsWhatRecordsNothingMoreOnceItWasStopped) {
-    expectFailure(check("stop-recording", "stop-pressed"), "stop-pressed",
-                  {"the same command after it, undisturbed, does not do what it does", "the user presses stop"});
+    expectFailure(
+        check("stop-recording", "stop-pressed"), "stop-pressed",
+        {"after it, the same command has another result, although nothing disturbs it", "the user presses stop"});
 }
 
 TEST_F(CheckTorture, FindsTheStatusLineThatAStoppedCommandLeaves) {
@@ -120,7 +121,7 @@ TEST_F(CheckTorture, PassesWhatStandsWantOfMemory) {
 
 TEST_F(CheckTorture, FindsSuccessThatIsNone) {
     expectFailure(check("memory-success", "allocation-fails"), "allocation-fails",
-                  {"the command reports success, but did not do all it does", "TORTURED SAY"});
+                  {"the command reports success, but did only a part of its work", "TORTURED SAY"});
 }
 
 TEST_F(CheckTorture, FindsWhatLeaksWithoutMemory) {
@@ -145,7 +146,7 @@ TEST_F(CheckTorture, MakesTheMacroOfACrashSmall) {
 
 TEST_F(CheckTorture, QuotesTheBeginningOfASmallMacroThatIsLong) {
     const ProgramResult result = check("long-crash", "mutated-text");
-    const std::string head = "a smaller macro shows the same:\n          ";
+    const std::string head = "a smaller macro shows the same error:\n          ";
     const std::size_t begin = result.out.find(head);
     ASSERT_NE(begin, std::string::npos) << result.out;
     const std::string macro = read(macroOf("mutated-text"));

@@ -25,7 +25,7 @@ TEST_F(CommandLine, HelpGoesToTheStandardOutput) {
     EXPECT_EQ(result.err, "");
     EXPECT_NE(result.out.find("Run macro files"), std::string::npos) << result.out;
     EXPECT_NE(result.out.find("List add-ons"), std::string::npos) << result.out;
-    EXPECT_NE(result.out.find("Show a setting"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("Print the value"), std::string::npos) << result.out;
 }
 
 TEST_F(CommandLine, HelpOfRunShowsAnExampleAndTheExitStatuses) {
@@ -88,7 +88,7 @@ TEST_F(CommandLine, RefusesWrongUsageWithAHint) {
         {"no path", {"style", "--style", "s.json"}, "PATH"},
         {"seven keywords",
          {"style", "--style", "s.json", "A", "B", "C", "D", "E", "F", "G"},
-         "six keywords are the most"},
+         "expected at most six keywords"},
         {"an offset that is no number", {"style", "--style", "s.json", "A", "--offset1", "one"}, "--offset1"},
         {"two subcommands", {"check", ADDON_ONE, "run", "m.macro", "--addon", ADDON_ONE}, "run"},
     };

@@ -99,10 +99,10 @@ TEST_F(Json, HoldsWhatIsNoUtf8AsAReplacementCharacter) {
 
 TEST_F(Json, RefusesAFileOfTheRun) {
     EXPECT_EQ(runMacro("ONE SAY a\n", {"--json", "m.macro"}).err,
-              "m.macro: cannot be written: the run uses it as m.macro, too\n");
+              "m.macro: cannot be written: the command also uses it as m.macro\n");
     const ProgramResult result = runMacro("ONE SAY a\n", {"--json", "x", "--trace", "./x"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "x: cannot be written: the run uses it as ./x, too\n");
+    EXPECT_EQ(result.err, "x: cannot be written: the command also uses it as ./x\n");
     EXPECT_EQ(read("m.macro"), "ONE SAY a\n");
 }
 

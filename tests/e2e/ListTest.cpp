@@ -34,7 +34,7 @@ TEST_F(ListCommand, TellsOfEveryAddOnThatCannotBeLoaded) {
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
               "./gone.so: no such file\n" ADDON_ONE_AGAIN ": an add-on ONE is already loaded, from " ADDON_ONE
-              "\n" NO_ADDON ": it exports no function vexaAddOn, so it is no add-on\n" ADDON_REFUSING
+              "\n" NO_ADDON ": it does not export the function vexaAddOn, so it is not an add-on\n" ADDON_REFUSING
               ": it refuses to be loaded (its entry returned null)\n"
               "./text.so: not a shared object\n");
 }

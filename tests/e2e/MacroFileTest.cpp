@@ -51,25 +51,25 @@ TEST_F(MacroFile, RefusesALine) {
          "m.macro:1: no add-on 'one' is loaded (loaded: ONE); did you mean ONE?\n"},
         {"a second byte-order mark", "\n\xEF\xBB\xBFONE ECHO a\n",
          "m.macro:2: no add-on '\xEF\xBB\xBFONE' is loaded (loaded: ONE)\n"},
-        {"no command", "ONE\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
-        {"no command, CRLF", "ONE\r\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
-        {"only blanks for a command", "ONE \t \r\n", "m.macro:1: a command of 'ONE' was expected after its name\n"},
-        {"NUL in a command", "ONE ECHO a\0b\n"s, "m.macro:1: the line holds a NUL byte\n"},
-        {"NUL in a comment", "# a\0b\n"s, "m.macro:1: the line holds a NUL byte\n"},
-        {"NUL at the very end", "\n\0"s, "m.macro:2: the line holds a NUL byte\n"},
-        {"NUL at the very end, CRLF", "# a\r\n\0"s, "m.macro:2: the line holds a NUL byte\n"},
-        {"NUL at the end of the last line", "# a\n# b\0"s, "m.macro:2: the line holds a NUL byte\n"},
-        {"NUL before a line end", "# a\0\n# b\n"s, "m.macro:1: the line holds a NUL byte\n"},
-        {"NUL at the start", "\0# a\n"s, "m.macro:1: the line holds a NUL byte\n"},
-        {"NUL in a line of an unknown id", "TWO a\0b\n"s, "m.macro:1: the line holds a NUL byte\n"},
-        {"CR in a command", "ONE ECHO a\rb\nONE ECHO c\n", "m.macro:1: the line holds a carriage return\n"},
-        {"CR in the last line", "# a\nONE ECHO a\rb\n", "m.macro:2: the line holds a carriage return\n"},
-        {"CR in a last line without LF", "ONE ECHO a\rb", "m.macro:1: the line holds a carriage return\n"},
-        {"CR at the start of a line", "\rONE ECHO a\n# b\n", "m.macro:1: the line holds a carriage return\n"},
-        {"only one CR belongs to a line end", "ONE ECHO a\r\r\n", "m.macro:1: the line holds a carriage return\n"},
-        {"two CRs at the end of an earlier line", "# a\r\r\n# b\n", "m.macro:1: the line holds a carriage return\n"},
-        {"CR for line ends", "# a\rONE ECHO a\r", "m.macro:1: the line holds a carriage return\n"},
-        {"CR, then NUL", "ONE ECHO a\rb\0"s, "m.macro:1: the line holds a carriage return\n"},
+        {"no command", "ONE\n", "m.macro:1: expected a command after 'ONE'\n"},
+        {"no command, CRLF", "ONE\r\n", "m.macro:1: expected a command after 'ONE'\n"},
+        {"only blanks for a command", "ONE \t \r\n", "m.macro:1: expected a command after 'ONE'\n"},
+        {"NUL in a command", "ONE ECHO a\0b\n"s, "m.macro:1: the line contains a NUL byte\n"},
+        {"NUL in a comment", "# a\0b\n"s, "m.macro:1: the line contains a NUL byte\n"},
+        {"NUL at the very end", "\n\0"s, "m.macro:2: the line contains a NUL byte\n"},
+        {"NUL at the very end, CRLF", "# a\r\n\0"s, "m.macro:2: the line contains a NUL byte\n"},
+        {"NUL at the end of the last line", "# a\n# b\0"s, "m.macro:2: the line contains a NUL byte\n"},
+        {"NUL before a line end", "# a\0\n# b\n"s, "m.macro:1: the line contains a NUL byte\n"},
+        {"NUL at the start", "\0# a\n"s, "m.macro:1: the line contains a NUL byte\n"},
+        {"NUL in a line of an unknown id", "TWO a\0b\n"s, "m.macro:1: the line contains a NUL byte\n"},
+        {"CR in a command", "ONE ECHO a\rb\nONE ECHO c\n", "m.macro:1: the line contains a carriage return\n"},
+        {"CR in the last line", "# a\nONE ECHO a\rb\n", "m.macro:2: the line contains a carriage return\n"},
+        {"CR in a last line without LF", "ONE ECHO a\rb", "m.macro:1: the line contains a carriage return\n"},
+        {"CR at the start of a line", "\rONE ECHO a\n# b\n", "m.macro:1: the line contains a carriage return\n"},
+        {"only one CR belongs to a line end", "ONE ECHO a\r\r\n", "m.macro:1: the line contains a carriage return\n"},
+        {"two CRs at the end of an earlier line", "# a\r\r\n# b\n", "m.macro:1: the line contains a carriage return\n"},
+        {"CR for line ends", "# a\rONE ECHO a\r", "m.macro:1: the line contains a carriage return\n"},
+        {"CR, then NUL", "ONE ECHO a\rb\0"s, "m.macro:1: the line contains a carriage return\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -86,7 +86,7 @@ TEST_F(MacroFile, AllProblemsAreToldAndNothingRuns) {
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
               "m.macro:2: no add-on 'TWO' is loaded (loaded: ONE)\n"
-              "m.macro:4: a command of 'ONE' was expected after its name\n"
+              "m.macro:4: expected a command after 'ONE'\n"
               "m.macro:5: no add-on 'THREE' is loaded (loaded: ONE)\n");
 }
 
@@ -158,7 +158,8 @@ TEST_F(MacroFile, OfTheStandardInputHasItsProblemsPlacedThere) {
     const ProgramResult result = runProgram(program);
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "<stdin>:2: no add-on 'TWO' is loaded (loaded: ONE)\n<stdin>:3: the line holds a NUL byte\n");
+    EXPECT_EQ(result.err,
+              "<stdin>:2: no add-on 'TWO' is loaded (loaded: ONE)\n<stdin>:3: the line contains a NUL byte\n");
 }
 
 TEST_F(MacroFile, MayComeThroughAPipe) {
@@ -178,7 +179,7 @@ TEST_F(MacroFile, FromAPipeHasItsProblemsPlacedUnderItsName) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "m.macro:2: the line holds a carriage return\nm.macro:3: no add-on 'TWO' is loaded (loaded: ONE)\n");
+              "m.macro:2: the line contains a carriage return\nm.macro:3: no add-on 'TWO' is loaded (loaded: ONE)\n");
 }
 
 TEST_F(MacroFile, MayBeOneOfTheSystemThatTellsNoSize) {

@@ -43,7 +43,7 @@ TEST_F(MacroTests, ShowTheDifference) {
     const ProgramResult result = test();
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out,
-              "failed t/a.macro: it does not do what t/a.expected has; --accept takes what it does\n"
+              "failed t/a.macro: its results differ from t/a.expected; --accept saves the new results\n"
               "@@ line 4 @@\n"
               "    2\n"
               "  > ONE ECHO 3\n"
@@ -212,8 +212,8 @@ TEST_F(MacroTests, RefuseWhatIsNoMacro) {
     const Case cases[] = {
         {"an expectation of no macro",
          {"test", "t", "--addon", ADDON_ONE},
-         "t/lost.expected: there is no macro lost.macro beside it\n"},
-        {"a folder of none", {"test", "empty", "--addon", ADDON_ONE}, "empty: there is no macro in it, NAME.macro\n"},
+         "t/lost.expected: there is no macro lost.macro in this folder\n"},
+        {"a folder of none", {"test", "empty", "--addon", ADDON_ONE}, "empty: it has no macro NAME.macro\n"},
         {"another file",
          {"test", "notes.txt", "--addon", ADDON_ONE},
          "notes.txt: expected a folder, or a macro NAME.macro\n"},

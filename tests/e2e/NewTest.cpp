@@ -109,8 +109,8 @@ TEST_F(New, RefusesANameThatCMakeKeepsForItself) {
         SCOPED_TRACE(name);
         const ProgramResult result = writeNew({"deep/" + name});
         EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, "deep/" + name + ": CMake keeps the name '" + name +
-                                  "' for itself; choose another name for the folder\n");
+        EXPECT_EQ(result.err,
+                  "deep/" + name + ": CMake reserves the name '" + name + "'; choose another name for the folder\n");
         EXPECT_EQ(result.out, "");
     }
     EXPECT_EQ(entries(), 0U);
@@ -122,8 +122,8 @@ TEST_F(New, RefusesANameWithACharacterThatCMakeRefuses) {
         const ProgramResult result = writeNew({name});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err, name + ": '" + name +
-                                  "' cannot be a target of CMake, whose name has letters, digits, '_', '-', '.' and "
-                                  "'+'; choose another name for the folder\n");
+                                  "' cannot be a CMake target; expected letters, digits, '_', '-', '.' and '+'; "
+                                  "choose another name for the folder\n");
     }
     EXPECT_EQ(entries(), 0U);
 }
@@ -173,11 +173,11 @@ TEST_F(New, OverwritesNothing) {
     fs::create_directory(folder() / "full");
     write("full/a", "mine");
     write("file", "mine");
-    EXPECT_EQ(writeNew({"full"}).err, "full: is there already, and not empty\n");
+    EXPECT_EQ(writeNew({"full"}).err, "full: it exists and is not empty\n");
     const ProgramResult result = writeNew({"file"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "file: is there already, and no folder\n");
+    EXPECT_EQ(result.err, "file: it exists and is not a folder\n");
     EXPECT_EQ(writeNew({"file/p"}).status, 2);
     EXPECT_EQ(entries(), 3U);
     EXPECT_EQ(read("file"), "mine");

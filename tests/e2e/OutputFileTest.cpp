@@ -108,10 +108,10 @@ TEST_F(OutputFile, ThatCannotHoldTextIsRefused) {
         const char* why;
     };
     const Case cases[] = {
-        {"folder", "it is no regular file"},
-        {"link", "it is no regular file"},
-        {".", "it is no regular file"},
-        {"pipe", "nobody reads it"},
+        {"folder", "it is not a regular file"},
+        {"link", "it is not a regular file"},
+        {".", "it is not a regular file"},
+        {"pipe", "no process reads it"},
     };
     for (const Case& c : cases) {
         for (const char* option : {"--record", "--journal"}) {
@@ -209,7 +209,7 @@ TEST_F(UnprivilegedOutputFile, InAFolderWithoutPermissionIsRefusedBeforeAnything
     fs::permissions(folder(), fs::perms(0755));
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "r.macro: cannot be written: no file can be made in its folder: Permission denied\n");
+    EXPECT_EQ(result.err, "r.macro: cannot be written: cannot create a file in its folder: Permission denied\n");
 }
 
 TEST_F(UnprivilegedOutputFile, WithoutWritePermissionIsRefused) {

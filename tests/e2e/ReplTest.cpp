@@ -42,15 +42,16 @@ TEST_F(Repl, TellsWhatIsNoCommand) {
     const ProgramResult result = typed("TWO ECHO a\nONE\n");
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "no add-on 'TWO' is loaded (loaded: ONE); 'help' lists what there is\n"
-              "a command of 'ONE' was expected after its name\n");
+              "no add-on 'TWO' is loaded (loaded: ONE); 'help' lists the add-ons\n"
+              "expected a command after 'ONE'\n");
 }
 
 TEST_F(Repl, HelpsAndQuits) {
     const ProgramResult result = typed("help\nquit\nONE ECHO never\n", {"--addon", ADDON_UNTITLED});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out,
-              "ID COMMAND runs a command of an add-on; quit ends. Loaded are:\n  ONE  The first\n  UNTITLED\n");
+              "ID COMMAND runs a command of an add-on; quit ends the program. Loaded add-ons:\n  ONE  The first\n  "
+              "UNTITLED\n");
 }
 
 TEST_F(Repl, RecordsWhatWasDone) {

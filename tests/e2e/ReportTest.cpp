@@ -43,7 +43,7 @@ TEST_F(Report, OfWhatIsNoTraceIsRefused) {
         const char* why;
     };
     const Case cases[] = {
-        {"text", "this is no trace that 'vexa-standin run --trace' wrote"},
+        {"text", "this is not a trace of 'vexa-standin run --trace'"},
         {"gone", "cannot be read: No such file or directory"},
         {"folder", "cannot be read: Is a directory"},
     };
@@ -233,8 +233,8 @@ TEST_F(ReportInBrowser, TellsOfARunThatWasKilled) {
 TEST_F(ReportInBrowser, TellsOfARunThatWentWell) {
     const std::string page = elementsAfter("ONE ECHO a\n");
     EXPECT_TRUE(has(page, "<p id=\"verdict\" class=\"good\">Passed</p>"));
-    EXPECT_TRUE(has(page, "There are none."));
-    EXPECT_TRUE(has(page, "No dialog came up."));
+    EXPECT_TRUE(has(page, "No findings."));
+    EXPECT_TRUE(has(page, "No dialog was shown."));
     EXPECT_TRUE(has(page, "No command was recorded."));
 }
 

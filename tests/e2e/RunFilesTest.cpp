@@ -81,7 +81,8 @@ TEST_F(RunFiles, ThatAreReadAreNotWritten) {
                 const ProgramResult result = runProgram(runner(arguments));
                 EXPECT_EQ(result.status, 2);
                 EXPECT_EQ(result.out, "");
-                EXPECT_EQ(result.err.find(name + ": cannot be written: the run uses it as "), 0U) << result.err;
+                EXPECT_EQ(result.err.find(name + ": cannot be written: the command also uses it as "), 0U)
+                    << result.err;
                 EXPECT_EQ(contents(), before);
             }
         }
@@ -103,7 +104,7 @@ TEST_F(RunFiles, ThatAreWrittenAreWrittenOnce) {
             SCOPED_TRACE(arguments.end()[-2] + ' ' + name);
             const ProgramResult result = runProgram(runner(with(name, arguments)));
             EXPECT_EQ(result.status, 2);
-            EXPECT_EQ(result.err, std::string(name) + ": cannot be written: the run uses it as new, too\n");
+            EXPECT_EQ(result.err, std::string(name) + ": cannot be written: the command also uses it as new\n");
             EXPECT_FALSE(fs::exists(folder() / "new"));
         }
     }
@@ -115,11 +116,11 @@ TEST_F(RunFiles, ThatAStandardStreamIsRedirectedToAreNotWritten) {
         const char* err;
     };
     const Case cases[] = {
-        {"m.macro --json out >out", "out: cannot be written: the run uses it as <stdout>, too\n"},
-        {"m.macro --record out >out", "out: cannot be written: the run uses it as <stdout>, too\n"},
-        {"- --record m.macro <m.macro", "m.macro: cannot be written: the run uses it as -, too\n"},
-        {"m.macro --json - >>m.macro", "-: cannot be written: the run uses it as m.macro, too\n"},
-        {"m.macro --trace - --json -", "-: cannot be written: the run uses it as -, too\n"},
+        {"m.macro --json out >out", "out: cannot be written: the command also uses it as <stdout>\n"},
+        {"m.macro --record out >out", "out: cannot be written: the command also uses it as <stdout>\n"},
+        {"- --record m.macro <m.macro", "m.macro: cannot be written: the command also uses it as -\n"},
+        {"m.macro --json - >>m.macro", "-: cannot be written: the command also uses it as m.macro\n"},
+        {"m.macro --trace - --json -", "-: cannot be written: the command also uses it as -\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.options);
@@ -152,9 +153,8 @@ TEST_F(RunFiles, AreNotReplacedByWhatMacrosAreExpectedToDo) {
                 runner({"test", "m.macro", "n.macro", "--addon", "one.so", "--style", "style.json", "--accept"}));
             EXPECT_EQ(result.status, 2);
             EXPECT_EQ(result.err,
-                      "m.expected: cannot be written: the run uses it as " +
-                          (std::string(input) == "vexa-standin.toml" ? (folder() / input).string() : input) +
-                          ", too\n");
+                      "m.expected: cannot be written: the command also uses it as " +
+                          (std::string(input) == "vexa-standin.toml" ? (folder() / input).string() : input) + "\n");
             EXPECT_EQ(contents(), before);
             fs::remove(folder() / "m.expected");
         }
@@ -181,7 +181,7 @@ TEST_F(RunFiles, AreNotReplacedByTheMacroOfAFailedCheck) {
         Arguments arguments = {"check", CHECK_ADDONS "/rogue.so", "--macro", macro, "--only", "commands-in-order"};
         const ProgramResult result = runProgram(runner(arguments));
         EXPECT_EQ(result.status, 2) << result.out;
-        EXPECT_EQ(result.err, name + ": cannot be written: the run uses it as " + macro + ", too\n");
+        EXPECT_EQ(result.err, name + ": cannot be written: the command also uses it as " + macro + "\n");
         EXPECT_EQ(read(name), "ROGUE kill\n");
         EXPECT_NE(result.out.find("reproduce: vexa-standin check "), std::string::npos) << result.out;
     }

@@ -122,7 +122,7 @@ TEST_F(MacroRun, RefusesAnAddOn) {
     const Case cases[] = {
         {"its id is taken", ADDON_ONE_AGAIN, ADDON_ONE_AGAIN ": an add-on ONE is already loaded, from " ADDON_ONE "\n"},
         {"named twice", ADDON_ONE, ADDON_ONE ": an add-on ONE is already loaded, from " ADDON_ONE "\n"},
-        {"no entry", NO_ADDON, NO_ADDON ": it exports no function vexaAddOn, so it is no add-on\n"},
+        {"no entry", NO_ADDON, NO_ADDON ": it does not export the function vexaAddOn, so it is not an add-on\n"},
         {"its entry refuses", ADDON_REFUSING, ADDON_REFUSING ": it refuses to be loaded (its entry returned null)\n"},
         {"no file", "gone.so", "./gone.so: no such file\n"},
         {"no shared object", "./text.so", "./text.so: not a shared object\n"},

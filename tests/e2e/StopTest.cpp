@@ -77,7 +77,7 @@ TEST_F(StopButton, WorksWithoutAStatusLine) {
     ASSERT_TRUE(program.waitFor("50 %\r\n"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
-    EXPECT_NE(program.output().find("m.macro:1: PROGRESS: stop was asked for; a second Ctrl-C ends the program\r\n"),
+    EXPECT_NE(program.output().find("m.macro:1: PROGRESS: stop requested; a second Ctrl-C ends the program\r\n"),
               std::string::npos)
         << program.output();
     EXPECT_NE(program.output().find("m.macro:1: PROGRESS: Reading: stopped\r\nm.macro:1: PROGRESS: stopped\r\n"),

@@ -113,7 +113,7 @@ TEST_F(Streams, ThatNobodyReadsAreRefused) {
         SCOPED_TRACE(words(output.arguments));
         const ProgramResult result = shell(output.arguments, "pipe");
         EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, "pipe: cannot be written: nobody reads it\n");
+        EXPECT_EQ(result.err, "pipe: cannot be written: no process reads it\n");
     }
 }
 
@@ -145,7 +145,7 @@ TEST_F(Streams, MayBeInputs) {
 }
 
 TEST_F(Streams, AreRefusedWhereTheyCannotBeUsed) {
-    const char* const kNoStream = "a standard stream cannot be used here; ./- is a file or folder of that name";
+    const char* const kNoStream = "a standard stream cannot be used here; for a file or folder called -, write ./-";
     const char* const kOnce = "the standard input can be read only once";
     struct Case {
         Arguments arguments;
@@ -164,7 +164,7 @@ TEST_F(Streams, AreRefusedWhereTheyCannotBeUsed) {
         {{"check", ADDON_ONE, "--macro", "-", "--macro", "-"}, kOnce},
         {{"repl", "--addon", ADDON_ONE, "--style", "-"}, kOnce},
         {{"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--style", "-"},
-         "--style -: goes with one macro file only"},
+         "--style -: works with one macro file only"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(words(c.arguments));
@@ -185,7 +185,7 @@ TEST_F(Streams, ThatAreNamedPipesAreNoInputs) {
     makePipe("vexa-standin.toml");
     makePipe("n.expected");
     write("n.macro", "ONE SAY printed\n");
-    const std::string why = "it is no regular file, but a named pipe\n";
+    const std::string why = "it is a named pipe, not a regular file\n";
     EXPECT_EQ(shell({"style", "--style", "pipe", "TEXT"}, "").err, "pipe: cannot be read: " + why);
     EXPECT_EQ(shell({"report", "pipe", "-o", "page.html"}, "").err, "pipe: cannot be read: " + why);
     EXPECT_EQ(shell({"run", "m.macro", "--addon", ADDON_ONE}, "").err,

@@ -158,9 +158,8 @@ TEST_F(Replay, RefusesACommandThatFails) {
         "    first: call 1, VexaUtilMacroRecordExtCommand, in \"MISBEHAVING recording-not-replayable\", m.macro:1, "
         "thread 1\n"
         "    seen:  the end of \"MISBEHAVING no-such-command\", m.macro:1\n"
-        "    hint:  Record the text that the command model writes, or write all options yourself, quoted as the "
-        "command "
-        "reads them.\n");
+        "    hint:  Record the text that MacroCommandAbstract::toString() returns, or write all options yourself, "
+        "quoted as the command reads them.\n");
 }
 
 TEST_F(Replay, RefusesACommandThatRecordsSomethingElse) {

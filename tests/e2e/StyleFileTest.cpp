@@ -76,7 +76,7 @@ TEST_F(StyleFile, GivesOffsetsTheirValues) {
     EXPECT_EQ(valueIn(json, {"A", "--offset1", "1"}), "double 2\n");
     EXPECT_EQ(valueIn(json, {"A", "--offset2", "1"}), "integer 3\n");
     EXPECT_EQ(valueIn(json, {"A", "--offset1=-9223372036854775808"}), "integer 4\n");
-    EXPECT_EQ(valueIn(json, {"A"}), "A: no value: it holds other settings, or has none for the offsets 0 and 0\n");
+    EXPECT_EQ(valueIn(json, {"A"}), "A: no value: the path is too short, or there is none for the offsets 0 and 0\n");
 }
 
 TEST_F(StyleFile, GivesAllOtherOffsetsTheOtherValue) {
@@ -120,13 +120,13 @@ TEST_F(StyleFile, WithAWrongValueIsRefused) {
          "s.json:1:7: the integer needs more than 64 bits; with .0 after it, it is a double\n"},
         {"an integer far below", "{\"A\": -9223372036854775809}",
          "s.json:1:7: the integer needs more than 64 bits; with .0 after it, it is a double\n"},
-        {"a NUL in a text", "{\"TEXT\": \"a\\u0000b\"}", "s.json:1:10: a text cannot hold a NUL\n"},
+        {"a NUL in a text", "{\"TEXT\": \"a\\u0000b\"}", "s.json:1:10: a text must not contain a NUL\n"},
         {"a negative index", "{\"USECLIPPLANES\": [1,\n -2]}",
-         "s.json:2:2: expected an index from 0 up, or a range such as \"5-7\"\n"},
+         "s.json:2:2: expected an index of 0 or more, or a range such as \"5-7\"\n"},
         {"an index with a point", "{\"USECLIPPLANES\": [1,\n2.5]}",
-         "s.json:2:1: expected an index from 0 up, or a range such as \"5-7\"\n"},
+         "s.json:2:1: expected an index of 0 or more, or a range such as \"5-7\"\n"},
         {"a set in a set", "{\"USECLIPPLANES\": [1, [2]]}",
-         "s.json:1:23: expected an index from 0 up, or a range such as \"5-7\"\n"},
+         "s.json:1:23: expected an index of 0 or more, or a range such as \"5-7\"\n"},
         {"a set that is no text", "{\"USECLIPPLANES\": {\"$set\": [1]}}",
          "s.json:1:28: expected a set as text, such as \"[1-3,5]\"\n"},
         {"a double that is a text", "{\"A\": {\"$double\": \"5\"}}", "s.json:1:19: expected a number\n"},
@@ -174,18 +174,18 @@ TEST_F(StyleFile, IsQuotedShortlyWhenItIsRefused) {
 TEST_F(StyleFile, WithAWrongKeywordIsRefused) {
     const RefusedFile cases[] = {
         {"empty", "{\"A\": {\"\": 1}}", "s.json:1:8: a keyword is empty\n"},
-        {"a NUL", "{\"A\\u0000\": 1}", "s.json:1:2: a keyword cannot hold a NUL\n"},
+        {"a NUL", "{\"A\\u0000\": 1}", "s.json:1:2: a keyword must not contain a NUL\n"},
         {"seven", "{\"A\":{\"B\":{\"C\":{\"D\":{\"E\":{\"F\":\n{\"G\":1}}}}}}}",
-         "s.json:2:2: 'G' is the seventh keyword of a path; six are the most\n"},
+         "s.json:2:2: 'G' is the seventh keyword of a path; at most six are allowed\n"},
         {"given twice", "{\"A\": 1,\n \"B\": 1,\n \"A\": 2}",
          "s.json:3:2: 'A' is given twice; the case of letters does not matter\n"},
         {"given twice, in another letter case", "{\"Ab\": {\"X\": 1}, \"aB\": {\"Y\": 2}}",
          "s.json:1:18: 'aB' is given twice; the case of letters does not matter\n"},
         {"an unknown mark", "{\"A\": {\"$integer\": 5}}",
-         "s.json:1:8: '$integer' is none of '$double', '$set', '$offsets', '$value'\n"},
-        {"a mark at the top", "{\"$double\": 5}", "s.json:1:2: '$double' cannot stand among keywords\n"},
+         "s.json:1:8: '$integer' is not one of '$double', '$set', '$offsets', '$value'\n"},
+        {"a mark at the top", "{\"$double\": 5}", "s.json:1:2: '$double' cannot be used beside keywords\n"},
         {"a mark among keywords", "{\"A\": {\"$double\": 5, \"B\": 1}}",
-         "s.json:1:22: 'B' is none of '$double', '$set', '$offsets', '$value'\n"},
+         "s.json:1:22: 'B' is not one of '$double', '$set', '$offsets', '$value'\n"},
     };
     for (const RefusedFile& c : cases) EXPECT_EQ(refusalOf(c.json), c.err) << c.why;
 }
@@ -196,7 +196,7 @@ TEST_F(StyleFile, WithWrongMarksIsRefused) {
         {"one twice", R"({"A": {"$double": 5, "$double": 6}})", "s.json:1:22: '$double' is given twice\n"},
         {"a value without offsets", R"({"A": {"$value": 5}})", "s.json:1:7: expected '$offsets' with the '$value'\n"},
         {"a double beside offsets", R"({"A": {"$offsets": [], "$double": 5}})",
-         "s.json:1:24: '$double' is none of '$offsets', '$value'\n"},
+         "s.json:1:24: '$double' is not one of '$offsets', '$value'\n"},
         {"offsets that are no array", R"({"A": {"$offsets": 1}})",
          "s.json:1:20: expected an array of values with offsets\n"},
         {"no offsets", R"({"A": {"$offsets": []}})", "s.json:1:20: expected an array of values with offsets\n"},
@@ -205,7 +205,7 @@ TEST_F(StyleFile, WithWrongMarksIsRefused) {
         {"an entry without a value", R"({"A": {"$offsets": [{"offset1": 5}]}})",
          "s.json:1:21: expected a 'value' for the offsets\n"},
         {"an entry with something else", R"({"A": {"$offsets": [{"offset3": 5, "value": 1}]}})",
-         "s.json:1:22: 'offset3' is none of 'offset1', 'offset2', 'value'\n"},
+         "s.json:1:22: 'offset3' is not one of 'offset1', 'offset2', 'value'\n"},
         {"an offset that is no integer", R"({"A": {"$offsets": [{"offset1": 1.0, "value": 1}]}})",
          "s.json:1:33: expected an integer\n"},
         {"an offset twice in an entry", R"({"A": {"$offsets": [{"offset1": 1, "offset1": 2, "value": 1}]}})",
@@ -214,7 +214,7 @@ TEST_F(StyleFile, WithWrongMarksIsRefused) {
          "{\"A\": {\"$offsets\": [{\"offset1\": 0, \"value\": 1},\n{\"offset2\": 0, \"value\": 2}]}}",
          "s.json:2:1: these offsets are given twice\n"},
         {"offsets within offsets", R"({"A": {"$offsets": [{"value": {"$offsets": []}}]}})",
-         "s.json:1:32: '$offsets' is none of '$double', '$set'\n"},
+         "s.json:1:32: '$offsets' is not one of '$double', '$set'\n"},
     };
     for (const RefusedFile& c : cases) EXPECT_EQ(refusalOf(c.json), c.err) << c.why;
 }

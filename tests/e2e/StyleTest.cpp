@@ -67,10 +67,12 @@ TEST_F(StyleCommand, TellsWhyThereIsNoValue) {
         {"not in the file", {"NOSUCH", "KEY"}, "NOSUCH KEY: unknown: the style file has no such setting\n"},
         {"below a value", {"FRAME", "COLOR", "X"}, "FRAME COLOR X: unknown: the style file has no such setting\n"},
         {"an empty keyword", {"FRAME", ""}, "FRAME : unknown: the style file has no such setting\n"},
-        {"above a value", {"FRAME"}, "FRAME: no value: it holds other settings, or has none for the offsets 0 and 0\n"},
+        {"above a value",
+         {"FRAME"},
+         "FRAME: no value: the path is too short, or there is none for the offsets 0 and 0\n"},
         {"no value for these offsets",
          {"SIZE", "--offset1", "1", "--offset2", "-4"},
-         "SIZE: no value: it holds other settings, or has none for the offsets 1 and -4\n"},
+         "SIZE: no value: the path is too short, or there is none for the offsets 1 and -4\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);

@@ -21,8 +21,8 @@ protected:
 };
 
 const std::string kHint =
-    "    hint:  Look at the last host call and at the text of the command. Usual causes are a quote that is never "
-    "closed, a loop that waits for more text, and a lock that is taken twice.\n";
+    "    hint:  Look at the last host call and at the text of the command. Usual causes are a missing closing "
+    "quote, a loop that waits for more text, and a lock that is taken twice.\n";
 
 TEST_F(Timeout, TellsWhichCommandHangsAndEndsTheProgram) {
     const ProgramResult result = runHanging("HANGING 'a'\nHANGING 'b\nHANGING 'c'\n");

@@ -103,7 +103,7 @@ TEST_F(Trace, GoesToNoFileThatTheRunUses) {
             EXPECT_EQ(result.status, 2);
             EXPECT_EQ(result.out, "");
             EXPECT_EQ(result.err,
-                      std::string(c.trace) + ": cannot be written: the run uses it as " + c.other + ", too\n");
+                      std::string(c.trace) + ": cannot be written: the command also uses it as " + c.other + "\n");
             EXPECT_EQ(read("m.macro"), "ONE SAY a\n");
         }
     }
@@ -113,7 +113,7 @@ TEST_F(Trace, CannotBeBothKindsInOneFile) {
     const ProgramResult result = runMacro("ONE SAY a\n", {"--trace", "t", "--trace-text", "./t"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "./t: cannot be written: the run uses it as t, too\n");
+    EXPECT_EQ(result.err, "./t: cannot be written: the command also uses it as t\n");
 }
 
 TEST_F(Trace, ThatCannotBeWrittenIsRefusedBeforeAnythingRuns) {
@@ -124,8 +124,8 @@ TEST_F(Trace, ThatCannotBeWrittenIsRefusedBeforeAnythingRuns) {
         const char* why;
     };
     const Case cases[] = {
-        {"folder", "it is no regular file"},
-        {"pipe", "nobody reads it"},
+        {"folder", "it is not a regular file"},
+        {"pipe", "no process reads it"},
         {"gone/t", "No such file or directory"},
         {"", "No such file or directory"},
     };

@@ -57,7 +57,7 @@ TEST_F(UnknownId, LeavesOtherProblemsToTheFile) {
     const ProgramResult result = runWithTwo({"--keep-going"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "m.macro:3: a command of 'ONE' was expected after its name\n");
+    EXPECT_EQ(result.err, "m.macro:3: expected a command after 'ONE'\n");
 }
 
 }  // namespace

@@ -254,7 +254,7 @@ TEST_F(WatchedRun, KeepsToItsTimeLimitWhenItsMacroIsAPipeThatNobodyWrites) {
     const ProgramResult result =
         runProgram(runner({"run", "pipe", "--addon", ADDON_ENDING, "--timeout", "0.3", "--json", "r.jsonl"}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "pipe: cannot be read: it has no end after 0.3 seconds\n");
+    EXPECT_EQ(result.err, "pipe: cannot be read: it did not end within 0.3 seconds\n");
     EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 2);
 }
 

@@ -130,7 +130,7 @@ TEST(LoadAddOn, RefusesFilesThatAreNoAddOns) {
                      "ELF"),
          "it is truncated"},
         {"needs what is not there", addOnFile("unresolved"), "unresolved symbol suppliedByNobody"},
-        {"another library", addOnFile("no-entry"), "it exports no function vexaAddOn, so it is no add-on"},
+        {"another library", addOnFile("no-entry"), "it does not export the function vexaAddOn, so it is not an add-on"},
     };
     Host host;
     for (const Case& c : cases) {

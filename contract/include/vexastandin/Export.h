@@ -1,5 +1,5 @@
 /// \file
-/// Which C++ names the stand-in host exports.
+/// Marks the C++ names that the stand-in host exports.
 #pragma once
 
 /// Exports a class or function of the stand-in host. It also exports the host's C functions.

@@ -68,7 +68,7 @@ struct Finding {
     Severity_e severity = Severity_e::Error;  ///< the severity of the rule
     std::string message;                      ///< what happened, in one line
     std::string addOnId;                      ///< the add-on; empty if no add-on was running
-    std::optional<Place> opened;              ///< the earlier call that belongs to it (a start without a finish, ...)
+    std::optional<Place> opened;              ///< the call that started the problem, such as a start without a finish
     Place seen;                               ///< where the stand-in host detected it
     std::size_t count = 1;                    ///< how many leaks, or starts without a finish, this finding stands for
     std::size_t repeats = 0;                  ///< how many later findings of the same kind were only counted

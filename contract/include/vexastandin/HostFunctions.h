@@ -6,7 +6,7 @@
 
 namespace vexa::standin {
 
-/// Whether a call starts or finishes a scope, such as the time in which the lock is held.
+/// Says whether a call starts or finishes a scope, such as the time in which the lock is held.
 enum class ScopeRole_e {
     None,         ///< the function belongs to no scope
     Begins,       ///< the call starts the scope

@@ -7,7 +7,7 @@
 
 namespace {
 
-// All commands share one processor. It lives here, because the host passes the add-on nothing but the command.
+// All commands share one processor. It is global, because the host passes only the command to the add-on.
 std::unique_ptr<dataloader::LoaderProcessor> processor;
 
 VexaBoolean execute(const char* command, char** errMsg) {
@@ -25,6 +25,6 @@ const VexaAddOn_s* vexaAddOn(AddOnList_s* self) {
         processor = std::make_unique<dataloader::LoaderProcessor>(self);
         return &kDescription;
     } catch (...) {
-        return nullptr;  // refuses to be loaded
+        return nullptr;  // null: the add-on refuses to be loaded
     }
 }

@@ -26,7 +26,7 @@ namespace fs = vexa::filesystem;
 
 AtomicFile::AtomicFile(std::string fileName)
     : m_fileName(std::move(fileName)), m_temporary(m_fileName + '.' + std::to_string(getpid()) + ".part") {
-    // Renaming would put a file in the place of a device.
+    // Refuses a device, because renaming would replace it by a file.
     const auto status = fs::fileStatus(m_fileName, true);
     if (exists(status) && !is_regular_file(status)) fail(m_fileName, "it is no regular file");
     m_stream = fs::fileOpen(m_temporary, "wb");

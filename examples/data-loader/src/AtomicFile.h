@@ -6,14 +6,14 @@
 
 namespace dataloader {
 
-/// A file that is written whole or not at all: under a temporary name in the same folder first. Nothing in it is about
-/// tables: take it to another add-on as it is.
+/// Writes a complete file or none: first under a temporary name in the same folder. The class does not depend on
+/// tables, so you can copy it unchanged to another add-on.
 ///
 ///     AtomicFile out("out.csv");
 ///     out.write(text);      // as often as needed
-///     out.commit();         // now out.csv is there; an older one is replaced
+///     out.commit();         // now out.csv exists; an older file is replaced
 ///
-/// Without commit() the destructor removes what was written, and the file is as it was.
+/// Without commit(), the destructor removes the new text, and the old file is unchanged.
 /// Errors: LoaderError "Cannot write FILE: " and the reason.
 class AtomicFile {
 public:
@@ -23,7 +23,7 @@ public:
     ~AtomicFile();
 
     void write(std::string_view text);
-    /// Call it once, last.
+    /// Call it once, as the last call.
     void commit();
 
 private:

@@ -70,7 +70,7 @@ std::size_t Cells::plainLength() const {
     return static_cast<std::size_t>(std::find_if(m_rest.begin(), m_rest.end(), isBlank) - m_rest.begin());
 }
 
-// Only behind a closing quote can there be something else.
+// Only after a closing quote can another character follow.
 void Cells::passSeparator() {
     const std::size_t blanks = blanksBefore(m_rest);
     m_rest.remove_prefix(blanks);
@@ -94,7 +94,7 @@ std::string textIn(std::string_view cell) {
 CellContent readNumber(std::string_view cell, double& number) {
     std::string_view text = withoutQuotes(cell);
     if (text.empty() || isNotAvailable(text)) return CellContent::Missing;
-    // The conversion takes no plus sign.
+    // The conversion does not accept a plus sign.
     if (text.front() == '+' && text.substr(1, 1) != "-") text.remove_prefix(1);
     const char* const end = text.data() + text.size();
     double value = 0.0;

@@ -13,7 +13,7 @@ constexpr const char* kNameHeading = "column";
 constexpr int kCountWidth = 9;
 constexpr int kNumberWidth = 14;
 
-// How much room a name takes: the bytes that continue a character of UTF-8 take none.
+// Returns the width of a name: continuation bytes of UTF-8 characters do not count.
 std::size_t widthOf(const std::string& name) {
     return static_cast<std::size_t>(std::count_if(
         name.begin(), name.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
@@ -43,7 +43,7 @@ void writeLine(std::ostream& out, const ColumnSummary& summary) {
 
 }  // namespace
 
-// The mean and the squares are brought up to date with each value, which keeps small deviations beside large means.
+// Updates the mean and the sum of squares with each value. This keeps small deviations accurate if the mean is large.
 ColumnSummary summarize(const Column& column) {
     ColumnSummary summary;
     double squares = 0.0;

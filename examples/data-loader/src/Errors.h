@@ -4,13 +4,13 @@
 
 namespace dataloader {
 
-/// What a command fails with. The message is one line, fit to show a user.
+/// Reports why a command failed. The message is one line for the user.
 class LoaderError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// What is wrong in one row of a file. Where it is, knows who reads the file.
+/// Reports a mistake in one row of a file. The reader of the file adds the place.
 class RowError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -23,7 +23,7 @@ using vexa::vexautilutil::DataSetSuspendMarking;
 constexpr char kEscape = '\\';
 constexpr char kSingleQuote = '\'';
 
-// getStringValue() would wait for the missing quote for ever.
+// getStringValue() would wait forever for a missing closing quote.
 bool hasOpenQuote(const std::string& text) {
     char open = '\0';
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -51,7 +51,7 @@ const std::string& required(const std::optional<std::string>& value, const std::
     return *value;
 }
 
-// The meaning of a value that is one of few words; the first one's when the option is not given.
+// Returns the meaning of a value that must be one of a few words; without the option, the meaning of the first word.
 template <typename Meaning>
 Meaning oneOf(const std::optional<std::string>& value, const std::string& option,
               const std::vector<std::pair<std::string, Meaning>>& words) {
@@ -96,7 +96,7 @@ bool LoaderProcessor::composeCommandString(std::string& command) const {
 
 bool LoaderProcessor::processCommand() {
     try {
-        // Commands share the table, and talk to the host: no other thread of the host may come between.
+        // Commands share the table and call the host, so no other thread of the host may run in between.
         const AddOnIdLock lock(m_self);
         runCommand();
         return true;
@@ -132,7 +132,7 @@ void LoaderProcessor::load() {
         {{"refuse", MissingValues::Refuse}, {"skip", MissingValues::Skip}, {"keep", MissingValues::Keep}});
 
     Table loaded = readTable(request);
-    // Who listens for new data hears of them once, when all is done.
+    // The host announces the new data once, at the end.
     const AuxDataSuspendBroadcast quiet;
     print(loadText(loaded));
     record();
@@ -141,7 +141,7 @@ void LoaderProcessor::load() {
 
 void LoaderProcessor::summary() {
     readOptions("SUMMARY", {});
-    // What is derived from the data does not change them.
+    // Results that are derived from the data do not change the data set.
     const DataSetSuspendMarking unchanged;
     print(sizeText(table()) + '\n' + summaryText(table()));
     record();
@@ -151,15 +151,14 @@ void LoaderProcessor::exportTable() {
     std::optional<std::string> file;
     readOptions("EXPORT", {{"FILE", &file}});
     const std::string& fileName = required(file, "FILE");
-    // What is derived from the data does not change them.
+    // Results that are derived from the data do not change the data set.
     const DataSetSuspendMarking unchanged;
     writeTable(table(), fileName);
     print("Wrote " + fileName + ": " + std::to_string(table().rowCount()) + " rows\n");
     record();
 }
 
-// Reads up to the end of the command, and composes what is recorded of it: the options given, in the order of the
-// table.
+// Reads the command to its end, and builds the command to record: the given options, in the order of the table.
 void LoaderProcessor::readOptions(const std::string& command, const std::vector<Option>& options) {
     if (hasOpenQuote(m_text)) throw LoaderError("Missing closing quote of: " + m_text);
     std::string name;
@@ -167,13 +166,13 @@ void LoaderProcessor::readOptions(const std::string& command, const std::vector<
         readOption(name, options);
         name.clear();
     }
-    // The end of the command leaves the name empty.
+    // At the end of the command the name stays empty.
     if (!name.empty()) throw LoaderError("Expected NAME = 'value', but found " + name);
     m_recordable = command;
     for (const Option& option : options) {
         if (!*option.value) continue;
         m_recordable += ' ' + toNameValueAssignment(option.name, escaped(**option.value));
-        m_recordable.pop_back();  // the blank behind the value
+        m_recordable.pop_back();  // the blank after the value
     }
 }
 
@@ -191,7 +190,7 @@ const Table& LoaderProcessor::table() const {
     return *m_table;
 }
 
-// The last step that can fail, so that only what succeeded is recorded.
+// This is the last step that can fail, so that only successful commands are recorded.
 void LoaderProcessor::record() {
     if (!recordMacroCommand(kAddOnId)) throw LoaderError("The host did not record the command");
 }

@@ -14,7 +14,7 @@ namespace dataloader {
 /// The name by which macros address the add-on.
 inline constexpr const char* kAddOnId = "DATALOADER";
 
-/// The commands of the add-on, and the table that they share. A command that fails leaves it as it was.
+/// The commands of the add-on, and the table that they share. A command that fails does not change the table.
 ///
 ///     LOAD FILE = 'station.csv' SEPARATOR = 'auto' MISSING = 'refuse'
 ///     SUMMARY
@@ -29,7 +29,7 @@ public:
     bool composeCommandString(std::string& command) const override;
 
 private:
-    /// An option whose value is a text: all that there are.
+    /// An option. Every option has a text as its value.
     struct Option {
         const char* name;
         std::optional<std::string>* value;
@@ -47,8 +47,8 @@ private:
 
     AddOnList_s* m_self;
     std::optional<Table> m_table;
-    std::string m_text;        // the command as it came
-    std::string m_recordable;  // the command as it is recorded
+    std::string m_text;        // the command, unchanged
+    std::string m_recordable;  // the command to record
 };
 
 }  // namespace dataloader

@@ -8,7 +8,7 @@
 
 namespace dataloader {
 
-/// A task of many small steps, whose progress the host's status line shows, and which the user may stop.
+/// A task of many small steps. The host's status line shows its progress, and the user can stop it.
 ///
 ///     LongTask task("EXPORT", "Writing out.csv", rows);
 ///     for (std::size_t row = 0; row < rows; ++row) {
@@ -16,14 +16,14 @@ namespace dataloader {
 ///         write(row);
 ///     }
 ///
-/// The host is asked at the start, and then every few thousand steps: often enough for the user, rarely enough to cost
-/// nothing. The status line is down when the object is gone, whatever ended the task.
-/// Threads: for the thread on which the host called.
+/// The class checks the stop button at the start, and then every few thousand steps: often enough for the user, and
+/// rarely enough to cost nearly nothing. The destructor removes the status line, also after an exception. Threads: use
+/// the object on the thread on which the host called the add-on.
 class LongTask {
 public:
-    /// \param command what the user knows the task by.
-    /// \param text    what the status line says.
-    /// \throws LoaderError when the user has stopped it already.
+    /// \param command the name of the command, for the message.
+    /// \param text    the text of the status line.
+    /// \throws LoaderError if the user has already pressed stop.
     LongTask(const char* command, const std::string& text, uint64_t steps);
 
     /// Counts a step.

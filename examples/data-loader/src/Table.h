@@ -6,17 +6,17 @@
 
 namespace dataloader {
 
-/// One column: its name, and a value a row. A missing value is not-a-number.
+/// A column: its name, and one value per row. A missing value is a NaN.
 struct Column {
     std::string name;
     std::vector<double> values;
 };
 
-/// What was loaded from one file.
+/// The table loaded from a file.
 struct Table {
     std::string fileName;
     std::vector<Column> columns;  ///< not empty, of the same length
-    std::size_t rowsLeftOut = 0;  ///< for their missing values
+    std::size_t rowsLeftOut = 0;  ///< rows that were skipped because of missing values
 
     std::size_t rowCount() const { return columns.front().values.size(); }
 };

@@ -20,7 +20,7 @@ constexpr char kComment = '#';
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kQuotedLength = 40;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
-// Behind the text of the last line: a carriage return and a line feed.
+// The last line may end with a carriage return and a line feed.
 constexpr uint64_t kLongestLineEnd = 2;
 
 std::string shown(std::string_view cell) {
@@ -28,7 +28,7 @@ std::string shown(std::string_view cell) {
     return '"' + text.substr(0, kQuotedLength) + (text.size() > kQuotedLength ? "..." : "") + '"';
 }
 
-// Takes the header line, then the rows.
+// Builds a table from the header line and the rows.
 class TableBuilder {
 public:
     explicit TableBuilder(const LoadRequest& request) : m_request(request) { m_table.fileName = request.fileName; }
@@ -71,7 +71,7 @@ public:
     }
 
 private:
-    // False when the row is to be left out.
+    // Returns false if the row must be skipped.
     bool readRow(std::string_view text) {
         Cells cells(text, m_separator);
         std::size_t count = 0;
@@ -85,7 +85,7 @@ private:
         return isComplete || m_request.missing == MissingValues::Keep;
     }
 
-    // False when its value is missing.
+    // Returns false if the value is missing.
     bool readCell(std::string_view cell, std::size_t index) {
         const CellContent content = readNumber(cell, m_row[index]);
         if (content == CellContent::Number) return true;
@@ -105,12 +105,12 @@ private:
     const LoadRequest& m_request;
     Separator m_separator = Separator::Comma;
     Table m_table;
-    std::vector<double> m_row;  // what is read of the row; kept to spare the allocation
+    std::vector<double> m_row;  // the values of the current row; a member, to reuse its memory
 };
 
 unsigned long sizeOf(const std::string& fileName) {
     unsigned long size = 0;
-    // The reader would wait for whoever writes to a pipe.
+    // Refuses a pipe, because the reader would wait for its writer.
     const auto status = vexa::filesystem::fileStatus(fileName, true);
     if (exists(status) && !is_regular_file(status)) {
         throw LoaderError("Cannot open " + fileName + ": it is no regular file");
@@ -119,7 +119,7 @@ unsigned long sizeOf(const std::string& fileName) {
     throw LoaderError("Cannot open " + fileName + ": " + std::generic_category().message(errno));
 }
 
-// Whether the reader, for which a NUL ends the file and a carriage return the line, has not seen all of the text.
+// Returns true if the reader has not seen all of the text: a NUL ends the file, and a carriage return ends a line.
 bool endsEarly(const AsciiFile& file, unsigned long size) {
     if (file.numLinesInFile() == 0) return size > 0;
     const char* const last = file.readRawLineAtOffset(file.numLinesInFile() - 1);
@@ -132,7 +132,7 @@ bool endsEarly(const AsciiFile& file, unsigned long size) {
     throw LoaderError("Nothing was loaded from " + file.fileName());
 }
 
-// A row takes a byte for each of its columns at least.
+// A row has at least one byte for each column.
 std::size_t mostRows(const AsciiFile& file, unsigned long size, std::size_t columns) {
     return std::min<uint64_t>(file.numLinesInFile(), size / columns + 1);
 }

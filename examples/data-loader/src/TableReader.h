@@ -8,30 +8,31 @@
 
 namespace dataloader {
 
-/// What becomes of a row with a missing value.
+/// How to treat a row with a missing value.
 enum class MissingValues {
     Refuse,  ///< the file is refused
-    Skip,    ///< the row is left out, and counted
+    Skip,    ///< the row is skipped and counted
     Keep     ///< the value is kept as missing
 };
 
-/// What to read.
+/// The file to read, and the form of its rows.
 struct LoadRequest {
     std::string fileName;                ///< relative names start at the current folder
-    std::optional<Separator> separator;  ///< none: as the header line has it
+    std::optional<Separator> separator;  ///< empty: the header line decides
     MissingValues missing = MissingValues::Refuse;
 };
 
-/// Reads a table of numbers with a line of column names above it, while the host's status line shows how far it has
-/// come and the user may stop it.
+/// Reads a table of numbers with a header line of column names. The host's status line shows the progress, and the user
+/// can stop the function.
 ///
-///     # comment, empty lines pass
+///     # comments and empty lines are skipped
 ///     hour,"wind speed [m/s]"
 ///     0,3.4
 ///
-/// Rows are read where they lie in the file's text; lines may end in CR LF.
-/// \throws LoaderError with the reason. What is wrong in a line was shown to the user before, with its number and
-///         the file, in the host's error dialog; the reason then is "Nothing was loaded from FILE".
+/// The function does not copy rows. Lines may end in CR LF.
+/// \throws LoaderError with the reason. If a line is wrong, the host's error dialog has already shown the mistake with
+/// file
+///         and line; the reason is then "Nothing was loaded from FILE".
 Table readTable(const LoadRequest& request);
 
 }  // namespace dataloader

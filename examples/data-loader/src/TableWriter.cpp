@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kMissing = "NA";
 constexpr std::size_t kBlock = 1 << 16;
-// The shortest form of any double fits: 17 digits, sign, point, exponent.
+// Enough for the shortest form of any double: 17 digits, sign, point, exponent.
 constexpr std::size_t kLongestNumber = 32;
 
 std::string quoted(const std::string& name) {

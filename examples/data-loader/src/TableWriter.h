@@ -6,10 +6,10 @@
 
 namespace dataloader {
 
-/// Writes \p table as the file \p fileName, whole or not at all, while the host's status line shows how far it has come
-/// and the user may stop it. Cells are separated by commas, names quoted, numbers as short as they can be without a
-/// change, missing values NA: readTable() reads the same table again.
-/// \throws LoaderError with the reason; the file is then as it was.
+/// Writes \p table to the file \p fileName, completely or not at all. The host's status line shows the progress, and
+/// the user can stop the function. Cells are separated by commas, names are quoted, missing values are NA, and numbers
+/// have the shortest form that reads back unchanged. So readTable() reads the same table again. \throws LoaderError
+/// with the reason; the file is then unchanged.
 void writeTable(const Table& table, const std::string& fileName);
 
 }  // namespace dataloader

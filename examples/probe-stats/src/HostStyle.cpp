@@ -12,9 +12,9 @@ namespace {
 using vexa::toolbox::Set;
 using vexa::vexautilutil::ResultType_e;
 
-constexpr int kMostDigits = 17;  // more say nothing about a double
+constexpr int kMostDigits = 17;  // a double has no more digits
 
-// The value of a style setting as text; none when the host has no value of that kind.
+// Returns the value of a style setting as text; nothing if the host has no value of this kind.
 std::optional<std::string> styleValue(std::vector<std::string> path, ResultType_e wanted) {
     ResultType_e type = vexa::vexautilutil::ResultType_None;
     GetValueReturnCode_e code = GetValueReturnCode_NotAvailable;

@@ -7,20 +7,21 @@
 
 namespace probestats {
 
-/// What the user set in the host, as far as it concerns the output of this add-on.
+/// The style settings of the host that this add-on uses for its output.
 struct HostStyle {
     ReportStyle report;
-    std::optional<vexa::toolbox::Set> activeColumns;  ///< a column is shown as the field map of its number; none: all
+    std::optional<vexa::toolbox::Set>
+        activeColumns;  ///< the columns to show, by the numbers of field maps; empty: all columns
 };
 
-/// Asks the host for these style values:
+/// Reads these style values from the host:
 ///
 ///     Text / NumberFormat / Precision     the significant digits of numbers, 1 to 17
 ///     Frame / Title / Text                the title
 ///     FieldMap / ActiveFieldMaps          the active columns
 ///
-/// What the host does not have, or has of another kind or beyond these limits, stays at its default. None of it is an
-/// error: the tables are the same, only less to the user's taste.
+/// A value that is missing, of another kind, or outside of these limits has its default. This is not an error, because
+/// style changes only the form of the tables.
 HostStyle hostStyle();
 
 }  // namespace probestats

@@ -65,12 +65,12 @@ std::string unknownOption(const std::string& name, const OptionReaders& readers)
     return "Unknown option of " + std::string(kName) + ": " + name + "; known are " + names;
 }
 
-// The name is looked at before the option is read, because it tells the type.
+// Checks the name before it reads the option, because the name decides the type.
 OptionPointer readOption(MacroTokenIterator& current, const MacroTokenIterator& end, const OptionReaders& readers) {
     const auto reader = readers.find(*current);
     if (reader == readers.end()) throw MacroCommandError(unknownOption(*current, readers));
     OptionPointer option = reader->second(current, end);
-    // A text cannot hold the quotes that it is written between. What follows such a quote is no option.
+    // A text cannot contain its own quotes, so the text after such a quote is not an option.
     if (current != end && *current != kBlank) {
         throw MacroCommandError("Expected a blank after the value of " + option->name() + ", but found " + *current);
     }
@@ -81,7 +81,7 @@ void skipBlanks(MacroTokenIterator& current, const MacroTokenIterator& end) {
     while (current != end && *current == kBlank) ++current;
 }
 
-// Carries each option over to the request. Only the numbers are more than one, and told apart by their names.
+// Copies each option to the request. Only numbers need their names, because there are several options of that type.
 class RequestWriter : public MacroOptionPerformerAbstract {
 public:
     explicit RequestWriter(ProbeFileRequest& request) : MacroOptionPerformerAbstract(false), m_request(request) {}

@@ -7,25 +7,24 @@
 
 namespace probestats {
 
-/// The command that reads a file, in the command model: options are written NAME=VALUE, without blanks around the
-/// `=`, and by their upper-case names.
+/// The command that reads a file. It uses option classes, so options are written NAME=VALUE, without blanks around the
+/// `=`, with names in upper case.
 ///
 ///     LoadCommand command("SKIPROWS=3 FILE=\"wake.txt\" HEADER=FALSE");
-///     command.toString();     // "LOAD FILE=\"wake.txt\" SKIPROWS=3": in order, defaults left out
-///     command.execute();
-///     command.data();
+///     command.toString();     // "LOAD FILE=\"wake.txt\" SKIPROWS=3": in order, without options that have their
+///     default command.execute(); command.data();
 ///
-/// Errors: MacroCommandError for what is not written as an option, ProbeError for what makes no sense.
+/// Errors: MacroCommandError for a text that is not an option, ProbeError for values that make no sense.
 class LoadCommand : public vexa::vexautilutil::MacroCommandAbstract {
 public:
     /// Reads the options from \p text, the command without its word.
     explicit LoadCommand(const std::string& text);
 
-    /// What the options ask for.
+    /// Returns the request that the options describe.
     ProbeFileRequest request();
     /// Reads the file.
     void execute() override;
-    /// What was read; it may be moved from.
+    /// Returns the data of the file. The caller may move them.
     ProbeData& data() { return m_data; }
 
 private:

@@ -16,7 +16,7 @@ constexpr char kSingleQuote = '\'';
 constexpr const char* kQuotes = "'\"";
 constexpr const char* kWhiteSpace = " \t\n\r\v\f";
 
-// Where the quoted text begins that is open at the end of the command; npos when there is none.
+// Returns the start of a quoted text without its closing quote; npos if there is none.
 std::size_t openQuote(const std::string& text) {
     std::size_t open = text.find_first_of(kQuotes);
     while (open != std::string::npos) {
@@ -55,7 +55,7 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-// Each ends in a blank, as the processor writes all but sets.
+// These functions end with a blank, as toNameValueAssignment() does for all types except sets.
 std::string assignment(const std::string& name, bool value) {
     return Processor::toNameValueAssignment(name, static_cast<char>(value));
 }
@@ -142,9 +142,9 @@ bool OptionsProcessor::refuse(const std::string& reason) {
     return false;
 }
 
-// False with an empty name at the end of the command, and with the name when its `=` is missing. getNextName() stores
-// a message when something else stands in the place of the `=`, but none when the command ends there: then the one
-// deposited here remains, and the name is the last word.
+// Returns false with an empty name at the end of the command, and false with the name if its `=` is missing. If another
+// character is in the place of the `=`, getNextName() stores a message. If the command ends there, it stores none, so
+// the message that is deposited here remains.
 bool OptionsProcessor::nextName(std::string& name) {
     name.clear();
     depositErrorMessage("Error: Missing = and value for command option: " + lastWord(m_text));
@@ -153,7 +153,7 @@ bool OptionsProcessor::nextName(std::string& name) {
 
 bool OptionsProcessor::read(const std::string& name, std::optional<bool>& target) {
     char value = 0;
-    // Remains when the command ends here, for which the getter has no message of its own.
+    // This message remains if the command ends here, because the getter then stores none.
     depositErrorMessage("Error: Missing Boolean value for command option: " + name);
     if (!getBooleanValue(value)) return false;
     target = value != 0;

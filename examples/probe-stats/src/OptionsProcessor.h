@@ -11,7 +11,7 @@
 
 namespace probestats {
 
-/// One option of a command: its name, and where its value goes when the command gives it.
+/// An option of a command: its name, and the variable for its value.
 struct Option {
     using Target =
         std::variant<std::optional<bool>*, std::optional<int32_t>*, std::optional<int64_t>*, std::optional<double>*,
@@ -20,38 +20,39 @@ struct Option {
     Target target;
 };
 
-/// A command processor that reads and records commands by tables of their options. Nothing in it is about probes:
-/// take it to another add-on as it is.
+/// A command processor that reads and records commands by tables of their options. The class does not depend on probes,
+/// so you can copy it unchanged to another add-on.
 ///
 ///     std::optional<int64_t> first;
 ///     if (!readOptions("WINDOW", {{"FIRST", &first}})) return false;
 ///     if (first && *first < 1) return refuse("FIRST must be 1 or more");
-///     ... act ...
+///     ... work ...
 ///     return recordMacroCommand("MYADDON");    // records "WINDOW FIRST = 201"
 ///
 /// Texts are read with escapes: `\'` is a quote, `\\` a backslash.
 class OptionsProcessor : public vexa::vexautilutil::MacroCommandProcessorAbstract {
 public:
-    /// Keeps the command's text, too.
+    /// Also keeps the text of the command.
     bool parseCommandString(const char* commandString, char** errMsg) override;
     /// The hook for commands, called by processCommand() with the command word.
     virtual bool runCommand(const std::string& word) = 0;
 
     bool processCommand() final;
-    /// Writes the command that readOptions() read last: the options given, in the order of the table. Or the one of
-    /// recordAs().
+    /// Writes the command that readOptions() read last: the given options, in the order of the table. Or writes the
+    /// command of recordAs().
     bool composeCommandString(std::string& command) const override;
 
 protected:
     /// Reads the options of \p command up to its end.
-    /// \return false, with a message stored, when an option is unknown, given twice, without `=` or without a value of
-    ///         its kind; when a text or set is empty; when a double would be recorded as another one; when a quoted
-    ///         text is never closed, which getStringValue() would wait for, for ever.
+    /// \return false, with a stored message, if an option is unknown or given twice, lacks its `=` or a value of its
+    /// type;
+    ///         if a text or a set is empty; if a double has too many digits to be recorded; or if a closing quote is
+    ///         missing, for which getStringValue() would wait forever.
     bool readOptions(const std::string& command, const std::vector<Option>& options);
 
-    /// The text after the command word, as it came. For commands that are read in another way.
+    /// Returns the text after the command word, unchanged. For commands that do not use readOptions().
     std::string optionsText() const;
-    /// Has \p command recorded, for such commands.
+    /// Sets the text that composeCommandString() writes, for commands that do not use readOptions().
     void recordAs(const std::string& command) { m_recordable = command; }
 
     /// Stores "Error: " and \p reason for the host, and returns false.
@@ -66,8 +67,8 @@ private:
     bool read(const std::string& name, std::optional<std::string>& target);
     bool read(const std::string& name, std::optional<vexa::toolbox::Set>& target);
 
-    std::string m_text;        // the command as it came
-    std::string m_recordable;  // the command as it is recorded
+    std::string m_text;        // the command, unchanged
+    std::string m_recordable;  // the command to record
 };
 
 }  // namespace probestats

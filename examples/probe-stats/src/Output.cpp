@@ -20,7 +20,7 @@ namespace fs = vexa::filesystem;
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-// Returns what went wrong, if anything did.
+// Returns the error, if there was one.
 std::error_code writeWhole(const std::string& fileName, const std::string& text) {
     std::FILE* const out = fs::fileOpen(fileName, "wb");
     if (out == nullptr) return lastError();
@@ -40,7 +40,7 @@ void writeToScreen(const std::string& text) {
 }
 
 void writeToFile(const std::string& fileName, const std::string& text) {
-    // Renaming would put a file in the place of a device.
+    // Refuses a device, because renaming would replace it by a file.
     const auto status = fs::fileStatus(fileName, true);
     if (exists(status) && !is_regular_file(status)) {
         throw ProbeError("Cannot write " + fileName + ": it is no regular file");

@@ -4,13 +4,13 @@
 
 namespace probestats {
 
-/// Writes \p text to the standard output, at once.
-/// \throws ProbeError when it cannot be written.
+/// Writes \p text to the standard output and flushes it.
+/// \throws ProbeError if it cannot be written.
 void writeToScreen(const std::string& text);
 
-/// Writes \p text as the file \p fileName: under a temporary name in the same folder first, so that whoever reads
-/// the file finds it whole, before or after.
-/// \throws ProbeError "Cannot write FILE: " and the reason; the file is then as it was.
+/// Writes \p text to the file \p fileName, first under a temporary name in the same folder. So readers find either the
+/// complete old file or the complete new one.
+/// \throws ProbeError "Cannot write FILE: " and the reason; the file is then unchanged.
 void writeToFile(const std::string& fileName, const std::string& text);
 
 }  // namespace probestats

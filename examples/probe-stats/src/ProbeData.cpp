@@ -28,7 +28,7 @@ std::vector<std::string> wordsOf(const std::string& line) {
     return words;
 }
 
-// The words of the next row, whose line counted from 1 is then the file's current line number; none at the end.
+// Returns the words of the next row; none at the end. The file's current line number is then the number of that line.
 std::vector<std::string> nextRow(AsciiFile& file) {
     for (; !file.isEOF(); file.advanceToNextLine()) {
         const uint64_t line = file.currentLineNumber();
@@ -37,7 +37,7 @@ std::vector<std::string> nextRow(AsciiFile& file) {
     return {};
 }
 
-// Infinities and not-a-number would spoil every statistic, so they count as no numbers.
+// Refuses infinities and NaN, because they would make every statistic useless.
 bool toNumber(const std::string& word, double& number) {
     vexa::Scanner scanner;
     scanner.reset(word);
@@ -50,7 +50,7 @@ std::string quoted(const std::string& word) {
     return '"' + (word.size() > kQuotedLength ? word.substr(0, kQuotedLength) + "..." : word) + '"';
 }
 
-// Collects the rows of one file, whose first row settles how many columns there are.
+// Collects the rows of a file. The first row decides the number of columns.
 class RowCollector {
 public:
     explicit RowCollector(const ProbeFileRequest& request) : m_request(request) {}
@@ -139,7 +139,7 @@ vexa::toolbox::Set ProbeData::columnNumbers() const {
 }
 
 ProbeData readProbeFile(const ProbeFileRequest& request) {
-    // The reader would wait for whoever writes to a pipe.
+    // Refuses a pipe, because the reader would wait for its writer.
     const auto status = vexa::filesystem::fileStatus(request.fileName, true);
     if (exists(status) && !is_regular_file(status)) {
         throw ProbeError("Cannot open " + request.fileName + ": it is no regular file");

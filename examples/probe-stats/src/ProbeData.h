@@ -9,51 +9,50 @@
 
 namespace probestats {
 
-/// The fewest rows of which a deviation or a sample rate can be computed.
+/// The minimum number of rows for a deviation or a sample rate.
 constexpr int64_t kMinRows = 2;
 
-/// What to read from a text file. Columns are counted from 1.
+/// The data to read from a text file. Columns are counted from 1.
 struct ProbeFileRequest {
     std::string fileName;                       ///< relative names start at the current folder
-    std::optional<vexa::toolbox::Set> columns;  ///< not empty; none: all
-    uint64_t skipRows = 0;                      ///< rows passed over unread at the start, after the header
-    std::optional<uint64_t> timeColumn;         ///< the times in seconds, from which the sample rate is computed
+    std::optional<vexa::toolbox::Set> columns;  ///< the columns to keep, not an empty set; no value: all columns
+    uint64_t skipRows = 0;                      ///< rows to skip after the header
+    std::optional<uint64_t> timeColumn;         ///< the column with the times in seconds, which give the sample rate
     std::optional<double> sampleRate;           ///< in Hz, above 0; not together with timeColumn
-    bool hasHeader = false;                     ///< whether the first row holds the names of the columns
+    bool hasHeader = false;                     ///< true if the first row has the names of the columns
 };
 
-/// One signal.
+/// A signal.
 struct ProbeColumn {
     int64_t number;
     std::vector<double> values;
     std::string name = {};  ///< from the header; empty without one
 };
 
-/// The signals of one file: all columns have one value a row.
+/// The signals of a file. All columns have the same number of values.
 struct ProbeData {
     std::string fileName;
     std::vector<ProbeColumn> columns;  ///< ascending by number, not empty
     std::optional<double> sampleRate;  ///< in Hz
 
     int64_t rowCount() const { return static_cast<int64_t>(columns.front().values.size()); }
-    /// The numbers of the columns.
+    /// Returns the numbers of the columns.
     vexa::toolbox::Set columnNumbers() const;
 };
 
-/// Reads a file of numbers in columns, between which white space stands.
+/// Reads a file of numbers in columns, separated by white space.
 ///
-///     # 1 time [s]       lines that begin with # and empty lines are no rows
+///     # 1 time [s]       lines that start with # and empty lines are skipped
 ///     0.0 1.5 -2         every row has as many columns as the first
 ///
-/// Only the columns asked for have to hold numbers. Numbers are read the same in every locale; lines may end in
-/// CR LF. A NUL ends the file.
-/// \throws ProbeError "Cannot open FILE: " and the reason.
-/// \throws vexa::vexautilutil::InvalidInstructionsException when the file has no such columns, holds something else
+/// Only the requested columns must have numbers. The locale does not change how numbers are read. Lines may end in CR
+/// LF. A NUL ends the file. \throws ProbeError "Cannot open FILE: " and the reason. \throws
+/// vexa::vexautilutil::InvalidInstructionsException when the file has no such columns, holds something else
 ///         than numbers or fewer than two rows, or when the times do not advance evenly (by 1 %). What belongs to one
 ///         line begins with "FILE:LINE: ", all else with "FILE: ".
 ProbeData readProbeFile(const ProbeFileRequest& request);
 
-/// The rows that are looked at: first, first + stride, ... up to last. Rows are counted from 1.
+/// The selected rows: first, first + stride, ... up to last. Rows are counted from 1.
 struct RowWindow {
     int64_t first = 1;
     int64_t last = 0;
@@ -62,7 +61,7 @@ struct RowWindow {
     int64_t count() const { return last < first ? 0 : (last - first) / stride + 1; }
 };
 
-/// The values of \p column in the rows of \p window, which must lie within it.
+/// Returns the values of \p column in the rows of \p window. The column must have these rows.
 std::vector<double> valuesIn(const RowWindow& window, const ProbeColumn& column);
 
 }  // namespace probestats

@@ -4,7 +4,7 @@
 
 namespace probestats {
 
-/// What reading, checking and writing fail with. The message is one line, fit to show a user.
+/// Reports why a command failed. The message is one line for the user.
 class ProbeError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -33,7 +33,7 @@ RowWindow allRowsOf(const ProbeData& data) { return {1, data.rowCount(), 1}; }
 
 void requireColumns(const Set& wanted, const ProbeData& data) {
     const Set loaded = data.columnNumbers();
-    // A set can name more columns than there is time to walk through: only its runs are looked at.
+    // Compares runs, because a set can have too many members to visit each one.
     Set missing = wanted;
     for (const Set::Range& range : loaded.ranges()) missing.erase(range.first, range.last);
     if (missing.isEmpty()) return;
@@ -41,7 +41,7 @@ void requireColumns(const Set& wanted, const ProbeData& data) {
                      loaded.toString());
 }
 
-// The columns that a command shows: those it names, else those that the host has active.
+// Returns the columns to show: those that the command names, otherwise the active ones of the host.
 Set columnsToShow(const std::optional<Set>& named, const HostStyle& style, const ProbeData& data) {
     if (named) {
         requireColumns(*named, data);
@@ -69,7 +69,7 @@ double sampleRateIn(const RowWindow& window, const ProbeData& data) {
     return *data.sampleRate / window.stride;
 }
 
-// What SUMMARIZE asks of the spectrum.
+// The options of SUMMARIZE for the spectrum.
 struct SpectrumRequest {
     double sampleRate;
     Baseline baseline;
@@ -114,7 +114,7 @@ struct SpectrumOptions {
     std::optional<int64_t> peaks;
 };
 
-// Settles the sections of the plan; its frequencies follow.
+// Returns a plan with sections, but without frequencies yet.
 SpectrumPlan sectionPlan(const SpectrumOptions& options, double sampleRate, int64_t rows) {
     const auto least = static_cast<int64_t>(kMinSpectrumValues);
     const int64_t section = options.section.value_or(std::max(least, std::min(kUsualSection, rows)));
@@ -130,7 +130,7 @@ SpectrumPlan sectionPlan(const SpectrumOptions& options, double sampleRate, int6
 
 SpectrumPlan spectrumPlan(const SpectrumOptions& options, double sampleRate, int64_t rows) {
     SpectrumPlan plan = sectionPlan(options, sampleRate, rows);
-    // Below it, not even one period fits into a section.
+    // Below this frequency, a section does not contain a whole period.
     const double lowest = sampleRate / static_cast<double>(plan.section);
     const double maxFrequency = options.maxFrequency.value_or(sampleRate / 2.0);
     plan.minFrequency = options.minFrequency.value_or(lowest);
@@ -139,7 +139,7 @@ SpectrumPlan spectrumPlan(const SpectrumOptions& options, double sampleRate, int
     if (maxFrequency > sampleRate / 2.0) throw ProbeError("MAXFREQUENCY must be at most half the sample rate");
     if (maxFrequency < plan.minFrequency) throw ProbeError("MAXFREQUENCY must be MINFREQUENCY or more");
     if (plan.frequencyStep <= 0.0) throw ProbeError("FREQUENCYSTEP must be above 0");
-    // The little more makes up for rounding, when the steps fit exactly.
+    // The small addend compensates for rounding if the steps fit exactly.
     const double count = std::floor((maxFrequency - plan.minFrequency) / plan.frequencyStep + 1e-9) + 1.0;
     if (!(count <= kMaxFrequencies)) throw ProbeError("FREQUENCYSTEP is too small: it makes over 1000000 frequencies");
     plan.frequencyCount = static_cast<std::size_t>(count);
@@ -175,7 +175,7 @@ void writeReport(const std::optional<std::string>& file, const std::string& repo
 }  // namespace
 
 bool ProbeProcessor::runCommand(const std::string& word) {
-    // Commands share data and window, and talk to the host: no other thread of the host may come between.
+    // Commands share data and window and call the host, so no other thread of the host may run in between.
     const AddOnIdLock lock(m_self);
     try {
         if (word == "LOAD") return load();
@@ -196,7 +196,7 @@ bool ProbeProcessor::runCommand(const std::string& word) {
 bool ProbeProcessor::load() {
     LoadCommand command(optionsText());
     command.execute();
-    // Who follows the times hears of them when the new data and the window fit together.
+    // The host announces the new solution times only when the data and the window fit together.
     const SolutionTimeNotificationDeferrer times;
     writeToScreen(loadReport(command.data()));
     recordAs(command.toString());
@@ -224,7 +224,7 @@ bool ProbeProcessor::window() {
         return refuse("FIRST, LAST and STRIDE leave " + std::to_string(window.count()) + " rows, but " +
                       std::to_string(kMinRows) + " are needed");
     }
-    // Who follows the times hears of them when the new window is in force.
+    // The host announces the new solution times only when the new window is set.
     const SolutionTimeNotificationDeferrer times;
     writeToScreen(windowReport(window));
     if (!record()) return false;
@@ -283,15 +283,15 @@ bool ProbeProcessor::spectrum() {
     const SpectrumPlan plan = spectrumPlan(options, sampleRateIn(m_window, *m_data), m_window.count());
     const std::vector<SpectrumRow> rows =
         spectrumRows(*m_data, m_window, shown, plan, static_cast<std::size_t>(options.peaks.value_or(1)));
-    // What is derived from the data does not change them.
+    // Results that are derived from the data do not change the data set.
     const DataSetSuspendMarking unchanged;
-    // Who listens for results hears of them once, when all of them are out.
+    // The host announces the results once, at the end.
     const AuxDataSuspendBroadcast quiet;
     writeReport(options.file, spectrumReport(*m_data, m_window, plan, rows, style.report));
     return record();
 }
 
-// The last step of a command that can fail, so that only what succeeded is recorded.
+// This is the last step that can fail, so that only successful commands are recorded.
 bool ProbeProcessor::record() { return recordMacroCommand(kAddOnId) || refuse("The host did not record the command"); }
 
 }  // namespace probestats

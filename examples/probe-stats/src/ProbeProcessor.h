@@ -13,8 +13,8 @@ namespace probestats {
 /// The name by which macros address the add-on.
 inline constexpr const char* kAddOnId = "PROBESTATS";
 
-/// The commands of the add-on, and what they leave for the next one: the loaded data, and the window on it. A command
-/// that fails leaves both as they were.
+/// The commands of the add-on, and the data that they share: the loaded signals and the window. A command that fails
+/// changes neither.
 class ProbeProcessor : public OptionsProcessor {
 public:
     /// \param self the add-on's identity, for the host's lock.

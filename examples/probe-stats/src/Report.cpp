@@ -11,10 +11,10 @@ namespace {
 constexpr int kColumnWidth = 6;
 constexpr int kCountWidth = 9;
 constexpr int kHeadingWidth = 11;
-// What a number takes besides its digits: a blank before it, a sign, a point, and an exponent of three digits.
+// The characters of a number in addition to its digits: a blank, a sign, a point, and an exponent of three digits.
 constexpr int kAroundDigits = 8;
 
-// Numbers go through streams like this one, so that the host's locale does not show.
+// Returns a stream that writes numbers without the host's locale.
 std::ostringstream classicStream() {
     std::ostringstream out;
     out.imbue(std::locale::classic());
@@ -37,7 +37,7 @@ std::string describeRate(const std::optional<double>& rate, int32_t stride) {
 
 std::string titleLine(const ReportStyle& style) { return style.title.empty() ? "" : style.title + '\n'; }
 
-// Few digits leave room for the headings.
+// At least wide enough for the headings.
 int numberWidth(const ReportStyle& style) { return std::max(kHeadingWidth, style.digits + kAroundDigits); }
 
 void writeHeading(std::ostream& out, FrequencyColumn frequencies, int width) {
@@ -64,7 +64,7 @@ void writeRow(std::ostream& out, const SummaryRow& row, FrequencyColumn frequenc
     out << '\n';
 }
 
-// One line for each peak; one that shows its lack when there is none.
+// Writes one line for each peak; without a peak, writes one line with `-`.
 void writePeaks(std::ostream& out, const SpectrumRow& row, int width) {
     const std::string name = row.name.empty() ? "" : "  " + row.name;
     for (const Peak& peak : row.peaks) {

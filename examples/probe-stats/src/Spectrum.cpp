@@ -8,7 +8,7 @@ namespace probestats {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-// Well under a millisecond: often enough to stop at once, and seldom enough to cost nothing.
+// A fraction of a millisecond: often enough to stop at once, and rarely enough to cost nearly nothing.
 constexpr std::size_t kValuesBetweenCheckpoints = 100000;
 
 std::vector<double> hannWeights(std::size_t count) {
@@ -30,7 +30,7 @@ std::vector<double> weightedSection(const std::vector<double>& signal, std::size
     return section;
 }
 
-// The magnitude of the sum of the values, each turned by `turn` radians more than the one before.
+// Returns the magnitude of the sum of the values. Each value is turned by `turn` radians more than the one before.
 double magnitudeAt(double turn, const std::vector<double>& values) {
     const double turnCos = std::cos(turn);
     const double turnSin = std::sin(turn);

@@ -16,12 +16,12 @@ namespace {
 using Peaks = std::vector<std::vector<Peak>>;
 using vexa::vexautilutil::Mutex;
 
-// How long the user waits for an answer to the stop button, at most.
+// The longest time until the stop button is checked again.
 constexpr std::chrono::milliseconds kPatience{20};
-// What rounding can leave of a signal that does not oscillate, relative to its largest value.
+// The largest rounding error of a signal that does not oscillate, relative to its largest value.
 constexpr double kRoundingNoise = 1e-12;
 
-// How far the worker has come, for the thread that shows it.
+// The progress of the worker, for the thread that shows it.
 class ProgressBoard {
 public:
     struct State {
@@ -84,7 +84,7 @@ Peaks findPeaks(const std::vector<Signal>& signals, const SpectrumPlan& plan, st
     ProgressBoard board;
     const auto progress = vexa::vexautilutil::createTaskProgressBar(static_cast<long>(stepsOf(signals, plan)));
     progress->start(statusText(signals.front()));
-    // Last, so that it ends first, whatever the host's functions below throw.
+    // The last variable, so that it is destroyed first, even if the host's functions below throw.
     Worker<Peaks> worker([&](const std::atomic<bool>& stop) { return compute(signals, plan, peakCount, board, stop); });
     std::size_t shown = 0;
     do {

@@ -8,19 +8,19 @@
 
 namespace probestats {
 
-/// A signal to be analysed.
+/// A signal to analyse.
 struct Signal {
-    std::string label;  ///< what the status line calls it
+    std::string label;  ///< its name in the status line
     std::vector<double> values;
 };
 
-/// Finds the \p peakCount strongest peaks of each signal, in their order, while the host's status line shows how far
-/// it has come and the user may stop it.
+/// Returns the \p peakCount strongest peaks of each signal, in the order of the signals. The host's status line shows
+/// the progress, and the user can stop the function.
 ///
-/// A thread of its own computes. The calling thread, the only one that may use the status line, shows and asks.
-/// \param signals one or more, each of plan.section values or more.
-/// \throws ProbeError "SPECTRUM was stopped by the user". What the host or the computation throws passes through. The
-///         thread has ended and the status line is down then, as always.
+/// A second thread computes. The calling thread shows the progress and checks the stop button, because no other thread
+/// may use the status line. \param signals one or more, each of plan.section values or more. \throws ProbeError
+/// "SPECTRUM was stopped by the user". Exceptions of the host and of the computation pass through. In each
+///         case the second thread has ended, and the status line is removed.
 std::vector<std::vector<Peak>> findPeaks(const std::vector<Signal>& signals, const SpectrumPlan& plan,
                                          std::size_t peakCount);
 

@@ -12,7 +12,7 @@ namespace {
 using Complex = std::complex<double>;
 
 constexpr double kPi = 3.14159265358979323846;
-// What rounding can leave of a signal that is all baseline, relative to its largest value.
+// The largest rounding error of a signal without oscillation, relative to its largest value.
 constexpr double kRoundingNoise = 1e-12;
 
 double meanOf(const std::vector<double>& values) {
@@ -25,7 +25,7 @@ double largestIn(const std::vector<double>& values) {
     return largest;
 }
 
-// The slope, a value, of the line that fits best.
+// Returns the slope per value of the line that fits best.
 double slopeOf(const std::vector<double>& values, double mean) {
     const double middle = static_cast<double>(values.size() - 1) / 2.0;
     double products = 0.0;
@@ -56,7 +56,7 @@ std::vector<Complex> weightedAndFilledUp(const std::vector<double>& values) {
     return filled;
 }
 
-// Puts the element with index i where i's bits, read backwards, point.
+// Moves each element to the index whose bits are those of its old index in reverse order.
 void reverseBits(std::vector<Complex>& values) {
     std::size_t reversed = 0;
     for (std::size_t i = 1; i < values.size(); ++i) {
@@ -67,7 +67,7 @@ void reverseBits(std::vector<Complex>& values) {
     }
 }
 
-// Replaces the values, a power of two of them, by their discrete Fourier transform.
+// Replaces the values by their discrete Fourier transform. Their number must be a power of two.
 void transform(std::vector<Complex>& values) {
     const std::size_t size = values.size();
     std::vector<Complex> turns(size / 2);

@@ -6,7 +6,7 @@
 
 namespace probestats {
 
-/// What describes the distribution of a signal's values.
+/// Statistics of the values of a signal.
 struct Summary {
     std::size_t count;
     double mean;
@@ -15,25 +15,23 @@ struct Summary {
     double maximum;
 };
 
-/// Describes \p values, of which there must be two or more.
+/// Returns the statistics of two or more \p values.
 Summary summarize(const std::vector<double>& values);
 
-/// What is taken off a signal before its spectrum is computed.
+/// The baseline to subtract from a signal before its spectrum is computed.
 enum class Baseline { Mean, Line };
 
-/// The fewest values of which dominantFrequency() makes sense.
+/// The minimum number of values for dominantFrequency().
 constexpr std::size_t kMinSpectrumValues = 8;
 
 /// Finds the frequency at which a signal oscillates most.
 ///
-/// The signal, less its baseline, is weighted with a Hann window, filled up with zeros to a power of two N, and
-/// transformed; the frequency of the largest term is the result. It is a multiple of sampleRate / N. Left out are
-/// frequencies of which not even one whole period fits into the signal, and those below \p minFrequency.
-/// \param signal       the values, #kMinSpectrumValues or more.
-/// \param sampleRate   values a second, above 0.
-/// \param baseline     Line also removes a drift.
-/// \param minFrequency in Hz.
-/// \return the frequency in Hz; none when nothing but the baseline is there, or no frequency is left to look at.
+/// The function subtracts the baseline from the signal, weights it with a Hann window, appends zeros up to a power of
+/// two N, and transforms it. The result is the frequency of the largest term, a multiple of sampleRate / N. It ignores
+/// frequencies without a whole period in the signal, and those below \p minFrequency. \param signal       the values,
+/// #kMinSpectrumValues or more. \param sampleRate   values per second, above 0. \param baseline     Line also removes a
+/// drift. \param minFrequency in Hz. \return the frequency in Hz; nothing if the signal is only a baseline, or if all
+/// frequencies are ignored.
 std::optional<double> dominantFrequency(std::vector<double> signal, double sampleRate, Baseline baseline,
                                         double minFrequency);
 

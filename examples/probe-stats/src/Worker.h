@@ -9,22 +9,22 @@
 
 namespace probestats {
 
-/// One thread with one task, whose result or exception is handed over, and which is always joined. Nothing in it is
-/// about probes: take it to another add-on as it is.
+/// A thread that runs one task, returns its result or exception, and is always joined. The class does not depend on
+/// probes, so you can copy it unchanged to another add-on.
 ///
 ///     Worker<int> worker([](const std::atomic<bool>& stop) { return count(stop); });
 ///     while (!worker.endsWithin(std::chrono::milliseconds(20))) show();    // may throw: see the destructor
 ///     return worker.result();
 ///
-/// Threads: all but the task belongs to the thread that made the worker.
+/// Threads: call all functions on the thread that created the worker. Only the task runs on the new thread.
 template <typename Result>
 class Worker {
 public:
-    /// What the thread does. It should end soon, in whatever way, once \p stop is true.
+    /// The work of the thread. It should return or throw soon after \p stop becomes true.
     using Task = std::function<Result(const std::atomic<bool>& stop)>;
 
     /// Starts the thread.
-    /// \throws std::system_error when there is no thread to be had.
+    /// \throws std::system_error if no thread can be created.
     explicit Worker(Task task)
         : m_task([this, work = std::move(task)] { return work(m_stop); }),
           m_result(m_task.get_future()),
@@ -37,7 +37,7 @@ public:
         if (m_thread.joinable()) m_thread.join();
     }
 
-    /// Waits for the end of the task, but no longer than \p patience. Returns whether it has ended.
+    /// Waits for the end of the task, but not longer than \p patience. Returns true if the task has ended.
     bool endsWithin(std::chrono::milliseconds patience) {
         return m_result.wait_for(patience) == std::future_status::ready;
     }
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    std::atomic<bool> m_stop{false};  // under no mutex of the host: to set it must not fail
+    std::atomic<bool> m_stop{false};  // not protected by a mutex of the host, because setting it must not fail
     std::packaged_task<Result()> m_task;
     std::future<Result> m_result;
     std::thread m_thread;

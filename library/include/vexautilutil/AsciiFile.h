@@ -76,7 +76,8 @@ public:
     /// Returns the \p path of the last open().
     const std::string& fileName() const;
 
-    /// Returns the text of line \p index, not a copy. (The argument is an index, although the name says offset.)
+    /// Returns the text of line \p index, not a copy. (The argument is an index, although the function's name says
+    /// `Offset`.)
     const char* readRawLineAtOffset(uint64_t index) const;
     /// Returns a copy of the text of line \p index.
     std::string readLineAtOffset(uint64_t index) const;

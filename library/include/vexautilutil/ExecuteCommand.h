@@ -17,11 +17,11 @@
 
 namespace vexa::vexautilutil {
 
-/// What executeCommand() is made of. Not for direct use.
+/// The parts of executeCommand(). Do not use them directly.
 namespace detail {
 
-/// Stores a copy of \p message in \p errMsg, unless \p errMsg already has a message: the first failure is the reason
-/// for those that follow. \p errMsg stays null if the host has no memory.
+/// Stores a copy of \p message in \p errMsg, unless \p errMsg already has a message, because the first failure often
+/// causes the later ones. \p errMsg stays null if the host has no memory.
 inline void storeErrorMessage(const char* message, char** errMsg) {
     if (*errMsg != nullptr) return;
     const std::size_t length = std::min<std::size_t>(std::strlen(message), INT_MAX - 1);
@@ -32,12 +32,12 @@ inline void storeErrorMessage(const char* message, char** errMsg) {
     *errMsg = text;
 }
 
-/// Stores the message of the exception that is being handled. \p errMsg stays as it is if the host throws.
+/// Stores the message of the exception that is being handled. If the host throws, \p errMsg is unchanged.
 inline void reportException(char** errMsg) noexcept {
     try {
         try {
             throw;
-        } catch (const ExceptionBase& failure) {  // with the class libraries of the host, it may be no std::exception
+        } catch (const ExceptionBase& failure) {  // may not derive from std::exception in the host's own libraries
             storeErrorMessage(failure.what(), errMsg);
         } catch (const std::exception& failure) {
             storeErrorMessage(failure.what(), errMsg);
@@ -57,7 +57,7 @@ inline void reportException(char** errMsg) noexcept {
 ///         return vexa::vexautilutil::executeCommand([&] { run(command); }, errMsg);
 ///     }
 ///
-/// \param work   what to call, without arguments. If it returns a value, the value says whether the command succeeded.
+/// \param work   a callable without arguments. If it returns a value, the value says whether the command succeeded.
 ///               If it returns nothing, the command succeeded unless \p work throws.
 /// \param errMsg receives the error message, and must not be null. If \p work throws, that is a copy of `what()`, or
 ///               "Unknown failure" if the exception is neither a vexa::ExceptionBase nor a `std::exception`. A message
@@ -92,8 +92,8 @@ VexaBoolean executeCommand(Work&& work, char** errMsg) noexcept {
 ///
 /// \param processor its parseCommandString() is called once.
 /// \param command   the text of the command, as the host passed it.
-/// \param errMsg    as above. Receives the message that the processor stored, or the message of an exception.
-/// \return 1 when the command succeeded, otherwise 0.
+/// \param errMsg    receives the message that the processor stored, or the message of an exception. Must not be null.
+/// \return 1 if the command succeeded, otherwise 0.
 inline VexaBoolean executeCommand(MacroCommandProcessorAbstract& processor, const char* command,
                                   char** errMsg) noexcept {
     return executeCommand([&] { return processor.parseCommandString(command, errMsg); }, errMsg);
@@ -107,8 +107,8 @@ inline VexaBoolean executeCommand(MacroCommandProcessorAbstract& processor, cons
 /// \tparam Processor a class derived from MacroCommandProcessorAbstract, with a default constructor. An exception of
 ///                   the constructor is reported, too.
 /// \param command    the text of the command, as the host passed it.
-/// \param errMsg     as above. Receives the message that the processor stored, or the message of an exception.
-/// \return 1 when the command succeeded, otherwise 0.
+/// \param errMsg     receives the message that the processor stored, or the message of an exception. Must not be null.
+/// \return 1 if the command succeeded, otherwise 0.
 template <class Processor>
 VexaBoolean executeCommand(const char* command, char** errMsg) noexcept {
     return executeCommand([&] { return Processor().parseCommandString(command, errMsg); }, errMsg);

@@ -1,5 +1,5 @@
 /// \file
-/// Which names the library exports.
+/// Marks the names that the library exports.
 #pragma once
 
 /// Exports a class or function of the library. Names without it are hidden.

@@ -36,10 +36,11 @@ namespace vexa::vexautilutil {
 ///
 /// Errors: a getter that reads bad input stores a message and returns false. If processCommand() returns false, the
 ///         processor passes the last stored message to the host. A getter's message starts with "Error: ". If the
-///         getter knows the option's name, " for command option: ", the name as written, and a line feed follow the
-///         text.
+///         getter knows the option's name, the message ends with " for command option: ", the name as written, and a
+///         line feed.
 /// Scanner: a getter calls a `hasNext...` operation of the scanner before it reads. Only getSetValue() reads the
-///          opening bracket without this call. At the end of the command it fails, whatever the scanner returns.
+///          opening bracket without this call. At the end of the command getSetValue() fails, whatever the scanner
+///          returns.
 /// Threads: one thread at a time may use a processor. The processor calls the host on the caller's thread.
 /// The order of the virtual operations is part of the binary interface.
 class VEXAUTILUTIL_API MacroCommandProcessorAbstract {

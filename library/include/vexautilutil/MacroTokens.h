@@ -2,8 +2,8 @@
 /// The tokens of macro text, and the first two steps of parsing an option: its name and the `=`.
 ///
 /// MacroCommandAbstract::tokenize() splits a text into tokens. Each of the eight characters blank `=` `"` `'` `-` `,`
-/// `[` `]` is a token. Each longest run of other characters is one token. No character is dropped, so all tokens joined
-/// are the text:
+/// `[` `]` is a token. All characters between two of these form one token. No character is dropped, so all tokens
+/// joined are the text:
 ///
 ///     CMD ENABLED=TRUE  ->  CMD | blank | ENABLED | = | TRUE
 ///     ZONES=[1-3,5]     ->  ZONES | = | [ | 1 | - | 3 | , | 5 | ]

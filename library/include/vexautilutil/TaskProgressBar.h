@@ -27,7 +27,7 @@ namespace vexa::vexautilutil {
 /// \param count the number of steps of the task; a number below 1 counts as 1.
 /// \return the object, owned by the caller.
 /// \throws std::bad_alloc if memory runs out.
-/// Threads: use the object on the thread on which the host lets add-ons report their status.
+/// Threads: use the object on the thread on which the host called the add-on.
 VEXAUTILUTIL_API std::unique_ptr<vexa::ui::TaskProgress> createTaskProgressBar(long count);
 
 /// Creates an object that shows nothing, calls no host function and is never interrupted. Use it for code that needs a

@@ -18,16 +18,16 @@ namespace {
 constexpr std::size_t kWidth = 80;
 
 constexpr const char* kCheckFooter = R"(Levels:
-  1  loading, the add-on's file, and each command by itself
-  2  also commands in other orders, other modes of the host, host calls that
-     fail, and the stop button
-  3  also allocations that fail, and damaged commands
+  1  loading, the add-on's file, the macros in order, and each command alone
+  2  also commands in other orders, other modes of the host, failing host calls,
+     and the stop button
+  3  also failing allocations, and damaged commands
 
 Example:
   vexa-standin check ./libstats.so --macro sweep.macro --level 3
 
-The commands run in the current folder and write their files there. If a report
-is named -, it goes to the standard output, and the text goes to the standard
+The commands run in the current folder and write their files there. As a report
+file, - means the standard output. All other output then goes to the standard
 error output.
 
 Exit status:
@@ -65,33 +65,35 @@ Command checkCommand() {
     const auto options = std::make_shared<CheckOptions>();
     const auto isList = std::make_shared<bool>(false);
     constexpr Range kLevels = {1, 3};
-    Command command{"check", "Test an add-on thoroughly, in processes of their own", kCheckFooter};
+    Command command{"check", "Test an add-on without test code, each test in its own process", kCheckFooter};
     command.add(argument("FILE.so", "The add-on", &options->addOn).check(whyNoStream));
-    command.add(
-        option({"--macro"}, "FILE", "A macro that runs its commands; may be given more than once", &options->macros));
+    command.add(option({"--macro"}, "FILE", "A macro that runs the add-on's commands; may be given more than once",
+                       &options->macros));
     command.add(option({"--addon"}, "FILE", "Another add-on that the macros need", &options->session.addOns)
                     .check(whyNoStream));
-    command.add(option({"--level"}, "N", "How thorough to be, 1 to 3", &options->level).check(kLevels));
+    command.add(
+        option({"--level"}, "N", "How thorough the check is, 1 to 3 (default 2)", &options->level).check(kLevels));
     command.add(
         option({"--only"}, "NAME", "Run only this test, at any level; may be given more than once", &options->only)
             .check(whyNoTest)
             .suggest(testNames()));
-    command.add(option({"--seed"}, "N", "Seed of all random numbers; without it, a new one, which the output shows",
+    command.add(option({"--seed"}, "N", "Seed of all random numbers; by default a new one, which the check prints",
                        &options->seed));
-    command.add(option({"--time"}, "SECONDS", "Time for each test that could go on forever; 10", &options->time)
+    command.add(option({"--time"}, "SECONDS", "Time for each test that could run forever (default 10)", &options->time)
                     .check(whyNoSeconds));
     command.add(styleOption(options->session.style));
-    command.add(option({"--json"}, "FILE", "Write a report for programs", &options->json));
-    command.add(option({"--junit"}, "FILE", "Write a report as JUnit XML", &options->junit));
+    command.add(option({"--json"}, "FILE", "Write all results as JSON", &options->json));
+    command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
     command.add(option({"--sarif"}, "FILE", "Write the tests that did not pass as SARIF 2.1.0", &options->sarif));
     addSuppressOptions(command, options->session.contract);
     addTimeoutOption(command, options->session.contract);
-    command.add(flag({"--warnings-as-errors"}, "Fail also if a test warns",
+    command.add(flag({"--warnings-as-errors"}, "Also fail if a test warns",
                      switchTo(options->session.contract.warningsAsErrors, true)));
-    command.add(option({"-o", "--output-dir"}, "FOLDER", "Folder for macros that show a failure; .", &options->folder)
+    command.add(option({"-o", "--output-dir"}, "FOLDER", "Folder for macros that reproduce a failure (default .)",
+                       &options->folder)
                     .check(whyNoStream));
     command.add(flag({"--in-process"}, "Run the tests in this process, for a debugger", &options->session.inProcess));
-    command.add(flag({"--list"}, "Explain the tests, and run none of them", isList.get()));
+    command.add(flag({"--list"}, "Describe the tests and run none of them", isList.get()));
     command.check = [options] {
         std::vector<std::string> inputs = options->macros;
         inputs.push_back(options->session.style.value_or(""));

@@ -11,28 +11,28 @@ namespace vexa::runner {
 /// The outcome of a check.
 struct CheckReport {
     std::string addOn;              ///< the add-on's file
-    std::uint64_t seed = 0;         ///< of all random numbers
+    std::uint64_t seed = 0;         ///< the seed of all random numbers
     int level = 0;                  ///< the requested level
-    bool warningsAsErrors = false;  ///< whether a warning makes a test fail
-    std::vector<TestResult> tests;  ///< in the order in which they ran
+    bool warningsAsErrors = false;  ///< true if a warning makes a test fail
+    std::vector<TestResult> tests;  ///< the results, in the order of the tests
 };
 
-/// The name of an outcome in messages and files: "passed", "timed out" …
+/// Returns the name of an outcome in messages and files, for example "timed out".
 const char* nameOf(Outcome_e outcome);
 
-/// Whether the add-on passed: at least one test passed, and no test made the check fail.
+/// Returns true if at least one test passed, and no test made the check fail.
 bool isPassed(const CheckReport& report);
 
-/// The number of tests with each outcome: "7 passed, 1 skipped, 2 crashed".
+/// Returns the number of tests with each outcome: "7 passed, 1 skipped, 2 crashed".
 std::string countsText(const CheckReport& report);
 
-/// The report for other programs, in the project's own format, which docs/check.md describes.
+/// Returns the report as JSON, in the format that docs/check.md describes.
 std::string jsonText(const CheckReport& report);
 
-/// The report for build servers that show the tests of JUnit.
+/// Returns the report as JUnit XML.
 std::string junitText(const CheckReport& report);
 
-/// The tests that did not pass, for tools that read SARIF 2.1.0.
+/// Returns the tests that did not pass as SARIF 2.1.0.
 std::string sarifText(const CheckReport& report);
 
 }  // namespace vexa::runner

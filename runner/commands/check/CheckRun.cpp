@@ -33,7 +33,7 @@ using Seconds = std::chrono::duration<double>;
 
 std::uint64_t newSeed() {
     std::random_device device;
-    return device();  // short enough to be typed
+    return device();  // a short number, because users type it
 }
 
 std::string indented(const std::string& lines) {
@@ -78,7 +78,7 @@ private:
         return false;
     }
 
-    // Called before the tests, so that nobody waits for a report that cannot be written.
+    // Called before the tests, so that a report that cannot be written stops the check at once.
     void findReports() {
         m_files = inputsOf(session());
         m_files.read(m_options.macros);
@@ -107,7 +107,7 @@ private:
         m_report.warningsAsErrors = session().contract.warningsAsErrors.value_or(false);
     }
 
-    // This process loads no add-on, so the test reports the ids of the add-ons.
+    // The test "load" reports the ids of the add-ons, because this process loads no add-on.
     void loadFirst() {
         TestResult result = runTest(*m_loadTest, m_subject, m_setting);
         m_addOnIds = {result.addOnIds.begin(), result.addOnIds.end()};
@@ -132,7 +132,7 @@ private:
         return std::find(only.begin(), only.end(), test.name) != only.end();
     }
 
-    // Why a test is skipped; empty if it runs.
+    // Returns the reason why a test is skipped; empty if it runs.
     std::string whyNot(const CheckTest& test) const {
         if (test.needs == Needs_e::File) return "";
         if (m_addOnIds.empty()) return "the add-on cannot be loaded";
@@ -219,7 +219,7 @@ private:
     ToldCauses m_causes;
     RunFiles m_files;
     std::list<std::pair<WholeOutput, ReportText>> m_reports;
-    bool m_isUnwritten = false;  // a macro could not be written
+    bool m_isUnwritten = false;  // true if a macro could not be written
 };
 
 }  // namespace

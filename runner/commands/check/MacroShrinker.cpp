@@ -20,7 +20,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kTimeForAll = std::chrono::seconds(30);
-constexpr milliseconds kTimeForATry = std::chrono::seconds(1);  // for commands that took long before, and do again
+constexpr milliseconds kTimeForATry =
+    std::chrono::seconds(1);  // the time limit of a try; a command that hung hangs again
 
 std::string brokenRules(const std::vector<standin::Finding>& findings) {
     std::set<std::string> names;
@@ -41,12 +42,12 @@ public:
         if (m_symptom.empty()) return whole;
         dropSteps();
         for (std::size_t i = m_steps.size(); i-- > 0;) shortenStep(i);
-        // The tries had a shorter time limit than users get.
+        // Checks the result with the time limit of users, because the tries had a shorter one.
         return symptomOf(m_steps, m_setting.timeout) == m_symptom ? m_steps : whole;
     }
 
 private:
-    // The error that the commands show, in a word; empty for none.
+    // Returns a key for the error that the commands show; empty if they show none.
     std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
         const ProcessEnd end =
             runWatched({m_setting.signals, false, timeout}, *m_box, [&] { return verdictOn(steps); });
@@ -56,7 +57,7 @@ private:
         return end.verdict->reason;
     }
 
-    // In the process of a try.
+    // Called in the process of a try.
     Verdict verdictOn(const std::vector<MacroCommand>& steps) const {
         try {
             if (m_subject.confinement != nullptr) m_subject.confinement->enter();
@@ -67,7 +68,7 @@ private:
         }
     }
 
-    // Takes `smaller` if it shows the same as the whole.
+    // Keeps `smaller` if it shows the same error.
     bool takeIfSame(std::vector<MacroCommand> smaller) {
         if (BlackBox::Clock::now() > m_end) return false;
         if (symptomOf(smaller, std::min(m_setting.timeout, kTimeForATry)) != m_symptom) return false;
@@ -94,7 +95,7 @@ private:
                 hasCut |= isCut;
                 if (!isCut) at += size;
             }
-            // Single bytes are tried again after a cut, because what needed them may be gone.
+            // After a cut, single bytes are tried again, because the text that needed them may be gone.
             const bool isDone = size == 1 && !hasCut;
             size = isDone ? 0 : (size + 1) / 2;
         }

@@ -24,14 +24,14 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kOutputLines = 12;
-constexpr const char* kWritesAnywhere = "its commands may write under any name";
+constexpr const char* kWritesAnywhere = "its commands may write to any file";
 
 std::string whatWasTried(const BlackBox& box) {
     const std::string tried = box.tried.text();
     return tried.empty() ? "" : "tried: " + tried;
 }
 
-// In the process of the test: its verdict, if the process lives so long.
+// Runs the test in the process of the test, and returns its verdict.
 Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     Trial trial(subject, box);
     const auto failed = [&](const std::string& reason, std::string macro) {
@@ -50,9 +50,9 @@ Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) 
     } catch (const CaseFailed& failure) {
         return failed(failure.what(), failure.macro());
     } catch (const std::bad_alloc&) {
-        return failed("the test got no memory", "");
+        return failed("the test ran out of memory", "");
     } catch (const std::exception& error) {
-        return failed(std::string("the test could not be carried out: ") + error.what(), "");
+        return failed(std::string("the test could not run: ") + error.what(), "");
     }
 }
 
@@ -61,7 +61,7 @@ std::string whatRan(const BlackBox& box) {
     const std::string entry = box.entry.text();
     const std::string call = box.hostCall.text();
     if (entry.empty()) {
-        addLine(lines, "the add-on was not at work yet");
+        addLine(lines, "the add-on had not been called");
     } else {
         addLine(lines, (box.isInAddOn ? "during: " : "after: ") + entry);
         addLine(lines, call.empty() ? "it had not called the host"
@@ -75,14 +75,14 @@ std::string lastLinesOf(const std::string& output) {
     const std::size_t first = lines.size() > kOutputLines ? lines.size() - kOutputLines : 0;
     std::string text;
     for (std::size_t i = first; i != lines.size(); ++i) addLine(text, "    " + lines[i]);
-    return text.empty() ? "" : "the last that was printed:\n" + text;
+    return text.empty() ? "" : "the last output:\n" + text;
 }
 
 std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
     if (end.hasTimedOut() && end.verdict) return "its process did not end";
     if (end.hasTimedOut() && box.isInAddOn) return "the add-on did not return within " + secondsText(timeout);
-    if (end.hasTimedOut()) return "the test did not go on";
-    if (end.hasLeft()) return "its outcome could not be told: the add-on closed files that are not its own";
+    if (end.hasTimedOut()) return "the test made no progress";
+    if (end.hasLeft()) return "its outcome could not be reported: the add-on closed files that it does not own";
     if (WIFSIGNALED(end.waitStatus)) {
         const int number = WTERMSIG(end.waitStatus);
         const char* const name = sigabbrev_np(number);
@@ -93,7 +93,7 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
 
 bool isWell(const ProcessEnd& end) { return end.hasLeft() && end.verdict; }
 
-// Runs `work` in a process of its own. The verdict is that of the process, or else one about how the process ended.
+// Runs `work` in another process. Returns the verdict of that process, or a verdict about the way in which it ended.
 Verdict watchedVerdict(const TestSetting& setting, BlackBox& box, const std::function<Verdict()>& work) {
     const ProcessEnd end = runWatched(setting, box, work);
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
@@ -111,17 +111,17 @@ void shrinkMacro(Verdict& verdict, const Subject& subject, const TestSetting& se
     if (verdict.outcome <= Outcome_e::Skipped || verdict.macro.empty()) return;
     std::string smaller = shrunkMacro(setting, subject, verdict.macro);
     if (smaller == verdict.macro) return;
-    addLine(verdict.reason, "a smaller macro shows the same:\n    " + shortText(smaller));
+    addLine(verdict.reason, "a smaller macro shows the same error:\n    " + shortText(smaller));
     verdict.macro = std::move(smaller);
 }
 
-// In the process of a test whose commands may be any text.
+// Called in the process of a test whose commands may be any text.
 Verdict confinedVerdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
     try {
         subject.confinement->enter();
     } catch (const std::system_error& error) {
         return {Outcome_e::Skipped,
-                std::string(kWritesAnywhere) + ", and this system has nothing to confine it by: " + error.what()};
+                std::string(kWritesAnywhere) + ", and this system cannot confine it: " + error.what()};
     }
     return verdictOf(test, subject, box);
 }
@@ -135,8 +135,7 @@ void runWild(const CheckTest& test, const Subject& subject, const TestSetting& s
              TestResult& result) {
     Verdict& verdict = result.verdict;
     if (setting.inProcess) {
-        verdict = {Outcome_e::Skipped,
-                   std::string(kWritesAnywhere) + ", and only a process of its own can be confined"};
+        verdict = {Outcome_e::Skipped, std::string(kWritesAnywhere) + ", and only a separate process can be confined"};
         return;
     }
     Subject movable = subject;
@@ -145,9 +144,9 @@ void runWild(const CheckTest& test, const Subject& subject, const TestSetting& s
     try {
         scratch.emplace();
     } catch (const std::exception& error) {
-        verdict = {Outcome_e::Skipped, std::string("it works in a copy of the current folder, and there is none: ") +
+        verdict = {Outcome_e::Skipped, std::string("it needs a copy of the current folder, which cannot be made: ") +
                                            error.what() +
-                                           "\nrun it where the files of the macros are, and little else"};
+                                           "\nrun the check in a folder with the files of the macros and little else"};
         return;
     }
     const Confinement confinement(scratch->path(), scratch->temporary());

@@ -11,17 +11,17 @@
 
 namespace vexa::runner {
 
-/// A test that was run.
+/// The result of a test.
 struct TestResult {
     const CheckTest* test = nullptr;
     Verdict verdict;
     std::chrono::milliseconds duration{};
-    std::size_t refusedWrites = 0;      ///< how often the confinement of the test refused to change a file
+    std::size_t refusedWrites = 0;      ///< how many changes of files the confinement refused
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
-    std::string reproduce;  ///< the command that shows the outcome again; empty if the test passed or was skipped
+    std::string reproduce;  ///< a command that reproduces the outcome; empty if the test passed or was skipped
 };
 
-/// Runs \p test in a process of its own. If the process crashes or hangs, the verdict says so.
+/// Runs \p test in another process. If the process crashes or hangs, the verdict says so.
 /// \throws std::system_error if a process cannot be started.
 TestResult runTest(const CheckTest& test, const Subject& subject, const TestSetting& setting);
 

@@ -13,17 +13,17 @@ namespace {
 
 constexpr std::string_view kIndentation = "    ";
 constexpr std::string_view kDigits = "0123456789";
-// How lines begin that tell what went on, and lines that belong to the one before.
+// The starts of lines that give the context of a cause, and the starts of continuation lines.
 constexpr std::string_view kContext[] = {"tried: ",
                                          "during: ",
                                          "after: ",
                                          "in host call ",
                                          "last host call: ",
                                          "it had not called the host",
-                                         "the add-on was not at work yet",
+                                         "the add-on had not been called",
                                          "the process ran out of memory",
-                                         "the last that was printed:",
-                                         "a smaller macro shows the same:"};
+                                         "the last output:",
+                                         "a smaller macro shows the same error:"};
 constexpr std::string_view kFurther[] = {kIndentation, "its message: ", "without a message"};
 
 template <class Beginnings>
@@ -32,14 +32,14 @@ bool startsWithAny(std::string_view line, const Beginnings& beginnings) {
                        [&](std::string_view beginning) { return startsWith(line, beginning); });
 }
 
-// `line` without the number that stands behind `word`.
+// Returns `line` without the number after `word`.
 std::string withoutNumber(std::string line, std::string_view word) {
     const std::size_t begin = line.find(word);
     if (begin == std::string::npos) return line;
     return line.erase(begin, line.find_first_not_of(kDigits, begin + word.size()) - begin);
 }
 
-// Without the place in a macro that a headline begins with: `FILE:LINE: `.
+// Returns a headline without the place at its start: `FILE:LINE: `.
 std::string withoutPlace(const std::string& line) {
     for (std::size_t colon = line.find(':'); colon != std::string::npos; colon = line.find(':', colon + 1)) {
         const std::size_t end = std::min(line.find_first_not_of(kDigits, colon + 1), line.size());
@@ -48,7 +48,7 @@ std::string withoutPlace(const std::string& line) {
     return line;
 }
 
-// Without the place at the end of what an add-on did: ` (FILE:LINE)`.
+// Returns a description of work without the place at its end: ` (FILE:LINE)`.
 std::string withoutLastPlace(const std::string& line) {
     const std::size_t begin = line.rfind(" (");
     const std::size_t colon = line.rfind(':');
@@ -57,7 +57,8 @@ std::string withoutLastPlace(const std::string& line) {
     return hasPlace ? line.substr(0, begin) : line;
 }
 
-// What of a line of a cause is the same in each test. Behind a command in quotation marks comes where it stands.
+// Returns the part of a line that is the same in each test with the same cause. The place of a command follows its
+// closing quotation mark.
 std::string essence(const std::string& line) {
     if (startsWith(line, "    and ")) return "";
     if (!startsWith(line, kIndentation)) return withoutPlace(line);
@@ -66,7 +67,7 @@ std::string essence(const std::string& line) {
     return withoutNumber(withoutNumber(essential, "call "), "thread ");
 }
 
-// An end of the process is one cause: how it ended, and in the middle of what.
+// Returns the key of a process that ended: the way in which it ended, and the work at that time.
 std::string howItEnded(const std::vector<std::string>& lines) {
     std::string how = lines.empty() ? "" : lines.front();
     for (const std::string& line : lines) {
@@ -75,11 +76,11 @@ std::string howItEnded(const std::vector<std::string>& lines) {
     return how;
 }
 
-// Some lines of a reason: a cause, or its context.
+// Lines of a reason: a cause, or its context.
 struct Part {
     std::string text;
     std::string key = {};       // the key of its cause; empty for context
-    std::string headline = {};  // of a cause
+    std::string headline = {};  // the first line of a cause
 };
 
 std::vector<Part> partsOf(const Verdict& verdict) {
@@ -104,8 +105,8 @@ ToldCauses::Told ToldCauses::tell(const std::string& test, const Verdict& verdic
     if (verdict.outcome == Outcome_e::Passed || verdict.outcome == Outcome_e::Skipped) return {verdict.reason, false};
     Told told;
     std::string context;
-    std::set<std::string> here;     // the causes that this test had
-    std::set<std::string> earlier;  // the tests that told those that are told
+    std::set<std::string> here;     // the causes of this test
+    std::set<std::string> earlier;  // the tests that already printed some of these causes
     for (const Part& part : partsOf(verdict)) {
         if (part.key.empty()) {
             addLine(context, part.text);
@@ -135,8 +136,8 @@ std::string ToldCauses::summary() const {
     std::string lines;
     for (const Cause& cause : m_causes) {
         if (cause.tests < 2) continue;
-        addLine(lines, std::to_string(cause.tests) + " tests have the cause that " + cause.firstTest +
-                           " shows: " + shortText(cause.headline));
+        addLine(lines, std::to_string(cause.tests) + " tests have the same cause, first seen in " + cause.firstTest +
+                           ": " + shortText(cause.headline));
     }
     return lines;
 }

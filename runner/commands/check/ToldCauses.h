@@ -8,17 +8,17 @@
 
 namespace vexa::runner {
 
-/// What a check prints about its tests. One mistake of an add-on often makes many tests fail, so each cause is printed
-/// once.
+/// Decides what a check prints about a test. One mistake of an add-on often makes many tests fail, so each cause is
+/// printed only once.
 ///
 /// A cause is a breach of a rule by a command, the message of a failed command, or the way in which a command ended the
-/// process. The place in a macro and the number of host calls before do not distinguish causes.
+/// process. Causes that differ only in the place in a macro, or in the number of earlier host calls, are equal.
 class ToldCauses {
 public:
-    /// What is printed about a test.
+    /// The text to print about a test.
     struct Told {
-        std::string text;    ///< lines; empty for nothing
-        bool isNew = false;  ///< whether it has a cause that no earlier test had
+        std::string text;    ///< lines; may be empty
+        bool isNew = false;  ///< true if the test has a cause that no earlier test had
     };
 
     /// Returns what to print about a test with this verdict. Its reason must be printable.
@@ -35,7 +35,7 @@ private:
         std::size_t tests = 0;
     };
 
-    std::vector<Cause> m_causes;  // in the order in which they were told
+    std::vector<Cause> m_causes;  // in the order in which they were printed
 };
 
 }  // namespace vexa::runner

@@ -13,14 +13,15 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::chrono::seconds kTimeToLeave{5};  // from the verdict to the end of the process
+constexpr std::chrono::seconds kTimeToLeave{5};  // the limit from the verdict to the end of the process
 constexpr std::size_t kOutputKept = 4096;
 constexpr char kMacroNote = 'm';
-constexpr char kFirstOutcome = '0';  // the notes of a reason: the outcome is added, and they come last
+constexpr char kFirstOutcome =
+    '0';  // the kind of the note with the reason is this plus the outcome; it is the last note
 constexpr rlim_t kMemory = rlim_t{4} << 30;
 constexpr rlim_t kSanitizersMemory = rlim_t{1} << 40;  // sanitizers reserve more addresses than any program needs
 
-BlackBox* boxOfThisProcess = nullptr;  // a new-handler gets no argument
+BlackBox* boxOfThisProcess = nullptr;  // global, because a new-handler gets no argument
 
 [[noreturn]] void noteWantOfMemory() {
     boxOfThisProcess->wantedMemory = true;

@@ -13,8 +13,8 @@ namespace vexa::runner {
 /// How tests are run.
 struct TestSetting {
     const AwaitedSignals& signals;        ///< the signals that end the whole check
-    bool inProcess = false;               ///< whether tests run in this process, for a debugger
-    std::chrono::milliseconds timeout{};  ///< for each command; then the process of the test is killed
+    bool inProcess = false;               ///< true to run tests in this process, for a debugger
+    std::chrono::milliseconds timeout{};  ///< the limit for each command; after it, the process of the test is killed
 };
 
 /// The end of a process that ran a test.
@@ -25,10 +25,10 @@ struct ProcessEnd : ProcessOutcome {
     bool hasTimedOut() const { return end == End_e::TimedOut; }
 };
 
-/// Runs \p work in a process of its own and watches it. The process is killed if the black box does not change for the
-/// timeout while an add-on works. Its output is caught, its input is empty, and its memory is limited.
-/// \throws std::system_error if the process cannot be started.
-/// \throws EndedBySignal if a signal came that ends the program.
+/// Runs \p work in another process and watches it. The process is killed if code of an add-on runs and the black box
+/// does not change for the time limit. The output of the process is captured, its input is empty, and its memory is
+/// limited. \throws std::system_error if the process cannot be started. \throws EndedBySignal if a signal that ends the
+/// program arrives.
 ProcessEnd runWatched(const TestSetting& test, BlackBox& box, const std::function<Verdict()>& work);
 
 }  // namespace vexa::runner

@@ -29,8 +29,8 @@ Exit status:
   2  wrong usage, or there is no such rule)";
 
 struct ExplainOptions {
-    std::optional<std::string> rule;  // all of them without
-    bool markdown = false;            // the page of all rules
+    std::optional<std::string> rule;  // the rule to explain; empty for a list of all rules
+    bool markdown = false;            // print the Markdown page of all rules
 };
 
 std::string padded(std::string text, std::size_t width) {
@@ -40,7 +40,7 @@ std::string padded(std::string text, std::size_t width) {
 
 std::size_t outputWidth() { return textColumnsOf(STDOUT_FILENO) - 1; }
 
-// A line a rule, which is continued below its text in a terminal. A narrow one has the text below the name.
+// Returns one line per rule. In a terminal, long lines are wrapped; in a narrow terminal the text is below the name.
 std::string listOfRules() {
     constexpr std::size_t kLeastText = 40;
     const std::size_t width = isTerminal(STDOUT_FILENO) ? outputWidth() : std::string::npos;
@@ -87,8 +87,8 @@ sweep.macro:3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinis
 A finding shows
 
 - the macro line and the add-on, what is wrong, and the name of the rule;
-- `first`: where the problem started;
-- `seen`: where the stand-in noticed it;
+- `first`: the call that started the problem;
+- `seen`: the call or the event that showed the problem;
 - `hint`: how to fix it.
 
 `vexa-standin explain` lists the rules. `vexa-standin explain RULE` explains one rule. For each rule and add-on, the
@@ -100,22 +100,22 @@ runner shows the first ten findings and counts the others.
 |------------------------|-------------------------------|------------------------------------------------------------|
 | `--strict`             | `strict = true`               | A finding with severity error makes the exit status 3.     |
 | `--warnings-as-errors` | `warnings-as-errors = true`   | A finding of any severity makes the exit status 3.         |
-| `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | Ignore findings of these rules.                            |
+| `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | Ignore findings of the rule. May be given more than once.  |
 | `--timeout SECONDS`    | `timeout = 2.5`               | A command that takes longer makes the exit status 4.       |
 | `--no-project-file`    |                               | Do not read the project file.                              |
 
 The project file is called `vexa-standin.toml`. The runner looks for it in the current folder and then in the folders
-above. Command line options override the project file. `--no-strict` and `--no-warnings-as-errors` switch its settings
-off. Suppressed rules are the exception: the rules from both places are suppressed. At the end of the run, the runner
-names the suppressed rules that had no finding.
+above. Command line options override the project file; `--no-strict` and `--no-warnings-as-errors` switch its settings
+off. The suppressed rules of both places are combined. At the end of the run, the runner names the suppressed rules that
+had no finding.
 
-A command that exceeds the time limit ends the run. The runner names its last host call, and writes everything that was
-recorded up to then.
+If a command exceeds the time limit, the runner names its last host call, writes everything that was recorded up to
+then, and ends.
 
-With `--strict`, the runner also tests the recording after the macro. It loads the add-ons again and runs every command
-that they recorded, in order and with recording on. This happens even if you do not write the recording to a file. Each
-command must succeed and record the same text again. The runner does not show the output and the dialogs of these
-commands, but the commands write their files again.
+With `--strict`, the runner also tests the recording after the macro, even without `--record`. It loads the add-ons
+again and runs every command that they recorded, in order and with recording on. Each command must succeed and record
+the same text again. The runner does not show the output and the dialogs of these commands, but the commands write their
+files again.
 )";
 
 constexpr const char* kUnchecked = R"(
@@ -133,7 +133,7 @@ std::string sectionOf(const standin::Rule& rule) {
            wrapped("Fix: " + std::string(rule.hint), kPageWidth);
 }
 
-// The page docs/contract.md: every rule of the host's contract, what cannot be checked, and what a user can ask for.
+// Returns the page docs/contract.md.
 std::string contractPage() {
     std::string page = kIntroduction;
     std::string_view family;
@@ -166,10 +166,10 @@ ExitStatus_e explain(const ExplainOptions& options) {
 Command explainCommand() {
     const auto options = std::make_shared<ExplainOptions>();
     Command command{"explain", "Explain the rules of the host's contract", kExplainFooter};
-    command.add(argument("RULE", "The rule to explain; without one, all rules are listed", &options->rule)
+    command.add(argument("RULE", "The rule to explain; by default all rules are listed", &options->rule)
                     .suggest(ruleNames())
                     .exclude("--markdown"));
-    command.add(flag({"--markdown"}, "Print the page of all rules", &options->markdown).exclude("RULE"));
+    command.add(flag({"--markdown"}, "Print all rules as a Markdown page", &options->markdown).exclude("RULE"));
     command.run = [options] { return explain(*options); };
     return command;
 }

@@ -3,7 +3,7 @@
 namespace vexa::runner {
 namespace {
 
-// In the script COMMANDS stands for all of them, and CASES for what each of them takes.
+// In the script, COMMANDS stands for the names of the commands, and CASES for the options of each command.
 constexpr const char* kScript = R"(# bash completion of vexa-standin. Generated from its command line.
 
 _vexa_standin() {
@@ -30,7 +30,7 @@ CASES    esac
 complete -o default -F _vexa_standin vexa-standin
 )";
 
-// What stands for a value: words, `files` or `none`.
+// Returns the candidates for a value: words, `files` or `none`.
 std::string valuesOf(const Option& option) {
     if (!option.words.empty()) return joined(option.words, " ");
     return option.takesFiles() ? "files" : "none";

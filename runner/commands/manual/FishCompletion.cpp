@@ -4,7 +4,7 @@
 namespace vexa::runner {
 namespace {
 
-// In the script COMMANDS stands for the names of all of them.
+// In the script, COMMANDS stands for the names of the commands.
 constexpr const char* kScript = R"(# fish completion of vexa-standin. Generated from its command line.
 
 # Whether the command that was typed is the first argument; without one, whether none was typed yet.
@@ -22,7 +22,7 @@ end
 complete -c vexa-standin -f
 )";
 
-// In single quotes.
+// Returns `text` in single quotes.
 std::string quoted(const std::string& text) {
     std::string result;
     for (const char c : text) {
@@ -32,7 +32,7 @@ std::string quoted(const std::string& text) {
     return '\'' + result + '\'';
 }
 
-// What stands for a value: files, words or neither.
+// Returns the candidates for a value: files, words or nothing.
 std::string valueOf(const Option& option) {
     if (option.takesFiles()) return " -F";
     return option.words.empty() ? "" : " -a " + quoted(joined(option.words, " "));

@@ -7,10 +7,10 @@
 
 namespace vexa::runner {
 
-/// The manual page of \p program and its commands, for man.
+/// Returns the manual page of \p program and its commands, for man.
 std::string manPage(const Command& program);
 
-// Scripts with which shells complete the command line of a program: commands, options, rules, tests and files.
+// Return scripts with which shells complete the command line of a program: commands, options, rules, tests and files.
 
 std::string bashCompletion(const Command& program);
 std::string zshCompletion(const Command& program);

@@ -5,7 +5,8 @@
 namespace vexa::runner {
 namespace {
 
-// As roff takes it: a line must not begin as a request does, and a minus sign is to be copied as one.
+// Escapes text for roff: a line must not look like a request, and a minus sign must stay a minus sign when it is
+// copied.
 std::string escaped(const std::string& text) {
     std::string roff;
     bool isLineStart = true;
@@ -27,7 +28,7 @@ std::string bold(const std::string& text) { return "\\fB" + escaped(text) + "\\f
 std::string italic(const std::string& text) { return "\\fI" + escaped(text) + "\\fR"; }
 std::string quoted(const std::string& text) { return '"' + escaped(text) + '"'; }
 
-// Text laid out already: it stays so.
+// Returns text whose layout roff must not change.
 std::string asWritten(const std::string& text) { return text.empty() ? "" : ".PP\n.EX\n" + escaped(text) + "\n.EE\n"; }
 
 std::string usageOf(const Command& command) {

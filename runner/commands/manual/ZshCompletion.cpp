@@ -3,8 +3,8 @@
 namespace vexa::runner {
 namespace {
 
-// In the script COMMANDS stands for all of them, OPTIONS for those of the program, and CASES for what each command
-// takes.
+// In the script, COMMANDS stands for the names of the commands, OPTIONS for the options of the program, and CASES for
+// the options of each command.
 constexpr const char* kScript = R"(#compdef vexa-standin
 # zsh completion of vexa-standin. Generated from its command line.
 
@@ -30,7 +30,7 @@ else
 fi
 )";
 
-// In single quotes, with a backslash before what has a meaning to zsh's functions.
+// Returns `text` in single quotes, with a backslash before each character that zsh's functions treat specially.
 std::string quoted(const std::string& text) { return '\'' + text + '\''; }
 
 std::string escaped(const std::string& text) {
@@ -42,15 +42,15 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-// What stands for a value: ":FILE:_files", ":RULE:(a b c)", ":N: "
+// Returns the candidates for a value: ":FILE:_files", ":RULE:(a b c)", ":N: "
 std::string valueOf(const Option& option) {
     const std::string start = ':' + escaped(option.valueName) + ':';
     if (!option.words.empty()) return start + '(' + joined(option.words, " ") + ')';
     return start + (option.takesFiles() ? "_files" : " ");
 }
 
-// How _arguments has it: '(-j --jobs)'{-j,--jobs=}'[How many run]:N: '. In front of it stand the names that it is not
-// offered after: its own ones, unless it may be given again.
+// Returns an option in the form of _arguments: '(-j --jobs)'{-j,--jobs=}'[How many run]:N: '. The names in parentheses
+// exclude the option: its own names, unless it may be given again.
 std::string entryOf(const Option& option) {
     if (option.isArgument()) return quoted((option.isRepeatable() ? "*" : "1") + valueOf(option));
     const bool hasValue = !option.valueName.empty();

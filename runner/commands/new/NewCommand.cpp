@@ -24,7 +24,7 @@ Examples:
 
 Exit status:
   0  the project was written
-  2  wrong usage, or the project could not be written; then no file is left)";
+  2  wrong usage, or the project could not be written and left no file)";
 
 struct NewOptions {
     std::string folder;
@@ -54,9 +54,9 @@ Command newCommand() {
                     .require()
                     .check(whyNoStream));
     command.add(
-        option({"--id"}, "ID", "The add-on's id in macros; made from the folder's name unless given", &options->id)
+        option({"--id"}, "ID", "The add-on's id in macros; by default made from the folder's name", &options->id)
             .check(whyNoId));
-    command.add(option({"--title"}, "TEXT", "The add-on's title for people; made from the folder's name unless given",
+    command.add(option({"--title"}, "TEXT", "The add-on's title for users; by default made from the folder's name",
                        &options->title)
                     .check(whyNoTitle));
     command.check = [options] {

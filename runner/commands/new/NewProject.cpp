@@ -34,7 +34,7 @@ constexpr std::string_view kTakenNames[] = {
     "all",     "ALL_BUILD",      "clean",      "edit_cache",    "help",      "install", "INSTALL",    "package",
     "PACKAGE", "package_source", "preinstall", "rebuild_cache", "RUN_TESTS", "test",    "ZERO_CHECK", "CMAKE"};
 
-// Of ASCII, whatever the locale.
+// ASCII only, in every locale.
 bool isLower(char c) { return c >= 'a' && c <= 'z'; }
 bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
 bool isLetter(char c) { return isLower(c) || isUpper(c); }
@@ -51,12 +51,11 @@ char upper(char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 void refuseAsTarget(const fs::path& folder, const std::string& name) {
     const std::string other = "; choose another name for the folder";
     if (std::find(std::begin(kTakenNames), std::end(kTakenNames), name) != std::end(kTakenNames)) {
-        refuse(folder, "CMake keeps the name '" + name + "' for itself" + other);
+        refuse(folder, "CMake reserves the name '" + name + "'" + other);
     }
     if (!std::all_of(name.begin(), name.end(), isTargetCharacter)) {
-        refuse(folder, "'" + name +
-                           "' cannot be a target of CMake, whose name has letters, digits, '_', '-', '.' and '+'" +
-                           other);
+        refuse(folder,
+               "'" + name + "' cannot be a CMake target; expected letters, digits, '_', '-', '.' and '+'" + other);
     }
 }
 
@@ -81,7 +80,7 @@ std::string titleFor(std::string name) {
     return name;
 }
 
-// For a string literal of C++.
+// Escapes text for a C++ string literal.
 std::string escaped(const std::string& text) {
     std::string literal;
     for (const char c : text) {
@@ -108,7 +107,7 @@ std::string filled(std::string_view text, const ProjectNames& names) {
     return result;
 }
 
-// The files and folders that were made. Removes them unless keep() is called.
+// The created files and folders. The destructor removes them unless keep() was called.
 class MadePaths {
 public:
     MadePaths() = default;
@@ -119,7 +118,7 @@ public:
         for (auto path = m_paths.rbegin(); path != m_paths.rend(); ++path) fs::remove(*path, ignored);
     }
 
-    // Makes \p folder, and those above it that are missing.
+    // Creates \p folder, and missing folders above it.
     void makeFolder(const fs::path& folder) {
         std::error_code error;
         if (fs::is_directory(folder, error)) return;
@@ -145,10 +144,10 @@ void refuseWhatIsThere(const fs::path& folder) {
     std::error_code error;
     const fs::file_status status = fs::status(folder, error);
     if (!fs::exists(status)) return;
-    if (!fs::is_directory(status)) refuse(folder, "is there already, and no folder");
+    if (!fs::is_directory(status)) refuse(folder, "it exists and is not a folder");
     const bool isEmpty = fs::is_empty(folder, error);
     if (error) refuse(folder, "cannot be read: " + error.message());
-    if (!isEmpty) refuse(folder, "is there already, and not empty");
+    if (!isEmpty) refuse(folder, "it exists and is not empty");
 }
 
 }  // namespace

@@ -8,10 +8,10 @@ namespace vexa::runner {
 struct ProjectNames {
     std::string name;   ///< the project, its target and its file: letters, digits, `_`, `-`, `.` and `+`
     std::string id;     ///< the id of the add-on in macros
-    std::string title;  ///< for people; one line
+    std::string title;  ///< the title for users; one line
 };
 
-/// The names that suit the project in \p folder.
+/// Returns the names for a project in \p folder.
 ///
 ///     work/wake-probe    name wake-probe, id WAKEPROBE, title "Wake probe"
 ///     42                 name addon-42, id ADDON42, title "Addon 42"
@@ -20,15 +20,15 @@ struct ProjectNames {
 /// it, such as `test`.
 ProjectNames namesFor(const std::string& folder);
 
-/// Returns what is wrong with the id of a new add-on; an empty text if it is right.
+/// Returns what is wrong with the id of a new add-on; empty if it is valid.
 std::string whyNoId(const std::string& id);
 
-/// Returns what is wrong with a title; an empty text if it is right.
+/// Returns what is wrong with a title; empty if it is valid.
 std::string whyNoTitle(const std::string& title);
 
 /// Writes the project of a new add-on to \p folder. The folder must be missing or empty.
-/// \throws OutputError if the folder is not empty, or if a file cannot be written. All files and folders that were
-/// written are removed then.
+/// \throws OutputError if the folder is not empty, or if a file cannot be written. The function then removes all files
+/// and folders that it created.
 void writeProject(const std::string& folder, const ProjectNames& names);
 
 }  // namespace vexa::runner

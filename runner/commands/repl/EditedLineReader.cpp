@@ -24,11 +24,11 @@ namespace fs = std::filesystem;
 
 constexpr int kMostKept = 1000;
 
-// The editing library calls plain functions, and passes them no object.
+// Global, because readline calls plain functions without an argument for an object.
 std::vector<std::string> theWords;
 volatile std::sig_atomic_t isGivenUp = 0;
 
-// Empty if there is no place for it.
+// Returns the path of the history file; empty if there is no folder for it.
 std::string historyFile() {
     const std::string_view home = environment("HOME");
     const std::string_view state = environment("XDG_STATE_HOME");
@@ -36,7 +36,7 @@ std::string historyFile() {
     return home.empty() ? "" : (fs::path(home) / ".local/state" / kProgramName / "history").string();
 }
 
-// The `state`th word that starts with `text`; null after the last one.
+// Returns the next word that starts with `text`; null after the last one. A `state` of 0 starts again.
 char* nextWord(const char* text, int state) {
     static std::size_t next = 0;
     if (state == 0) next = 0;
@@ -47,7 +47,7 @@ char* nextWord(const char* text, int state) {
     return nullptr;
 }
 
-// Returns null to let the library complete names of files.
+// Returns null to let readline complete file names.
 char** complete(const char* text, int start, int) {
     if (start != 0) return nullptr;
     rl_attempted_completion_over = 1;
@@ -72,7 +72,8 @@ LineReader::LineReader(std::vector<std::string> words)
     theWords = std::move(words);
     rl_readline_name = kProgramName;
     rl_attempted_completion_function = complete;
-    rl_event_hook = giveUpLine;  // called repeatedly: a signal may come just before the library waits for the keyboard
+    rl_event_hook =
+        giveUpLine;  // called repeatedly, because a signal may arrive just before readline waits for the keyboard
     using_history();
     stifle_history(kMostKept);
     read_history(historyFile().c_str());

@@ -9,9 +9,9 @@
 
 namespace vexa::runner {
 
-/// Reads the lines that the user types. In a terminal the user can edit the line, bring back earlier lines, also of
-/// earlier sessions, and complete the first word and then file names with the tab key. Ctrl-C discards the line.
-/// Without readline, or if the input is no terminal, lines are only read.
+/// Reads the lines that the user types. In a terminal the user can edit the line, recall lines of this and of earlier
+/// sessions, and complete words with the tab key: the first word, and after it file names. Ctrl-C discards the line.
+/// Without readline, or if the input is not a terminal, the class only reads lines.
 class LineReader : NonCopyable {
 public:
     /// \param words the first words to complete
@@ -19,7 +19,7 @@ public:
     /// Saves the lines for the next session.
     ~LineReader();
 
-    /// The next line without its end; nothing at the end of the input.
+    /// Returns the next line without its line end; nothing at the end of the input.
     std::optional<std::string> next() const;
 
 private:

@@ -29,7 +29,8 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kReplFooter = R"(A line is a command as in a macro file: the add-on's id, and its command. The tab
+constexpr const char* kReplFooter =
+    R"(A line is a command as in a macro file: the id of an add-on, and a command. The tab
 key completes ids and file names; the arrow keys show earlier lines. Ctrl-C
 discards a line, or stops a task. quit or Ctrl-D ends the program.
 
@@ -49,10 +50,10 @@ struct ReplOptions : SessionOptions {
     std::optional<std::string> record;
 };
 
-constexpr char kLineNote = 'l';  // asks for a line; the words that one may start with come with it, a line each
-constexpr char kLineRead = 'y';  // the answer's first character when there is a line
+constexpr char kLineNote = 'l';  // asks for a line; the note has the words for completion, one per line
+constexpr char kLineRead = 'y';  // the first character of an answer with a line
 
-// Runs the commands. It asks the notes for the lines that the user types.
+// Runs the commands. It gets the lines that the user types as answers to notes.
 class Repl {
 public:
     Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
@@ -87,7 +88,7 @@ private:
     void readLines() {
         std::string words = std::string(kHelp) + '\n' + kQuit + '\n';
         for (const std::string& id : m_ids) {
-            // The terminal gets completed words unchanged.
+            // Skips ids with unprintable characters, because completed words go to the terminal unchanged.
             if (printableLine(id) == id) words += id + '\n';
         }
         for (;;) {
@@ -105,17 +106,17 @@ private:
 
     void obey(const MacroCommand& command) {
         if (isLoaded(command.addOnId)) {
-            if (command.text.empty()) return tell("a command of '" + command.addOnId + "' was expected after its name");
+            if (command.text.empty()) return tell("expected a command after '" + command.addOnId + "'");
             run(command);
         } else if (command.addOnId == kHelp) {
             showHelp();
         } else {
-            tell(noSuchAddOn(command.addOnId, m_ids) + "; 'help' lists what there is");
+            tell(noSuchAddOn(command.addOnId, m_ids) + "; 'help' lists the add-ons");
         }
     }
 
     void showHelp() const {
-        print("ID COMMAND runs a command of an add-on; quit ends. Loaded are:\n");
+        print("ID COMMAND runs a command of an add-on; quit ends the program. Loaded add-ons:\n");
         for (const standin::AddOnInfo& addOn : m_host.addOns()) {
             print(printableLine("  " + addOn.id + (addOn.title.empty() ? "" : "  ") + addOn.title) + '\n');
         }
@@ -148,7 +149,7 @@ private:
     standin::Host& m_host = m_session.host();
 };
 
-// The side of the user: it reads the lines, and keeps the recording.
+// Works in the watching process: reads the lines of the user, and keeps the recording.
 class ReplDesk : public UserWork, private NotesInterface {
 public:
     explicit ReplDesk(const ReplOptions& options) : m_options(options) {
@@ -178,7 +179,7 @@ public:
         m_status = static_cast<ExitStatus_e>(outcome.status);
         if (outcome.end == End_e::Left && outcome.areNotesWhole) return;
         if (outcome.end == End_e::Left) {
-            runner::tell(kProgramName, "error: part of what the add-ons recorded was lost");
+            runner::tell(kProgramName, "error: a part of the recorded commands was lost");
             m_status = ExitStatus_e::BadUsageOrInput;
         } else {
             runner::tell(deathText(box, outcome));
@@ -208,7 +209,7 @@ private:
 
 Command replCommand() {
     const auto options = std::make_shared<ReplOptions>();
-    Command command{"repl", "Run commands as they are typed", kReplFooter};
+    Command command{"repl", "Run commands as you type them", kReplFooter};
     command.add(addOnOption(options->addOns).require());
     command.add(styleOption(options->style));
     command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options->record));

@@ -16,7 +16,7 @@ using Kind_e = TracedSpan::Kind_e;
 
 constexpr const char* kDialogFunction = "VexaUtilDialogErrMsg";
 
-// Numbers texts and keeps each of them once.
+// Gives each text a number, and stores each text once.
 class TextTable {
 public:
     std::size_t numberOf(const std::string& text) {
@@ -31,7 +31,7 @@ private:
     Json m_texts = Json::array();
 };
 
-// What \p part, a function or a member, gives for each of \p items.
+// Returns \p part of each of \p items; \p part is a function or a member.
 template <class Items, class Part>
 Json listOf(const Items& items, const Part& part) {
     Json list = Json::array();
@@ -77,7 +77,7 @@ Json listOf(const Items& items) {
     return listOf(items, [](const auto& item) { return jsonOf(item); });
 }
 
-// The duration of a span without end is -1.
+// Returns the duration; -1 for a span without an end.
 std::int64_t durationOf(const TracedSpan& span) { return span.end ? *span.end - span.start : -1; }
 
 Json spansOf(const TracedRun& run) {
@@ -109,7 +109,7 @@ Json argumentsOf(const TracedSpan& call) {
     return Json::parse('[' + json + ']', nullptr, false);
 }
 
-// Empty for a null pointer.
+// Returns the text at `index`; empty for a null pointer.
 std::string textAt(const Json& arguments, std::size_t index) {
     const bool isText = arguments.is_array() && index < arguments.size() && arguments[index].is_string();
     return isText ? arguments[index].get<std::string>() : "";
@@ -117,7 +117,7 @@ std::string textAt(const Json& arguments, std::size_t index) {
 
 bool isDialog(const TracedSpan& span) { return span.kind == Kind_e::Call && span.name == kDialogFunction; }
 
-// The numbers of certain calls, and their arguments under the given names.
+// Returns the numbers of the wanted calls, and their arguments under the given names.
 Json callsOf(const TracedRun& run, bool (*isWanted)(const TracedSpan&), const std::vector<const char*>& names) {
     Json calls = Json::array();
     for (const TracedSpan& span : run.spans) {
@@ -134,7 +134,7 @@ Json callsOf(const TracedRun& run, bool (*isWanted)(const TracedSpan&), const st
 Json functionsOf(const TracedRun& run) {
     struct Tally {
         std::size_t calls = 0;
-        double time = 0;  // the sum over all threads may not fit an integer
+        double time = 0;  // a double, because the sum over all threads may not fit into an integer
     };
     std::map<std::string, Tally> tallies;
     for (const TracedSpan& span : run.spans) {

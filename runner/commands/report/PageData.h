@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// The data of the report's page. Spans are columns of numbers, and each text is in it once, so that a browser can read
-/// very many spans.
+/// Returns the data of the report's page. Spans are columns of numbers, and each text is stored once, so that a browser
+/// can load very many spans.
 nlohmann::ordered_json pageData(const TracedRun& run);
 
 }  // namespace vexa::runner

@@ -23,7 +23,7 @@ Example:
 
 Exit status:
   0  the page was written, even if the run failed
-  2  wrong usage, the file is no trace, or the page could not be written)";
+  2  wrong usage, the file is not a trace, or the page could not be written)";
 
 struct ReportOptions {
     std::string trace;
@@ -50,7 +50,7 @@ ExitStatus_e report(const ReportOptions& options) {
 
 Command reportCommand() {
     const auto options = std::make_shared<ReportOptions>();
-    Command command{"report", "Make a page for browsers from a trace", kReportFooter};
+    Command command{"report", "Make an HTML page from a trace", kReportFooter};
     command.add(argument("TRACE", "The file that 'run --trace' wrote", &options->trace).require());
     command.add(option({"-o", "--output"}, "FILE.html", "The page", &options->output).require());
     command.run = [options] { return report(*options); };

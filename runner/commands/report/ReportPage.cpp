@@ -24,7 +24,7 @@ std::string_view textOf(const char (&bytes)[size]) {
     return {bytes, size};
 }
 
-// No text of the data may end the script element.
+// Escapes texts that would end the script element.
 std::string escapedForScript(const std::string& json) {
     std::string text;
     text.reserve(json.size());

@@ -69,7 +69,7 @@ std::string whatTouches(const std::string& rule) {
     if (trigger == nullptr) return "";
     switch (trigger->kind) {
         case RuleTrigger_e::Call: return joined(trigger->functions, ", ");
-        case RuleTrigger_e::Entry: return "an add-on that is entered";
+        case RuleTrigger_e::Entry: return "a call of an add-on";
         case RuleTrigger_e::AcceptedCommand: return "a command that succeeds";
         case RuleTrigger_e::FailedCommand: return "a command that fails";
         case RuleTrigger_e::SecondThread: return "a host call on a second thread";

@@ -19,8 +19,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Kind_e = TracedSpan::Kind_e;
 
-constexpr const char* kNoTrace = "this is no trace that 'vexa-standin run --trace' wrote";
-constexpr const char* kWrongPart = "an event with a part missing, or of another kind";
+constexpr const char* kNoTrace = "this is not a trace of 'vexa-standin run --trace'";
+constexpr const char* kWrongPart = "an event with a missing part, or with a part of the wrong type";
 constexpr double kNanosecondsPerMicrosecond = 1000;
 constexpr double kMostNanoseconds = 1LL << 53;  // the largest integer that JavaScript counts exactly: 104 days
 constexpr int kMostNested = 8;
@@ -37,14 +37,14 @@ Json eventIn(std::string_view line) {
     const auto isBounded = [&](int depth, Json::parse_event_t token, const Json&) {
         if (depth > kMostNested) throw std::invalid_argument("an event that is nested too deeply");
         if (token == Json::parse_event_t::key && ++parts > kMostParts) {
-            throw std::invalid_argument("an event of too many parts");
+            throw std::invalid_argument("an event with too many parts");
         }
         return true;
     };
     return Json::parse(line, isBounded, false);
 }
 
-// A conversion by the JSON library would also accept Booleans and fractions.
+// A conversion by the JSON library would accept Booleans and fractions, too.
 std::int64_t integerIn(const Json& part) { return part.get_ref<const Json::number_integer_t&>(); }
 
 std::size_t countIn(const Json& part) {
@@ -88,7 +88,7 @@ public:
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
         if (phase == "i") return readInstant(event, time);
-        if (phase != "C") throw std::invalid_argument("an event of the unknown kind " + Json(shortText(phase)).dump());
+        if (phase != "C") throw std::invalid_argument("an event of unknown type " + Json(shortText(phase)).dump());
         m_run.percents.emplace_back(time, integerIn(event.at("args").at("percent")));
     }
 
@@ -142,10 +142,10 @@ private:
 
     void end(const Json& event, std::int64_t time) {
         auto& open = m_open[trackOf(event)];
-        if (open.empty()) throw std::invalid_argument("an end without its beginning");
+        if (open.empty()) throw std::invalid_argument("an end without a start");
         TracedSpan& span = m_run.spans[open.back()];
         open.pop_back();
-        if (event.at("cat") == "cut off") return;  // it did not end
+        if (event.at("cat") == "cut off") return;  // the span did not end
         span.end = time;
         if (span.kind == Kind_e::Call) {
             const Json& facts = event.at("args");
@@ -176,7 +176,7 @@ private:
     std::int64_t timeOf(const Json& event) const {
         const double time = event.at("ts");
         const double nanoseconds = (time - m_origin) * kNanosecondsPerMicrosecond;
-        if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("a time that no run can have");
+        if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("an impossible time");
         return std::llround(nanoseconds);
     }
 
@@ -191,7 +191,7 @@ private:
     bool m_hasHeader = false;
     double m_origin = 0;
     std::map<std::int64_t, std::size_t> m_trackIndexes;
-    std::map<std::size_t, std::vector<std::size_t>> m_open;  // by track, the spans, the outermost first
+    std::map<std::size_t, std::vector<std::size_t>> m_open;  // the open spans of each track, the outermost first
     std::vector<std::size_t> m_openEntries;
 };
 
@@ -218,8 +218,9 @@ TracedRun readTrace(const std::string& file) {
         const bool isLast = text.peek() == std::istringstream::traits_type::eof();
         try {
             const Json event = eventIn(line);
-            if (event.is_discarded() && isLast && builder.hasHeader()) break;  // cut off while it was written
-            if (event.is_discarded()) throw std::invalid_argument("no event of a trace");
+            if (event.is_discarded() && isLast && builder.hasHeader())
+                break;  // the line was cut off while it was written
+            if (event.is_discarded()) throw std::invalid_argument("not an event of a trace");
             builder.add(event);
         } catch (const Json::exception&) {
             refuse(path, number, builder.hasHeader() ? kWrongPart : kNoTrace);

@@ -13,7 +13,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads a trace of an EventTrace, also an incomplete one of a run that was killed.
+/// Reads a trace of an EventTrace. The trace may be incomplete, if the run was killed.
 /// \throws TraceError
 TracedRun readTrace(const std::string& file);
 

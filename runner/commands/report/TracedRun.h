@@ -30,7 +30,7 @@ struct TracedSpan {
     std::string result;               ///< of a call
 };
 
-/// Whether \p span is a call that recorded a command.
+/// Returns true if \p span is a call that recorded a command.
 inline bool isRecording(const TracedSpan& span) {
     return span.kind == TracedSpan::Kind_e::Call && span.name == "VexaUtilMacroRecordExtCommand" && span.result == "1";
 }
@@ -44,7 +44,7 @@ struct TracedEntry {
     std::string macroLine;  ///< `FILE:LINE`; empty if it came from no macro file
     bool succeeded = false;
     std::string error;
-    std::size_t calls = 0;  ///< how many host calls started in it
+    std::size_t calls = 0;  ///< how many host calls started during the entry
 };
 
 /// A finding.

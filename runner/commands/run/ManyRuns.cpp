@@ -55,7 +55,7 @@ public:
     }
 
 private:
-    // One of the runs, from its start until its outcome is printed.
+    // A run, from its start until its outcome is printed.
     struct Run {
         Run(const RunOptions& allOptions, const std::string& macroFile)
             : options(allOptions), watched(options, [this](std::string_view lines) { results += lines; }) {

@@ -26,7 +26,7 @@ lines and lines that start with # are skipped:
   STATS LOAD FILE = 'wake.txt'
   STATS MEAN ZONES = '1-3'
 
-The program reports each broken rule of the host's contract when it finds it;
+The program reports each broken rule of the host's contract at once;
 'vexa-standin explain RULE' explains the rule. With --strict, broken rules change
 the exit status, and a new session runs the recorded commands again: the add-ons
 must accept each command and record the same text.
@@ -38,11 +38,11 @@ the command line override it:
   suppress = ["missing-errmsg"]
   timeout = 2.5
 
-Each of several macro files runs in a process of its own, --jobs at a time. Their
-outputs appear in the order of the files, followed by a summary. The exit status
-is the highest of theirs. Ctrl-C stops all.
+Several macro files run in separate processes, --jobs at a time. Their outputs
+appear in the order of the files, followed by a summary. The exit status is the
+highest status of all files. Ctrl-C stops all of them.
 
-The output - is the standard output. What the add-ons print then goes to the
+As an output file, - means the standard output. The add-ons then print on the
 standard error output.
 
 Examples:
@@ -58,11 +58,11 @@ Exit status:
   5    an add-on ended its process: a crash, exit() or the like
   130  stopped by Ctrl-C; a second Ctrl-C ends the program at once
 
-The add-ons run in a process of their own, which the program watches. Under gdb,
+The add-ons run in a separate process, which the program watches. Under gdb,
 lldb, rr, strace and valgrind they run in the program itself.)";
 
 struct RunRequest {
-    RunOptions options;  // but the macro file
+    RunOptions options;  // without the macro file
     std::vector<std::string> macroFiles;
     std::size_t jobs = 1;
 };
@@ -80,11 +80,11 @@ void refuseForSeveral(const RunRequest& request) {
         {"--style -", options.style && isStandardInput(*options.style)},
     };
     for (const auto& [name, isGiven] : given) {
-        if (isGiven) throw UsageError(name + std::string(": goes with one macro file only"));
+        if (isGiven) throw UsageError(name + std::string(": works with one macro file only"));
     }
 }
 
-// The facts about the run that a trace starts with.
+// Adds the facts about the run with which a trace starts.
 void completeFacts(RunOptions& options) {
     RunFacts& facts = options.trace.facts;
     facts.macroFile = options.macroFile;
@@ -129,10 +129,10 @@ Command runCommand() {
     addSuppressOptions(command, options.contract);
     addTimeoutOption(command, options.contract);
     addTraceOptions(command, options.trace);
-    command.add(option({"--json"}, "FILE", "Write results for programs, a line a command", &options.json));
+    command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));
     command.add(jobsOption(request->jobs, "macro files"));
-    command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options.batch));
-    command.add(flag({"--keep-going"}, "Run on after a failed command", &options.keepGoing));
+    command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options.batch));
+    command.add(flag({"--keep-going"}, "Continue after a failed command", &options.keepGoing));
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options.inProcess));
     command.add(flag({"--verbose"}, "Show each command before it runs, and a summary", &options.verbose));
     command.check = [request] {

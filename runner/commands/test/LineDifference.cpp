@@ -14,7 +14,7 @@ using Lines = std::vector<std::string_view>;
 constexpr std::size_t kContext = 3;
 
 struct Step {
-    char mark;  // ' ' in both, '-' only before, '+' only now
+    char mark;  // ' ' for a line in both texts, '-' only in the old one, '+' only in the new one
     std::string_view line;
 };
 
@@ -42,7 +42,7 @@ void putDeletionsFirst(std::vector<Step>& steps) {
     }
 }
 
-// dtl limits its own memory: the difference of large texts that have little in common may not be the shortest one.
+// dtl limits its memory, so for large texts with little in common the difference may not be the shortest one.
 std::vector<Step> stepsBetween(const Lines& before, const Lines& now) {
     dtl::Diff<std::string_view, Lines> difference(before, now);
     difference.compose();

@@ -4,8 +4,8 @@
 
 namespace vexa::runner {
 
-/// What has to be changed to make \p now of \p before, for people: the lines that differ, `-` those of \p before, `+`
-/// those of \p now, and a few equal lines around them. Empty when they are equal.
+/// Returns the differences between two texts for users: lines that only \p before has, with `-`; lines that only \p now
+/// has, with `+`; and a few equal lines around them. Empty if the texts are equal.
 ///
 ///     @@ line 3 @@
 ///       > STATS MEAN

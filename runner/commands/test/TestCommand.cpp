@@ -33,20 +33,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kTestFooter = R"(NAME.expected beside each NAME.macro has what it should do; --accept writes it:
+constexpr const char* kTestFooter = R"(NAME.expected has the expected results of NAME.macro; --accept writes it:
   > STATS MEAN ZONES = '1-3'        a command of the macro
     mean 5.9                        what was printed
   ! dialog: no such zone            a message, a dialog, or a broken rule
   + STATS MEAN ZONES = '1-3'        what was recorded
-All commands run, even after one has failed. Each macro runs in a process of its
-own, in the current folder.
+All commands run, even after one has failed. Each macro runs in its own process,
+in the current folder.
 
 Example:
   vexa-standin test tests/macros --addon ./libstats.so
 
 Exit status:
-  0    all macros did what is expected, or --accept wrote what they did
-  1    a macro did not, or with --strict an add-on broke the contract
+  0    all results are as expected, or --accept saved them
+  1    a macro has other results, or with --strict an add-on broke the contract
   2    wrong usage or input; a file could not be read or written
   130  stopped by Ctrl-C)";
 
@@ -54,18 +54,19 @@ constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
 struct TestOptions : SessionOptions {
-    std::vector<std::string> paths;    // folders of macros, and macros
-    std::optional<std::string> junit;  // where the JUnit report goes
+    std::vector<std::string> paths;    // macros, and folders of macros
+    std::optional<std::string> junit;  // the file for the JUnit report
     std::size_t jobs = 1;              // how many macros run at a time
-    bool accepts = false;              // what the macros do is expected from now on
+    bool accepts = false;              // save the current results as the expected results
 };
 
-// A path is not a macro and not a folder of macros. The message is one line.
+// Reports a path that is neither a macro nor a folder of macros. The message is one line.
 struct PathError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// The macros in a folder, by name. An expectation without a macro is refused, for it would never be compared.
+// Returns the macros in a folder, sorted by name. Refuses an expected file without a macro, because it would never be
+// compared.
 std::vector<std::string> macrosIn(const fs::path& folder) {
     std::vector<std::string> macros;
     std::error_code error;
@@ -74,11 +75,11 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
         if (path.extension() == kMacro) macros.push_back(path.string());
         std::error_code isUnknown;
         if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
-            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " beside it");
+            throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " in this folder");
         }
     }
     if (error) throw PathError(folder.string() + ": cannot be read: " + error.message());
-    if (macros.empty()) throw PathError(folder.string() + ": there is no macro in it, NAME" + kMacro);
+    if (macros.empty()) throw PathError(folder.string() + ": it has no macro NAME" + kMacro);
     std::sort(macros.begin(), macros.end());
     return macros;
 }
@@ -106,12 +107,12 @@ std::string expectationOf(const std::string& macro) { return fs::path(macro).rep
 
 struct MacroVerdict {
     bool passed = false;
-    std::string reason;  // one line; empty when it passed
-    std::string lines;   // that show it
+    std::string reason;  // one line; empty if the macro passed
+    std::string lines;   // lines that show the failure
 };
 
-// Runs each macro in a process of its own, compares what NAME.macro does with NAME.expected beside it, and prints the
-// result of each.
+// Runs each macro in its own process, compares the results of NAME.macro with NAME.expected in the same folder, and
+// prints the outcome.
 class MacroTests : public UserWork {
 public:
     explicit MacroTests(const TestOptions& options) : m_options(options) {}
@@ -145,7 +146,7 @@ private:
     void findFiles() {
         RunFiles files = inputsOf(m_options);
         files.read(m_macros);
-        std::set<std::string> expectations;  // a macro may be named twice
+        std::set<std::string> expectations;  // a set, because the user may name a macro twice
         for (const std::string& macro : m_macros) {
             const std::string expectation = expectationOf(macro);
             const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
@@ -211,7 +212,7 @@ private:
             return verdictOn(macro, static_cast<TranscriptEnd_e>(outcome.status), transcript);
         }
         const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
-        if (outcome.end == End_e::Left) return {false, "part of what it told was lost", lines};
+        if (outcome.end == End_e::Left) return {false, "a part of its report was lost", lines};
         if (outcome.end == End_e::TimedOut)
             return {false, "it did not return within its time limit", textOf(lateFinding(box))};
         if (wasInterrupted(outcome)) {
@@ -240,7 +241,7 @@ private:
         return {false, "it cannot be run", transcript.text()};
     }
 
-    // The part of the transcript about the last command.
+    // Returns the part of the transcript about the last command.
     static std::string lastCommand(const std::string& transcript) {
         const std::size_t begin = transcript.rfind("\n> ");
         return begin == std::string::npos ? transcript : transcript.substr(begin + 1);
@@ -270,7 +271,7 @@ private:
         std::string difference = lineDifference(expected.value_or(""), transcript);
         if (hasNewFinding(difference)) difference += told.explained();
         if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
-        return {false, "it does not do what " + path + " has; --accept takes what it does", difference};
+        return {false, "its results differ from " + path + "; --accept saves the new results", difference};
     }
 
     const TestOptions& m_options;
@@ -278,7 +279,7 @@ private:
     std::vector<StyleSetting> m_style;
     std::vector<std::unique_ptr<TranscriptText>> m_transcripts;
     std::size_t m_passed = 0;
-    bool m_isBroken = false;  // something could not be read, run or written
+    bool m_isBroken = false;  // true if something could not be read, run or written
     bool m_isStopped = false;
     std::vector<JunitCase> m_report;
     std::optional<WholeOutput> m_junit;
@@ -288,18 +289,18 @@ private:
 
 Command testCommand() {
     const auto options = std::make_shared<TestOptions>();
-    Command command{"test", "Compare what macros do with what is expected of them", kTestFooter};
-    command.add(argument("MACRO", "Folders of macros, NAME.macro, or such files", &options->paths).require());
+    Command command{"test", "Compare the results of macros with the expected results", kTestFooter};
+    command.add(argument("MACRO", "Macro files NAME.macro, or folders of them", &options->paths).require());
     command.add(addOnOption(options->addOns).require());
-    command.add(flag({"--accept"}, "Expect from now on what they do now", &options->accepts));
+    command.add(flag({"--accept"}, "Save the current results as the expected results", &options->accepts));
     command.add(jobsOption(options->jobs, "macros"));
     command.add(styleOption(options->style));
-    command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
+    command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
-    command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options->batch));
+    command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options->batch));
     command.run = [options] {
         return addProjectFile(options->contract) ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
     };

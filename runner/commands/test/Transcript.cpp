@@ -30,7 +30,8 @@ public:
           m_options(options),
           m_notes(notes),
           m_session(options, box, [this](const Overrun& overrun) { return static_cast<int>(conclude(overrun)); }) {
-        std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);  // both outputs go to one place: what is printed keeps its order
+        std::setvbuf(stdout, nullptr, _IOLBF,
+                     BUFSIZ);  // keeps the order of the two outputs, which go to the same place
         m_host.setRecording(true);
         m_host.onDialog([this](const std::string& text) { keepDialog(text); });
     }
@@ -100,7 +101,7 @@ private:
         note(news());
     }
 
-    // The dialogs and findings since the last call.
+    // Returns the dialogs and findings since the last call.
     std::string news() {
         std::string lines = takeDialogs();
         for (const standin::Finding& finding : newFindings(m_host, m_findings)) {
@@ -114,8 +115,8 @@ private:
         return told(std::string(nameOf(finding.severity)) + ": " + finding.message + " [" + finding.rule + ']');
     }
 
-    // For the user who looks into a failed test: the transcript itself has no places. The first finding of each cause
-    // has all details.
+    // Explains a finding for the user, because the transcript has no places. The first finding of each cause has all
+    // details.
     void explain(const standin::Finding& finding) {
         const std::string text = m_causes.add(finding)
                                      ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
@@ -123,11 +124,12 @@ private:
         m_notes.tell(kExplainedNote, text);
     }
 
-    // Called on another thread, while the add-on goes on: nothing is flushed, for it may hold the standard output.
+    // Called on another thread while the add-on still runs. Flushes nothing, because the add-on may hold the standard
+    // output.
     TranscriptEnd_e conclude(const Overrun& overrun) {
         m_notes.ask(kPrintedNote, "");
         if (!overrun.finding) {
-            note(m_macroFile + ": cannot be read: it has no end after " + secondsText(overrun.limit) + '\n');
+            note(m_macroFile + ": cannot be read: it did not end within " + secondsText(overrun.limit) + '\n');
             return TranscriptEnd_e::NotRun;
         }
         note(findingLine(*overrun.finding));
@@ -143,7 +145,7 @@ private:
     MacroFile m_macro;
     std::mutex m_guard;
     std::string m_dialogs;
-    std::size_t m_findings = 0;  // that were noted
+    std::size_t m_findings = 0;  // how many findings were noted
     standin::FindingCauses m_causes;
     Session m_session;  // last: its add-ons may still show dialogs
     standin::Host& m_host = m_session.host();

@@ -19,22 +19,22 @@ namespace vexa::runner {
 enum class TranscriptEnd_e : int {
     Whole = 10,        ///< the notes hold the transcript
     Broken = 11,       ///< the notes hold the transcript; with --strict: the contract was broken
-    NotRun = 12,       ///< the macro could not be run; the notes tell why
+    NotRun = 12,       ///< the macro could not be run; the notes have the reason
     CommandHung = 13,  ///< the notes hold the transcript up to a command that did not return
-    OutputLost = 14,   ///< the notes lack what was printed: an add-on closed the standard output
+    OutputLost = 14,   ///< the notes lack the printed text, because an add-on closed the standard output
 };
 
 /// \name Notes of a transcript
 /// @{
 inline constexpr char kTranscriptNote = 't';  ///< lines of it
-/// Breaches of the contract with their places and hints, each cause in full once; not part of it.
+/// Findings with their places and hints, each cause in full once. Not part of the transcript.
 inline constexpr char kExplainedNote = 'x';
-/// Asks to add the line that comes with it, and then what was printed since the last time. If nothing was printed, the
-/// line is left out, too, and the answer is empty.
+/// Asks the receiver to add the line of the note, and then the text that was printed since the last such note. If
+/// nothing was printed, the receiver adds nothing, and the answer is empty.
 inline constexpr char kPrintedNote = 'p';
 /// @}
 
-/// Runs a macro in this process, and tells \p notes what its add-ons do, line by line:
+/// Runs a macro in this process, and sends what its add-ons do to \p notes, line by line:
 ///
 ///     > STATS MEAN ZONES = '1-3'      a command of the macro
 ///       mean 5.9                      what was printed, on both outputs
@@ -44,21 +44,21 @@ inline constexpr char kPrintedNote = 'p';
 ///     ! dialog: no such zone          a dialog
 ///     ! error: ... [unbalanced-lock]  a breach of the contract
 ///     + STATS MEAN ZONES = '1-3'      what was recorded
-///     > (unloading)                   what comes of that; left out when there is nothing
+///     > (unloading)                   the results of unloading; absent if there are none
 ///
-/// The receiver of the notes puts in what was printed.
-/// \param styles are given to the host; the style file of \p options is not read.
-/// \param box    gets what the add-ons do.
+/// The receiver of the notes adds the printed text.
+/// \param styles the style settings for the host; the style file of \p options is not read.
+/// \param box    receives the current work of the add-ons.
 TranscriptEnd_e writeTranscript(const std::string& macroFile, const SessionOptions& options,
                                 const std::vector<StyleSetting>& styles, ProcessBox& box, NotesInterface& notes);
 
-/// The lines of a transcript for what was printed.
+/// Returns the lines of a transcript for printed text.
 std::string printedLines(const KeptText& printed);
 
-/// Puts together the transcript that writeTranscript() tells.
+/// Builds the transcript from the notes of writeTranscript().
 class TranscriptText : public NotesInterface {
 public:
-    /// \param takePrinted returns what was printed since the last call
+    /// \param takePrinted returns the text printed since its last call
     explicit TranscriptText(std::function<KeptText()> takePrinted) : m_takePrinted(std::move(takePrinted)) {}
 
     void tell(char kind, std::string_view text) override { (kind == kExplainedNote ? m_explained : m_text) += text; }
@@ -69,7 +69,7 @@ public:
     }
 
     const std::string& text() const { return m_text; }
-    /// The breaches of the contract with their places and hints.
+    /// Returns the findings with their places and hints.
     const std::string& explained() const { return m_explained; }
 
 private:
@@ -78,10 +78,10 @@ private:
     std::string m_explained;
 };
 
-/// Catches what this process prints, on both outputs, as long as it lives.
+/// Captures what this process prints on both outputs, as long as this object lives.
 class CaughtOutput {
 public:
-    /// What was printed since the last call.
+    /// Returns the text printed since the last call.
     KeptText take() const {
         KeptText printed{m_printed.text(), 0};
         m_printed.clear();

@@ -48,7 +48,7 @@ Connection::Connection() {
 
 void Channel::send(char kind, bool isAsked, std::string_view text) {
     ++m_sent;
-    sendMessage(m_descriptor, kind, isAsked, text);  // one that is lost is missed by the count
+    sendMessage(m_descriptor, kind, isAsked, text);  // the count reveals a lost message
 }
 
 void Channel::tell(char kind, std::string_view text) {

@@ -13,14 +13,14 @@
 
 namespace vexa::runner {
 
-/// A call of a process that another one watches.
+/// A message of a watched process.
 struct Message {
     char kind = 0;
     bool isAsked = false;  ///< the process waits for an answer
     std::string text;
 };
 
-/// The two ends of a connection between this process and one that it forks off.
+/// The two ends of a connection between this process and its child.
 struct Connection {
     /// \throws std::system_error
     Connection();
@@ -56,9 +56,9 @@ public:
     bool fetch();
     /// The next message; nothing if it is not complete yet.
     std::optional<Message> next();
-    /// How many messages next() returned.
+    /// Returns how many messages next() has returned.
     std::uint64_t received() const { return m_received; }
-    /// Answers the message that came last.
+    /// Answers the last message that next() returned.
     void answer(std::string_view text) const;
 
 private:

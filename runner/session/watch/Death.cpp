@@ -25,8 +25,8 @@ std::string lastFunctionOf(const ProcessBox& box) {
     return isThere ? standin::hostFunctions()[function].name : "";
 }
 
-// What the add-ons of a process do, or did last: `STATS MEAN ZONES = '1-3'`, `loading of ./stats.so`. Empty before any
-// add-on was entered.
+// Returns the current or last work of the add-ons: `STATS MEAN ZONES = '1-3'`, `loading of ./stats.so`. Empty before
+// the first work.
 std::string workOf(const ProcessBox& box) {
     const std::string id = box.addOnId.text();
     return id.empty() ? box.work.text() : id + ' ' + box.work.text();
@@ -91,10 +91,10 @@ standin::Finding lateFinding(const ProcessBox& box) {
     return finding;
 }
 
-// A drawn status line itself shows that a task is stopping.
+// If the status line is drawn, it shows that the task is stopping.
 void UserWork::stopAsked(std::size_t, const ProcessBox& box) {
     m_isStopAsked = true;
-    if (!box.isStatusDrawn) tell(placeOf(box), "stop was asked for; a second Ctrl-C ends the program");
+    if (!box.isStatusDrawn) tell(placeOf(box), "stop requested; a second Ctrl-C ends the program");
 }
 
 void UserWork::killed(std::size_t, const ProcessBox& box, int signal) {

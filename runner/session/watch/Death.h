@@ -11,7 +11,7 @@
 
 namespace vexa::runner {
 
-/// How a process ended that did not end as it reported: `exit status 0`, `SIGSEGV (Segmentation fault)`.
+/// Describes how a process ended: `exit status 0`, `SIGSEGV (Segmentation fault)`.
 std::string howItEnded(int waitStatus);
 
 /// The message about a process that an add-on ended: the place, the command and the last host call.
@@ -29,8 +29,8 @@ standin::Finding lateFinding(const ProcessBox& box);
 /// Clears the status line if a process that has ended left it drawn.
 void clearStatusOf(const ProcessBox& box);
 
-/// Limits the time in which a program prints why it ends. If nobody reads and the pipe is full, the program ends with
-/// \p status after a few seconds.
+/// Limits the time in which a program prints why it ends. If the output is a full pipe that nobody reads, the program
+/// ends with \p status after a few seconds.
 class LastWords : NonCopyable {
 public:
     explicit LastWords(int status);
@@ -40,14 +40,14 @@ private:
     SignalHandler m_handler;
 };
 
-/// Work in processes for which a user waits. It prints that Ctrl-C has arrived, and what a signal ended.
+/// Work in other processes, for a user who waits. Prints that Ctrl-C has arrived, and which command a signal ended.
 class UserWork : public ProcessWorkInterface {
 public:
     void stopAsked(std::size_t index, const ProcessBox& box) override;
     void killed(std::size_t index, const ProcessBox& box, int signal) override;
 
 protected:
-    /// Whether Ctrl-C ended the process, before it could stop by itself.
+    /// Returns true if Ctrl-C ended the process before it could stop by itself.
     bool wasInterrupted(const ProcessOutcome& outcome) const;
 
 private:

@@ -5,7 +5,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::size_t kSlack = std::size_t{1} << 20;  // so that not each fetch moves the text
+constexpr std::size_t kSlack = std::size_t{1} << 20;  // the text is moved only after this many bytes
 
 }  // namespace
 

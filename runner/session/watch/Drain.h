@@ -22,15 +22,15 @@ public:
     /// \throws std::system_error
     Drain(std::size_t most, bool keepsEnd) : m_most(most), m_keepsEnd(keepsEnd) {}
 
-    /// The end to wait for; negative once all is read.
+    /// Returns the descriptor to wait for; negative after the end of the output.
     int reader() const { return m_pipe.reader.get(); }
     int writer() const { return m_pipe.writer.get(); }
     /// Call this once the process that writes has its own copy of writer().
     void closeWriter() { m_pipe.writer.close(); }
 
-    /// Reads what is in the pipe now, up to a limit, so that no writer holds up this process.
+    /// Reads the current contents of the pipe, up to a limit, so that a fast writer cannot block this process.
     void fetch();
-    /// Reads, and hands out the text since the last call.
+    /// Calls fetch(), and returns the text since the last call.
     KeptText take();
 
 private:

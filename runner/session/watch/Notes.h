@@ -7,17 +7,17 @@
 
 namespace vexa::runner {
 
-/// Gets the notes of a process that runs add-ons: what is to be kept of its work. They go to the process that watches
-/// it, or stay in the process.
+/// Receives the notes of a process that runs add-ons: recorded commands, results and other data to keep. The receiver
+/// is in the watching process, or in the same process.
 ///
-/// Threads: safe from any.
+/// Threads: any thread may call the functions.
 class NotesInterface : NonCopyable {
 public:
     virtual ~NotesInterface() = default;
 
     /// Notes \p text. Sender and receiver agree on the meaning of \p kind.
     virtual void tell(char kind, std::string_view text) = 0;
-    /// Notes \p text and returns the answer, which is empty if nobody answers.
+    /// Notes \p text and returns the answer; empty if there is none.
     virtual std::string ask(char kind, std::string_view text) = 0;
 };
 

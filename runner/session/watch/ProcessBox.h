@@ -13,11 +13,11 @@
 
 namespace vexa::runner {
 
-/// What a process that runs add-ons is doing. It lies in memory that the process shares with the one that watches it.
+/// Says what a process that runs add-ons is doing. It is in memory that the process shares with the watching process.
 struct ProcessBox {
     using Clock = std::chrono::steady_clock;
 
-    /// \name What the add-ons do, or did last
+    /// \name The current or last work of the add-ons
     /// @{
     SharedText<4096> place;                   ///< `FILE:LINE` of a command; empty for other work
     SharedText<1024> addOnId;                 ///< the add-on of a command; empty for other work
@@ -30,7 +30,7 @@ struct ProcessBox {
     std::atomic<std::uint64_t> sent{0};      ///< how many messages the process has sent
     std::atomic<bool> isStatusDrawn{false};  ///< whether the status line is drawn on the terminal
 
-    /// Notes that an add-on is entered.
+    /// Notes that the host calls an add-on.
     void enter(std::string_view itsPlace, std::string_view id, std::string_view itsWork) noexcept {
         place.set(itsPlace);
         addOnId.set(id);
@@ -40,14 +40,14 @@ struct ProcessBox {
         isInAddOn = true;
     }
     void leaveAddOn() noexcept { isInAddOn = false; }
-    /// How long ago enter() was called.
+    /// Returns the time since enter() was called.
     Clock::duration sinceEntered() const noexcept {
         return Clock::now().time_since_epoch() - Clock::duration(m_entered);
     }
 
     /// The process that this box belongs to; 0 if nobody watches it.
     std::atomic<pid_t> owner{0};
-    /// Whether this process is not the owner, but a copy of it that an add-on forked.
+    /// Returns true if this process is not the owner, but a copy that an add-on forked.
     bool isOfOther() const noexcept { return owner != 0 && owner != getpid(); }
 
     /// \name The time limit
@@ -58,9 +58,9 @@ struct ProcessBox {
         m_start = Clock::now().time_since_epoch().count();
         m_limit = limit.count();
     }
-    /// Leaves \p time out of account, because the process was suspended.
+    /// Does not count \p time, in which the process was suspended.
     void forgive(Clock::duration time) noexcept { m_start += time.count(); }
-    /// Whether the process has exceeded its limit by more than \p grace.
+    /// Returns true if the process has exceeded its limit by more than \p grace.
     bool isLate(Clock::duration grace) const noexcept {
         const std::int64_t limit = m_limit;
         return limit != 0 && Clock::now().time_since_epoch().count() - m_start > limit + grace.count();

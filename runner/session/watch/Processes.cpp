@@ -73,7 +73,7 @@ public:
         }
     }
 
-    // Takes its notes and what it printed, and kills it if it is late.
+    // Takes its notes and its output, and kills it if it has exceeded its time limit.
     void attend() {
         m_out.fetch();
         m_err.fetch();
@@ -131,7 +131,7 @@ private:
     NotesInterface* m_notes;
     std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
     bool m_isKilled = false;
-    ChildProcess m_child;  // last: its process starts with all of the above
+    ChildProcess m_child;  // last, because the process that it starts uses the other members
 };
 
 class Pool {
@@ -224,8 +224,8 @@ private:
     std::size_t m_told = 0;
     bool m_isStopped = false;
     std::list<Process> m_running;
-    std::list<Process> m_over;             // ended, and not yet told
-    std::map<std::size_t, Ended> m_ended;  // not yet told: an earlier one still runs
+    std::list<Process> m_over;             // ended, and not reported yet
+    std::map<std::size_t, Ended> m_ended;  // not reported yet, because an earlier one still runs
 };
 
 }  // namespace

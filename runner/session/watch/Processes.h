@@ -32,27 +32,27 @@ struct ProcessOutcome {
     KeptText err;
 };
 
-/// Work that is done in processes of its own.
+/// Work that is done in other processes.
 class ProcessWorkInterface : NonCopyable {
 public:
     virtual ~ProcessWorkInterface() = default;
 
-    /// Does the work number \p index. Called in the process for it.
+    /// Does the work number \p index. Called in the process for this work.
     /// \return the status to report.
     virtual int run(std::size_t index, ProcessBox& box, NotesInterface& notes) = 0;
-    /// Returns who gets the notes of the process \p index, until end(); null for nobody.
+    /// Returns the receiver of the notes of the process \p index; null for none. It must live until end().
     /// Called before the process starts.
     /// \param takePrinted returns what the process has printed on its standard output since the last call
     virtual NotesInterface* notesOf(std::size_t index, std::function<KeptText()> takePrinted) = 0;
     /// Called when the process \p index has ended, in the order of the numbers.
     virtual void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) = 0;
-    /// Called when the user asks the process \p index to stop, for the first time.
+    /// Called when the user asks the process \p index to stop for the first time.
     virtual void stopAsked(std::size_t index, const ProcessBox& box) = 0;
     /// Called when the process \p index was killed because \p signal came.
     virtual void killed(std::size_t index, const ProcessBox& box, int signal) = 0;
 };
 
-/// Where the output of the processes goes.
+/// The destination of the output of the processes.
 enum class Printed_e {
     Inherited,  ///< to the outputs of this process; the processes also read its input, unless that is a terminal
     Caught,     ///< to ProcessOutcome, each output by itself
@@ -78,13 +78,13 @@ struct ProcessSetting {
     bool leavesAtOnce = false;  ///< whether the processes end without exit handlers
 };
 
-/// Does \p count pieces of work, each in a process of its own that this process watches. The status that a process
-/// reports counts only if the process ends with it. SIGINT is passed on to the running processes, and no other is
+/// Does \p count pieces of work, each in its own process, and watches these processes. The status that a process
+/// reports counts only if the process exits with it. SIGINT is passed on to the running processes, and no more are
 /// started. A second SIGINT, or another signal that ends programs, kills them. Processes that they leave behind are
 /// killed, too.
 ///
-/// To be called while there is one thread.
-/// \return how many have ended: all of them, unless SIGINT came.
+/// Call it while this process has one thread.
+/// \return how many processes have ended: all of them, unless SIGINT came.
 /// \throws std::system_error if a process cannot be started.
 /// \throws EndedBySignal if they were killed.
 std::size_t runInProcesses(const AwaitedSignals& signals, std::size_t count, const ProcessSetting& setting,

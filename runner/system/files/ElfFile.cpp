@@ -69,7 +69,7 @@ void takeSections(ElfFile& file, Elf* elf) {
     }
 }
 
-// A file without an entry for its stack gets an executable stack.
+// The system makes the stack executable if the file has no entry for it.
 bool hasExecutableStack(Elf* elf) {
     std::size_t count = 0;
     elf_getphdrnum(elf, &count);
@@ -91,7 +91,7 @@ ElfFile readElfFile(const std::string& path) {
         in != nullptr ? elf_begin(fileno(in.get()), ELF_C_READ, nullptr) : nullptr, elf_end);
     GElf_Ehdr header;
     if (elf_kind(elf.get()) != ELF_K_ELF || gelf_getehdr(elf.get(), &header) == nullptr) {
-        throw ElfError("it is no shared object");
+        throw ElfError("it is not a shared object");
     }
     ElfFile file;
     file.fileClass = header.e_ident[EI_CLASS];

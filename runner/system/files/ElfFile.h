@@ -9,12 +9,12 @@ namespace vexa::runner {
 /// A symbol that a shared object exports or imports.
 struct ElfSymbol {
     std::string name;
-    bool isDefined = false;  ///< whether it is exported
-    bool isStrong = false;   ///< not weak, as those of templates and inline functions, and optional imports, are
-    bool isUnique = false;   ///< shared by the whole process; its object is never unloaded
+    bool isDefined = false;  ///< true if the file exports it, false if it imports it
+    bool isStrong = false;   ///< false if it is weak: from a template, an inline function, or an optional import
+    bool isUnique = false;   ///< shared by the whole process, which prevents unloading
 };
 
-/// The facts that the file of a shared object has.
+/// The facts about a shared object that its file contains.
 struct ElfFile {
     int fileClass = 0;  ///< ELFCLASS64 …
     int machine = 0;    ///< EM_X86_64 …
@@ -22,12 +22,12 @@ struct ElfFile {
     bool hasExecutableStack = false;
     bool hasTextRelocations = false;
     bool isNeverUnloaded = false;       ///< linked with -z nodelete
-    std::vector<std::string> needed;    ///< the libraries it is linked to
+    std::vector<std::string> needed;    ///< the libraries to which it is linked
     std::vector<std::string> runPaths;  ///< the folders in which the loader looks for them
-    std::vector<ElfSymbol> symbols;     ///< those that other objects can see
+    std::vector<ElfSymbol> symbols;     ///< the symbols that other objects can see
 };
 
-/// The file is not a shared object.
+/// Reports a file that is not a shared object.
 class ElfError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -36,7 +36,7 @@ public:
 /// \throws ElfError
 ElfFile readElfFile(const std::string& path);
 
-/// The name of a symbol as in the source; \p symbol if it is not mangled.
+/// Returns the name of a symbol as in the source; \p symbol if it is not mangled.
 std::string demangled(const std::string& symbol);
 
 }  // namespace vexa::runner

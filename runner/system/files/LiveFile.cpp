@@ -19,7 +19,7 @@ Descriptor takeStandardOutput() {
     std::fflush(stdout);
     const int flags = fcntl(STDOUT_FILENO, F_GETFL);
     if (flags < 0) refuseOutput(kStandardOutputName);
-    // At its start the program opens a closed standard output for reading, so that no other file gets its number.
+    // If the standard output is closed, the program opened it for reading at its start, to keep its number occupied.
     if ((flags & O_ACCMODE) == O_RDONLY) refuseOutput(kStandardOutputName, "it is closed");
     Descriptor output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     if (!output.isOpen() || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) refuseOutput(kStandardOutputName);
@@ -29,7 +29,7 @@ Descriptor takeStandardOutput() {
 // Without O_NONBLOCK, opening a pipe that nobody reads would wait forever.
 Descriptor openedStream(const std::string& path) {
     Descriptor stream(open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!stream.isOpen() && errno == ENXIO) refuseOutput(path, "nobody reads it");
+    if (!stream.isOpen() && errno == ENXIO) refuseOutput(path, "no process reads it");
     if (!stream.isOpen() || fcntl(stream.get(), F_SETFL, 0) != 0) refuseOutput(path);
     return stream;
 }

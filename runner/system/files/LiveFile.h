@@ -7,7 +7,7 @@
 
 namespace vexa::runner {
 
-/// A file that is written at once: appended text is in the file even if the process dies after that.
+/// A file that is written immediately: appended text is in the file even if the process dies after that.
 ///
 ///     LiveFile file("run.trace");   // empties the file; throws if that fails
 ///     file.append("started\n");
@@ -18,9 +18,9 @@ namespace vexa::runner {
 /// Threads: one at a time.
 class LiveFile {
 public:
-    /// Opens \p path for writing. A regular file is created or emptied; a stream is opened as it is. `-` is the
-    /// standard output. It then belongs to this object alone: the output of the program and of its add-ons goes to the
-    /// standard error output. A pipe that nobody reads and a closed standard output are refused.
+    /// Opens \p path for writing. A regular file is created or emptied; a stream is only opened. `-` is the standard
+    /// output, which then belongs to this object alone: the output of the program and of its add-ons goes to the
+    /// standard error output. Refuses a pipe that no process reads, and a closed standard output.
     explicit LiveFile(const std::string& path);
 
     void append(std::string_view text);

@@ -23,7 +23,7 @@ public:
     }
 
     int descriptor() const { return m_descriptor.get(); }
-    /// A path by which this process can open it, as long as this object lives.
+    /// Returns a path by which this process can open the file, as long as this object lives.
     std::string path() const { return "/dev/fd/" + std::to_string(descriptor()); }
     std::string text() const { return readWholeFile(path()); }
     void clear() const {

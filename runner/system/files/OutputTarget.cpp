@@ -33,7 +33,7 @@ std::string outputTarget(const std::string& path) {
     struct stat old {};
     const bool exists = stat(path.c_str(), &old) == 0;
     if (!exists && (errno != ENOENT || path.empty())) refuseOutput(path);
-    if (exists && !S_ISREG(old.st_mode)) refuseOutput(path, "it is no regular file");
+    if (exists && !S_ISREG(old.st_mode)) refuseOutput(path, "it is not a regular file");
     if (exists && access(path.c_str(), W_OK) != 0) refuseOutput(path);
     try {
         return resolved(path);

@@ -5,7 +5,7 @@
 
 namespace vexa::runner {
 
-/// A file cannot be written. The message is one line: the file, and the reason.
+/// Reports a file that cannot be written. The message is one line: the file, and the reason.
 class OutputError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -13,15 +13,15 @@ public:
 
 /// \throws OutputError, always.
 [[noreturn]] void refuseOutput(const std::string& path, const std::string& why);
-/// The same, with the reason in errno.
+/// Throws an OutputError with the reason in errno.
 [[noreturn]] void refuseOutput(const std::string& path);
 
-/// The file that a write to \p path changes: follows symbolic links, also one to a file that does not exist yet. Two
-/// paths of one file have the same result.
-/// \throws OutputError if the folder does not exist, or if \p path exists and is not a writable regular file.
+/// Returns the file that a write to \p path changes. Follows symbolic links, even a link to a missing file. Two paths
+/// of the same file have the same result. \throws OutputError if the folder does not exist, or if \p path exists and is
+/// not a writable regular file.
 std::string outputTarget(const std::string& path);
 
-/// Whether \p path is the standard output, a pipe or a character device. Those are written to directly.
+/// Returns true if \p path is the standard output, a pipe or a character device, which are written directly.
 bool isStream(const std::string& path);
 
 }  // namespace vexa::runner

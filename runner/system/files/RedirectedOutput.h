@@ -9,11 +9,11 @@
 
 namespace vexa::runner {
 
-/// Sends what this process prints on an output to another file, as long as it lives.
+/// Redirects an output of this process to another file, as long as this object lives.
 class RedirectedOutput : NonCopyable {
 public:
     /// \param output STDOUT_FILENO or STDERR_FILENO
-    /// \param target a descriptor; is copied
+    /// \param target a descriptor, which is duplicated
     RedirectedOutput(int output, int target)
         : m_output(output), m_real(fcntl(output, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)) {
         std::fflush(stdout);
@@ -24,7 +24,7 @@ public:
         if (m_real.isOpen()) dup2(real(), m_output);
     }
 
-    /// Where the output went before; negative if an add-on has closed it.
+    /// Returns the previous target of the output; negative if an add-on has closed it.
     int real() const { return m_real.get(); }
 
 private:

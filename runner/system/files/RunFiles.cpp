@@ -59,7 +59,7 @@ void RunFiles::write(const std::optional<std::string>& path) {
 void RunFiles::refuseIfTaken(const File& output) const {
     const bool isStandard = output.place == kOutput;
     const auto refuse = [&](const std::string& name) {
-        refuseOutput(output.name, "the run uses it as " + name + ", too");
+        refuseOutput(output.name, "the command also uses it as " + name);
     };
     for (const File& file : m_files) {
         const bool isTwice = isStandard && file.place == kOutput;

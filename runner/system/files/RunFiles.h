@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// The files that a command of this program reads and writes. No output may be an input or another output, also under
-/// another name: existing files are compared by device and inode, others by the place where they will be.
+/// The files that a command of this program reads and writes. No output may be an input or another output, even under
+/// another name: existing files are compared by device and inode, missing ones by their absolute path.
 ///
 ///     RunFiles files;
 ///     files.read(options.macroFile);

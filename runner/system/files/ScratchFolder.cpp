@@ -12,7 +12,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t kMostBytes = std::uintmax_t{100} << 20;
-constexpr std::uintmax_t kBytesOfAnEntry = 1024;  // what an entry counts besides its content, as many are a burden, too
+constexpr std::uintmax_t kBytesOfAnEntry =
+    1024;  // counted for each entry in addition to its size, to limit the number of entries
 
 fs::path newFolder() {
     std::string name = (fs::temp_directory_path() / "vexa-standin-check-XXXXXX").string();
@@ -24,7 +25,7 @@ fs::path newFolder() {
 
 }  // namespace
 
-// From here on the destructor removes the folder, also if this constructor throws.
+// Delegates, so that the destructor removes the folder even if the rest of this constructor throws.
 ScratchFolder::ScratchFolder() : ScratchFolder(newFolder()) {
     fs::create_directory(temporary());
     fs::create_directory(copy());
@@ -39,7 +40,7 @@ ScratchFolder::~ScratchFolder() {
 void ScratchFolder::fill(const fs::path& from, const fs::path& to) {
     for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
         const fs::path name = entry.path().filename();
-        // The copy may lie within the folder that is copied.
+        // Skips the copy itself, which may be inside the copied folder.
         if (name.native().front() == '.' || entry.path() == m_path) continue;
         m_bytes += kBytesOfAnEntry;
         if (entry.is_symlink()) {

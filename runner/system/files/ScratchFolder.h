@@ -10,7 +10,7 @@ namespace vexa::runner {
 
 /// A copy of the current folder, for commands that may write files anywhere in it. The destructor removes it.
 ///
-/// Only files, folders and links are copied, without hidden ones.
+/// Copies files, folders and links, except hidden ones.
 class ScratchFolder : NonCopyable {
 public:
     /// \throws std::filesystem::filesystem_error if the folder cannot be copied.
@@ -18,11 +18,11 @@ public:
     ScratchFolder();
     ~ScratchFolder();
 
-    /// The folder that has the copy and the folder for temporary files.
+    /// Returns the folder that contains the copy and the folder for temporary files.
     const std::filesystem::path& path() const { return m_path; }
-    /// The copy.
+    /// Returns the path of the copy.
     std::filesystem::path copy() const { return m_path / "copy"; }
-    /// A folder for temporary files.
+    /// Returns the folder for temporary files.
     std::filesystem::path temporary() const { return m_path / "tmp"; }
 
 private:

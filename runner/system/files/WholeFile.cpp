@@ -19,10 +19,10 @@ namespace {
 class NamedPipeCategory : public std::error_category {
 public:
     const char* name() const noexcept override { return "named pipe"; }
-    std::string message(int) const override { return "it is no regular file, but a named pipe"; }
+    std::string message(int) const override { return "it is a named pipe, not a regular file"; }
 };
 
-// Pipes without a name have a file system of their own.
+// Only named pipes: pipes without a name belong to a special file system.
 bool isNamedPipe(int descriptor) {
     struct stat status {};
     struct statfs system {};

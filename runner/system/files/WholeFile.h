@@ -8,12 +8,12 @@ namespace vexa::runner {
 /// \throws std::system_error if it cannot be read.
 std::string readWholeFile(const std::string& path);
 
-/// The same for a file, a device or a pipe of a process substitution. `-` is the standard input. Refuses a pipe in the
-/// file system: reading it may wait forever for a writer.
+/// Reads all bytes of a file, a device or a pipe of a process substitution. `-` is the standard input. Refuses a named
+/// pipe, because reading it may wait forever for a writer.
 /// \throws std::system_error if it cannot be read.
 std::string readInput(const std::string& path);
 
-/// The same for the standard input.
+/// Reads all bytes of the standard input, as readInput() does.
 std::string readStandardInput();
 
 }  // namespace vexa::runner

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kNewFile = 0666;
 
-// A file that is being written. It has no name until it is complete, if the file system can do that.
+// A file that is being written. If the file system supports this, the file has no name until it is complete.
 class Draft : NonCopyable {
 public:
     explicit Draft(const std::string& target)
@@ -84,7 +84,7 @@ WholeOutput::WholeOutput(const std::string& path) : m_path(path) {
     const SignalMask blocked(allSignals());
     const Draft draft(m_target);
     if (!draft.isOpen())
-        refuseOutput(path, "no file can be made in its folder: " + std::generic_category().message(errno));
+        refuseOutput(path, "cannot create a file in its folder: " + std::generic_category().message(errno));
 }
 
 void WholeOutput::replace(std::string_view text) {

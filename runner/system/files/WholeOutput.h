@@ -9,7 +9,7 @@
 
 namespace vexa::runner {
 
-/// An output that is written in one piece: a file is replaced as a whole, or not at all; a stream gets all of the text
+/// An output that is written as a whole: a file is replaced completely or not at all, and a stream gets all of the text
 /// at once. `-` is the standard output, which then belongs to this object alone; see LiveFile.
 ///
 ///     WholeOutput file("recorded.macro");   // fails now if the place cannot be written
@@ -17,15 +17,15 @@ namespace vexa::runner {
 ///     file.replace(text);                   // now the new one is
 ///
 /// replace() writes the text to a file without a name in the same folder, and names the file when it is complete. So a
-/// program that is killed leaves nothing behind. On a file system without such files, replace() uses a temporary name.
-/// The file keeps its permissions. Of a symbolic link, the file that it points to is replaced.
-/// Errors: OutputError, from construction and replace(); the old file, if any, is unchanged.
+/// killed program leaves no temporary file. On a file system without such files, replace() uses a temporary name. The
+/// file keeps its permissions. If the path is a symbolic link, its target is replaced. Errors: OutputError, from
+/// construction and replace(); the old file, if any, is unchanged.
 class WholeOutput {
 public:
     /// Opens a stream, or checks that a file can be written.
     explicit WholeOutput(const std::string& path);
 
-    /// The path as given.
+    /// Returns the path, as passed to the constructor.
     const std::string& path() const { return m_path; }
     /// Writes \p text. Call it once. While it replaces a file, signals wait.
     void replace(std::string_view text);
@@ -33,7 +33,7 @@ public:
 private:
     std::string m_path;
     std::string m_target;              // the file to replace
-    std::optional<LiveFile> m_stream;  // instead of the file
+    std::optional<LiveFile> m_stream;  // the stream, if the output is not a file
 };
 
 }  // namespace vexa::runner

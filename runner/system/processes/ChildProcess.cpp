@@ -33,7 +33,7 @@ void redirect(const ChildProcess::Streams& streams) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(EXIT_FAILURE);
-    // Some terminals are set up to stop background processes that write.
+    // Some terminals stop background processes that write.
     if (isatty(STDERR_FILENO) != 0 || isatty(STDOUT_FILENO) != 0) ::signal(SIGTTOU, SIG_IGN);
     redirect(streams);
     sigprocmask(SIG_SETMASK, &mask, nullptr);
@@ -44,12 +44,13 @@ void redirect(const ChildProcess::Streams& streams) {
 }  // namespace
 
 ChildProcess::ChildProcess(const Streams& streams, const sigset_t& mask, const std::function<void()>& work) {
-    // If SIGCHLD is ignored, the system reaps children before we can. Setting it again would drop a pending signal.
+    // If SIGCHLD is ignored, the system reaps children before this process can. Otherwise it is not set again, because
+    // that would drop a pending signal.
     if (isIgnored(SIGCHLD)) ::signal(SIGCHLD, SIG_DFL);
-    std::fflush(nullptr);  // otherwise the child would write the buffers again
+    std::fflush(nullptr);  // otherwise the child would write the buffered text again
     const pid_t parent = getpid();
     m_id = fork();
-    if (m_id < 0) throwLastError("no other process");
+    if (m_id < 0) throwLastError("cannot create a process");
     if (m_id == 0) becomeChild(parent, streams, mask, work);
     setpgid(m_id, m_id);
 }
@@ -68,7 +69,7 @@ void ChildProcess::signalGroup(int signal) const { ::kill(-m_id, signal); }
 
 void ChildProcess::kill() const {
     ::kill(-m_id, SIGKILL);
-    ::kill(m_id, SIGKILL);  // the child may have left its group
+    ::kill(m_id, SIGKILL);  // also kill the child itself, which may have left its group
 }
 
 int ChildProcess::reap() {

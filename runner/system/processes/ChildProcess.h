@@ -9,17 +9,17 @@
 
 namespace vexa::runner {
 
-/// A child process in a process group of its own. The destructor kills it and its group, and it dies with its parent.
-/// It cannot read from the terminal, which belongs to the parent.
+/// A child process in a new process group. The destructor kills the child and its group. The child also dies with its
+/// parent. It cannot read from the terminal, which belongs to the parent.
 ///
 /// Create it while the process has one thread.
 class ChildProcess : NonCopyable {
 public:
     /// Its standard streams.
     struct Streams {
-        int out = -1;              ///< a descriptor for its standard output; -1 for the one of this process
-        int err = -1;              ///< the same for its standard error output
-        bool readsNothing = true;  ///< whether its standard input is empty
+        int out = -1;              ///< a descriptor for its standard output; -1 for that of this process
+        int err = -1;              ///< a descriptor for its standard error output; -1 for that of this process
+        bool readsNothing = true;  ///< true if its standard input is empty
     };
 
     /// \param mask the signals that it blocks.
@@ -29,13 +29,13 @@ public:
     ~ChildProcess();
 
     pid_t id() const { return m_id; }
-    /// Whether it has ended. Other processes of its group may still run.
+    /// Returns true if it has ended. Other processes of its group may still run.
     bool hasEnded() const;
     /// Sends \p signal to its group.
     void signalGroup(int signal) const;
     /// Kills it and its group.
     void kill() const;
-    /// Kills it, unless it has ended, and its group. Call nothing after this.
+    /// Kills its group, and the child itself unless it has ended. Call nothing after this.
     /// \return its status, as from waitpid(). Until this call the system does not reuse its id.
     int reap();
 

@@ -13,7 +13,7 @@
 
 namespace vexa::runner {
 
-/// A text of limited length in shared memory. A longer text is cut.
+/// A text of limited length in shared memory. A longer text is cut off.
 template <std::size_t kSize>
 class SharedText {
 public:

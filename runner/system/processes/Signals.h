@@ -6,7 +6,7 @@
 
 namespace vexa::runner {
 
-/// Whether this process ignores \p signal. It may have inherited that from its parent.
+/// Returns true if this process ignores \p signal. It may have inherited this from its parent.
 inline bool isIgnored(int signal) {
     struct sigaction action {};
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
@@ -29,8 +29,8 @@ private:
     struct sigaction m_before {};
 };
 
-/// Sets which signals this thread blocks, as long as this object lives. Threads that are created meanwhile inherit
-/// that.
+/// Sets which signals this thread blocks, as long as this object lives. Threads that are created during this time
+/// inherit the setting.
 class SignalMask : NonCopyable {
 public:
     explicit SignalMask(const sigset_t& blocked) { pthread_sigmask(SIG_SETMASK, &blocked, &m_before); }

@@ -57,7 +57,7 @@ void Strays::kill() const {
             if (m_others.count(process) != 0) continue;
             ::kill(process, SIGKILL);
             while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {}
-            hasFound = true;  // its children are now ours
+            hasFound = true;  // the children of a killed process become children of this process
         }
     }
 }

@@ -6,8 +6,8 @@
 
 namespace vexa::runner {
 
-/// Processes that add-ons leave behind, also in another group or session. When their parent ends, this process becomes
-/// their parent.
+/// Finds processes that add-ons left running, even in another group or session. When the parent of such a process ends,
+/// this process becomes its parent.
 class Strays {
 public:
     /// Existing children of this process do not count.

@@ -18,7 +18,7 @@ bool hasTracer() {
     return false;
 }
 
-// Valgrind does not use ptrace, but loads a library of its own into the program.
+// Valgrind does not use ptrace, but loads its own library into the program.
 bool isUnderValgrind() {
     const char* const loaded = std::getenv("LD_PRELOAD");
     return loaded != nullptr && std::string_view(loaded).find("vgpreload_") != std::string_view::npos;

@@ -64,8 +64,8 @@ public:
 /// locked mutex. The lock accepts any identity. Release it with the identity with which it was taken.
 ///
 /// Ownership: the host owns its add-ons. When it is destroyed, it shuts them down and unloads them, the last loaded
-///            first, and frees everything that they allocated from it. The code of an add-on stays loaded while another
-///            thread that has called the host runs, because the thread may run that code.
+///            first, and frees everything that they allocated from it. While another thread that has called the host
+///            still runs, the code of an add-on stays loaded, because that thread may be running it.
 /// Threads:   any thread may call the C functions, even while a host is being destroyed. Use a single thread to
 ///            construct and destroy hosts, and to load, run and unload add-ons. Do not do this inside a C function of
 ///            the same host.
@@ -145,10 +145,9 @@ public:
     /// If \p keeps is false, the host stops keeping calls and the history of the status line. By default it keeps them.
     /// Turn it off in a long-running program to limit the memory used.
     void setKeepsCalls(bool keeps);
-    /// Returns the commands that add-ons recorded so far, while recording was on. The host refuses to record a command
-    /// that it could not read back from a macro file, and reports a finding. It could not read back a command that is
-    /// blank, starts with a blank or has a line break, or an add-on id that is empty, has white space or starts with
-    /// `#`.
+    /// Returns the commands that add-ons recorded so far, while recording was on. The host refuses a command that it
+    /// could not read back from a macro file, and reports a finding: a command that is blank, starts with a blank or
+    /// has a line break, and a command of an add-on whose id is empty, has white space or starts with `#`.
     std::vector<RecordedCommand> recordedCommands() const;
     /// Deletes the commands recorded so far.
     void clearRecordedCommands();

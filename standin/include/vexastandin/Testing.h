@@ -18,8 +18,8 @@ struct TestedCommand {
     std::string error;                  ///< the add-on's message, or the text of its exception; empty on success
     std::vector<std::string> recorded;  ///< the commands that it recorded, as texts that run() takes
     std::vector<std::string> dialogs;   ///< the texts of the error dialogs that it showed
-    /// The findings that it caused. The host keeps ten findings per rule and add-on; if this command caused further
-    /// ones, this has the tenth again, which counts them.
+    /// The findings that it caused. The host keeps ten findings per rule and add-on. If the command caused more, the
+    /// list has the tenth finding, which counts the others.
     std::vector<Finding> findings;
 };
 

@@ -20,10 +20,10 @@ constexpr char kEntryName[] = "vexaAddOn";
 
 bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
-// The loader would look for a name without a folder in the system's folders.
+// Adds a folder, because the loader searches the system's folders for a name without one.
 std::string withFolder(const std::string& path) { return path.find('/') == std::string::npos ? "./" + path : path; }
 
-// Why the file cannot be loaded; empty if the loader may try.
+// Returns why the file cannot be loaded; empty if the loader may try.
 std::string whyNoFile(const std::string& path) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
@@ -32,7 +32,7 @@ std::string whyNoFile(const std::string& path) {
     return std::filesystem::is_regular_file(status) ? whyNotLoadable(path) : "not a regular file";
 }
 
-// The loader's own text begins with the path, and names a missing symbol at its end.
+// The loader's text starts with the path, and ends with the name of a missing symbol.
 std::string whyNotLoaded(const std::string& path, std::string_view loaderText) {
     constexpr std::string_view kUndefined = "undefined symbol: ";
     const std::string prefix = path + ": ";
@@ -58,7 +58,7 @@ std::optional<std::string> whatEscapes(const std::string& place, const Action& a
     }
 }
 
-// Why the host refuses an add-on with this description; empty if it accepts it.
+// Returns why the host refuses an add-on with this description; empty if the host accepts it.
 std::string whyNotTaken(const VexaAddOn_s* description) {
     if (description == nullptr) return "it refuses to be loaded (its entry returned null)";
     if (description->apiVersion != VEXA_ADDON_API_VERSION) {
@@ -77,12 +77,12 @@ AddOn::AddOn(const std::string& path) : m_identity(std::make_unique<AddOnList_s>
     m_info.path = withFolder(path);
     const std::string noFile = whyNoFile(m_info.path);
     if (!noFile.empty()) throw refusal(noFile);
-    // An exception from a constructor of its globals ends the process. If it passed through, the loader would stay
-    // locked.
+    // An exception from the constructor of a global object ends the process. If the exception passed through, the
+    // loader would stay locked.
     m_object.reset(dlopen(m_info.path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (m_object == nullptr) throw refusal(whyNotLoaded(m_info.path, dlerror()));
     m_entry = reinterpret_cast<AddOnEntry>(dlsym(m_object.get(), kEntryName));
-    if (m_entry == nullptr) throw refusal("it exports no function vexaAddOn, so it is no add-on");
+    if (m_entry == nullptr) throw refusal("it does not export the function vexaAddOn, so it is not an add-on");
 }
 
 AddOn::AddOn(AddOnEntry entry) : m_identity(std::make_unique<AddOnList_s>()), m_entry(entry) {
@@ -91,8 +91,8 @@ AddOn::AddOn(AddOnEntry entry) : m_identity(std::make_unique<AddOnList_s>()), m_
 }
 
 void AddOn::enter() {
-    // Throw refusals outside every handler: an exception remembers the exception that is being handled, and that may be
-    // the add-on's.
+    // Throw refusals outside of every handler, because an exception keeps the exception that is being handled, which
+    // may belong to the add-on.
     const std::optional<std::string> escaped =
         whatEscapes("its entry vexaAddOn", [this] { m_description = m_entry(m_identity.get()); });
     if (escaped) throw refusal(*escaped);

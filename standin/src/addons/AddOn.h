@@ -15,17 +15,17 @@ namespace vexa::standin {
 /// The file name of an add-on that is part of the program.
 constexpr char kLinkedIn[] = "(linked in)";
 
-/// An add-on: a part of the program, or a shared object, which is unloaded with this. The shared object stays loaded if
-/// another thread that has called the host still runs.
+/// An add-on: a part of the program, or a shared object, which the destructor unloads. If another thread that has
+/// called the host still runs, the shared object stays loaded.
 ///
 /// Errors: an exception that escapes from the add-on is returned as text. The exception itself cannot be kept, because
 ///         its code may be unloaded with the add-on.
 class AddOn {
 public:
-    /// Loads the shared object, without entering it. A path without a slash means the current folder.
+    /// Loads the shared object, without calling its entry. A path without a slash means the current folder.
     /// \throws LoadError
     explicit AddOn(const std::string& path);
-    /// Takes an add-on that is part of the program, without entering it.
+    /// Uses an add-on that is part of the program, without calling its entry.
     /// \throws LoadError if \p entry is null.
     explicit AddOn(AddOnEntry entry);
 
@@ -44,9 +44,9 @@ public:
 
     const AddOnInfo& info() const { return m_info; }
     const AddOnList_s* identity() const { return m_identity.get(); }
-    /// Whether both have the same entry, so that they are the same code.
+    /// Returns true if both have the same entry, that is, the same code.
     bool hasSameEntry(const AddOn& other) const { return m_entry == other.m_entry; }
-    /// A refusal to load this add-on.
+    /// Returns an error that says why this add-on is refused.
     LoadError refusal(const std::string& reason) const;
 
 private:
@@ -56,7 +56,7 @@ private:
 
     AddOnInfo m_info;
     std::unique_ptr<AddOnList_s> m_identity;
-    std::unique_ptr<void, Unload> m_object;  ///< null when it is part of the program
+    std::unique_ptr<void, Unload> m_object;  ///< null if the add-on is part of the program
     AddOnEntry m_entry = nullptr;
     const VexaAddOn_s* m_description = nullptr;
 };

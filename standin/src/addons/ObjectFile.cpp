@@ -37,7 +37,7 @@ public:
         return fstat(m_descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
     }
 
-    // The bytes at `offset`; fewer if the file ends before.
+    // Returns the bytes at `offset`; fewer if the file ends earlier.
     std::string bytes(std::uint64_t offset, std::size_t count) const {
         std::string bytes(count, '\0');
         const ssize_t got = pread(m_descriptor, bytes.data(), count, static_cast<off_t>(offset));
@@ -111,7 +111,8 @@ bool isWithin(std::uint64_t whole, std::uint64_t offset, std::uint64_t length) {
     return offset <= whole && length <= whole - offset;
 }
 
-// For a file of this machine. The table of sections comes last, so if it lies within the file, the sections do, too.
+// Returns true if a file for this machine is cut off. The table of sections comes last: if it is complete, the sections
+// are, too.
 bool isTruncated(const ReadFile& file) {
     const std::uint64_t size = file.size();
     ElfW(Ehdr) header;

@@ -24,8 +24,8 @@
 
 namespace vexa::standin {
 
-/// Tells the log and the observer of one call. Without memory for that the call is left out: it must not fail because
-/// it is watched.
+/// Reports one call to the log and the observer. Without memory for the report it omits the call, because a call must
+/// not fail because of an observer.
 class WatchedCall {
 public:
     template <class... Arguments>
@@ -90,7 +90,7 @@ Result failureOf(int code) {
     }
 }
 
-/// What a function returns if it cannot do its work.
+/// The result of a function that cannot do its work.
 template <class Result>
 Result refusal() {
     if constexpr (!std::is_void_v<Result>) {
@@ -98,7 +98,7 @@ Result refusal() {
     }
 }
 
-/// Runs \p action. If it has no memory, the function refuses: add-ons expect no exception.
+/// Runs \p action. If memory runs out, returns a failure, because add-ons expect no exception.
 template <class Action>
 std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& host) {
     try {
@@ -108,7 +108,7 @@ std::invoke_result_t<Action, HostState&> act(const Action& action, HostState& ho
     }
 }
 
-/// The number of the object behind a handle that a function returns; 0 if it returns no handle.
+/// Returns the number of the object of a handle; 0 if the result is not a handle.
 inline std::size_t numberOf(const HostState& host, const ThreadMutex_s* mutex) { return host.mutexes.numberOf(mutex); }
 inline std::size_t numberOf(const HostState& host, const ArgList_s* argList) { return host.argLists.numberOf(argList); }
 inline std::size_t numberOf(const HostState& host, const Set_s* set) { return host.sets.numberOf(set); }

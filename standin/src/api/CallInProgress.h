@@ -7,7 +7,7 @@
 
 namespace vexa::standin {
 
-/// A call of the process's host. The host does not end as long as this lives.
+/// A call of the process's host. The host is not destroyed as long as this object lives.
 class CallInProgress {
 public:
     CallInProgress() noexcept : m_slot(HostState::current() == nullptr ? nullptr : slot()), m_host(announced(m_slot)) {}
@@ -19,11 +19,11 @@ public:
         if (m_slot != keptCallSlot) giveBack(m_slot);
     }
 
-    /// The host that is called; null if there is none.
+    /// Returns the called host; null if there is none.
     HostState* host() const { return m_host; }
 
 private:
-    // A call within a call, for example from a function that shows a dialog, gets a slot of its own: it may call
+    // A call inside a call, for example from a function that shows a dialog, gets another slot, because it may call
     // another host.
     static CallSlot* slot() noexcept {
         CallSlot* const kept = keptCallSlot;
@@ -31,7 +31,7 @@ private:
         return isFree ? kept : takeCallSlot();
     }
 
-    // If the host has stopped being the process's host meanwhile, it may not have seen the announcement.
+    // Checks the host again after the announcement: if it has stopped being the process's host, it may have missed it.
     static HostState* announced(CallSlot* slot) noexcept {
         if (slot == nullptr) return nullptr;
         HostState* host = HostState::current();

@@ -26,7 +26,7 @@ std::string textOf(const HostState&, Number number) {
     return std::to_string(number);
 }
 
-// Where to store a result. The address itself would differ from run to run.
+// An address for a result. The address itself would differ from run to run.
 template <class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
 std::string textOf(const HostState&, Number* address) {
     return address == nullptr ? "null" : "address";

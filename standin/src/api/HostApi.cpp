@@ -1,4 +1,4 @@
-// The host's C functions. Each passes answer() a lambda with what only this function does.
+// The host's C functions. Each passes a lambda with its own work to answer().
 
 #include <cstddef>
 #include <cstdint>
@@ -54,7 +54,7 @@ bool canBeReadBack(const char* addOnId, const char* command) {
     return addOnId != nullptr && command != nullptr && whyNoMacroLine(addOnId, command).empty();
 }
 
-// Shows a change of the status line. Without memory the change is left out: the task must not be told to stop.
+// Shows a change of the status line. Without memory, drops the change, because a failure would tell the task to stop.
 template <class Change>
 void changeStatus(HostState& host, const Change& change) {
     try {
@@ -67,8 +67,8 @@ void changeStatus(HostState& host, const Change& change) {
 
 using namespace vexa::standin;
 
-// Without this, a function whose parameters differ from the header's would be an overload, and the header's function
-// would be missing.
+// Makes the compiler refuse a function whose parameters differ from those in the header. Otherwise it would be an
+// overload, and the function of the header would be missing.
 extern "C" {
 
 void VexaUtilLockStart(AddOnList_s* addOnId) {

@@ -12,22 +12,22 @@ namespace vexa::standin {
 
 /// The calls of the host's C functions.
 ///
-/// A call is entered when it begins, so that the order is right for calls that block and for calls within calls.
-/// Threads: safe from any.
+/// A call is added when it starts, so that the order is right for calls that block and for calls inside calls.
+/// Threads: any thread may call the functions.
 class CallLog {
 public:
-    /// Whether calls are kept.
+    /// Returns true if calls are kept.
     bool keeps() const { return m_keeps; }
     void setKeeps(bool keeps) { m_keeps = keeps; }
 
-    /// Enters a call that begins.
+    /// Adds a call that starts.
     /// \return its place, for end().
     std::size_t begin(Call call);
     /// Adds the result to the call at \p place, unless clear() was called meanwhile.
     void end(std::size_t place, std::string result);
 
     std::vector<Call> all() const;
-    /// Forgets the calls so far.
+    /// Deletes the calls so far.
     void clear();
 
 private:

@@ -17,16 +17,16 @@ std::atomic<CallSlot*> slots{nullptr};
 
 bool fenceThreads(int command) { return syscall(SYS_membarrier, command, 0, 0) == 0; }
 
-// A child process has only the thread that forked, so calls of other threads never end there. A slot in use may belong
-// to the call in which the thread forked, so it stays taken.
+// Called in a child process, which has only the thread that forked: the calls of other threads never end there. A slot
+// in use may belong to the call in which the thread forked, so it stays in use.
 void forgetOtherThreads() {
     for (CallSlot* slot = slots; slot != nullptr; slot = slot->next) {
         if (slot != keptCallSlot && slot->host.exchange(nullptr) == nullptr) slot->isTaken = false;
     }
 }
 
-// A thread that ends may call the host after this gave its slot back. It then takes a slot again, and the system calls
-// this again.
+// A thread that ends may call the host after this function gave its slot back. It then takes a slot again, and the
+// system calls this function again.
 void giveBackKept(void* slot) {
     keptCallSlot = nullptr;
     giveBack(static_cast<CallSlot*>(slot));

@@ -1,8 +1,8 @@
 /// \file
-/// Which hosts are being called. A host waits for its calls before it ends.
+/// Tracks which hosts are being called, so that a host can wait for its calls before it is destroyed.
 ///
-/// Each thread announces the host that it calls in a slot of its own, so that threads do not compete for one place. A
-/// host that ends first stops being the process's host, and then looks at all slots.
+/// Each thread announces the host that it calls in its own slot, so that threads do not compete for one place. The
+/// destructor of a host makes another host the process's host, and then checks all slots.
 #pragma once
 
 #include <atomic>
@@ -11,8 +11,8 @@ namespace vexa::standin {
 
 struct HostState;
 
-/// Where a thread announces the host that it calls. Slots are never freed, because a host that ends looks at all of
-/// them.
+/// A thread announces the host that it calls here. Slots are never freed, because the destructor of a host checks all
+/// of them.
 struct CallSlot {
     std::atomic<const HostState*> host{nullptr};
     std::atomic<bool> isTaken{true};
@@ -22,8 +22,8 @@ struct CallSlot {
 /// The slot that the calling thread keeps; null until its first call.
 inline thread_local CallSlot* keptCallSlot __attribute__((tls_model("initial-exec"))) = nullptr;
 
-/// Whether an announcement needs a fence of its own. If the system can fence all threads at once, a host that ends does
-/// that instead, because a fence in each call would be expensive.
+/// True if each announcement needs a memory fence. If the system can fence all threads at once, the destructor of a
+/// host does that instead, because a fence in each call would be expensive.
 inline std::atomic<bool> announcesWithFence{true};
 
 /// Takes a slot for a call. The thread keeps the slot if it has none.
@@ -37,7 +37,7 @@ void prepareForCalls();
 /// Waits until no other thread is in a call of \p host, which has stopped being the process's host.
 void waitForCallsOf(const HostState& host);
 
-/// Whether a thread other than the calling one has called a host and still runs.
+/// Returns true if another thread has called a host and still runs.
 bool haveOtherThreadsCalled();
 
 }  // namespace vexa::standin

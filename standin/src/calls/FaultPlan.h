@@ -16,18 +16,19 @@ struct Fault {
     int result = 0;       ///< otherwise with this result
 };
 
-/// The planned faults. Threads: safe from any.
+/// The planned faults. Any thread may call the functions.
 class FaultPlan {
 public:
     /// Plans \p fault for the \p nth call of \p function from now on, counted from 1.
     /// \throws vexa::InvalidArgumentException for a \p nth of 0.
     void add(HostFunction function, std::size_t nth, Fault fault);
     /// Counts a call of \p function.
-    /// \return how it fails; nothing if it does not. If several faults are due, the one that was planned first.
+    /// \return the fault of this call; nothing if the call does not fail. If several faults are due, the one planned
+    /// first.
     std::optional<Fault> next(HostFunction function);
-    /// Whether any fault is planned. Every call asks this, so it takes no lock.
+    /// Returns true if any fault is planned. Takes no lock, because every call asks this.
     bool isAnyPlanned() const { return m_isAnyPlanned.load(std::memory_order_acquire); }
-    /// Forgets all planned faults.
+    /// Deletes all planned faults.
     void clear();
 
 private:

@@ -1,14 +1,14 @@
 /// \file
-/// Whether the calling thread runs code of an add-on or of the host.
+/// Tracks whether the calling thread runs code of an add-on or of the host.
 #pragma once
 
 #include <utility>
 
 namespace vexa::standin {
 
-/// Whether the calling thread runs code of an add-on. Only Whereabouts changes it.
-/// This TLS model fixes its place in the memory of a thread when the library is loaded. Looking the place up in each
-/// host call would be expensive.
+/// True while the calling thread runs code of an add-on. Only Whereabouts changes it.
+/// The TLS model fixes the address of the variable in a thread's memory when the library is loaded, because a lookup in
+/// each host call would be expensive.
 inline thread_local bool isThreadInAddOn __attribute__((tls_model("initial-exec"))) = false;
 
 /// As long as this lives, the calling thread is in an add-on, or back in the host.

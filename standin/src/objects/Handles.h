@@ -12,8 +12,8 @@ namespace vexa::standin {
 
 /// The living objects of one kind. Add-ons have handles to them.
 ///
-/// Handles are compared and never followed, so any value may be passed. An object in use outlives its removal.
-/// Threads: safe from any.
+/// Handles are compared and never dereferenced, so any value may be passed. A removed object lives as long as it is in
+/// use. Threads: any thread may call the functions.
 template <class Object, class Handle = Object>
 class Handles {
 public:
@@ -24,22 +24,22 @@ public:
         ++m_added;
     }
 
-    /// The object behind \p handle; null if it belongs to no living object.
+    /// Returns the object of \p handle; null if there is no such living object.
     std::shared_ptr<Object> find(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);
         const auto found = m_entries.find(handle);
         return found == m_entries.end() ? nullptr : found->second.object;
     }
 
-    /// The number of the object behind \p handle, counted from 1; 0 if it belongs to no living object.
+    /// Returns the number of the object of \p handle, counted from 1; 0 if there is no such living object.
     std::size_t numberOf(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);
         const auto found = m_entries.find(handle);
         return found == m_entries.end() ? 0 : found->second.number;
     }
 
-    /// Removes the object behind \p handle.
-    /// \return false if \p handle belongs to no living object.
+    /// Removes the object of \p handle.
+    /// \return false if there is no such living object.
     bool remove(const Handle* handle) {
         const std::lock_guard<std::mutex> lock(m_guard);
         if (m_entries.erase(handle) == 0) return false;
@@ -47,7 +47,7 @@ public:
         return true;
     }
 
-    /// Whether \p handle was removed recently and has not been given to another object since.
+    /// Returns true if \p handle was removed recently and does not belong to another object since then.
     bool isRemoved(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);
         return m_entries.count(handle) == 0 && std::find(m_removed.begin(), m_removed.end(), handle) != m_removed.end();

@@ -12,7 +12,7 @@ namespace vexa::standin {
 
 /// The host's lock. One thread holds it at a time, and may take it several times, under the identities of add-ons.
 ///
-/// Identities are compared and never followed, so any value may be passed.
+/// Identities are compared and never dereferenced, so any value may be passed.
 class HostLock {
 public:
     /// Takes the lock once more; waits while another thread holds it.
@@ -20,12 +20,12 @@ public:
     /// Releases the lock that the calling thread took last under \p identity. Ignored if there is none.
     void finish(const AddOnList_s* identity);
 
-    /// How many times the calling thread holds the lock.
+    /// Returns how many times the calling thread holds the lock.
     std::size_t depth() const;
     /// Releases the lock of the calling thread until the thread holds it \p depth times.
     void releaseDownTo(std::size_t depth);
 
-    /// Ends the use of the lock: threads that wait for it, now or later, continue without it.
+    /// Makes the lock unusable: threads that wait for it, now or later, continue without it.
     void endWaiting();
 
 private:
@@ -34,7 +34,7 @@ private:
 
     mutable std::mutex m_guard;
     std::condition_variable m_free;
-    std::thread::id m_owner;  // no thread's id while the lock is free
+    std::thread::id m_owner;  // the default id while the lock is free
     std::vector<const AddOnList_s*> m_holds;
     bool m_hasEnded = false;
 };

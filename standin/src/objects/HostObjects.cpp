@@ -10,7 +10,7 @@
 
 namespace {
 
-// Whether a run that begins at `first`, which is not before `run`, overlaps `run` or follows it directly.
+// Returns true if a run that starts at `first`, which is not before `run`, overlaps `run` or directly follows it.
 bool continues(const std::pair<const int64_t, int64_t>& run, int64_t first) { return first - 1 <= run.second; }
 
 }  // namespace
@@ -104,7 +104,7 @@ bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last) const {
 namespace vexa::standin {
 namespace {
 
-// Not zero, so that a missing terminating zero is seen, and unlikely in a text.
+// Not zero, so that a missing terminating zero can be detected, and unlikely in a text.
 constexpr char kUnwritten = '\xa5';
 constexpr std::size_t kGuardSize = 32;
 

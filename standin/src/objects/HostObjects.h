@@ -26,10 +26,10 @@ public:
     void lock();
     /// Ignored unless the calling thread holds it.
     void unlock();
-    /// Ends its use: threads that wait for it continue without it.
-    /// \return false, with nothing done, if it is held or was closed before.
+    /// Makes the mutex unusable: threads that wait for it continue without it.
+    /// \return false if it is held or already closed; the function then does nothing.
     bool close();
-    /// Ends its use even if it is held: threads that wait for it, now or later, continue without it.
+    /// Makes the mutex unusable, even if it is held: threads that wait for it, now or later, continue without it.
     void endWaiting();
 
 private:
@@ -74,7 +74,7 @@ public:
     /// Adds the members \p first to \p last.
     /// \return false if the range is refused.
     bool insert(int64_t first, int64_t last);
-    /// As VexaUtilSetNextRange().
+    /// Does the same as VexaUtilSetNextRange().
     bool nextRange(int64_t from, int64_t& first, int64_t& last) const;
 
 private:
@@ -84,8 +84,7 @@ private:
 
 namespace vexa::standin {
 
-/// A string of the host. Guard bytes follow its end: they show an overrun of a few bytes. A memory checker sees larger
-/// ones.
+/// A string of the host. Guard bytes after its end reveal an overrun of a few bytes. Larger ones need a memory checker.
 class HostString {
 public:
     /// \throws std::bad_alloc
@@ -93,10 +92,10 @@ public:
 
     char* bytes() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
-    /// The text. It ends at the last byte if the terminating zero is missing.
+    /// Returns the text. If the terminating zero is missing, the text ends at the last byte.
     std::string text() const;
     bool isTerminated() const;
-    /// Whether the guard bytes are unchanged.
+    /// Returns true if the guard bytes are unchanged.
     bool isIntact() const;
 
 private:

@@ -12,7 +12,7 @@ namespace vexa::standin {
 /// The host's status line.
 ///
 /// Each operation returns the line after the change, or nothing if it changed nothing.
-/// Threads: safe from any.
+/// Threads: any thread may call the functions.
 class Status {
 public:
     /// Shows the line for a new task. This counts as a change even if the line looks the same.

@@ -6,16 +6,16 @@
 
 namespace vexa::standin {
 
-/// Whether the stop button of the status line is pressed, and when it will be.
+/// The state of the stop button: pressed, or to be pressed later.
 ///
-/// Threads: safe from any, and in signal handlers, because it takes no lock.
+/// Threads: any thread and any signal handler may call the functions, because they take no lock.
 class StopRequest {
 public:
     void press() noexcept { m_isPressed = true; }
     /// \param nth which check from now on, counted from 1.
     void pressAtCheck(std::size_t nth) noexcept { m_checksLeft = nth; }
     void pressAtPercent(int percent) noexcept { m_percent = percent; }
-    /// Also forgets when the button was to be pressed.
+    /// Releases the button, and cancels a later press.
     void release() noexcept {
         m_checksLeft = 0;
         m_percent = kNever;
@@ -24,7 +24,7 @@ public:
     bool isPressed() const noexcept { return m_isPressed; }
 
     /// Counts a check.
-    /// \return whether the button is pressed now.
+    /// \return true if the button is pressed now.
     bool isPressedAt(int percent) noexcept {
         if (percent >= m_percent || isLastCheck()) press();
         return isPressed();

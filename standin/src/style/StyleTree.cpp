@@ -55,7 +55,7 @@ Value argumentOr(const std::vector<Argument>& arguments, const std::string& name
     return value == nullptr ? otherwise : *value;
 }
 
-// The keywords of "P1" and so on; empty if one between them is missing.
+// Returns the keywords of "P1" and so on; empty if there is a gap.
 Path pathOf(const std::vector<Argument>& arguments) {
     Path path;
     for (std::size_t i = 1; i <= kMostKeywords; ++i) {

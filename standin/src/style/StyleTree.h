@@ -15,23 +15,23 @@
 
 namespace vexa::standin {
 
-/// What a style query asks for, and where its answer goes.
+/// A style query: the setting, and the address for the answer.
 struct StyleQuery {
     std::vector<std::string> path;         ///< the keywords, outermost first
     std::pair<long, long> offsets{0, 0};   ///< "Offset1" and "Offset2"
-    double* number = nullptr;              ///< where to store a double; null if the query asks for another value
-    VexaArbParam* anythingElse = nullptr;  ///< where to store any other value; null if the query asks for a double
+    double* number = nullptr;              ///< the address for a double; null if the query asks for another value
+    VexaArbParam* anythingElse = nullptr;  ///< the address for any other value; null if the query asks for a double
 };
 
-/// The query that the arguments of a list make. Nothing if "P1" is missing, the path has a gap, or the list has no
-/// place or two places for the value. If an argument is there twice, the first counts. One of the wrong kind is
-/// ignored.
+/// Returns the query that the arguments of a list describe. Nothing if "P1" is missing, the path has a gap, or the list
+/// has no address or two addresses for the value. If an argument occurs twice, the first one counts. An argument of the
+/// wrong kind is ignored.
 std::optional<StyleQuery> styleQueryOf(const std::vector<Argument>& arguments);
 
 /// The host's style settings.
 ///
 /// Keywords are compared without regard to the case of ASCII letters.
-/// Threads: safe from any.
+/// Threads: any thread may call the functions.
 class StyleTree {
 public:
     /// The value of a setting for one pair of offsets, or for every pair.
@@ -40,7 +40,7 @@ public:
     using SetHandle = std::shared_ptr<Set_s>;
 
     /// Sets the value at \p path.
-    /// \return the handles of the set that \p value is, and of the set that it replaces.
+    /// \return the handle of the new set and that of the replaced set; empty if there is no such set.
     /// \throws vexa::InvalidArgumentException if \p path is not valid.
     std::pair<SetHandle, SetHandle> set(const std::vector<std::string>& path, const Offsets& offsets,
                                         const StyleValue& value);
@@ -49,7 +49,7 @@ public:
     GetValueReturnCode_e answer(const StyleQuery& query) const;
 
 private:
-    // A text or a set is allocated on its own, because add-ons get its address.
+    // A text or a set is a separate allocation, because add-ons get its address.
     using Value = std::variant<double, std::int64_t, std::shared_ptr<const std::string>, SetHandle>;
 
     static Value valueOf(const StyleValue& value);

@@ -29,7 +29,7 @@ std::string RandomCommands::command(const std::vector<CommandForm>& forms) {
         const OptionForm& foreign = oneOf(other.options);
         options.emplace_back(&foreign, valueOf(foreign));
     }
-    // std::shuffle() gives another order in every C++ library.
+    // Not std::shuffle(), because its order differs between C++ libraries.
     for (std::size_t i = options.size(); i > 1; --i) std::swap(options[i - 1], options[below(i)]);
 
     std::string text = inAnyCase(chosen.word);

@@ -9,7 +9,7 @@
 namespace vexa::standin {
 namespace {
 
-// The findings of `now` that are not in `before`, or that count more than there.
+// Returns the findings of `now` that are not in `before`, or that count more repeats than there.
 std::vector<Finding> newFindings(const std::vector<Finding>& before, const std::vector<Finding>& now) {
     std::vector<Finding> made;
     for (std::size_t i = 0; i < now.size(); ++i) {

@@ -38,9 +38,9 @@ TEST_F(MacroFileTest, HasTheCommandsOfItsLines) {
 
 TEST_F(MacroFileTest, PlacesEveryProblem) {
     EXPECT_EQ(problemsOf("ONE\nTHREE GO\nONE a\rb\nONE a\0b\n"s),
-              (std::vector<std::string>{":1: a command of 'ONE' was expected after its name",
-                                        ":2: no add-on 'THREE' is loaded (loaded: ONE, TWO)",
-                                        ":3: the line holds a carriage return", ":4: the line holds a NUL byte"}));
+              (std::vector<std::string>{
+                  ":1: expected a command after 'ONE'", ":2: no add-on 'THREE' is loaded (loaded: ONE, TWO)",
+                  ":3: the line contains a carriage return", ":4: the line contains a NUL byte"}));
 }
 
 TEST_F(MacroFileTest, ThatIsMissingHasOneProblem) {

@@ -53,7 +53,7 @@ TEST(StyleFile, PlacesAnError) {
 TEST(StyleFile, TakesSixKeywordsAtMost) {
     EXPECT_EQ(errorIn(R"({"A":{"B":{"C":{"D":{"E":{"F":1}}}}}})"), "");
     EXPECT_EQ(errorIn(R"({"A":{"B":{"C":{"D":{"E":{"F":{"G":1}}}}}}})"),
-              "31: 'G' is the seventh keyword of a path; six are the most");
+              "31: 'G' is the seventh keyword of a path; at most six are allowed");
 }
 
 }  // namespace

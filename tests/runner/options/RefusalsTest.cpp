@@ -15,7 +15,7 @@ TEST(Refusals, NameTheRulesThatMayBeMeant) {
 }
 
 TEST(Refusals, SayHowToListTheTests) {
-    EXPECT_EQ(noSuchTest("frob"), "there is no test \"frob\"; 'check --list' names them");
+    EXPECT_EQ(noSuchTest("frob"), "there is no test \"frob\"; 'check --list' lists them");
 }
 
 TEST(Refusals, NameTheLoadedAddOns) {

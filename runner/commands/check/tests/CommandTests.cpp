@@ -12,14 +12,14 @@
 namespace vexa::runner {
 namespace {
 
-// Runs commands, each of which may fail: what it needs may not have come before.
+// Runs commands. Each may fail, because an earlier command that it needs may be missing.
 void runInOneSession(Trial& trial, const std::vector<MacroCommand>& steps) {
     CheckedSession session(trial);
     for (const MacroCommand& step : steps) session.run(step);
     session.end();
 }
 
-// ---- The second add-on: its command `ID text` is to run the command `text` of the add-on ID.
+// ---- The second add-on: its command `ID text` runs the command `text` of the add-on ID.
 
 constexpr char kCaller[] = "VEXA-STANDIN-CHECK";
 
@@ -92,7 +92,7 @@ Verdict commandsInRandomOrder(Trial& trial) {
     constexpr int kOrders = 5;
     std::vector<MacroCommand> steps = trial.subject().steps;
     for (int order = 0; order != kOrders; ++order) {
-        // Not by std::shuffle(), whose result is the library's own affair.
+        // Not by std::shuffle(), because its result differs between C++ libraries.
         for (std::size_t left = steps.size(); left > 1; --left) {
             std::swap(steps[left - 1], steps[trial.random()() % left]);
         }
@@ -116,7 +116,7 @@ Verdict commandsFromSecondAddOn(Trial& trial) {
 
 Verdict inBatchMode(Trial& trial) {
     for (const std::string& dialog : dialogsInMode(trial, "in batch mode", &standin::Host::setBatchMode)) {
-        trial.warn("in batch mode a dialog comes up, with nobody there to close it: " + dialog);
+        trial.warn("in batch mode the add-on shows a dialog, which nobody can close: " + dialog);
     }
     return {};
 }
@@ -146,7 +146,7 @@ Verdict recordAndReplay(Trial& trial) {
     if (first == second) return {};
     const auto same = std::mismatch(first.begin(), first.end(), second.begin(), second.end()).first - first.begin();
     const auto index = static_cast<std::size_t>(same);
-    throw CaseFailed("what was recorded records something else when it is run\nfirst: " + lineOf(first, index) +
+    throw CaseFailed("the recorded commands record something else when they are run\nfirst: " + lineOf(first, index) +
                      "\nthen:  " + lineOf(second, index));
 }
 

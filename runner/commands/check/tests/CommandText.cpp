@@ -10,9 +10,9 @@ namespace {
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr std::size_t kVeryLong = 70000;  // more than 64 KiB
 constexpr std::size_t kManyOptions = 5000;
-constexpr std::size_t kMostCuts = 400;  // in longer texts, cuts have a distance
+constexpr std::size_t kMostCuts = 400;  // a longer text is cut at only so many places
 
-// Values of every kind, and what is nearly one.
+// Values of every kind, and texts that nearly are values.
 constexpr const char* kValues[] = {"",
                                    "TRUE",
                                    "-1",
@@ -57,7 +57,7 @@ std::size_t skipBlanks(const std::string& text, std::size_t at) {
     return std::min(text.find_first_not_of(kBlanks, at), text.size());
 }
 
-// The parts of a command's text, as far as it has the usual form: a word, and options after it.
+// The parts of a command's text if it has the usual form: a word, and options after it.
 //
 //     LOAD FILE = 'a b' COLUMNS=[1-3] FAST      the word LOAD, and FILE = 'a b', COLUMNS = [1-3], FAST
 struct CommandText {
@@ -125,7 +125,7 @@ private:
         for (std::size_t i = 0; i != kManyOptions; ++i) swollen += " N" + std::to_string(i) + " = 1";
         add("with very many options", swollen);
         add("with a very long first word", m_command.word + std::string(kVeryLong, 'A'));
-        add("with very many blanks behind it", m_text + std::string(kVeryLong, ' '));
+        add("with very many blanks after it", m_text + std::string(kVeryLong, ' '));
     }
 
     void option(std::size_t i) {
@@ -158,7 +158,7 @@ private:
         replace("with a very long set for " + name, i, {name, set + ']'});
     }
 
-    // Quotes and escapes within a quoted text have to be read, and recorded so that they are read again.
+    // Tests that the add-on reads quotes and escapes in a quoted text, and records them so that they can be read again.
     void quotesWithin(std::size_t i) {
         const auto& [name, value] = m_command.options[i];
         if (value.size() < 2 || (value.front() != '\'' && value.front() != '"')) return;
@@ -173,7 +173,7 @@ private:
     void cuts() {
         const std::size_t step = m_text.size() / kMostCuts + 1;
         for (std::size_t at = 1; at < m_text.size(); at += step) {
-            add("cut behind byte " + std::to_string(at), m_text.substr(0, at));
+            add("cut after byte " + std::to_string(at), m_text.substr(0, at));
         }
         for (std::size_t at = 1; at < m_text.size(); at += step) {
             add("without its first " + std::to_string(at) + " bytes", m_text.substr(at));
@@ -191,7 +191,7 @@ private:
             for (const std::size_t at : {m_text.size() / 3, m_text.size() * 2 / 3, m_text.size()}) {
                 std::string text = m_text;
                 text.insert(at, 1, byte);
-                add("with a strange byte behind byte " + std::to_string(at), text);
+                add("with a strange byte after byte " + std::to_string(at), text);
             }
         }
     }
@@ -229,7 +229,7 @@ std::vector<DamagedText> strangeTexts() {
         every += one;
         texts.push_back({"byte " + std::to_string(byte) + " alone", one});
     }
-    texts.push_back({"every byte there is", every});
+    texts.push_back({"every possible byte", every});
     for (const char* const text : kValues) texts.push_back({"a value alone", text});
     for (const char byte : std::string_view("A '\"[=\\1\xFF")) {
         texts.push_back({"the same byte very often", std::string(kVeryLong, byte)});

@@ -13,7 +13,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::size_t kMostOfOneKind = 200;  // how many places are tried of a kind that one command has more of
+constexpr std::size_t kMostOfOneKind = 200;  // at most this many disturbances of one kind are tried for each command
 constexpr const char* kCheckPercent = "VexaUtilStatusCheckPercentDone";
 constexpr const char* kAllocString = "VexaUtilStringAlloc";
 
@@ -21,10 +21,11 @@ constexpr const char* kAllocString = "VexaUtilStringAlloc";
 
 struct Failure {
     int result;
-    const char* text;  // as the host writes it down
+    const char* text;  // as the log of calls shows it
 };
 
-// What a failed call returns. An add-on cannot see that a function without a result failed, so there is nothing to try.
+// Returns the results of a failed call. Empty for a function without a result, because an add-on cannot see that it
+// failed.
 std::vector<Failure> failuresOf(standin::ResultKind_e kind) {
     switch (kind) {
         case standin::ResultKind_e::None: return {};
@@ -42,12 +43,12 @@ Disturbance failing(const std::string& function, std::size_t nth, const Failure&
     const auto run = [=, result = failure.result](standin::Host& host, const std::function<void()>& command) {
         host.failCall(function, nth, result);
         command();
-        host.forgetFaults();  // the command may not have made that call this time
+        host.forgetFaults();  // this time the command may have made fewer calls
     };
     return {"call " + std::to_string(nth) + " of " + function + " returns " + failure.text, run};
 }
 
-// A failing command takes yet another path if it gets no memory for its message.
+// Also lets the host run out of memory for the error message, because the command then runs other code.
 Disturbance withoutMessage(Disturbance disturbance) {
     disturbance.what += ", and " + std::string(kAllocString) + " null";
     disturbance.run = [run = disturbance.run](standin::Host& host, const std::function<void()>& command) {
@@ -70,8 +71,8 @@ Disturbance stopping(std::size_t nth) {
 
 // ---- Allocations
 
-// A command that fails because memory ran out has no memory for a message, either. And the library's
-// getValueAsString() deliberately does not free its argument list then, so commands that use it cannot.
+// A command that runs out of memory has no memory for a message, either. After that, the library's getValueAsString()
+// deliberately does not free its argument list. So both rules are suppressed.
 Disturbance withoutMemory(std::size_t first, std::size_t last) {
     const auto run = [=](standin::Host&, const std::function<void()>& command) {
         const AllocationFaults faults(first, last);
@@ -100,7 +101,7 @@ void addFailures(Trial& trial, RankedDisturbances& failures, const DisturbedComm
     for (const std::size_t nth : sampled(trial, results.size())) {
         ++rank;
         for (const Failure& failure : failuresOf(info.result)) {
-            // A result that the call returns anyway disturbs nobody.
+            // Skips a result that the undisturbed call returns, too.
             if (results[nth - 1] == failure.text) continue;
             const Disturbance one = failing(info.name, nth, failure);
             failures.emplace(rank, one);
@@ -117,7 +118,7 @@ Verdict hostCallFails(Trial& trial) {
         for (const standin::HostFunctionInfo& info : standin::hostFunctions()) addFailures(trial, all, command, info);
         return all;
     };
-    return tryDisturbances(trial, failures, "there was nothing to disturb");
+    return tryDisturbances(trial, failures, "nothing can be disturbed");
 }
 
 Verdict stopPressed(Trial& trial) {
@@ -128,7 +129,7 @@ Verdict stopPressed(Trial& trial) {
         }
         return all;
     };
-    return tryDisturbances(trial, stops, "no command shows a progress that could be stopped");
+    return tryDisturbances(trial, stops, "no command shows a progress");
 }
 
 Verdict allocationFails(Trial& trial) {
@@ -141,8 +142,8 @@ Verdict allocationFails(Trial& trial) {
         return all;
     };
     return tryDisturbances(trial, failures,
-                           "no allocation was seen: the commands make none, or the add-on has an operator new of its "
-                           "own, as when it is linked with the C++ library inside");
+                           "no allocation was seen: the commands make none, or the add-on has its own operator new, "
+                           "for example because it links the C++ library statically");
 }
 
 }  // namespace vexa::runner

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kUnknownCommand = "NO_SUCH_COMMAND";
 constexpr std::size_t kMostTogether = 16;
-constexpr std::size_t kFirstTogether = 4;  // so that slow commands, too, soon had their first cases
+constexpr std::size_t kFirstTogether = 4;  // small, so that every command, even a slow one, gets its first cases soon
 
 std::vector<Disturbance> takeSome(RankedDisturbances& left, std::size_t most) {
     std::vector<Disturbance> taken;
@@ -34,7 +34,7 @@ std::string textOf(const Deed& deed) {
     return "it failed, with " + (deed.error.empty() ? "no message" : "the message: " + deed.error);
 }
 
-// The commands of the macros, each after those before it, and one that the add-on does not know.
+// Returns the commands of the macros, each with the commands before it, and a command that the add-on does not know.
 std::vector<DisturbedCommand> disturbedCommands(Trial& trial) {
     std::vector<DisturbedCommand> commands;
     std::vector<MacroCommand> before;
@@ -80,18 +80,19 @@ void DisturbedCommand::run(const std::vector<Disturbance>& disturbances) const {
     }
 }
 
-// Returns up to where one session could serve.
+// Runs as many disturbances as possible in one session, and returns the next one.
 DisturbedCommand::Position DisturbedCommand::runTogether(Position at, Position end) const {
     CheckedSession session(m_trial);
     runBefore(session);
     bool isPossibleAgain = true;
     while (at != end && isPossibleAgain) {
         const Deed deed = runDisturbed(session, *at++);
-        // What succeeded need not be possible again.
+        // A command that succeeded may not be possible a second time.
         isPossibleAgain = !deed.accepted || m_repeats;
     }
     if (isPossibleAgain) {
-        expectUsual(runOnce(session), "the same command after it, undisturbed, does not do what it does", "before");
+        expectUsual(runOnce(session), "after it, the same command has another result, although nothing disturbs it",
+                    "before");
     }
     session.end();
     return at;
@@ -105,7 +106,7 @@ Deed DisturbedCommand::runDisturbed(CheckedSession& session, const Disturbance& 
     session.expectContractKept();
     expectReplayable(deed.recorded);
     if (disturbance.successIsWhole && deed.accepted) {
-        expectUsual(deed, "the command reports success, but did not do all it does", "undisturbed");
+        expectUsual(deed, "the command reports success, but did only a part of its work", "undisturbed");
     }
     return deed;
 }
@@ -132,7 +133,7 @@ void DisturbedCommand::runBefore(CheckedSession& session) const {
     for (const MacroCommand& step : m_before) session.run(step);
 }
 
-// Disturbed, a command may do less than it should, and record that; but not what cannot be run.
+// A disturbed command may do less than usual and record other commands, but each recorded command must be replayable.
 void DisturbedCommand::expectReplayable(const std::vector<std::string>& recorded) const {
     for (const std::string& line : recorded) {
         const std::vector<std::string>& usual = m_undisturbed.recorded;
@@ -169,7 +170,7 @@ Verdict tryDisturbances(Trial& trial,
         }
     }
     std::string reason = std::to_string(tried) + (tried == 1 ? " case" : " cases");
-    if (tried != count) reason += " of " + std::to_string(count) + "; then the time was up";
+    if (tried != count) reason += " of " + std::to_string(count) + "; the time was over";
     return {Outcome_e::Passed, reason};
 }
 

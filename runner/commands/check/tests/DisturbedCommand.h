@@ -10,38 +10,38 @@
 
 namespace vexa::runner {
 
-/// What a command did.
+/// The result of a command.
 struct Deed {
     bool accepted = false;
-    std::string error;                  ///< its message
-    std::vector<std::string> recorded;  ///< what it had recorded, macro lines
+    std::string error;                  ///< its error message
+    std::vector<std::string> recorded;  ///< the commands that it recorded, as macro lines
 };
 
 /// A way to disturb a command that otherwise succeeds.
 struct Disturbance {
     std::string what;  ///< for people, for example "call 3 of VexaUtilStringAlloc fails"
-    /// Runs the command, and ends the disturbance.
+    /// Runs the command with the disturbance, and then ends the disturbance.
     std::function<void(standin::Host& host, const std::function<void()>& command)> run;
-    std::vector<std::string> suppressed = {};  ///< rules that the command may break meanwhile
-    bool successIsWhole = false;  ///< whether a disturbed command that succeeds must record the same as undisturbed
+    std::vector<std::string> suppressed = {};  ///< rules that the disturbed command may break
+    bool successIsWhole = false;  ///< true if a disturbed command that succeeds must record the same as undisturbed
 };
 
-/// A command of the macros after the commands before it. Each case runs in a session of its own, with recording on.
+/// A command of the macros, with the commands before it. Each case runs in its own session, with recording on.
 class DisturbedCommand {
 public:
     /// Runs \p step undisturbed after \p before, which may fail. The later runs are compared with this one.
     DisturbedCommand(Trial& trial, std::vector<MacroCommand> before, MacroCommand step);
 
-    /// What the calls of \p function return, undisturbed, in their order and as text.
+    /// Returns the results of the undisturbed calls of \p function, in order, as text.
     std::vector<std::string> resultsOf(const std::string& function) const;
 
-    /// Runs the command disturbed in each of these ways, then again undisturbed, and unloads the add-on. Disturbances
-    /// share a session, which is faster; after an error each one is tried alone.
-    /// \throws CaseFailed if the contract is broken, if a recorded command cannot be replayed, or if the last run
+    /// Runs the command with each of the disturbances, then again undisturbed, and unloads the add-on. Disturbances
+    /// share a session, which is faster. After an error, each one is tried alone. \throws CaseFailed if the contract is
+    /// broken, if a recorded command cannot be replayed, or if the last run
     ///         differs from the undisturbed one.
     void run(const std::vector<Disturbance>& disturbances) const;
 
-    /// How many allocations the command asks for, undisturbed.
+    /// Returns the number of allocations of the undisturbed command.
     std::size_t countAllocations() const;
 
 private:
@@ -58,17 +58,17 @@ private:
     std::vector<MacroCommand> m_before;
     MacroCommand m_step;
     Deed m_undisturbed;
-    bool m_repeats = false;                                     // given twice, it does the same twice
-    bool m_isSteady = false;                                    // in two sessions, it does the same
+    bool m_repeats = false;   // the command has the same result when it runs twice in a session
+    bool m_isSteady = false;  // the command has the same result in two sessions
     std::map<std::string, std::vector<std::string>> m_results;  // of the calls of each function
 };
 
 /// Disturbances by their rank: low ranks come first.
 using RankedDisturbances = std::multimap<std::size_t, Disturbance>;
 
-/// Disturbs the commands of the macros, each after those before it, and a command that the add-on does not know. Tries
-/// the low ranks of all commands first, until the time is up, but at least some disturbances of each command.
-/// \param whyNone is the reason for skipping the test if \p disturbancesOf returns none for any command.
+/// Disturbs each command of the macros, after the commands before it, and a command that the add-on does not know.
+/// Tries the low ranks of all commands first, until the time is over, but at least some disturbances of each command.
+/// \param whyNone the reason for skipping the test if \p disturbancesOf returns nothing for every command.
 Verdict tryDisturbances(Trial& trial,
                         const std::function<RankedDisturbances(const DisturbedCommand& command)>& disturbancesOf,
                         const char* whyNone);

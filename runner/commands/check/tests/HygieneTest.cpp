@@ -22,12 +22,12 @@ constexpr std::string_view kEntry = "vexaAddOn";
 constexpr std::size_t kNamesShown = 3;
 constexpr std::size_t kNameLength = 60;
 
-// Names of templates can be longer than anybody reads.
+// Names of templates can be very long.
 std::string shortened(const std::string& name) {
     return name.size() <= kNameLength ? name : name.substr(0, kNameLength) + "...";
 }
 
-// The first few of many.
+// Returns the first few names.
 std::string listed(const std::vector<std::string>& names) {
     std::string text;
     for (std::size_t i = 0; i != std::min(names.size(), kNamesShown); ++i) {
@@ -37,11 +37,11 @@ std::string listed(const std::vector<std::string>& names) {
     return more == 0 ? text : text + " and " + std::to_string(more) + " more";
 }
 
-// ---- Whether this machine's programs can load it
+// ---- Can this machine load the file?
 
 std::string bitsOf(const ElfFile& file) { return file.fileClass == ELFCLASS64 ? "64" : "32"; }
 
-// Empty when it is of the kind that this program is.
+// Returns why this program cannot load the file; empty if it can.
 std::string whyOfAnotherKind(const ElfFile& file) {
     const ElfFile own = readElfFile("/proc/self/exe");
     if (file.fileClass != own.fileClass) {
@@ -51,12 +51,12 @@ std::string whyOfAnotherKind(const ElfFile& file) {
         return "it is built for processors of ELF machine " + std::to_string(file.machine) + ", but the host for " +
                std::to_string(own.machine);
     }
-    return file.type == ET_DYN ? "" : "it is no shared object, but an object file or a program; link it as a module";
+    return file.type == ET_DYN ? "" : "it is an object file or a program, not a shared object; link it as a module";
 }
 
 using Library = std::unique_ptr<void, int (*)(void*)>;
 
-// Null if the library cannot be opened; dlerror() tells why.
+// Returns null if the library cannot be opened; dlerror() then has the reason.
 Library opened(const std::string& file, int flags) { return {dlopen(file.c_str(), flags | RTLD_LOCAL), dlclose}; }
 
 std::filesystem::path folderOf(const Library& library) {
@@ -67,11 +67,13 @@ std::filesystem::path folderOf(const Library& library) {
 
 std::string whereFrom(const std::string& symbol) {
     if (startsWith(symbol, "VexaUtil")) return "the host has no such function; was it written for another host?";
-    if (startsWith(demangled(symbol), "vexa::")) return "link vexa::vexautilutil, of the version it was compiled with";
+    if (startsWith(demangled(symbol), "vexa::"))
+        return "link the version of vexa::vexautilutil with which it was compiled";
     return "link the library that has it";
 }
 
-// Not lazily bound, a symbol is missed that is an object; then there is nothing to look in but the process itself.
+// Opens the file with lazy binding, which succeeds even if functions are missing. It fails if an object is missing; the
+// result is then empty.
 std::vector<std::string> missingSymbols(const std::string& path, const ElfFile& file) {
     const Library lazily = opened(path, RTLD_LAZY);
     std::vector<std::string> missing;
@@ -92,9 +94,9 @@ std::string explained(const std::string& path, const ElfFile& file, const std::s
         return "the library " + error.substr(0, library) + ", which it needs, was not found in" + folders +
                " LD_LIBRARY_PATH and the system's folders";
     }
-    std::string lines = "it cannot be bound: " + error;
+    std::string lines = "its symbols cannot be bound: " + error;
     for (const std::string& symbol : missingSymbols(path, file)) {
-        lines += "\nnobody has " + demangled(symbol) + ": " + whereFrom(symbol);
+        lines += "\nno library has " + demangled(symbol) + ": " + whereFrom(symbol);
     }
     return lines;
 }
@@ -103,7 +105,7 @@ void checkBinding(const std::string& path, const ElfFile& file, std::string& err
     if (opened(path, RTLD_NOW) == nullptr) addLine(errors, explained(path, file, dlerror()));
 }
 
-// ---- What it offers
+// ---- Exported symbols
 
 // Linkers and instrumentation add names of their own.
 bool isToolchains(const std::string& name) {
@@ -120,21 +122,22 @@ void checkExports(Trial& trial, const ElfFile& file, std::string& errors) {
         hasEntry |= isEntry;
         if (!isEntry) (symbol.isStrong ? strong : weak).push_back(demangled(symbol.name));
     }
-    const std::string mend = "; link with a version script that exports vexaAddOn alone";
-    if (!hasEntry) addLine(errors, "it exports no vexaAddOn, so it is no add-on");
+    const std::string mend = "; link with a version script that exports only vexaAddOn";
+    if (!hasEntry) addLine(errors, "it does not export vexaAddOn, so it is not an add-on");
     if (!strong.empty()) {
-        addLine(errors,
-                "it exports more than vexaAddOn, which other add-ons may take for theirs: " + listed(strong) + mend);
+        addLine(errors, "it exports more than vexaAddOn; other add-ons may use these symbols by accident: " +
+                            listed(strong) + mend);
     }
     if (!weak.empty()) {
-        trial.warn("templates and inline functions are exported, which add-ons then share by chance: " + listed(weak) +
+        trial.warn("it exports templates and inline functions; add-ons may share them by accident: " + listed(weak) +
                    mend);
     }
 }
 
-// ---- How it is linked
+// ---- Link options
 
-// Whether this program itself has a library from there that the add-on needs. CMake notes this folder in build trees.
+// Returns true if this program has loaded, from `folder`, a library that the add-on needs. In build trees, CMake adds
+// such a folder to the run path.
 bool isWhereTheHostLooks(const std::string& folder, const ElfFile& file) {
     return std::any_of(file.needed.begin(), file.needed.end(), [&](const std::string& library) {
         std::error_code ignored;
@@ -151,10 +154,10 @@ void checkRunPaths(Trial& trial, const ElfFile& file, std::string& errors) {
         if (startsWith(path, "/")) {
             if (isWhereTheHostLooks(path, file)) continue;
             trial.warn("it looks for libraries in " + path +
-                       ", which is there on this machine; install it with a run path from $ORIGIN on");
+                       ", a folder of this machine; install it with a run path that starts with $ORIGIN");
         } else {
             addLine(errors, "it looks for libraries in \"" + path +
-                                "\", so in the folder the host is started in, where anybody may put one");
+                                "\", which means the current folder of the host, where anybody can put one");
         }
     }
 }
@@ -162,11 +165,11 @@ void checkRunPaths(Trial& trial, const ElfFile& file, std::string& errors) {
 void checkMemory(const ElfFile& file, std::string& errors) {
     if (file.hasExecutableStack) {
         addLine(errors,
-                "it asks for a stack whose content can be executed, for the whole host; an assembly source without a "
-                ".note.GNU-stack section does that, or -z execstack");
+                "it makes the stack of the whole host executable; the cause is an assembly source without a "
+                ".note.GNU-stack section, or -z execstack");
     }
     if (file.hasTextRelocations) {
-        addLine(errors, "its code is changed while it is loaded (text relocations); compile all of it with -fPIC");
+        addLine(errors, "the loader must change its code (text relocations); compile all of it with -fPIC");
     }
 }
 

@@ -21,10 +21,10 @@ namespace vexa::runner {
 namespace {
 
 constexpr int kRounds = 50;
-constexpr int kFirstRounds = 10;           // until all that is made once is made
-constexpr std::size_t kBytesAllowed = 64;  // a round: no object of anybody's, but the loader's own small change
+constexpr int kFirstRounds = 10;           // by then, everything that is created only once exists
+constexpr std::size_t kBytesAllowed = 64;  // in each round: less than any object, but the loader needs a few bytes
 
-// What the process has that a leak makes more of.
+// Resources of the process that grow with a leak.
 struct Holdings {
     std::size_t bytes;
     std::size_t mappings;
@@ -51,7 +51,7 @@ long threadsNow() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
 }
 
-// A thread that was joined may be listed a moment longer.
+// The system may list a joined thread for a moment longer.
 bool staysWithMoreThreads(long than) {
     constexpr auto kPatience = std::chrono::seconds(2);
     const auto end = std::chrono::steady_clock::now() + kPatience;
@@ -70,22 +70,24 @@ std::string whyStillMapped(const std::string& path) {
     const auto unique = find([](const ElfSymbol& symbol) { return symbol.isDefined && symbol.isUnique; });
     if (unique != file.symbols.end()) {
         add("the whole process shares its " + demangled(unique->name) +
-            ", which pins it; compile with -fno-gnu-unique, or export vexaAddOn alone by a version script");
+            ", which keeps the file loaded; compile with -fno-gnu-unique, or export only vexaAddOn by a version "
+            "script");
     }
     const auto threadExit =
         find([](const ElfSymbol& symbol) { return startsWith(symbol.name, "__cxa_thread_atexit"); });
     if (threadExit != file.symbols.end()) {
-        add("it has thread_local objects with destructors; one of the host's own thread pins it until that ends");
+        add("it has thread_local objects with destructors; such an object of a host thread keeps the file loaded until "
+            "the thread ends");
     }
     if (reasons.empty()) {
-        reasons = "\nnothing in the file tells why; it may have opened itself by dlopen(), or another library did";
+        reasons = "\nthe file does not show why; the add-on or another library may have opened it by dlopen()";
     }
-    return "its file is still mapped after it was unloaded: its static state stays, and a new version of it is not "
-           "taken before the host ends" +
+    return "its file is still mapped after it was unloaded: its static state stays, and the host cannot load a new "
+           "version before it is restarted" +
            reasons;
 }
 
-// Keeps the file mapped while it lives, so that a thread that was left behind does not crash.
+// Keeps the file mapped as long as this lives, so that a thread that still runs does not crash.
 using Hold = std::unique_ptr<void, int (*)(void*)>;
 
 void expectNoThreadLeft(Trial& trial, const std::string& path) {
@@ -95,10 +97,10 @@ void expectNoThreadLeft(Trial& trial, const std::string& path) {
     Hold hold(dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD), dlclose);
     session.end();
     if (staysWithMoreThreads(threads)) {
-        (void)hold.release();  // the thread goes on
+        (void)hold.release();  // keep the file mapped, because the thread still runs
         throw CaseFailed(
-            "a thread of the add-on still runs after its shutdown, in code that is unloaded then; end and "
-            "join it in the shutdown");
+            "a thread of the add-on still runs after the shutdown, in code that the host then unloads; end and "
+            "join the thread in the shutdown");
     }
 }
 
@@ -106,10 +108,11 @@ void expectNothingLeft(const Holdings& before, const Holdings& after) {
     constexpr std::size_t kRoundsCounted = kRounds - kFirstRounds;
     const std::size_t bytes = after.bytes > before.bytes ? (after.bytes - before.bytes) / kRoundsCounted : 0;
     if (bytes > kBytesAllowed) {
-        throw CaseFailed(std::to_string(bytes) + " bytes of memory are lost each time that it is loaded and unloaded");
+        throw CaseFailed(std::to_string(bytes) +
+                         " bytes of memory are lost each time the add-on is loaded and unloaded");
     }
     if (after.mappings >= before.mappings + kRoundsCounted) {
-        throw CaseFailed("a mapping of memory, or of a file, is left each time that it is loaded and unloaded");
+        throw CaseFailed("a mapping of memory or of a file is left each time the add-on is loaded and unloaded");
     }
 }
 

@@ -35,12 +35,12 @@ public:
         const bool all = trySystematically();
         tryAtRandom();
         std::string reason = std::to_string(m_count) + " texts";
-        if (!all) reason += "; the time was up before all of the kinds were tried";
+        if (!all) reason += "; the time was over before every kind was tried";
         return {Outcome_e::Passed, reason};
     }
 
 private:
-    // Takes one text of each original in turn, so that every original gets its share of the time. Returns whether there
+    // Takes one text of each original in turn, so that every original gets its share of the time. Returns true if there
     // was time for all texts.
     bool trySystematically() {
         bool hasMore = true;
@@ -82,7 +82,8 @@ private:
 
     Trial& m_trial;
     std::vector<Original> m_originals;
-    std::set<std::string> m_warned;  // the rules of which one warning was given: thousands of texts break the same
+    std::set<std::string>
+        m_warned;  // rules with a warning; each gets one, because thousands of texts break the same rule
     std::size_t m_count = 0;
 };
 

@@ -10,35 +10,34 @@ const std::vector<CheckTest>& checkTests() {
         {"load", 1, Needs_e::File, "The add-on is loaded and unloaded.",
          "An add-on that cannot be loaded cannot be used, and every other test starts by loading it.", load},
         {"binary-hygiene", 1, Needs_e::File,
-         "All symbols are bound when it is loaded, vexaAddOn alone is exported, no folder of this machine is searched "
-         "for libraries, the stack is not executable, and the code is not changed while it is loaded.",
-         "Such an add-on works for its author, and fails or is unsafe on another machine.", binaryHygiene},
+         "All symbols can be bound, only vexaAddOn is exported, the loader searches no folder of this machine for "
+         "libraries and does not change the code, and the stack is not executable.",
+         "An add-on without these properties may fail or be unsafe on another machine.", binaryHygiene},
         {"load-unload", 1, Needs_e::Loading,
-         "Loaded and unloaded fifty times it leaves nothing behind: no memory, no thread, no mapping of its file.",
-         "The host loads a new version of an add-on while it runs. An add-on that stays loaded keeps the old version. "
-         "A "
-         "thread that it leaves behind crashes the host.",
+         "Fifty times loaded and unloaded, the add-on leaves no memory, no thread and no mapping of its file.",
+         "The host can load a new version of an add-on while it runs, unless the old version stays mapped. A thread "
+         "that still runs crashes the host when its code is unloaded.",
          loadAndUnload},
 
         // ---- The commands
         {"commands-in-order", 1, Needs_e::Commands, "The commands of the macros succeed in their order.",
          "This is how users run them.", commandsInOrder},
-        {"commands-alone", 1, Needs_e::Commands, "Each command keeps the contract as the only one after loading.",
+        {"commands-alone", 1, Needs_e::Commands,
+         "Each command keeps the contract when it is the first one after loading.",
          "Users start with any command. It may fail with a message because an earlier command is missing, but it must "
          "not harm the host.",
          commandsAlone},
-        {"commands-twice", 2, Needs_e::Commands, "The commands keep the contract when each is given twice.",
-         "Users repeat commands, and the second run meets the state that the first one left.", commandsTwice},
+        {"commands-twice", 2, Needs_e::Commands, "The commands keep the contract when each one runs twice.",
+         "Users repeat commands. The second run starts in the state that the first one left.", commandsTwice},
         {"commands-random-order", 2, Needs_e::Commands, "The commands keep the contract in any order.",
          "Users give commands in orders that the author did not expect.", commandsInRandomOrder},
         {"commands-from-second-add-on", 2, Needs_e::Commands,
-         "The commands of the macros succeed when a command of another add-on has them run.",
+         "The commands of the macros succeed when a command of another add-on runs them.",
          "Add-ons use one another, so a command can start while another command runs.", commandsFromSecondAddOn},
 
         // ---- The modes of the host
-        {"batch-mode", 2, Needs_e::Commands,
-         "The commands of the macros succeed in batch mode, and ask nobody to close a dialog.",
-         "Nobody watches a job at night, so a dialog stops the host until the morning.", inBatchMode},
+        {"batch-mode", 2, Needs_e::Commands, "The commands of the macros succeed in batch mode, and show no dialog.",
+         "A batch job has no user. The host would wait forever for someone to close the dialog.", inBatchMode},
         {"recording-on", 2, Needs_e::Commands, "The commands of the macros succeed while the host records.",
          "Users record macros of what they do.", whileRecording},
         {"journal-playback", 2, Needs_e::Commands,
@@ -47,31 +46,31 @@ const std::vector<CheckTest>& checkTests() {
         {"layout-playback", 2, Needs_e::Commands,
          "The commands of the macros succeed while the host plays back a layout.",
          "Opening a layout runs the commands in it.", duringLayoutPlayback},
-        {"record-replay", 2, Needs_e::Commands, "What the commands record can be run, and records the same again.",
-         "A recorded macro that fails, or does something else, when it is played back is worse than none.",
+        {"record-replay", 2, Needs_e::Commands,
+         "The recorded commands succeed when they are run, and record the same commands again.",
+         "Users rely on recorded macros. A macro that does something else when it is played back misleads them.",
          recordAndReplay},
 
         // ---- What goes wrong around commands
         {"host-call-fails", 2, Needs_e::Loading,
-         "Commands of which one call of the host fails, each in turn, fail with a message or succeed, and the same "
-         "command works after them.",
-         "Hosts run out of memory and refuse calls. What an add-on leaves behind then causes errors much later.",
+         "Each host call of a command fails in turn. The command succeeds or fails with a message, and the same "
+         "command works after it.",
+         "Hosts run out of memory and refuse calls. If the add-on does not clean up, errors follow much later.",
          hostCallFails},
         {"stop-pressed", 2, Needs_e::Commands,
-         "Commands that the user stops, at every percentage in turn, end as they should, and work when they are given "
-         "again.",
-         "Users stop long commands, and then expect the state from before.", stopPressed},
+         "The user stops a command at each percentage in turn. The command keeps the contract, and the same command "
+         "works after it.",
+         "Users stop long commands, and expect the state from before the command.", stopPressed},
         {"allocation-fails", 3, Needs_e::Loading,
-         "Commands of which one allocation fails, each in turn, or it and all later ones, fail or succeed, and the "
-         "same "
-         "command works after them.",
+         "Each allocation of a command fails in turn, alone or with all later ones. The command succeeds or fails, and "
+         "the same command works after it.",
          "Large data sets use up the memory. The user's work must survive that, and the messages must be true.",
          allocationFails},
         {"mutated-text", 3, Needs_e::Loading,
-         "Damaged commands keep the contract: cut, with options dropped, doubled and swapped, with strange bytes and "
-         "very long values.",
-         "Macros are edited by hand, cut by editors and written by programs. A typing error must not end the host.",
-         mutatedTexts, true},
+         "Damaged commands keep the contract: they are cut off, or have missing, repeated or swapped options, strange "
+         "bytes or very long values.",
+         "People and programs write macros, and make mistakes. A typing error must not end the host.", mutatedTexts,
+         true},
     };
     return tests;
 }

@@ -10,7 +10,7 @@ namespace vexa::runner {
 /// Every test, in the order in which they run. Tests that others build on come first.
 const std::vector<CheckTest>& checkTests();
 
-/// The test \p name; null if there is none.
+/// Returns the test \p name; null if there is none.
 const CheckTest* findCheckTest(std::string_view name);
 
 // The functions of the tests. checkTests() has their names and says what each one tests.
@@ -35,7 +35,7 @@ Verdict duringLayoutPlayback(Trial& trial);
 Verdict recordAndReplay(Trial& trial);
 
 // Disturbed commands. A disturbed command may fail with a message. It must keep the contract, and the commands that it
-// records must be replayable. The same command after it must do what it always does.
+// records must be replayable. After it, the same command must have its usual result.
 Verdict hostCallFails(Trial& trial);
 Verdict stopPressed(Trial& trial);
 Verdict allocationFails(Trial& trial);

@@ -16,10 +16,11 @@ struct Plan {
     std::size_t count;
 };
 
-// What operator new does on this thread. Initialized by constants, because allocations start before constructors.
+// Decides what operator new does on this thread. Initialized by constants, because allocations start before
+// constructors run.
 thread_local Plan plan = {false, 0, 0, 0};
 
-// Counts an allocation that an add-on asks for.
+// Counts an allocation of an add-on, and returns true if it must fail.
 bool isToFail() {
     if (!plan.isArmed || !standin::Host::isInAddOn()) return false;
     ++plan.count;

@@ -1,6 +1,6 @@
 /// \file
-/// Allocations that fail. This replaces operator new in all its forms, for the program and for its shared objects that
-/// have no operator new of their own.
+/// Failing allocations. The source replaces every form of operator new, for the program and for its shared objects that
+/// do not have their own operator new.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace vexa::runner {
 
-/// Makes allocations of the calling thread fail while this object lives. Allocations of the host do not count.
+/// Makes allocations of the calling thread fail as long as this object lives. Allocations of the host do not count.
 class AllocationFaults {
 public:
     static constexpr std::size_t kNone = 0;
@@ -20,7 +20,7 @@ public:
     AllocationFaults& operator=(const AllocationFaults&) = delete;
     ~AllocationFaults();
 
-    /// How many allocations the add-ons have asked for since the last object was constructed.
+    /// Returns the number of allocations of the add-ons since the last object was constructed.
     static std::size_t count();
 };
 

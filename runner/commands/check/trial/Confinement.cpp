@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 // ---- By Landlock, for which the C library has no functions
 
-constexpr std::uint64_t kCut = std::uint64_t{1} << 14;  // LANDLOCK_ACCESS_FS_TRUNCATE, which older headers have not
+constexpr std::uint64_t kCut = std::uint64_t{1} << 14;  // LANDLOCK_ACCESS_FS_TRUNCATE, which older headers lack
 constexpr long kVersionWithCut = 3;
 constexpr std::uint64_t kWriting =
     LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR | LANDLOCK_ACCESS_FS_REMOVE_FILE |
@@ -35,7 +35,7 @@ constexpr std::uint64_t kWriting =
 constexpr const char* kHarmlessDevices[] = {"/dev/null",   "/dev/zero",    "/dev/full",
                                             "/dev/random", "/dev/urandom", "/dev/tty"};
 
-// A path that is not there needs no permission.
+// A missing path needs no permission.
 void allow(const Descriptor& rules, const char* path, std::uint64_t access) {
     const Descriptor place(open(path, O_PATH | O_CLOEXEC));
     if (!place.isOpen()) return;
@@ -51,13 +51,12 @@ void writeFile(const char* path, const std::string& text) {
     if (!(std::ofstream(path) << text << std::flush)) throwLastError(path);
 }
 
-// Whoever is not root is granted a view of mounts in a name space of users only. There, too, everyone stays who they
-// are.
+// A user who is not root can have separate mounts only inside a user namespace. The namespace keeps all user ids.
 void takeMounts() {
     const std::string user = std::to_string(geteuid());
     const std::string group = std::to_string(getegid());
     if (unshare(CLONE_NEWNS) == 0) return;
-    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) throwLastError("no mounts of its own");
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) throwLastError("cannot create separate mounts");
     writeFile("/proc/self/setgroups", "deny");
     writeFile("/proc/self/uid_map", user + ' ' + user + " 1");
     writeFile("/proc/self/gid_map", group + ' ' + group + " 1");
@@ -75,7 +74,7 @@ void confineByLandlock(const fs::path& folder) {
     const long version = syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 0) throwLastError("Landlock");
     if (version < kVersionWithCut)
-        throw std::system_error(ENOSYS, std::generic_category(), "Landlock that covers cutting");
+        throw std::system_error(ENOSYS, std::generic_category(), "Landlock cannot refuse truncation");
     landlock_ruleset_attr handled{};
     handled.handled_access_fs = kWriting;
     const Descriptor rules(syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0));
@@ -94,7 +93,7 @@ void confineByMounts(const fs::path& folder) {
     if (mount(folder.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr) != 0) throwLastError(folder.c_str());
     setReadOnly("/", true, AT_RECURSIVE);
     setReadOnly(folder.c_str(), false, 0);
-    fs::current_path(current);  // by its name, for it was on the mount that is read-only now
+    fs::current_path(current);  // by its name, because the process is still in the mount that is now read-only
 }
 
 Confinement::Counter* Confinement::enteredCounter = nullptr;

@@ -9,7 +9,7 @@
 
 namespace vexa::runner {
 
-/// A folder below which alone those processes may change files that entered it, and the processes that they start.
+/// Lets a process, and the processes that it starts, change files only below a folder.
 ///
 ///     const Confinement confinement(scratch, scratch / "tmp");
 ///     if (fork() == 0) {
@@ -17,33 +17,32 @@ namespace vexa::runner {
 ///         ...                    // open("/home/me/file", O_WRONLY) fails with EACCES
 ///     }
 ///
-/// Below the folder everything is allowed. Elsewhere files and folders cannot be made, written, cut, renamed, linked or
-/// removed; they can be read, and programs can be started. What is open stays open. Devices that keep nothing, such as
-/// /dev/null, may be written.
+/// Below the folder everything is allowed. Elsewhere, files and folders cannot be created, written, truncated, renamed,
+/// linked or removed. They can be read, and programs can be started. Open files stay open. Devices that keep nothing,
+/// such as /dev/null, may be written.
 ///
-/// Landlock does this where the kernel has it with the right to cut files (from Linux 6.2 on). Elsewhere the process
-/// gets a view of the file system of its own, in which all but the folder is read-only, where the system allows that.
+/// The class uses Landlock if the kernel can control truncation with it (Linux 6.2 or later). Otherwise, if the system
+/// allows it, the process gets its own view of the file system, in which everything outside the folder is read-only.
 ///
-/// Not covered: owners, permissions, times and attributes of files, where Landlock does it; signals to other processes;
-/// sockets; and what a program that runs already is asked to do.
+/// Not covered: with Landlock, owners, permissions, times and attributes of files; signals to other processes; sockets;
+/// and requests to running programs.
 class Confinement {
 public:
     /// \param folder    an absolute path.
-    /// \param temporary a folder below it, which TMPDIR names within.
+    /// \param temporary a folder below it; TMPDIR is set to it.
     /// \throws std::bad_alloc
     Confinement(std::filesystem::path folder, std::filesystem::path temporary);
 
     /// Confines this process, which must have one thread. Its current folder stays the same.
-    /// \throws std::system_error when neither way is open; the process is not to go on then.
+    /// \throws std::system_error if the system allows neither way. The process must then not continue.
     void enter() const;
 
-    /// How many calls of the C library that change files were refused in all processes that entered. System calls that
-    /// are made without the C library, or by it for its own ends, and those of other programs are refused, too, but not
-    /// counted.
+    /// Returns how many calls of C library functions that change files were refused in all confined processes. Direct
+    /// system calls, calls inside the C library, and calls of other programs are refused, too, but not counted.
     std::size_t refusals() const { return m_refusals->value; }
 
-    /// Counts a call that failed with \p error, if this process is confined and that is why. Called by the functions of
-    /// CountedFileCalls.cpp.
+    /// Counts a call that failed with \p error, if this process is confined and the confinement may be the reason. The
+    /// functions of CountedFileCalls.cpp call it.
     static void noteFailure(int error) noexcept;
 
 private:

@@ -1,7 +1,7 @@
-// The functions of the C library that change files, for the whole program and its add-ons: the loader finds these
-// first. They call the library's functions, and count the changes that a confinement refused.
+// Replaces the functions of the C library that change files, for the program and its add-ons: the loader finds these
+// functions first. They call the C library's functions, and count the changes that a confinement refused.
 
-// Without this, the library's headers define checked variants of the same functions.
+// Otherwise the library's headers define checked variants of the same functions.
 #undef _FORTIFY_SOURCE
 
 #include <dlfcn.h>
@@ -26,7 +26,7 @@ bool isFailure(const void* result) { return result == nullptr; }
 bool isForWriting(int flags) { return (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0; }
 bool isForWriting(const char* mode) { return std::strpbrk(mode, "wa+") != nullptr; }
 
-// A confinement refuses only changes. Permissions are why a file cannot be opened for reading.
+// Counts only changes. If a file cannot be opened for reading, the reason is its permissions, not the confinement.
 template <class Result>
 Result counted(Result result, bool isChange) noexcept {
     const int error = errno;
@@ -53,7 +53,7 @@ mode_t modeOf(int flags, va_list arguments) {
         return counted(next arguments, isChange);                     \
     }
 
-// The same for functions that open files, which take a mode only if they create the file.
+// Does the same for functions that open files. They take a mode only if they create the file.
 #define VEXA_OPEN(function, parameters, arguments)           \
     int function parameters {                                \
         VEXA_NEXT(function);                                 \
@@ -67,7 +67,7 @@ mode_t modeOf(int flags, va_list arguments) {
 // NOLINTBEGIN(cert-dcl50-cpp,bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
 #pragma GCC visibility push(default)
 extern "C" {
-// What the library calls for open() in programs that are built with its checks.
+// Programs that are built with the library's checks call these functions instead of open().
 int __open_2(const char* path, int flags);
 int __open64_2(const char* path, int flags);
 int __openat_2(int folder, const char* path, int flags);

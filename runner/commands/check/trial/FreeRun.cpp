@@ -22,7 +22,7 @@ void runAll(CheckedSession& session, const std::vector<MacroCommand>& steps) {
     }
 }
 
-// The finding if the command cannot be played back.
+// Returns a finding if the command cannot be played back.
 std::optional<standin::Finding> playBack(Trial& trial, const std::vector<MacroCommand>& before,
                                          const standin::RecordedCommand& recorded) {
     CheckedSession session(trial);
@@ -34,7 +34,7 @@ bool haveMacroLines(const std::vector<MacroCommand>& steps) {
     return std::all_of(steps.begin(), steps.end(), [](const MacroCommand& step) { return fitsMacroLine(step.text); });
 }
 
-// The host refuses to record a command that does not fit in a line of a macro. The add-on did nothing wrong.
+// Removes findings about commands that do not fit on a line of a macro. The damaged text is the cause, not the add-on.
 void forgetRefusedRecordings(std::vector<standin::Finding>& findings) {
     const auto isRefusal = [](const auto& finding) { return finding.rule == "recording-not-replayable"; };
     findings.erase(std::remove_if(findings.begin(), findings.end(), isRefusal), findings.end());

@@ -50,7 +50,7 @@ Trial::Trial(const Subject& subject, BlackBox& blackBox)
 
 void Trial::nowTrying(const std::string& what, const std::string& macro) {
     m_blackBox.tried.set(what);
-    // A macro that was cut shows nothing.
+    // A macro that is cut off does not show the error.
     m_blackBox.macro.set(macro.size() <= decltype(m_blackBox.macro)::capacity() ? macro : "");
     m_blackBox.touch();
 }
@@ -65,12 +65,12 @@ std::string Trial::warnings() const {
     return lines;
 }
 
-// Writes the black box. It allocates nothing during a command, because the test may let allocations fail.
+// Writes the black box. Allocates nothing during a command, because the test may make allocations fail.
 class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
     explicit Recorder(BlackBox& box) : m_box(box) {}
 
-    // A command of an add-on may run a command of another one.
+    // Entries nest: a command of an add-on may run a command of another add-on.
     void entryBegan(const standin::EntryEvent& entry) override {
         m_entries.push_back(nameOf(entry));
         m_box.entry.set(m_entries.back());
@@ -99,7 +99,7 @@ public:
 private:
     BlackBox& m_box;
     std::vector<std::string> m_entries;
-    std::mutex m_guard;  // calls come from any thread
+    std::mutex m_guard;  // any thread may call the host
 };
 
 CheckedSession::CheckedSession(Trial& trial)
@@ -155,7 +155,7 @@ void CheckedSession::end() {
     expectContractKept();
 }
 
-// The breaches of rules of severity error. The others become warnings.
+// Returns the findings of severity error. Turns the others into warnings.
 std::string CheckedSession::breaches() {
     std::string errors;
     for (const standin::Finding& finding : host().violations()) {

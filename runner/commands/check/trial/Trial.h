@@ -18,13 +18,13 @@ namespace vexa::runner {
 class Confinement;
 struct BlackBox;
 
-/// The macro file of \p steps.
+/// Returns the text of a macro file with \p steps.
 std::string macroOf(const std::vector<MacroCommand>& steps);
 
-/// The commands of the lines of a macro file.
+/// Returns the commands in the lines of a macro file.
 std::vector<MacroCommand> stepsOf(const std::vector<std::string>& lines);
 
-/// The name of \p step in messages: `ID text (FILE:LINE)`.
+/// Returns the name of \p step in messages: `ID text (FILE:LINE)`.
 std::string nameOf(const MacroCommand& step);
 
 /// The add-on to check, and the input of the tests.
@@ -34,7 +34,7 @@ struct Subject {
     std::vector<StyleSetting> style;           ///< the host's style settings
     std::uint64_t seed = 0;                    ///< of all random numbers
     std::chrono::milliseconds time{};          ///< the time for a test that could go on forever
-    const Confinement* confinement = nullptr;  ///< which the process of the test enters; null for none
+    const Confinement* confinement = nullptr;  ///< the confinement of the test's process; null for none
 
     const std::string& addOn() const { return options.addOns.front(); }
 };
@@ -59,17 +59,17 @@ public:
     Trial(const Subject& subject, BlackBox& blackBox);
 
     const Subject& subject() const { return m_subject; }
-    /// Random numbers, which depend on the seed only.
+    /// Returns the source of random numbers, which depend only on the seed.
     std::mt19937_64& random() { return m_random; }
     /// Notes what the test tries from now on, for example "call 3 of VexaUtilStringAlloc fails". The report of a
-    /// failure, a crash or a hang names it, and has \p macro, which may show it.
+    /// failure, a crash or a hang contains \p what, and \p macro, which may show the error.
     void nowTrying(const std::string& what, const std::string& macro = {});
-    /// Whether the time for a test that could go on forever is over.
+    /// Returns true if the time for a test that could run forever is over.
     bool isTimeUp() const { return std::chrono::steady_clock::now() >= m_end; }
     /// Notes that a rule of severity warning was broken. The test ends as warned, unless it fails. Equal reasons count
     /// once.
     void warn(const std::string& reason);
-    /// The reasons given to warn(), a line each.
+    /// Returns the reasons given to warn(), one per line.
     std::string warnings() const;
 
 private:
@@ -81,8 +81,8 @@ private:
     std::vector<std::string> m_warnings;
 };
 
-/// The session of a test case: a host of its own, with the add-on loaded. Notes in the black box which command runs and
-/// which host call it is in.
+/// The session of a test case: a new host with the add-on loaded. Notes the current command and host call in the black
+/// box.
 class CheckedSession {
 public:
     /// \throws CaseFailed if the add-on cannot be loaded.
@@ -93,17 +93,17 @@ public:
     standin::Host& host() { return m_session.host(); }
     /// Runs a command.
     standin::CommandResult run(const MacroCommand& step);
-    /// Runs a command that must succeed, as in every case without faults.
+    /// Runs a command that must succeed, because nothing disturbs it.
     /// \throws CaseFailed if it fails, with its message and the findings so far.
     void runWell(const MacroCommand& step);
     /// Runs commands as runWell() does, and calls end().
     void runWellAndEnd(const std::vector<MacroCommand>& steps);
-    /// The commands that were recorded, as macro lines.
+    /// Returns the recorded commands as macro lines.
     std::vector<std::string> recorded() const;
     /// Passes warnings to Trial::warn().
-    /// \throws CaseFailed if a rule of severity error was broken so far.
+    /// \throws CaseFailed if there is a finding of severity error.
     void expectContractKept();
-    /// Unloads the add-on, and calls expectContractKept(): leaks show after unloading.
+    /// Unloads the add-on, and then calls expectContractKept(), because some leaks show only after unloading.
     void end();
 
 private:

@@ -11,7 +11,7 @@
 
   const byId = (id) => document.getElementById(id);
 
-  // What is shown comes from add-ons: it is set as text, never as markup.
+  // Sets texts as text, never as markup, because they come from add-ons.
   function element(tag, attributes = {}, ...children) {
     const made = document.createElement(tag);
     for (const [name, value] of Object.entries(attributes)) made.setAttribute(name, value);
@@ -31,7 +31,7 @@
   const isOpen = (span) => spans.duration[span] < 0;
   const endOf = (span) => (isOpen(span) ? data.end : spans.start[span] + spans.duration[span]);
 
-  // A table that makes no more rows than a reader looks at, until more are asked for.
+  // A table that creates only its first rows. A button creates more.
   const kRowsAtOnce = 500;
   function table(caption, columns, rows, cellsOf) {
     const body = element('tbody');
@@ -65,7 +65,7 @@
     byId(id).append(isEmpty ? element('p', {class: 'faint'}, whenEmpty) : make());
   }
 
-  // ---- What became of the run
+  // ---- The outcome of the run
 
   const failedCommands = data.entries.filter((entry) => entry.kind === 'command' && !entry.succeeded && !isOpen(entry.span));
   const commands = data.entries.filter((entry) => entry.kind === 'command');
@@ -90,11 +90,11 @@
     const called = data.functions.filter((one) => one.calls).length;
     const options = Object.entries(data.options).map(([name, values]) => [name, ...values].join(' '));
     const facts = [
-      ['Made by', data.tool],
+      ['Program', data.tool],
       ['Options', options.join('  ') || 'none'],
       ['Duration', timeText(data.end)],
       ['Commands', `${commands.length.toLocaleString('en')}, ${failedCommands.length.toLocaleString('en')} failed`],
-      ['Host calls', `${calls.toLocaleString('en')}, of ${called} of ${data.functions.length} functions`],
+      ['Host calls', `${calls.toLocaleString('en')}, to ${called} of ${data.functions.length} functions`],
       ['Findings', `${counted(errors, 'error')}, ${counted(data.findings.length - errors, 'warning')}`],
     ];
     for (const [name, value] of facts) byId('facts').append(element('dt', {}, name), element('dd', {}, value));
@@ -155,30 +155,30 @@
   }
 
   function showSections() {
-    fill('findings-content', !data.findings.length, 'There are none.', findingCards);
-    fill('commands-content', !data.entries.length, 'No add-on was entered.', () => table(
-        'Commands, and the loading and unloading of add-ons, in their order',
+    fill('findings-content', !data.findings.length, 'No findings.', findingCards);
+    fill('commands-content', !data.entries.length, 'No add-on was called.', () => table(
+        'Commands, and loading and unloading of add-ons, in order',
         [{title: 'Place'}, {title: 'Command', kind: 'code'}, {title: 'Outcome'}, {title: 'Duration', kind: 'number'},
           {title: 'Host calls', kind: 'number'}, {title: 'Message'}, {title: 'Timeline'}],
         data.entries, entryCells));
     fill('recorded-content', !data.recorded.length, 'No command was recorded.', () => table(
-        'What the add-ons had recorded, in its order',
+        'Recorded commands, in order',
         [{title: 'Call', kind: 'number'}, {title: 'Add-on'}, {title: 'Command', kind: 'code'}],
         data.recorded, (one) => [String(one.call), one.addOn, element('pre', {}, one.command)]));
-    fill('dialogs-content', !data.dialogs.length, 'No dialog came up.', () => table(
-        'What users were told, in its order', [{title: 'Call', kind: 'number'}, {title: 'Text'}],
+    fill('dialogs-content', !data.dialogs.length, 'No dialog was shown.', () => table(
+        'Texts of the dialogs, in order', [{title: 'Call', kind: 'number'}, {title: 'Text'}],
         data.dialogs, (one) => [String(one.call), element('pre', {}, one.text)]));
     const neverCalled = data.functions.filter((one) => !one.calls).length;
     byId('functions-content').append(table(
         `${neverCalled} of ${data.functions.length} functions were never called`,
-        [{title: 'Function', kind: 'code'}, {title: 'Calls', kind: 'number'}, {title: 'Time in them', kind: 'number'}],
+        [{title: 'Function', kind: 'code'}, {title: 'Calls', kind: 'number'}, {title: 'Total time', kind: 'number'}],
         data.functions, (one) => [one.name,
           one.calls ? one.calls.toLocaleString('en') : element('span', {class: 'warn'}, 'never called'),
           one.calls ? timeText(one.time) : '']));
     const untouched = data.rules.filter((rule) => rule.coverage === 'untouched').length;
     byId('rules-content').append(table(
         `${untouched} of ${data.rules.length} rules were not touched by this run`,
-        [{title: 'Rule', kind: 'code'}, {title: 'State'}, {title: 'What it asks'}, {title: 'Touched by'}],
+        [{title: 'Rule', kind: 'code'}, {title: 'State'}, {title: 'Rule text'}, {title: 'Touched by'}],
         data.rules, (rule) => [rule.name, ruleState(rule), rule.summary, rule.touchedBy]));
   }
 
@@ -202,7 +202,7 @@
   let selected = -1;
   const outcomes = new Map(data.entries.map((entry) => [entry.span, entry.succeeded]));
 
-  // Tracks with their rows: the spans of one depth, which follow one another in time.
+  // Tracks with their rows. A row has the spans of one depth, in the order of time.
   const tracks = data.tracks.slice(0, kMostTracks).map((track) => ({...track, rows: []}));
   for (let span = 0; span < spanCount; ++span) {
     const track = tracks[spans.track[span]];
@@ -226,7 +226,7 @@
   const xOf = (time) => kGutter + (time - view.from) * scale();
   const timeAt = (x) => view.from + (x - kGutter) / scale();
 
-  // The first span of a row that ends behind a time.
+  // Returns the first span of a row that ends after a time.
   function firstEndingAfter(row, time, from = 0) {
     let low = from;
     let high = row.length;
@@ -250,7 +250,7 @@
     return outcomes.get(span) ? palette.entry : palette.failed;
   }
 
-  // Spans narrower than a pixel are drawn as one: what is drawn never exceeds the pixels there are.
+  // Draws neighbouring spans that are narrower than a pixel as one, so that the number of pixels limits the work.
   function drawRow(context, row, top, palette) {
     let count = 0;
     for (let i = firstEndingAfter(row, view.from); i < row.length;) {
@@ -357,7 +357,7 @@
     canvas.dataset.to = Math.round(view.to);
   }
 
-  // Several changes between two frames are drawn once.
+  // Draws once for several changes between two frames.
   let isDrawingDue = false;
   function drawSoon() {
     if (isDrawingDue) return;
@@ -400,7 +400,7 @@
     drawSoon();
   }
 
-  // Selects a span and brings it into view, not larger than it is shown already unless it would be too small to see.
+  // Selects a span and scrolls to it. Zooms in only if the span would be too small to see.
   function reveal(span) {
     const start = spans.start[span];
     const duration = endOf(span) - start;
@@ -492,7 +492,7 @@
     const left = data.tracks.length - tracks.length;
     canvas.setAttribute('aria-label', `Timeline of ${counted(data.entries.length, 'command')} and ` +
         `${(spanCount - data.entries.length).toLocaleString('en')} host calls and scopes on ${counted(drawn.length, 'track')}. ` +
-        'The tables of this page say the same in words.');
+        'The tables of this page have the same data.');
     if (left > 0) canvas.after(element('p', {class: 'faint'}, `${counted(left, 'more track')} are not drawn.`));
   }
 

@@ -66,7 +66,7 @@ TEST(ToldCauses, DistinguishesEndsByTheSignalAndTheCommand) {
     EXPECT_FALSE(causes.tell("two", crashed("SIGSEGV: x", "ID a", "9, Alloc()")).isNew);
     EXPECT_TRUE(causes.tell("three", crashed("SIGSEGV: x", "ID a (1)", "1, Alloc()")).isNew);
     EXPECT_TRUE(causes.tell("four", crashed("SIGABRT: x", "ID a", "1, Alloc()")).isNew);
-    EXPECT_EQ(causes.summary(), "2 tests have the cause that one shows: SIGSEGV: x, during: ID a");
+    EXPECT_EQ(causes.summary(), "2 tests have the same cause, first seen in one: SIGSEGV: x, during: ID a");
 }
 
 TEST(ToldCauses, CountsNothingThatPassedOrWasSkipped) {

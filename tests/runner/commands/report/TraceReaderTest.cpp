@@ -127,7 +127,7 @@ std::string headerWith(const std::string& options) {
 
 TEST(TraceReader, RefusesWhatIsNoTrace) {
     const std::string header = headerWith("{}");
-    const std::string no = ": this is no trace that 'vexa-standin run --trace' wrote";
+    const std::string no = ": this is not a trace of 'vexa-standin run --trace'";
     struct Case {
         const char* why;
         std::string text;
@@ -138,15 +138,15 @@ TEST(TraceReader, RefusesWhatIsNoTrace) {
         {"an empty file", "", no},
         {"another text", "ONE SAY a\n", no},
         {"an empty array", "[\n]\n", no},
-        {"a header cut off", header.substr(0, 40), ":2: no event of a trace"},
+        {"a header cut off", header.substr(0, 40), ":2: not an event of a trace"},
         {"the trace of another tool", "[\n{\"name\":\"x\",\"cat\":\"y\",\"ph\":\"X\"}\n]\n", ":2" + no},
         {"numbers", "[\n1\n]\n", ":2" + no},
-        {"a broken line in the middle", header + ",\n{\"name\":\n{}\n]\n", ":3: no event of a trace"},
+        {"a broken line in the middle", header + ",\n{\"name\":\n{}\n]\n", ":3: not an event of a trace"},
         {"a part that is missing", header + ",\n{\"ph\":\"B\",\"ts\":2}\n]\n",
-         ":3: an event with a part missing, or of another kind"},
-        {"an unknown event", header + ",\n{\"ph\":\"Q\",\"ts\":2}\n]\n", ":3: an event of the unknown kind \"Q\""},
+         ":3: an event with a missing part, or with a part of the wrong type"},
+        {"an unknown event", header + ",\n{\"ph\":\"Q\",\"ts\":2}\n]\n", ":3: an event of unknown type \"Q\""},
         {"an end alone", header + ",\n{\"ph\":\"E\",\"ts\":2,\"tid\":1,\"cat\":\"call\"}\n]\n",
-         ":3: an end without its beginning"},
+         ":3: an end without a start"},
     };
     for (const Case& c : cases) EXPECT_EQ(refusalOf(c.text), c.refusal) << c.why;
 }
@@ -156,13 +156,13 @@ std::string refusalOfEvent(const std::string& event) { return refusalOf(headerWi
 TEST(TraceReader, RefusesTimesThatNoRunCanHave) {
     for (const char* time : {"1e300", "-1e300", "9223372036854775807", "1e13"}) {
         EXPECT_EQ(refusalOfEvent(R"({"ph":"C","tid":1,"ts":)" + std::string(time) + R"(,"args":{"percent":1}})"),
-                  ":3: a time that no run can have")
+                  ":3: an impossible time")
             << time;
     }
 }
 
 TEST(TraceReader, RefusesNumbersThatAreNoIntegers) {
-    const std::string refusal = ":3: an event with a part missing, or of another kind";
+    const std::string refusal = ":3: an event with a missing part, or with a part of the wrong type";
     for (const char* number : {"1e300", "1.5", "true", "null", "-1"}) {
         EXPECT_EQ(refusalOfEvent(R"({"name":"f","cat":"call","ph":"B","tid":1,"ts":2,"args":{"number":)" +
                                  std::string(number) + R"(,"arguments":""}})"),
@@ -180,13 +180,13 @@ TEST(TraceReader, RefusesNumbersThatAreNoIntegers) {
 TEST(TraceReader, RefusesAFindingWithoutARule) {
     for (const char* facts : {"{}", "[]", "7", R"({"rule":7})", "null"}) {
         EXPECT_EQ(refusalOfEvent(R"({"cat":"finding","ph":"i","tid":1,"ts":2,"args":)" + std::string(facts) + '}'),
-                  ":3: an event with a part missing, or of another kind")
+                  ":3: an event with a missing part, or with a part of the wrong type")
             << facts;
     }
 }
 
 TEST(TraceReader, QuotesAnUnknownEventShortlyAndInOneLine) {
-    EXPECT_EQ(refusalOfEvent(R"({"ph":"a\nb","ts":2})"), R"(:3: an event of the unknown kind "a\nb")");
+    EXPECT_EQ(refusalOfEvent(R"({"ph":"a\nb","ts":2})"), R"(:3: an event of unknown type "a\nb")");
     EXPECT_LT(refusalOfEvent(R"({"ph":")" + std::string(1000, 'Q') + R"(","ts":2})").size(), 300U);
 }
 
@@ -199,13 +199,12 @@ TEST(TraceReader, RefusesWhatIsNestedDeeply) {
 TEST(TraceReader, RefusesAnEventWithManyParts) {
     std::string options;
     for (std::size_t i = 0; i < 300000; ++i) options += (options.empty() ? "{\"" : ",\"") + std::to_string(i) + "\":[]";
-    EXPECT_EQ(refusalOf(headerWith(options + '}') + "\n]\n"), ":2: an event of too many parts");
+    EXPECT_EQ(refusalOf(headerWith(options + '}') + "\n]\n"), ":2: an event with too many parts");
 }
 
 TEST(TraceReader, RefusesOptionsThatAreNone) {
     for (const char* options : {"7", "[]", R"({"--batch":7})", R"({"--batch":[7]})"}) {
-        EXPECT_EQ(refusalOf(headerWith(options) + "\n]\n"),
-                  ":2: this is no trace that 'vexa-standin run --trace' wrote")
+        EXPECT_EQ(refusalOf(headerWith(options) + "\n]\n"), ":2: this is not a trace of 'vexa-standin run --trace'")
             << options;
     }
 }

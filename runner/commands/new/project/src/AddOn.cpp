@@ -36,7 +36,7 @@ void run(const std::string& text) {
     record(command.toString());
 }
 
-// What run() throws becomes the error message of the command.
+// The message of an exception from run() becomes the error message of the command.
 VexaBoolean execute(const char* text, char** errMsg) {
     return executeCommand([&] { run(text); }, errMsg);
 }

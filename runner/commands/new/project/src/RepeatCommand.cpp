@@ -31,7 +31,7 @@ RepeatCommand::RepeatCommand(const std::string& options)
         if (*current == "TEXT") {
             const auto text = std::make_shared<StringMacroOption>(current, end, &kDefaultText);
             m_text = text->value();
-            addOption(text);  // what is added is recorded, unless it is at its default
+            addOption(text);  // added options are recorded, unless they have their default
         } else if (*current == "TIMES") {
             const auto times = std::make_shared<UInt64MacroOption>(current, end, &kDefaultTimes);
             m_times = times->value();

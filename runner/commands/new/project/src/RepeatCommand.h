@@ -5,13 +5,13 @@
 
 #include "vexautilutil/MacroCommandAbstract.h"
 
-/// REPEAT TEXT="Hello" TIMES=3 prints a text as often as it is told to. Both options may be left out.
+/// REPEAT TEXT="Hello" TIMES=3 prints the text three times. Both options are optional.
 class RepeatCommand : public vexa::vexautilutil::MacroCommandAbstract {
 public:
     static constexpr const char* kName = "REPEAT";
 
     /// Reads \p options, the command without its name.
-    /// \throws MacroCommandError, as execute() does: a message for the user.
+    /// \throws MacroCommandError with a message for the user, as execute() does.
     explicit RepeatCommand(const std::string& options);
 
     void execute() override;

@@ -3,8 +3,8 @@
 
 namespace {
 
-// The add-on in a stand-in host. A breach of the host's contract fails the test, whatever it is about. The first test
-// that fails from a cause shows all about it, the others a line.
+// Loads the add-on into a stand-in host. Each test fails if the add-on breaks the host's contract. Several failures
+// from one cause are explained once.
 class Repeat : public ::testing::Test {
 protected:
     static void fail(const std::string& finding) { ADD_FAILURE() << finding; }
