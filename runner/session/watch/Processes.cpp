@@ -15,6 +15,7 @@
 #include "session/watch/Channel.h"
 #include "session/watch/UncaughtErrors.h"
 #include "system/processes/ChildProcess.h"
+#include "system/processes/OtherThreads.h"
 #include "system/processes/Strays.h"
 
 namespace vexa::runner {
@@ -26,10 +27,12 @@ constexpr int kLookInterval = 20;  // milliseconds
 
 // ---- In the process
 
+// Exit handlers destroy what a thread of an add-on may still use. If such a thread crashes while sanitizers look for
+// leaks, the thread and the exit handlers wait for each other forever.
 [[noreturn]] void leave(ProcessBox& box, const ProcessSetting& setting, int status) {
     box.report(status);
     box.allow(setting.timeToLeave);
-    if (!setting.leavesAtOnce) std::exit(status);
+    if (!setting.leavesAtOnce && !hasOtherThreads()) std::exit(status);
     std::fflush(nullptr);
     box.markLeft();
     _exit(status);

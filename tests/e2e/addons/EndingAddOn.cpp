@@ -68,10 +68,13 @@ void stayLoaded() {
     dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
+// The host keeps the code of a thread loaded if the thread has called the host.
 void outliveOnThread() {
+    static std::atomic<bool> hasCalled;
     std::thread([] {
-        for (;;) VexaUtilMacroIsBatchModeActive();
+        for (;; hasCalled = true) VexaUtilMacroIsBatchModeActive();
     }).detach();
+    while (!hasCalled) std::this_thread::yield();
 }
 
 [[noreturn]] void raiseAndWait(int signal) {
