@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "session/watch/Channel.h"
+#include "session/watch/TimeSteps.h"
 #include "session/watch/UncaughtErrors.h"
 #include "system/processes/ChildProcess.h"
 #include "system/processes/OtherThreads.h"
@@ -22,8 +23,6 @@ namespace vexa::runner {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr int kLookInterval = 20;  // milliseconds
 
 // ---- In the process
 
@@ -159,7 +158,18 @@ private:
     void wait() const {
         std::vector<pollfd> polled = {{m_signals.descriptor(), POLLIN, 0}};
         for (const Process& process : m_running) process.addTo(polled);
-        poll(polled.data(), polled.size(), m_setting.isTimed ? kLookInterval : -1);
+        if (!m_setting.isTimed) {
+            poll(polled.data(), polled.size(), -1);
+            return;
+        }
+        const Clock::time_point begin = Clock::now();
+        poll(polled.data(), polled.size(), static_cast<int>(kTimeStep.count()));
+        const Clock::duration time = Clock::now() - begin;
+        if (time > kLongestTimeStep) forgive(time - kLongestTimeStep);
+    }
+
+    void forgive(Clock::duration time) const {
+        for (const Process& process : m_running) process.box().forgive(time);
     }
 
     void obey(int signal) {
@@ -181,10 +191,8 @@ private:
         const Clock::time_point begin = Clock::now();
         for (const Process& process : m_running) process.child().signalGroup(SIGSTOP);
         raise(SIGSTOP);
-        for (const Process& process : m_running) {
-            process.box().forgive(Clock::now() - begin);
-            process.child().signalGroup(SIGCONT);
-        }
+        forgive(Clock::now() - begin);
+        for (const Process& process : m_running) process.child().signalGroup(SIGCONT);
     }
 
     [[noreturn]] void killAll(int signal) {
