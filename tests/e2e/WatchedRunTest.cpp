@@ -1,4 +1,5 @@
-// Add-ons that end their process, stop it, flood it and leave processes behind, run by every command that runs add-ons.
+// Tests every command that runs add-ons with add-ons that end or stop their process, flood its output, or start
+// processes that outlive it.
 
 #include <signal.h>
 #include <sys/stat.h>
