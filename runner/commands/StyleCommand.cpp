@@ -83,7 +83,7 @@ Command styleCommand() {
     command.add(option({"--offset2"}, "N", "The query's second index; 0 unless given", &options->offset2));
     command.check = [options] {
         // The library would leave further keywords away, except that the last one tells the kind.
-        if (options->path.size() > kMostStyleKeywords) throw UsageError("PATH: six keywords are the most");
+        if (options->path.size() > standin::kMostStyleKeywords) throw UsageError("PATH: six keywords are the most");
     };
     command.run = [options] { return showStyle(*options); };
     return command;

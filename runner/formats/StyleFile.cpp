@@ -178,7 +178,7 @@ private:
         if (keyword.name.empty()) throw JsonError(keyword.at, "a keyword is empty");
         if (isSpecial(keyword)) throw JsonError(keyword.at, quoted(keyword.name) + " cannot stand among keywords");
         if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword cannot hold a NUL");
-        if (m_path.size() == kMostStyleKeywords) {
+        if (m_path.size() == standin::kMostStyleKeywords) {
             throw JsonError(keyword.at, quoted(keyword.name) + " is the seventh keyword of a path; six are the most");
         }
     }

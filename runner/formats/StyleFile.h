@@ -11,9 +11,6 @@
 
 namespace vexa::runner {
 
-/// How many keywords the path of a setting has at most.
-inline constexpr std::size_t kMostStyleKeywords = 6;
-
 /// A setting of a style file.
 struct StyleSetting {
     std::vector<std::string> path;                 ///< its keywords, outermost first
