@@ -2,27 +2,28 @@
 
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <system_error>
 
 namespace vexa::runner {
 namespace {
 
-constexpr unsigned kIsEnding = 4;  // PF_EXITING in proc(5)
+constexpr int kFieldsBeforeFlags = 6;  // after the name: see proc(5)
+constexpr unsigned kIsEnding = 4;      // PF_EXITING
 
 // The system still lists a joined thread for a moment.
 bool isEnding(const std::filesystem::path& task) {
     std::ifstream file(task / "stat");
     std::string line;
     std::getline(file, line);
-    const std::size_t endOfName = line.rfind(')');  // the name may have blanks and parentheses
-    if (endOfName == std::string::npos) return true;
+    std::istringstream fields(line.substr(line.rfind(')') + 1));  // the name may have blanks and parentheses
+    std::string skipped;
+    for (int i = 0; i != kFieldsBeforeFlags; ++i) fields >> skipped;
     unsigned flags = 0;
-    std::sscanf(line.c_str() + endOfName, ") %*c %*d %*d %*d %*d %*d %u", &flags);
-    return (flags & kIsEnding) != 0;
+    return !(fields >> flags) || (flags & kIsEnding) != 0;
 }
 
 }  // namespace
