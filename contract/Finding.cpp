@@ -26,7 +26,7 @@ std::string headOf(const Finding& finding) {
     std::string text;
     if (!finding.seen.macroLine.empty()) text += finding.seen.macroLine + ": ";
     if (!finding.addOnId.empty()) text += finding.addOnId + ": ";
-    text += finding.severity == Severity_e::Error ? "error" : "warning";
+    text += nameOf(finding.severity);
     return text + ": " + indented(finding.message) + " [" + finding.rule + ']';
 }
 

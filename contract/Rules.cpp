@@ -217,8 +217,8 @@ const std::vector<Row>& catalogue() {
          {RuleTrigger_e::Entry, {}},
          "No exception may leave an add-on.",
          "The host is written in C. The exception ends the host, and the user's work is lost.",
-         "Catch all exceptions in execute() and shutdown(). In execute(), store the message in errMsg and return 0; "
-         "executeCommand() does this."},
+         "Let execute() call executeCommand() from vexautilutil/ExecuteCommand.h. It catches all exceptions, stores "
+         "the message in errMsg and returns 0. Catch all exceptions in shutdown() yourself."},
         {"command-timeout",
          kEntries,
          Error,

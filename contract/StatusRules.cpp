@@ -6,8 +6,6 @@
 namespace vexa::standin {
 namespace {
 
-constexpr int kAllDone = 100;
-
 const Moment* addressOf(const std::optional<Moment>& moment) { return moment ? &*moment : nullptr; }
 
 }  // namespace

@@ -44,7 +44,7 @@ end_apart() {
 # apt_mirror RELEASE: prints the mirror from which apt gets the main part of that Debian release.
 apt_mirror() {
     apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Identifier: Packages' |
-        sed -n "s/^$1 main //p" | head -n 1
+        awk -v release="$1" '$1 == release && $2 == "main" && !found++ { print $3 }'
 }
 
 # apt_settings: prints this machine's apt settings for the proxy and for the dates of the mirror's lists.

@@ -83,7 +83,7 @@ Command styleCommand() {
     command.add(option({"--offset2"}, "N", "The second index of the query (default 0)", &options->offset2));
     command.check = [options] {
         // The library passes only six keywords to the host, but the last of all keywords decides the kind.
-        if (options->path.size() > kMostStyleKeywords) throw UsageError("PATH: expected at most six keywords");
+        if (options->path.size() > standin::kMostStyleKeywords) throw UsageError("PATH: expected at most six keywords");
     };
     command.run = [options] { return showStyle(*options); };
     return command;

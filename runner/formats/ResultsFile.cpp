@@ -3,7 +3,6 @@
 #include <nlohmann/json.hpp>
 
 #include "terminal/Console.h"
-#include "text/SeverityName.h"
 
 namespace vexa::runner {
 namespace {

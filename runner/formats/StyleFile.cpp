@@ -179,7 +179,7 @@ private:
         if (keyword.name.empty()) throw JsonError(keyword.at, "a keyword is empty");
         if (isSpecial(keyword)) throw JsonError(keyword.at, inQuotes(keyword.name) + " cannot be used beside keywords");
         if (holdsNul(keyword.name)) throw JsonError(keyword.at, "a keyword must not contain a NUL");
-        if (m_path.size() == kMostStyleKeywords) {
+        if (m_path.size() == standin::kMostStyleKeywords) {
             throw JsonError(keyword.at,
                             inQuotes(keyword.name) + " is the seventh keyword of a path; at most six are allowed");
         }

@@ -11,9 +11,6 @@
 
 namespace vexa::runner {
 
-/// The maximum number of keywords in the path of a setting.
-inline constexpr std::size_t kMostStyleKeywords = 6;
-
 /// A setting of a style file.
 struct StyleSetting {
     std::vector<std::string> path;                 ///< its keywords, outermost first

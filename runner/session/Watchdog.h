@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -8,11 +9,12 @@
 #include <thread>
 #include <utility>
 
+#include "session/watch/TimeSteps.h"
 #include "system/processes/Signals.h"
 
 namespace vexa::runner {
 
-/// Ends the program if work takes too long.
+/// Ends the program if work takes too long. Time in which the system does not run the program does not count.
 ///
 ///     Watchdog watchdog([&] { tell(...); _exit(4); });
 ///     watchdog.start(2s);
@@ -24,9 +26,8 @@ class Watchdog {
 public:
     using Seconds = std::chrono::duration<double>;
 
-    /// \param endProgram called when the time is over, on a thread that gets no signals. It must not return. From then
-    /// on,
-    ///                   calls of stop() wait forever.
+    /// \param endProgram is called when the time is over, on a thread that gets no signals. It must not return.
+    ///        Meanwhile calls of stop() wait forever.
     explicit Watchdog(std::function<void()> endProgram) : m_endProgram(std::move(endProgram)) {
         const SignalMask blocked(allSignals());
         m_thread = std::thread([this] { watch(); });
@@ -37,11 +38,14 @@ public:
     }
 
     void start(Seconds limit) {
-        change([&] { m_deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit); });
+        change([&] {
+            m_left = std::chrono::duration_cast<Clock::duration>(limit);
+            m_stepBegin = Clock::now();
+        });
     }
     void stop() {
         const std::lock_guard<std::mutex> lock(m_guard);
-        m_deadline.reset();
+        m_left.reset();
     }
 
 private:
@@ -59,20 +63,29 @@ private:
     void watch() {
         std::unique_lock<std::mutex> lock(m_guard);
         while (!m_isEnding) {
-            if (!m_deadline) {
+            if (!m_left) {
                 m_news.wait(lock);
-            } else if (const Clock::time_point deadline = *m_deadline; Clock::now() < deadline) {
-                m_news.wait_until(lock, deadline);
+            } else if (m_left->count() > 0) {
+                m_news.wait_for(lock, std::min<Clock::duration>(*m_left, kTimeStep));
+                countStep();
             } else {
                 m_endProgram();
             }
         }
     }
 
+    void countStep() {
+        if (!m_left) return;
+        const Clock::time_point now = Clock::now();
+        *m_left -= std::min<Clock::duration>(now - m_stepBegin, kLongestTimeStep);
+        m_stepBegin = now;
+    }
+
     std::function<void()> m_endProgram;
     std::mutex m_guard;
     std::condition_variable m_news;
-    std::optional<Clock::time_point> m_deadline;  // none while nothing is watched
+    std::optional<Clock::duration> m_left;  // none while nothing is watched
+    Clock::time_point m_stepBegin;
     bool m_isEnding = false;
     std::thread m_thread;
 };

@@ -20,7 +20,6 @@ constexpr std::size_t kReadableWidth = 8;  // a text is not cut shorter for othe
 constexpr int kHint = 1;                   // less important than the whole text
 constexpr int kMostImportant = 5;
 constexpr std::size_t kPercentWidth = 3;
-constexpr int kAllDone = 100;
 constexpr int kSecondsAMinute = 60;
 constexpr int kMinutesAnHour = 60;
 constexpr const char* kGap = "  ";
@@ -38,7 +37,7 @@ std::string timeText(std::chrono::seconds time) {
 }
 
 std::string barText(int percent) {
-    const std::size_t done = static_cast<std::size_t>(percent) * kBarWidth / kAllDone;
+    const std::size_t done = static_cast<std::size_t>(percent) * kBarWidth / standin::kAllDone;
     return '[' + std::string(done, '#') + std::string(kBarWidth - done, ' ') + ']';
 }
 
@@ -49,8 +48,8 @@ std::string percentText(int percent) {
 
 // Assumes that each percent takes the same time.
 std::string remainingText(int percent, std::chrono::seconds elapsed) {
-    if (percent <= 0 || percent >= kAllDone || elapsed.count() == 0) return "";
-    return timeText(elapsed * (kAllDone - percent) / percent) + " left";
+    if (percent <= 0 || percent >= standin::kAllDone || elapsed.count() == 0) return "";
+    return timeText(elapsed * (standin::kAllDone - percent) / percent) + " left";
 }
 
 std::string stopText(const standin::StatusLine& line, bool isStopping) {

@@ -6,14 +6,13 @@ namespace vexa::runner {
 namespace {
 
 constexpr int kStep = 10;
-constexpr int kAllDone = 100;
 constexpr std::size_t kTasksAtOnce = 10;
 constexpr std::chrono::seconds kLeastInterval{1};
 constexpr const char* kStopped = "stopped";
 
 std::string endOf(const standin::StatusLine& line, bool isStopping) {
     if (isStopping) return kStopped;
-    const bool isDone = !line.showBar || line.percent == kAllDone;
+    const bool isDone = !line.showBar || line.percent == standin::kAllDone;
     return isDone ? "done" : "ended at " + std::to_string(line.percent) + " %";
 }
 
@@ -32,7 +31,7 @@ void PlainStatus::show(const std::string& place, const standin::StatusLine& line
         m_ending = Ending{task, endOf(line, isStopping)};
     } else if (line.percent < m_told) {
         if (!isTooSoon()) tellStart(task);
-    } else if (line.showBar && step > m_told && step < kAllDone) {  // 100 % is logged as the end
+    } else if (line.showBar && step > m_told && step < standin::kAllDone) {  // 100 % is logged as the end
         m_told = step;
         tell(task, std::to_string(step) + " %");
     }

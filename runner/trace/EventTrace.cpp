@@ -5,7 +5,6 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
-#include "text/SeverityName.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -58,7 +57,7 @@ Json placeOf(const Place& place) {
 std::string argumentsOf(const Finding& finding) {
     const standin::Rule* const rule = standin::findRule(finding.rule);
     return textOf({{"rule", finding.rule},
-                   {"severity", runner::nameOf(finding.severity)},
+                   {"severity", nameOf(finding.severity)},
                    {"message", finding.message},
                    {"addOn", finding.addOnId},
                    {"opened", finding.opened ? placeOf(*finding.opened) : Json()},

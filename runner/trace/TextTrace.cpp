@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "text/Printable.h"
-#include "text/SeverityName.h"
 
 namespace vexa::runner {
 namespace {

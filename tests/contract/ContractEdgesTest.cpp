@@ -1,4 +1,4 @@
-// What the contract says where its rules end: an add-on that is linked in does what each test tells it to.
+// Tests the limits of the rules. Each test gives a linked-in add-on the calls to make.
 #include <gtest/gtest.h>
 
 #include <condition_variable>

@@ -1,4 +1,4 @@
-// Every rule of the contract, broken by a small misbehaviour and kept by its near twin.
+// Tests every rule with a command that breaks the rule and a similar command, its twin, that keeps it.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace vexa::standin {
 namespace {
 
 struct Misbehaviour {
-    const char* command;  // of the add-on MISBEHAVING; its twin's has "-twin" behind the rule
+    const char* command;  // of the add-on MISBEHAVING; its twin's command ends in "-twin"
     const char* rule;
     const char* message;
 };

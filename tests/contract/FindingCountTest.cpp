@@ -1,4 +1,4 @@
-// How many findings of a rule and add-on are kept.
+// Tests how many findings the host keeps of each rule and add-on.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ const VexaAddOn_s* breakRuleWhenLoaded(AddOnList_s*) {
     return &description;
 }
 
-// The findings of CARELESS, each of which counts itself and those that it stands for.
+// The number of findings of CARELESS. A finding that was kept for several counts as all of them.
 struct Count {
     explicit Count(const Host& host) {
         for (const Finding& finding : host.violations()) {

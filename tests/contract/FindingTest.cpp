@@ -25,6 +25,11 @@ using tests::FailingAllocator;
 using tests::sweepAllocations;
 using Lines = std::vector<std::string>;
 
+TEST(Severity, HasTheNameThatMessagesShow) {
+    EXPECT_STREQ(nameOf(Severity_e::Error), "error");
+    EXPECT_STREQ(nameOf(Severity_e::Warning), "warning");
+}
+
 std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
 
 Lines rulesOf(const std::vector<Finding>& findings) {

@@ -1,4 +1,4 @@
-// Only a command that a macro file gives back as the same is recorded or added to the journal.
+// Tests which commands are recorded and journaled: only those that come back unchanged from a macro file.
 
 #include <gtest/gtest.h>
 

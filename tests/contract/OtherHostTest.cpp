@@ -1,5 +1,5 @@
-// The contract checks the calls of any host. This program has no stand-in host and no class libraries: a host of a few
-// lines tells the contract what an add-on called.
+// Tests that the contract checks the calls of any host. This program has no stand-in host and no class libraries. A
+// host of a few lines passes the calls of an add-on to the contract.
 
 #include <gtest/gtest.h>
 

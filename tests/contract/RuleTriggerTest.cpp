@@ -1,4 +1,4 @@
-// The table of rules says which calls each rule is about.
+// Tests the calls that the table of rules lists for each rule.
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// What damaged commands can do to files that are none of theirs: nothing.
+// Tests that damaged commands cannot change files outside the folder of the check.
 
 #include <nlohmann/json.hpp>
 
@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 const char* const kAddOn = CHECK_ADDONS "/writer.so";
 const char* const kInside = "work";                   // where the check runs
-const char* const kOutside = "outside-of-the-check";  // what its commands name
+const char* const kOutside = "outside-of-the-check";  // the folder that its commands name
 
 const std::string kFile = std::string(kOutside) + "/file";
 

@@ -1,5 +1,5 @@
-// What `check` finds when something comes between an add-on and its commands. Each add-on has one mistake; the twin has
-// none, and passes every test.
+// Tests that `check` disturbs commands and finds the mistakes that show only then. Each add-on has one mistake. The
+// twin has none and passes every test.
 
 #include <gtest/gtest.h>
 

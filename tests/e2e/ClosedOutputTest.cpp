@@ -1,4 +1,4 @@
-// An add-on closes the standard output of its process: what it prints afterwards is lost, and the user is told.
+// Tests an add-on that closes the standard output of its process. Its later output is lost, and the runner says so.
 
 #include <nlohmann/json.hpp>
 

@@ -1,4 +1,4 @@
-// Whatever add-ons, macros and names of files hold, a terminal only shows it.
+// Tests that no text of an add-on, a macro or a file name can control the terminal.
 
 #include "TerminalTest.h"
 

@@ -1,4 +1,4 @@
-// No output takes the place of what the program reads, whatever that is called.
+// Tests that no output replaces an input, by whatever path the input is named.
 
 #include <algorithm>
 #include <map>

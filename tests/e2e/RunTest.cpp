@@ -7,7 +7,7 @@ namespace {
 
 using MacroRun = RunnerTest;
 
-// What was told beside findings, of which each has a line with a rule in brackets, and then indented ones.
+// The messages without findings. A finding is a line with a rule in brackets, and the indented lines after it.
 std::string messagesOf(const ProgramResult& result) {
     std::istringstream lines(result.err);
     std::string messages;

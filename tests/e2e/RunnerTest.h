@@ -45,7 +45,7 @@ protected:
         return true;
     }
 
-    /// What \p recording, a file of recorded commands, has below its first line, which tells what it is.
+    /// The commands in \p recording, which is the text of a recording: all lines after the heading.
     static std::string commandsOf(const std::string& recording) { return recording.substr(recording.find('\n') + 1); }
 
     /// The names of all files in the folder, in no order.

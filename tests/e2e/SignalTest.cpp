@@ -1,4 +1,4 @@
-// Signals that end a program, at any moment of a run.
+// Sends signals that end a program, at random moments of a run.
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -17,7 +17,7 @@ constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 class Signal : public RunnerTest {
 protected:
-    // What takes some time, and records all along.
+    // Writes a macro that takes some time and records commands all the time.
     Signal() {
         std::string macro;
         for (int i = 0; i != 40; ++i) macro += "ONE SAY line " + std::to_string(i) + "\nONE SLEEP 1\n";

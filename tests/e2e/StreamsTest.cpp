@@ -1,4 +1,4 @@
-// Outputs and inputs that are no files: the standard streams, pipes and devices.
+// Tests outputs and inputs that are not files: the standard streams, pipes and devices.
 
 #include <sys/stat.h>
 

@@ -14,14 +14,14 @@ protected:
         return runner(std::move(arguments));
     }
 
-    /// What is read of a setting of the style file \p json: kind and value, or why there is none.
+    /// The kind and value of a setting of the style file \p json, or the reason why there is none.
     std::string valueIn(const std::string& json, const Arguments& arguments) const {
         write("s.json", json);
         const ProgramResult result = runProgram(styleProgram(arguments));
         return result.out + result.err;
     }
 
-    /// What is told of the style file \p json, which must be refused.
+    /// The error message for the style file \p json.
     std::string refusalOf(const std::string& json) const {
         write("s.json", json);
         const ProgramResult result = runProgram(styleProgram({"A"}));

@@ -70,6 +70,18 @@ TEST_F(Timeout, BeginsAnewWithEachCommand) {
     EXPECT_EQ(result.status, 0) << result.err;
 }
 
+TEST_F(Timeout, LeavesOutTheTimeInWhichTheSystemRunsNoProcess) {
+    write("m.macro", "PROGRESS MAKE begun;WAITFOR end\n");
+    const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_PROGRESS
+                                             " --timeout 1 & run=$!\n"
+                                             "until test -e begun; do sleep 0.01; done\n"
+                                             "processes=\"$run $(cat /proc/$run/task/$run/children)\"\n"
+                                             "kill -STOP $processes; sleep 2.5; kill -CONT $processes\n"
+                                             "sleep 0.1; : >end; wait $run";
+    const ProgramResult result = runProgram({{"/bin/sh", "-c", command}, folder(), "", false});
+    EXPECT_EQ(result.status, 0) << result.err;
+}
+
 TEST_F(Timeout, NeedsNoneForAMutexThatIsLockedTwice) {
     const ProgramResult result = runFor(ADDON_MISBEHAVING, "MISBEHAVING mutex-locked-twice\n", {"--strict"});
     EXPECT_EQ(result.status, 3);

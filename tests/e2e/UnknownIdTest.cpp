@@ -1,4 +1,4 @@
-// Commands of add-ons that are not loaded.
+// Tests commands whose add-on is not loaded.
 
 #include "RunnerTest.h"
 

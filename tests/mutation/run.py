@@ -156,6 +156,10 @@ def build(targets):
     return run(['ninja', *targets], COMPILE_SECONDS)
 
 
+def folder_of(file):
+    return next(folder for folder in PROGRAMS if file.startswith(f'{folder}/'))
+
+
 def targets_of(folder):
     library, programs = PROGRAMS[folder]
     return [library, *(program.rsplit('/', 1)[1] for program in programs)]
@@ -185,7 +189,7 @@ class Suite:
 
 
 def verdict(mutant, suite):
-    folder = next(folder for folder in PROGRAMS if mutant.file.startswith(f'{folder}/'))
+    folder = folder_of(mutant.file)
     with changed_file(mutant.file, mutant.text):
         if not build(targets_of(folder)):
             return 'does not compile'
@@ -209,7 +213,7 @@ def judge(chosen, equivalents, suite):
             print(f'\nSurvivor (mutant {number} of {len(chosen)}):')
             show(mutant)
         counts[outcome] += 1
-        folder = by_folder.setdefault(mutant.file.split('/')[0], dict.fromkeys(counts, 0))
+        folder = by_folder.setdefault(folder_of(mutant.file), dict.fromkeys(counts, 0))
         folder[outcome] += 1
         if sys.stdout.isatty():
             print(f'\r{number}/{len(chosen)}', end='', flush=True)
@@ -219,7 +223,7 @@ def judge(chosen, equivalents, suite):
 def line_of(name, counts):
     scored = counts['killed'] + counts['survived']
     share = f'{100 * counts["killed"] / scored:5.1f} %' if scored else '    - '
-    return (f'{name:11}{counts["killed"]:6} of {scored:4} killed {share}, {counts["survived"]} survived, '
+    return (f'{name:19}{counts["killed"]:6} of {scored:4} killed {share}, {counts["survived"]} survived, '
             f'{counts["equivalent"]} equivalent, {counts["does not compile"]} did not compile')
 
 
@@ -316,7 +320,7 @@ def mutate(options):
     update_copy()
     chosen, equivalents, wrong = pick(TREE, options)
     configure()
-    suite = Suite({mutant.file.split('/')[0] for mutant in chosen})
+    suite = Suite({folder_of(mutant.file) for mutant in chosen})
     print(f'Testing {len(chosen)} of them', flush=True)
     return report(*judge(chosen, equivalents, suite)) or wrong
 

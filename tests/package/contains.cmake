@@ -1,4 +1,4 @@
-# The file TEXT contains the file PART, word for word; with COMMENT, as an example in a comment of a header.
+# Checks that the file TEXT contains the text of the file PART; with COMMENT, as an example in a header comment.
 
 file(READ ${TEXT} text)
 file(READ ${PART} part)

@@ -1,4 +1,4 @@
-# vexa_add_addon() says what is wrong with how it was called.
+# Checks the error messages of vexa_add_addon().
 
 if(CALL)
     include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/VexaAddOn.cmake)

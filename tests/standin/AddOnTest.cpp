@@ -36,7 +36,7 @@ bool isInMemory(const std::string& path) {
     return object != nullptr;
 }
 
-// It would wait for ever if the lock were held.
+// If the lock were held, this would wait forever.
 bool lockIsFree() {
     std::thread([] {
         VexaUtilLockStart(nullptr);

@@ -1,4 +1,4 @@
-// The host's C functions know no lack of memory but as a refusal: no exception leaves them for it.
+// Tests that the host's C functions refuse a call if memory runs out, and throw no exception.
 
 #include <gtest/gtest.h>
 

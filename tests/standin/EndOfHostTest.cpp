@@ -1,4 +1,4 @@
-// A host ends while threads call it.
+// Tests a host that ends while threads call it.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -285,7 +285,7 @@ TEST(HostLock, MayBeGivenBackInAnyOrderOfIdentities) {
     VexaUtilLockFinish(identity);
     VexaUtilLockFinish(nullptr);
     std::thread other([] { VexaUtilLockStart(nullptr); });
-    other.join();  // it would wait for ever
+    other.join();  // it would wait forever
     EXPECT_EQ(host.calledFunctions().back(), "VexaUtilLockStart");
 }
 
@@ -332,7 +332,7 @@ TEST(ThreadMutex, LockedTwiceByItsOwnerIsLockedOnce) {
     VexaUtilThreadMutexLock(mutex);
     VexaUtilThreadMutexLock(mutex);
     VexaUtilThreadMutexUnlock(mutex);
-    std::thread([&] { VexaUtilThreadMutexLock(mutex); }).join();  // it would wait for ever
+    std::thread([&] { VexaUtilThreadMutexLock(mutex); }).join();  // it would wait forever
     EXPECT_EQ(host.calls().size(), 5U);
 }
 
@@ -386,7 +386,7 @@ TEST(ThreadMutex, FreedUnderThoseWhoWaitLetsThemGo) {
         host.setKeepsCalls(false);  // to lose no time between the two
         VexaUtilThreadMutexUnlock(mutex);
         VexaUtilThreadMutexDealloc(&mutex);                 // refused when one of them came in first
-        for (std::thread& thread : waiting) thread.join();  // or they would wait for ever
+        for (std::thread& thread : waiting) thread.join();  // or they would wait forever
         VexaUtilThreadMutexDealloc(&mutex);
         EXPECT_EQ(mutex, nullptr);
     }

@@ -1,4 +1,4 @@
-// Files that cannot be loaded as add-ons: each is an add-on that was changed.
+// Tests files that cannot be loaded. Each is a copy of an add-on with one change.
 
 #include <elf.h>
 #include <gtest/gtest.h>

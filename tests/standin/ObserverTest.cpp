@@ -21,7 +21,7 @@ namespace {
 
 std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
 
-// Writes down what it is told, a line each.
+// Writes one line for each event.
 class Writer : public ObserverInterface {
 public:
     void entryBegan(const EntryEvent& entry) override { write("> " + textOf(entry)); }
@@ -56,7 +56,7 @@ private:
     Lines m_lines;
 };
 
-// Keeps the calls as it is told of them.
+// Stores the calls in the order of the events.
 class Keeper : public Writer {
 public:
     void callBegan(const CallEvent& call) override { m_began.push_back(call); }

@@ -1,4 +1,4 @@
-// Who is at work on a thread: the add-on that the host entered, or the host.
+// Tests whether a thread knows that it runs code of the add-on or of the host.
 
 #include <gtest/gtest.h>
 

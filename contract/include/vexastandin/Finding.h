@@ -17,6 +17,9 @@ enum class Severity_e {
     Error     ///< a host may crash or hang
 };
 
+/// Returns "error" or "warning".
+inline const char* nameOf(Severity_e severity) { return severity == Severity_e::Error ? "error" : "warning"; }
+
 /// A rule of the contract between the host and its add-ons.
 struct Rule {
     const char* name;     ///< short and stable, for example "unbalanced-lock"

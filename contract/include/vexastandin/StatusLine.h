@@ -6,6 +6,9 @@
 
 namespace vexa::standin {
 
+/// The percentage of a task that is done.
+inline constexpr int kAllDone = 100;
+
 /// The host's status line, which shows the progress of a task.
 struct StatusLine {
     std::string text;             ///< the add-on's text; empty if it gave none

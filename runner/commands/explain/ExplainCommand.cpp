@@ -15,7 +15,6 @@
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 #include "terminal/WrappedText.h"
-#include "text/SeverityName.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {

@@ -10,7 +10,6 @@
 #include "terminal/Console.h"
 #include "text/Lines.h"
 #include "text/Seconds.h"
-#include "text/SeverityName.h"
 
 namespace vexa::runner {
 namespace {

@@ -62,8 +62,10 @@ struct ProcessBox {
     void forgive(Clock::duration time) noexcept { m_start += time.count(); }
     /// Returns true if the process has exceeded its limit by more than \p grace.
     bool isLate(Clock::duration grace) const noexcept {
+        // First, so that a limit that starts meanwhile has not passed.
+        const std::int64_t now = Clock::now().time_since_epoch().count();
         const std::int64_t limit = m_limit;
-        return limit != 0 && Clock::now().time_since_epoch().count() - m_start > limit + grace.count();
+        return limit != 0 && now - m_start > limit + grace.count();
     }
     Clock::duration limit() const noexcept { return Clock::duration(m_limit); }
     /// @}

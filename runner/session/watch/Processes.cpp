@@ -13,8 +13,10 @@
 #include <vector>
 
 #include "session/watch/Channel.h"
+#include "session/watch/TimeSteps.h"
 #include "session/watch/UncaughtErrors.h"
 #include "system/processes/ChildProcess.h"
+#include "system/processes/OtherThreads.h"
 #include "system/processes/Strays.h"
 
 namespace vexa::runner {
@@ -22,14 +24,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kLookInterval = 20;  // milliseconds
-
 // ---- In the process
 
+// Exit handlers destroy what a thread of an add-on may still use. If such a thread crashes while sanitizers look for
+// leaks, the thread and the exit handlers wait for each other forever.
 [[noreturn]] void leave(ProcessBox& box, const ProcessSetting& setting, int status) {
     box.report(status);
     box.allow(setting.timeToLeave);
-    if (!setting.leavesAtOnce) std::exit(status);
+    if (!setting.leavesAtOnce && !hasOtherThreads()) std::exit(status);
     std::fflush(nullptr);
     box.markLeft();
     _exit(status);
@@ -156,7 +158,18 @@ private:
     void wait() const {
         std::vector<pollfd> polled = {{m_signals.descriptor(), POLLIN, 0}};
         for (const Process& process : m_running) process.addTo(polled);
-        poll(polled.data(), polled.size(), m_setting.isTimed ? kLookInterval : -1);
+        if (!m_setting.isTimed) {
+            poll(polled.data(), polled.size(), -1);
+            return;
+        }
+        const Clock::time_point begin = Clock::now();
+        poll(polled.data(), polled.size(), static_cast<int>(kTimeStep.count()));
+        const Clock::duration time = Clock::now() - begin;
+        if (time > kLongestTimeStep) forgive(time - kLongestTimeStep);
+    }
+
+    void forgive(Clock::duration time) const {
+        for (const Process& process : m_running) process.box().forgive(time);
     }
 
     void obey(int signal) {
@@ -178,10 +191,8 @@ private:
         const Clock::time_point begin = Clock::now();
         for (const Process& process : m_running) process.child().signalGroup(SIGSTOP);
         raise(SIGSTOP);
-        for (const Process& process : m_running) {
-            process.box().forgive(Clock::now() - begin);
-            process.child().signalGroup(SIGCONT);
-        }
+        forgive(Clock::now() - begin);
+        for (const Process& process : m_running) process.child().signalGroup(SIGCONT);
     }
 
     [[noreturn]] void killAll(int signal) {

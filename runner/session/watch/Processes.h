@@ -75,7 +75,8 @@ struct ProcessSetting {
         grace = std::chrono::seconds(1);
         if (limit) timeToLeave = std::chrono::ceil<std::chrono::milliseconds>(*limit);
     }
-    bool leavesAtOnce = false;  ///< whether the processes end without exit handlers
+    /// Whether the processes end without exit handlers. A process in which an add-on has left a thread always does.
+    bool leavesAtOnce = false;
 };
 
 /// Does \p count pieces of work, each in its own process, and watches these processes. The status that a process

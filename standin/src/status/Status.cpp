@@ -4,11 +4,6 @@
 #include <utility>
 
 namespace vexa::standin {
-namespace {
-
-constexpr int kAllDone = 100;
-
-}  // namespace
 
 std::optional<StatusLine> Status::start(std::string text, bool showStopButton, bool showBar, bool keepsHistory) {
     const std::lock_guard<std::mutex> lock(m_guard);

@@ -11,8 +11,6 @@ namespace {
 
 using Path = std::vector<std::string>;
 
-constexpr std::size_t kMostKeywords = 6;
-
 void makeUpperCase(std::string& keyword) {
     for (char& c : keyword) {
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
@@ -25,8 +23,8 @@ Path inUpperCase(Path path) {
 }
 
 void refuseUnlessPath(const Path& path) {
-    if (path.empty() || path.size() > kMostKeywords) {
-        throw InvalidArgumentException("Expected a style path of 1 to " + std::to_string(kMostKeywords) +
+    if (path.empty() || path.size() > kMostStyleKeywords) {
+        throw InvalidArgumentException("Expected a style path of 1 to " + std::to_string(kMostStyleKeywords) +
                                        " keywords, but got " + std::to_string(path.size()));
     }
     const auto empty = std::find(path.begin(), path.end(), "");
@@ -58,7 +56,7 @@ Value argumentOr(const std::vector<Argument>& arguments, const std::string& name
 // Returns the keywords of "P1" and so on; empty if there is a gap.
 Path pathOf(const std::vector<Argument>& arguments) {
     Path path;
-    for (std::size_t i = 1; i <= kMostKeywords; ++i) {
+    for (std::size_t i = 1; i <= kMostStyleKeywords; ++i) {
         const auto* const keyword = argument<std::string>(arguments, 'P' + std::to_string(i));
         if (keyword == nullptr) continue;
         if (path.size() + 1 != i) return {};

@@ -1,4 +1,4 @@
-// An add-on that ends its process, stops it, or leaves something behind, in every way there is.
+// An add-on that ends or stops its process, or leaves processes and threads running, in many ways.
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -68,10 +68,13 @@ void stayLoaded() {
     dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
+// The host keeps the code of a thread loaded if the thread has called the host.
 void outliveOnThread() {
+    static std::atomic<bool> hasCalled;
     std::thread([] {
-        for (;;) VexaUtilMacroIsBatchModeActive();
+        for (;; hasCalled = true) VexaUtilMacroIsBatchModeActive();
     }).detach();
+    while (!hasCalled) std::this_thread::yield();
 }
 
 [[noreturn]] void raiseAndWait(int signal) {
@@ -79,7 +82,7 @@ void outliveOnThread() {
     hang();
 }
 
-// Above what is destroyed before it: a destructor asks for it.
+// Declared before `unloaded`, whose destructor uses it.
 const std::map<std::string, std::function<void()>> ways = {
     {"nothing", [] {}},
     {"exit0", [] { std::exit(0); }},

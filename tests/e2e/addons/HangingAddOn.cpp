@@ -19,7 +19,7 @@ bool hangsAtShutdown = false;
     for (;;) usleep(kPause);
 }
 
-// Looks for the quote that ends the text; there is nothing that ends the search when there is none.
+// Searches for the closing quote. If there is none, the search never ends.
 void readQuoted(const std::string& text) {
     for (std::size_t at = 1; at >= text.size() || text[at] != '\''; at = at < text.size() ? at + 1 : at) usleep(1);
     std::printf("read %s\n", text.c_str());

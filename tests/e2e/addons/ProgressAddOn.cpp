@@ -1,4 +1,4 @@
-// An add-on that shows progress on the host's status line as its commands say. A command is steps with `;` between:
+// An add-on whose commands control the host's status line. A command is a list of steps, separated by `;`:
 // `START Reading;PERCENT 40;SAY half;FINISH`.
 
 #include <algorithm>

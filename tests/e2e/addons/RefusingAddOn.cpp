@@ -1,4 +1,4 @@
-// An add-on that does not want to be loaded.
+// An add-on that refuses to be loaded.
 
 #include "vexa/AddOn.h"
 

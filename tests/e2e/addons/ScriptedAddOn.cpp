@@ -1,5 +1,5 @@
 // An add-on that does what its commands say: `SAY hello` prints, `FAIL text` fails, and so on. A `|` in an argument
-// stands for a line feed. Its id and title are compiled in, so that several can be loaded side by side.
+// means a line feed. Its id and title are compiled in, so that several can be loaded at the same time.
 
 #include <unistd.h>
 

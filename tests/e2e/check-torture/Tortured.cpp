@@ -1,8 +1,8 @@
-// Add-ons that do well as long as all goes well. MISTAKE says what each does wrong when something comes between; built
-// without one, it is the well-behaved twin of all of them.
+// An add-on that makes a mistake if its command is disturbed. MISTAKE chooses the mistake. Built without MISTAKE, it is
+// the twin that makes none.
 //
-//   WORK                 asks for a style value, shows a progress, has itself recorded
-//   SAY TEXT = 'text'    says the text in a dialog, and has itself recorded
+//   WORK                 reads a style value, shows progress, records itself
+//   SAY TEXT = 'text'    shows the text in a dialog, records itself
 
 #include <cstring>
 #include <exception>

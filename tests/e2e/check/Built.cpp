@@ -1,5 +1,4 @@
-// An add-on that does nothing. What is amiss with it is how it is built: a definition or an option of the linker adds
-// one thing.
+// An add-on that does nothing. A definition or a linker option makes one mistake in how it is built.
 
 #include <chrono>
 #include <cstdlib>

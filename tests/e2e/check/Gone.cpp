@@ -1,4 +1,4 @@
-// A library that an add-on needs, and that is not where it is looked for.
+// A library that an add-on needs, in a folder where the loader does not search.
 
 extern "C" __attribute__((visibility("default"))) void vexaGone();
 void vexaGone() {}

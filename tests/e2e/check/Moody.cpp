@@ -1,4 +1,4 @@
-// An add-on that behaves otherwise in each mode of the host; and one command that depends on another.
+// An add-on that behaves differently in each mode of the host. One of its commands depends on another one.
 
 #include <cstring>
 #include <string>

@@ -1,4 +1,4 @@
-// An add-on whose commands do to their process what no add-on should.
+// An add-on whose commands harm their process.
 
 #include <sys/resource.h>
 #include <unistd.h>

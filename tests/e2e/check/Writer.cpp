@@ -1,5 +1,5 @@
 // An add-on whose commands change the file that their option names: `SAVE FILE = '/folder/outside-of-the-check/file'`.
-// Without that folder in it the file is left alone: where nothing confines the add-on, /tmp must survive.
+// It changes no path without that folder, because files must survive on systems that cannot confine the add-on.
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
-// What an add-on has besides its entry, and keeps to itself: names that are visible by default, and what the standard
-// library makes of them.
+// Names that an add-on must not export: names with default visibility, and templates of the standard library that use
+// them.
 #include <map>
 #include <string>
 

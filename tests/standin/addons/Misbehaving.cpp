@@ -1,5 +1,5 @@
 // An add-on that breaks one rule of the host's contract with each of its commands. A command is named after its rule,
-// and may say more of the way. The command with "-twin" behind it does nearly the same, and keeps the rule.
+// and more words choose a variant. The same name with "-twin" does nearly the same and keeps the rule.
 
 #include <chrono>
 #include <cstring>

@@ -1,5 +1,5 @@
-// An add-on whose thread goes on calling the host after the command that started it. Built twice: once so that it stays
-// loaded whatever the host does.
+// An add-on whose thread still calls the host after the command that started it has returned. It is built twice: one
+// build stays loaded even if the host unloads it.
 
 #include <atomic>
 #include <cstddef>

@@ -1,4 +1,4 @@
-// An add-on that does what its commands say, well or badly. Built several times, under the id PROBE_ID.
+// An add-on whose commands make host calls, right or wrong. It is built several times, each with another PROBE_ID.
 
 #include <cstring>
 #include <stdexcept>

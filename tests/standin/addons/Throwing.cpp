@@ -7,7 +7,7 @@
 
 namespace {
 
-// Known to this shared object alone: whoever keeps it beyond the unloading crashes.
+// Only this shared object has its type, so code that keeps it after the unloading crashes.
 struct [[maybe_unused]] NoLicence : std::runtime_error {
     NoLicence() : std::runtime_error("no licence:\nask for one") {}
 };

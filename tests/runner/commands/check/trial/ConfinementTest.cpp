@@ -31,7 +31,7 @@ struct Way {
 
 void PrintTo(const Way& way, std::ostream* out) { *out << way.name; }
 
-// Whether a confined process answers yes; nothing is told when the system grants no confinement.
+// The answer of a confined process; nothing if the system cannot confine processes.
 enum class Answer_e { No, Yes, NotGranted };
 
 class ConfinementTest : public ::testing::TestWithParam<Way> {
