@@ -111,11 +111,11 @@
          "Do two nested assignments of auxiliary data return?") \
     FACT(SolutionTimeNests, "solutionTime.nests", None, Fixed, "true", "a stand-in that hangs tests nothing", \
          "Do two nested modifications of solution times return?") \
+    FACT(StatusCheckBeforeStart, "status.check.beforeStart", BreaksContract, Truth, "true", "", \
+         "What does VexaUtilStatusCheckPercentDone answer before a status line was shown?") \
     FACT(StatusCheckWhileShown, "status.check.whileShown", None, Fixed, "true", \
          "0 means that the user asked to stop, so add-ons would stop every task", \
          "What does VexaUtilStatusCheckPercentDone answer while the status line is shown: true for 1, false for 0?") \
-    FACT(StatusCheckBeforeStart, "status.check.beforeStart", BreaksContract, Truth, "true", "", \
-         "What does VexaUtilStatusCheckPercentDone answer before a status line was shown?") \
     FACT(StatusCheckAfterFinish, "status.check.afterFinish", BreaksContract, Truth, "true", "", \
          "What does VexaUtilStatusCheckPercentDone answer after the status line was removed?") \
     FACT(StatusCheckOver100, "status.check.over100", BreaksContract, Truth, "true", "", \
