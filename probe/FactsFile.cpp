@@ -1,6 +1,7 @@
 #include "probe/FactsFile.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -16,6 +17,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr int kSchema = 1;
+constexpr const char* kRefused = ": cannot be read: ";
 constexpr const char* kNotAsked = "not asked";
 
 Json jsonOf(const Answer& answer) {
@@ -47,24 +49,25 @@ Json entryOf(const facts::FactInfo& info, const Answer& answer) {
 }  // namespace
 
 FactsFile::FactsFile(std::string path) : m_path(std::move(path)), m_answers(facts::kFactCount, NoAnswer{kNotAsked}) {
+    std::error_code ignored;
+    const auto status = std::filesystem::status(m_path, ignored);
+    if (status.type() == std::filesystem::file_type::not_found) return;
+    if (!std::filesystem::is_regular_file(status))
+        throw std::runtime_error(m_path + kRefused + "it is no regular file");
     std::ifstream file(m_path, std::ios::binary);
-    const int error = errno;
-    if (!file && error == ENOENT) return;
+    if (!file) throw std::runtime_error(m_path + kRefused + std::generic_category().message(errno));
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file.eof() && file.fail()) {
-        throw std::runtime_error(m_path + ": cannot be read: " + std::generic_category().message(error));
-    }
     try {
         read(text);
     } catch (const nlohmann::json::exception& problem) {
-        throw std::runtime_error(m_path + ": cannot be read: it is no facts file: " + problem.what());
+        throw std::runtime_error(m_path + kRefused + "it is no facts file: " + problem.what());
     }
 }
 
 void FactsFile::read(const std::string& text) {
     const Json content = Json::parse(text);
     if (content.at("schema") != kSchema) {
-        throw std::runtime_error(m_path + ": cannot be read: its schema is not " + std::to_string(kSchema));
+        throw std::runtime_error(m_path + kRefused + "its schema is not " + std::to_string(kSchema));
     }
     for (const auto& [name, fact] : content.at("facts").items()) {
         if (const auto known = facts::findFact(name)) set(*known, answerOf(fact));

@@ -11,7 +11,7 @@ namespace vexa::probe {
 namespace {
 
 constexpr int kManyMutexes = 64;
-constexpr std::chrono::milliseconds kTimeForOtherThread{200};
+constexpr std::chrono::milliseconds kTimeForOtherThread{100};
 
 template <class Start, class Finish>
 Answer nests(const Start& start, const Finish& finish) {
