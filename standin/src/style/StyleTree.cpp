@@ -77,23 +77,16 @@ bool isInOrder(const std::vector<Argument>& arguments) {
     return true;
 }
 
-bool hasLowerCase(const Path& path) {
-    const auto isLower = [](char c) { return c >= 'a' && c <= 'z'; };
-    return std::any_of(path.begin(), path.end(), [&](const std::string& keyword) {
-        return std::any_of(keyword.begin(), keyword.end(), isLower);
-    });
-}
-
 void storeZero(const StyleQuery& query) {
     if (query.number != nullptr) *query.number = 0.0;
     if (query.anythingElse != nullptr) *query.anythingElse = 0;
 }
 
 // What the host answers for a value that is there: Ok, unless it minds how the query is written.
-Fact factAboutFound(const StyleQuery& query, const HostAnswers& answers) {
+Fact factAboutFound(const StyleQuery& query, const HostAnswers& answers, bool isSpelledAlike) {
     const std::pair<Fact, bool> oddities[] = {{Fact::StyleSettingAnyOrder, !query.isInOrder},
                                               {Fact::StyleSettingUnknownArgument, query.hasUnknownArgument},
-                                              {Fact::StyleSettingLowerCase, hasLowerCase(query.path)}};
+                                              {Fact::StyleSettingLowerCase, !isSpelledAlike}};
     for (const auto& [fact, isOdd] : oddities) {
         if (isOdd && answers.code(fact) != GetValueReturnCode_Ok) return fact;
     }
@@ -139,15 +132,16 @@ std::pair<StyleTree::SetHandle, StyleTree::SetHandle> StyleTree::set(const Path&
     Value added = valueOf(value);
     const SetHandle handle = handleOf(added);
     const std::lock_guard<std::mutex> lock(m_guard);
-    std::swap(m_values[inUpperCase(path)][offsets], added);
+    Setting& setting = m_settings[inUpperCase(path)];
+    setting.spelling = path;
+    std::swap(setting.values[offsets], added);
     return {handle, handleOf(added)};
 }
 
 GetValueReturnCode_e StyleTree::answer(const StyleQuery& query, const HostAnswers& answers) const {
     const std::lock_guard<std::mutex> lock(m_guard);
     const Value* value = nullptr;
-    Fact fact = find(query, value);
-    if (fact == Fact::StyleSettingRead) fact = factAboutFound(query, answers);
+    const Fact fact = find(query, answers, value);
     if (fact == Fact::StyleSettingRead) {
         store(*value, query);
         return GetValueReturnCode_Ok;
@@ -156,20 +150,21 @@ GetValueReturnCode_e StyleTree::answer(const StyleQuery& query, const HostAnswer
     return answers.code(fact);
 }
 
-Fact StyleTree::find(const StyleQuery& query, const Value*& value) const {
+Fact StyleTree::find(const StyleQuery& query, const HostAnswers& answers, const Value*& value) const {
     const Path path = inUpperCase(query.path);
-    const auto found = m_values.lower_bound(path);
-    if (found == m_values.end()) return factAboutUnknown(query, path);
+    const auto found = m_settings.lower_bound(path);
+    if (found == m_settings.end()) return factAboutUnknown(query, path);
     if (leadsTo(path, found->first)) return Fact::StyleSettingParent;
     if (found->first != path) return factAboutUnknown(query, path);
 
-    const auto& values = found->second;
+    const auto& values = found->second.values;
     auto exact = values.find(query.offsets);
     if (exact == values.end()) exact = values.find(std::nullopt);
     if (exact == values.end()) return Fact::StyleSettingWrongOffsets;
     value = &exact->second;
     const bool isNumber = std::holds_alternative<double>(*value);
-    return isNumber == (query.number != nullptr) ? Fact::StyleSettingRead : Fact::StyleSettingOtherType;
+    if (isNumber != (query.number != nullptr)) return Fact::StyleSettingOtherType;
+    return factAboutFound(query, answers, query.path == found->second.spelling);
 }
 
 Fact StyleTree::factAboutUnknown(const StyleQuery& query, const Path& path) const {
@@ -178,7 +173,7 @@ Fact StyleTree::factAboutUnknown(const StyleQuery& query, const Path& path) cons
     if (query.hasSeventhKeyword) return Fact::StyleSevenKeywords;
     if (query.offsets != StyleQuery().offsets) return Fact::StyleUnknownPathWrongOffsets;
     for (Path parent = path; !parent.empty(); parent.pop_back()) {
-        if (m_values.count(parent) != 0) return Fact::StyleSettingChild;
+        if (m_settings.count(parent) != 0) return Fact::StyleSettingChild;
     }
     return Fact::StyleUnknownPath;
 }

@@ -61,12 +61,16 @@ private:
 
     /// Finds the value that \p query asks for.
     /// \return the fact that says what the host answers.
-    Fact find(const StyleQuery& query, const Value*& value) const;
+    Fact find(const StyleQuery& query, const HostAnswers& answers, const Value*& value) const;
     Fact factAboutUnknown(const StyleQuery& query, const std::vector<std::string>& path) const;
 
+    struct Setting {
+        std::vector<std::string> spelling;  // the path as it was given last
+        std::map<Offsets, Value> values;    // the value for every pair of offsets comes first
+    };
+
     mutable std::mutex m_guard;
-    // In each inner map the value for every pair of offsets comes first. In the outer map deeper paths follow a path.
-    std::map<std::vector<std::string>, std::map<Offsets, Value>> m_values;
+    std::map<std::vector<std::string>, Setting> m_settings;  // by the path in upper case; deeper paths follow a path
 };
 
 }  // namespace vexa::standin
