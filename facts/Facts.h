@@ -149,7 +149,9 @@
     FACT(RecordUnknownAddOn, "record.unknownAddOn", BreaksContract, Truth, "true", "", \
          "Does the host record a command under the id of an add-on that is not loaded?") \
     FACT(JournalAdd, "journal.add", None, Truth, "true", "", \
-         "Does the host add a command to the data-set journal?") \
+         "Does the host add a command with data of the add-on to the data-set journal?") \
+    FACT(JournalAddWithoutData, "journal.addWithoutData", None, Truth, "true", "", \
+         "Does the host add a command without data of the add-on to the data-set journal?") \
     FACT(JournalEmptyText, "journal.emptyText", BreaksContract, Truth, "false", "", \
          "What does VexaUtilDataSetAddJournalCommand answer for an empty command?") \
     FACT(ThreadCommandIsLoading, "thread.command.isLoadingThread", None, Fixed, "true", \

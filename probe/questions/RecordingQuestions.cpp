@@ -52,13 +52,15 @@ Answer recordsLeadingBlank(const Circumstances& now) { return records(now.addOnI
 
 Answer recordsUnknownAddOn(const Circumstances&) { return records("VEXAPROBENOADDON", note("unknown")); }
 
-bool journals(const Circumstances& now, const std::string& command) {
-    return VexaUtilDataSetAddJournalCommand(now.addOnId, command.c_str(), nullptr) != 0;
+bool journals(const Circumstances& now, const std::string& command, const char* data) {
+    return VexaUtilDataSetAddJournalCommand(now.addOnId, command.c_str(), data) != 0;
 }
 
-Answer journalsLine(const Circumstances& now) { return journals(now, note("journaled")); }
+Answer journalsLine(const Circumstances& now) { return journals(now, note("journaled"), "data"); }
 
-Answer journalsEmptyText(const Circumstances& now) { return journals(now, ""); }
+Answer journalsWithoutData(const Circumstances& now) { return journals(now, note("journaled"), nullptr); }
+
+Answer journalsEmptyText(const Circumstances& now) { return journals(now, "", "data"); }
 
 }  // namespace
 
@@ -77,6 +79,7 @@ std::vector<Question> recordingQuestions() {
             {Fact::RecordLeadingBlank, recordsLeadingBlank},
             {Fact::RecordUnknownAddOn, recordsUnknownAddOn},
             {Fact::JournalAdd, journalsLine},
+            {Fact::JournalAddWithoutData, journalsWithoutData},
             {Fact::JournalEmptyText, journalsEmptyText}};
 }
 

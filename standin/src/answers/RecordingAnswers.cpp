@@ -47,10 +47,12 @@ RecordingAnswer answerToRecording(const HostAnswers& answers, bool isRecording, 
     return {isTaken, isTaken};
 }
 
-RecordingAnswer answerToJournaling(const HostAnswers& answers, const char* addOnId, const char* command) {
+RecordingAnswer answerToJournaling(const HostAnswers& answers, const char* addOnId, const char* command,
+                                   const char* journalData) {
     if (!isName(addOnId) || command == nullptr) return {false, false};
     if (isEmpty(command)) return {answers.truth(Fact::JournalEmptyText), false};
-    const bool isTaken = whyNoMacroLine(addOnId, command).empty() && answers.truth(Fact::JournalAdd);
+    const Fact fact = journalData == nullptr ? Fact::JournalAddWithoutData : Fact::JournalAdd;
+    const bool isTaken = whyNoMacroLine(addOnId, command).empty() && answers.truth(fact);
     return {isTaken, isTaken};
 }
 

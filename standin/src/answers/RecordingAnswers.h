@@ -15,6 +15,7 @@ RecordingAnswer answerToRecording(const HostAnswers& answers, bool isRecording, 
                                   const char* command);
 
 /// The answer to VexaUtilDataSetAddJournalCommand().
-RecordingAnswer answerToJournaling(const HostAnswers& answers, const char* addOnId, const char* command);
+RecordingAnswer answerToJournaling(const HostAnswers& answers, const char* addOnId, const char* command,
+                                   const char* journalData);
 
 }  // namespace vexa::standin

@@ -216,7 +216,7 @@ VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* comma
 VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* command, const char* journalData) {
     return answer<HostFunction::VexaUtilDataSetAddJournalCommand>(
         [=](HostState& host) -> VexaBoolean {
-            const auto answer = answerToJournaling(host.answers, addOnId, command);
+            const auto answer = answerToJournaling(host.answers, addOnId, command, journalData);
             if (!answer.isKept) return answer.isAccepted;
             JournalEntry entry{addOnId, command, std::nullopt};
             if (journalData != nullptr) entry.journalData = journalData;
