@@ -41,7 +41,7 @@ void addTimeoutOption(Command& command, ContractOptions& options) {
 }
 
 void addHostOption(Command& command, ContractOptions& options) {
-    command.add(option({"--host"}, "FILE.json", "Answer as the host does whose facts 'vexa-probe' wrote to the file",
+    command.add(option({"--host"}, "FILE.json", "Answer like the host of this facts file; 'probe --help' says how to get one",
                        &options.host)
                     .check(whyNoStream));
 }

@@ -10,9 +10,7 @@
 #include "formats/HostFactsFile.h"
 #include "options/CommonOptions.h"
 #include "options/PrintedOutput.h"
-#include "options/UsageError.h"
 #include "system/files/RunFiles.h"
-#include "system/files/StandardStreams.h"
 #include "system/files/WholeOutput.h"
 #include "terminal/Console.h"
 #include "terminal/TextWidth.h"
@@ -37,7 +35,8 @@ Exit status:
 constexpr const char* kColumnGap = "  ";
 
 struct CompareOptions {
-    std::vector<std::string> files;
+    std::string one;
+    std::string other;
     std::optional<std::string> json;
 };
 
@@ -91,7 +90,7 @@ std::string tableOf(const std::vector<Row>& rows) {
 }
 
 std::string differencesText(const std::vector<ComparedFact>& facts, const CompareOptions& options) {
-    std::vector<Row> rows = {{"fact", printableLine(options.files[0]), printableLine(options.files[1]), "question"}};
+    std::vector<Row> rows = {{"fact", printableLine(options.one), printableLine(options.other), "question"}};
     for (const ComparedFact& fact : facts) {
         if (!fact.isDifferent()) continue;
         rows.push_back({printableLine(fact.name), printableLine(fact.one->answer), printableLine(fact.other->answer),
@@ -112,8 +111,8 @@ std::string unansweredTexts(const std::vector<ComparedFact>& facts, const Compar
     for (const ComparedFact& fact : facts) {
         const bool isInOne = ComparedFact::isAnswered(fact.one);
         const bool isInOther = ComparedFact::isAnswered(fact.other);
-        if (!isInOne && isInOther) lines += unansweredText(options.files[0], fact.name, fact.one);
-        if (isInOne && !isInOther) lines += unansweredText(options.files[1], fact.name, fact.other);
+        if (!isInOne && isInOther) lines += unansweredText(options.one, fact.name, fact.one);
+        if (isInOne && !isInOther) lines += unansweredText(options.other, fact.name, fact.other);
     }
     return lines;
 }
@@ -121,7 +120,8 @@ std::string unansweredTexts(const std::vector<ComparedFact>& facts, const Compar
 Json jsonOf(const HostFact* fact) { return ComparedFact::isAnswered(fact) ? Json(fact->answer) : Json(nullptr); }
 
 std::string jsonText(const std::vector<ComparedFact>& facts, const CompareOptions& options) {
-    Json lists = {{"files", options.files}, {"differences", Json::array()}, {"unanswered", Json::array()}};
+    Json lists = {
+        {"files", {options.one, options.other}}, {"differences", Json::array()}, {"unanswered", Json::array()}};
     for (const ComparedFact& fact : facts) {
         const bool isAnsweredOnce = ComparedFact::isAnswered(fact.one) != ComparedFact::isAnswered(fact.other);
         if (!fact.isDifferent() && !isAnsweredOnce) continue;
@@ -133,18 +133,19 @@ std::string jsonText(const std::vector<ComparedFact>& facts, const CompareOption
 
 ExitStatus_e compareHosts(const CompareOptions& options) {
     RunFiles files;
-    files.read(options.files);
+    files.read(options.one);
+    files.read(options.other);
     files.write(options.json);
     std::optional<WholeOutput> json;
     if (options.json) json.emplace(*options.json);
-    const auto one = readHostFacts(options.files[0]);
-    const auto other = readHostFacts(options.files[1]);
+    const auto one = readHostFacts(options.one);
+    const auto other = readHostFacts(options.other);
     if (!one || !other) return ExitStatus_e::BadUsageOrInput;
     const std::vector<ComparedFact> facts = compared(*one, *other);
     print(differencesText(facts, options) + unansweredTexts(facts, options));
     if (json) json->replace(jsonText(facts, options));
     const bool areAlike = std::none_of(facts.begin(), facts.end(), [](const auto& fact) { return fact.isDifferent(); });
-    return areAlike ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    return checkOutput(areAlike ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed);
 }
 
 }  // namespace
@@ -152,12 +153,10 @@ ExitStatus_e compareHosts(const CompareOptions& options) {
 Command compareHostsCommand() {
     const auto options = std::make_shared<CompareOptions>();
     Command command{"compare-hosts", "Compare the facts about two hosts", kCompareFooter};
-    command.add(argument("FILE.json", "The two facts files", &options->files).require());
+    command.add(argument("FILE_A", "The facts file of a host", &options->one).require());
+    command.add(argument("FILE_B", "The facts file of another host", &options->other).require());
     command.add(option({"--json"}, "FILE", "Write the differences for programs", &options->json));
-    command.check = [options] {
-        if (options->files.size() != 2) throw UsageError("FILE.json: two facts files are needed");
-        refuseSecondStandardInput(options->files);
-    };
+    command.check = [options] { refuseSecondStandardInput({options->one, options->other}); };
     command.run = [options] { return compareHosts(*options); };
     return command;
 }

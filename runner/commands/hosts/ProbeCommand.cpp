@@ -1,11 +1,14 @@
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "commands/Commands.h"
-#include "options/CommonOptions.h"
+#include "facts/Facts.h"
+#include "options/PrintedOutput.h"
+#include "options/UsageError.h"
 #include "session/Session.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
@@ -41,8 +44,64 @@ const std::vector<std::string> kSetting = {"VEXAPROBE", "SETTING", "LINETHICKNES
 constexpr double kValue = 0.25;
 
 struct ProbeOptions : SessionOptions {
-    std::string output;
+    std::optional<std::string> output;
+    bool markdown = false;  // print the page of all facts
 };
+
+constexpr const char* kPageHead = R"(# Facts about hosts
+
+<!-- Printed by `vexa-standin probe --markdown`; a test compares the two. -->
+
+These are the questions that the probe asks a host. [The real host](real-host.md) shows how to run it, and how to make
+the stand-in answer like another host. The columns are:
+
+- **fact**: the name of the fact in facts files.
+- **asked**: "always", or only with `RISKY = TRUE`. A *risky* question keeps the contract, but a careless host may
+  crash or hang. A question *against the contract* breaks a rule, so the stand-in reports it.
+- **stand-in**: the answer of the stand-in.
+- **imitates**: the other answers that the stand-in can give with `--host`.
+
+| fact | question | asked | stand-in | imitates |
+|---|---|---|---|---|
+)";
+
+std::string riskText(facts::Risk_e risk) {
+    switch (risk) {
+        case facts::Risk_e::None: return "always";
+        case facts::Risk_e::MayEndHost: return "risky";
+        case facts::Risk_e::BreaksContract: return "against the contract";
+    }
+    return "";
+}
+
+// `|` separates the columns of the page.
+std::string otherWords(std::string words, const std::string& standIn) {
+    words.erase(0, standIn.size() + 1);
+    std::string text = "`";
+    for (const char c : words) text += c == '|' ? std::string("`, `") : std::string(1, c);
+    return text + '`';
+}
+
+std::string imitationText(const facts::FactInfo& info) {
+    switch (info.kind) {
+        case facts::Kind_e::Truth: return std::string(info.standIn) == "true" ? "`false`" : "`true`";
+        case facts::Kind_e::Code: return "the other codes";
+        case facts::Kind_e::Count: return "smaller numbers";
+        case facts::Kind_e::Word: return otherWords(info.limit, info.standIn);
+        case facts::Kind_e::Fixed: return std::string("none: ") + info.limit;
+    }
+    return "";
+}
+
+ExitStatus_e printPage() {
+    std::string page = kPageHead;
+    for (const facts::FactInfo& info : facts::kFacts) {
+        page += std::string("| `") + info.name + "` | " + info.question + " | " + riskText(info.risk) + " | `" +
+                info.standIn + "` | " + imitationText(info) + " |\n";
+    }
+    print(page);
+    return checkOutput(ExitStatus_e::AllWell);
+}
 
 // The installed probe; in a build tree the one that was built with this program.
 std::string probeFile(const std::string& name) {
@@ -90,10 +149,11 @@ private:
 };
 
 ExitStatus_e probe(ProbeOptions& options) {
+    if (options.markdown) return printPage();
     if (!readHostFacts(options)) return ExitStatus_e::BadUsageOrInput;
     for (const char* const name : kProbes) options.addOns.push_back(probeFile(name));
     inputsOf(options).write(options.output);
-    WholeOutput output(options.output);
+    WholeOutput output(*options.output);
     try {
         const TemporaryFolder folder("vexa-standin-probe");
         const std::string facts = folder.path() / "facts.json";
@@ -111,8 +171,12 @@ ExitStatus_e probe(ProbeOptions& options) {
 Command probeCommand() {
     const auto options = std::make_shared<ProbeOptions>();
     Command command{"probe", "Write the facts about the stand-in host", kProbeFooter};
-    command.add(option({"-o", "--output"}, "FILE.json", "The facts file", &options->output).require());
+    command.add(option({"-o", "--output"}, "FILE.json", "The facts file", &options->output).exclude("--markdown"));
     addHostOption(command, options->contract);
+    command.add(flag({"--markdown"}, "Print the page of all facts", &options->markdown).exclude("--output"));
+    command.check = [options] {
+        if (!options->output && !options->markdown) throw UsageError("--output is required");
+    };
     command.run = [options] { return probe(*options); };
     return command;
 }
