@@ -51,10 +51,7 @@ std::string entryOf(const Shutdown& shutdown) {
 }
 
 bool hasControls(std::string_view text) {
-    for (const char c : text) {
-        if (c >= 0 && c < ' ') return true;
-    }
-    return false;
+    return std::any_of(text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; });
 }
 
 }  // namespace
