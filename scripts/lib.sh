@@ -73,7 +73,7 @@ run() {
 logged() {
     mkdir -p build
     log=build/$(basename -- "$script").log
-    run "$@" >"$log" 2>&1
+    run "$@" >"$log" 2>&1 || return  # so that a caller can ask for the result
     log=""
 }
 

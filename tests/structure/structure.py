@@ -25,8 +25,10 @@ PRODUCTS = {
     'hostlibs': ('hostapi',),
     'library': ('hostapi',),
     'contract': ('hostapi',),
-    'standin': ('contract', 'hostapi'),
-    'runner': ('standin', 'contract', 'library', 'hostapi'),
+    'facts': (),
+    'probe': ('facts', 'library', 'hostapi'),
+    'standin': ('facts', 'contract', 'hostapi'),
+    'runner': ('standin', 'facts', 'contract', 'library', 'hostapi'),
 }
 
 # Folders from the top down: each may include only those after it.
@@ -45,8 +47,10 @@ INCLUDE_FOLDERS = {
     'hostlibs': ('hostlibs', 'hostapi'),
     'library': ('library', 'library/include', 'hostapi'),
     'contract': ('.', 'contract/include', 'hostapi'),
+    'facts': ('.',),
+    'probe': ('.', 'probe', 'library/include', 'hostapi'),
     'standin': ('standin/src', '.', 'standin/include', 'contract/include', 'hostapi'),
-    'runner': ('runner', 'standin/include', 'contract/include', 'library/include', 'hostapi'),
+    'runner': ('runner', '.', 'standin/include', 'contract/include', 'library/include', 'hostapi'),
 }
 
 MOST_SOURCES = 30

@@ -295,6 +295,7 @@ Command testCommand() {
     command.add(flag({"--accept"}, "Save the current results as the expected results", &options->accepts));
     command.add(jobsOption(options->jobs, "macros"));
     command.add(styleOption(options->style));
+    addHostOption(command, options->contract);
     command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
@@ -302,7 +303,8 @@ Command testCommand() {
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options->batch));
     command.run = [options] {
-        return addProjectFile(options->contract) ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
+        const bool isReady = addProjectFile(options->contract) && readHostFacts(*options);
+        return isReady ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
     };
     return command;
 }

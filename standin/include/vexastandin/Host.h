@@ -10,6 +10,7 @@
 #include "vexastandin/Call.h"
 #include "vexastandin/Export.h"
 #include "vexastandin/Finding.h"
+#include "vexastandin/HostFacts.h"
 #include "vexastandin/Recording.h"
 #include "vexastandin/StatusLine.h"
 #include "vexastandin/StyleValue.h"
@@ -92,6 +93,19 @@ public:
     void setRecording(bool active);          ///< true: the host records macro commands
     void setProcessingJournal(bool active);  ///< true: the host plays back a journal
     void setProcessingLayout(bool active);   ///< true: the host plays back a layout
+
+    /// From now on the host answers as another host does, of which \p facts are known:
+    ///
+    ///     host.answerLike({{"list.append.most", "64"}, {"state.batch", "true"}});
+    ///
+    /// Where \p facts has no answer, the host answers as usual, whatever an earlier call said. Facts about the four
+    /// states above set these states; without such a fact a state stays as it is. The rules of the contract stay the
+    /// same. Call this while the host is not in an add-on.
+    /// \return the facts that the host cannot imitate, as from unlikeFacts(). There the host answers as usual.
+    std::vector<UnlikeFact> answerLike(const HostFacts& facts);
+    /// Returns true if, by the facts passed to answerLike(), a macro goes on after a command that failed. It is for
+    /// programs that run macros: run() itself always runs the command.
+    bool goesOnAfterFailure() const;
 
     /// Sets the value of a style setting, which VexaUtilStyleGetLowLevelX() returns for every pair of offsets. The host
     /// owns a text or set; add-ons may use it until the path gets another value.

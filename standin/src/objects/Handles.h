@@ -31,6 +31,12 @@ public:
         return found == m_entries.end() ? nullptr : found->second.object;
     }
 
+    /// Returns the number of living objects.
+    std::size_t count() const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_entries.size();
+    }
+
     /// Returns the number of the object of \p handle, counted from 1; 0 if there is no such living object.
     std::size_t numberOf(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);

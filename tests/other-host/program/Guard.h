@@ -1,0 +1,15 @@
+/* Calls of an add-on's code that end in a way the host's interface does not allow. */
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef void (*Work_f)(void* data);
+
+/* Calls `work`. Returns 1 if it returned; otherwise 0, with the reason in `why`. */
+int callGuarded(Work_f work, void* data, char* why, int size);
+
+#ifdef __cplusplus
+}
+#endif
