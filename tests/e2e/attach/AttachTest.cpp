@@ -117,10 +117,11 @@ TEST_F(Attach, SaysThatNothingWasChecked) {
     EXPECT_EQ(attach(host("ONE SAY a\n")).err, "");
 }
 
-TEST_F(Attach, WatchesAddOnsWithAnotherEntry) {
-    EXPECT_EQ(
-        attach(host("ONE LEAVELOCKOPEN\n"), {"--entry", "otherEntry"}).err.find(kNothingChecked) != std::string::npos,
-        true);
+TEST_F(Attach, LeavesAnAddOnThatCannotBeLoadedToTheHost) {
+    const Words program = host("LOCKING a\n", {}, INCOMPLETE_ADDON);
+    const ProgramResult result = attach(program);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, runProgram({program, folder(), "", false}).err + kNothingChecked);
 }
 
 // ---- Traces
