@@ -90,7 +90,7 @@ struct Option {
     /// Returns true if the value is a file or a folder, which the start of the value name tells.
     bool takesFiles() const {
         const auto isCalled = [this](const char* start) { return startsWith(valueName, start); };
-        return isCalled("FILE") || isCalled("FOLDER") || isCalled("MACRO") || isCalled("TRACE");
+        return isCalled("FILE") || isCalled("FOLDER") || isCalled("MACRO") || isCalled("TRACE") || isCalled("PROGRAM");
     }
 };
 

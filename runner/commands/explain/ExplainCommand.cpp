@@ -10,8 +10,10 @@
 #include <string>
 #include <string_view>
 
+#include "commands/explain/AttachPage.h"
 #include "options/ContractOptions.h"
 #include "options/Refusals.h"
+#include "options/UsageError.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 #include "terminal/WrappedText.h"
@@ -29,7 +31,8 @@ Exit status:
 
 struct ExplainOptions {
     std::optional<std::string> rule;  // the rule to explain; empty for a list of all rules
-    bool markdown = false;            // print the Markdown page of all rules
+    bool markdown = false;            // print a page of the documentation
+    bool attach = false;              // list what the command attach cannot see
 };
 
 std::string padded(std::string text, std::size_t width) {
@@ -147,6 +150,7 @@ std::string contractPage() {
 }
 
 std::string textOf(const ExplainOptions& options) {
+    if (options.attach) return options.markdown ? attachPage() : attachLimits(outputWidth());
     if (options.markdown) return contractPage();
     return options.rule ? explanationOf(*standin::findRule(*options.rule)) : listOfRules();
 }
@@ -168,7 +172,13 @@ Command explainCommand() {
     command.add(argument("RULE", "The rule to explain; by default all rules are listed", &options->rule)
                     .suggest(ruleNames())
                     .exclude("--markdown"));
-    command.add(flag({"--markdown"}, "Print all rules as a Markdown page", &options->markdown).exclude("RULE"));
+    command.add(flag({"--attach"}, "List what 'attach' cannot see, rule by rule", &options->attach));
+    command.add(flag({"--markdown"}, "Print a page of the documentation: all rules, or with --attach, 'attach'",
+                     &options->markdown)
+                    .exclude("RULE"));
+    command.check = [options] {
+        if (options->attach && options->rule) throw UsageError("--attach excludes RULE");
+    };
     command.run = [options] { return explain(*options); };
     return command;
 }
