@@ -26,6 +26,7 @@ PRODUCTS = {
     'library': ('hostapi',),
     'contract': ('hostapi',),
     'standin': ('contract', 'hostapi'),
+    'layer': ('contract', 'hostapi'),
     'runner': ('standin', 'contract', 'library', 'hostapi'),
 }
 
@@ -46,7 +47,8 @@ INCLUDE_FOLDERS = {
     'library': ('library', 'library/include', 'hostapi'),
     'contract': ('.', 'contract/include', 'hostapi'),
     'standin': ('standin/src', '.', 'standin/include', 'contract/include', 'hostapi'),
-    'runner': ('runner', 'standin/include', 'contract/include', 'library/include', 'hostapi'),
+    'layer': ('.', 'contract/include', 'hostapi'),
+    'runner': ('runner', '.', 'standin/include', 'contract/include', 'library/include', 'hostapi'),
 }
 
 MOST_SOURCES = 30

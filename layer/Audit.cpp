@@ -1,0 +1,119 @@
+// The functions that the loader calls in an audit library.
+
+#include <link.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "contract/HostFunctionTable.h"
+#include "contract/messages/LayerVariables.h"
+#include "layer/AddOns.h"
+#include "layer/HostCalls.h"
+#include "layer/Layer.h"
+#include "layer/LayerTime.h"
+#include "layer/LoadedObjects.h"
+#include "layer/Settings.h"
+
+namespace vexa::layer {
+namespace {
+
+// The version of glibc 2.35. Older ones slow down every call of the program.
+constexpr unsigned kAuditVersion = 2;
+
+// Null in a process that no runner has started. The program's last thread may still load objects while the process
+// ends, so it is never destroyed.
+LoadedObjects* theObjects = nullptr;
+
+bool openObjects() {
+    const char* const socket = std::getenv(standin::kSocketVariable);
+    if (socket == nullptr) return false;
+    const char* const entry = std::getenv(standin::kEntryVariable);
+    const bool isTraced = std::getenv(standin::kTraceVariable) != nullptr;
+    theObjects = new LoadedObjects(Settings{socket, entry == nullptr ? standin::kUsualEntry : entry, isTraced});
+    return true;
+}
+
+LoadedObject* objectOf(const uintptr_t* cookie) { return reinterpret_cast<LoadedObject*>(*cookie); }
+
+// In a process that the program has forked, a thread that is not there may hold a lock of the layer.
+template <class Action>
+void unlessForked(const Action& action) noexcept {
+    if (wasForked() || isThreadInLayer) return;
+    const LayerTime time;
+    try {
+        action();
+    } catch (...) {}
+}
+
+// The host asks an add-on for its entry.
+void* entryFor(LoadedObject& addOn, void* entry) {
+    if (addOn.addOn == kNoAddOn) addOn.addOn = addAddOn(entry, addOn.map->l_name);
+    return addOn.addOn == kNoAddOn ? entry : entryOf(addOn.addOn);
+}
+
+// An add-on asks for a function of the host.
+void* functionFor(const char* name, void* address) {
+    const auto function = standin::findHostFunction(name);
+    if (!function) return address;
+    if (hostFunction(*function) == nullptr) setHostFunction(*function, address);
+    return checkedFunction(*function);
+}
+
+void* answerTo(LoadedObject* asking, LoadedObject* asked, const char* name, void* address) {
+    if (asked != nullptr && asked->isOfAddOn && theObjects->settings().entryName == name) {
+        return entryFor(*asked, address);
+    }
+    return asking != nullptr && asking->isOfAddOn ? functionFor(name, address) : address;
+}
+
+}  // namespace
+}  // namespace vexa::layer
+
+using namespace vexa::layer;
+
+#pragma GCC visibility push(default)
+
+extern "C" {
+
+unsigned la_version(unsigned version) { return version >= kAuditVersion && openObjects() ? kAuditVersion : 0; }
+
+char* la_objsearch(const char* name, uintptr_t* cookie, unsigned) {
+    if (!wasForked()) theObjects->searches(objectOf(cookie));
+    return const_cast<char*>(name);
+}
+
+unsigned la_objopen(link_map* map, Lmid_t space, uintptr_t* cookie) {
+    unsigned flags = 0;
+    *cookie = 0;
+    if (space != LM_ID_BASE) return flags;
+    unlessForked([&] {
+        LoadedObject* const object = theObjects->opened(*map);
+        *cookie = reinterpret_cast<uintptr_t>(object);
+        if (!theObjects->isStarted()) return;
+        flags = LA_FLG_BINDFROM | (theObjects->hasEntry(*object) ? unsigned{LA_FLG_BINDTO} : 0U);
+    });
+    return flags;
+}
+
+void la_activity(uintptr_t*, unsigned activity) {
+    if (activity == LA_ACT_CONSISTENT) unlessForked([] { theObjects->areComplete(); });
+}
+
+unsigned la_objclose(uintptr_t* cookie) {
+    if (objectOf(cookie) != nullptr) unlessForked([=] { LoadedObjects::closes(objectOf(cookie)); });
+    return 0;
+}
+
+uintptr_t la_symbind64(Elf64_Sym* symbol, unsigned, uintptr_t* asking, uintptr_t* asked, unsigned* flags,
+                       const char* name) {
+    void* answer = reinterpret_cast<void*>(symbol->st_value);
+    if ((*flags & LA_SYMB_DLSYM) != 0) {
+        unlessForked([&] { answer = answerTo(objectOf(asking), objectOf(asked), name, answer); });
+    }
+    return reinterpret_cast<uintptr_t>(answer);
+}
+
+}  // extern "C"
+
+#pragma GCC visibility pop

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <elf.h>
+#include <link.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vexa::layer {
+
+/// The symbols of a shared object or program that the loader has mapped.
+class ElfImage {
+public:
+    explicit ElfImage(const link_map& map);
+
+    /// The address of the function that the object exports as \p name; null if it exports none.
+    void* findFunction(const char* name) const;
+
+    /// Lets the loader bind symbols of other objects to functions of our choice. The loader must not have bound them
+    /// yet. It keeps to this for each kind of binding: early and lazy, calls and addresses of functions.
+    /// \param targetOf is called with the name of each function that the object imports; null leaves it to the loader.
+    void redirectImports(void* (*targetOf)(const char* name)) const;
+
+private:
+    const Elf64_Sym* find(const char* name) const;
+    const Elf64_Sym* findByGnuHash(const char* name) const;
+    const Elf64_Sym* findByHash(const char* name) const;
+    bool isCalled(const Elf64_Sym& symbol, const char* name) const;
+    /// The number of symbols, without those that a GNU hash table has: imports come before them.
+    std::size_t countOfImports() const;
+    int protectionOf(const void* address) const;
+
+    std::uintptr_t m_base = 0;
+    Elf64_Sym* m_symbols = nullptr;
+    const char* m_names = nullptr;
+    const std::uint32_t* m_hash = nullptr;
+    const std::uint32_t* m_gnuHash = nullptr;
+};
+
+}  // namespace vexa::layer
