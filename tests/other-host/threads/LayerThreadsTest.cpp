@@ -21,6 +21,7 @@
 #include "layer/AddOns.h"
 #include "layer/HostCalls.h"
 #include "layer/Layer.h"
+#include "load/Load.h"
 #include "support/TemporaryFolder.h"
 #include "vexa/AddOn.h"
 
@@ -32,8 +33,8 @@ using standin::HostFunction;
 using standin::Message_e;
 
 constexpr int kThreads = 8;
-constexpr int kRounds = 500;
-constexpr int kMostWaits = 2000;
+const int kRounds = static_cast<int>(load::amount(500, 20000));
+constexpr int kMostWaits = 30000;
 
 using Counts = std::array<int, 6>;  // of messages, by their kind
 
@@ -180,8 +181,8 @@ TEST_F(LayerThreads, EightThreadsOfACommandCallAtOnce) {
 }
 
 TEST_F(LayerThreads, EightThreadsOfTheHostRunCommandsAtOnce) {
-    constexpr int kEntries = 1 + kThreads * kRounds;  // the loading, and the commands
-    const Counts messages = messagesOf(kEntries, [] {
+    const int entries = 1 + kThreads * kRounds;  // the loading, and the commands
+    const Counts messages = messagesOf(entries, [] {
         static const VexaAddOn_s* const addOn = loaded<useObjects>();
         onEightThreads([] {
             for (int i = 0; i != kRounds; ++i) {
@@ -190,7 +191,7 @@ TEST_F(LayerThreads, EightThreadsOfTheHostRunCommandsAtOnce) {
             }
         });
     });
-    EXPECT_EQ(of(messages, Message_e::EntryBegan), kEntries);
+    EXPECT_EQ(of(messages, Message_e::EntryBegan), entries);
     EXPECT_EQ(of(messages, Message_e::CallBegan), kThreads * kRounds * 6);
     EXPECT_EQ(of(messages, Message_e::CallEnded), kThreads * kRounds * 6);
     EXPECT_EQ(of(messages, Message_e::FindingMade), 0);
