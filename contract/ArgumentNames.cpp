@@ -39,7 +39,7 @@ const char* textOf(ArgumentKind_e kind) {
 }  // namespace
 
 void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind_e kind, const void* address,
-                             const Moment& now, FindingLog& findings) {
+                             bool isAppended, const Moment& now, FindingLog& findings) {
     if (!m_argLists.isLiving(argList) || name == nullptr) return;
     const std::string label = m_argLists.labelOf(argList);
     if (const Given* const before = find(argList, name)) {
@@ -47,6 +47,7 @@ void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind
                      &before->since);
         return;
     }
+    if (!isAppended) return;
     m_names[argList].push_back({name, address, now});
     const auto known = std::find_if(std::begin(kKnownArguments), std::end(kKnownArguments),
                                     [=](const KnownArgument& argument) { return argument.name == std::string(name); });

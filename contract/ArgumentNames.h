@@ -19,10 +19,11 @@ class ArgumentNames {
 public:
     explicit ArgumentNames(HandleLedger& argLists) : m_argLists(argLists) {}
 
-    /// Checks an argument that was appended.
-    /// \param address where a query stores its result; null if the argument is none.
-    void appended(const void* argList, const char* name, ArgumentKind_e kind, const void* address, const Moment& now,
-                  FindingLog& findings);
+    /// Checks an argument that was to be appended.
+    /// \param address    where a query stores its result; null if the argument is none.
+    /// \param isAppended false if the host refused it. It may refuse a name that the list has.
+    void appended(const void* argList, const char* name, ArgumentKind_e kind, const void* address, bool isAppended,
+                  const Moment& now, FindingLog& findings);
     void forget(const void* argList) { m_names.erase(argList); }
     /// Checks the argument list of a style query.
     void queried(const void* argList, const Moment& now, FindingLog& findings) const;

@@ -186,7 +186,8 @@ struct Appends : NoCheck {
         const void* address = nullptr;
         if constexpr (std::is_pointer_v<Value>) isNull = value == nullptr;
         if constexpr (kind == ArgumentKind_e::ParamAddress) address = value;
-        if (isAppended != 0 || isNull) books.arguments.appended(argList, name, kind, address, now, books.findings);
+        const bool counts = isAppended != 0 || isNull;
+        books.arguments.appended(argList, name, kind, address, counts, now, books.findings);
     }
 };
 

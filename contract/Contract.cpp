@@ -32,28 +32,36 @@ void Contract::name(const std::string& addOnId) {
 
 void Contract::judgeErrorMessage(bool accepted, const char* errMsg) {
     if (!isOn()) return;
-    update([&] { m_books.strings.commandEnded(accepted, errMsg, mine().hadNoMemory, endOfEntry(), m_books.findings); });
+    update(
+        [&] { m_books.strings.commandEnded(accepted, errMsg, mine().hadNoMemory, endOf(mine()), m_books.findings); });
 }
 
 void Contract::judgeEscape(const std::string& what) {
     if (!isOn()) return;
-    update([&] { m_books.findings.add("escaped-exception", what, endOfEntry()); });
+    update([&] { m_books.findings.add("escaped-exception", what, endOf(mine())); });
 }
 
-void Contract::leave(bool isGone) {
+void Contract::leave(bool isGone) { end(m_threads.mine(), isGone); }
+
+void Contract::abandon(std::size_t thread, const std::string& what) {
+    if (isOn()) update([&] { m_books.findings.add("escaped-exception", what, endOf(booksOf(thread))); });
+    end(thread, false);
+}
+
+void Contract::end(std::size_t thread, bool isGone) {
     update([&] {
-        if (isOn()) judgeEnd(isGone);
+        if (isOn()) judgeEnd(booksOf(thread), isGone);
     });
     const std::lock_guard<std::mutex> lock(m_guard);
-    m_books.entries.erase(m_books.entries.begin() + (&mine() - m_books.entries.data()));
+    m_books.entries.erase(m_books.entries.begin() + (&booksOf(thread) - m_books.entries.data()));
 }
 
 void Contract::lend(const Set_s* set) {
-    update([&] { m_books.setLedger.lent(set, endOfEntry()); });
+    update([&] { m_books.setLedger.lent(set, endOf(mine())); });
 }
 
 void Contract::takeBack(const Set_s* set) {
-    update([&] { m_books.setLedger.takenBack(set, endOfEntry()); });
+    update([&] { m_books.setLedger.takenBack(set, endOf(mine())); });
 }
 
 // Small numbers are no addresses. They stay out, so that queries for numbers do not fill the ledger.
@@ -63,7 +71,7 @@ void Contract::lendResultOf(const ArgList_s* argList) {
         const VexaArbParam* const place = m_books.arguments.placeOfHandle(argList);
         if (place == nullptr || *place < kLeastAddress) return;
         const void* const handle = reinterpret_cast<const void*>(*place);
-        if (!m_books.setLedger.isLiving(handle)) m_books.setLedger.lent(handle, endOfEntry());
+        if (!m_books.setLedger.isLiving(handle)) m_books.setLedger.lent(handle, endOf(mine()));
     });
 }
 
@@ -102,19 +110,15 @@ Moment Contract::momentOf(std::size_t call, HostFunction function) {
     return {isStray ? last : m_books.entries.back().entry, thread, call, function};
 }
 
-EntryBooks& Contract::mine() {
-    EntryBooks* const own = m_books.entryOf(m_threads.mine());
+EntryBooks& Contract::booksOf(std::size_t thread) {
+    EntryBooks* const own = m_books.entryOf(thread);
     return own == nullptr ? m_books.entries.back() : *own;
 }
 
-Moment Contract::endOfEntry() {
-    const std::shared_ptr<Entry>& entry = mine().entry;
-    return {entry, entry->thread, 0, std::nullopt};
-}
+Moment Contract::endOf(const EntryBooks& books) { return {books.entry, books.entry->thread, 0, std::nullopt}; }
 
-void Contract::judgeEnd(bool isGone) {
-    const Moment now = endOfEntry();
-    EntryBooks& books = mine();
+void Contract::judgeEnd(EntryBooks& books, bool isGone) {
+    const Moment now = endOf(books);
     FindingLog& findings = m_books.findings;
     const auto isInThisEntry = [&](const Entry& entry) { return &entry == now.entry.get(); };
     const auto isOfThisAddOn = [&](const Entry& entry) { return entry.addOnId == now.entry->addOnId; };

@@ -60,6 +60,10 @@ public:
     ///               and sets.
     void leave(bool isGone = true);
 
+    /// The add-on that the thread \p thread entered last has not returned: an exception or a jump left it, or the
+    /// thread ended. Reports \p what. After its shutdown, the add-on may still free mutexes and sets.
+    void abandon(std::size_t thread, const std::string& what);
+
     /// The host lends \p set to add-ons: they may read it, but not change or free it.
     void lend(const Set_s* set);
     void takeBack(const Set_s* set);
@@ -96,10 +100,12 @@ private:
     }
 
     Moment momentOf(std::size_t call, HostFunction function);
-    /// The books of the entry that the calling thread is in; of the newest entry if it is in none.
-    EntryBooks& mine();
-    Moment endOfEntry();
-    void judgeEnd(bool isGone);
+    /// The books of the entry that \p thread is in; of the newest entry if it is in none.
+    EntryBooks& booksOf(std::size_t thread);
+    EntryBooks& mine() { return booksOf(m_threads.mine()); }
+    static Moment endOf(const EntryBooks& books);
+    void end(std::size_t thread, bool isGone);
+    void judgeEnd(EntryBooks& books, bool isGone);
 
     ThreadNumbers& m_threads;
     Show m_show;

@@ -82,15 +82,15 @@ void showDescription(AddOnNumber number);
     inLayer([&](Layer& layer) { layer.commandEnded(frame, result == 1, errMsg == nullptr ? nullptr : *errMsg); });
 }
 
-[[gnu::noinline]] void beginShutdown(const AddOn& addOn, const void* frame) noexcept {
-    inLayer([&](Layer& layer) { layer.entryBegan(frame, Entry_e::Unloading, addOn.id, ""); });
-}
-
-[[gnu::noinline]] void endShutdown(AddOn& addOn, const void* frame) noexcept {
+[[gnu::noinline]] void beginShutdown(AddOn& addOn, const void* frame) noexcept {
     inLayer([&](Layer& layer) {
         addOn.isShutDown = true;
-        layer.shutdownEnded(frame);
+        layer.entryBegan(frame, Entry_e::Unloading, addOn.id, "");
     });
+}
+
+[[gnu::noinline]] void endShutdown(const void* frame) noexcept {
+    inLayer([&](Layer& layer) { layer.shutdownEnded(frame); });
 }
 
 const VexaAddOn_s* load(AddOnNumber number, AddOnList_s* identity) {
@@ -115,7 +115,7 @@ void shutDown(AddOnNumber number) {
     AddOn& addOn = addOnOf(number);
     beginShutdown(addOn, frame);
     addOn.description->shutdown();
-    endShutdown(addOn, frame);
+    endShutdown(frame);
 }
 
 // The functions of a description have no argument that says which add-on is meant. So each number has functions of its

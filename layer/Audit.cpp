@@ -67,6 +67,11 @@ void* answerTo(LoadedObject* asking, LoadedObject* asked, const char* name, void
     return asking != nullptr && asking->isOfAddOn ? functionFor(name, address) : address;
 }
 
+// Runs after all code of the program.
+[[gnu::destructor]] void endLayer() {
+    if (Layer* const layer = Layer::current()) unlessForked([=] { layer->closeLeftEntries(); });
+}
+
 }  // namespace
 }  // namespace vexa::layer
 

@@ -56,6 +56,7 @@ std::string readableText(const char* text) {
 
 Layer::Layer(const Settings& settings)
     : m_connection(settings.socket),
+      m_entryName(settings.entryName),
       m_isTraced(settings.isTraced),
       m_contract(m_threads, *this, [this](const Finding& finding) { send(Message_e::FindingMade, finding); }) {}
 
@@ -78,22 +79,26 @@ void Layer::start(const Settings& settings) {
 
 void Layer::entryBegan(const void* frame, Entry_e kind, const std::string& addOnId, const std::string& command) {
     closeFrames(frame);
-    auto entry = std::make_unique<EntryEvent>();
-    entry->kind = kind;
-    entry->addOnId = addOnId;
-    entry->command = command;
-    if (kind == Entry_e::Command) entry->macroLine = "command " + std::to_string(++m_commands);
-    entry->threadNumber = m_threads.mine();
-    entry->time = std::chrono::steady_clock::now();
-    if (!ThreadFrames::mine().push({frame, nullptr, entry.get()})) return;
-    m_contract.enter({kind, addOnId, command, entry->macroLine});
-    send(Message_e::EntryBegan, *entry.release());
+    closeLeftEntries();
+    EntryEvent entry;
+    entry.kind = kind;
+    entry.addOnId = addOnId;
+    entry.command = command;
+    if (kind == Entry_e::Command) entry.macroLine = "command " + std::to_string(++m_commands);
+    entry.threadNumber = m_threads.mine();
+    entry.time = std::chrono::steady_clock::now();
+    const std::size_t number = m_entries.add(frame, thisThread(), entry);
+    if (!ThreadFrames::mine().push({frame, nullptr, number})) {
+        m_entries.take(number);
+        return;
+    }
+    m_contract.enter({kind, addOnId, command, entry.macroLine});
+    send(Message_e::EntryBegan, entry);
 }
 
 void Layer::loadingEnded(const void* frame, const AddOnList_s* identity, const char* addOnId) {
-    closeInnerFrames(frame);
-    EntryEvent* const entry = ThreadFrames::mine().pop(frame).entry;
-    if (entry == nullptr) return;
+    auto entry = returnedTo(frame);
+    if (!entry) return;
     entry->succeeded = addOnId != nullptr;
     if (addOnId == nullptr) {
         entry->error = entry->addOnId + ": it refuses to be loaded (its entry returned null)";
@@ -103,25 +108,23 @@ void Layer::loadingEnded(const void* frame, const AddOnList_s* identity, const c
         const std::lock_guard<std::mutex> lock(m_guard);
         m_ids[identity] = addOnId;
     }
-    endEntry(entry);
+    endEntry(*entry);
 }
 
 void Layer::commandEnded(const void* frame, bool isAccepted, const char* errMsg) {
-    closeInnerFrames(frame);
-    EntryEvent* const entry = ThreadFrames::mine().pop(frame).entry;
-    if (entry == nullptr) return;
+    auto entry = returnedTo(frame);
+    if (!entry) return;
     entry->succeeded = isAccepted;
     if (!isAccepted) entry->error = textOfError(errMsg);
     m_contract.judgeErrorMessage(isAccepted, errMsg);
-    endEntry(entry);
+    endEntry(*entry);
 }
 
 void Layer::shutdownEnded(const void* frame) {
-    closeInnerFrames(frame);
-    EntryEvent* const entry = ThreadFrames::mine().pop(frame).entry;
-    if (entry == nullptr) return;
+    auto entry = returnedTo(frame);
+    if (!entry) return;
     entry->succeeded = true;
-    endEntry(entry, false);
+    endEntry(*entry, false);
 }
 
 void Layer::unloaded(const std::string& addOnId) {
@@ -157,7 +160,7 @@ void Layer::beginTracedCall(const void* frame, std::size_t number, standin::Host
     call->arguments = std::move(arguments);
     call->threadNumber = m_threads.mine();
     call->time = std::chrono::steady_clock::now();
-    if (!ThreadFrames::mine().push({frame, call.get(), nullptr})) return;
+    if (!ThreadFrames::mine().push({frame, call.get(), 0})) return;
     send(Message_e::CallBegan, *call.release());
 }
 
@@ -175,25 +178,28 @@ void Layer::closeFrames(const void* frame) {
 
 void Layer::closeInnerFrames(const void* frame) {
     for (;;) {
-        const ThreadFrame left = ThreadFrames::mine().popInside(frame);
+        const ThreadFrame left = ThreadFrames::mine().popLeft(frame);
         if (left.address == nullptr) return;
-        closeLeft(left);
+        if (left.call != nullptr) {
+            left.call->threw = true;
+            endCall(left.call);
+        } else if (auto entry = m_entries.take(left.entry)) {
+            abandon({thisThread(), *entry});
+        }
     }
 }
 
-void Layer::closeLeft(const ThreadFrame& left) {
-    if (left.call != nullptr) {
-        left.call->threw = true;
-        return endCall(left.call);
+void Layer::closeLeftEntries() {
+    for (;;) {
+        const std::vector<LeftEntry> left = m_entries.takeEnded();
+        if (left.empty()) return;
+        for (const LeftEntry& entry : left) abandon(entry);
     }
-    left.entry->error = "an exception or a jump escaped from ";
-    switch (left.entry->kind) {
-        case Entry_e::Loading: left.entry->error += "its entry"; break;
-        case Entry_e::Command: left.entry->error += "the add-on"; break;
-        case Entry_e::Unloading: left.entry->error += "its shutdown"; break;
-    }
-    m_contract.judgeEscape(left.entry->error);
-    endEntry(left.entry);
+}
+
+std::optional<EntryEvent> Layer::returnedTo(const void* frame) {
+    closeInnerFrames(frame);
+    return m_entries.take(ThreadFrames::mine().pop(frame).entry);
 }
 
 void Layer::endCall(CallEvent* call) {
@@ -202,11 +208,26 @@ void Layer::endCall(CallEvent* call) {
     send(Message_e::CallEnded, *call);
 }
 
-void Layer::endEntry(EntryEvent* entry, bool isGone) {
-    const std::unique_ptr<EntryEvent> owner(entry);
+void Layer::endEntry(EntryEvent& entry, bool isGone) {
     m_contract.leave(isGone);
-    entry->time = std::chrono::steady_clock::now();
-    send(Message_e::EntryEnded, *entry);
+    sendEnd(thisThread(), entry);
+}
+
+void Layer::abandon(const LeftEntry& left) {
+    EntryEvent entry = left.event;
+    entry.error = "an exception or a jump escaped from ";
+    switch (entry.kind) {
+        case Entry_e::Loading: entry.error += "its entry " + m_entryName; break;
+        case Entry_e::Command: entry.error += "the add-on"; break;
+        case Entry_e::Unloading: entry.error += "its shutdown"; break;
+    }
+    m_contract.abandon(entry.threadNumber, entry.error);
+    sendEnd(left.thread, entry);
+}
+
+void Layer::sendEnd(long thread, EntryEvent& entry) {
+    entry.time = std::chrono::steady_clock::now();
+    m_connection.send(standin::bytesOf({Message_e::EntryEnded, thread, entry}));
 }
 
 // The message may be no string of the host, or even no text.

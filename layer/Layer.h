@@ -5,8 +5,10 @@
 #include <chrono>
 #include <cstddef>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "contract/CallText.h"
 #include "contract/Checks.h"
@@ -15,6 +17,7 @@
 #include "contract/ThreadNumbers.h"
 #include "contract/messages/EventMessage.h"
 #include "layer/Connection.h"
+#include "layer/OpenEntries.h"
 #include "layer/Settings.h"
 #include "layer/ThreadFrames.h"
 
@@ -79,6 +82,8 @@ public:
     void shutdownEnded(const void* frame);
     /// An add-on that was shut down is unloaded.
     void unloaded(const std::string& addOnId);
+    /// Ends the entries that an exception, a jump or the end of their thread has left.
+    void closeLeftEntries();
 
     /// Sends a text for the user.
     void note(const std::string& text) { send(standin::Message_e::Note, text); }
@@ -118,20 +123,25 @@ private:
     void closeFrames(const void* frame);
     /// The same, before it returned to the frame \p frame.
     void closeInnerFrames(const void* frame);
-    void closeLeft(const ThreadFrame& left);
     void endCall(standin::CallEvent* call);
-    void endEntry(standin::EntryEvent* entry, bool isGone = true);
+    /// The entry that was begun at \p frame; nothing if it is not open.
+    std::optional<standin::EntryEvent> returnedTo(const void* frame);
+    void endEntry(standin::EntryEvent& entry, bool isGone = true);
+    void abandon(const LeftEntry& left);
+    void sendEnd(long thread, standin::EntryEvent& entry);
 
     std::string textOfError(const char* errMsg) const;
     template <class Content>
     void send(standin::Message_e kind, const Content& content);
 
     Connection m_connection;
+    std::string m_entryName;
     bool m_isTraced;
     std::atomic<std::size_t> m_calls{0};
     std::atomic<std::size_t> m_commands{0};
     std::array<std::atomic<std::size_t>, 4> m_made{};  // handles by kind
     standin::ThreadNumbers m_threads;
+    OpenEntries m_entries;
     mutable standin::Contract m_contract;  // it locks itself
 
     mutable std::mutex m_guard;  // of what follows

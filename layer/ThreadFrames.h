@@ -9,16 +9,17 @@ namespace vexa::layer {
 
 /// A call of the host, or an entry into an add-on, that a thread is in.
 struct ThreadFrame {
-    const void* address;         ///< of the frame in a stack; null for no frame
-    standin::CallEvent* call;    ///< of a call that is traced
-    standin::EntryEvent* entry;  ///< of an entry
+    const void* address;       ///< of the frame in a stack; null for no frame
+    standin::CallEvent* call;  ///< of a call that is traced
+    std::size_t entry;         ///< the number of an entry; 0 for none
 };
 
 /// The frames of a thread, the innermost last.
 ///
 /// The thread may leave a frame by an exception or a jump, which the layer neither catches nor sees. It finds out
-/// later, by the addresses: stacks grow downwards. Threads: each has its own. It has no destructor, because the
-/// program's C library would not call it.
+/// later, by the addresses: a stack grows downwards. The thread may use several stacks.
+///
+/// Threads: each has its own. It has no destructor, because the program's C library would not call it.
 class ThreadFrames {
 public:
     static ThreadFrames& mine();
@@ -29,23 +30,18 @@ public:
         m_frames[m_count++] = frame;
         return true;
     }
-    /// Removes the innermost frame if it is inside of \p address, where the thread is now: the thread has left it.
+    /// Removes the innermost frame if the thread, which is at \p address now, must have left it.
     /// \return the removed one, if any.
-    ThreadFrame popInside(const void* address);
+    ThreadFrame popLeft(const void* address);
     /// Removes the frame at \p address.
     /// \return the removed one; no frame if it was not pushed.
     ThreadFrame pop(const void* address);
 
 private:
-    bool isOnOwnStack(const void* address);
     ThreadFrame popLast() { return m_frames[--m_count]; }
 
     std::array<ThreadFrame, 64> m_frames{};
     std::size_t m_count = 0;
-    // The thread's own stack. A thread may use other stacks, too, whose addresses say nothing about the order of
-    // frames.
-    const void* m_stackBegin = nullptr;
-    const void* m_stackEnd = nullptr;
 };
 
 }  // namespace vexa::layer
