@@ -61,7 +61,7 @@ def expected(command, standin, unseen):
 
 
 def cell(rule, commands, found):
-    return f'{sum(rule in found[command] for command in commands)} of {len(commands)}'
+    return f'{sum(rule in found[command] for command in commands)} of {len(commands)}' if commands else '-'
 
 
 def main():
