@@ -1,7 +1,7 @@
 include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
 # vexa_add_addon(NAME SOURCES file... [CHECK ON|OFF]
-#                [MACRO file...] [LEVEL n] [TIME seconds] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
+#                [MACRO file...] [LEVEL n] [TIME seconds] [HOST file] [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
 #   Adds the add-on NAME: a target that builds NAME.so, which a host loads. It exports only vexaAddOn and links the
 #   library. Add other libraries by target_link_libraries(NAME PRIVATE ...). An installed add-on searches them in its
 #   own folder, unless CMAKE_INSTALL_RPATH or its property INSTALL_RPATH is set.
@@ -10,7 +10,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 #   component standin was requested. CHECK OFF omits the test. The arguments after CHECK are those of vexa_add_check().
 #   Without a MACRO, the test only loads the add-on.
 function(vexa_add_addon name)
-    set(check_values LEVEL TIME WORKING_DIRECTORY)
+    set(check_values LEVEL TIME HOST WORKING_DIRECTORY)
     cmake_parse_arguments(PARSE_ARGV 1 arg "WARNINGS_AS_ERRORS" "CHECK;${check_values}" "SOURCES;MACRO")
     vexa_refuse_wrong_arguments("vexa_add_addon(${name})")
     if(NOT arg_SOURCES)

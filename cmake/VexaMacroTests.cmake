@@ -1,13 +1,14 @@
 include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
-# vexa_add_macro_tests(PREFIX TARGET FOLDER folder [ADDON target...] [STYLE file] [STRICT] [BATCH]
+# vexa_add_macro_tests(PREFIX TARGET FOLDER folder [ADDON target...] [STYLE file] [HOST file] [STRICT] [BATCH]
 #                      [WORKING_DIRECTORY folder])
 #   Adds the test PREFIX.NAME for each NAME.macro in FOLDER. It runs vexa-standin test, which compares the results of
 #   the add-on TARGET with NAME.expected in the same folder. ADDON names other add-ons that the macros need. STYLE is
-#   the file of the host's style settings. With STRICT, the test fails if an add-on breaks the host's contract. The
-#   commands run in WORKING_DIRECTORY, by default the current binary folder.
+#   the file of the host's style settings. HOST is the facts file of the host to answer like. With STRICT, the test
+#   fails if an add-on breaks the host's contract. The commands run in WORKING_DIRECTORY, by default the current binary
+#   folder.
 function(vexa_add_macro_tests prefix target)
-    cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;BATCH" "FOLDER;STYLE;WORKING_DIRECTORY" "ADDON")
+    cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;BATCH" "FOLDER;STYLE;HOST;WORKING_DIRECTORY" "ADDON")
     vexa_refuse_wrong_arguments("vexa_add_macro_tests(${prefix})")
     if(NOT arg_FOLDER)
         message(FATAL_ERROR "vexa_add_macro_tests(${prefix}) has no folder: FOLDER folder")
@@ -22,6 +23,10 @@ function(vexa_add_macro_tests prefix target)
     if(arg_STYLE)
         get_filename_component(style ${arg_STYLE} ABSOLUTE)
         list(APPEND options --style ${style})
+    endif()
+    if(arg_HOST)
+        get_filename_component(host ${arg_HOST} ABSOLUTE)
+        list(APPEND options --host ${host})
     endif()
     if(arg_STRICT)
         list(APPEND options --strict)

@@ -10,6 +10,9 @@ Command attachCommand();
 /// `check` runs the tests of checkTests() on an add-on.
 Command checkCommand();
 
+/// `compare-hosts` prints the differences between the facts of two facts files.
+Command compareHostsCommand();
+
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();
 
@@ -22,6 +25,9 @@ Command manualCommand(const Command& program);
 
 /// `new` writes the project of a new add-on.
 Command newCommand();
+
+/// `probe` asks the stand-in host all questions of the probe, and writes the facts.
+Command probeCommand();
 
 /// `repl` runs the commands that the user types.
 Command replCommand();

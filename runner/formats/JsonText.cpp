@@ -4,6 +4,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -127,6 +128,13 @@ JsonValue parseJson(const std::string& text) {
     ValueBuilder builder(text, stream);
     nlohmann::json::sax_parse(stream, &builder);
     return builder.take();
+}
+
+std::string placeIn(std::string_view text, std::size_t at) {
+    const std::string_view before = text.substr(0, at);
+    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
+    const std::size_t column = before.size() - (before.rfind('\n') + 1) + 1;
+    return std::to_string(line) + ':' + std::to_string(column);
 }
 
 }  // namespace vexa::runner

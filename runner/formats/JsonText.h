@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -38,5 +39,8 @@ struct JsonError : std::runtime_error {
 /// Reads a JSON text, which is UTF-8.
 /// \throws JsonError also for an integer of more than 64 bits, and for more than 16 levels of nesting.
 JsonValue parseJson(const std::string& text);
+
+/// The place of the byte with the index \p at in \p text: "LINE:COLUMN", both counted from 1. Columns count bytes.
+std::string placeIn(std::string_view text, std::size_t at);
 
 }  // namespace vexa::runner

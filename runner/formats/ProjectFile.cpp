@@ -58,7 +58,14 @@ std::vector<std::string> rulesOf(const Setting& setting) {
     return rules;
 }
 
-ContractOptions optionsOf(const toml::table& file) {
+// The path is relative to the folder of the project file.
+std::string hostOf(const Setting& setting, const std::string& projectFile) {
+    const auto file = setting.value.value_exact<std::string>();
+    if (!file || file->empty()) setting.refuse(setting.value, "expected the name of a facts file");
+    return (fs::path(projectFile).parent_path() / *file).lexically_normal();
+}
+
+ContractOptions optionsOf(const toml::table& file, const std::string& path) {
     ContractOptions options;
     for (const auto& [key, value] : file) {
         const Setting setting{std::string(key.str()), value};
@@ -70,9 +77,11 @@ ContractOptions optionsOf(const toml::table& file) {
             options.suppressed = rulesOf(setting);
         } else if (key == "timeout") {
             options.timeout = timeoutOf(setting);
+        } else if (key == "host") {
+            options.host = hostOf(setting, path);
         } else {
-            refuse(key.source(),
-                   "unknown key " + setting.name + "; the keys are strict, warnings-as-errors, suppress, timeout");
+            refuse(key.source(), "unknown key " + setting.name +
+                                     "; the keys are strict, warnings-as-errors, suppress, timeout, host");
         }
     }
     return options;
@@ -92,7 +101,7 @@ std::string findProjectFile() {
 
 ContractOptions readProjectFile(const std::string& path) {
     try {
-        return optionsOf(toml::parse(readInput(path), path));
+        return optionsOf(toml::parse(readInput(path), path), path);
     } catch (const std::system_error& error) {
         throw UsageError(path + ": " + error.code().message());
     } catch (const toml::parse_error& error) {

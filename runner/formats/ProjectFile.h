@@ -16,6 +16,7 @@ std::string findProjectFile();
 ///     warnings-as-errors = true       also breaches of rules of severity warning
 ///     suppress = ["missing-errmsg"]   rules whose breaches pass
 ///     timeout = 2.5                   seconds that a command may take
+///     host = "facts.json"             the facts file of the host to answer like; relative to the project file
 ///
 /// All keys are optional, and suppress may also be a single rule.
 /// \throws UsageError if the file cannot be read, is no TOML, or has another key or a value of the wrong type. The

@@ -251,14 +251,6 @@ private:
 
 // ---- The file
 
-// `LINE:COLUMN`, both counted from 1; columns are bytes.
-std::string placeIn(std::string_view text, std::size_t at) {
-    const std::string_view before = text.substr(0, at);
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const std::size_t column = before.size() - (before.rfind('\n') + 1) + 1;
-    return std::to_string(line) + ':' + std::to_string(column);
-}
-
 }  // namespace
 
 std::vector<StyleSetting> parseStyles(const std::string& text) { return SettingCollector().collect(parseJson(text)); }

@@ -1,5 +1,6 @@
 #include "options/ContractOptions.h"
 
+#include "options/CommonOptions.h"
 #include "options/Refusals.h"
 #include "text/Seconds.h"
 #include "vexastandin/Finding.h"
@@ -37,6 +38,12 @@ void addTimeoutOption(Command& command, ContractOptions& options) {
     const auto take = [&options](const std::string& text) { options.timeout = secondsOf(text); };
     command.add(
         option({"--timeout"}, "SECONDS", "End the program when a command takes longer", take).check(whyNoTimeout));
+}
+
+void addHostOption(Command& command, ContractOptions& options) {
+    command.add(option({"--host"}, "FILE.json", "Answer like the host of this facts file; 'probe --help' says how to get one",
+                       &options.host)
+                    .check(whyNoStream));
 }
 
 std::vector<std::string> ruleNames() {

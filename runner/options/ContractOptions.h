@@ -9,12 +9,14 @@
 
 namespace vexa::runner {
 
-/// The settings of the contract check, from options and from the project file. A setting that neither gives is empty.
+/// The settings of the host and of its contract check, from options and from the project file. A setting that neither
+/// gives is empty.
 struct ContractOptions {
     std::optional<bool> strict;                            ///< whether findings make a run fail
     std::optional<bool> warningsAsErrors;                  ///< whether findings of severity warning do, too
     std::vector<std::string> suppressed;                   ///< rules whose findings are ignored
     std::optional<std::chrono::duration<double>> timeout;  ///< how long a command may take
+    std::optional<std::string> host;                       ///< the facts file of the host to answer like
     bool ignoresProjectFile = false;                       ///< whether no project file is read
     std::optional<std::string> projectFile;                ///< the project file that was read
 
@@ -30,6 +32,9 @@ void addStrictOptions(Command& command, ContractOptions& options);
 
 /// Adds `--timeout`.
 void addTimeoutOption(Command& command, ContractOptions& options);
+
+/// Adds `--host`.
+void addHostOption(Command& command, ContractOptions& options);
 
 /// The names of all rules, for completion.
 std::vector<std::string> ruleNames();

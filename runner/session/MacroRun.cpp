@@ -56,7 +56,7 @@ public:
         m_host.onJournaled([&](const standin::JournalEntry& entry) {
             if (options.journal) notes.tell(kJournaledNote, journalLines(entry));
         });
-        m_host.setRecording(options.record || options.contract.isStrict());
+        if (options.record || options.contract.isStrict()) m_host.setRecording(true);
         m_view.show(m_host, !options.batch);
         if (drawsStatus(options)) m_view.drawStatus([this] { return m_stopButton.isPressed(); }, box.isStatusDrawn);
     }
@@ -133,7 +133,7 @@ private:
             m_view.setPlace(placeOf(command));
             runCommand(command);
             m_isStopped = m_stopButton.isPressed();
-            if (m_isStopped || (m_failed > 0 && !m_options.keepGoing)) break;
+            if (m_isStopped || (m_failed > 0 && !m_options.keepGoing && !m_host.goesOnAfterFailure())) break;
         }
         if (m_isStopped) tell(m_view.place(), "stopped");
         m_view.setPlace(kProgramName);

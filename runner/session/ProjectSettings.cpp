@@ -15,6 +15,7 @@ bool addProjectFile(ContractOptions& options) {
         if (!options.strict) options.strict = project.strict;
         if (!options.warningsAsErrors) options.warningsAsErrors = project.warningsAsErrors;
         if (!options.timeout) options.timeout = project.timeout;
+        if (!options.host) options.host = project.host;
         options.suppressed.insert(options.suppressed.end(), project.suppressed.begin(), project.suppressed.end());
     } catch (const UsageError& error) {
         tell(error.what());

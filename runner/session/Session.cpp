@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "formats/HostFactsFile.h"
 #include "session/watch/Death.h"
 #include "terminal/Console.h"
 
@@ -15,11 +16,24 @@ constexpr std::chrono::seconds kTimeForLastWords{5};
 
 }  // namespace
 
+bool readHostFacts(SessionOptions& options) {
+    const std::optional<std::string>& file = options.contract.host;
+    if (!file) return true;
+    const auto facts = readHostFacts(*file);
+    if (!facts) return false;
+    options.facts = answersOf(*facts);
+    for (const standin::UnlikeFact& fact : standin::unlikeFacts(options.facts)) {
+        tell(*file, "not imitated: " + fact.name + " = " + fact.answer + "; " + fact.reason);
+    }
+    return true;
+}
+
 RunFiles inputsOf(const SessionOptions& options) {
     RunFiles files;
     files.read(options.addOns);
     files.read(options.style);
     files.read(options.contract.projectFile);
+    files.read(options.contract.host);
     return files;
 }
 
@@ -65,7 +79,8 @@ Session::Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun
     : m_options(options), m_box(box) {
     m_host.setCallProgress(&box.calls);
     m_host.setKeepsCalls(false);
-    m_host.setBatchMode(options.batch);
+    m_host.answerLike(options.facts);
+    if (options.batch) m_host.setBatchMode(true);
     for (const std::string& rule : options.contract.suppressed) m_host.suppress(rule);
     if (options.contract.timeout && conclude) m_watchdog.emplace([this, conclude] { endProcess(conclude); });
 }

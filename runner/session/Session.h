@@ -22,9 +22,14 @@ struct SessionOptions {
     std::vector<std::string> addOns;   ///< the files to load
     std::optional<std::string> style;  ///< the style file
     ContractOptions contract;          ///< how the host checks its contract, and the time limit
+    standin::HostFacts facts;          ///< of the host to answer like; see readHostFacts()
     bool batch = false;                ///< the host says that it is in batch mode
     bool inProcess = false;            ///< run in this process, for a debugger
 };
+
+/// Reads the facts file of the host to answer like, if one is named, and says which facts the stand-in cannot imitate.
+/// \return whether the file could be read; if not, the reason was told.
+bool readHostFacts(SessionOptions& options);
 
 /// The files that a session with \p options reads, so that no output replaces one of them.
 RunFiles inputsOf(const SessionOptions& options);

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <iterator>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -104,6 +105,13 @@ private:
 void judgeOutcome(HostState& state, const std::optional<std::string>& escaped, bool accepted, const char* errMsg) {
     if (escaped) state.contract.judgeEscape(*escaped);
     if (!escaped || errMsg != nullptr) state.contract.judgeErrorMessage(accepted, errMsg);
+}
+
+// The text of a command as the host passes it to the add-on.
+std::string asPassed(const HostAnswers& answers, const std::string& command) {
+    const char* const before = answers.truth(Fact::CommandStartsWithBlank) ? " " : "";
+    const char* const after = answers.truth(Fact::CommandEndsWithLineBreak) ? "\n" : "";
+    return before + command + after;
 }
 
 HostFunction knownFunction(const std::string& name) {
@@ -220,6 +228,21 @@ void Host::setProcessingJournal(bool active) { m_state->isProcessingJournal = ac
 
 void Host::setProcessingLayout(bool active) { m_state->isProcessingLayout = active; }
 
+std::vector<UnlikeFact> Host::answerLike(const HostFacts& facts) {
+    m_state->answers = HostAnswers();
+    for (const auto& [name, answer] : facts) {
+        const std::optional<Fact> fact = facts::findFact(name);
+        if (fact) m_state->answers.take(*fact, answer);
+    }
+    m_state->isBatchMode = m_state->answers.truth(Fact::StateBatch);
+    m_state->isRecording = m_state->answers.truth(Fact::StateRecording);
+    m_state->isProcessingJournal = m_state->answers.truth(Fact::StateJournal);
+    m_state->isProcessingLayout = m_state->answers.truth(Fact::StateLayout);
+    return unlikeFacts(facts);
+}
+
+bool Host::goesOnAfterFailure() const { return m_state->answers.truth(Fact::MacroGoesOnAfterFailure); }
+
 void Host::setStyle(const std::vector<std::string>& path, const StyleValue& value) {
     m_state->setStyle(path, std::nullopt, value);
 }
@@ -294,14 +317,18 @@ std::vector<AddOnInfo> Host::addOns() const {
 }
 
 void Host::unloadAddOns() {
+    const HostAnswers& answers = m_state->answers;
     auto loaded = m_state->addOns.copy();
     while (!loaded.empty()) {
-        TimeInAddOn time(*m_state, {Entry_e::Unloading, loaded.back()->info().id, "", ""});
+        const bool isFirstFirst = answers.is(Fact::ShutdownOrder, "firstLoadedFirst");
+        const auto next = isFirstFirst ? loaded.begin() : std::prev(loaded.end());
+        TimeInAddOn time(*m_state, {Entry_e::Unloading, (*next)->info().id, "", ""});
         const LockBalance balance(m_state->lock);
-        const std::optional<std::string> escaped = loaded.back()->shutDown();
+        std::optional<std::string> escaped;
+        if (answers.truth(Fact::ShutdownIsCalled)) escaped = (*next)->shutDown();
         if (escaped) m_state->contract.judgeEscape(*escaped);
         time.setOutcome(!escaped, escaped.value_or(""));
-        loaded.pop_back();
+        loaded.erase(next);
         m_state->addOns.set(loaded);
     }
 }
@@ -318,7 +345,8 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command, 
     TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine});
     const LockBalance balance(m_state->lock);
     const bool statusWasUp = statusLine().active;
-    const std::optional<std::string> escaped = addOn->execute(command, result.accepted, errMsg);
+    const std::optional<std::string> escaped =
+        addOn->execute(asPassed(m_state->answers, command), result.accepted, errMsg);
     judgeOutcome(*m_state, escaped, result.accepted, errMsg);
     if (!statusWasUp) m_state->showChange(m_state->status.finish(m_state->calls.keeps()));
     const std::string error = takeErrorString(*m_state, errMsg);

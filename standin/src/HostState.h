@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "addons/AddOn.h"
+#include "answers/HostAnswers.h"
 #include "calls/CallLog.h"
 #include "calls/FaultPlan.h"
 #include "contract/Contract.h"
@@ -85,6 +86,8 @@ struct HostState {
 
     Host& host;
     HostState* outer = nullptr;  ///< the host that was the process's host before this one
+
+    HostAnswers answers;  ///< changed only while no call can be made
 
     std::atomic<bool> isBatchMode{false};
     std::atomic<bool> isRecording{false};

@@ -95,7 +95,7 @@ TEST_F(ProjectFile, AddsItsSuppressionsToThoseOfTheCommandLine) {
 }
 
 TEST_F(ProjectFile, IsRefusedAtTheLineThatIsWrong) {
-    const char* const kKeys = "; the keys are strict, warnings-as-errors, suppress, timeout";
+    const char* const kKeys = "; the keys are strict, warnings-as-errors, suppress, timeout, host";
     const char* const kNoRule = "suppress: expected the name of a rule, or an array of them";
     const char* const kNoTime = "timeout: expected seconds, more than 0 and at most 1000000";
     struct Case {

@@ -25,9 +25,11 @@ PRODUCTS = {
     'hostlibs': ('hostapi',),
     'library': ('hostapi',),
     'contract': ('hostapi',),
-    'standin': ('contract', 'hostapi'),
+    'facts': (),
+    'probe': ('facts', 'library', 'hostapi'),
+    'standin': ('facts', 'contract', 'hostapi'),
     'layer': ('contract', 'hostapi'),
-    'runner': ('standin', 'contract', 'library', 'hostapi'),
+    'runner': ('standin', 'facts', 'contract', 'library', 'hostapi'),
 }
 
 # Folders from the top down: each may include only those after it.
@@ -46,6 +48,8 @@ INCLUDE_FOLDERS = {
     'hostlibs': ('hostlibs', 'hostapi'),
     'library': ('library', 'library/include', 'hostapi'),
     'contract': ('.', 'contract/include', 'hostapi'),
+    'facts': ('.',),
+    'probe': ('.', 'probe', 'library/include', 'hostapi'),
     'standin': ('standin/src', '.', 'standin/include', 'contract/include', 'hostapi'),
     'layer': ('.', 'contract/include', 'hostapi'),
     'runner': ('runner', '.', 'standin/include', 'contract/include', 'library/include', 'hostapi'),

@@ -81,6 +81,7 @@ Command checkCommand() {
     command.add(option({"--time"}, "SECONDS", "Time for each test that could go on forever; 10", &options->time)
                     .check(whyNoSeconds));
     command.add(styleOption(options->session.style));
+    addHostOption(command, options->session.contract);
     command.add(option({"--json"}, "FILE", "Write a report for programs", &options->json));
     command.add(option({"--junit"}, "FILE", "Write a report as JUnit XML", &options->junit));
     command.add(option({"--sarif"}, "FILE", "Write the tests that did not pass as SARIF 2.1.0", &options->sarif));

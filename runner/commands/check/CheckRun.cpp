@@ -63,7 +63,7 @@ private:
     using ReportText = std::string (*)(const CheckReport& report);
 
     bool prepare() {
-        if (!addProjectFile(session().contract) || !isThere()) return false;
+        if (!addProjectFile(session().contract) || !readHostFacts(session()) || !isThere()) return false;
         session().addOns.insert(session().addOns.begin(), m_options.addOn);
         findReports();
         return readStyle();
@@ -170,6 +170,7 @@ private:
                        : " run " + shellWord(macro) + " --strict --keep-going --addon " + shellWord(m_options.addOn);
         for (const std::string& other : m_options.session.addOns) command += " --addon " + shellWord(other);
         if (m_options.session.style) command += " --style " + shellWord(*m_options.session.style);
+        if (m_options.session.contract.host) command += " --host " + shellWord(*m_options.session.contract.host);
         for (const std::string& rule : m_options.session.contract.suppressed) command += " --suppress " + rule;
         if (m_report.warningsAsErrors) command += " --warnings-as-errors";
         if (result.verdict.outcome == Outcome_e::TimedOut)

@@ -57,7 +57,7 @@ class Repl {
 public:
     Repl(const ReplOptions& options, ProcessBox& box, NotesInterface& notes)
         : m_options(options), m_box(box), m_notes(notes), m_session(options, box) {
-        m_host.setRecording(options.record.has_value());
+        if (options.record) m_host.setRecording(true);
         m_host.onRecorded(
             [&](const standin::RecordedCommand& command) { notes.tell(kRecordedNote, recordingLine(command)); });
         m_view.show(m_host, true);
@@ -211,10 +211,13 @@ Command replCommand() {
     Command command{"repl", "Run commands as they are typed", kReplFooter};
     command.add(addOnOption(options->addOns).require());
     command.add(styleOption(options->style));
+    addHostOption(command, options->contract);
     command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options->record));
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.check = [options] { refuseSecondStandardInput({"-", options->style.value_or("")}); };
-    command.run = [options] { return ReplDesk(*options).execute(); };
+    command.run = [options] {
+        return readHostFacts(*options) ? ReplDesk(*options).execute() : ExitStatus_e::BadUsageOrInput;
+    };
     return command;
 }
 

@@ -37,6 +37,7 @@ the command line override it:
   warnings-as-errors = true
   suppress = ["missing-errmsg"]
   timeout = 2.5
+  host = "facts.json"
 
 Each of several macro files runs in a process of its own, --jobs at a time. Their
 outputs appear in the order of the files, followed by a summary. The exit status
@@ -106,7 +107,7 @@ void checkFiles(const RunRequest& request) {
 
 ExitStatus_e run(RunRequest& request) {
     RunOptions& options = request.options;
-    if (!addProjectFile(options.contract)) return ExitStatus_e::BadUsageOrInput;
+    if (!addProjectFile(options.contract) || !readHostFacts(options)) return ExitStatus_e::BadUsageOrInput;
     checkFiles(request);
     if (request.macroFiles.size() > 1) return runMacros(options, request.macroFiles, request.jobs);
     options.macroFile = request.macroFiles.front();
@@ -123,6 +124,7 @@ Command runCommand() {
     command.add(argument("MACROFILE", "The macro files; - reads the standard input", &request->macroFiles).require());
     command.add(addOnOption(options.addOns).require());
     command.add(styleOption(options.style));
+    addHostOption(command, options.contract);
     command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options.record));
     command.add(option({"--journal"}, "FILE", "Write the data-set journal", &options.journal));
     addStrictOptions(command, options.contract);

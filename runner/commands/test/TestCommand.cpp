@@ -294,6 +294,7 @@ Command testCommand() {
     command.add(flag({"--accept"}, "Expect from now on what they do now", &options->accepts));
     command.add(jobsOption(options->jobs, "macros"));
     command.add(styleOption(options->style));
+    addHostOption(command, options->contract);
     command.add(option({"--junit"}, "FILE", "Write a report in the form of JUnit", &options->junit));
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
@@ -301,7 +302,8 @@ Command testCommand() {
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.add(flag({"--batch"}, "Tell the add-ons that no user is there", &options->batch));
     command.run = [options] {
-        return addProjectFile(options->contract) ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
+        const bool isReady = addProjectFile(options->contract) && readHostFacts(*options);
+        return isReady ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
     };
     return command;
 }

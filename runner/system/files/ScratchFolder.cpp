@@ -1,7 +1,5 @@
 #include "system/files/ScratchFolder.h"
 
-#include <cerrno>
-#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -14,33 +12,19 @@ namespace fs = std::filesystem;
 constexpr std::uintmax_t kMostBytes = std::uintmax_t{100} << 20;
 constexpr std::uintmax_t kBytesOfAnEntry = 1024;  // what an entry counts besides its content, as many are a burden, too
 
-fs::path newFolder() {
-    std::string name = (fs::temp_directory_path() / "vexa-standin-check-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw fs::filesystem_error("cannot make a folder", name, std::error_code(errno, std::generic_category()));
-    }
-    return name;
-}
-
 }  // namespace
 
-// From here on the destructor removes the folder, also if this constructor throws.
-ScratchFolder::ScratchFolder() : ScratchFolder(newFolder()) {
+ScratchFolder::ScratchFolder() {
     fs::create_directory(temporary());
     fs::create_directory(copy());
     fill(fs::current_path(), copy());
-}
-
-ScratchFolder::~ScratchFolder() {
-    std::error_code ignored;
-    fs::remove_all(m_path, ignored);
 }
 
 void ScratchFolder::fill(const fs::path& from, const fs::path& to) {
     for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
         const fs::path name = entry.path().filename();
         // The copy may lie within the folder that is copied.
-        if (name.native().front() == '.' || entry.path() == m_path) continue;
+        if (name.native().front() == '.' || entry.path() == path()) continue;
         m_bytes += kBytesOfAnEntry;
         if (entry.is_symlink()) {
             fs::copy_symlink(entry.path(), to / name);

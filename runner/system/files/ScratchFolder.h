@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <utility>
 
 #include "system/NonCopyable.h"
+#include "system/files/TemporaryFolder.h"
 
 namespace vexa::runner {
 
@@ -16,20 +16,18 @@ public:
     /// \throws std::filesystem::filesystem_error if the folder cannot be copied.
     /// \throws std::length_error if it is too large.
     ScratchFolder();
-    ~ScratchFolder();
 
     /// The folder that has the copy and the folder for temporary files.
-    const std::filesystem::path& path() const { return m_path; }
+    const std::filesystem::path& path() const { return m_folder.path(); }
     /// The copy.
-    std::filesystem::path copy() const { return m_path / "copy"; }
+    std::filesystem::path copy() const { return path() / "copy"; }
     /// A folder for temporary files.
-    std::filesystem::path temporary() const { return m_path / "tmp"; }
+    std::filesystem::path temporary() const { return path() / "tmp"; }
 
 private:
-    explicit ScratchFolder(std::filesystem::path path) : m_path(std::move(path)) {}
     void fill(const std::filesystem::path& from, const std::filesystem::path& to);
 
-    std::filesystem::path m_path;
+    TemporaryFolder m_folder{"vexa-standin-check"};
     std::uintmax_t m_bytes = 0;
 };
 

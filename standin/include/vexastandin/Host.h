@@ -10,6 +10,7 @@
 #include "vexastandin/Call.h"
 #include "vexastandin/Export.h"
 #include "vexastandin/Finding.h"
+#include "vexastandin/HostFacts.h"
 #include "vexastandin/Recording.h"
 #include "vexastandin/StatusLine.h"
 #include "vexastandin/StyleValue.h"
@@ -92,6 +93,15 @@ public:
     void setRecording(bool active);          ///< true: the host records macro commands
     void setProcessingJournal(bool active);  ///< true: the host plays back a journal
     void setProcessingLayout(bool active);   ///< true: the host plays back a layout
+
+    /// From now on the host answers as another host does, of which \p facts are known. Where \p facts has no answer,
+    /// the host answers as usual. This replaces the facts of an earlier call, and sets the four states above. The rules
+    /// of the contract stay the same. Call this while no add-on is loaded, and before the first call of a C function.
+    /// \return the facts that the host cannot imitate; see unlikeFacts(). About them it answers as usual.
+    std::vector<UnlikeFact> answerLike(const HostFacts& facts);
+    /// Returns true if the facts say that a macro goes on after a command that failed. Who runs macros decides on that;
+    /// run() always runs the command.
+    bool goesOnAfterFailure() const;
 
     /// Sets the value of a style setting, which VexaUtilStyleGetLowLevelX() returns for every pair of offsets. The host
     /// owns a text or set; add-ons may use it until the path gets another value.

@@ -1,5 +1,6 @@
 // The host's C functions. Each passes answer() a lambda with what only this function does.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,9 +11,9 @@
 #include <utility>
 
 #include "HostState.h"
+#include "answers/RecordingAnswers.h"
 #include "api/Answer.h"
 #include "contract/HostFunctionTable.h"
-#include "contract/MacroLine.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
@@ -33,9 +34,10 @@ Object* allocate(Handles<Object>& handles) {
     return handle;
 }
 
+// Sets the handle to null if the host answers so.
 template <class Object, class Handle>
-void release(Handles<Object, Handle>& handles, Handle** handle) {
-    if (handle != nullptr && handles.remove(*handle)) *handle = nullptr;
+void release(Handles<Object, Handle>& handles, Handle** handle, bool clearsHandle) {
+    if (handle != nullptr && handles.remove(*handle) && clearsHandle) *handle = nullptr;
 }
 
 template <class Value>
@@ -45,12 +47,27 @@ VexaBoolean append(HostState& host, const ArgList_s* argList, const char* name, 
     if constexpr (std::is_pointer_v<Value>) {
         if (value == nullptr) return 0;
     }
-    list->append(name, value);
-    return 1;
+    return list->append(name, value, host.answers);
 }
 
-bool canBeReadBack(const char* addOnId, const char* command) {
-    return addOnId != nullptr && command != nullptr && whyNoMacroLine(addOnId, command).empty();
+GetValueReturnCode_e answerQuery(const HostState& host, ArgList_s& list) {
+    const auto query = styleQueryOf(list.all(), host.answers);
+    const GetValueReturnCode_e code = query ? host.styles.answer(*query, host.answers) : GetValueReturnCode_UnknownPath;
+    if (!host.answers.truth(Fact::StyleSettingListIsKept)) list.clear();
+    return code;
+}
+
+bool isLoaded(const HostState& host, const std::string& addOnId) {
+    const auto addOns = host.addOns.copy();
+    return std::any_of(addOns.begin(), addOns.end(), [&](const auto& addOn) { return addOn->info().id == addOnId; });
+}
+
+bool isStringGiven(const HostAnswers& answers, int size, const char* purpose) {
+    constexpr int kLarge = 1 << 20;
+    if (purpose == nullptr && !answers.truth(Fact::StringAllocNoPurpose)) return false;
+    if (size == 0) return answers.truth(Fact::StringAllocNoBytes);
+    if (size < 0) return answers.truth(Fact::StringAllocNegative);
+    return size < kLarge || answers.truth(Fact::StringAllocLarge);
 }
 
 // Shows a change of the status line. Without memory the change is left out: the task must not be told to stop.
@@ -95,14 +112,18 @@ void VexaUtilZoneSolutionTimeModificationEnd() {
 }
 
 ThreadMutex_s* VexaUtilThreadMutexAlloc() {
-    return answer<HostFunction::VexaUtilThreadMutexAlloc>([](HostState& host) { return allocate(host.mutexes); });
+    return answer<HostFunction::VexaUtilThreadMutexAlloc>([](HostState& host) -> ThreadMutex_s* {
+        const auto most = host.answers.limit(Fact::MutexMost);
+        return most && host.mutexes.count() >= *most ? nullptr : allocate(host.mutexes);
+    });
 }
 
 void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex) {
     answer<HostFunction::VexaUtilThreadMutexDealloc>(
         [=](HostState& host) {
             const auto found = mutex == nullptr ? nullptr : host.mutexes.find(*mutex);
-            if (found != nullptr && found->close()) release(host.mutexes, mutex);
+            if (found == nullptr || !found->close()) return;
+            release(host.mutexes, mutex, host.answers.truth(Fact::MutexDeallocClearsHandle));
         },
         mutex);
 }
@@ -141,8 +162,9 @@ void VexaUtilStatusStartPercentDone(const char* text, VexaBoolean showStopButton
 VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
     return answer<HostFunction::VexaUtilStatusCheckPercentDone>(
         [=](HostState& host) -> VexaBoolean {
+            const auto fact = host.status.factAbout(percent);
             changeStatus(host, [=](Status& status, bool keeps) { return status.setPercent(percent, keeps); });
-            return !host.stopRequest.isPressedAt(percent);
+            return !host.stopRequest.isPressedAt(percent) && (!fact || host.answers.truth(*fact));
         },
         percent);
 }
@@ -178,7 +200,9 @@ VexaBoolean VexaUtilStateIsProcessingLayout() {
 VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* command) {
     return answer<HostFunction::VexaUtilMacroRecordExtCommand>(
         [=](HostState& host) -> VexaBoolean {
-            if (!host.isRecording || !canBeReadBack(addOnId, command)) return 0;
+            const bool isKnown = host.answers.truth(Fact::RecordUnknownAddOn) || isLoaded(host, orEmpty(addOnId));
+            const auto answer = answerToRecording(host.answers, host.isRecording, isKnown, addOnId, command);
+            if (!answer.isKept) return answer.isAccepted;
             const auto function = HostFunction::VexaUtilMacroRecordExtCommand;
             const RecordedCommand recorded{addOnId, command, host.contract.placeNow(host.progress->calls, function)};
             host.recorded.append(recorded);
@@ -191,7 +215,8 @@ VexaBoolean VexaUtilMacroRecordExtCommand(const char* addOnId, const char* comma
 VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* command, const char* journalData) {
     return answer<HostFunction::VexaUtilDataSetAddJournalCommand>(
         [=](HostState& host) -> VexaBoolean {
-            if (!canBeReadBack(addOnId, command)) return 0;
+            const auto answer = answerToJournaling(host.answers, addOnId, command, journalData);
+            if (!answer.isKept) return answer.isAccepted;
             JournalEntry entry{addOnId, command, std::nullopt};
             if (journalData != nullptr) entry.journalData = journalData;
             host.journal.append(entry);
@@ -204,8 +229,8 @@ VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* co
 char* VexaUtilStringAlloc(int size, const char* purpose) {
     return answer<HostFunction::VexaUtilStringAlloc>(
         [=](HostState& host) -> char* {
-            if (size < 1) return nullptr;
-            auto string = std::make_shared<HostString>(static_cast<std::size_t>(size));
+            if (!isStringGiven(host.answers, size, purpose)) return nullptr;
+            auto string = std::make_shared<HostString>(static_cast<std::size_t>(std::max(size, 0)));
             char* const bytes = string->bytes();
             host.strings.add(bytes, std::move(string));
             return bytes;
@@ -214,7 +239,9 @@ char* VexaUtilStringAlloc(int size, const char* purpose) {
 }
 
 void VexaUtilStringDealloc(char** string) {
-    answer<HostFunction::VexaUtilStringDealloc>([=](HostState& host) { release(host.strings, string); }, string);
+    answer<HostFunction::VexaUtilStringDealloc>(
+        [=](HostState& host) { release(host.strings, string, host.answers.truth(Fact::StringDeallocClearsHandle)); },
+        string);
 }
 
 ArgList_s* VexaUtilArgListAlloc() {
@@ -222,7 +249,9 @@ ArgList_s* VexaUtilArgListAlloc() {
 }
 
 void VexaUtilArgListDealloc(ArgList_s** argList) {
-    answer<HostFunction::VexaUtilArgListDealloc>([=](HostState& host) { release(host.argLists, argList); }, argList);
+    answer<HostFunction::VexaUtilArgListDealloc>(
+        [=](HostState& host) { release(host.argLists, argList, host.answers.truth(Fact::ListDeallocClearsHandle)); },
+        argList);
 }
 
 void VexaUtilArgListClear(ArgList_s* argList) {
@@ -257,8 +286,7 @@ GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList) {
     return answer<HostFunction::VexaUtilStyleGetLowLevelX>(
         [=](HostState& host) {
             const auto list = host.argLists.find(argList);
-            const auto query = list == nullptr ? std::nullopt : styleQueryOf(list->all());
-            return query ? host.styles.answer(*query) : GetValueReturnCode_UnknownPath;
+            return list == nullptr ? GetValueReturnCode_UnknownPath : answerQuery(host, *list);
         },
         argList);
 }
@@ -278,14 +306,15 @@ Set_s* VexaUtilSetAlloc() {
 }
 
 void VexaUtilSetDealloc(Set_s** set) {
-    answer<HostFunction::VexaUtilSetDealloc>([=](HostState& host) { release(host.sets, set); }, set);
+    answer<HostFunction::VexaUtilSetDealloc>(
+        [=](HostState& host) { release(host.sets, set, host.answers.truth(Fact::SetDeallocClearsHandle)); }, set);
 }
 
 VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last) {
     return answer<HostFunction::VexaUtilSetInsert>(
         [=](HostState& host) -> VexaBoolean {
             const auto found = host.sets.find(set);
-            return found != nullptr && found->insert(first, last);
+            return found != nullptr && found->insert(first, last, host.answers);
         },
         set, first, last);
 }
@@ -296,7 +325,7 @@ VexaBoolean VexaUtilSetNextRange(const Set_s* set, int64_t from, int64_t* first,
             const auto own = host.sets.find(set);
             const auto found = own == nullptr ? host.styleSets.find(set) : own;
             if (found == nullptr || first == nullptr || last == nullptr) return 0;
-            return found->nextRange(from, *first, *last);
+            return found->nextRange(from, *first, *last, host.answers);
         },
         set, from, first, last);
 }

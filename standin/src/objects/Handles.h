@@ -31,6 +31,12 @@ public:
         return found == m_entries.end() ? nullptr : found->second.object;
     }
 
+    /// How many objects live.
+    std::size_t count() const {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return m_entries.size();
+    }
+
     /// The number of the object behind \p handle, counted from 1; 0 if it belongs to no living object.
     std::size_t numberOf(const Handle* handle) const {
         const std::lock_guard<std::mutex> lock(m_guard);

@@ -4,14 +4,29 @@
 #include <charconv>
 #include <cstring>
 #include <iterator>
+#include <limits>
 #include <new>
 #include <system_error>
 #include <utility>
 
 namespace {
 
-// Whether a run that begins at `first`, which is not before `run`, overlaps `run` or follows it directly.
-bool continues(const std::pair<const int64_t, int64_t>& run, int64_t first) { return first - 1 <= run.second; }
+using vexa::standin::Fact;
+using vexa::standin::HostAnswers;
+
+constexpr std::size_t kLongText = 100000;
+
+// Whether a run that begins at `first`, which is not before `run`, is joined with it.
+bool continues(const std::pair<const int64_t, int64_t>& run, int64_t first, int64_t gap) {
+    return first - gap <= run.second;
+}
+
+char inLowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool isEqualInLowerCase(const std::string& one, const std::string& other) {
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                      [](char a, char b) { return inLowerCase(a) == inLowerCase(b); });
+}
 
 }  // namespace
 
@@ -45,9 +60,29 @@ void ThreadMutex_s::endWaiting() {
     m_changed.notify_all();
 }
 
-void ArgList_s::append(std::string name, vexa::standin::ArgumentValue value) {
+bool ArgList_s::append(std::string name, vexa::standin::ArgumentValue value, const HostAnswers& answers) {
     const std::lock_guard<std::mutex> lock(m_guard);
+    if (!takes(name, value, answers)) return false;
     m_arguments.push_back({std::move(name), std::move(value)});
+    return true;
+}
+
+bool ArgList_s::takes(const std::string& name, const vexa::standin::ArgumentValue& value,
+                      const HostAnswers& answers) const {
+    const auto has = [this](const auto& isSame) {
+        return std::any_of(m_arguments.begin(), m_arguments.end(),
+                           [&](const vexa::standin::Argument& argument) { return isSame(argument.name); });
+    };
+    const auto isSame = [&](const std::string& other) { return other == name; };
+    const auto isOtherCase = [&](const std::string& other) { return other != name && isEqualInLowerCase(other, name); };
+    const auto* const text = std::get_if<std::string>(&value);
+    const auto most = answers.limit(Fact::ListAppendMost);
+    if (most && m_arguments.size() >= *most) return false;
+    if (name.empty() && !answers.truth(Fact::ListAppendEmptyName)) return false;
+    if (text != nullptr && text->empty() && !answers.truth(Fact::ListAppendEmptyText)) return false;
+    if (text != nullptr && text->size() >= kLongText && !answers.truth(Fact::ListAppendLongText)) return false;
+    if (!answers.truth(Fact::ListAppendSameNameTwice) && has(isSame)) return false;
+    return answers.truth(Fact::ListAppendOtherCase) || !has(isOtherCase);
 }
 
 void ArgList_s::clear() {
@@ -72,31 +107,56 @@ Set_s::Set_s(const vexa::toolbox::Set& members) {
     for (const char* at = text.data(); read(at, first);) {
         int64_t last = first;
         if (*at == '-') read(at, last);
-        insert(first, last);
+        add(first, last, 1);
     }
 }
 
-bool Set_s::insert(int64_t first, int64_t last) {
-    if (first < 0 || last < first) return false;
+bool Set_s::insert(int64_t first, int64_t last, const HostAnswers& answers) {
+    if (last < first) {
+        if (!answers.is(Fact::SetInsertReversed, "swapped")) return answers.is(Fact::SetInsertReversed, "ignored");
+        std::swap(first, last);
+    }
+    if (first < 0) {
+        if (!answers.is(Fact::SetInsertNegative, "clipped")) return answers.is(Fact::SetInsertNegative, "ignored");
+        first = 0;
+        if (last < first) return true;
+    }
+    constexpr int64_t kLargest = std::numeric_limits<int64_t>::max();
+    if (last == kLargest && !answers.truth(Fact::SetInsertLargest)) return false;
     const std::lock_guard<std::mutex> lock(m_guard);
-    auto run = m_runs.try_emplace(first, last).first;
-    run->second = std::max(run->second, last);
-    if (run != m_runs.begin() && continues(*std::prev(run), first)) {
-        std::prev(run)->second = std::max(std::prev(run)->second, run->second);
-        run = std::prev(m_runs.erase(run));
-    }
-    for (auto next = std::next(run); next != m_runs.end() && continues(*run, next->first); next = m_runs.erase(next)) {
-        run->second = std::max(run->second, next->second);
-    }
+    if (!answers.truth(Fact::SetInsertTwice) && hasAll(first, last)) return false;
+    add(first, last, answers.is(Fact::SetInsertTouching, "[1-6]") ? 1 : 0);
     return true;
 }
 
-bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last) const {
+void Set_s::add(int64_t first, int64_t last, int64_t gap) {
+    auto run = m_runs.try_emplace(first, last).first;
+    run->second = std::max(run->second, last);
+    if (run != m_runs.begin() && continues(*std::prev(run), first, gap)) {
+        std::prev(run)->second = std::max(std::prev(run)->second, run->second);
+        run = std::prev(m_runs.erase(run));
+    }
+    for (auto next = std::next(run); next != m_runs.end() && continues(*run, next->first, gap);
+         next = m_runs.erase(next)) {
+        run->second = std::max(run->second, next->second);
+    }
+}
+
+bool Set_s::hasAll(int64_t first, int64_t last) const {
+    const auto after = m_runs.upper_bound(first);
+    return after != m_runs.begin() && std::prev(after)->second >= last;
+}
+
+bool Set_s::nextRange(int64_t from, int64_t& first, int64_t& last, const HostAnswers& answers) const {
     const std::lock_guard<std::mutex> lock(m_guard);
     auto found = m_runs.upper_bound(from);
     if (found != m_runs.begin() && std::prev(found)->second >= from) --found;
-    if (found == m_runs.end()) return false;
-    first = found->first;
+    const bool isRefused = from < 0 && !answers.truth(Fact::SetNextRangeNegativeFrom);
+    if (found == m_runs.end() || isRefused) {
+        if (!answers.truth(Fact::SetNextRangeKeepsOutputs)) first = last = 0;
+        return false;
+    }
+    first = answers.is(Fact::SetNextRangeInside, "rest") ? std::max(found->first, from) : found->first;
     last = found->second;
     return true;
 }

@@ -14,6 +14,7 @@
 #include <variant>
 #include <vector>
 
+#include "answers/HostAnswers.h"
 #include "contract/HostStrings.h"
 #include "objects/Handles.h"
 #include "vexa/VexaUtil.h"
@@ -55,11 +56,15 @@ struct Argument {
 /// A list of named arguments.
 struct ArgList_s {
 public:
-    void append(std::string name, vexa::standin::ArgumentValue value);
+    /// \return false if the host refuses the argument.
+    bool append(std::string name, vexa::standin::ArgumentValue value, const vexa::standin::HostAnswers& answers);
     void clear();
     std::vector<vexa::standin::Argument> all() const;
 
 private:
+    bool takes(const std::string& name, const vexa::standin::ArgumentValue& value,
+               const vexa::standin::HostAnswers& answers) const;
+
     mutable std::mutex m_guard;
     std::vector<vexa::standin::Argument> m_arguments;
 };
@@ -73,13 +78,17 @@ public:
 
     /// Adds the members \p first to \p last.
     /// \return false if the range is refused.
-    bool insert(int64_t first, int64_t last);
+    bool insert(int64_t first, int64_t last, const vexa::standin::HostAnswers& answers);
     /// As VexaUtilSetNextRange().
-    bool nextRange(int64_t from, int64_t& first, int64_t& last) const;
+    bool nextRange(int64_t from, int64_t& first, int64_t& last, const vexa::standin::HostAnswers& answers) const;
 
 private:
+    /// \param gap the difference between the ends of two runs that are joined: 1 if touching runs are.
+    void add(int64_t first, int64_t last, int64_t gap);
+    bool hasAll(int64_t first, int64_t last) const;
+
     mutable std::mutex m_guard;
-    std::map<int64_t, int64_t> m_runs;  // the last member of each run by its first; runs are disjoint, never adjacent
+    std::map<int64_t, int64_t> m_runs;  // the last member of each run by its first; runs are disjoint
 };
 
 namespace vexa::standin {

@@ -35,9 +35,19 @@ std::optional<StatusLine> Status::setText(std::string text, bool keepsHistory) {
 std::optional<StatusLine> Status::finish(bool keepsHistory) {
     const std::lock_guard<std::mutex> lock(m_guard);
     if (!m_line.active) return std::nullopt;
+    m_hasFinished = true;
     StatusLine line = m_line;
     line.active = false;
     return changed(std::move(line), keepsHistory);
+}
+
+std::optional<facts::Fact> Status::factAbout(int percent) const {
+    using facts::Fact;
+    const std::lock_guard<std::mutex> lock(m_guard);
+    if (!m_line.active) return m_hasFinished ? Fact::StatusCheckAfterFinish : Fact::StatusCheckBeforeStart;
+    if (percent > kAllDone) return Fact::StatusCheckOver100;
+    if (percent < 0) return Fact::StatusCheckNegative;
+    return percent < m_line.percent ? std::optional(Fact::StatusCheckBackwards) : std::nullopt;
 }
 
 StatusLine Status::line() const {

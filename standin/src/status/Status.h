@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "facts/Facts.h"
 #include "vexastandin/StatusLine.h"
 
 namespace vexa::standin {
@@ -24,6 +25,9 @@ public:
     /// Hides the line.
     std::optional<StatusLine> finish(bool keepsHistory);
 
+    /// The fact that says what a check with \p percent answers now; nothing if the answer depends on the user only.
+    std::optional<facts::Fact> factAbout(int percent) const;
+
     StatusLine line() const;
     std::vector<StatusLine> history() const;
 
@@ -32,6 +36,7 @@ private:
 
     mutable std::mutex m_guard;
     StatusLine m_line;
+    bool m_hasFinished = false;  // a line was shown before
     std::vector<StatusLine> m_history;
 };
 

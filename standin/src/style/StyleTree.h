@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "answers/HostAnswers.h"
 #include "objects/HostObjects.h"
 #include "vexa/VexaUtil.h"
 #include "vexastandin/StyleValue.h"
@@ -21,12 +22,15 @@ struct StyleQuery {
     std::pair<long, long> offsets{0, 0};   ///< "Offset1" and "Offset2"
     double* number = nullptr;              ///< where to store a double; null if the query asks for another value
     VexaArbParam* anythingElse = nullptr;  ///< where to store any other value; null if the query asks for a double
+    bool hasSeventhKeyword = false;        ///< the list has "P7"
+    bool hasUnknownArgument = false;       ///< the list has another name that no query has
+    bool isInOrder = true;                 ///< the keywords were appended in the order of the path
 };
 
 /// The query that the arguments of a list make. Nothing if "P1" is missing, the path has a gap, or the list has no
-/// place or two places for the value. If an argument is there twice, the first counts. One of the wrong kind is
-/// ignored.
-std::optional<StyleQuery> styleQueryOf(const std::vector<Argument>& arguments);
+/// place or two places for the value. If an argument is there twice, \p answers says which one counts. One of the wrong
+/// kind is ignored.
+std::optional<StyleQuery> styleQueryOf(std::vector<Argument> arguments, const HostAnswers& answers);
 
 /// The host's style settings.
 ///
@@ -45,18 +49,28 @@ public:
     std::pair<SetHandle, SetHandle> set(const std::vector<std::string>& path, const Offsets& offsets,
                                         const StyleValue& value);
 
-    /// Answers \p query. Stores the value if the answer is Ok.
-    GetValueReturnCode_e answer(const StyleQuery& query) const;
+    /// Answers \p query as \p answers say. Stores the value if it is found and the answer is Ok.
+    GetValueReturnCode_e answer(const StyleQuery& query, const HostAnswers& answers) const;
 
 private:
     // A text or a set is allocated on its own, because add-ons get its address.
     using Value = std::variant<double, std::int64_t, std::shared_ptr<const std::string>, SetHandle>;
 
     static Value valueOf(const StyleValue& value);
+    static void store(const Value& value, const StyleQuery& query);
+
+    /// Finds the value that \p query asks for.
+    /// \return the fact that says what the host answers.
+    Fact find(const StyleQuery& query, const HostAnswers& answers, const Value*& value) const;
+    Fact factAboutUnknown(const StyleQuery& query, const std::vector<std::string>& path) const;
+
+    struct Setting {
+        std::vector<std::string> spelling;  // the path as it was given last
+        std::map<Offsets, Value> values;    // the value for every pair of offsets comes first
+    };
 
     mutable std::mutex m_guard;
-    // In each inner map the value for every pair of offsets comes first. In the outer map deeper paths follow a path.
-    std::map<std::vector<std::string>, std::map<Offsets, Value>> m_values;
+    std::map<std::vector<std::string>, Setting> m_settings;  // by the path in upper case; deeper paths follow a path
 };
 
 }  // namespace vexa::standin

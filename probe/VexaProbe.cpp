@@ -1,0 +1,3 @@
+#include "probe/AddOn.h"
+
+const VexaAddOn_s* vexaAddOn(AddOnList_s* self) { return vexa::probe::enter("VEXAPROBE", self); }

@@ -1,0 +1,108 @@
+#include "vexastandin/HostFacts.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "vexa/VexaUtil.h"
+#include "vexastandin/Host.h"
+
+namespace vexa::standin {
+namespace {
+
+// "NAME = ANSWER: REASON" of each.
+std::vector<std::string> linesOf(const std::vector<UnlikeFact>& facts) {
+    std::vector<std::string> lines;
+    for (const UnlikeFact& fact : facts) lines.push_back(fact.name + " = " + fact.answer + ": " + fact.reason);
+    return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(HostFacts, NameWhatTheStandInCannotImitate) {
+    const Lines expected = {
+        "list.append.most = 2000: expected a number from 0 to 1000",
+        "list.dealloc.clearsHandle = perhaps: expected true or false",
+        "set.insert.reversed = [5]: the stand-in can answer refused|ignored|swapped",
+        ("string.alloc.isZeroed = true: the stand-in answers false: the stand-in fills a new string with a pattern, to "
+         "find missing terminating zeros"),
+        "style.unknownPath = 7: expected Ok, OtherType, UnknownPath or NotAvailable",
+        "weather = fine: this version of the stand-in does not know it"};
+    EXPECT_EQ(linesOf(unlikeFacts({{"weather", "fine"},
+                                   {"style.unknownPath", "7"},
+                                   {"string.alloc.isZeroed", "true"},
+                                   {"set.insert.reversed", "[5]"},
+                                   {"list.dealloc.clearsHandle", "perhaps"},
+                                   {"list.append.most", "2000"}})),
+              expected);
+}
+
+TEST(HostFacts, AreAlikeIfTheStandInAnswersSoAnyway) {
+    EXPECT_EQ(linesOf(unlikeFacts({{"string.alloc.isZeroed", "false"}, {"list.append.most", "1000"}})), Lines());
+}
+
+TEST(HostFacts, AreReturnedByAHostThatCannotImitateThem) {
+    Host host;
+    const auto unlike = host.answerLike({{"list.dealloc.clearsHandle", "false"}, {"lock.nests", "false"}});
+    EXPECT_EQ(linesOf(unlike),
+              Lines{"lock.nests = false: the stand-in answers true: a stand-in that hangs tests nothing"});
+}
+
+TEST(HostFacts, ChangeTheAnswersOfAHost) {
+    Host host;
+    host.answerLike({{"list.dealloc.clearsHandle", "false"}});
+    ArgList_s* list = VexaUtilArgListAlloc();
+    VexaUtilArgListDealloc(&list);
+    EXPECT_NE(list, nullptr);
+}
+
+TEST(HostFacts, ReplaceEarlierOnes) {
+    Host host;
+    host.answerLike({{"list.dealloc.clearsHandle", "false"}, {"state.batch", "true"}});
+    host.answerLike({});
+    ArgList_s* list = VexaUtilArgListAlloc();
+    VexaUtilArgListDealloc(&list);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(VexaUtilMacroIsBatchModeActive(), 0);
+}
+
+TEST(HostFacts, SetTheStatesOfAHost) {
+    Host host;
+    host.answerLike({{"state.batch", "true"}, {"state.journal", "true"}});
+    EXPECT_EQ(VexaUtilMacroIsBatchModeActive(), 1);
+    EXPECT_EQ(VexaUtilStateIsProcessingJournal(), 1);
+    EXPECT_EQ(VexaUtilMacroIsRecordingActive(), 0);
+    EXPECT_EQ(VexaUtilStateIsProcessingLayout(), 0);
+}
+
+TEST(HostFacts, LeaveTheContractAsItIs) {
+    Host host;
+    host.answerLike({{"list.append.sameNameTwice", "false"}, {"status.check.over100", "false"}});
+    VexaUtilStatusStartPercentDone("Task", 0, 1);
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(101), 0);
+    VexaUtilStatusFinishPercentDone();
+    ASSERT_EQ(host.violations().size(), 1U);
+    EXPECT_EQ(host.violations()[0].rule, "percent-out-of-range");
+}
+
+TEST(HostFacts, DoNotMakeAHostKeepWhatItCouldNotReadBack) {
+    Host host;
+    host.answerLike({{"record.lineBreak", "true"}, {"journal.emptyText", "true"}, {"state.recording", "true"}});
+    EXPECT_EQ(VexaUtilMacroRecordExtCommand("ONE", "two\nlines"), 1);
+    EXPECT_EQ(VexaUtilDataSetAddJournalCommand("ONE", "", nullptr), 1);
+    EXPECT_TRUE(host.recordedCommands().empty());
+    EXPECT_TRUE(host.journalEntries().empty());
+}
+
+TEST(HostFacts, KeepTheStopButtonWorking) {
+    Host host;
+    host.answerLike({{"status.check.over100", "true"}});
+    VexaUtilStatusStartPercentDone("Task", 1, 1);
+    host.pressStop();
+    EXPECT_EQ(VexaUtilStatusCheckPercentDone(101), 0);
+    VexaUtilStatusFinishPercentDone();
+}
+
+}  // namespace
+}  // namespace vexa::standin
