@@ -40,15 +40,15 @@ int protectionOf(Elf64_Word flags) {
            ((flags & PF_X) != 0 ? PROT_EXEC : 0);
 }
 
-// Lets this process write to the pages of a table as long as it lives.
+// Lets this process write to a segment as long as it lives.
 class WritablePages {
 public:
-    WritablePages(void* begin, void* end, int protection) : m_protection(protection) {
+    explicit WritablePages(const Segment& segment) : m_protection(segment.protection) {
         const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-        const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(begin) & ~(page - 1);
+        const std::uintptr_t first = segment.begin & ~(page - 1);
         m_begin = reinterpret_cast<void*>(first);
-        m_size = reinterpret_cast<std::uintptr_t>(end) - first;
-        m_areWritable = mprotect(m_begin, m_size, protection | PROT_WRITE) == 0;
+        m_size = segment.begin + segment.size - first;
+        m_areWritable = m_size != 0 && mprotect(m_begin, m_size, m_protection | PROT_WRITE) == 0;
     }
     WritablePages(const WritablePages&) = delete;
     WritablePages& operator=(const WritablePages&) = delete;
@@ -64,6 +64,10 @@ private:
     int m_protection;
     bool m_areWritable;
 };
+
+bool isImport(const Elf64_Sym& symbol) {
+    return symbol.st_shndx == SHN_UNDEF && ELF64_ST_BIND(symbol.st_info) != STB_LOCAL;
+}
 
 // The loader binds a hidden local symbol to the object's own address, and an absolute one is not moved.
 void bindTo(Elf64_Sym& symbol, void* target) {
@@ -86,6 +90,10 @@ ElfImage::ElfImage(const link_map& map) : m_base(map.l_addr) {
             case DT_SYMTAB: m_symbols = reinterpret_cast<Elf64_Sym*>(addressOf(*entry)); break;
             case DT_STRTAB: m_names = reinterpret_cast<const char*>(addressOf(*entry)); break;
             case DT_HASH: m_hash = reinterpret_cast<const std::uint32_t*>(addressOf(*entry)); break;
+            case DT_RELA: m_relocations.first = reinterpret_cast<const Elf64_Rela*>(addressOf(*entry)); break;
+            case DT_RELASZ: m_relocations.size = entry->d_un.d_val; break;
+            case DT_JMPREL: m_callRelocations.first = reinterpret_cast<const Elf64_Rela*>(addressOf(*entry)); break;
+            case DT_PLTRELSZ: m_callRelocations.size = entry->d_un.d_val; break;
             case DT_GNU_HASH: m_gnuHash = reinterpret_cast<const std::uint32_t*>(addressOf(*entry)); break;
             default: break;
         }
@@ -98,16 +106,18 @@ void* ElfImage::findFunction(const char* name) const {
 }
 
 void ElfImage::redirectImports(void* (*targetOf)(const char* name)) const {
-    const std::size_t count = countOfImports();
+    if (m_symbols == nullptr || m_names == nullptr) return;
     std::optional<WritablePages> pages;
-    for (std::size_t i = 1; i < count; ++i) {
-        Elf64_Sym& symbol = m_symbols[i];
-        if (symbol.st_shndx != SHN_UNDEF || ELF64_ST_BIND(symbol.st_info) == STB_LOCAL) continue;
-        void* const target = targetOf(m_names + symbol.st_name);
-        if (target == nullptr) continue;
-        if (!pages) pages.emplace(m_symbols, m_symbols + count, protectionOf(m_symbols));
-        if (!pages->areWritable()) return;
-        bindTo(symbol, target);
+    for (const Relocations& relocations : {m_relocations, m_callRelocations}) {
+        for (std::size_t i = 0; i != relocations.size / sizeof(Elf64_Rela); ++i) {
+            Elf64_Sym& symbol = m_symbols[ELF64_R_SYM(relocations.first[i].r_info)];
+            if (!isImport(symbol)) continue;
+            void* const target = targetOf(m_names + symbol.st_name);
+            if (target == nullptr) continue;
+            if (!pages) pages.emplace(segmentOf(m_symbols));
+            if (!pages->areWritable()) return;
+            bindTo(symbol, target);
+        }
     }
 }
 
@@ -153,23 +163,18 @@ bool ElfImage::isCalled(const Elf64_Sym& symbol, const char* name) const {
     return isExportedFunction(symbol) && std::strcmp(m_names + symbol.st_name, name) == 0;
 }
 
-std::size_t ElfImage::countOfImports() const {
-    if (m_symbols == nullptr || m_names == nullptr) return 0;
-    if (m_hash != nullptr) return m_hash[1];
-    return m_gnuHash == nullptr ? 0 : m_gnuHash[1];
-}
-
 // The ELF header is at the start of an object that is loaded anywhere.
-int ElfImage::protectionOf(const void* address) const {
+Segment ElfImage::segmentOf(const void* address) const {
     const auto* const header = reinterpret_cast<const Elf64_Ehdr*>(m_base);
     const auto* const segments = reinterpret_cast<const Elf64_Phdr*>(m_base + header->e_phoff);
     const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(address) - m_base;
     for (std::size_t i = 0; i != header->e_phnum; ++i) {
         const Elf64_Phdr& segment = segments[i];
         const bool isIn = offset >= segment.p_vaddr && offset - segment.p_vaddr < segment.p_memsz;
-        if (segment.p_type == PT_LOAD && isIn) return layer::protectionOf(segment.p_flags);
+        if (segment.p_type != PT_LOAD || !isIn) continue;
+        return {m_base + segment.p_vaddr, segment.p_memsz, protectionOf(segment.p_flags)};
     }
-    return PROT_READ;
+    return {};
 }
 
 }  // namespace vexa::layer

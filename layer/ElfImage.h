@@ -8,6 +8,13 @@
 
 namespace vexa::layer {
 
+/// A part of an object that the loader has mapped as a whole.
+struct Segment {
+    std::uintptr_t begin = 0;
+    std::size_t size = 0;
+    int protection = 0;  ///< as for mprotect()
+};
+
 /// The symbols of a shared object or program that the loader has mapped.
 class ElfImage {
 public:
@@ -26,15 +33,20 @@ private:
     const Elf64_Sym* findByGnuHash(const char* name) const;
     const Elf64_Sym* findByHash(const char* name) const;
     bool isCalled(const Elf64_Sym& symbol, const char* name) const;
-    /// The number of symbols, without those that a GNU hash table has: imports come before them.
-    std::size_t countOfImports() const;
-    int protectionOf(const void* address) const;
+    Segment segmentOf(const void* address) const;
+
+    struct Relocations {
+        const Elf64_Rela* first = nullptr;
+        std::size_t size = 0;  // in bytes
+    };
 
     std::uintptr_t m_base = 0;
     Elf64_Sym* m_symbols = nullptr;
     const char* m_names = nullptr;
     const std::uint32_t* m_hash = nullptr;
     const std::uint32_t* m_gnuHash = nullptr;
+    Relocations m_relocations;
+    Relocations m_callRelocations;
 };
 
 }  // namespace vexa::layer
