@@ -16,7 +16,7 @@ int makeLateCalls(const char* file) {
     void* const library = dlopen(file, LATE_BINDING);
     if (library == nullptr) return std::puts(dlerror()), 0;
     const auto calls = reinterpret_cast<int (*)()>(dlsym(library, "makeCalls"));
-    return calls == nullptr ? 0 : calls();
+    return calls == nullptr ? 0 : calls() + 1;  // this object's constructor made one, too
 }
 
 VexaBoolean execute(const char* command, char**) {

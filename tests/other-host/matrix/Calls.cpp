@@ -1,4 +1,4 @@
-// Six host calls. Compiled once for each way in which the loader can bind them.
+// Seven host calls, one of them by a constructor. Compiled once for each way in which the loader can bind them.
 
 #include <dlfcn.h>
 
@@ -13,6 +13,7 @@
 namespace {
 
 // Data that the loader fills in. Without volatile the compiler would call the functions directly.
+decltype(VexaUtilMacroIsBatchModeActive)* volatile isBatchModeActive = VexaUtilMacroIsBatchModeActive;
 decltype(VexaUtilStatusStartPercentDone)* volatile startStatus = VexaUtilStatusStartPercentDone;
 decltype(VexaUtilStatusCheckPercentDone)* volatile checkStatus = VexaUtilStatusCheckPercentDone;
 decltype(VexaUtilStatusFinishPercentDone)* volatile finishStatus = VexaUtilStatusFinishPercentDone;
@@ -22,6 +23,7 @@ decltype(VexaUtilSetDealloc)* volatile deallocSet = VexaUtilSetDealloc;
 
 }  // namespace
 
+#define VexaUtilMacroIsBatchModeActive isBatchModeActive
 #define VexaUtilStatusStartPercentDone startStatus
 #define VexaUtilStatusCheckPercentDone checkStatus
 #define VexaUtilStatusFinishPercentDone finishStatus
@@ -36,13 +38,20 @@ decltype(VexaUtilSetDealloc)* volatile deallocSet = VexaUtilSetDealloc;
 
 #endif
 
-// Returns the number of calls.
+namespace {
+
+// The loader calls it while it opens the object, so no add-on is entered yet.
+const VexaBoolean fromConstructor = HOST(VexaUtilMacroIsBatchModeActive)();
+
+}  // namespace
+
+// Returns the number of calls, with the one of the constructor.
 extern "C" VEXA_HOST_API int makeCalls() {
-    HOST(VexaUtilStatusStartPercentDone)("working", 0, 1);
+    HOST(VexaUtilStatusStartPercentDone)("working", fromConstructor, 1);
     HOST(VexaUtilStatusCheckPercentDone)(50);
     HOST(VexaUtilStatusFinishPercentDone)();
     Set_s* set = HOST(VexaUtilSetAlloc)();
     HOST(VexaUtilSetInsert)(set, 1, 2);
     HOST(VexaUtilSetDealloc)(&set);
-    return 6;
+    return 7;
 }
