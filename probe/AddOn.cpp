@@ -17,8 +17,9 @@ VexaBoolean execute(const char* command, char** errMsg) {
                                         errMsg);
 }
 
+// A host that loads the file twice calls this twice.
 void shutdown() {
-    probe->shutDown();
+    if (probe != nullptr) probe->shutDown();
     probe.reset();
 }
 

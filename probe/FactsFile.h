@@ -34,6 +34,8 @@ public:
     void write() const;
 
 private:
+    class Reader;
+
     void read(const std::string& text);
 
     std::string m_path;

@@ -42,7 +42,8 @@ Answer most(const Circumstances&) {
 
 Answer takesSameNameTwice(const Circumstances&) {
     const OwnedList list = newList();
-    return takes(list, kName, "value") && takes(list, kName, "value");
+    const bool isFirstTaken = takes(list, kName, "value");
+    return isFirstTaken && takes(list, kName, "value");
 }
 
 }  // namespace

@@ -229,15 +229,19 @@ void Host::setProcessingJournal(bool active) { m_state->isProcessingJournal = ac
 void Host::setProcessingLayout(bool active) { m_state->isProcessingLayout = active; }
 
 std::vector<UnlikeFact> Host::answerLike(const HostFacts& facts) {
-    m_state->answers = HostAnswers();
+    const std::pair<Fact, std::atomic<bool>&> states[] = {{Fact::StateBatch, m_state->isBatchMode},
+                                                          {Fact::StateRecording, m_state->isRecording},
+                                                          {Fact::StateJournal, m_state->isProcessingJournal},
+                                                          {Fact::StateLayout, m_state->isProcessingLayout}};
+    HostAnswers answers;
     for (const auto& [name, answer] : facts) {
         const std::optional<Fact> fact = facts::findFact(name);
-        if (fact) m_state->answers.take(*fact, answer);
+        if (!fact || !answers.take(*fact, answer).empty()) continue;
+        for (const auto& [about, state] : states) {
+            if (about == *fact) state = answers.truth(*fact);
+        }
     }
-    m_state->isBatchMode = m_state->answers.truth(Fact::StateBatch);
-    m_state->isRecording = m_state->answers.truth(Fact::StateRecording);
-    m_state->isProcessingJournal = m_state->answers.truth(Fact::StateJournal);
-    m_state->isProcessingLayout = m_state->answers.truth(Fact::StateLayout);
+    m_state->answers = answers;
     return unlikeFacts(facts);
 }
 

@@ -59,12 +59,11 @@ TEST(HostFacts, ChangeTheAnswersOfAHost) {
 
 TEST(HostFacts, ReplaceEarlierOnes) {
     Host host;
-    host.answerLike({{"list.dealloc.clearsHandle", "false"}, {"state.batch", "true"}});
+    host.answerLike({{"list.dealloc.clearsHandle", "false"}});
     host.answerLike({});
     ArgList_s* list = VexaUtilArgListAlloc();
     VexaUtilArgListDealloc(&list);
     EXPECT_EQ(list, nullptr);
-    EXPECT_EQ(VexaUtilMacroIsBatchModeActive(), 0);
 }
 
 TEST(HostFacts, SetTheStatesOfAHost) {
@@ -72,8 +71,16 @@ TEST(HostFacts, SetTheStatesOfAHost) {
     host.answerLike({{"state.batch", "true"}, {"state.journal", "true"}});
     EXPECT_EQ(VexaUtilMacroIsBatchModeActive(), 1);
     EXPECT_EQ(VexaUtilStateIsProcessingJournal(), 1);
-    EXPECT_EQ(VexaUtilMacroIsRecordingActive(), 0);
     EXPECT_EQ(VexaUtilStateIsProcessingLayout(), 0);
+}
+
+TEST(HostFacts, LeaveStatesAloneThatTheyDoNotName) {
+    Host host;
+    host.setRecording(true);
+    host.answerLike({{"state.batch", "true"}});
+    EXPECT_EQ(VexaUtilMacroIsRecordingActive(), 1);
+    host.answerLike({{"state.recording", "false"}});
+    EXPECT_EQ(VexaUtilMacroIsRecordingActive(), 0);
 }
 
 TEST(HostFacts, LeaveTheContractAsItIs) {

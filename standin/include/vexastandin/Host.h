@@ -94,13 +94,17 @@ public:
     void setProcessingJournal(bool active);  ///< true: the host plays back a journal
     void setProcessingLayout(bool active);   ///< true: the host plays back a layout
 
-    /// From now on the host answers as another host does, of which \p facts are known. Where \p facts has no answer,
-    /// the host answers as usual. This replaces the facts of an earlier call, and sets the four states above. The rules
-    /// of the contract stay the same. Call this while no add-on is loaded, and before the first call of a C function.
-    /// \return the facts that the host cannot imitate; see unlikeFacts(). About them it answers as usual.
+    /// From now on the host answers as another host does, of which \p facts are known:
+    ///
+    ///     host.answerLike({{"list.append.most", "64"}, {"state.batch", "true"}});
+    ///
+    /// Where \p facts has no answer, the host answers as usual, whatever an earlier call said. Facts about the four
+    /// states above set these states; without such a fact a state stays as it is. The rules of the contract stay the
+    /// same. Call this while the host is not in an add-on.
+    /// \return the facts that the host cannot imitate, as from unlikeFacts(). There the host answers as usual.
     std::vector<UnlikeFact> answerLike(const HostFacts& facts);
-    /// Returns true if the facts say that a macro goes on after a command that failed. Who runs macros decides on that;
-    /// run() always runs the command.
+    /// Returns true if, by the facts passed to answerLike(), a macro goes on after a command that failed. It is for
+    /// programs that run macros: run() itself always runs the command.
     bool goesOnAfterFailure() const;
 
     /// Sets the value of a style setting, which VexaUtilStyleGetLowLevelX() returns for every pair of offsets. The host

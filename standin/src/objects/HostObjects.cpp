@@ -23,8 +23,8 @@ bool continues(const std::pair<const int64_t, int64_t>& run, int64_t first, int6
 
 char inLowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-bool isEqualInLowerCase(const std::string& one, const std::string& other) {
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+bool isEqualInLowerCase(const std::string& text, const std::string& spelling) {
+    return std::equal(text.begin(), text.end(), spelling.begin(), spelling.end(),
                       [](char a, char b) { return inLowerCase(a) == inLowerCase(b); });
 }
 
