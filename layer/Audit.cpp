@@ -1,4 +1,5 @@
-// The functions that the loader calls in an audit library.
+// The functions that the loader calls in an audit library. It has no la_symbind64(): the loader would allocate memory
+// for each object, and never free it.
 
 #include <link.h>
 
@@ -6,10 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "contract/HostFunctionTable.h"
 #include "contract/messages/LayerVariables.h"
-#include "layer/AddOns.h"
-#include "layer/HostCalls.h"
 #include "layer/Layer.h"
 #include "layer/LayerTime.h"
 #include "layer/LoadedObjects.h"
@@ -46,27 +44,6 @@ void unlessForked(const Action& action) noexcept {
     } catch (...) {}
 }
 
-// The host asks an add-on for its entry.
-void* entryFor(LoadedObject& addOn, void* entry) {
-    if (addOn.addOn == kNoAddOn) addOn.addOn = addAddOn(entry, addOn.map->l_name);
-    return addOn.addOn == kNoAddOn ? entry : entryOf(addOn.addOn);
-}
-
-// An add-on asks for a function of the host.
-void* functionFor(const char* name, void* address) {
-    const auto function = standin::findHostFunction(name);
-    if (!function) return address;
-    if (hostFunction(*function) == nullptr) setHostFunction(*function, address);
-    return checkedFunction(*function);
-}
-
-void* answerTo(LoadedObject* asking, LoadedObject* asked, const char* name, void* address) {
-    if (asked != nullptr && asked->isOfAddOn && theObjects->settings().entryName == name) {
-        return entryFor(*asked, address);
-    }
-    return asking != nullptr && asking->isOfAddOn ? functionFor(name, address) : address;
-}
-
 // Runs after all code of the program.
 [[gnu::destructor]] void endLayer() {
     if (Layer* const layer = Layer::current()) unlessForked([=] { layer->closeLeftEntries(); });
@@ -89,16 +66,11 @@ char* la_objsearch(const char* name, uintptr_t* cookie, unsigned) {
 }
 
 unsigned la_objopen(link_map* map, Lmid_t space, uintptr_t* cookie) {
-    unsigned flags = 0;
     *cookie = 0;
-    if (space != LM_ID_BASE) return flags;
-    unlessForked([&] {
-        LoadedObject* const object = theObjects->opened(*map);
-        *cookie = reinterpret_cast<uintptr_t>(object);
-        if (!theObjects->isStarted()) return;
-        flags = LA_FLG_BINDFROM | (theObjects->hasEntry(*object) ? unsigned{LA_FLG_BINDTO} : 0U);
-    });
-    return flags;
+    if (space == LM_ID_BASE) {
+        unlessForked([=] { *cookie = reinterpret_cast<uintptr_t>(theObjects->opened(*map)); });
+    }
+    return 0;
 }
 
 void la_activity(uintptr_t*, unsigned activity) {
@@ -108,15 +80,6 @@ void la_activity(uintptr_t*, unsigned activity) {
 unsigned la_objclose(uintptr_t* cookie) {
     if (objectOf(cookie) != nullptr) unlessForked([=] { LoadedObjects::closes(objectOf(cookie)); });
     return 0;
-}
-
-uintptr_t la_symbind64(Elf64_Sym* symbol, unsigned, uintptr_t* asking, uintptr_t* asked, unsigned* flags,
-                       const char* name) {
-    void* answer = reinterpret_cast<void*>(symbol->st_value);
-    if ((*flags & LA_SYMB_DLSYM) != 0) {
-        unlessForked([&] { answer = answerTo(objectOf(asking), objectOf(asked), name, answer); });
-    }
-    return reinterpret_cast<uintptr_t>(answer);
 }
 
 }  // extern "C"

@@ -69,12 +69,17 @@ bool isImport(const Elf64_Sym& symbol) {
     return symbol.st_shndx == SHN_UNDEF && ELF64_ST_BIND(symbol.st_info) != STB_LOCAL;
 }
 
-// The loader binds a hidden local symbol to the object's own address, and an absolute one is not moved.
+// An absolute symbol is not moved with its object.
+void setTarget(Elf64_Sym& symbol, void* target) {
+    symbol.st_shndx = SHN_ABS;
+    symbol.st_value = reinterpret_cast<Elf64_Addr>(target);
+}
+
+// The loader binds a hidden local symbol to the object's own.
 void bindTo(Elf64_Sym& symbol, void* target) {
     symbol.st_info = ELF64_ST_INFO(STB_LOCAL, STT_FUNC);
     symbol.st_other = STV_HIDDEN;
-    symbol.st_shndx = SHN_ABS;
-    symbol.st_value = reinterpret_cast<Elf64_Addr>(target);
+    setTarget(symbol, target);
 }
 
 }  // namespace
@@ -103,6 +108,12 @@ ElfImage::ElfImage(const link_map& map) : m_base(map.l_addr) {
 void* ElfImage::findFunction(const char* name) const {
     const Elf64_Sym* const symbol = find(name);
     return symbol == nullptr ? nullptr : reinterpret_cast<void*>(m_base + symbol->st_value);
+}
+
+void ElfImage::redirectExport(const char* name, void* target) const {
+    const Elf64_Sym* const symbol = find(name);
+    const WritablePages pages(segmentOf(m_symbols));
+    if (symbol != nullptr && pages.areWritable()) setTarget(m_symbols[symbol - m_symbols], target);
 }
 
 void ElfImage::redirectImports(void* (*targetOf)(const char* name)) const {

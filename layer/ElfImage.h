@@ -23,6 +23,9 @@ public:
     /// The address of the function that the object exports as \p name; null if it exports none.
     void* findFunction(const char* name) const;
 
+    /// Lets the loader find \p target in the place of the function that the object exports as \p name.
+    void redirectExport(const char* name, void* target) const;
+
     /// Lets the loader bind symbols of other objects to functions of our choice. The loader must not have bound them
     /// yet. It keeps to this for each kind of binding: early and lazy, calls and addresses of functions.
     /// \param targetOf is called with the name of each function that the object imports; null leaves it to the loader.

@@ -84,6 +84,16 @@ void* checked(Result (*)(Arguments...)) {
     return reinterpret_cast<void*>(&Checked<function, Result, Arguments...>::call);
 }
 
+void* checkedFunction(HostFunction function) {
+    switch (function) {
+#define VEXASTANDIN_CHECKED(name, role, scope, anyThread) \
+    case HostFunction::name: return checked<HostFunction::name>(static_cast<decltype(&name)>(nullptr));
+        VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_CHECKED)
+#undef VEXASTANDIN_CHECKED
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 void* hostFunction(HostFunction function) {
@@ -94,14 +104,9 @@ void setHostFunction(HostFunction function, void* address) {
     theHostFunctions[static_cast<std::size_t>(function)].store(address, std::memory_order_relaxed);
 }
 
-void* checkedFunction(HostFunction function) {
-    switch (function) {
-#define VEXASTANDIN_CHECKED(name, role, scope, anyThread) \
-    case HostFunction::name: return checked<HostFunction::name>(static_cast<decltype(&name)>(nullptr));
-        VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_CHECKED)
-#undef VEXASTANDIN_CHECKED
-    }
-    return nullptr;
+void* checkedFunction(const char* name) {
+    const auto function = standin::findHostFunction(name);
+    return function && hostFunction(*function) != nullptr ? checkedFunction(*function) : nullptr;
 }
 
 }  // namespace vexa::layer

@@ -10,7 +10,8 @@ namespace vexa::layer {
 void* hostFunction(standin::HostFunction function);
 void setHostFunction(standin::HostFunction function, void* address);
 
-/// The function that add-ons call in the place of \p function. It checks the call and passes it on.
-void* checkedFunction(standin::HostFunction function);
+/// The function that add-ons call in the place of the host's function \p name. It checks the call and passes it on.
+/// \return null if the name is none of the host's API, or if the program has no such function.
+void* checkedFunction(const char* name);
 
 }  // namespace vexa::layer

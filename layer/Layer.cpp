@@ -132,6 +132,8 @@ void Layer::unloaded(const std::string& addOnId) {
     m_contract.leave();
 }
 
+void Layer::note(const std::string& text) { send(Message_e::Note, text); }
+
 std::string Layer::nameOf(const AddOnList_s* identity) const {
     const std::lock_guard<std::mutex> lock(m_guard);
     const auto found = m_ids.find(identity);

@@ -86,7 +86,7 @@ public:
     void closeLeftEntries();
 
     /// Sends a text for the user.
-    void note(const std::string& text) { send(standin::Message_e::Note, text); }
+    void note(const std::string& text);
 
 private:
     const standin::HandleNamesInterface& names() const { return *this; }

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
+#include <string_view>
 
 #include "contract/HostFunctionTable.h"
 #include "layer/ElfImage.h"
 #include "layer/HostCalls.h"
 #include "layer/Layer.h"
+#include "layer/Lookup.h"
 
 namespace vexa::layer {
 namespace {
@@ -19,9 +22,12 @@ void forEachHostFunction(const Use& use) {
     for (std::size_t i = 0; i != count; ++i) use(static_cast<HostFunction>(i));
 }
 
+constexpr std::string_view kLookup = "dlsym";
+
 // The first object that has a function is the one to which the loader binds it.
 bool takeHostFunctions(const ElfImage& image) {
     bool hasAny = false;
+    if (lookup() == nullptr) setLookup(image.findFunction(kLookup.data()));
     forEachHostFunction([&](HostFunction function) {
         void* const address = hostFunction(function) == nullptr ? image.findFunction(nameOf(function)) : nullptr;
         if (address == nullptr) return;
@@ -40,8 +46,8 @@ void forgetHostFunctions(const ElfImage& image) {
 
 // Without the host's function, the loader is to report the import as it does without the layer.
 void* targetOf(const char* name) {
-    const auto function = standin::findHostFunction(name);
-    return function && hostFunction(*function) != nullptr ? checkedFunction(*function) : nullptr;
+    if (name == kLookup && lookup() != nullptr) return checkedLookup();
+    return checkedFunction(name);
 }
 
 }  // namespace
@@ -61,12 +67,25 @@ void LoadedObjects::areComplete() {
 }
 
 void LoadedObjects::startAddOns() {
-    const auto isAddOn = [this](const LoadedObject* object) { return hasEntry(*object); };
+    const auto isAddOn = [this](const LoadedObject* object) { return entryOf(*object) != nullptr; };
     const bool isAddOnHere = std::any_of(m_new.begin(), m_new.end(), isAddOn);
     if (isAddOnHere) Layer::start(m_settings);
     for (LoadedObject* const object : m_new) {
         object->isOfAddOn |= isAddOnHere;
-        if (object->isOfAddOn) ElfImage(*object->map).redirectImports(targetOf);
+        if (!object->isOfAddOn) continue;
+        ElfImage(*object->map).redirectImports(targetOf);
+        if (void* const entry = entryOf(*object)) startAddOn(*object, entry);
+    }
+}
+
+// The host asks for the entry, and gets one of the layer.
+void LoadedObjects::startAddOn(LoadedObject& object, void* entry) const {
+    const char* const file = object.map->l_name;
+    object.addOn = addAddOn(entry, file);
+    if (object.addOn != kNoAddOn) {
+        ElfImage(*object.map).redirectExport(m_settings.entryName.c_str(), layer::entryOf(object.addOn));
+    } else if (Layer* const layer = Layer::current()) {
+        layer->note(std::string(file) + " is not checked: too many add-ons are loaded");
     }
 }
 
@@ -76,8 +95,8 @@ void LoadedObjects::closes(LoadedObject* object) {
     delete object;
 }
 
-bool LoadedObjects::hasEntry(const LoadedObject& object) const {
-    return ElfImage(*object.map).findFunction(m_settings.entryName.c_str()) != nullptr;
+void* LoadedObjects::entryOf(const LoadedObject& object) const {
+    return ElfImage(*object.map).findFunction(m_settings.entryName.c_str());
 }
 
 }  // namespace vexa::layer

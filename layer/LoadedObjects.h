@@ -14,7 +14,7 @@ struct LoadedObject {
     const link_map* map = nullptr;
     bool isOfAddOn = false;  ///< whether its calls of the host are an add-on's
     bool hasHostFunctions = false;
-    AddOnNumber addOn = kNoAddOn;  ///< of an add-on that the host has asked for its entry
+    AddOnNumber addOn = kNoAddOn;  ///< of an object that has an entry
 };
 
 /// Tells add-ons from the host, and lets the loader bind the add-ons' calls of the host to the layer.
@@ -26,8 +26,6 @@ class LoadedObjects {
 public:
     explicit LoadedObjects(Settings settings) : m_settings(std::move(settings)) {}
 
-    const Settings& settings() const { return m_settings; }
-
     /// The code of \p object, or the loader on its behalf, searches an object to load.
     void searches(const LoadedObject* object) { m_searcher = object; }
     /// The loader has mapped an object. It has not yet bound its symbols.
@@ -36,15 +34,13 @@ public:
     void areComplete();
     static void closes(LoadedObject* object);
 
-    /// Whether \p object was there when the program started.
-    bool isStarted() const { return m_isStarted; }
-    bool hasEntry(const LoadedObject& object) const;
-
 private:
     void startAddOns();
+    void startAddOn(LoadedObject& object, void* entry) const;
+    void* entryOf(const LoadedObject& object) const;
 
     const Settings m_settings;
-    bool m_isStarted = false;
+    bool m_isStarted = false;  // whether all objects that the program starts with are mapped
     const LoadedObject* m_searcher = nullptr;
     std::vector<LoadedObject*> m_new;  // mapped, but not bound
 };

@@ -22,6 +22,7 @@ import attach
 import behaviours
 
 LISTED = re.compile(r'^  ([a-z-]+)  ', re.MULTILINE)
+NEVER_REPORTED = re.compile(r'^([a-z-]+)\n  Never reported:', re.MULTILINE)
 TWIN = '-twin'
 
 # A command that breaks a rule which attach cannot see, and the other rule that its call then breaks, too.
@@ -43,10 +44,8 @@ def rules_of_attach(runner, host, addon, command):
     return attach.rules_of(run.log)
 
 
-def listed(runner, *arguments):
-    """The rules that explain lists."""
-    printed = subprocess.run([runner, 'explain', *arguments], text=True, capture_output=True, check=True).stdout
-    return LISTED.findall(printed)
+def explained(runner, *arguments):
+    return subprocess.run([runner, 'explain', *arguments], text=True, capture_output=True, check=True).stdout
 
 
 def tried_by(rule, commands):
@@ -71,15 +70,15 @@ def main():
     for host in hosts:
         place, program = host.split('=', 1)
         found['attach, ' + place] = {command: rules_of_attach(runner, program, addon, command) for command in commands}
-    unseen = set(listed(runner, '--attach'))
+    unseen = set(NEVER_REPORTED.findall(explained(runner, '--attach')))
 
     print('|', ' | '.join(['rule', *found, 'findings of twins']), '|')
     print('|---' * (len(found) + 2) + '|')
-    for rule in listed(runner):
+    for rule in LISTED.findall(explained(runner)):
         breaking, keeping = tried_by(rule, commands)
         of_twins = sum(len(by_command[command]) for by_command in found.values() for command in keeping)
         cells = [cell(rule, breaking, by_command) for by_command in found.values()]
-        print('|', ' | '.join([rule + (' (listed)' if rule in unseen else ''), *cells, str(of_twins)]), '|')
+        print('|', ' | '.join([rule + (' (never reported by attach)' if rule in unseen else ''), *cells, str(of_twins)]), '|')
 
     standin = found.pop('stand-in')
     faults = [f'{command}: {name} reports {sorted(by_command[command])}, the stand-in {sorted(standin[command])}'
