@@ -78,7 +78,7 @@ void la_activity(uintptr_t*, unsigned activity) {
 }
 
 unsigned la_objclose(uintptr_t* cookie) {
-    if (objectOf(cookie) != nullptr) unlessForked([=] { LoadedObjects::closes(objectOf(cookie)); });
+    if (objectOf(cookie) != nullptr) unlessForked([=] { theObjects->closes(objectOf(cookie)); });
     return 0;
 }
 

@@ -92,6 +92,8 @@ void LoadedObjects::startAddOn(LoadedObject& object, void* entry) const {
 void LoadedObjects::closes(LoadedObject* object) {
     if (object->addOn != kNoAddOn) removeAddOn(object->addOn);
     if (object->hasHostFunctions) forgetHostFunctions(ElfImage(*object->map));
+    // If another object is missing, what was mapped before is closed without having been complete.
+    m_new.erase(std::remove(m_new.begin(), m_new.end(), object), m_new.end());
     delete object;
 }
 

@@ -32,7 +32,8 @@ public:
     LoadedObject* opened(const link_map& map);
     /// The loader has mapped all objects that it loads together.
     void areComplete();
-    static void closes(LoadedObject* object);
+    /// The loader is about to unmap an object.
+    void closes(LoadedObject* object);
 
 private:
     void startAddOns();

@@ -56,6 +56,13 @@ def rate(work, bar, row, subject, calls):
     return Bar(work, "calls a second", bar, figure, lambda f: calls / f[figure] * 1e6, is_at_most=False, unit=" k/s")
 
 
+def overhead(work, bar, row, calls):
+    """What a checked call takes more than a plain one."""
+    figure = f"{row}/checked/1"
+    return Bar(work, "more than the plain call", bar, figure,
+               lambda f: (f[figure] - f[f"{row}/plain/1"]) / calls, unit=" ns")
+
+
 def count(work, bar, row):
     figure = f"{row}/ours/1"
     return Bar(work, "the fewest system calls", bar, figure, lambda f: f[figure], unit=" calls")
@@ -117,6 +124,9 @@ BARS = [
     rate("stand-in: a host call, checked", 1000, "host-call-ask", "checked", 1),
     rate("stand-in: locking a mutex, checked", 1000, "host-call-lock", "checked", 2),
     rate("stand-in: a style query, checked", 1000, "host-call-style", "checked", 6),
+    overhead("attach: a host call, checked", 300, "attach-call-ask", 1),
+    overhead("attach: locking a mutex, checked", 300, "attach-call-lock", 2),
+    overhead("attach: a style query, checked", 300, "attach-call-style", 6),
     rate("stand-in: a host call, traced", 300, "host-call-ask", "traced", 1),
     rate("stand-in: locking a mutex, traced", 300, "host-call-lock", "traced", 2),
     rate("stand-in: a style query, traced", 300, "host-call-style", "traced", 6),

@@ -68,6 +68,8 @@ public:
         m_contract.leave();
     }
 
+    Contract& contract() { return m_contract; }
+
     /// The findings so far, "rule: message" each.
     Lines findings() const {
         Lines lines;
@@ -181,6 +183,91 @@ TEST(OtherHost, IsToldOfEachFindingAndWhereItIs) {
     EXPECT_EQ(host.first().seen.function, "VexaUtilAuxDataEndAssign");
     EXPECT_EQ(host.first().seen.command, "OTHER GO");
     EXPECT_EQ(host.first().seen.macroLine, "run.macro:3");
+}
+
+TEST(OtherHost, MayEnterAddOnsOnTwoThreadsAtOnce) {
+    OtherHost host;
+    host.call<F::VexaUtilAuxDataBeginAssign>();
+    std::thread([&] {
+        host.contract().enter({Entry_e::Command, "SECOND", "GO", "command 2"});
+        host.call<F::VexaUtilAuxDataEndAssign>();  // of its own command, which has begun nothing
+        host.contract().leave();
+    }).join();
+    ASSERT_EQ(host.findings().size(), 1U);
+    EXPECT_EQ(host.first().addOnId, "SECOND");
+    EXPECT_EQ(host.first().seen.macroLine, "command 2");
+    host.call<F::VexaUtilAuxDataEndAssign>();
+    host.finish();
+    EXPECT_EQ(host.findings().size(), 1U);
+}
+
+TEST(OtherHost, MayLearnLaterThatACommandWasAbandoned) {
+    OtherHost host;
+    host.call<F::VexaUtilLockStart>(&host.identity);
+    std::thread([&] { host.contract().abandon(1, "left by a jump"); }).join();
+    EXPECT_EQ(host.findings(),
+              (Lines{"escaped-exception: left by a jump",
+                     "unbalanced-lock: VexaUtilLockStart has no matching VexaUtilLockFinish in the command"}));
+    EXPECT_EQ(host.first().seen.command, "OTHER GO");
+}
+
+TEST(OtherHost, MayUnloadAnAddOnAfterItsShutdown) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilThreadMutexAlloc>(&host.mutex);
+    host.finish();
+    host.contract().enter({Entry_e::Unloading, "OTHER", "", ""});
+    host.contract().leave(false);
+    EXPECT_EQ(host.findings(), Lines{});
+    host.contract().enter({Entry_e::Unloading, "OTHER", "", ""});
+    host.contract().leave();
+    EXPECT_EQ(host.findings(), Lines{"leaked-mutex: the unloading did not free a mutex: mutex#1 (call 1)"});
+}
+
+TEST(OtherHost, LendsTheSetsThatItsStyleQueriesReturn) {
+    OtherHost host;
+    char set = 0;
+    auto* const handle = reinterpret_cast<Set_s*>(&set);
+    auto value = reinterpret_cast<VexaArbParam>(handle);
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.callReturning<F::VexaUtilArgListAppendString>(1, &host.argList, "P1", "ZONES");
+    host.callReturning<F::VexaUtilArgListAppendArbParamPtr>(1, &host.argList, "IValue", &value);
+    host.callReturning<F::VexaUtilStyleGetLowLevelX>(GetValueReturnCode_Ok, &host.argList);
+    EXPECT_EQ(host.contract().nameOf(handle), "unknown");
+    host.contract().lendResultOf(&host.argList);
+    EXPECT_EQ(host.contract().nameOf(handle), "style-set#1");
+    int64_t first = 0;
+    host.callReturning<F::VexaUtilSetNextRange>(0, static_cast<const Set_s*>(handle), int64_t{0}, &first, &first);
+    EXPECT_EQ(host.findings(), Lines{});
+    host.callReturning<F::VexaUtilSetInsert>(0, handle, int64_t{0}, int64_t{1});
+    EXPECT_EQ(
+        host.findings(),
+        Lines{"foreign-handle: VexaUtilSetInsert was given a set of the host, which the add-on must not change or "
+              "free"});
+}
+
+TEST(OtherHost, TakesNoNumberForASet) {
+    OtherHost host;
+    VexaArbParam value = 12;
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.callReturning<F::VexaUtilArgListAppendArbParamPtr>(1, &host.argList, "IValue", &value);
+    host.contract().lendResultOf(&host.argList);
+    EXPECT_EQ(host.contract().nameOf(reinterpret_cast<const Set_s*>(12)), "unknown");
+}
+
+TEST(OtherHost, MayRefuseANameThatTheListHas) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.callReturning<F::VexaUtilArgListAppendInt>(1, &host.argList, "Offset1", 1L);
+    host.callReturning<F::VexaUtilArgListAppendInt>(0, &host.argList, "Offset1", 2L);
+    EXPECT_EQ(host.findings(), Lines{"duplicate-argument: \"Offset1\" was appended twice to arglist#1"});
+}
+
+TEST(OtherHost, MayRefuseANameThatTheListHasNot) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.callReturning<F::VexaUtilArgListAppendInt>(0, &host.argList, "Offset1", 1L);
+    host.callReturning<F::VexaUtilArgListAppendInt>(1, &host.argList, "Offset1", 1L);
+    EXPECT_EQ(host.findings(), Lines{});
 }
 
 }  // namespace

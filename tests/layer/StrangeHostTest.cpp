@@ -38,6 +38,14 @@ protected:
         return rules;
     }
 
+    /// The rules of the findings in a host that asks for the function otherEntry.
+    Lines rulesWithOtherEntry(const Lines& options) const {
+        Lines words = {"env", "STRANGE_ENTRY=otherEntry", VEXA_STANDIN, "attach"};
+        words.insert(words.end(), options.begin(), options.end());
+        words.emplace_back("--");
+        return rulesIn(start(words, {"lock"}));
+    }
+
     std::string traceOf(const Lines& commands) const {
         attach(commands, {"--trace-text", "trace.txt"});
         std::ifstream file(m_folder.path("trace.txt"));
@@ -123,6 +131,11 @@ TEST_F(StrangeHost, FindsWhatALibraryDoesThatACommandLoads) {
     EXPECT_EQ(rulesIn(attach({"load"})), (Lines{"null-handle", "unbalanced-lock"}));
 }
 
+TEST_F(StrangeHost, MayAskForAnotherEntry) {
+    EXPECT_EQ(rulesWithOtherEntry({"--entry", "otherEntry"}), Lines{"unbalanced-lock"});
+    EXPECT_EQ(rulesWithOtherEntry({}), Lines());
+}
+
 TEST_F(StrangeHost, SeesCallsOfConstructorsAndByAddress) {
     const std::string trace = traceOf({"by-address"});
     EXPECT_EQ(trace,
@@ -135,6 +148,8 @@ TEST_F(StrangeHost, SeesCallsOfConstructorsAndByAddress) {
               "1    VexaUtilLockStart(STRANGE)\n"
               "1    VexaUtilLockFinish(STRANGE)\n"
               "1    => accepted\n"
+              "1  unload STRANGE\n"
+              "1    => unloaded\n"
               "=> exit status 0: the program ended with status 0\n");
 }
 

@@ -72,6 +72,7 @@ ExitStatus_e attach(AttachOptions& options) {
     if (!reason.empty()) return refuse(file, reason);
     const std::string layer = layerFile();
     if (layer.empty()) return refuse(kProgramName, "libvexalayer.so is not installed with this program");
+    if (layer.find(':') != std::string::npos) return refuse(layer, "LD_AUDIT takes no path with a colon");
     checkFiles(options, file);
     completeFacts(options);
     try {

@@ -65,6 +65,8 @@ library of its own.
   another value of `LD_AUDIT`. The loader prints a message if a child process is a 32-bit program.
 - The program has one more open file after it has loaded the first add-on. If the program closes that file, the layer
   opens it again.
+- A signal handler may call the host. If it interrupts a check, it must return: a jump out of it would leave the layer
+  locked.
 - A traced program waits while the runner writes the trace. If the runner ends, the program continues without it.
 )";
 

@@ -3,7 +3,8 @@
 //
 //     strange-host ADDON COMMAND...   runs the commands, and prints what became of each
 //
-// `threads COMMAND` runs the command on eight threads at once.
+// `threads COMMAND` runs the command on eight threads at once. The environment variable STRANGE_ENTRY names the
+// function that the host asks the add-on for.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -99,7 +100,8 @@ char* VexaUtilStringAlloc(int size, const char*) {
 int main(int argc, char** argv) {
     void* const object = argc < 2 ? nullptr : dlopen(argv[1], RTLD_NOW);
     if (object == nullptr) return std::fprintf(stderr, "%s\n", dlerror()), 2;
-    const auto entry = reinterpret_cast<decltype(&vexaAddOn)>(dlsym(object, "vexaAddOn"));
+    const char* const name = std::getenv("STRANGE_ENTRY");
+    const auto entry = reinterpret_cast<decltype(&vexaAddOn)>(dlsym(object, name == nullptr ? "vexaAddOn" : name));
     theAddOn = entry(&theIdentity);
     for (int i = 2; i < argc; ++i) {
         std::printf("%s: ", argv[i]);
