@@ -25,6 +25,9 @@ if(VEXA_BUILD_STANDIN)
         install(FILES cmake/VexaCheck.cmake cmake/VexaMacroTests.cmake cmake/VexaSanitizedRunner.cmake
             DESTINATION ${package_dir} COMPONENT standin)
     endif()
+    if(TARGET vexalayer)  # for the program alone, so that it is in a folder of its own
+        install(TARGETS vexalayer LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vexa-standin COMPONENT standin)
+    endif()
     install(EXPORT vexautilutilStandinTargets NAMESPACE vexa:: DESTINATION ${package_dir} COMPONENT standin)
 endif()
 

@@ -7,14 +7,10 @@
 #include <type_traits>
 
 #include "contract/Books.h"
+#include "contract/OptionalTexts.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
-
-/// A text argument that may be null.
-struct OptionalText {
-    const char* text;
-};
 
 /// Reports a null address.
 /// \return whether \p address is not null.
@@ -84,12 +80,6 @@ inline void checkArgument(Books& books, const Moment& now, char** string) {
     books.strings.freeBegan(*string, now, books.findings);
     books.stringLedger.freed(*string, now);
 }
-
-/// The ledger for handles of a type.
-inline HandleLedger& ledgerOf(Books& books, const ThreadMutex_s*) { return books.mutexLedger; }
-inline HandleLedger& ledgerOf(Books& books, const ArgList_s*) { return books.argListLedger; }
-inline HandleLedger& ledgerOf(Books& books, const Set_s*) { return books.setLedger; }
-inline HandleLedger& ledgerOf(Books& books, const char*) { return books.stringLedger; }
 
 /// Enters the handle that a function returned.
 /// \param number which of its kind the handle is, counted from 1.

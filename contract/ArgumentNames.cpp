@@ -38,8 +38,8 @@ const char* textOf(ArgumentKind_e kind) {
 
 }  // namespace
 
-void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind_e kind, const Moment& now,
-                             FindingLog& findings) {
+void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind_e kind, const void* address,
+                             bool isAppended, const Moment& now, FindingLog& findings) {
     if (!m_argLists.isLiving(argList) || name == nullptr) return;
     const std::string label = m_argLists.labelOf(argList);
     if (const Given* const before = find(argList, name)) {
@@ -47,7 +47,8 @@ void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind
                      &before->since);
         return;
     }
-    m_names[argList].push_back({name, now});
+    if (!isAppended) return;
+    m_names[argList].push_back({name, address, now});
     const auto known = std::find_if(std::begin(kKnownArguments), std::end(kKnownArguments),
                                     [=](const KnownArgument& argument) { return argument.name == std::string(name); });
     if (known == std::end(kKnownArguments) || known->kind == kind) return;
@@ -77,6 +78,11 @@ void ArgumentNames::queried(const void* argList, const Moment& now, FindingLog& 
         findings.add("duplicate-argument", "the style query with " + label + R"( has both "DValue" and "IValue")", now,
                      &origin);
     }
+}
+
+const VexaArbParam* ArgumentNames::placeOfHandle(const void* argList) const {
+    const Given* const given = find(argList, "IValue");
+    return given == nullptr ? nullptr : static_cast<const VexaArbParam*>(given->address);
 }
 
 const ArgumentNames::Given* ArgumentNames::find(const void* argList, const std::string& name) const {

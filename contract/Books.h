@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <set>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "contract/StatusRules.h"
 #include "contract/StringRules.h"
 #include "contract/ThreadRules.h"
+#include "vexa/VexaUtil.h"
 
 namespace vexa::standin {
 
@@ -32,7 +35,19 @@ struct Books {
     Books& operator=(const Books&) = delete;
     ~Books() = default;
 
-    EntryBooks& current() { return entries.back(); }
+    /// The books of the entry in which \p now is; those of the time outside all add-ons if that entry is over.
+    EntryBooks& of(const Moment& now) {
+        const auto found = std::find_if(entries.rbegin(), entries.rend(),
+                                        [&](const EntryBooks& books) { return books.entry == now.entry; });
+        return found == entries.rend() ? entries.front() : *found;
+    }
+
+    /// The books of the entry that \p thread began last; null if the thread is in no add-on.
+    EntryBooks* entryOf(std::size_t thread) {
+        const auto found = std::find_if(entries.rbegin(), entries.rend(),
+                                        [=](const EntryBooks& books) { return books.entry->thread == thread; });
+        return found == entries.rend() ? nullptr : &*found;
+    }
 
     FindingLog findings;
     HandleLedger mutexLedger{{"mutex", "a mutex", "mutexes", "leaked-mutex"}};
@@ -44,7 +59,14 @@ struct Books {
     StringRules strings;
     ThreadRules threads;
     std::set<const AddOnList_s*> identities;  ///< of all add-ons loaded so far
-    std::vector<EntryBooks> entries;          ///< innermost last; the first stands for the time outside all add-ons
+    std::vector<EntryBooks> entries;          ///< of all threads, the last one is the newest; the first stands for
+                                              ///< the time outside all add-ons
 };
+
+/// The ledger for handles of a type.
+inline HandleLedger& ledgerOf(Books& books, const ThreadMutex_s*) { return books.mutexLedger; }
+inline HandleLedger& ledgerOf(Books& books, const ArgList_s*) { return books.argListLedger; }
+inline HandleLedger& ledgerOf(Books& books, const Set_s*) { return books.setLedger; }
+inline HandleLedger& ledgerOf(Books& books, const char*) { return books.stringLedger; }
 
 }  // namespace vexa::standin

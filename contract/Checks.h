@@ -12,6 +12,7 @@
 #include "contract/Contract.h"
 #include "contract/HostFunctionTable.h"
 #include "contract/MacroLine.h"
+#include "contract/OptionalTexts.h"
 
 namespace vexa::standin {
 
@@ -32,12 +33,12 @@ struct Check;
 
 template <Scope_e scope>
 struct BeginsScope : NoCheck {
-    static void ended(Books& books, const Moment& now) { books.current().scopes.begin(scope, now); }
+    static void ended(Books& books, const Moment& now) { books.of(now).scopes.begin(scope, now); }
 };
 
 template <Scope_e scope>
 struct EndsScope : NoCheck {
-    static void began(Books& books, const Moment& now) { books.current().scopes.end(scope, now, books.findings); }
+    static void began(Books& books, const Moment& now) { books.of(now).scopes.end(scope, now, books.findings); }
 };
 
 template <>
@@ -52,13 +53,13 @@ struct Check<HostFunction::VexaUtilLockStart> {
         }
     }
     static void ended(Books& books, const Moment& now, const AddOnList_s* identity) {
-        books.current().scopes.begin(Scope_e::Lock, now, identity);
+        books.of(now).scopes.begin(Scope_e::Lock, now, identity);
     }
 };
 template <>
 struct Check<HostFunction::VexaUtilLockFinish> : NoCheck {
     static void began(Books& books, const Moment& now, const AddOnList_s* identity) {
-        books.current().scopes.end(Scope_e::Lock, now, books.findings, identity);
+        books.of(now).scopes.end(Scope_e::Lock, now, books.findings, identity);
     }
 };
 template <>
@@ -107,25 +108,25 @@ template <>
 struct Check<HostFunction::VexaUtilStatusStartPercentDone> : NoCheck {
     template <class... Arguments>
     static void ended(Books& books, const Moment& now, const Arguments&...) {
-        books.current().status.started(now, books.findings);
+        books.of(now).status.started(now, books.findings);
     }
 };
 template <>
 struct Check<HostFunction::VexaUtilStatusCheckPercentDone> : NoCheck {
     static void began(Books& books, const Moment& now, int percent) {
-        books.current().status.percentShown(percent, now, books.findings);
+        books.of(now).status.percentShown(percent, now, books.findings);
     }
 };
 template <>
 struct Check<HostFunction::VexaUtilStatusSetPercentDoneText> : NoCheck {
     template <class Text>
     static void began(Books& books, const Moment& now, const Text&) {
-        books.current().status.textShown(now, books.findings);
+        books.of(now).status.textShown(now, books.findings);
     }
 };
 template <>
 struct Check<HostFunction::VexaUtilStatusFinishPercentDone> : NoCheck {
-    static void began(Books& books, const Moment& now) { books.current().status.finished(now, books.findings); }
+    static void began(Books& books, const Moment& now) { books.of(now).status.finished(now, books.findings); }
 };
 
 // ---- Questions and records
@@ -165,8 +166,8 @@ struct Check<HostFunction::VexaUtilDialogErrMsg> : NoCheck {};
 template <>
 struct Check<HostFunction::VexaUtilStringAlloc> : NoCheck {
     template <class Purpose>
-    static void ended(Books& books, const Moment&, int, const Purpose&, const char* string) {
-        if (string == nullptr) books.current().hadNoMemory = true;
+    static void ended(Books& books, const Moment& now, int, const Purpose&, const char* string) {
+        if (string == nullptr) books.of(now).hadNoMemory = true;
     }
 };
 template <>
@@ -182,8 +183,11 @@ struct Appends : NoCheck {
     static void ended(Books& books, const Moment& now, const ArgList_s* argList, const char* name, const Value& value,
                       VexaBoolean isAppended) {
         bool isNull = false;
+        const void* address = nullptr;
         if constexpr (std::is_pointer_v<Value>) isNull = value == nullptr;
-        if (isAppended != 0 || isNull) books.arguments.appended(argList, name, kind, now, books.findings);
+        if constexpr (kind == ArgumentKind_e::ParamAddress) address = value;
+        const bool counts = isAppended != 0 || isNull;
+        books.arguments.appended(argList, name, kind, address, counts, now, books.findings);
     }
 };
 
@@ -229,16 +233,22 @@ template <HostFunction function, class... Arguments>
 void checkCall(Contract& contract, std::size_t call, const Arguments&... arguments) {
     contract.check(call, function, [&](Books& books, const Moment& now) {
         ThreadRules::callBegan(now, books.findings);
-        (checkArgument(books, now, arguments), ...);
-        Check<function>::began(books, now, arguments...);
+        withOptionalText<function>(
+            [&](const auto&... declared) {
+                (checkArgument(books, now, declared), ...);
+                Check<function>::began(books, now, declared...);
+            },
+            arguments...);
     });
 }
 
 /// Enters the return of a call of a function without a result. The parameters are those of checkCall().
 template <HostFunction function, class... Arguments>
 void checkReturn(Contract& contract, std::size_t call, const Arguments&... arguments) {
-    contract.check(call, function,
-                   [&](Books& books, const Moment& now) { Check<function>::ended(books, now, arguments...); });
+    contract.check(call, function, [&](Books& books, const Moment& now) {
+        withOptionalText<function>([&](const auto&... declared) { Check<function>::ended(books, now, declared...); },
+                                   arguments...);
+    });
 }
 
 /// What a call returned.
@@ -253,7 +263,9 @@ template <HostFunction function, class Result, class... Arguments>
 void checkReturn(Contract& contract, std::size_t call, Returned<Result> returned, const Arguments&... arguments) {
     contract.check(call, function, [&](Books& books, const Moment& now) {
         checkResult(books, now, returned.result, returned.number);
-        Check<function>::ended(books, now, arguments..., returned.result);
+        withOptionalText<function>(
+            [&](const auto&... declared) { Check<function>::ended(books, now, declared..., returned.result); },
+            arguments...);
     });
 }
 

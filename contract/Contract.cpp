@@ -24,7 +24,7 @@ void Contract::introduce(const AddOnList_s* identity) {
 
 void Contract::name(const std::string& addOnId) {
     update([&] {
-        Entry& entry = *m_books.current().entry;
+        Entry& entry = *mine().entry;
         m_books.findings.rename(entry.addOnId, addOnId);
         entry.addOnId = addOnId;
     });
@@ -32,30 +32,47 @@ void Contract::name(const std::string& addOnId) {
 
 void Contract::judgeErrorMessage(bool accepted, const char* errMsg) {
     if (!isOn()) return;
-    update([&] {
-        m_books.strings.commandEnded(accepted, errMsg, m_books.current().hadNoMemory, endOfEntry(), m_books.findings);
-    });
+    update(
+        [&] { m_books.strings.commandEnded(accepted, errMsg, mine().hadNoMemory, endOf(mine()), m_books.findings); });
 }
 
 void Contract::judgeEscape(const std::string& what) {
     if (!isOn()) return;
-    update([&] { m_books.findings.add("escaped-exception", what, endOfEntry()); });
+    update([&] { m_books.findings.add("escaped-exception", what, endOf(mine())); });
 }
 
-void Contract::leave() {
+void Contract::leave(bool isGone) { end(m_threads.mine(), isGone); }
+
+void Contract::abandon(std::size_t thread, const std::string& what) {
+    if (isOn()) update([&] { m_books.findings.add("escaped-exception", what, endOf(booksOf(thread))); });
+    end(thread, false);
+}
+
+void Contract::end(std::size_t thread, bool isGone) {
     update([&] {
-        if (isOn()) judgeEnd();
+        if (isOn()) judgeEnd(booksOf(thread), isGone);
     });
     const std::lock_guard<std::mutex> lock(m_guard);
-    m_books.entries.pop_back();
+    m_books.entries.erase(m_books.entries.begin() + (&booksOf(thread) - m_books.entries.data()));
 }
 
 void Contract::lend(const Set_s* set) {
-    update([&] { m_books.setLedger.lent(set, endOfEntry()); });
+    update([&] { m_books.setLedger.lent(set, endOf(mine())); });
 }
 
 void Contract::takeBack(const Set_s* set) {
-    update([&] { m_books.setLedger.takenBack(set, endOfEntry()); });
+    update([&] { m_books.setLedger.takenBack(set, endOf(mine())); });
+}
+
+// Small numbers are no addresses. They stay out, so that queries for numbers do not fill the ledger.
+void Contract::lendResultOf(const ArgList_s* argList) {
+    constexpr VexaArbParam kLeastAddress = 0x10000;
+    update([&] {
+        const VexaArbParam* const place = m_books.arguments.placeOfHandle(argList);
+        if (place == nullptr || *place < kLeastAddress) return;
+        const void* const handle = reinterpret_cast<const void*>(*place);
+        if (!m_books.setLedger.isLiving(handle)) m_books.setLedger.lent(handle, endOf(mine()));
+    });
 }
 
 void Contract::report(Finding finding) {
@@ -84,22 +101,24 @@ Place Contract::placeNow(std::size_t call, std::optional<HostFunction> function)
     return placeOf({entry, entry->thread, call, function});
 }
 
-// Between two entries, a call on another thread comes from the add-on that the host entered last.
+// A call on a thread that is in no add-on comes from the add-on that the host entered last.
 Moment Contract::momentOf(std::size_t call, HostFunction function) {
     const std::size_t thread = m_threads.mine();
+    if (const EntryBooks* const own = m_books.entryOf(thread)) return {own->entry, thread, call, function};
     const std::shared_ptr<const Entry>& last = m_books.threads.last();
     const bool isStray = m_books.entries.size() == 1 && last != nullptr && last->thread != thread;
-    return {isStray ? last : m_books.current().entry, thread, call, function};
+    return {isStray ? last : m_books.entries.back().entry, thread, call, function};
 }
 
-Moment Contract::endOfEntry() const {
-    const std::shared_ptr<Entry>& entry = m_books.entries.back().entry;
-    return {entry, entry->thread, 0, std::nullopt};
+EntryBooks& Contract::booksOf(std::size_t thread) {
+    EntryBooks* const own = m_books.entryOf(thread);
+    return own == nullptr ? m_books.entries.back() : *own;
 }
 
-void Contract::judgeEnd() {
-    const Moment now = endOfEntry();
-    EntryBooks& books = m_books.current();
+Moment Contract::endOf(const EntryBooks& books) { return {books.entry, books.entry->thread, 0, std::nullopt}; }
+
+void Contract::judgeEnd(EntryBooks& books, bool isGone) {
+    const Moment now = endOf(books);
     FindingLog& findings = m_books.findings;
     const auto isInThisEntry = [&](const Entry& entry) { return &entry == now.entry.get(); };
     const auto isOfThisAddOn = [&](const Entry& entry) { return entry.addOnId == now.entry->addOnId; };
@@ -109,7 +128,7 @@ void Contract::judgeEnd() {
     m_books.strings.endOfEntry(now, findings);
     m_books.argListLedger.reportLeaks(isInThisEntry, now, findings);
     m_books.stringLedger.reportLeaks(isInThisEntry, now, findings);
-    if (now.entry->kind != Entry_e::Unloading) return;
+    if (now.entry->kind != Entry_e::Unloading || !isGone) return;
     m_books.mutexLedger.reportLeaks(isOfThisAddOn, now, findings);
     m_books.setLedger.reportLeaks(isOfThisAddOn, now, findings);
 }

@@ -21,6 +21,7 @@ namespace vexa::standin {
 ///
 /// It checks the calls that were made, whatever the host did with them: a call that the host was told to fail counts,
 /// too. What a call acquires counts from the return of the call, and what it releases until the call begins.
+/// Several threads may be in add-ons at a time.
 ///
 /// Errors:  if it runs out of memory it stops checking for good, because any further finding could be wrong.
 /// Threads: safe from any.
@@ -54,12 +55,28 @@ public:
     void judgeErrorMessage(bool accepted, const char* errMsg);
     /// Reports that an exception escaped from the add-on.
     void judgeEscape(const std::string& what);
-    /// The add-on that the host entered last has returned.
-    void leave();
+    /// The add-on that the calling thread entered last has returned.
+    /// \param isGone false if the host has shut the add-on down, but unloads it later. Until then it may free mutexes
+    ///               and sets.
+    void leave(bool isGone = true);
+
+    /// The add-on that the thread \p thread entered last has not returned: an exception or a jump left it, or the
+    /// thread ended. Reports \p what. After its shutdown, the add-on may still free mutexes and sets.
+    void abandon(std::size_t thread, const std::string& what);
 
     /// The host lends \p set to add-ons: they may read it, but not change or free it.
     void lend(const Set_s* set);
     void takeBack(const Set_s* set);
+    /// Lends what a style query with \p argList has stored, for a host that does not know its sets beforehand. A number
+    /// that is lent does no harm.
+    void lendResultOf(const ArgList_s* argList);
+
+    /// The name of a handle as calls show it.
+    template <class Handle>
+    std::string nameOf(const Handle* handle) {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        return ledgerOf(m_books, handle).nameOf(handle);
+    }
 
     void report(Finding finding);
     void suppress(const Rule& rule);
@@ -83,8 +100,12 @@ private:
     }
 
     Moment momentOf(std::size_t call, HostFunction function);
-    Moment endOfEntry() const;
-    void judgeEnd();
+    /// The books of the entry that \p thread is in; of the newest entry if it is in none.
+    EntryBooks& booksOf(std::size_t thread);
+    EntryBooks& mine() { return booksOf(m_threads.mine()); }
+    static Moment endOf(const EntryBooks& books);
+    void end(std::size_t thread, bool isGone);
+    void judgeEnd(EntryBooks& books, bool isGone);
 
     ThreadNumbers& m_threads;
     Show m_show;

@@ -21,7 +21,7 @@ void HandleLedger::allocated(const void* handle, std::size_t number, const Momen
 }
 
 void HandleLedger::lent(const void* handle, const Moment& now) {
-    m_living.insert_or_assign(handle, Living{0, now, true});
+    m_living.insert_or_assign(handle, Living{++m_lent, now, true});
     m_freed.erase(handle);
 }
 
@@ -44,7 +44,7 @@ bool HandleLedger::checkOwn(const void* handle, const Moment& now, FindingLog& f
     }
     if (!found->second.isHosts) return true;
     findings.add("foreign-handle",
-                 std::string(nameOf(*now.function)) + " was given " + labelOf(handle) +
+                 std::string(standin::nameOf(*now.function)) + " was given " + labelOf(handle) +
                      ", which the add-on must not change or free",
                  now);
     return false;
@@ -58,8 +58,17 @@ void HandleLedger::freed(const void* handle, const Moment& now) {
 
 std::string HandleLedger::labelOf(const void* handle) const { return labelOf(m_living.at(handle)); }
 
+std::string HandleLedger::nameOf(const void* handle) const {
+    const auto found = m_living.find(handle);
+    if (found == m_living.end()) return "unknown";
+    return (found->second.isHosts ? "style-" : "") + numbered(found->second);
+}
+
 std::string HandleLedger::labelOf(const Living& living) const {
-    if (living.isHosts) return std::string(m_kind.noun) + " of the host";
+    return living.isHosts ? std::string(m_kind.noun) + " of the host" : numbered(living);
+}
+
+std::string HandleLedger::numbered(const Living& living) const {
     return std::string(m_kind.label) + '#' + std::to_string(living.number);
 }
 
@@ -82,7 +91,7 @@ void HandleLedger::reportLeaks(const std::function<bool(const Entry&)>& isMeant,
         if (!std::exchange(leak.isReported, true)) leaks.push_back(&leak);
     }
     if (leaks.empty()) return;
-    std::string message = nameOf(*now.entry) + " did not free " +
+    std::string message = standin::nameOf(*now.entry) + " did not free " +
                           (leaks.size() == 1 ? m_kind.noun : std::to_string(leaks.size()) + ' ' + m_kind.plural) + ": ";
     for (std::size_t i = 0; i != std::min(leaks.size(), kMostListed); ++i) {
         message += (i == 0 ? "" : ", ") + labelOf(*leaks[i]) + " (call " + std::to_string(leaks[i]->since.call) + ')';
@@ -93,7 +102,7 @@ void HandleLedger::reportLeaks(const std::function<bool(const Entry&)>& isMeant,
 
 void HandleLedger::judgeNotLiving(const void* handle, const Moment& now, FindingLog& findings,
                                   const char* ruleOfFreed) const {
-    const std::string function = now.function ? nameOf(*now.function) : "the host";
+    const std::string function = now.function ? standin::nameOf(*now.function) : "the host";
     if (handle == nullptr) {
         findings.add("null-handle", function + " was given a null handle for " + m_kind.noun, now);
         return;

@@ -52,6 +52,9 @@ public:
     const Moment& originOf(const void* handle) const { return m_living.at(handle).since; }
     /// The name of the living \p handle in messages, for example "mutex#1".
     std::string labelOf(const void* handle) const;
+    /// The name of \p handle as calls show it, for example "mutex#1", or "style-set#1" for one that was lent; "unknown"
+    /// if it is not living.
+    std::string nameOf(const void* handle) const;
     /// The living handles that were allocated in entries for which \p isMeant is true, ordered by number.
     std::vector<const void*> living(const std::function<bool(const Entry&)>& isMeant) const;
     /// Reports the handles that living() returns as one leak, but each handle only once.
@@ -71,11 +74,13 @@ private:
     };
 
     std::string labelOf(const Living& living) const;
+    std::string numbered(const Living& living) const;
     // `ruleOfFreed` is the rule that is broken if the handle was freed.
     bool checkOwn(const void* handle, const Moment& now, FindingLog& findings, const char* ruleOfFreed) const;
     void judgeNotLiving(const void* handle, const Moment& now, FindingLog& findings, const char* ruleOfFreed) const;
 
     HandleKind m_kind;
+    std::size_t m_lent = 0;  // how many were lent so far
     std::unordered_map<const void*, Living> m_living;
     std::unordered_map<const void*, Freed> m_freed;
 };

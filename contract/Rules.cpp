@@ -27,6 +27,7 @@ struct Row {
     const char* summary;
     const char* why;
     const char* hint;
+    const char* unseen = "";  // in a host that is not the stand-in
 };
 
 RuleTrigger callOf(std::initializer_list<HostFunction> functions) {
@@ -114,7 +115,9 @@ const std::vector<Row>& catalogue() {
          "host.",
          "The host treats the memory at the address as its own object, and crashes.",
          "Pass the result of the ...Alloc function. The result of a style query belongs to the host: copy it, and do "
-         "not free it."},
+         "not free it.",
+         "Each value that a style query returns counts as a set of the host, because the host alone knows which of "
+         "them are sets. Values that the host has replaced count, too."},
         {"null-handle", kHandles, Error, kTakesHandle, "A handle must not be null.",
          "No host function accepts a null handle. A null handle often means that the handle was already freed, or that "
          "an allocation failed.",
@@ -134,11 +137,15 @@ const std::vector<Row>& catalogue() {
         {"leaked-mutex", kHandles, Error, callOf({F::VexaUtilThreadMutexAlloc}),
          "A mutex must be freed before the add-on is unloaded.",
          "The host has few mutexes, and they exist longer than the add-on.",
-         "Use the class Mutex, or free the mutex in the add-on's shutdown."},
+         "Use the class Mutex, or free the mutex in the add-on's shutdown.",
+         "Leaks are reported when the add-on is unloaded or the program exits, and only if the host has called the "
+         "add-on's shutdown, or if the add-on has none."},
         {"leaked-set", kHandles, Error, callOf({F::VexaUtilSetAlloc}),
          "A set must be freed before the add-on is unloaded.",
          "A set that is not freed uses the host's memory until the session ends.",
-         "Call VexaUtilSetDealloc() after you have copied the set, or in the add-on's shutdown."},
+         "Call VexaUtilSetDealloc() after you have copied the set, or in the add-on's shutdown.",
+         "Leaks are reported when the add-on is unloaded or the program exits, and only if the host has called the "
+         "add-on's shutdown, or if the add-on has none."},
         {"mutex-not-held", kMutexes, Error, callOf({F::VexaUtilThreadMutexUnlock}),
          "A mutex must be unlocked once, by the thread that locked it.",
          "Otherwise two threads can run the code that the mutex protects at the same time.",
@@ -158,7 +165,9 @@ const std::vector<Row>& catalogue() {
         {"string-overrun", kStrings, Error, callOf({F::VexaUtilStringAlloc}),
          "An add-on must not write more bytes to a host string than it requested.",
          "The extra bytes overwrite other memory. The host crashes later, in another place.",
-         "The size includes the terminating zero: request one byte more than the length of the text."},
+         "The size includes the terminating zero: request one byte more than the length of the text.",
+         "Never reported: the bytes after a host string belong to the host. A string without a terminating zero is "
+         "reported."},
         {"string-unterminated", kStrings, Error, callOf({F::VexaUtilStringAlloc}),
          "A string that is passed to the host must end with a zero.", "The host reads past the end of the string.",
          "Copy the zero too: std::memcpy(string, text, std::strlen(text) + 1)."},
@@ -216,7 +225,10 @@ const std::vector<Row>& catalogue() {
          "No exception may leave an add-on.",
          "The host is written in C. The exception ends the host, and the user's work is lost.",
          "Catch all exceptions in execute() and shutdown(), store the message in errMsg and return 0. A command "
-         "processor does this."},
+         "processor does this.",
+         "The text of the exception is not known, and a jump or the end of the thread counts as an exception. The "
+         "finding comes later: at the next entry into an add-on, when the add-on is unloaded, or when the program "
+         "exits. If the exception ends the program, there is no finding: the runner names the signal and the command."},
         {"command-timeout",
          kEntries,
          Error,
@@ -224,7 +236,8 @@ const std::vector<Row>& catalogue() {
          "A command must return.",
          "The host hangs until the command returns.",
          "Look at the last host call and at the text of the command. Usual causes are a quote that is never closed, a "
-         "loop that waits for more text, and a lock that is taken twice."},
+         "loop that waits for more text, and a lock that is taken twice.",
+         "Never reported: there is no time limit."},
         {"recording-not-replayable",
          kEntries,
          Error,
@@ -233,7 +246,8 @@ const std::vector<Row>& catalogue() {
          "must succeed and record the same text.",
          "The user's macro fails, or does something else, when it is played back.",
          "Record the text that the command model writes, or write all options yourself, quoted as the command reads "
-         "them."},
+         "them.",
+         "Recorded commands are not run again. Commands that do not fit on one line of a macro file are reported."},
     };
     return rows;
 }
@@ -244,7 +258,7 @@ const std::vector<Rule>& rules() {
     static const std::vector<Rule> all = [] {
         std::vector<Rule> made;
         for (const Row& row : catalogue()) {
-            made.push_back({row.name, row.family, row.severity, row.summary, row.why, row.hint});
+            made.push_back({row.name, row.family, row.severity, row.summary, row.why, row.hint, row.unseen});
         }
         return made;
     }();
@@ -274,6 +288,19 @@ const std::vector<const char*>& uncheckedMistakes() {
         "A mutex that a thread of the add-on leaves locked. The stand-in notices it only if the mutex is freed.",
         "Data that threads of the add-on share without a mutex: use the thread sanitizer.",
         "Errors that appear only in a host that answers differently from the stand-in.",
+    };
+    return mistakes;
+}
+
+const std::vector<const char*>& uncheckedInOtherHosts() {
+    static const std::vector<const char*> mistakes = {
+        "Calls of the host's own parts: only add-ons are checked, and the libraries that they bring along or load.",
+        "Add-ons that are linked to the program, instead of loaded by dlopen().",
+        ("What a constructor of an add-on leaves open: it runs before the host calls the entry, so it belongs to no "
+         "command. Its calls are checked."),
+        "Calls of a signal handler that interrupts a check.",
+        "Calls in a process that the program forks, unless that process executes a program.",
+        "Reads and writes of the host's objects without a call of the host.",
     };
     return mistakes;
 }

@@ -4,6 +4,9 @@
 
 namespace vexa::runner {
 
+/// `attach` runs a program that loads add-ons, and checks their calls.
+Command attachCommand();
+
 /// `check` runs the tests of checkTests() on an add-on.
 Command checkCommand();
 

@@ -88,7 +88,7 @@ struct Option {
     /// Whether its value is a file or a folder, by the start of its name.
     bool takesFiles() const {
         const auto isCalled = [this](const char* start) { return startsWith(valueName, start); };
-        return isCalled("FILE") || isCalled("FOLDER") || isCalled("MACRO") || isCalled("TRACE");
+        return isCalled("FILE") || isCalled("FOLDER") || isCalled("MACRO") || isCalled("TRACE") || isCalled("PROGRAM");
     }
 };
 

@@ -42,6 +42,13 @@ std::string_view failureText(const standin::CommandResult& result) {
     return message.empty() ? "the command failed without a message" : message;
 }
 
+bool isContractBroken(const standin::Host& host, const ContractOptions& options) {
+    const std::vector<standin::Finding> findings = host.violations();
+    return options.isStrict() && std::any_of(findings.begin(), findings.end(), [&](const standin::Finding& finding) {
+               return options.warningsAsErrors.value_or(false) || finding.severity == standin::Severity_e::Error;
+           });
+}
+
 // The time in which the session works on something: the box has it, and the time limit holds.
 class Session::TimeInAddOn : NonCopyable {
 public:
@@ -124,14 +131,6 @@ std::set<std::string> Session::addOnIds() const {
     std::set<std::string> ids;
     for (const standin::AddOnInfo& addOn : m_host.addOns()) ids.insert(addOn.id);
     return ids;
-}
-
-bool Session::isContractBroken() const {
-    const ContractOptions& contract = m_options.contract;
-    const std::vector<standin::Finding> findings = m_host.violations();
-    return contract.isStrict() && std::any_of(findings.begin(), findings.end(), [&](const standin::Finding& finding) {
-               return contract.warningsAsErrors.value_or(false) || finding.severity == standin::Severity_e::Error;
-           });
 }
 
 // The add-on goes on meanwhile, and may hold locks, or the standard output if nobody reads it. If this waits for them,

@@ -37,6 +37,9 @@ RunFiles inputsOf(const SessionOptions& options);
 /// Why a command failed, for the user: the message of the add-on, if it gave one. The text lives as long as \p result.
 std::string_view failureText(const standin::CommandResult& result);
 
+/// Whether \p options are strict and an add-on of \p host broke a rule that counts.
+bool isContractBroken(const standin::Host& host, const ContractOptions& options);
+
 /// Work of a session that took longer than the time limit.
 struct Overrun {
     MacroCommand work;                        ///< a command; of other work only the text, such as `loading of FILE`
@@ -77,8 +80,7 @@ public:
 
     /// The ids of the loaded add-ons.
     std::set<std::string> addOnIds() const;
-    /// Whether the options are strict and a rule was broken that counts.
-    bool isContractBroken() const;
+    bool isContractBroken() const { return runner::isContractBroken(m_host, m_options.contract); }
 
 private:
     class TimeInAddOn;

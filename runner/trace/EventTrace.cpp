@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "text/SeverityName.h"
+#include "trace/EventThread.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -29,12 +30,6 @@ constexpr std::string_view kCall = "call";
 constexpr std::string_view kScope = "scope";
 constexpr std::string_view kRun = "run";
 constexpr std::string_view kCutOff = "cut off";  // a span that had not ended when the trace did
-
-// The id of the kernel, which other tools show too. Cached, because a system call at each event is slow.
-long thisThread() {
-    thread_local const long number = gettid();
-    return number;
-}
 
 // Add-ons may pass invalid UTF-8.
 std::string textOf(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
@@ -82,7 +77,7 @@ std::string factsOf(const RunFacts& facts) {
 
 EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path), m_text(getpid()) {
     write([&] {
-        const long thread = thisThread();
+        const long thread = EventThread::current();
         m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
         m_text.member("s", "p").json("args", factsOf(facts)).close();
         m_text.metadata("process_name", thread, facts.tool);
@@ -92,7 +87,7 @@ EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(
 void EventTrace::entryBegan(const EntryEvent& entry) {
     write([&] {
         m_scopes.entryBegan();
-        const long thread = thisThread();
+        const long thread = EventThread::current();
         const std::string name = nameOf(entry);
         beginSpan(thread, entry.threadNumber, name);
         m_text.event("B", name, categoryOf(entry.kind), thread, entry.time).open("args");
@@ -104,7 +99,7 @@ void EventTrace::entryBegan(const EntryEvent& entry) {
 void EventTrace::entryEnded(const EntryEvent& entry) {
     write([&] {
         writeEdges(m_scopes.entryEnded(entry.time));
-        const long thread = thisThread();
+        const long thread = EventThread::current();
         const auto name = endSpan(thread);
         if (!name) return;
         m_text.event("E", *name, categoryOf(entry.kind), thread, entry.time).open("args");
@@ -115,7 +110,7 @@ void EventTrace::entryEnded(const EntryEvent& entry) {
 
 void EventTrace::callBegan(const CallEvent& call) {
     write([&] {
-        const long thread = thisThread();
+        const long thread = EventThread::current();
         beginSpan(thread, call.threadNumber, call.function);
         m_text.event("B", call.function, kCall, thread, call.time).open("args");
         m_text.member("number", call.number).member("arguments", call.arguments).close().close();
@@ -126,7 +121,7 @@ void EventTrace::callBegan(const CallEvent& call) {
 void EventTrace::callEnded(const CallEvent& call) {
     write([&] {
         writeEdges(m_scopes.callEnded(call));
-        const long thread = thisThread();
+        const long thread = EventThread::current();
         if (!endSpan(thread)) return;
         m_text.event("E", call.function, kCall, thread, call.time).open("args").member("result", call.result);
         if (call.threw) m_text.member("threw", true);
@@ -136,14 +131,15 @@ void EventTrace::callEnded(const CallEvent& call) {
 
 void EventTrace::findingMade(const Finding& finding) {
     write([&] {
-        m_text.event("i", finding.rule, "finding", thisThread(), std::chrono::steady_clock::now());
+        m_text.event("i", finding.rule, "finding", EventThread::current(), std::chrono::steady_clock::now());
         m_text.member("s", "t").json("args", argumentsOf(finding)).close();
     });
 }
 
 void EventTrace::statusChanged(const StatusLine& line) {
     write([&] {
-        m_text.event("C", "percent done", "status", thisThread(), std::chrono::steady_clock::now()).open("args");
+        m_text.event("C", "percent done", "status", EventThread::current(), std::chrono::steady_clock::now())
+            .open("args");
         m_text.member("percent", line.active ? line.percent : 0).close().close();
     });
 }
@@ -175,7 +171,7 @@ void EventTrace::writeEnd(int exitStatus, const std::string& outcome) {
     for (auto& [track, open] : m_openSpans) {
         while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
     }
-    m_text.event("i", "outcome", kRun, thisThread(), now).member("s", "p").open("args");
+    m_text.event("i", "outcome", kRun, EventThread::current(), now).member("s", "p").open("args");
     m_text.member("exitStatus", exitStatus).member("outcome", outcome).close().close();
     m_text.end();
 }

@@ -5,6 +5,7 @@
 
 #include "text/Printable.h"
 #include "text/SeverityName.h"
+#include "trace/EventThread.h"
 
 namespace vexa::runner {
 namespace {
@@ -68,24 +69,24 @@ void TextTrace::entryEnded(const EntryEvent& entry) {
     m_file.write([&](LiveFile& file) { write(file, entry.threadNumber, m_depth--, endOf(entry)); });
 }
 
-void TextTrace::callBegan(const CallEvent& call) {
-    m_file.write([&](LiveFile&) { ++m_calling[call.thread].open; });
+void TextTrace::callBegan(const CallEvent&) {
+    m_file.write([&](LiveFile&) { ++m_calling[EventThread::current()].open; });
 }
 
 void TextTrace::callEnded(const CallEvent& call) {
     m_file.write([&](LiveFile& file) {
-        Calling& calling = m_calling[call.thread];
+        Calling& calling = m_calling[EventThread::current()];
         const std::size_t depth = m_depth + --calling.open;
         write(file, call.threadNumber, depth, lineOf(call));
         for (const std::string& finding : calling.findings) write(file, call.threadNumber, depth + 1, finding);
         calling.findings.clear();
-        if (calling.open == 0) m_calling.erase(call.thread);
+        if (calling.open == 0) m_calling.erase(EventThread::current());
     });
 }
 
 void TextTrace::findingMade(const Finding& finding) {
     m_file.write([&](LiveFile& file) {
-        const auto calling = m_calling.find(std::this_thread::get_id());
+        const auto calling = m_calling.find(EventThread::current());
         if (calling == m_calling.end()) return write(file, finding.seen.thread, m_depth, lineOf(finding));
         calling->second.findings.push_back(lineOf(finding));
     });

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "trace/TraceFile.h"
@@ -47,8 +46,8 @@ private:
     };
 
     TraceFile m_file;
-    std::map<std::thread::id, Calling> m_calling;
-    std::size_t m_depth = 0;  // of entries
+    std::map<long, Calling> m_calling;  // by EventThread
+    std::size_t m_depth = 0;            // of entries
 };
 
 }  // namespace vexa::runner

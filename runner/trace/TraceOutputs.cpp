@@ -35,9 +35,9 @@ void TraceOutputs::open(const TraceOptions& options) {
 
 standin::ObserverInterface* TraceOutputs::observer() { return m_traces.empty() ? nullptr : this; }
 
-ExitStatus_e TraceOutputs::finish(ExitStatus_e status) {
-    const bool areEventsWritten = finished(m_events, static_cast<int>(status), meaningOf(status));
-    const bool isTextWritten = finished(m_text, static_cast<int>(status), meaningOf(status));
+ExitStatus_e TraceOutputs::finish(ExitStatus_e status, const std::string& outcome) {
+    const bool areEventsWritten = finished(m_events, static_cast<int>(status), outcome);
+    const bool isTextWritten = finished(m_text, static_cast<int>(status), outcome);
     return areEventsWritten && isTextWritten ? status : ExitStatus_e::BadUsageOrInput;
 }
 

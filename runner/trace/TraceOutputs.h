@@ -32,7 +32,9 @@ public:
     standin::ObserverInterface* observer();
     /// Ends the traces. Call it once, after all add-ons are unloaded. Reports a trace that could not be written.
     /// \return \p status; ExitStatus_e::BadUsageOrInput if a trace could not be written.
-    ExitStatus_e finish(ExitStatus_e status);
+    ExitStatus_e finish(ExitStatus_e status) { return finish(status, meaningOf(status)); }
+    /// The same for a status that is not the runner's own. \p outcome says what it means.
+    ExitStatus_e finish(ExitStatus_e status, const std::string& outcome);
 
 private:
     void entryBegan(const standin::EntryEvent& entry) override { pass(&ObserverInterface::entryBegan, entry); }

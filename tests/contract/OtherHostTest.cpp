@@ -93,7 +93,7 @@ TEST(OtherHost, GivesNoFindingForCallsThatKeepTheContract) {
     host.callReturning<F::VexaUtilThreadMutexAlloc>(&host.mutex);
     host.call<F::VexaUtilThreadMutexLock>(&host.mutex);
     host.call<F::VexaUtilThreadMutexUnlock>(&host.mutex);
-    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
+    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, "text");
     host.finish(false, host.string);
     EXPECT_EQ(host.findings(), Lines{});
 }
@@ -108,7 +108,7 @@ TEST(OtherHost, GivesAFindingForALockThatIsNotGivenBack) {
 
 TEST(OtherHost, GivesAFindingForAPercentageOutOfRange) {
     OtherHost host;
-    host.call<F::VexaUtilStatusStartPercentDone>(OptionalText{nullptr}, 0, 1);
+    host.call<F::VexaUtilStatusStartPercentDone>(static_cast<const char*>(nullptr), 0, 1);
     host.callReturning<F::VexaUtilStatusCheckPercentDone>(1, 101);
     host.call<F::VexaUtilStatusFinishPercentDone>();
     EXPECT_EQ(host.findings(), Lines{"percent-out-of-range: the status line was given 101 percent"});
@@ -134,7 +134,7 @@ TEST(OtherHost, GivesAFindingForAMutexUnlockedThatIsNotLocked) {
 
 TEST(OtherHost, GivesAFindingForAStringThatItSeesOverrun) {
     OtherHost host;
-    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
+    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, "text");
     host.stringState = {4, false, false};
     host.finish(false, host.string);
     EXPECT_EQ(host.findings(), Lines{"string-overrun: string#1 has 4 bytes, but more bytes were written to it"});
@@ -142,7 +142,7 @@ TEST(OtherHost, GivesAFindingForAStringThatItSeesOverrun) {
 
 TEST(OtherHost, GivesAFindingForAnErrorMessageThatItSeesUnterminated) {
     OtherHost host;
-    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, OptionalText{"text"});
+    host.callReturning<F::VexaUtilStringAlloc>(host.string, 4, "text");
     host.stringState = {4, true, false};
     host.finish(false, host.string);
     EXPECT_EQ(host.findings(),

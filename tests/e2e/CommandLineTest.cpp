@@ -9,7 +9,7 @@ using CommandLine = RunnerTest;
 
 // All that the help shows.
 std::vector<std::string> subcommands() {
-    return {"new", "run", "repl", "test", "check", "report", "explain", "list", "style"};
+    return {"new", "run", "repl", "test", "check", "attach", "report", "explain", "list", "style"};
 }
 
 // What a refused command line ends with: the help of its command, if it has one.

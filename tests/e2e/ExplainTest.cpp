@@ -67,5 +67,24 @@ TEST_F(Explain, WritesThePageOfTheContract) {
         << "renew it: vexa-standin explain --markdown > docs/contract.md, in the folder of the sources";
 }
 
+TEST_F(Explain, ListsWhatAttachCannotSee) {
+    const ProgramResult result = runProgram(runner({"explain", "--attach"}));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.out.find("string-overrun\n  Never reported: the bytes after a host string belong to the host. "),
+              std::string::npos)
+        << result.out;
+    EXPECT_NE(result.out.find("\n  - Add-ons that are linked to the program, instead of loaded by dlopen().\n"),
+              std::string::npos);
+    EXPECT_EQ(result.out.find("unbalanced-lock"), std::string::npos);
+    EXPECT_EQ(runProgram(runner({"explain", "double-free", "--attach"})).status, 2);
+}
+
+TEST_F(Explain, PrintsThePageOfAttach) {
+    const ProgramResult page = runProgram(runner({"explain", "--attach", "--markdown"}));
+    std::ifstream file(std::filesystem::path(VEXA_DOCS) / "attach.md");
+    EXPECT_EQ(page.out, std::string(std::istreambuf_iterator<char>(file), {}))
+        << "renew it: vexa-standin explain --attach --markdown > docs/attach.md, in the folder of the sources";
+}
+
 }  // namespace
 }  // namespace vexa::e2e

@@ -5,8 +5,8 @@
 namespace vexa::e2e {
 namespace {
 
-const std::vector<std::string> kCommands = {"new",    "run",     "repl", "test", "check",
-                                            "report", "explain", "list", "style"};
+const std::vector<std::string> kCommands = {"new",    "run",    "repl",    "test", "check",
+                                            "attach", "report", "explain", "list", "style"};
 
 class Manual : public TerminalTest {
 protected:
@@ -106,7 +106,8 @@ TEST_F(Manual, CompletesWordByWord) {
     };
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl report\n"},
-        {"all commands", "vexa-standin ''", "new run repl test check report explain list style probe compare-hosts\n"},
+        {"all commands", "vexa-standin ''",
+         "new run repl test check attach report explain list style probe compare-hosts\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
@@ -160,7 +161,7 @@ TEST_F(Manual, CompletesTheSameInFish) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl\nreport\n"},
         {"all commands", "vexa-standin ",
-         "check\ncompare-hosts\nexplain\nlist\nnew\nprobe\nrepl\nreport\nrun\nstyle\ntest\n"},
+         "attach\ncheck\ncompare-hosts\nexplain\nlist\nnew\nprobe\nrepl\nreport\nrun\nstyle\ntest\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},

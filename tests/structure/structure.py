@@ -28,6 +28,7 @@ PRODUCTS = {
     'facts': (),
     'probe': ('facts', 'library', 'hostapi'),
     'standin': ('facts', 'contract', 'hostapi'),
+    'layer': ('contract', 'hostapi'),
     'runner': ('standin', 'facts', 'contract', 'library', 'hostapi'),
 }
 
@@ -50,6 +51,7 @@ INCLUDE_FOLDERS = {
     'facts': ('.',),
     'probe': ('.', 'probe', 'library/include', 'hostapi'),
     'standin': ('standin/src', '.', 'standin/include', 'contract/include', 'hostapi'),
+    'layer': ('.', 'contract/include', 'hostapi'),
     'runner': ('runner', '.', 'standin/include', 'contract/include', 'library/include', 'hostapi'),
 }
 

@@ -25,6 +25,7 @@ struct Rule {
     const char* summary;  ///< the rule, in one sentence
     const char* why;      ///< what happens if an add-on breaks the rule
     const char* hint;     ///< how to fix the add-on
+    const char* unseen;   ///< what `attach` cannot see of it in a host that is not the stand-in; empty if it sees all
 };
 
 /// The kind of event that makes the stand-in check a rule.
@@ -52,6 +53,8 @@ VEXASTANDIN_API const Rule* findRule(std::string_view name);
 VEXASTANDIN_API const RuleTrigger* findTrigger(std::string_view rule);
 /// Returns the mistakes of add-ons that the stand-in host cannot detect, one sentence for each.
 VEXASTANDIN_API const std::vector<const char*>& uncheckedMistakes();
+/// Returns what `attach` does not check in a host that is not the stand-in, whatever the rule, one sentence for each.
+VEXASTANDIN_API const std::vector<const char*>& uncheckedInOtherHosts();
 
 /// The place of an event: host call, command, macro line and thread.
 struct Place {

@@ -10,8 +10,10 @@
 #include <string>
 #include <string_view>
 
+#include "commands/explain/AttachPage.h"
 #include "options/ContractOptions.h"
 #include "options/Refusals.h"
+#include "options/UsageError.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
 #include "terminal/WrappedText.h"
@@ -30,7 +32,8 @@ Exit status:
 
 struct ExplainOptions {
     std::optional<std::string> rule;  // all of them without
-    bool markdown = false;            // the page of all rules
+    bool markdown = false;            // a page of the documentation
+    bool attach = false;              // what the command attach cannot see
 };
 
 std::string padded(std::string text, std::size_t width) {
@@ -148,6 +151,7 @@ std::string contractPage() {
 }
 
 std::string textOf(const ExplainOptions& options) {
+    if (options.attach) return options.markdown ? attachPage() : attachLimits(outputWidth());
     if (options.markdown) return contractPage();
     return options.rule ? explanationOf(*standin::findRule(*options.rule)) : listOfRules();
 }
@@ -169,7 +173,13 @@ Command explainCommand() {
     command.add(argument("RULE", "The rule to explain; without one, all rules are listed", &options->rule)
                     .suggest(ruleNames())
                     .exclude("--markdown"));
-    command.add(flag({"--markdown"}, "Print the page of all rules", &options->markdown).exclude("RULE"));
+    command.add(flag({"--attach"}, "List what 'attach' cannot see, rule by rule", &options->attach));
+    command.add(flag({"--markdown"}, "Print a page of the documentation: all rules, or with --attach, 'attach'",
+                     &options->markdown)
+                    .exclude("RULE"));
+    command.check = [options] {
+        if (options->attach && options->rule) throw UsageError("--attach: goes with no rule");
+    };
     command.run = [options] { return explain(*options); };
     return command;
 }

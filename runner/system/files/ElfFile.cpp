@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <sstream>
 
@@ -69,6 +70,20 @@ void takeSections(ElfFile& file, Elf* elf) {
     }
 }
 
+std::string interpreterOf(Elf* elf) {
+    std::size_t count = 0;
+    std::size_t size = 0;
+    elf_getphdrnum(elf, &count);
+    const char* const bytes = elf_rawfile(elf, &size);
+    for (std::size_t i = 0; bytes != nullptr && i != count; ++i) {
+        GElf_Phdr header;
+        if (gelf_getphdr(elf, static_cast<int>(i), &header) == nullptr || header.p_type != PT_INTERP) continue;
+        if (header.p_offset > size || header.p_filesz > size - header.p_offset) return "";
+        return {bytes + header.p_offset, strnlen(bytes + header.p_offset, header.p_filesz)};
+    }
+    return "";
+}
+
 // A file without an entry for its stack gets an executable stack.
 bool hasExecutableStack(Elf* elf) {
     std::size_t count = 0;
@@ -98,6 +113,7 @@ ElfFile readElfFile(const std::string& path) {
     file.machine = header.e_machine;
     file.type = header.e_type;
     file.hasExecutableStack = hasExecutableStack(elf.get());
+    file.interpreter = interpreterOf(elf.get());
     takeSections(file, elf.get());
     return file;
 }

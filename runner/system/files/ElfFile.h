@@ -22,6 +22,7 @@ struct ElfFile {
     bool hasExecutableStack = false;
     bool hasTextRelocations = false;
     bool isNeverUnloaded = false;       ///< linked with -z nodelete
+    std::string interpreter;            ///< the loader that the system starts for a program; empty for none
     std::vector<std::string> needed;    ///< the libraries it is linked to
     std::vector<std::string> runPaths;  ///< the folders in which the loader looks for them
     std::vector<ElfSymbol> symbols;     ///< those that other objects can see

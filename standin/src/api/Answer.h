@@ -16,7 +16,7 @@
 
 #include "HostState.h"
 #include "api/CallInProgress.h"
-#include "api/CallText.h"
+#include "api/HandleNames.h"
 #include "calls/Whereabouts.h"
 #include "contract/Checks.h"
 #include "contract/HostFunctionTable.h"
@@ -33,7 +33,7 @@ public:
         : m_host(host), m_number(host.countCall(function)), m_isLogged(host.calls.keeps()) {
         if (!m_isLogged && !host.audience.isThere()) return;
         try {
-            begin(function, listOf(host, arguments...));
+            begin(function, listOf(HandleNames(host), arguments...));
         } catch (const std::bad_alloc&) {
             m_event.reset();
         }
@@ -53,7 +53,7 @@ public:
     void setResult(Result result) {
         if (!m_event) return;
         try {
-            m_event->result = textOf(m_host, result);
+            m_event->result = textOf(HandleNames(m_host), result);
             if (m_isLogged) m_host.calls.end(m_place, m_event->result);
         } catch (const std::bad_alloc&) {}
     }

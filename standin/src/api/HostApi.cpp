@@ -13,7 +13,6 @@
 #include "HostState.h"
 #include "answers/RecordingAnswers.h"
 #include "api/Answer.h"
-#include "contract/ArgumentChecks.h"
 #include "contract/HostFunctionTable.h"
 #include "vexa/VexaUtil.h"
 
@@ -157,7 +156,7 @@ void VexaUtilStatusStartPercentDone(const char* text, VexaBoolean showStopButton
                 return status.start(orEmpty(text), showStopButton != 0, showBar != 0, keeps);
             });
         },
-        OptionalText{text}, showStopButton, showBar);
+        text, showStopButton, showBar);
 }
 
 VexaBoolean VexaUtilStatusCheckPercentDone(int percent) {
@@ -175,7 +174,7 @@ void VexaUtilStatusSetPercentDoneText(const char* text) {
         [=](HostState& host) {
             changeStatus(host, [=](Status& status, bool keeps) { return status.setText(orEmpty(text), keeps); });
         },
-        OptionalText{text});
+        text);
 }
 
 void VexaUtilStatusFinishPercentDone() {
@@ -224,7 +223,7 @@ VexaBoolean VexaUtilDataSetAddJournalCommand(const char* addOnId, const char* co
             if (const auto keep = host.keepJournaled.copy()) keep(entry);
             return 1;
         },
-        addOnId, command, OptionalText{journalData});
+        addOnId, command, journalData);
 }
 
 char* VexaUtilStringAlloc(int size, const char* purpose) {
@@ -236,7 +235,7 @@ char* VexaUtilStringAlloc(int size, const char* purpose) {
             host.strings.add(bytes, std::move(string));
             return bytes;
         },
-        size, OptionalText{purpose});
+        size, purpose);
 }
 
 void VexaUtilStringDealloc(char** string) {

@@ -1,0 +1,114 @@
+#include "commands/attach/LayerEvents.h"
+
+#include <algorithm>
+#include <utility>
+#include <variant>
+
+#include "terminal/Console.h"
+#include "trace/EventThread.h"
+
+namespace vexa::runner {
+
+using standin::CallEvent;
+using standin::Entry_e;
+using standin::EntryEvent;
+using standin::EventMessage;
+using standin::Finding;
+using standin::Message_e;
+
+LayerEvents::LayerEvents(const ContractOptions& options, standin::ObserverInterface* traces)
+    : m_options(options), m_traces(traces) {
+    m_host.setKeepsCalls(false);
+    for (const std::string& rule : options.suppressed) m_host.suppress(rule);
+}
+
+void LayerEvents::take(std::string_view bytes) {
+    const auto message = standin::readMessage(bytes);
+    if (!message) return;
+    EventThread::set(message->thread);
+    switch (message->kind) {
+        case Message_e::EntryBegan:
+        case Message_e::EntryEnded: return takeEntry(*message);
+        case Message_e::CallBegan:
+            if (m_traces != nullptr) m_traces->callBegan(std::get<CallEvent>(message->content));
+            return;
+        case Message_e::CallEnded:
+            if (m_traces != nullptr) m_traces->callEnded(std::get<CallEvent>(message->content));
+            return;
+        case Message_e::FindingMade: return takeFinding(message->thread, std::get<Finding>(message->content));
+        case Message_e::Note: return tell(kProgramName, std::get<std::string>(message->content));
+    }
+}
+
+void LayerEvents::takeEntry(const EventMessage& message) {
+    const auto& entry = std::get<EntryEvent>(message.content);
+    if (message.kind == Message_e::EntryBegan) {
+        m_wasAddOnLoaded = true;
+        m_entries[message.thread].push_back({entry, {}});
+        if (m_traces != nullptr) m_traces->entryBegan(entry);
+    } else {
+        endEntry(message.thread, entry);
+        if (m_traces != nullptr) m_traces->entryEnded(entry);
+    }
+}
+
+void LayerEvents::endEntry(long thread, const EntryEvent& entry) {
+    std::vector<OpenEntry>& entries = m_entries[thread];
+    if (entries.empty()) return;
+    for (Finding& finding : entries.back().findings) {
+        finding.addOnId = entry.addOnId;
+        report(finding);
+    }
+    entries.pop_back();
+    if (entries.empty()) m_entries.erase(thread);
+}
+
+// As long as an add-on is loaded, its findings have the name of its file in the place of the id.
+void LayerEvents::takeFinding(long thread, const Finding& finding) {
+    const auto& suppressed = m_options.suppressed;
+    const bool isSuppressed = std::find(suppressed.begin(), suppressed.end(), finding.rule) != suppressed.end();
+    if (m_traces != nullptr && !isSuppressed) m_traces->findingMade(finding);
+    const auto found = m_entries.find(thread);
+    const bool isInEntry = found != m_entries.end() && found->second.back().event.kind == Entry_e::Loading &&
+                           found->second.back().event.addOnId == finding.addOnId;
+    if (isInEntry) {
+        found->second.back().findings.push_back(finding);
+    } else {
+        report(finding);
+    }
+}
+
+void LayerEvents::report(const Finding& finding) {
+    m_host.report(finding);
+    m_printer.printNew(m_host);
+}
+
+void LayerEvents::finish() {
+    for (auto& [thread, entries] : m_entries) {
+        for (OpenEntry& entry : entries) {
+            for (const Finding& finding : std::exchange(entry.findings, {})) report(finding);
+        }
+    }
+    if (m_wasAddOnLoaded) {
+        printRestOfFindings(m_host);
+    } else {
+        tell(kProgramName, "no add-on was loaded, so nothing was checked");
+    }
+}
+
+std::vector<std::string> LayerEvents::unfinished() const {
+    std::vector<std::string> works;
+    for (const auto& [thread, entries] : m_entries) {
+        const EntryEvent& entry = entries.back().event;
+        switch (entry.kind) {
+            case Entry_e::Loading: works.push_back("loading of " + entry.addOnId); break;
+            case Entry_e::Command:
+                works.push_back(entry.macroLine + ", \"" + entry.addOnId + ' ' + entry.command + '"');
+                break;
+            case Entry_e::Unloading: works.push_back("unloading of " + entry.addOnId); break;
+        }
+    }
+    return works;
+}
+
+}  // namespace vexa::runner

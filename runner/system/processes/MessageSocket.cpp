@@ -1,0 +1,97 @@
+#include "system/processes/MessageSocket.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "system/LastError.h"
+
+namespace vexa::runner {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostWaiting = 128;
+constexpr std::size_t kLongestMessage = std::size_t{1} << 20;
+constexpr int kMostAtOnce = 1000;  // messages of a connection, so that none waits for the others
+constexpr const char* kFolder = "/vexa-attach-XXXXXX";
+constexpr const char* kSocket = "/socket";
+
+// The path of a socket is short, so that a long folder for temporary files cannot be used.
+std::string newFolder() {
+    std::error_code ignored;
+    std::string folder = fs::temp_directory_path(ignored).string() + kFolder;
+    if (folder.size() + std::strlen(kSocket) >= sizeof(sockaddr_un::sun_path)) folder = std::string("/tmp") + kFolder;
+    if (mkdtemp(folder.data()) == nullptr) throwLastError(folder.c_str());
+    return folder;
+}
+
+}  // namespace
+
+MessageSocket::MessageSocket() : m_folder(newFolder()), m_path(m_folder + kSocket), m_buffer(kLongestMessage) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strcpy(address.sun_path, m_path.c_str());
+    m_listener = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const auto* const at = reinterpret_cast<const sockaddr*>(&address);
+    if (m_listener.isOpen() && bind(m_listener.get(), at, sizeof address) == 0 &&
+        listen(m_listener.get(), kMostWaiting) == 0) {
+        return;
+    }
+    const int error = errno;
+    fs::remove_all(m_folder);
+    throw std::system_error(error, std::generic_category(), m_path);
+}
+
+MessageSocket::~MessageSocket() {
+    std::error_code ignored;
+    fs::remove_all(m_folder, ignored);
+}
+
+void MessageSocket::wait(int other) const {
+    std::vector<pollfd> waited = {{other, POLLIN, 0}, {m_listener.get(), POLLIN, 0}};
+    for (const Descriptor& connection : m_connections) waited.push_back({connection.get(), POLLIN, 0});
+    poll(waited.data(), waited.size(), -1);
+}
+
+bool MessageSocket::receive(const std::function<void(std::string_view)>& use) {
+    acceptNew();
+    bool hasAny = false;
+    for (auto connection = m_connections.begin(); connection != m_connections.end();) {
+        bool isOpen = true;
+        hasAny |= receiveFrom(*connection, use, isOpen);
+        connection = isOpen ? std::next(connection) : m_connections.erase(connection);
+    }
+    return hasAny;
+}
+
+void MessageSocket::acceptNew() {
+    for (;;) {
+        Descriptor connection(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+        if (!connection.isOpen()) return;
+        m_connections.push_back(std::move(connection));
+    }
+}
+
+bool MessageSocket::receiveFrom(const Descriptor& connection, const std::function<void(std::string_view)>& use,
+                                bool& isOpen) {
+    for (int count = 0; count != kMostAtOnce; ++count) {
+        const ssize_t size = recv(connection.get(), m_buffer.data(), m_buffer.size(), 0);
+        if (size < 0 && (errno == EAGAIN || errno == EINTR)) return count != 0;
+        if (size <= 0) {
+            isOpen = false;
+            return count != 0;
+        }
+        use({m_buffer.data(), static_cast<std::size_t>(size)});
+    }
+    return true;
+}
+
+}  // namespace vexa::runner
