@@ -42,6 +42,8 @@ std::string answerOf(const JsonValue& answer) {
     return *word;
 }
 
+}  // namespace
+
 std::vector<HostFact> parseHostFacts(const std::string& text) {
     const JsonValue content = parseJson(text);
     const JsonValue& schema = memberOf(content, "schema");
@@ -61,8 +63,6 @@ std::vector<HostFact> parseHostFacts(const std::string& text) {
     }
     return facts;
 }
-
-}  // namespace
 
 std::optional<std::vector<HostFact>> readHostFacts(const std::string& file) {
     std::string text;
