@@ -94,7 +94,7 @@ private:
 template <class Function>
 Function* checked(HostFunction function, Function* own) {
     setHostFunction(function, reinterpret_cast<void*>(own));
-    return reinterpret_cast<Function*>(checkedFunction(function));
+    return reinterpret_cast<Function*>(checkedFunction(nameOf(function)));
 }
 
 #define CHECKED(name) checked(HostFunction::name, &name)
