@@ -166,9 +166,9 @@ void removeAddOn(AddOnNumber number) {
     const std::unique_ptr<AddOn> addOn(theAddOns[number].exchange(nullptr, std::memory_order_acq_rel));
     if (addOn->id.empty()) return;
     // An add-on with a shutdown that the host has not called had no occasion to free what it has.
-    const bool mayHaveFreedAll = addOn->isShutDown || addOn->description->shutdown == nullptr;
-    Layer* const layer = Layer::current();
-    if (mayHaveFreedAll && layer != nullptr) layer->unloaded(addOn->id);
+    const bool hasShutdown = addOn->shown.shutdown != nullptr;
+    if (hasShutdown && !addOn->isShutDown) return;
+    if (Layer* const layer = Layer::current()) layer->unloaded(addOn->id, hasShutdown);
 }
 
 }  // namespace vexa::layer

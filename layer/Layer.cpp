@@ -127,9 +127,17 @@ void Layer::shutdownEnded(const void* frame) {
     endEntry(*entry, false);
 }
 
-void Layer::unloaded(const std::string& addOnId) {
-    m_contract.enter({Entry_e::Unloading, addOnId, "", ""});
+void Layer::unloaded(const std::string& addOnId, bool hasShutdown) {
+    EntryEvent entry;
+    entry.kind = Entry_e::Unloading;
+    entry.addOnId = addOnId;
+    entry.succeeded = true;
+    entry.threadNumber = m_threads.mine();
+    entry.time = std::chrono::steady_clock::now();
+    m_contract.enter({entry.kind, addOnId, "", ""});
+    if (!hasShutdown) send(Message_e::EntryBegan, entry);
     m_contract.leave();
+    if (!hasShutdown) sendEnd(thisThread(), entry);
 }
 
 void Layer::note(const std::string& text) { send(Message_e::Note, text); }

@@ -80,8 +80,9 @@ public:
     void commandEnded(const void* frame, bool isAccepted, const char* errMsg);
     /// The shutdown that was entered at \p frame returned.
     void shutdownEnded(const void* frame);
-    /// An add-on that was shut down is unloaded.
-    void unloaded(const std::string& addOnId);
+    /// An add-on is unloaded, and has freed what it wants to free.
+    /// \param hasShutdown whether shutdownEnded() has told that the add-on ends.
+    void unloaded(const std::string& addOnId, bool hasShutdown);
     /// Ends the entries that an exception, a jump or the end of their thread has left.
     void closeLeftEntries();
 

@@ -148,6 +148,8 @@ TEST_F(StrangeHost, SeesCallsOfConstructorsAndByAddress) {
               "1    VexaUtilLockStart(STRANGE)\n"
               "1    VexaUtilLockFinish(STRANGE)\n"
               "1    => accepted\n"
+              "1  unload STRANGE\n"
+              "1    => unloaded\n"
               "=> exit status 0: the program ended with status 0\n");
 }
 

@@ -1,8 +1,8 @@
-"""The commands of the add-on that breaks the host's contract, and how a host runs one of them."""
+"""The commands of the add-on that breaks the host's contract."""
 
+import contextlib
 import pathlib
 import re
-import subprocess
 import tempfile
 
 COMMAND = re.compile(r'^    \{"([a-z-]+)",', re.MULTILINE)
@@ -16,9 +16,9 @@ def commands(source):
     return [command for command in found if command != ENDLESS]
 
 
-def run(program, addon, command, *options):
-    """Runs `command` of the add-on in a host: `program` with its first arguments."""
+@contextlib.contextmanager
+def arguments(addon, command):
+    """The arguments with which a host runs one command of the add-on."""
     with tempfile.NamedTemporaryFile('w', suffix='.macro') as macro:
         print('MISBEHAVING', command, file=macro, flush=True)
-        return subprocess.run([*program, '--addon', addon, *options, macro.name], text=True, errors='replace',
-                              capture_output=True, timeout=60, check=False)
+        yield ['--addon', addon, macro.name]

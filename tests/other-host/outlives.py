@@ -4,6 +4,7 @@
 Usage: outlives.py HOST SOURCE ADDON
 """
 
+import subprocess
 import sys
 
 import behaviours
@@ -23,6 +24,11 @@ MESSAGES = {
 }
 
 
+def run(host, addon, command):
+    with behaviours.arguments(addon, command) as arguments:
+        return subprocess.run([host, *arguments], text=True, errors='replace', capture_output=True, timeout=60, check=False)
+
+
 def fault_of(command, result):
     """What is wrong with this run; none if all is well."""
     message = MESSAGES.get(command)
@@ -36,7 +42,7 @@ def main():
     host, source, addon = sys.argv[1:]
     faults = 0
     for command in behaviours.commands(source):
-        fault = fault_of(command, behaviours.run([host], addon, command))
+        fault = fault_of(command, run(host, addon, command))
         if fault:
             print(f'{command}: {fault}')
             faults += 1

@@ -60,7 +60,7 @@ std::string outcomeOf(int waitStatus) {
 
 class AttachedRun {
 public:
-    AttachedRun(const AttachOptions& options, const std::string& file, const std::string& layer) : m_options(options) {
+    AttachedRun(const AttachOptions& options, const std::string& file, const std::string& layer) {
         m_traces.open(options.trace);
         m_events.emplace(options.contract, m_traces.observer());
         m_program.emplace(file, options.program, variablesOf(options, layer, m_socket.path()), m_signals.before());
@@ -121,7 +121,6 @@ private:
         return static_cast<ExitStatus_e>(ended);
     }
 
-    const AttachOptions& m_options;
     AwaitedSignals m_signals;
     MessageSocket m_socket;
     TraceOutputs m_traces;

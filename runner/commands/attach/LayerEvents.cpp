@@ -30,11 +30,7 @@ void LayerEvents::take(std::string_view bytes) {
         case Message_e::EntryBegan:
         case Message_e::EntryEnded: return takeEntry(*message);
         case Message_e::CallBegan:
-            if (m_traces != nullptr) m_traces->callBegan(std::get<CallEvent>(message->content));
-            return;
-        case Message_e::CallEnded:
-            if (m_traces != nullptr) m_traces->callEnded(std::get<CallEvent>(message->content));
-            return;
+        case Message_e::CallEnded: return takeCall(*message);
         case Message_e::FindingMade: return takeFinding(message->thread, std::get<Finding>(message->content));
         case Message_e::Note: return tell(kProgramName, std::get<std::string>(message->content));
     }
@@ -50,6 +46,14 @@ void LayerEvents::takeEntry(const EventMessage& message) {
         endEntry(message.thread, entry);
         if (m_traces != nullptr) m_traces->entryEnded(entry);
     }
+}
+
+void LayerEvents::takeCall(const EventMessage& message) {
+    if (m_traces == nullptr) return;
+    const auto& call = std::get<CallEvent>(message.content);
+    if (message.kind == Message_e::CallBegan) return m_traces->callBegan(call);
+    if (const auto line = m_status.changeBy(call)) m_traces->statusChanged(*line);
+    m_traces->callEnded(call);
 }
 
 void LayerEvents::endEntry(long thread, const EntryEvent& entry) {

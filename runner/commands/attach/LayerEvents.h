@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "commands/attach/StatusCalls.h"
 #include "contract/messages/EventMessage.h"
 #include "options/ContractOptions.h"
 #include "session/FindingPrinter.h"
@@ -38,6 +39,7 @@ private:
         std::vector<standin::Finding> findings;
     };
 
+    void takeCall(const standin::EventMessage& message);
     void takeEntry(const standin::EventMessage& message);
     void takeFinding(long thread, const standin::Finding& finding);
     void endEntry(long thread, const standin::EntryEvent& entry);
@@ -48,6 +50,7 @@ private:
     standin::Host m_host;  // it runs nothing; it keeps the findings
     FindingPrinter m_printer;
     std::map<long, std::vector<OpenEntry>> m_entries;  // by thread
+    StatusCalls m_status;
     bool m_wasAddOnLoaded = false;
 };
 

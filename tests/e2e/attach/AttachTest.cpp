@@ -141,16 +141,18 @@ TEST_F(Attach, WritesTheTextTraceOfARun) {
 }
 
 TEST_F(Attach, WritesTheEventTraceOfARun) {
-    attach(host("ONE SAY a\nONE LEAVELOCKOPEN\n", {"--trace", "run.json"}), {"--trace", "attach.json"});
     const auto outlineOf = [](const std::string& text) {
         Words outline;
         for (const auto& event : tests::traceEvents(text)) {
-            if (event.at("ph") == "B" || event.at("ph") == "E") {
-                outline.push_back(event.at("ph").get<std::string>() + ' ' + event.at("name").get<std::string>());
-            }
+            const std::string name = event.at("name");
+            if (event.at("ph") == "M" || name == "run" || name == "outcome") continue;
+            const bool isCounter = event.at("ph") == "C";
+            outline.push_back(event.at("ph").get<std::string>() + ' ' + name + (isCounter ? event["args"].dump() : ""));
         }
         return outline;
     };
+    const std::string macro = "PROGRESS START a;PERCENT 30;SWEEP 120;TEXT b;FINISH\n";
+    attach(host(macro, {"--trace", "run.json"}, PROGRESS_ADDON), {"--trace", "attach.json"});
     EXPECT_EQ(tests::nestingProblems(tests::traceEvents(read("attach.json"))), Words());
     EXPECT_EQ(outlineOf(read("attach.json")), outlineOf(read("run.json")));
 }

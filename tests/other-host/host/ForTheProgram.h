@@ -1,4 +1,4 @@
-/* What the program needs of the host's functions apart from those of the host's API. */
+/* The functions for the program that are not in the host's interface. */
 #pragma once
 
 #include "vexa/VexaUtil.h"

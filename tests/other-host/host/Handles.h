@@ -12,7 +12,7 @@ void* newHandle(HandleKind_e kind, size_t size);
 int isHandle(HandleKind_e kind, const void* handle);
 /* The size that newHandle() was given; 0 if the handle is not registered. */
 size_t handleSize(HandleKind_e kind, const void* handle);
-/* Ends the registration. Returns whether there was one; the caller then calls freeHandle(). */
+/* Removes the object from the register. Returns 1 if it was there; the caller then calls freeHandle(). */
 int forgetHandle(HandleKind_e kind, void* handle);
 /* Frees the memory of a forgotten object. */
 void freeHandle(void* handle);

@@ -7,7 +7,7 @@ struct ThreadMutex_s {
     pthread_mutex_t mutex;
 };
 
-/* A mutex that refuses what would block its own thread for ever or is not held. */
+/* With PTHREAD_MUTEX_ERRORCHECK a wrong lock or unlock fails. It neither blocks forever nor breaks the mutex. */
 ThreadMutex_s* VexaUtilThreadMutexAlloc(void) {
     ThreadMutex_s* const made = newHandle(Mutex_e, sizeof(ThreadMutex_s));
     if (made == NULL) return NULL;
@@ -19,7 +19,7 @@ ThreadMutex_s* VexaUtilThreadMutexAlloc(void) {
     return made;
 }
 
-/* Whoever frees a locked mutex gets what threads that wait for it may do then: the memory stays. */
+/* A mutex that is locked keeps its memory, because another thread may wait for it. */
 void VexaUtilThreadMutexDealloc(ThreadMutex_s** mutex) {
     if (mutex == NULL || !forgetHandle(Mutex_e, *mutex)) return;
     if (pthread_mutex_destroy(&(*mutex)->mutex) == 0) freeHandle(*mutex);

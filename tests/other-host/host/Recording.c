@@ -1,4 +1,4 @@
-/* The states of the host, and its recording and journal. Both are only answered: nobody reads them. */
+/* The states of the host, its recording and its journal. The host only answers, and keeps no entries. */
 #include <string.h>
 
 #include "vexa/VexaUtil.h"

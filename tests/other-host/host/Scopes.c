@@ -1,10 +1,10 @@
-/* The lock, and the scopes in which the host is told to keep quiet. */
+/* The lock, and the scopes in which the host sends no broadcasts and marks no data sets. */
 #include <pthread.h>
 #include <stdatomic.h>
 
 #include "ForTheProgram.h"
 
-/* One lock for all identities. A thread may take it again; without PTHREAD_MUTEX_RECURSIVE it would wait for itself. */
+/* One lock for all identities. A thread may take it again, so it is PTHREAD_MUTEX_RECURSIVE. */
 static pthread_mutex_t lock;
 static pthread_once_t lockOnce = PTHREAD_ONCE_INIT;
 static atomic_int quietScopes;
@@ -34,7 +34,7 @@ void otherHostReleaseLock(void) {
     while (pthread_mutex_unlock(&lock) == 0) continue;
 }
 
-/* No data set is here that could be marked, and nobody listens to broadcasts, so the scopes are only counted. */
+/* This host has no data sets and sends no broadcasts, so it only counts the scopes. */
 void VexaUtilAuxDataBeginAssign(void) { ++quietScopes; }
 void VexaUtilAuxDataEndAssign(void) { --quietScopes; }
 void VexaUtilDataSetSuspendMarking(VexaBoolean suspend) { quietScopes += suspend ? 1 : -1; }

@@ -21,7 +21,7 @@ static Range_s unionOf(Range_s a, Range_s b) {
     return (Range_s){a.first < b.first ? a.first : b.first, a.last > b.last ? a.last : b.last};
 }
 
-/* Takes a range in. Ranges that overlap it become one with it. */
+/* Adds a range, and merges it with the ranges that overlap it. */
 static int insertRange(Set_s* set, Range_s range) {
     Range_s* const ranges = realloc(set->ranges, (set->count + 1) * sizeof *ranges);
     if (ranges == NULL) return 0;
@@ -51,7 +51,7 @@ void VexaUtilSetDealloc(Set_s** set) {
     *set = NULL;
 }
 
-/* Turns a reversed range round, and refuses the greatest number. */
+/* Swaps the ends of a reversed range, and refuses the largest integer. */
 VexaBoolean VexaUtilSetInsert(Set_s* set, int64_t first, int64_t last) {
     const Range_s range = first <= last ? (Range_s){first, last} : (Range_s){last, first};
     if (!isHandle(Set_e, set) || range.first < 0 || range.last == INT64_MAX) return 0;

@@ -1,4 +1,4 @@
-/* The status line, and what else the host shows. Nobody looks at this host, so the line is not drawn. */
+/* The status line and the error dialog. The host has no user, so it does not draw the line. */
 #include <stdatomic.h>
 #include <stdio.h>
 
@@ -11,7 +11,7 @@ void VexaUtilStatusStartPercentDone(const char* text, VexaBoolean showStopButton
     isShown = 1;
 }
 
-/* Without a status line, and for a percentage that does not exist, the answer is: stop. */
+/* Answers 0, which means stop, if no status line is shown or the percentage is out of range. */
 VexaBoolean VexaUtilStatusCheckPercentDone(int percent) { return isShown && percent >= 0 && percent <= 100; }
 
 void VexaUtilStatusSetPercentDoneText(const char* text) { (void)text; }

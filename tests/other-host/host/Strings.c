@@ -6,14 +6,14 @@
 
 enum { kLongestString = 256 << 10 };
 
-/* A string of size 0 gets the byte for its end. */
+/* A string of size 0 gets 1 byte, for its terminating zero. */
 char* VexaUtilStringAlloc(int size, const char* purpose) {
     (void)purpose;
     if (size < 0 || size > kLongestString) return NULL;
     return newHandle(String_e, size == 0 ? 1 : (size_t)size);
 }
 
-/* Leaves the handle as it is. */
+/* Does not set the handle to null. */
 void VexaUtilStringDealloc(char** string) {
     if (string != NULL && forgetHandle(String_e, *string)) freeHandle(*string);
 }

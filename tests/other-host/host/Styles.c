@@ -42,8 +42,8 @@ static const char* keywordOf(const ArgList_s* list, int number) {
     return stringArgument(list, name);
 }
 
-/* Writes the path of a query with dots between its keywords. Returns 0 if there is none: a keyword is missing or too
-   long, or there are more than six. */
+/* Writes the path of a query with dots between its keywords. Returns 0 if a keyword is missing or too long, or if there
+   are more than six. */
 static int readPath(const ArgList_s* list, char* path) {
     int count = 0;
     path[0] = '\0';
@@ -63,7 +63,7 @@ static long offsetOf(const ArgList_s* list, const char* name) {
     return offset == NULL ? 0 : *offset;
 }
 
-/* Finds the setting of a path at an offset. Without a value there, the path may be known all the same. */
+/* Finds the setting of a path at an offset. A path that has values only at other offsets is UnknownPath here. */
 static GetValueReturnCode_e findSetting(const char* path, long offset1, long offset2, size_t* found) {
     GetValueReturnCode_e result = GetValueReturnCode_NotAvailable;
     for (size_t i = 0; i != kSettings; ++i) {
@@ -76,7 +76,7 @@ static GetValueReturnCode_e findSetting(const char* path, long offset1, long off
     return result;
 }
 
-/* An integer is given as a number, too. */
+/* Converts an integer to a double. */
 static GetValueReturnCode_e storeNumber(const Setting_s* setting, double* number) {
     if (setting->type != Number_e && setting->type != Integer_e) return GetValueReturnCode_OtherType;
     *number = setting->type == Number_e ? setting->number : (double)setting->integer;
@@ -94,8 +94,7 @@ static GetValueReturnCode_e storeParam(size_t index, VexaArbParam* param) {
     return GetValueReturnCode_OtherType;
 }
 
-/* A path that does not exist has no value, so the answer is that the value is not available. Upper and lower case
-   differ. */
+/* Answers NotAvailable for a path that does not exist. The case of letters matters. */
 GetValueReturnCode_e VexaUtilStyleGetLowLevelX(ArgList_s* argList) {
     char path[kLongestPath];
     size_t index = kSettings;

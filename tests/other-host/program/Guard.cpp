@@ -1,4 +1,4 @@
-// The guard of a host that is partly written in C++: it catches what escapes from an add-on.
+// In C++, the host catches what escapes from an add-on.
 #include "Guard.h"
 
 #include <cstdio>

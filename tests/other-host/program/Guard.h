@@ -1,4 +1,4 @@
-/* Calls of an add-on's code that end in a way the host's interface does not allow. */
+/* Calls an add-on's code, which may leave by an exception although the host's interface forbids it. */
 #pragma once
 
 #ifdef __cplusplus
