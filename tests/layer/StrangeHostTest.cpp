@@ -54,12 +54,15 @@ protected:
 
 private:
     ProgramResult start(Lines words, const Lines& commands) const {
-        words.insert(words.end(), {STRANGE_HOST, STRANGE_ADDON});
+        words.insert(words.end(), {m_host, STRANGE_ADDON});
         words.insert(words.end(), commands.begin(), commands.end());
         return e2e::runProgram({words, m_folder.path(), "", false});
     }
 
     const tests::TemporaryFolder m_folder;
+
+protected:
+    const char* m_host = STRANGE_HOST;
 };
 
 // ---- As without the layer
@@ -129,6 +132,11 @@ TEST_F(StrangeHost, KeepsTheFindingsAfterTheProgramHasClosedAllFiles) {
 
 TEST_F(StrangeHost, FindsWhatALibraryDoesThatACommandLoads) {
     EXPECT_EQ(rulesIn(attach({"load"})), (Lines{"null-handle", "unbalanced-lock"}));
+}
+
+TEST_F(StrangeHost, MayHaveAnotherKindOfHashTable) {
+    m_host = STRANGE_HOST_SYSV;
+    EXPECT_EQ(rulesIn(attach({"lock", "load"})), (Lines{"unbalanced-lock", "null-handle", "unbalanced-lock"}));
 }
 
 TEST_F(StrangeHost, MayAskForAnotherEntry) {
