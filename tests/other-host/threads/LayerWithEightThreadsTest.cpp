@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <string_view>
 #include <thread>
 #include <vector>
@@ -109,6 +110,7 @@ Messages messagesOf(const Work& work) {
     for (bool isLast = false, hasMore = true; hasMore || !isLast;) {
         isLast = isDone;
         hasMore = socket.receive([&](std::string_view bytes) { messages.add(bytes); });
+        if (!hasMore) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     worker.join();
     return messages;
