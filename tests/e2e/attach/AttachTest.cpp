@@ -215,6 +215,15 @@ TEST_F(Attach, LeavesNoFileBehind) {
     EXPECT_EQ(fileNames(), Words());
 }
 
+TEST_F(Attach, DoesWithoutTheFolderForTemporaryFiles) {
+    Program program = attached(host("ONE LEAVELOCKOPEN\n", {"--suppress", "unbalanced-lock"}));
+    for (const std::string& place : {std::string("/no/such/folder"), "/tmp/" + std::string(100, 'x')}) {
+        Program started = program;
+        started.arguments.insert(started.arguments.begin(), {"env", "TMPDIR=" + place});
+        EXPECT_EQ(runProgram(started).err, kLockFinding) << place;
+    }
+}
+
 // ---- Scripts
 
 TEST_F(Attach, FollowsAScriptToTheHost) {
