@@ -72,7 +72,8 @@ class Unchanged : public StrangeHost, public ::testing::WithParamInterface<const
 INSTANTIATE_TEST_SUITE_P(Layer, Unchanged,
                          ::testing::Values("ask", "errno", "floating-point", "signal-mask", "catch", "jump", "nested",
                                            "throw", "signals", "end-threads", "fork", "by-address", "lock", "exit",
-                                           "crash", "load", "fail", "threads ask", "threads fail", "close-all"));
+                                           "crash", "load", "fail", "threads ask", "threads fail", "thread exit-thread",
+                                           "close-all"));
 
 TEST_P(Unchanged, IsWhatTheProgramPrintsAndItsStatus) {
     const ProgramResult plain = run({GetParam(), "ask"});
@@ -110,6 +111,10 @@ TEST_F(StrangeHost, HasAFindingForAnExceptionThatLeavesTheAddOn) {
 
 TEST_F(StrangeHost, HasAFindingForAJumpOfTheHostOverTheAddOn) {
     EXPECT_EQ(rulesIn(attach({"jump", "ask"})), Lines{"escaped-exception"});
+}
+
+TEST_F(StrangeHost, HasAFindingForAThreadThatEndsInTheAddOn) {
+    EXPECT_EQ(rulesIn(attach({"thread exit-thread"})), Lines{"escaped-exception"});
 }
 
 TEST_F(StrangeHost, HasAFindingForACallOfAnotherThread) {
