@@ -154,7 +154,7 @@ AddOnNumber addAddOn(void* entry, const char* file) {
     for (AddOnNumber number = 0; number != kMostAddOns; ++number) {
         AddOn* free = nullptr;
         if (!theAddOns[number].compare_exchange_strong(free, addOn.get(), std::memory_order_acq_rel)) continue;
-        addOn.release();
+        static_cast<void>(addOn.release());  // the table owns it now
         return number;
     }
     return kNoAddOn;

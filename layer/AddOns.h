@@ -19,6 +19,6 @@ AddOnNumber addAddOn(void* entry, const char* file);
 void* entryOf(AddOnNumber addOn);
 
 /// The add-on is unloaded: its number is free for another one.
-void removeAddOn(AddOnNumber addOn);
+void removeAddOn(AddOnNumber number);
 
 }  // namespace vexa::layer

@@ -58,6 +58,7 @@ using namespace vexa::layer;
 
 extern "C" {
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): those of link.h are reserved
 unsigned la_version(unsigned version) { return version >= kAuditVersion && openObjects() ? kAuditVersion : 0; }
 
 char* la_objsearch(const char* name, uintptr_t* cookie, unsigned) {
@@ -81,6 +82,8 @@ unsigned la_objclose(uintptr_t* cookie) {
     if (objectOf(cookie) != nullptr) unlessForked([=] { theObjects->closes(objectOf(cookie)); });
     return 0;
 }
+
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 }  // extern "C"
 

@@ -15,12 +15,13 @@ namespace {
 
 using standin::HostFunction;
 
-constexpr std::size_t kCount = 0
-#define VEXASTANDIN_COUNT(name, role, scope, anyThread) +1
-    VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_COUNT);
-#undef VEXASTANDIN_COUNT
+constexpr HostFunction kAll[] = {
+#define VEXASTANDIN_FUNCTION(name, role, scope, anyThread) HostFunction::name,
+    VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_FUNCTION)
+#undef VEXASTANDIN_FUNCTION
+};
 
-std::array<std::atomic<void*>, kCount> theHostFunctions{};
+std::array<std::atomic<void*>, std::size(kAll)> theHostFunctions{};
 
 // The layer, if a call can be checked now.
 Layer* layerForCall() { return isThreadInLayer ? nullptr : Layer::current(); }
@@ -87,7 +88,7 @@ void* checked(Result (*)(Arguments...)) {
 void* checkedFunction(HostFunction function) {
     switch (function) {
 #define VEXASTANDIN_CHECKED(name, role, scope, anyThread) \
-    case HostFunction::name: return checked<HostFunction::name>(static_cast<decltype(&name)>(nullptr));
+    case HostFunction::name: return checked<HostFunction::name>(static_cast<decltype(&(name))>(nullptr));
         VEXASTANDIN_HOST_FUNCTIONS(VEXASTANDIN_CHECKED)
 #undef VEXASTANDIN_CHECKED
     }

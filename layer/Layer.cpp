@@ -2,15 +2,14 @@
 
 #include <sys/mman.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <thread>
+
+#include "layer/ForeignMemory.h"
 
 namespace vexa::layer {
 namespace {
@@ -35,23 +34,6 @@ long thisThread() {
     return theThread;
 }
 
-// The text at an address that may be wrong, up to its end or to the end of readable memory.
-std::string readableText(const char* text) {
-    std::string read(standin::kLongestText, '\0');
-    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    std::size_t size = 0;
-    while (size < read.size()) {
-        const std::size_t toPageEnd = page - (reinterpret_cast<std::uintptr_t>(text) + size) % page;
-        iovec to{read.data() + size, std::min(read.size() - size, toPageEnd)};
-        iovec from{const_cast<char*>(text) + size, to.iov_len};
-        if (process_vm_readv(getpid(), &to, 1, &from, 1, 0) != static_cast<ssize_t>(to.iov_len)) break;
-        size += to.iov_len;
-        if (std::memchr(to.iov_base, '\0', to.iov_len) != nullptr) break;
-    }
-    read.resize(strnlen(read.data(), size));
-    return read;
-}
-
 }  // namespace
 
 Layer::Layer(const Settings& settings)
@@ -72,8 +54,7 @@ void Layer::start(const Settings& settings) {
     void* const memory = mmap(nullptr, sizeof(Page), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) return;
     madvise(memory, sizeof(Page), MADV_WIPEONFORK);
-    auto* const page = new (memory) Page{};
-    page->layer = new Layer(settings);
+    auto* const page = new (memory) Page{new Layer(settings)};
     thePage.store(page, std::memory_order_release);
 }
 
@@ -240,12 +221,12 @@ void Layer::sendEnd(long thread, EntryEvent& entry) {
     m_connection.send(standin::bytesOf({Message_e::EntryEnded, thread, entry}));
 }
 
-// The message may be no string of the host, or even no text.
+// The message may be no string of the host, or even no text. A string that was freed may not be read.
 std::string Layer::textOfError(const char* errMsg) const {
     if (errMsg == nullptr) return "";
-    if (m_contract.nameOf(errMsg) == "unknown") return readableText(errMsg);
     const std::size_t size = stateOf(errMsg).size;
-    return {errMsg, strnlen(errMsg, size)};
+    if (size == 0) return readText(errMsg);
+    return m_contract.nameOf(errMsg) == "unknown" ? "" : std::string(errMsg, strnlen(errMsg, size));
 }
 
 template <class Content>

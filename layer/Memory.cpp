@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kLeastSize = 32;
 constexpr std::size_t kSizes = 12;  // 32 bytes, 64 bytes, ... 64 KiB
-constexpr std::size_t kBlock = 256 * 1024;
+constexpr std::size_t kBlock = std::size_t{256} * 1024;
 
 // Stands before each piece of memory that is in use. Free pieces of a size are a list.
 union alignas(std::max_align_t) Head {

@@ -1,27 +1,19 @@
 #include "layer/OpenEntries.h"
 
 #include <sys/syscall.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
 
+#include "layer/ForeignMemory.h"
+
 namespace vexa::layer {
 namespace {
 
 // On x86-64 the frame starts with the caller's frame address, and the return address follows.
 const void* const* returnAddressOf(const void* frame) { return static_cast<const void* const*>(frame) + 1; }
-
-// The word at an address that may not be mapped any more.
-std::optional<const void*> readWord(const void* const* address) {
-    const void* word = nullptr;
-    iovec to{&word, sizeof word};
-    iovec from{const_cast<const void**>(address), sizeof word};
-    const bool isRead = process_vm_readv(getpid(), &to, 1, &from, 1, 0) == static_cast<ssize_t>(sizeof word);
-    return isRead ? std::optional(word) : std::nullopt;
-}
 
 bool isThreadGone(long thread) { return syscall(SYS_tgkill, getpid(), thread, 0) != 0 && errno == ESRCH; }
 
@@ -58,8 +50,9 @@ std::vector<LeftEntry> OpenEntries::takeEnded() {
 // A frame that was left is overwritten sooner or later. A thread that has ended left all of its frames.
 bool OpenEntries::hasEnded(const Open& entry) {
     if (isThreadGone(entry.thread)) return true;
-    const auto word = readWord(returnAddressOf(entry.frame));
-    return word && *word != entry.returnAddress;
+    const void* word = nullptr;
+    const bool isRead = readMemory(returnAddressOf(entry.frame), &word, sizeof word);
+    return isRead && word != entry.returnAddress;
 }
 
 }  // namespace vexa::layer

@@ -25,7 +25,7 @@ struct EventMessage {
 };
 
 /// A longer text in a message is cut. So each message fits the buffer of a socket.
-inline constexpr std::size_t kLongestText = 16 * 1024;
+inline constexpr std::size_t kLongestText = std::size_t{16} * 1024;
 
 /// \p message as bytes, for readMessage() of the same version.
 std::string bytesOf(const EventMessage& message);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <future>
 #include <string>
 #include <thread>
 #include <vector>
@@ -187,18 +188,24 @@ TEST(OtherHost, IsToldOfEachFindingAndWhereItIs) {
 
 TEST(OtherHost, MayEnterAddOnsOnTwoThreadsAtOnce) {
     OtherHost host;
+    std::promise<void> entered;
+    std::promise<void> called;
     host.call<F::VexaUtilAuxDataBeginAssign>();
-    std::thread([&] {
+    std::thread second([&] {
         host.contract().enter({Entry_e::Command, "SECOND", "GO", "command 2"});
         host.call<F::VexaUtilAuxDataEndAssign>();  // of its own command, which has begun nothing
+        entered.set_value();
+        called.get_future().wait();
         host.contract().leave();
-    }).join();
+    });
+    entered.get_future().wait();
+    host.call<F::VexaUtilAuxDataEndAssign>();
+    called.set_value();
+    second.join();
+    host.finish();
     ASSERT_EQ(host.findings().size(), 1U);
     EXPECT_EQ(host.first().addOnId, "SECOND");
     EXPECT_EQ(host.first().seen.macroLine, "command 2");
-    host.call<F::VexaUtilAuxDataEndAssign>();
-    host.finish();
-    EXPECT_EQ(host.findings().size(), 1U);
 }
 
 TEST(OtherHost, MayLearnLaterThatACommandWasAbandoned) {

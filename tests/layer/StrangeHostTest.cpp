@@ -54,12 +54,15 @@ protected:
 
 private:
     ProgramResult start(Lines words, const Lines& commands) const {
-        words.insert(words.end(), {STRANGE_HOST, STRANGE_ADDON});
+        words.insert(words.end(), {m_host, STRANGE_ADDON});
         words.insert(words.end(), commands.begin(), commands.end());
         return e2e::runProgram({words, m_folder.path(), "", false});
     }
 
     const tests::TemporaryFolder m_folder;
+
+protected:
+    const char* m_host = STRANGE_HOST;
 };
 
 // ---- As without the layer
@@ -69,7 +72,8 @@ class Unchanged : public StrangeHost, public ::testing::WithParamInterface<const
 INSTANTIATE_TEST_SUITE_P(Layer, Unchanged,
                          ::testing::Values("ask", "errno", "floating-point", "signal-mask", "catch", "jump", "nested",
                                            "throw", "signals", "end-threads", "fork", "by-address", "lock", "exit",
-                                           "crash", "load", "fail", "threads ask", "threads fail", "close-all"));
+                                           "crash", "load", "fail", "threads ask", "threads fail", "thread exit-thread",
+                                           "close-all"));
 
 TEST_P(Unchanged, IsWhatTheProgramPrintsAndItsStatus) {
     const ProgramResult plain = run({GetParam(), "ask"});
@@ -109,6 +113,10 @@ TEST_F(StrangeHost, HasAFindingForAJumpOfTheHostOverTheAddOn) {
     EXPECT_EQ(rulesIn(attach({"jump", "ask"})), Lines{"escaped-exception"});
 }
 
+TEST_F(StrangeHost, HasAFindingForAThreadThatEndsInTheAddOn) {
+    EXPECT_EQ(rulesIn(attach({"thread exit-thread"})), Lines{"escaped-exception"});
+}
+
 TEST_F(StrangeHost, HasAFindingForACallOfAnotherThread) {
     EXPECT_EQ(rulesIn(attach({"end-threads"})), (Lines{"wrong-thread", "wrong-thread"}));
 }
@@ -129,6 +137,11 @@ TEST_F(StrangeHost, KeepsTheFindingsAfterTheProgramHasClosedAllFiles) {
 
 TEST_F(StrangeHost, FindsWhatALibraryDoesThatACommandLoads) {
     EXPECT_EQ(rulesIn(attach({"load"})), (Lines{"null-handle", "unbalanced-lock"}));
+}
+
+TEST_F(StrangeHost, MayHaveAnotherKindOfHashTable) {
+    m_host = STRANGE_HOST_SYSV;
+    EXPECT_EQ(rulesIn(attach({"lock", "load"})), (Lines{"unbalanced-lock", "null-handle", "unbalanced-lock"}));
 }
 
 TEST_F(StrangeHost, MayAskForAnotherEntry) {

@@ -1,6 +1,9 @@
 // The facts file: it is completed, and written as a whole or not at all.
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+
+#include <csignal>
 
 #include "ProbedHost.h"
 
@@ -31,6 +34,22 @@ TEST_F(ProbeFile, LeavesNoOtherFileBehind) {
     load();
     write("RISKY = TRUE");
     host.unloadAddOns();
+    EXPECT_EQ(folder.count(), 1);
+}
+
+TEST_F(ProbeFile, StaysAsItIsIfItCannotBeWrittenWhole) {
+    load();
+    write();
+    const Json before = content();
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small = {1000, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const std::string error = write("RISKY = TRUE");
+    setrlimit(RLIMIT_FSIZE, &limit);
+    EXPECT_EQ(error, file() + ": cannot be written: File too large");
+    EXPECT_EQ(content(), before);
     EXPECT_EQ(folder.count(), 1);
 }
 

@@ -78,7 +78,7 @@ ExitStatus_e attach(AttachOptions& options) {
     try {
         return runAttached(options, file, layer);
     } catch (const std::system_error& error) {
-        return refuse(file, "it cannot be started: " + error.code().message());
+        return refuse(file, std::string("it cannot be started: ") + error.what());
     }
 }
 

@@ -23,7 +23,7 @@ public:
     LayerEvents(const ContractOptions& options, standin::ObserverInterface* traces);
 
     /// Takes a message of the layer.
-    void take(std::string_view message);
+    void take(std::string_view bytes);
     /// Call it when no more messages come.
     void finish();
 

@@ -104,7 +104,7 @@ std::string findProgram(const std::string& name) {
     const std::string_view path = environment("PATH");
     std::istringstream folders(std::string(path.empty() ? kUsualPath : path));
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string file = (folder.empty() ? "." : folder) + '/' + name;
+        std::string file = (folder.empty() ? "." : folder) + '/' + name;
         if (isExecutableFile(file)) return file;
     }
     return "";

@@ -7,7 +7,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr int kAllDone = 100;
+constexpr long kAllDone = 100;
 
 }  // namespace
 
@@ -18,7 +18,7 @@ std::optional<standin::StatusLine> StatusCalls::changeBy(const standin::CallEven
         return m_line = {call.arguments, 0, true, true, true};
     }
     if (function == "VexaUtilStatusCheckPercentDone" && line.active) {
-        line.percent = std::clamp(std::atoi(call.arguments.c_str()), 0, kAllDone);
+        line.percent = static_cast<int>(std::clamp(std::strtol(call.arguments.c_str(), nullptr, 10), 0L, kAllDone));
     } else if (function == "VexaUtilStatusSetPercentDoneText" && line.active) {
         line.text = call.arguments;
     } else if (function == "VexaUtilStatusFinishPercentDone") {

@@ -26,9 +26,11 @@ constexpr const char* kSocket = "/socket";
 
 // The path of a socket is short, so that a long folder for temporary files cannot be used.
 std::string newFolder() {
-    std::error_code ignored;
-    std::string folder = fs::temp_directory_path(ignored).string() + kFolder;
-    if (folder.size() + std::strlen(kSocket) >= sizeof(sockaddr_un::sun_path)) folder = std::string("/tmp") + kFolder;
+    std::error_code error;
+    const std::string place = fs::temp_directory_path(error).string();
+    const bool isUsable =
+        !error && place.size() + std::strlen(kFolder) + std::strlen(kSocket) < sizeof(sockaddr_un::sun_path);
+    std::string folder = (isUsable ? place : "/tmp") + kFolder;
     if (mkdtemp(folder.data()) == nullptr) throwLastError(folder.c_str());
     return folder;
 }

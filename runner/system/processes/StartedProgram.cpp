@@ -34,6 +34,7 @@ StartedProgram::StartedProgram(const std::string& path, const std::vector<std::s
                                const std::vector<std::pair<std::string, std::string>>& variables,
                                const sigset_t& mask) {
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
     // If SIGCHLD is ignored, the system reaps children before we can.

@@ -100,9 +100,15 @@ TEST_F(Attach, CountsTheFindingsAfterTheTenthAndNamesUnusedSuppressions) {
         << err;
 }
 
-TEST_F(Attach, GivesAnAddOnThatBreaksARuleAtLoadItsId) {
-    const Words program = host("LOCKING a\n", {"--suppress", "unbalanced-lock"}, LOCKING_ADDON);
-    EXPECT_EQ(attach(program).err.find("LOCKING: error: "), 0U) << attach(program).err;
+TEST_F(Attach, GivesFindingsOfALoadingTheIdOfTheAddOn) {
+    const std::string err = attach(host("LOCKING a\n", {}, LOCKING_ADDON)).err;
+    EXPECT_NE(err.find("\nLOCKING: error: VexaUtilStatusSetPercentDoneText was called before the status line was "
+                       "started [status-not-started]\n"),
+              std::string::npos)
+        << err;
+    EXPECT_NE(err.find("\nLOCKING: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the loading "),
+              std::string::npos)
+        << err;
 }
 
 TEST_F(Attach, WritesFindingsToTheLog) {
@@ -207,6 +213,15 @@ TEST_F(Attach, LeavesNoFileBehind) {
     program.arguments.insert(program.arguments.begin(), {"env", "TMPDIR=" + folder().string()});
     runProgram(program);
     EXPECT_EQ(fileNames(), Words());
+}
+
+TEST_F(Attach, DoesWithoutTheFolderForTemporaryFiles) {
+    Program program = attached(host("ONE LEAVELOCKOPEN\n", {"--suppress", "unbalanced-lock"}));
+    for (const std::string& place : {std::string("/no/such/folder"), "/tmp/" + std::string(100, 'x')}) {
+        Program started = program;
+        started.arguments.insert(started.arguments.begin(), {"env", "TMPDIR=" + place});
+        EXPECT_EQ(runProgram(started).err, kLockFinding) << place;
+    }
 }
 
 // ---- Scripts

@@ -1,10 +1,12 @@
 // An add-on that does what is hard to watch. Its commands print what they see of their own state.
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <xmmintrin.h>
 
 #include <cerrno>
 #include <cfenv>
@@ -37,16 +39,18 @@ void keepErrno() {
     std::printf("%s, ", errno == EDOM ? "the host's" : "lost");
 }
 
-// The layer's own arithmetic must neither leave flags nor be rounded or interrupted in the add-on's way.
+// The layer's own arithmetic must neither leave flags nor be rounded or interrupted in the add-on's way. The C library
+// shows the state of the old floating-point unit; calculations use the one of _mm_getcsr().
 void keepFloatingPoint() {
     std::feclearexcept(FE_ALL_EXCEPT);
     std::fesetround(FE_UPWARD);
     feenableexcept(FE_INEXACT | FE_DIVBYZERO);
+    const unsigned state = _mm_getcsr();
     std::vector<ThreadMutex_s*> mutexes(1000);
     for (ThreadMutex_s*& mutex : mutexes) mutex = VexaUtilThreadMutexAlloc();
     for (ThreadMutex_s*& mutex : mutexes) VexaUtilThreadMutexDealloc(&mutex);
-    const bool areKept = std::fegetround() == FE_UPWARD && std::fetestexcept(FE_ALL_EXCEPT) == 0 &&
-                         fegetexcept() == (FE_INEXACT | FE_DIVBYZERO);
+    const bool areKept = _mm_getcsr() == state && std::fegetround() == FE_UPWARD &&
+                         std::fetestexcept(FE_ALL_EXCEPT) == 0 && fegetexcept() == (FE_INEXACT | FE_DIVBYZERO);
     fedisableexcept(FE_ALL_EXCEPT);
     VexaUtilStateIsProcessingLayout();
     std::printf("%s, %s, ", areKept ? "kept" : "changed", std::fegetround() == FE_DOWNWARD ? "the host's" : "lost");
@@ -115,6 +119,16 @@ void callByAddress() {
     find("VexaUtilLockStart")(theIdentity);
     static void (*const volatile finish)(AddOnList_s*) = VexaUtilLockFinish;
     finish(theIdentity);
+    void* const library = dlopen("libc.so.6", RTLD_NOW);
+    std::printf("%s, ", dlsym(library, "VexaUtilLockStart") == nullptr ? "not in the C library" : "found");
+    dlclose(library);
+}
+
+// The numbers of closed files are used again.
+void closeAll() {
+    closefrom(STDERR_FILENO + 1);
+    const int nothing = open("/dev/null", O_WRONLY);
+    for (int number = 200; number != 210; ++number) dup2(nothing, number);
 }
 
 VexaBoolean execute(const char* command, char** errMsg) {
@@ -132,7 +146,8 @@ VexaBoolean execute(const char* command, char** errMsg) {
     if (wanted == "fork") callInForkedProcess();
     if (wanted == "by-address") callByAddress();
     if (wanted == "lock") VexaUtilLockStart(theIdentity);
-    if (wanted == "close-all") closefrom(STDERR_FILENO + 1);
+    if (wanted == "close-all") closeAll();
+    if (wanted == "exit-thread") pthread_exit(nullptr);
     if (wanted == "exit") std::exit(5);
     if (wanted == "crash") std::raise(SIGSEGV);
     if (wanted == "load") dlclose(dlopen(LATER_LIBRARY, RTLD_NOW));

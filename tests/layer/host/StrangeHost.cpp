@@ -3,8 +3,8 @@
 //
 //     strange-host ADDON COMMAND...   runs the commands, and prints what became of each
 //
-// `threads COMMAND` runs the command on eight threads at once. The environment variable STRANGE_ENTRY names the
-// function that the host asks the add-on for.
+// `threads COMMAND` runs the command on eight threads at once, `thread COMMAND` on one. The environment variable
+// STRANGE_ENTRY names the function that the host asks the add-on for.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -42,11 +42,11 @@ std::string run(const char* command) {
     }
 }
 
-void runOnThreads(const std::string& command) {
+void runOnThreads(const std::string& command, int count, int rounds) {
     std::vector<std::thread> threads;
-    for (int i = 0; i != 8; ++i) {
+    for (int i = 0; i != count; ++i) {
         threads.emplace_back([&] {
-            for (int round = 0; round != 20; ++round) {
+            for (int round = 0; round != rounds; ++round) {
                 char* error = nullptr;
                 theAddOn->execute(command.c_str(), &error);
             }
@@ -107,7 +107,10 @@ int main(int argc, char** argv) {
         std::printf("%s: ", argv[i]);
         std::fflush(stdout);
         if (std::strncmp(argv[i], "threads ", 8) == 0) {
-            runOnThreads(argv[i] + 8);
+            runOnThreads(argv[i] + 8, 8, 20);
+            std::puts("done");
+        } else if (std::strncmp(argv[i], "thread ", 7) == 0) {
+            runOnThreads(argv[i] + 7, 1, 1);
             std::puts("done");
         } else {
             std::puts(run(argv[i]).c_str());

@@ -1,4 +1,4 @@
-// An add-on that breaks a rule while it is loaded.
+// An add-on that breaks rules while it is loaded.
 
 #include "vexa/AddOn.h"
 
@@ -10,6 +10,7 @@ VexaBoolean execute(const char*, char**) { return 1; }
 
 const VexaAddOn_s* ENTRY(AddOnList_s* self) {
     static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, "LOCKING", nullptr, execute, nullptr};
+    VexaUtilStatusSetPercentDoneText("not started");
     VexaUtilLockStart(self);
     return &description;
 }
