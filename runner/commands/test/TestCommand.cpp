@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "commands/test/LineDifference.h"
+#include "text/LineDifference.h"
 #include "commands/test/Transcript.h"
 #include "formats/JunitText.h"
 #include "options/CommonOptions.h"

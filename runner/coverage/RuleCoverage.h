@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/report/TracedRun.h"
+#include "trace/TracedRun.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {

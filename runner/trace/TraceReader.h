@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "commands/report/TracedRun.h"
+#include "trace/TracedRun.h"
 
 namespace vexa::runner {
 
