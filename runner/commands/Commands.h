@@ -7,6 +7,9 @@ namespace vexa::runner {
 /// `check` runs the tests of checkTests() on an add-on.
 Command checkCommand();
 
+/// `coverage` shows how much of the host's contract runs have used.
+Command coverageCommand();
+
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();
 

@@ -17,4 +17,13 @@ public:
 /// \throws TraceError
 TracedRun readTrace(const std::string& file);
 
+/// Reads a trace from its text.
+/// \param name the file in messages
+/// \throws TraceError
+TracedRun traceIn(const std::string& text, const std::string& name);
+
+/// Reads a file for traceIn(); `-` is the standard input. Sets \p name to the file in messages.
+/// \throws TraceError
+std::string traceTextOf(const std::string& file, std::string& name);
+
 }  // namespace vexa::runner
