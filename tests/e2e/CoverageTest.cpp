@@ -91,5 +91,92 @@ TEST_F(Coverage, OfAnotherFileIsRefused) {
     }
 }
 
+// ---- The option --coverage
+
+TEST_F(Coverage, OfARunIsThatOfItsTrace) {
+    const ProgramResult result = runMacro("ONE SAY a\nONE FAIL b\n", {"--keep-going", "--trace", "t.json", "--record",
+                                                                      "r.macro", "--coverage", "c.json"});
+    EXPECT_EQ(result.status, 1);
+    ASSERT_EQ(coverage({"t.json", "--json", "d.json"}).status, 0);
+    EXPECT_EQ(read("c.json"), read("d.json"));
+}
+
+TEST_F(Coverage, OfARunIsTheSameInProcess) {
+    const std::string macro = "ONE SAY a\nONE FAIL b\n";
+    runMacro(macro, {"--keep-going", "--coverage", "c.json"});
+    runMacro(macro, {"--keep-going", "--coverage", "d.json", "--in-process"});
+    EXPECT_TRUE(hasCommand("c.json", "ONE FAIL"));
+    EXPECT_EQ(read("c.json"), read("d.json"));
+}
+
+TEST_F(Coverage, GrowsWithEachRun) {
+    runMacro("ONE ECHO a\n", {"--coverage", "c.json"});
+    runMacro("ONE FAIL a\n", {"--coverage", "c.json"});
+    EXPECT_TRUE(hasCommand("c.json", "ONE ECHO"));
+    EXPECT_TRUE(hasCommand("c.json", "ONE FAIL"));
+    const std::string all = read("c.json");
+    runMacro("ONE ECHO a\n", {"--coverage", "c.json"});
+    EXPECT_EQ(read("c.json"), all);
+}
+
+TEST_F(Coverage, OfARunThatDiedIsKept) {
+    EXPECT_EQ(runMacro("ONE FAIL a\nONE KILL\n", {"--keep-going", "--coverage", "c.json"}).status, 5);
+    EXPECT_TRUE(hasCommand("c.json", "ONE FAIL"));
+    EXPECT_EQ(json("c.json")["commands"]["ONE KILL"]["ends"], Json::array());
+}
+
+TEST_F(Coverage, OfManyRunsIsThatOfAll) {
+    write("a.macro", "ONE ECHO a\n");
+    write("b.macro", "ONE FAIL a\n");
+    const ProgramResult result =
+        runProgram(runner({"run", "a.macro", "b.macro", "--addon", ADDON_ONE, "--jobs", "2", "--coverage", "c.json"}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(hasCommand("c.json", "ONE ECHO"));
+    EXPECT_TRUE(hasCommand("c.json", "ONE FAIL"));
+}
+
+TEST_F(Coverage, OfTestsIsThatOfTheirMacros) {
+    write("a.macro", "ONE SAY a\n");
+    write("b.macro", "ONE FAIL a\n");
+    const std::vector<std::string> words = {"test", "a.macro", "b.macro", "--addon", ADDON_ONE, "--accept"};
+    for (const char* const more : {"--jobs=2", "--in-process"}) {
+        std::filesystem::remove(folder() / "c.json");
+        std::vector<std::string> arguments = words;
+        arguments.insert(arguments.end(), {"--coverage", "c.json", more});
+        EXPECT_EQ(runProgram(runner(arguments)).status, 0);
+        EXPECT_TRUE(hasCommand("c.json", "ONE SAY")) << more;
+        EXPECT_TRUE(hasCommand("c.json", "ONE FAIL")) << more;
+        const Json answers = json("c.json")["commands"]["ONE SAY"]["calls"]["VexaUtilMacroRecordExtCommand"];
+        EXPECT_EQ(answers, Json::array({"1"})) << more;
+    }
+}
+
+TEST_F(Coverage, OfACheckHasFailingCallsAndNoMadeUpNames) {
+    write("a.macro", "ONE SAY a\n");
+    for (const char* const more : {"--level=3", "--in-process"}) {
+        std::filesystem::remove(folder() / "c.json");
+        runProgram(runner({"check", ADDON_ONE, "--macro", "a.macro", "--time", "0.1", "--coverage", "c.json", more}));
+        const Json commands = json("c.json")["commands"];
+        for (const auto& [name, command] : commands.items()) {
+            const bool isKnown = name == "ONE SAY" || name == "ONE (other text)" || name.front() == '(';
+            EXPECT_TRUE(isKnown) << name << ' ' << more;
+        }
+        EXPECT_EQ(commands["ONE SAY"]["calls"]["VexaUtilMacroRecordExtCommand"], Json::array({"0", "1"})) << more;
+    }
+}
+
+TEST_F(Coverage, FileIsCheckedBeforeTheRun) {
+    write("notes", "keep me\n");
+    for (const char* const file : {"notes", "m.macro"}) {
+        const ProgramResult result = runMacro("ONE ECHO a\n", {"--coverage", file});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+    }
+    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--coverage", "notes"}).err,
+              "notes: cannot be written: it exists, and is not a coverage file\n");
+    EXPECT_EQ(read("notes"), "keep me\n");
+    EXPECT_EQ(runMacro("ONE ECHO a\n", {"--coverage", "-"}).status, 2);
+}
+
 }  // namespace
 }  // namespace vexa::e2e
