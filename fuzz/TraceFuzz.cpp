@@ -10,7 +10,7 @@
 
 #include "MemoryFile.h"
 #include "commands/report/PageData.h"
-#include "commands/report/TraceReader.h"
+#include "trace/TraceReader.h"
 #include "system/files/WholeFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "trace/EventTrace.h"

@@ -12,6 +12,8 @@ Command checkCommand();
 
 /// `compare-hosts` prints the differences between the facts of two facts files.
 Command compareHostsCommand();
+/// `coverage` shows how much of the host's contract runs have used.
+Command coverageCommand();
 
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();

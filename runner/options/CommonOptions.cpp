@@ -41,6 +41,12 @@ Option styleOption(std::optional<std::string>& file) {
         "The file of the host's style settings; - reads the standard input; 'style --help' describes the file", &file);
 }
 
+Option coverageOption(std::optional<std::string>& file) {
+    return option({"--coverage"}, "FILE",
+                  "Add what the add-ons used of the host's contract to this file; see 'coverage'", &file)
+        .check(whyNoStream);
+}
+
 std::string whyNoStream(const std::string& path) {
     return path == "-" ? "a standard stream cannot be used here; for a file or folder called -, write ./-" : "";
 }

@@ -22,6 +22,9 @@ Option jobsOption(std::size_t& jobs, const std::string& what);
 /// `--style`: the style file.
 Option styleOption(std::optional<std::string>& file);
 
+/// `--coverage`: the coverage file to add to.
+Option coverageOption(std::optional<std::string>& file);
+
 /// The check of options that name an add-on or a folder: refuses `-`, which names a standard stream.
 std::string whyNoStream(const std::string& path);
 

@@ -10,11 +10,13 @@
 #include <utility>
 #include <vector>
 
+#include "coverage/CoverageObserver.h"
 #include "formats/MacroText.h"
 #include "formats/ResultsFile.h"
 #include "formats/StyleFile.h"
 #include "options/PrintedOutput.h"
 #include "options/Refusals.h"
+#include "session/CoverageNotes.h"
 #include "session/FindingPrinter.h"
 #include "session/Replay.h"
 #include "session/RunOutputs.h"
@@ -102,6 +104,9 @@ private:
         } catch (const OutputError& error) {
             tell(error.what());
             return false;
+        }
+        if (m_options.coverage) {
+            m_traces.add(m_coverage.emplace(coverageSettingOf(m_options.contract), coverageTeller(m_notes)));
         }
         m_host.setObserver(m_traces.observer());
         m_stopButton.install();
@@ -238,6 +243,7 @@ private:
     std::set<std::string> m_ids;  // of the loaded add-ons
     MacroFile m_macro;
     bool m_isRunning = false;  // commands run, and their recording is not written yet
+    std::optional<CoverageObserver> m_coverage;
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;
     std::size_t m_run = 0;

@@ -1,6 +1,7 @@
 #include "session/RunOutputs.h"
 
 #include "formats/MacroText.h"
+#include "session/CoverageNotes.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
@@ -20,6 +21,7 @@ void RunOutputs::tell(char kind, std::string_view text) {
             m_end = text;
             if (!m_keepsEndBack) tellEnd();
             return;
+        case kCoverageNote: return addCoverageNote(m_coverage, text);
         case kBeganNote: m_isLeft = true; return;
         default: return;
     }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "coverage/Coverage.h"
 #include "session/watch/Notes.h"
 #include "system/files/WholeOutput.h"
 
@@ -45,6 +46,9 @@ public:
     void tell(char kind, std::string_view text) override;
     std::string ask(char kind, std::string_view text) override;
 
+    /// Returns the coverage that the run has reported so far. Call it when the run is over.
+    const Coverage& coverage() const { return m_coverage; }
+
     /// Writes the recording and the journal of a run that ended before it sent kWriteNote. If no command started, the
     /// files stay unchanged.
     /// \return false if a file could not be written. The function has then printed the error.
@@ -66,6 +70,7 @@ private:
     std::function<void(std::string_view)> m_results;
     bool m_keepsEndBack = false;
     std::string m_end;
+    Coverage m_coverage;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
     bool m_isLeft = false;  // commands have started, and their outputs are not written yet

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <memory>
 
+#include "coverage/CoverageFile.h"
 #include "formats/ResultsFile.h"
 #include "session/FindingPrinter.h"
 #include "session/watch/Death.h"
@@ -54,6 +55,7 @@ public:
             setting.limitTime(m_options.contract.timeout);
             runInProcesses(signals, 1, setting, *this);
         }
+        if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_run.outputs().coverage());
         if (m_results) m_results->close();
         return m_status;
     }

@@ -28,7 +28,9 @@ public:
     /// Opens the files.
     /// \throws OutputError if a trace cannot be written.
     void open(const TraceOptions& options);
-    /// The observer of the run; null if there is no trace to write.
+    /// Also passes the events to \p observer, which must live as long as events come.
+    void add(standin::ObserverInterface& observer) { m_traces.push_back(&observer); }
+    /// The observer of the run; null if there is nothing to pass events to.
     standin::ObserverInterface* observer();
     /// Ends the traces. Call it once, after all add-ons are unloaded. Reports a trace that could not be written.
     /// \return \p status; ExitStatus_e::BadUsageOrInput if a trace could not be written.

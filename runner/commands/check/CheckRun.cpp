@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <list>
 #include <random>
 #include <set>
@@ -15,7 +16,10 @@
 #include "commands/check/ToldCauses.h"
 #include "commands/check/tests/Tests.h"
 #include "commands/check/trial/Trial.h"
+#include "coverage/CoverageCollector.h"
+#include "coverage/CoverageFile.h"
 #include "formats/MacroFile.h"
+#include "session/CoverageNotes.h"
 #include "session/ProjectSettings.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
@@ -40,6 +44,14 @@ std::string indented(const std::string& lines) {
     std::string text = "      ";
     for (const char c : lines) text += c == '\n' ? "\n      " : std::string(1, c);
     return text;
+}
+
+// Returns the names of the commands and options of `steps`. The tests damage commands, and names that a test made up
+// are of no interest.
+Coverage namesIn(const std::vector<MacroCommand>& steps) {
+    CoverageCollector collector({});
+    for (const MacroCommand& step : steps) collector.enter("command", step.addOnId, step.text, 1);
+    return collector.takeNews();
 }
 
 class Check {
@@ -83,6 +95,8 @@ private:
         m_files = inputsOf(session());
         m_files.read(m_options.macros);
         for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
+        m_files.write(m_options.coverage);
+        if (m_options.coverage) checkCoverageFile(*m_options.coverage);
         if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
         if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
         if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
@@ -101,6 +115,12 @@ private:
         m_subject.time = std::chrono::ceil<milliseconds>(Seconds(m_options.time));
         m_setting.inProcess = session().inProcess;
         m_setting.timeout = std::chrono::ceil<milliseconds>(session().contract.timeout.value_or(kTimeout));
+        if (m_options.coverage) {
+            m_setting.coverage = &m_coverage;
+            m_subject.coverage = coverageSettingOf(session().contract);
+            m_subject.coverage->isStrict = true;  // the tests play recordings back
+            m_subject.coverage->hasTimeLimit = true;
+        }
         m_report.addOn = m_options.addOn;
         m_report.seed = m_subject.seed;
         m_report.level = m_options.level;
@@ -123,6 +143,7 @@ private:
             isReadable &= macro.problems.empty();
             m_subject.steps.insert(m_subject.steps.end(), macro.commands.begin(), macro.commands.end());
         }
+        if (m_subject.coverage) m_subject.coverage->known = namesIn(m_subject.steps);
         return isReadable;
     }
 
@@ -205,9 +226,21 @@ private:
         const std::string causes = m_causes.summary();
         if (!causes.empty()) std::printf("%s\n", causes.c_str());
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
+        if (m_options.coverage) writeCoverage();
         for (auto& [output, text] : m_reports) output.replace(text(m_report));
         if (m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
         return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    }
+
+    // Leaves out the commands of the add-on that is part of a test.
+    void writeCoverage() {
+        auto& commands = m_coverage.commands;
+        for (auto command = commands.begin(); command != commands.end();) {
+            const std::string& name = command->first;
+            const bool isOfTest = name.front() != '(' && m_addOnIds.count(name.substr(0, name.find(' '))) == 0;
+            command = isOfTest ? commands.erase(command) : std::next(command);
+        }
+        addToCoverageFile(*m_options.coverage, m_coverage);
     }
 
     const CheckTest* m_loadTest = findCheckTest("load");
@@ -217,6 +250,7 @@ private:
     TestSetting m_setting{m_signals};
     std::set<std::string> m_addOnIds;
     CheckReport m_report;
+    Coverage m_coverage;
     ToldCauses m_causes;
     RunFiles m_files;
     std::list<std::pair<WholeOutput, ReportText>> m_reports;

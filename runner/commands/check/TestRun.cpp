@@ -15,6 +15,7 @@
 #include "commands/check/MacroShrinker.h"
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/Confinement.h"
+#include "session/CoverageNotes.h"
 #include "system/files/ScratchFolder.h"
 #include "text/Lines.h"
 #include "text/Seconds.h"
@@ -171,6 +172,9 @@ TestResult runTest(const CheckTest& test, const Subject& subject, const TestSett
     } else if (setting.inProcess) {
         const auto process = std::make_unique<ProcessBox>();
         box->process = process.get();
+        Coverage unwanted;
+        CoverageReceiver receiver(setting.coverage == nullptr ? unwanted : *setting.coverage);
+        box->notes = &receiver;
         result.verdict = verdictOf(test, subject, *box);
     } else {
         result.verdict = watchedVerdict(setting, *box, [&] { return verdictOf(test, subject, *box); });

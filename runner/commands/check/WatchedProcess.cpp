@@ -8,6 +8,7 @@
 #include <fstream>
 #include <new>
 
+#include "session/CoverageNotes.h"
 #include "session/watch/Death.h"
 
 namespace vexa::runner {
@@ -46,15 +47,16 @@ void limitResources() {
 
 class WatchedTest : public ProcessWorkInterface, private NotesInterface {
 public:
-    WatchedTest(BlackBox& box, std::chrono::milliseconds timeout, const std::function<Verdict()>& work)
-        : m_box(box), m_timeout(timeout), m_work(work) {}
+    WatchedTest(BlackBox& box, const TestSetting& setting, const std::function<Verdict()>& work)
+        : m_box(box), m_setting(setting), m_work(work) {}
 
     int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
         limitResources();
         boxOfThisProcess = &m_box;
         std::set_new_handler(noteWantOfMemory);
         m_box.process = &box;
-        m_box.timeout = m_timeout;
+        m_box.notes = &notes;
+        m_box.timeout = m_setting.timeout;
         m_box.touch();
         const Verdict verdict = m_work();
         notes.tell(kMacroNote, verdict.macro);
@@ -73,7 +75,9 @@ public:
 
 private:
     void tell(char kind, std::string_view text) override {
-        if (kind == kMacroNote) {
+        if (kind == kCoverageNote) {
+            if (m_setting.coverage != nullptr) addCoverageNote(*m_setting.coverage, text);
+        } else if (kind == kMacroNote) {
             m_macro = text;
         } else {
             m_end.verdict = Verdict{static_cast<Outcome_e>(kind - kFirstOutcome), std::string(text), m_macro};
@@ -82,7 +86,7 @@ private:
     std::string ask(char, std::string_view) override { return ""; }
 
     BlackBox& m_box;
-    std::chrono::milliseconds m_timeout;
+    const TestSetting& m_setting;
     const std::function<Verdict()>& m_work;
     std::string m_macro;
     ProcessEnd m_end;
@@ -99,7 +103,7 @@ ProcessEnd runWatched(const TestSetting& test, BlackBox& box, const std::functio
     setting.isTimed = true;
     setting.timeToLeave = kTimeToLeave;
     setting.leavesAtOnce = true;
-    WatchedTest watched(box, test.timeout, work);
+    WatchedTest watched(box, test, work);
     runInProcesses(test.signals, 1, setting, watched);
     return watched.result();
 }

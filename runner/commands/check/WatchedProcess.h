@@ -6,6 +6,7 @@
 
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/CheckTest.h"
+#include "coverage/Coverage.h"
 #include "session/watch/Processes.h"
 
 namespace vexa::runner {
@@ -15,6 +16,7 @@ struct TestSetting {
     const AwaitedSignals& signals;        ///< the signals that end the whole check
     bool inProcess = false;               ///< true to run tests in this process, for a debugger
     std::chrono::milliseconds timeout{};  ///< the limit for each command; after it, the process of the test is killed
+    Coverage* coverage = nullptr;         ///< what the tests add their coverage to; null for nothing
 };
 
 /// The end of a process that ran a test.

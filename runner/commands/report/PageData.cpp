@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
-#include "commands/report/RuleCoverage.h"
+#include "coverage/RuleCoverage.h"
 #include "vexastandin/HostFunctions.h"
 
 namespace vexa::runner {

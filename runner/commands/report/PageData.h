@@ -2,7 +2,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include "commands/report/TracedRun.h"
+#include "trace/TracedRun.h"
 
 namespace vexa::runner {
 

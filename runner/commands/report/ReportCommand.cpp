@@ -4,7 +4,7 @@
 #include <string>
 
 #include "commands/report/ReportPage.h"
-#include "commands/report/TraceReader.h"
+#include "trace/TraceReader.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
 #include "system/files/WholeOutput.h"

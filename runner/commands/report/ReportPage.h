@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "commands/report/TracedRun.h"
+#include "trace/TracedRun.h"
 
 namespace vexa::runner {
 

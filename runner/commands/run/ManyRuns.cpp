@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "coverage/CoverageFile.h"
 #include "session/WatchedRun.h"
 #include "session/watch/Death.h"
 #include "system/files/LiveFile.h"
@@ -29,6 +30,7 @@ public:
         const std::size_t left = m_macroFiles.size() - ended;
         if (left > 0) note(ExitStatus_e::Stopped, std::to_string(left) + " not begun: stopped by Ctrl-C");
         closeResults();
+        writeCoverage();
         tell(kProgramName,
              std::to_string(ended) + " macro files run, " + std::to_string(m_failed) + " failed" + m_notes);
         return static_cast<ExitStatus_e>(m_status);
@@ -48,6 +50,7 @@ public:
         print(outcome.err, stderr);
         const ExitStatus_e status = statusOf(index, box, outcome);
         if (m_results) m_results->append(m_runs[index]->results);
+        merge(m_coverage, m_runs[index]->watched.outputs().coverage());
         m_runs[index].reset();
         if (status == ExitStatus_e::AllWell) return;
         ++m_failed;
@@ -87,6 +90,14 @@ private:
         }
     }
 
+    void writeCoverage() {
+        try {
+            if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_coverage);
+        } catch (const OutputError& error) {
+            note(ExitStatus_e::BadUsageOrInput, error.what());
+        }
+    }
+
     void note(ExitStatus_e status, const std::string& text) {
         m_status = std::max(m_status, static_cast<int>(status));
         m_notes += '\n' + text;
@@ -96,6 +107,7 @@ private:
     const std::vector<std::string>& m_macroFiles;
     std::unique_ptr<LiveFile> m_results;
     std::vector<std::unique_ptr<Run>> m_runs;
+    Coverage m_coverage;
     std::size_t m_failed = 0;
     int m_status = 0;
     std::string m_notes;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commands/run/ManyRuns.h"
+#include "coverage/CoverageFile.h"
 #include "options/CommonOptions.h"
 #include "options/UsageError.h"
 #include "session/ProjectSettings.h"
@@ -100,9 +101,10 @@ void checkFiles(const RunRequest& request) {
     RunFiles files = inputsOf(options);
     files.read(request.macroFiles);
     for (const auto& output :
-         {options.record, options.journal, options.trace.events, options.trace.text, options.json}) {
+         {options.record, options.journal, options.trace.events, options.trace.text, options.json, options.coverage}) {
         files.write(output);
     }
+    if (options.coverage) checkCoverageFile(*options.coverage);
 }
 
 ExitStatus_e run(RunRequest& request) {
@@ -132,6 +134,7 @@ Command runCommand() {
     addTimeoutOption(command, options.contract);
     addTraceOptions(command, options.trace);
     command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));
+    command.add(coverageOption(options.coverage));
     command.add(jobsOption(request->jobs, "macro files"));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options.batch));
     command.add(flag({"--keep-going"}, "Continue after a failed command", &options.keepGoing));

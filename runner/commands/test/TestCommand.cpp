@@ -14,8 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include "commands/test/LineDifference.h"
 #include "commands/test/Transcript.h"
+#include "coverage/CoverageFile.h"
 #include "formats/JunitText.h"
 #include "options/CommonOptions.h"
 #include "session/ProjectSettings.h"
@@ -26,6 +26,7 @@
 #include "system/files/WholeFile.h"
 #include "system/files/WholeOutput.h"
 #include "terminal/Console.h"
+#include "text/LineDifference.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
@@ -53,7 +54,7 @@ Exit status:
 constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
 
-struct TestOptions : SessionOptions {
+struct TestOptions : TranscriptOptions {
     std::vector<std::string> paths;    // macros, and folders of macros
     std::optional<std::string> junit;  // the file for the JUnit report
     std::size_t jobs = 1;              // how many macros run at a time
@@ -121,6 +122,7 @@ public:
         if (!prepare()) return ExitStatus_e::BadUsageOrInput;
         const std::size_t ended = m_options.inProcess ? runHere() : runWatched();
         std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
+        if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_coverage);
         if (m_junit) m_junit->replace(junitText("vexa-standin test", {}, m_report));
         if (m_isBroken) return ExitStatus_e::BadUsageOrInput;
         if (m_isStopped || ended != m_macros.size()) return ExitStatus_e::Stopped;
@@ -154,6 +156,8 @@ private:
             m_options.accepts ? files.write(expectation) : files.read(expectation);
         }
         files.write(m_options.junit);
+        files.write(m_options.coverage);
+        if (m_options.coverage) checkCoverageFile(*m_options.coverage);
         if (m_options.junit) m_junit.emplace(*m_options.junit);
     }
 
@@ -175,6 +179,7 @@ private:
             TranscriptText transcript([&] { return caught->take(); });
             const TranscriptEnd_e end = writeTranscript(macro, m_options, m_style, *box, transcript);
             caught.reset();
+            merge(m_coverage, transcript.coverage());
             const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
             conclude(macro, time.count(), verdictOn(macro, end, transcript));
         }
@@ -192,6 +197,7 @@ private:
 
     void end(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) override {
         const auto transcript = std::move(m_transcripts[index]);
+        merge(m_coverage, transcript->coverage());
         conclude(m_macros[index], outcome.seconds, verdictOn(m_macros[index], box, outcome, *transcript));
     }
 
@@ -279,6 +285,7 @@ private:
     std::vector<StyleSetting> m_style;
     std::vector<std::unique_ptr<TranscriptText>> m_transcripts;
     std::size_t m_passed = 0;
+    Coverage m_coverage;
     bool m_isBroken = false;  // true if something could not be read, run or written
     bool m_isStopped = false;
     std::vector<JunitCase> m_report;
@@ -297,6 +304,7 @@ Command testCommand() {
     command.add(styleOption(options->style));
     addHostOption(command, options->contract);
     command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
+    command.add(coverageOption(options->coverage));
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);

@@ -5,11 +5,13 @@
 #include <mutex>
 #include <utility>
 
+#include "coverage/CoverageObserver.h"
 #include "options/PrintedOutput.h"
 #include "session/FindingPrinter.h"
 #include "terminal/Console.h"
 #include "text/Lines.h"
 #include "text/Seconds.h"
+#include "trace/TraceOutputs.h"
 
 namespace vexa::runner {
 namespace {
@@ -24,13 +26,14 @@ std::string told(const std::string& text) { return marked("! ", std::string(with
 
 class Transcript {
 public:
-    Transcript(const std::string& macroFile, const SessionOptions& options, ProcessBox& box, NotesInterface& notes)
+    Transcript(const std::string& macroFile, const TranscriptOptions& options, ProcessBox& box, NotesInterface& notes)
         : m_macroFile(macroFile),
           m_options(options),
           m_notes(notes),
           m_session(options, box, [this](const Overrun& overrun) { return static_cast<int>(conclude(overrun)); }) {
         std::setvbuf(stdout, nullptr, _IOLBF,
                      BUFSIZ);  // keeps the order of the two outputs, which go to the same place
+        observe();
         m_host.setRecording(true);
         m_host.onDialog([this](const std::string& text) { keepDialog(text); });
     }
@@ -46,6 +49,13 @@ public:
     }
 
 private:
+    void observe() {
+        if (m_options.coverage) {
+            m_traces.add(m_coverage.emplace(coverageSettingOf(m_options.contract), coverageTeller(m_notes)));
+        }
+        m_host.setObserver(m_traces.observer());
+    }
+
     bool loadAll() {
         try {
             for (const std::string& file : m_options.addOns) m_session.loadAddOn(file);
@@ -139,20 +149,22 @@ private:
     void note(const std::string& lines) const { m_notes.tell(kTranscriptNote, lines); }
 
     const std::string& m_macroFile;
-    const SessionOptions& m_options;
+    const TranscriptOptions& m_options;
     NotesInterface& m_notes;
     MacroFile m_macro;
     std::mutex m_guard;
     std::string m_dialogs;
     std::size_t m_findings = 0;  // how many findings were noted
     standin::FindingCauses m_causes;
+    std::optional<CoverageObserver> m_coverage;
+    TraceOutputs m_traces;
     Session m_session;  // last: its add-ons may still show dialogs
     standin::Host& m_host = m_session.host();
 };
 
 }  // namespace
 
-TranscriptEnd_e writeTranscript(const std::string& macroFile, const SessionOptions& options,
+TranscriptEnd_e writeTranscript(const std::string& macroFile, const TranscriptOptions& options,
                                 const std::vector<StyleSetting>& styles, ProcessBox& box, NotesInterface& notes) {
     return Transcript(macroFile, options, box, notes).write(styles);
 }

@@ -3,11 +3,14 @@
 #include <unistd.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "coverage/Coverage.h"
 #include "formats/StyleFile.h"
+#include "session/CoverageNotes.h"
 #include "session/Session.h"
 #include "session/watch/Processes.h"
 #include "system/files/MemoryFile.h"
@@ -34,6 +37,11 @@ inline constexpr char kExplainedNote = 'x';
 inline constexpr char kPrintedNote = 'p';
 /// @}
 
+/// The options of a transcript.
+struct TranscriptOptions : SessionOptions {
+    std::optional<std::string> coverage;  ///< if given, the notes also hold the coverage
+};
+
 /// Runs a macro in this process, and sends what its add-ons do to \p notes, line by line:
 ///
 ///     > STATS MEAN ZONES = '1-3'      a command of the macro
@@ -49,7 +57,7 @@ inline constexpr char kPrintedNote = 'p';
 /// The receiver of the notes adds the printed text.
 /// \param styles the style settings for the host; the style file of \p options is not read.
 /// \param box    receives the current work of the add-ons.
-TranscriptEnd_e writeTranscript(const std::string& macroFile, const SessionOptions& options,
+TranscriptEnd_e writeTranscript(const std::string& macroFile, const TranscriptOptions& options,
                                 const std::vector<StyleSetting>& styles, ProcessBox& box, NotesInterface& notes);
 
 /// Returns the lines of a transcript for printed text.
@@ -61,7 +69,13 @@ public:
     /// \param takePrinted returns the text printed since its last call
     explicit TranscriptText(std::function<KeptText()> takePrinted) : m_takePrinted(std::move(takePrinted)) {}
 
-    void tell(char kind, std::string_view text) override { (kind == kExplainedNote ? m_explained : m_text) += text; }
+    void tell(char kind, std::string_view text) override {
+        switch (kind) {
+            case kCoverageNote: return addCoverageNote(m_coverage, text);
+            case kExplainedNote: m_explained += text; return;
+            default: m_text += text; return;
+        }
+    }
     std::string ask(char, std::string_view text) override {
         const std::string lines = printedLines(m_takePrinted());
         if (!lines.empty()) m_text.append(text).append(lines);
@@ -71,11 +85,13 @@ public:
     const std::string& text() const { return m_text; }
     /// Returns the findings with their places and hints.
     const std::string& explained() const { return m_explained; }
+    const Coverage& coverage() const { return m_coverage; }
 
 private:
     std::function<KeptText()> m_takePrinted;
     std::string m_text;
     std::string m_explained;
+    Coverage m_coverage;
 };
 
 /// Captures what this process prints on both outputs, as long as this object lives.

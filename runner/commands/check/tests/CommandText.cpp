@@ -4,10 +4,11 @@
 #include <string_view>
 #include <utility>
 
+#include "text/CommandWords.h"
+
 namespace vexa::runner {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr std::size_t kVeryLong = 70000;  // more than 64 KiB
 constexpr std::size_t kManyOptions = 5000;
 constexpr std::size_t kMostCuts = 400;  // a longer text is cut at only so many places
@@ -41,60 +42,6 @@ constexpr const char* kValues[] = {"",
                                    "'\xC3\xA4\xFF'",
                                    "%s%n"};
 
-std::size_t endOfValue(const std::string& text, std::size_t at) {
-    const char first = text[at];
-    if (first == '\'' || first == '"') {
-        for (++at; at < text.size() && text[at] != first; ++at) {
-            if (text[at] == '\\') ++at;
-        }
-        return std::min(at + 1, text.size());
-    }
-    if (first == '[') return std::min(text.find(']', at), text.size() - 1) + 1;
-    return std::min(text.find_first_of(kBlanks, at), text.size());
-}
-
-std::size_t skipBlanks(const std::string& text, std::size_t at) {
-    return std::min(text.find_first_not_of(kBlanks, at), text.size());
-}
-
-// The parts of a command's text if it has the usual form: a word, and options after it.
-//
-//     LOAD FILE = 'a b' COLUMNS=[1-3] FAST      the word LOAD, and FILE = 'a b', COLUMNS = [1-3], FAST
-struct CommandText {
-    struct Option {
-        std::string name;
-        std::string value;  // as written, with its quotes; empty if there is none
-    };
-
-    explicit CommandText(const std::string& text) {
-        std::size_t at = skipBlanks(text, 0);
-        const std::size_t wordEnd = std::min(text.find_first_of(kBlanks, at), text.size());
-        word = text.substr(at, wordEnd - at);
-        for (at = skipBlanks(text, wordEnd); at < text.size(); at = skipBlanks(text, at)) {
-            const std::size_t nameEnd = std::min(text.find_first_of(" \t\n\v\f\r=", at), text.size());
-            Option option = {text.substr(at, nameEnd - at), ""};
-            at = skipBlanks(text, nameEnd);
-            if (at < text.size() && text[at] == '=') {
-                at = skipBlanks(text, at + 1);
-                const std::size_t valueEnd = at == text.size() ? at : endOfValue(text, at);
-                option.value = text.substr(at, valueEnd - at);
-                at = valueEnd;
-            }
-            options.push_back(std::move(option));
-        }
-    }
-
-    // The text again, with single blanks.
-    std::string text() const {
-        std::string text = word;
-        for (const auto& [name, value] : options) text += ' ' + name + (value.empty() ? "" : " = " + value);
-        return text;
-    }
-
-    std::string word;
-    std::vector<Option> options;
-};
-
 class Damages {
 public:
     explicit Damages(const std::string& text) : m_text(text), m_command(text) {}
@@ -108,16 +55,16 @@ public:
 
 private:
     void add(std::string how, std::string text) { m_damages.push_back({std::move(how), std::move(text)}); }
-    void add(std::string how, const CommandText& command) { add(std::move(how), command.text()); }
+    void add(std::string how, const CommandWords& command) { add(std::move(how), command.text()); }
 
-    void replace(std::string how, std::size_t i, CommandText::Option option) {
-        CommandText changed = m_command;
+    void replace(std::string how, std::size_t i, CommandWords::Option option) {
+        CommandWords changed = m_command;
         changed.options[i] = std::move(option);
         add(std::move(how), changed);
     }
 
     void options() {
-        CommandText changed = m_command;
+        CommandWords changed = m_command;
         changed.word.clear();
         add("without its first word", changed);
         for (std::size_t i = 0; i != m_command.options.size(); ++i) option(i);
@@ -130,7 +77,7 @@ private:
 
     void option(std::size_t i) {
         const auto& [name, value] = m_command.options[i];
-        CommandText changed = m_command;
+        CommandWords changed = m_command;
         changed.options.erase(changed.options.begin() + static_cast<std::ptrdiff_t>(i));
         add("without " + name, changed);
         changed = m_command;
@@ -197,7 +144,7 @@ private:
     }
 
     const std::string& m_text;
-    CommandText m_command;
+    CommandWords m_command;
     std::vector<DamagedText> m_damages;
 };
 

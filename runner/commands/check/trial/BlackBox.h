@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 
+#include "session/watch/Notes.h"
 #include "session/watch/ProcessBox.h"
 #include "system/processes/SharedMemory.h"
 
@@ -23,6 +24,7 @@ struct BlackBox {
     std::atomic<bool> isInHostCall{false};  ///< true until the call returns
     std::atomic<bool> wantedMemory{false};  ///< true if an allocation failed because memory ran out
     ProcessBox* process = nullptr;          ///< the box of the test's process
+    NotesInterface* notes = nullptr;        ///< receives the coverage; of the test's process
     Clock::duration timeout{};              ///< the time limit for any work of the add-on
 
     /// Notes that the test makes progress. This restarts the time limit.

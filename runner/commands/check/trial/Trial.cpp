@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "commands/check/trial/BlackBox.h"
+#include "session/CoverageNotes.h"
 #include "terminal/Console.h"
 #include "text/Lines.h"
 #include "vexastandin/Finding.h"
@@ -46,7 +47,9 @@ Trial::Trial(const Subject& subject, BlackBox& blackBox)
     : m_subject(subject),
       m_blackBox(blackBox),
       m_random(subject.seed),
-      m_end(std::chrono::steady_clock::now() + subject.time) {}
+      m_end(std::chrono::steady_clock::now() + subject.time) {
+    if (subject.coverage) m_coverage.emplace(*subject.coverage, coverageTeller(*blackBox.notes));
+}
 
 void Trial::nowTrying(const std::string& what, const std::string& macro) {
     m_blackBox.tried.set(what);
@@ -65,13 +68,15 @@ std::string Trial::warnings() const {
     return lines;
 }
 
-// Writes the black box. Allocates nothing during a command, because the test may make allocations fail.
+// Writes the black box, and passes the events on to the coverage.
 class CheckedSession::Recorder : public standin::ObserverInterface {
 public:
-    explicit Recorder(BlackBox& box) : m_box(box) {}
+    /// \param coverage may be null
+    Recorder(BlackBox& box, standin::ObserverInterface* coverage) : m_box(box), m_coverage(coverage) {}
 
     // Entries nest: a command of an add-on may run a command of another add-on.
     void entryBegan(const standin::EntryEvent& entry) override {
+        if (m_coverage != nullptr) m_coverage->entryBegan(entry);
         m_entries.push_back(nameOf(entry));
         m_box.entry.set(m_entries.back());
         m_box.hostCall.set("");
@@ -79,32 +84,38 @@ public:
         m_box.isInAddOn = true;
         m_box.touch();
     }
-    void entryEnded(const standin::EntryEvent&) override {
+    void entryEnded(const standin::EntryEvent& entry) override {
+        if (m_coverage != nullptr) m_coverage->entryEnded(entry);
         m_entries.pop_back();
         m_box.isInAddOn = !m_entries.empty();
         if (!m_entries.empty()) m_box.entry.set(m_entries.back());
         m_box.touch();
     }
     void callBegan(const standin::CallEvent& call) override {
+        if (m_coverage != nullptr) m_coverage->callBegan(call);
         std::array<char, decltype(m_box.hostCall)::capacity() + 1> text{};
         std::snprintf(text.data(), text.size(), "%zu, %s(%s)", call.number, call.function, call.arguments.c_str());
         const std::lock_guard<std::mutex> lock(m_guard);
         m_box.hostCall.set(text.data());
         m_box.isInHostCall = true;
     }
-    void callEnded(const standin::CallEvent&) override { m_box.isInHostCall = false; }
+    void callEnded(const standin::CallEvent& call) override {
+        if (m_coverage != nullptr) m_coverage->callEnded(call);
+        m_box.isInHostCall = false;
+    }
     void findingMade(const standin::Finding&) override {}
     void statusChanged(const standin::StatusLine&) override {}
 
 private:
     BlackBox& m_box;
+    standin::ObserverInterface* m_coverage;
     std::vector<std::string> m_entries;
     std::mutex m_guard;  // any thread may call the host
 };
 
 CheckedSession::CheckedSession(Trial& trial)
     : m_trial(trial),
-      m_recorder(std::make_unique<Recorder>(trial.m_blackBox)),
+      m_recorder(std::make_unique<Recorder>(trial.m_blackBox, trial.m_coverage ? &*trial.m_coverage : nullptr)),
       m_session(trial.subject().options, *trial.m_blackBox.process) {
     host().setKeepsCalls(true);
     host().setObserver(m_recorder.get());

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "commands/check/trial/CheckTest.h"
+#include "coverage/CoverageObserver.h"
 #include "formats/StyleFile.h"
 #include "session/Session.h"
 
@@ -34,6 +36,7 @@ struct Subject {
     std::vector<StyleSetting> style;           ///< the host's style settings
     std::uint64_t seed = 0;                    ///< of all random numbers
     std::chrono::milliseconds time{};          ///< the time for a test that could go on forever
+    std::optional<CoverageSetting> coverage;   ///< what counts in the coverage; nothing if nobody wants it
     const Confinement* confinement = nullptr;  ///< the confinement of the test's process; null for none
 
     const std::string& addOn() const { return options.addOns.front(); }
@@ -79,6 +82,7 @@ private:
     std::mt19937_64 m_random;
     std::chrono::steady_clock::time_point m_end;
     std::vector<std::string> m_warnings;
+    std::optional<CoverageObserver> m_coverage;  // of all sessions, so that each fact is sent once
 };
 
 /// The session of a test case: a new host with the add-on loaded. Notes the current command and host call in the black

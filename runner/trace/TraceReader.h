@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "commands/report/TracedRun.h"
+#include "trace/TracedRun.h"
 
 namespace vexa::runner {
 
@@ -16,5 +16,14 @@ public:
 /// Reads a trace of an EventTrace. The trace may be incomplete, if the run was killed.
 /// \throws TraceError
 TracedRun readTrace(const std::string& file);
+
+/// Reads a trace from its text.
+/// \param name the file in messages
+/// \throws TraceError
+TracedRun traceIn(const std::string& text, const std::string& name);
+
+/// Reads a file for traceIn(); `-` is the standard input. Sets \p name to the file in messages.
+/// \throws TraceError
+std::string traceTextOf(const std::string& file, std::string& name);
 
 }  // namespace vexa::runner

@@ -1,4 +1,4 @@
-#include "commands/report/RuleCoverage.h"
+#include "coverage/RuleCoverage.h"
 
 #include <algorithm>
 #include <string_view>
@@ -19,12 +19,6 @@ bool contains(const Names& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool hasCall(const TracedRun& run, const RuleTrigger& trigger) {
-    return std::any_of(run.spans.begin(), run.spans.end(), [&](const TracedSpan& span) {
-        return span.kind == Kind_e::Call && contains(trigger.functions, span.name);
-    });
-}
-
 bool hasCommand(const TracedRun& run, bool succeeded) {
     return std::any_of(run.entries.begin(), run.entries.end(), [=](const TracedEntry& entry) {
         return entry.kind == "command" && entry.succeeded == succeeded && run.spans[entry.span].end;
@@ -38,17 +32,18 @@ bool hasSecondThread(const TracedRun& run) {
 
 bool hasRecording(const TracedRun& run) { return std::any_of(run.spans.begin(), run.spans.end(), isRecording); }
 
-bool isTouched(const TracedRun& run, const RuleTrigger& trigger) {
-    switch (trigger.kind) {
-        case RuleTrigger_e::Call: return hasCall(run, trigger);
-        case RuleTrigger_e::Entry: return !run.entries.empty();
-        case RuleTrigger_e::AcceptedCommand: return hasCommand(run, true);
-        case RuleTrigger_e::FailedCommand: return hasCommand(run, false);
-        case RuleTrigger_e::SecondThread: return hasSecondThread(run);
-        case RuleTrigger_e::TimeLimit: return run.hasTimeLimit;
-        case RuleTrigger_e::Replay: return run.isStrict && hasRecording(run);
+RunEvents eventsOf(const TracedRun& run) {
+    RunEvents events;
+    for (const TracedSpan& span : run.spans) {
+        if (span.kind == Kind_e::Call) events.functions.insert(span.name);
     }
-    return false;
+    events.hasEntry = !run.entries.empty();
+    events.hasAcceptedCommand = hasCommand(run, true);
+    events.hasFailedCommand = hasCommand(run, false);
+    events.hasSecondThread = hasSecondThread(run);
+    events.hasTimeLimit = run.hasTimeLimit;
+    events.isReplayed = run.isStrict && hasRecording(run);
+    return events;
 }
 
 std::size_t findingsOf(const TracedRun& run, const std::string& rule) {
@@ -56,13 +51,28 @@ std::size_t findingsOf(const TracedRun& run, const std::string& rule) {
                                                   [&](const TracedFinding& finding) { return finding.rule == rule; }));
 }
 
-Coverage_e coverageOf(const TracedRun& run, const Rule& rule, const RuleTrigger& trigger, std::size_t findings) {
+Coverage_e coverageOf(const TracedRun& run, const RunEvents& events, const Rule& rule, std::size_t findings) {
     if (findings != 0) return Coverage_e::Broken;
     if (contains(run.suppressed, rule.name)) return Coverage_e::Suppressed;
-    return isTouched(run, trigger) ? Coverage_e::Touched : Coverage_e::Untouched;
+    return isTouched(events, *standin::findTrigger(rule.name)) ? Coverage_e::Touched : Coverage_e::Untouched;
 }
 
 }  // namespace
+
+bool isTouched(const RunEvents& events, const RuleTrigger& trigger) {
+    switch (trigger.kind) {
+        case RuleTrigger_e::Call:
+            return std::any_of(trigger.functions.begin(), trigger.functions.end(),
+                               [&](const char* function) { return events.functions.count(function) != 0; });
+        case RuleTrigger_e::Entry: return events.hasEntry;
+        case RuleTrigger_e::AcceptedCommand: return events.hasAcceptedCommand;
+        case RuleTrigger_e::FailedCommand: return events.hasFailedCommand;
+        case RuleTrigger_e::SecondThread: return events.hasSecondThread;
+        case RuleTrigger_e::TimeLimit: return events.hasTimeLimit;
+        case RuleTrigger_e::Replay: return events.isReplayed;
+    }
+    return false;
+}
 
 std::string whatTouches(const std::string& rule) {
     const RuleTrigger* const trigger = standin::findTrigger(rule);
@@ -80,10 +90,11 @@ std::string whatTouches(const std::string& rule) {
 }
 
 std::vector<RuleCoverage> coverageOf(const TracedRun& run) {
+    const RunEvents events = eventsOf(run);
     std::vector<RuleCoverage> all;
     for (const Rule& rule : standin::rules()) {
         const std::size_t findings = findingsOf(run, rule.name);
-        const Coverage_e coverage = coverageOf(run, rule, *standin::findTrigger(rule.name), findings);
+        const Coverage_e coverage = coverageOf(run, events, rule, findings);
         all.push_back({&rule, coverage, whatTouches(rule.name), findings});
     }
     return all;

@@ -1,4 +1,4 @@
-#include "commands/report/RuleCoverage.h"
+#include "coverage/RuleCoverage.h"
 
 #include <gtest/gtest.h>
 

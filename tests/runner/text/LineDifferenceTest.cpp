@@ -1,4 +1,4 @@
-#include "commands/test/LineDifference.h"
+#include "text/LineDifference.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "commands/report/TraceReader.h"
+#include "trace/TraceReader.h"
 
 #include <gtest/gtest.h>
 

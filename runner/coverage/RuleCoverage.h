@@ -1,13 +1,29 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "commands/report/TracedRun.h"
+#include "trace/TracedRun.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
+
+/// The events of a run that make the stand-in check rules.
+struct RunEvents {
+    std::set<std::string, std::less<>> functions;  ///< the host functions that were called
+    bool hasEntry = false;                         ///< the host called an add-on
+    bool hasAcceptedCommand = false;
+    bool hasFailedCommand = false;
+    bool hasSecondThread = false;  ///< of the host or of an add-on
+    bool hasTimeLimit = false;
+    bool isReplayed = false;  ///< a recorded command was run again
+};
+
+/// Returns true if \p events make the stand-in check a rule with \p trigger.
+bool isTouched(const RunEvents& events, const standin::RuleTrigger& trigger);
 
 /// How far a run tested a rule.
 enum class Coverage_e {

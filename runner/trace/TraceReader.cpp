@@ -1,4 +1,4 @@
-#include "commands/report/TraceReader.h"
+#include "trace/TraceReader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -195,19 +195,25 @@ private:
     std::vector<std::size_t> m_openEntries;
 };
 
-std::string textOf(const std::string& file, const std::string& path) {
+}  // namespace
+
+std::string traceTextOf(const std::string& file, std::string& name) {
+    name = isStandardInput(file) ? kStandardInputName : file;
     try {
         return readInput(file);
     } catch (const std::system_error& error) {
-        throw TraceError(path + ": cannot be read: " + error.code().message());
+        throw TraceError(name + ": cannot be read: " + error.code().message());
     }
 }
 
-}  // namespace
-
 TracedRun readTrace(const std::string& file) {
-    const std::string path = isStandardInput(file) ? kStandardInputName : file;
-    std::istringstream text(textOf(file, path));
+    std::string name;
+    const std::string text = traceTextOf(file, name);
+    return traceIn(text, name);
+}
+
+TracedRun traceIn(const std::string& content, const std::string& path) {
+    std::istringstream text(content);
     RunBuilder builder;
     std::size_t number = 0;
     for (std::string line; std::getline(text, line);) {
