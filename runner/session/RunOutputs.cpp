@@ -1,6 +1,7 @@
 #include "session/RunOutputs.h"
 
 #include "formats/MacroText.h"
+#include "session/ProblemOutputs.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
@@ -16,6 +17,7 @@ void RunOutputs::tell(char kind, std::string_view text) {
         case kRecordedNote: return add(m_record, text);
         case kJournaledNote: return add(m_journal, text);
         case kResultNote: return m_results(text);
+        case kProblemNote: m_problems.push_back(unpackedProblem(text)); return;
         case kEndNote:
             m_end = text;
             if (!m_keepsEndBack) tellEnd();

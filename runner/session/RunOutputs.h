@@ -6,7 +6,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "formats/Problem.h"
 #include "session/watch/Notes.h"
 #include "system/files/WholeOutput.h"
 
@@ -38,6 +40,9 @@ public:
     void keepEndBack() { m_keepsEndBack = true; }
     void tellEnd() { m_results(m_end); }
 
+    /// Returns the problems of the run so far.
+    const std::vector<Problem>& problems() const { return m_problems; }
+
     /// Checks that the requested files can be written.
     /// \throws OutputError
     void open(const std::optional<std::string>& recordFile, const std::optional<std::string>& journalFile);
@@ -66,6 +71,7 @@ private:
     std::function<void(std::string_view)> m_results;
     bool m_keepsEndBack = false;
     std::string m_end;
+    std::vector<Problem> m_problems;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
     bool m_isLeft = false;  // commands have started, and their outputs are not written yet

@@ -84,7 +84,7 @@ Command checkCommand() {
     command.add(styleOption(options->session.style));
     command.add(option({"--json"}, "FILE", "Write all results as JSON", &options->json));
     command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
-    command.add(option({"--sarif"}, "FILE", "Write the tests that did not pass as SARIF 2.1.0", &options->sarif));
+    addProblemOptions(command, options->problems);
     addSuppressOptions(command, options->session.contract);
     addTimeoutOption(command, options->session.contract);
     command.add(flag({"--warnings-as-errors"}, "Also fail if a test warns",

@@ -82,10 +82,11 @@ private:
     void findReports() {
         m_files = inputsOf(session());
         m_files.read(m_options.macros);
-        for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
+        for (const auto& file : {m_options.json, m_options.junit}) m_files.write(file);
+        noteOutputs(m_options.problems, m_files);
         if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
         if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
-        if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
+        m_problems.emplace(m_options.problems);
     }
 
     bool readStyle() {
@@ -205,8 +206,10 @@ private:
         if (!causes.empty()) std::printf("%s\n", causes.c_str());
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
         for (auto& [output, text] : m_reports) output.replace(text(m_report));
-        if (m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
-        return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+        const ExitStatus_e result = passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+        const ExitStatus_e status = m_isUnwritten ? ExitStatus_e::BadUsageOrInput : result;
+        m_problems->write(problemReport(m_report, status));
+        return status;
     }
 
     const CheckTest* m_loadTest = findCheckTest("load");
@@ -219,6 +222,7 @@ private:
     ToldCauses m_causes;
     RunFiles m_files;
     std::list<std::pair<WholeOutput, ReportText>> m_reports;
+    std::optional<ProblemOutputs> m_problems;
     bool m_isUnwritten = false;  // true if a macro could not be written
 };
 

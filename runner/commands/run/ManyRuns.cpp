@@ -17,7 +17,7 @@ namespace {
 class ManyRuns : public UserWork {
 public:
     ManyRuns(const RunOptions& options, const std::vector<std::string>& macroFiles)
-        : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()) {}
+        : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()), m_outputs(options.problems) {}
 
     ExitStatus_e run(std::size_t jobs) {
         const AwaitedSignals signals;
@@ -29,6 +29,7 @@ public:
         const std::size_t left = m_macroFiles.size() - ended;
         if (left > 0) note(ExitStatus_e::Stopped, std::to_string(left) + " not begun: stopped by Ctrl-C");
         closeResults();
+        m_outputs.write(runReport(m_problems, static_cast<ExitStatus_e>(m_status)));
         tell(kProgramName,
              std::to_string(ended) + " macro files run, " + std::to_string(m_failed) + " failed" + m_notes);
         return static_cast<ExitStatus_e>(m_status);
@@ -48,6 +49,8 @@ public:
         print(outcome.err, stderr);
         const ExitStatus_e status = statusOf(index, box, outcome);
         if (m_results) m_results->append(m_runs[index]->results);
+        const std::vector<Problem>& problems = m_runs[index]->watched.outputs().problems();
+        m_problems.insert(m_problems.end(), problems.begin(), problems.end());
         m_runs[index].reset();
         if (status == ExitStatus_e::AllWell) return;
         ++m_failed;
@@ -96,6 +99,8 @@ private:
     const std::vector<std::string>& m_macroFiles;
     std::unique_ptr<LiveFile> m_results;
     std::vector<std::unique_ptr<Run>> m_runs;
+    ProblemOutputs m_outputs;
+    std::vector<Problem> m_problems;
     std::size_t m_failed = 0;
     int m_status = 0;
     std::string m_notes;

@@ -102,6 +102,7 @@ void checkFiles(const RunRequest& request) {
          {options.record, options.journal, options.trace.events, options.trace.text, options.json}) {
         files.write(output);
     }
+    noteOutputs(options.problems, files);
 }
 
 ExitStatus_e run(RunRequest& request) {
@@ -130,6 +131,7 @@ Command runCommand() {
     addTimeoutOption(command, options.contract);
     addTraceOptions(command, options.trace);
     command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));
+    addProblemOptions(command, options.problems);
     command.add(jobsOption(request->jobs, "macro files"));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options.batch));
     command.add(flag({"--keep-going"}, "Continue after a failed command", &options.keepGoing));

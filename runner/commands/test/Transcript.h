@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "formats/StyleFile.h"
+#include "session/ProblemOutputs.h"
 #include "session/Session.h"
 #include "session/watch/Processes.h"
 #include "system/files/MemoryFile.h"
@@ -61,7 +62,10 @@ public:
     /// \param takePrinted returns the text printed since its last call
     explicit TranscriptText(std::function<KeptText()> takePrinted) : m_takePrinted(std::move(takePrinted)) {}
 
-    void tell(char kind, std::string_view text) override { (kind == kExplainedNote ? m_explained : m_text) += text; }
+    void tell(char kind, std::string_view text) override {
+        if (kind == kProblemNote) return m_problems.push_back(unpackedProblem(text));
+        (kind == kExplainedNote ? m_explained : m_text) += text;
+    }
     std::string ask(char, std::string_view text) override {
         const std::string lines = printedLines(m_takePrinted());
         if (!lines.empty()) m_text.append(text).append(lines);
@@ -71,11 +75,14 @@ public:
     const std::string& text() const { return m_text; }
     /// Returns the findings with their places and hints.
     const std::string& explained() const { return m_explained; }
+    /// Returns the findings for build servers.
+    const std::vector<Problem>& problems() const { return m_problems; }
 
 private:
     std::function<KeptText()> m_takePrinted;
     std::string m_text;
     std::string m_explained;
+    std::vector<Problem> m_problems;
 };
 
 /// Captures what this process prints on both outputs, as long as this object lives.

@@ -72,6 +72,10 @@ public:
     /// Returns the reasons given to warn(), one per line.
     std::string warnings() const;
 
+    /// Notes a problem that has a place in a macro.
+    void note(Problem problem) { m_problems.push_back(std::move(problem)); }
+    const std::vector<Problem>& problems() const { return m_problems; }
+
 private:
     friend class CheckedSession;
     const Subject& m_subject;
@@ -79,6 +83,7 @@ private:
     std::mt19937_64 m_random;
     std::chrono::steady_clock::time_point m_end;
     std::vector<std::string> m_warnings;
+    std::vector<Problem> m_problems;
 };
 
 /// The session of a test case: a new host with the add-on loaded. Notes the current command and host call in the black
