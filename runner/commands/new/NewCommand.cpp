@@ -15,8 +15,8 @@ namespace {
 
 constexpr const char* kNewFooter =
     R"(The project builds, runs and passes its tests. It has one command with two
-options, a unit test, macros with their expected results, and a script for
-build servers.
+options, a unit test, macros with their expected results, and files for GitHub
+and GitLab that build, test and check it.
 
 Examples:
   vexa-standin new wake-probe
