@@ -5,7 +5,8 @@ include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 #   Adds the test PREFIX.NAME for each NAME.macro in FOLDER. It runs vexa-standin test, which compares the results of
 #   the add-on TARGET with NAME.expected in the same folder. ADDON names other add-ons that the macros need. STYLE is
 #   the file of the host's style settings. HOST is the facts file of the host to answer like. With STRICT, the test
-#   fails if an add-on breaks the host's contract. The commands run in WORKING_DIRECTORY, by default the current binary folder. With COVERAGE, the tests add what the add-ons
+#   fails if an add-on breaks the host's contract. The commands run in WORKING_DIRECTORY, by default the current binary
+#   folder. With COVERAGE, the tests add what the add-ons
 #   used of the host's contract to NAME.json in the top binary folder, and the target NAME shows this coverage and writes
 #   NAME.html beside the file. Several calls may have the same name. Each run of ctest starts the file anew.
 function(vexa_add_macro_tests prefix target)

@@ -41,7 +41,8 @@ std::string placeOf(const MacroCommand& command) { return command.place + ": " +
 // An output that goes to the terminal would mix with the status line.
 bool drawsStatus(const RunOptions& options) {
     const auto isShown = [](const auto& output) { return output && isStandardOutput(*output); };
-    const auto outputs = {options.json, options.record, options.journal, options.trace.events, options.trace.text};
+    const auto outputs = {options.json,         options.record,     options.journal,
+                          options.trace.events, options.trace.text, options.problems.sarif};
     return !options.batch && std::none_of(outputs.begin(), outputs.end(), isShown) && isTerminal(STDERR_FILENO);
 }
 
@@ -68,6 +69,7 @@ public:
 
 private:
     ExitStatus_e finish(ExitStatus_e status) {
+        tellFindings();
         const ExitStatus_e traced = m_traces.finish(status);
         if (m_options.json) {
             m_notes.tell(kEndNote, endLine(m_options.macroFile, traced, newFindings(m_host, m_findingsInResults)));
@@ -155,9 +157,11 @@ private:
         m_view.conclude(result.accepted);
         m_view.printFindings();
         addResult(command, result, time);
+        tellFindings();
         if (result.accepted) return;
         ++m_failed;
         tell(placeOf(command), failureText(result));
+        tellProblem(problemOf(command, kCommandFailed, std::string(failureText(result))));
     }
 
     void refuse(const MacroCommand& command) {
@@ -165,6 +169,19 @@ private:
         const std::string problem = noSuchAddOn(command.addOnId, m_ids);
         addResult(command, {false, problem}, {});
         tell(command.place, problem);
+        tellProblem(problemOf(command, kCommandFailed, problem));
+    }
+
+    void tellFindings() {
+        for (const standin::Finding& finding : newFindings(m_host, m_findingsInProblems)) {
+            tellProblem(problemOf(finding, m_options.macroFile));
+        }
+    }
+
+    void tellProblem(Problem problem) {
+        if (!m_options.problems.areWanted()) return;
+        if (m_options.contract.warningsAsErrors.value_or(false)) problem.severity = standin::Severity_e::Error;
+        m_notes.tell(kProblemNote, packed(problem));
     }
 
     void addResult(const MacroCommand& command, const standin::CommandResult& result,
@@ -246,6 +263,7 @@ private:
     std::optional<CoverageObserver> m_coverage;
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;
+    std::size_t m_findingsInProblems = 0;
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "options/ExitStatus.h"
+#include "session/ProblemOutputs.h"
 #include "session/Session.h"
 #include "session/watch/Notes.h"
 #include "trace/TraceOutputs.h"
@@ -16,6 +17,7 @@ struct RunOptions : SessionOptions {
     std::optional<std::string> record;    ///< where the recorded commands go
     std::optional<std::string> journal;   ///< where the journal goes
     std::optional<std::string> json;      ///< where the results for other programs go
+    ProblemOptions problems;              ///< where the problems for build servers go
     TraceOptions trace;                   ///< where the traces go
     std::optional<std::string> coverage;  ///< the coverage file to add to
     bool keepGoing = false;               ///< continue after a failed command
@@ -24,7 +26,7 @@ struct RunOptions : SessionOptions {
 
 /// Runs a macro file in this process. Ends the process if work takes longer than the time limit.
 /// \param box   receives what the add-ons are doing.
-/// \param notes receives the recording, the journal and the results.
+/// \param notes receives the recording, the journal, the results and the problems.
 ExitStatus_e runMacro(const RunOptions& options, ProcessBox& box, NotesInterface& notes);
 
 }  // namespace vexa::runner

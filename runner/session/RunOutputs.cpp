@@ -2,6 +2,7 @@
 
 #include "formats/MacroText.h"
 #include "session/CoverageNotes.h"
+#include "session/ProblemOutputs.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
@@ -17,6 +18,7 @@ void RunOutputs::tell(char kind, std::string_view text) {
         case kRecordedNote: return add(m_record, text);
         case kJournaledNote: return add(m_journal, text);
         case kResultNote: return m_results(text);
+        case kProblemNote: m_problems.push_back(unpackedProblem(text)); return;
         case kEndNote:
             m_end = text;
             if (!m_keepsEndBack) tellEnd();

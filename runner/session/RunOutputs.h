@@ -6,8 +6,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "coverage/Coverage.h"
+#include "formats/Problem.h"
 #include "session/watch/Notes.h"
 #include "system/files/WholeOutput.h"
 
@@ -38,6 +40,9 @@ public:
     /// Holds back the last line of the results until tellEnd(), because the process may still end in another way.
     void keepEndBack() { m_keepsEndBack = true; }
     void tellEnd() { m_results(m_end); }
+
+    /// Returns the problems of the run so far.
+    const std::vector<Problem>& problems() const { return m_problems; }
 
     /// Checks that the requested files can be written.
     /// \throws OutputError
@@ -71,6 +76,7 @@ private:
     bool m_keepsEndBack = false;
     std::string m_end;
     Coverage m_coverage;
+    std::vector<Problem> m_problems;
     std::optional<Output> m_record;
     std::optional<Output> m_journal;
     bool m_isLeft = false;  // commands have started, and their outputs are not written yet

@@ -11,6 +11,7 @@
 #include "coverage/CoverageFile.h"
 #include "formats/ResultsFile.h"
 #include "session/FindingPrinter.h"
+#include "session/ProblemOutputs.h"
 #include "session/watch/Death.h"
 #include "system/files/MemoryFile.h"
 #include "system/files/WholeFile.h"
@@ -37,9 +38,11 @@ public:
     explicit OneRun(const RunOptions& options)
         : m_options(options),
           m_results(options.json ? std::make_unique<LiveFile>(*options.json) : nullptr),
-          m_run(options, [this](auto lines) {
-              if (m_results) m_results->append(lines);
-          }) {
+          m_run(options,
+                [this](auto lines) {
+                    if (m_results) m_results->append(lines);
+                }),
+          m_problems(options.problems) {
         m_run.outputs().open(options.record, options.journal);
     }
 
@@ -57,6 +60,7 @@ public:
         }
         if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_run.outputs().coverage());
         if (m_results) m_results->close();
+        m_problems.write(runReport(m_run.outputs().problems(), m_status));
         return m_status;
     }
 
@@ -75,6 +79,7 @@ private:
     const RunOptions& m_options;
     std::unique_ptr<LiveFile> m_results;
     WatchedRun m_run;
+    ProblemOutputs m_problems;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
 };
 
@@ -92,11 +97,13 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
         printFinding(lateFinding(box));
+        m_outputs.tell(kProblemNote, packed(problemOf(lateFinding(box), m_options.macroFile)));
         return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
     }
     if (outcome.end == End_e::Died) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::ProcessEnded));
         tell(deathText(box, outcome));
+        m_outputs.tell(kProblemNote, packed(deathProblem(box, outcome, m_options.macroFile)));
         return conclude(box, ExitStatus_e::ProcessEnded, "the process ended: " + howItEnded(outcome.waitStatus));
     }
     if (outcome.areNotesWhole) {
@@ -118,6 +125,13 @@ ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, co
         m_outputs.tellEnd();
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;
+}
+
+ProblemReport runReport(const std::vector<Problem>& problems, ExitStatus_e status) {
+    ProblemReport report{"run", problems};
+    report.exitStatus = static_cast<int>(status);
+    report.hasRun = status != ExitStatus_e::BadUsageOrInput && status != ExitStatus_e::Stopped;
+    return report;
 }
 
 ExitStatus_e runOneMacro(const RunOptions& options) {

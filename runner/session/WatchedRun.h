@@ -31,6 +31,9 @@ private:
     RunOutputs m_outputs;
 };
 
+/// Returns the report on runs with these problems, of which \p status is the exit status.
+ProblemReport runReport(const std::vector<Problem>& problems, ExitStatus_e status);
+
 /// Runs a macro file in a new process. Under a debugger, and with SessionOptions::inProcess, runs it in this process.
 /// \throws OutputError if an output cannot be written.
 ExitStatus_e runOneMacro(const RunOptions& options);

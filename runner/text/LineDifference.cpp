@@ -60,6 +60,14 @@ std::string shown(const Step& step) {
 
 }  // namespace
 
+std::size_t firstDifference(const std::string& before, const std::string& now) {
+    const Lines old = linesOf(before);
+    const Lines current = linesOf(now);
+    const auto [different, ignored] = std::mismatch(old.begin(), old.end(), current.begin(), current.end());
+    const auto equal = static_cast<std::size_t>(different - old.begin());
+    return std::max<std::size_t>(std::min(equal + 1, old.size()), 1);
+}
+
 std::string lineDifference(const std::string& before, const std::string& now) {
     const std::vector<Step> steps = stepsBetween(linesOf(before), linesOf(now));
     std::vector<bool> isShown(steps.size());

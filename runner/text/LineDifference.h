@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace vexa::runner {
@@ -12,5 +13,9 @@ namespace vexa::runner {
 ///     -   mean 5.9
 ///     +   mean 6
 std::string lineDifference(const std::string& before, const std::string& now);
+
+/// Returns the number of the first line of \p before that differs from \p now, counted from 1. If \p now only has more
+/// lines, returns the number of the last line.
+std::size_t firstDifference(const std::string& before, const std::string& now);
 
 }  // namespace vexa::runner

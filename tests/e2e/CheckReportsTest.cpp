@@ -67,18 +67,30 @@ TEST_F(CheckReports, TellBuildServersInTheFormOfJUnit) {
     EXPECT_EQ(outcomes, (std::vector<std::string>{"none", "none", "crashed", "crashed"}));
 }
 
-TEST_F(CheckReports, TellInSarifWhatDidNotPass) {
+TEST_F(CheckReports, TellInSarifWhatACommandDidOnce) {
     const auto sarif = nlohmann::json::parse(read("c.sarif"));
     EXPECT_EQ(sarif.at("version"), "2.1.0");
     const auto& run = sarif.at("runs").at(0);
     const auto& results = run.at("results");
-    ASSERT_EQ(results.size(), 2u);
-    EXPECT_EQ(results[0].at("ruleId"), "commands-in-order");
+    ASSERT_EQ(results.size(), 1u);
+    EXPECT_EQ(results[0].at("ruleId"), "process-ended");
     EXPECT_EQ(results[0].at("level"), "error");
-    const std::size_t rule = results[0].at("ruleIndex").get<std::size_t>();
-    EXPECT_EQ(run.at("tool").at("driver").at("rules").at(rule).at("id"), "commands-in-order");
-    EXPECT_EQ(results[0].at("locations").at(0).at("physicalLocation").at("artifactLocation").at("uri"),
-              "file://" CHECK_ADDONS "/rogue.so");
+    const auto& place = results[0].at("locations").at(0).at("physicalLocation");
+    EXPECT_EQ(place.at("artifactLocation").at("uri"), "m.macro");
+    EXPECT_EQ(place.at("region").at("startLine"), 1);
+    const std::string message = results[0].at("message").at("text");
+    EXPECT_NE(message.find("found by the test commands-in-order\nreproduce: vexa-standin run "), std::string::npos);
+}
+
+TEST_F(CheckReports, TellInSarifWhichTestFailedWithoutACommand) {
+    check("refuse", {"--sarif", "c.sarif"});
+    const auto sarif = nlohmann::json::parse(read("c.sarif"));
+    const auto& run = sarif.at("runs").at(0);
+    const auto& result = run.at("results").at(0);
+    EXPECT_EQ(result.at("ruleId"), "load");
+    EXPECT_EQ(run.at("tool").at("driver").at("rules").at(0).at("id"), "load");
+    EXPECT_EQ(result.at("locations").at(0).at("physicalLocation").at("artifactLocation").at("uri"),
+              "file://" CHECK_ADDONS "/refuse.so");
 }
 
 TEST_F(CheckReports, AreReadableWhateverTheAddOnSays) {

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <iterator>
+#include <nlohmann/json.hpp>
+#include <regex>
 
 #include "RunnerTest.h"
 
@@ -33,9 +35,11 @@ TEST_F(New, WritesAProjectAndTellsHowToBuildIt) {
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.err, "");
     EXPECT_NE(result.out.find("\n  cd wake-probe\n  cmake --preset release"), std::string::npos) << result.out;
-    for (const char* file : {".clang-format", ".gitignore", "CMakeLists.txt", "CMakePresets.json", "README.md", "ci",
-                             "src/AddOn.cpp", "src/RepeatCommand.cpp", "src/RepeatCommand.h", "tests/RepeatTest.cpp",
-                             "tests/macros/repeat.macro", "tests/macros/repeat.expected"}) {
+    for (const char* file :
+         {".clang-format", ".gitignore", "CMakeLists.txt", "CMakePresets.json", "README.md", "ci", "src/AddOn.cpp",
+          "src/RepeatCommand.cpp", "src/RepeatCommand.h", "tests/RepeatTest.cpp", "tests/macros/repeat.macro",
+          "tests/macros/repeat.expected", ".github/workflows/ci.yml", ".gitlab-ci.yml", ".clangd",
+          ".vscode/launch.json", ".vscode/settings.json", ".vscode/tasks.json"}) {
         EXPECT_GT(fs::file_size(folder() / "wake-probe" / file), 0U) << file;
     }
 }
@@ -45,7 +49,7 @@ TEST_F(New, LeavesNoPlaceholder) {
     for (const auto& entry : fs::recursive_directory_iterator(folder())) {
         if (!entry.is_regular_file()) continue;
         const std::string text = read(fs::relative(entry.path(), folder()));
-        EXPECT_EQ(text.find('@'), std::string::npos) << entry.path();
+        EXPECT_FALSE(std::regex_search(text, std::regex("@[A-Z_]+@"))) << entry.path();
     }
 }
 
@@ -194,6 +198,81 @@ TEST_F(New, LeavesNothingHalfWritten) {
         EXPECT_EQ(entries(), 1U) << "the folder that was there";
     }
 }
+
+TEST_F(New, LeavesOutTheFilesForEditors) {
+    ASSERT_EQ(writeNew({"with", "--editor"}).status, 0);
+    ASSERT_EQ(writeNew({"without", "--no-editor"}).status, 0);
+    for (const char* file : {".vscode/tasks.json", ".vscode/launch.json", ".vscode/settings.json", ".clangd"}) {
+        EXPECT_TRUE(fs::exists(folder() / "with" / file)) << file;
+    }
+    EXPECT_FALSE(fs::exists(folder() / "without/.vscode"));
+    EXPECT_FALSE(fs::exists(folder() / "without/.clangd"));
+    EXPECT_TRUE(fs::exists(folder() / "without/.gitlab-ci.yml"));
+}
+
+// The problem matcher that a new project has for VS Code.
+class ProblemMatcher : public New {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(writeNew({"p"}).status, 0);
+        const auto tasks = nlohmann::json::parse(read("p/.vscode/tasks.json"));
+        for (const auto& task : tasks.at("tasks")) {
+            if (task.at("problemMatcher").is_object()) m_matchers.push_back(task.at("problemMatcher"));
+        }
+        ASSERT_EQ(m_matchers.size(), 2U);
+    }
+
+    const nlohmann::json& matcher() const { return m_matchers.front(); }
+    const std::vector<nlohmann::json>& matchers() const { return m_matchers; }
+
+    // The problems in `lines`, a line each: file, line, severity, message, code.
+    std::string problemsIn(const std::string& lines) const {
+        const nlohmann::json& pattern = matcher().at("pattern");
+        const std::regex regex(pattern.at("regexp").get<std::string>());
+        std::istringstream text(lines);
+        std::string problems;
+        for (std::string line; std::getline(text, line);) {
+            std::smatch match;
+            if (!std::regex_match(line, match, regex)) continue;
+            for (const char* part : {"file", "line", "severity", "message", "code"}) {
+                problems += match[pattern.at(part).get<std::size_t>()].str() + (part[0] == 'c' ? "\n" : "|");
+            }
+        }
+        return problems;
+    }
+
+private:
+    std::vector<nlohmann::json> m_matchers;
+};
+
+TEST_F(ProblemMatcher, IsTheSameForEveryTask) { EXPECT_EQ(matchers().front(), matchers().back()); }
+
+TEST_F(ProblemMatcher, FindsABreachOfTheContract) {
+    EXPECT_EQ(problemsIn(runMacro("ONE ECHO a\nONE LEAVELOCKOPEN\n", {"--strict", "--batch"}).err),
+              "m.macro|2|error|VexaUtilLockStart has no matching VexaUtilLockFinish in the command|unbalanced-lock\n");
+}
+
+TEST_F(ProblemMatcher, FindsACommandThatFailed) {
+    EXPECT_EQ(problemsIn(runMacro("ONE FAIL no such zone: 7 [a b]\n").err), "m.macro|1||no such zone: 7 [a b]|\n");
+}
+
+TEST_F(ProblemMatcher, FindsACommandThatEndedTheProcess) {
+    EXPECT_EQ(problemsIn(runMacro("ONE KILL now\n").err),
+              "m.macro|1|error|\"ONE KILL now\" ended the process: SIGKILL (Killed); it made no host call|\n");
+}
+
+TEST_F(ProblemMatcher, FindsALineThatIsNoCommand) {
+    EXPECT_EQ(problemsIn(runMacro("# a\nONE\n").err), "m.macro|2||expected a command after 'ONE'|\n");
+}
+
+TEST_F(ProblemMatcher, FindsABreachInAMacroTest) {
+    write("t.macro", "ONE LEAVELOCKOPEN\n");
+    const ProgramResult result = runProgram(runner({"test", "t.macro", "--addon", ADDON_ONE, "--strict"}));
+    EXPECT_EQ(problemsIn(result.out),
+              "t.macro|1|error|VexaUtilLockStart has no matching VexaUtilLockFinish in the command|unbalanced-lock\n");
+}
+
+TEST_F(ProblemMatcher, IgnoresADialog) { EXPECT_EQ(problemsIn(runMacro("ONE DIALOG hello\n").err), ""); }
 
 }  // namespace
 }  // namespace vexa::e2e

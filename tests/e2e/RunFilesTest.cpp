@@ -27,12 +27,15 @@ const Output kOutputs[] = {
     {{"run", "m.macro", "--addon", "one.so", "--style", "style.json", "--trace", "@"}, kRunInputs},
     {{"run", "m.macro", "--addon", "one.so", "--style", "style.json", "--trace-text", "@"}, kRunInputs},
     {{"run", "n.macro", "m.macro", "--addon", "one.so", "--style", "style.json", "--json", "@"}, kRunInputs},
+    {{"run", "m.macro", "--addon", "one.so", "--style", "style.json", "--sarif", "@"}, kRunInputs},
     {{"check", "one.so", "--macro", "m.macro", "--style", "style.json", "--level", "1", "--json", "@"}, kRunInputs},
     {{"check", "one.so", "--macro", "m.macro", "--style", "style.json", "--level", "1", "--junit", "@"}, kRunInputs},
     {{"check", "one.so", "--macro", "m.macro", "--style", "style.json", "--level", "1", "--sarif", "@"}, kRunInputs},
     {{"test", "m.macro", "--addon", "one.so", "--style", "style.json", "--junit", "@"},
      {"m.macro", "one.so", "style.json", "vexa-standin.toml", "m.expected"}},
     {{"test", "m.macro", "--addon", "one.so", "--style", "style.json", "--accept", "--junit", "@"},
+     {"m.macro", "one.so", "style.json", "vexa-standin.toml", "m.expected"}},
+    {{"test", "m.macro", "--addon", "one.so", "--style", "style.json", "--sarif", "@"},
      {"m.macro", "one.so", "style.json", "vexa-standin.toml", "m.expected"}},
     {{"repl", "--addon", "one.so", "--style", "style.json", "--record", "@"}, {"one.so", "style.json"}},
     {{"report", "run.trace", "-o", "@"}, {"run.trace"}},
@@ -96,6 +99,7 @@ TEST_F(RunFiles, ThatAreWrittenAreWrittenOnce) {
         {"run", "m.macro", "--addon", "one.so", "--trace", "new", "--trace-text", "@"},
         {"check", "one.so", "--level", "1", "--json", "new", "--junit", "@"},
         {"check", "one.so", "--level", "1", "--json", "new", "--sarif", "@"},
+        {"test", "m.macro", "--addon", "one.so", "--junit", "new", "--sarif", "@"},
     };
     fs::create_directory(folder() / "sub");
     fs::create_symlink("new", folder() / "dangling");

@@ -25,10 +25,13 @@ const Output kOutputs[] = {
     {{"run", "m.macro", "--addon", ADDON_ONE, "--trace"}, "[\n{"},
     {{"run", "m.macro", "--addon", ADDON_ONE, "--trace-text"}, "# thread, "},
     {{"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--json"}, "{\"place\":\"m.macro:1\""},
+    {{"run", "m.macro", "--addon", ADDON_ONE, "--sarif"}, "{\n"},
+    {{"run", "m.macro", "m.macro", "--addon", ADDON_ONE, "--sarif"}, "{\n"},
     {{"check", ADDON_ONE, "--only", "load", "--json"}, "{\n"},
     {{"check", ADDON_ONE, "--only", "load", "--junit"}, "<?xml"},
     {{"check", ADDON_ONE, "--only", "load", "--sarif"}, "{\n"},
     {{"test", "m.macro", "--addon", ADDON_ONE, "--junit"}, "<?xml"},
+    {{"test", "m.macro", "--addon", ADDON_ONE, "--sarif"}, "{\n"},
     {{"repl", "--addon", ADDON_ONE, "--record"}, "# Macro commands"},
     {{"report", "run.trace", "-o"}, "<!DOCTYPE html>"},
 };

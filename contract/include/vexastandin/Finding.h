@@ -28,7 +28,8 @@ struct Rule {
     const char* summary;  ///< the rule, in one sentence
     const char* why;      ///< what happens if an add-on breaks the rule
     const char* hint;     ///< how to fix the add-on
-    const char* unseen;   ///< what `attach` cannot see of it in a host that is not the stand-in; empty if it sees all
+    const char* unseen =
+        "";  ///< what `attach` cannot see of it in a host that is not the stand-in; empty if it sees all
 };
 
 /// The kind of event that makes the stand-in check a rule.

@@ -85,8 +85,8 @@ Command checkCommand() {
     addHostOption(command, options->session.contract);
     command.add(option({"--json"}, "FILE", "Write all results as JSON", &options->json));
     command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
-    command.add(option({"--sarif"}, "FILE", "Write the tests that did not pass as SARIF 2.1.0", &options->sarif));
     command.add(coverageOption(options->coverage));
+    addProblemOptions(command, options->problems);
     addSuppressOptions(command, options->session.contract);
     addTimeoutOption(command, options->session.contract);
     command.add(flag({"--warnings-as-errors"}, "Also fail if a test warns",

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <nlohmann/json.hpp>
-#include <string_view>
 #include <vector>
 
 #include "formats/JunitText.h"
@@ -51,39 +49,48 @@ JunitOutcome_e junitOutcome(Outcome_e outcome, bool warningsAsErrors) {
     return isWarningBad ? JunitOutcome_e::Failure : kOutcomes[static_cast<std::size_t>(outcome)];
 }
 
-// ---- SARIF
+// ---- Problems
 
-std::string asUri(const std::string& path) {
-    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
-    std::string uri = path.compare(0, 1, "/") == 0 ? "file://" : "";
-    for (const char c : path) {
-        std::array<char, 4> code{};
-        std::snprintf(code.data(), code.size(), "%%%02X", static_cast<unsigned char>(c));
-        uri += kPlain.find(c) == std::string_view::npos ? code.data() : std::string(1, c);
-    }
-    return uri;
+// Tells which test found a problem, and how to see it again.
+std::string origin(const TestResult& test) {
+    return std::string("found by the test ") + test.test->name + "\nreproduce: " + printable(test.reproduce);
 }
 
-Json sarifRules(const CheckReport& report) {
-    Json rules = Json::array();
-    for (const TestResult& test : report.tests) {
-        rules.push_back({{"id", test.test->name},
-                         {"shortDescription", {{"text", test.test->summary}}},
-                         {"fullDescription", {{"text", test.test->why}}}});
+std::vector<Problem> problemsOf(const TestResult& test) {
+    std::vector<Problem> problems = test.verdict.problems;
+    for (Problem& problem : problems) problem.details += origin(test);
+    return problems;
+}
+
+// The problem of a test whose failure has no place in a macro.
+Problem problemOf(const CheckReport& report, const TestResult& test) {
+    Problem problem;
+    problem.rule = test.test->name;
+    const bool isError = isBad(test.verdict.outcome, report.warningsAsErrors);
+    problem.severity = isError ? standin::Severity_e::Error : standin::Severity_e::Warning;
+    problem.message = withReproduction(test);
+    problem.place.file = report.addOn;
+    return problem;
+}
+
+// One mistake often makes many tests fail. Its problem is listed once.
+void addNew(std::vector<Problem>& problems, Problem problem, bool isError) {
+    const auto isSame = [&](const Problem& known) {
+        return known.rule == problem.rule && known.message == problem.message &&
+               known.place.file == problem.place.file && known.place.line == problem.place.line;
+    };
+    if (isError) problem.severity = standin::Severity_e::Error;
+    if (std::none_of(problems.begin(), problems.end(), isSame)) problems.push_back(std::move(problem));
+}
+
+std::vector<standin::Rule> rulesOf(const CheckReport& report) {
+    std::vector<standin::Rule> rules;
+    for (const TestResult& result : report.tests) {
+        const CheckTest& test = *result.test;
+        rules.push_back({test.name, "Tests of check", standin::Severity_e::Error, test.summary, test.why,
+                         "Run the command that reproduces the failure."});
     }
     return rules;
-}
-
-Json sarifResult(const CheckReport& report, std::size_t index) {
-    const TestResult& test = report.tests[index];
-    const Outcome_e outcome = test.verdict.outcome;
-    const Json file = {{"physicalLocation", {{"artifactLocation", {{"uri", asUri(report.addOn)}}}}}};
-    return {{"ruleId", test.test->name},
-            {"ruleIndex", index},
-            {"level", isBad(outcome, report.warningsAsErrors) ? "error" : "warning"},
-            {"message", {{"text", withReproduction(test)}}},
-            {"locations", Json::array({file})},
-            {"properties", {{"outcome", nameOf(outcome)}, {"seed", report.seed}}}};
 }
 
 }  // namespace
@@ -144,18 +151,15 @@ std::string junitText(const CheckReport& report) {
                      cases);
 }
 
-std::string sarifText(const CheckReport& report) {
-    Json results = Json::array();
-    for (std::size_t i = 0; i != report.tests.size(); ++i) {
-        if (isBad(report.tests[i].verdict.outcome, true)) results.push_back(sarifResult(report, i));
+ProblemReport problemReport(const CheckReport& report, ExitStatus_e status) {
+    ProblemReport all{"check", {}, rulesOf(report), static_cast<int>(status)};
+    for (const TestResult& test : report.tests) {
+        if (!isBad(test.verdict.outcome, true)) continue;
+        for (Problem& problem : problemsOf(test)) addNew(all.problems, std::move(problem), report.warningsAsErrors);
+        if (test.verdict.problems.empty()) all.problems.push_back(problemOf(report, test));
     }
-    const Json driver = {{"name", kTool}, {"version", VEXA_STANDIN_VERSION}, {"rules", sarifRules(report)}};
-    return dumped({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
-                   {"version", "2.1.0"},
-                   {"runs", Json::array({{{"tool", {{"driver", driver}}},
-                                          {"invocations", Json::array({{{"executionSuccessful", true}}})},
-                                          {"properties", {{"refusedWrites", refusedWrites(report)}}},
-                                          {"results", results}}})}});
+    all.properties = {{"seed", report.seed}, {"refusedWrites", refusedWrites(report)}};
+    return all;
 }
 
 }  // namespace vexa::runner

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "commands/check/TestRun.h"
+#include "formats/Problem.h"
+#include "options/ExitStatus.h"
 
 namespace vexa::runner {
 
@@ -32,7 +34,8 @@ std::string jsonText(const CheckReport& report);
 /// Returns the report as JUnit XML.
 std::string junitText(const CheckReport& report);
 
-/// Returns the tests that did not pass as SARIF 2.1.0.
-std::string sarifText(const CheckReport& report);
+/// Returns the problems that made tests warn or fail, each once, and the tests that failed for another reason.
+/// \param status the exit status of the check
+ProblemReport problemReport(const CheckReport& report, ExitStatus_e status);
 
 }  // namespace vexa::runner

@@ -94,12 +94,13 @@ private:
     void findReports() {
         m_files = inputsOf(session());
         m_files.read(m_options.macros);
-        for (const auto& file : {m_options.json, m_options.junit, m_options.sarif}) m_files.write(file);
+        for (const auto& file : {m_options.json, m_options.junit}) m_files.write(file);
         m_files.write(m_options.coverage);
         if (m_options.coverage) checkCoverageFile(*m_options.coverage);
+        noteOutputs(m_options.problems, m_files);
         if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
         if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
-        if (m_options.sarif) m_reports.emplace_back(*m_options.sarif, sarifText);
+        m_problems.emplace(m_options.problems);
     }
 
     bool readStyle() {
@@ -228,8 +229,10 @@ private:
         std::printf("check %s: %s\n", passed ? "passed" : "failed", countsText(m_report).c_str());
         if (m_options.coverage) writeCoverage();
         for (auto& [output, text] : m_reports) output.replace(text(m_report));
-        if (m_isUnwritten) return ExitStatus_e::BadUsageOrInput;
-        return passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+        const ExitStatus_e result = passed ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+        const ExitStatus_e status = m_isUnwritten ? ExitStatus_e::BadUsageOrInput : result;
+        m_problems->write(problemReport(m_report, status));
+        return status;
     }
 
     // Leaves out the commands of the add-on that is part of a test.
@@ -254,6 +257,7 @@ private:
     ToldCauses m_causes;
     RunFiles m_files;
     std::list<std::pair<WholeOutput, ReportText>> m_reports;
+    std::optional<ProblemOutputs> m_problems;
     bool m_isUnwritten = false;  // true if a macro could not be written
 };
 

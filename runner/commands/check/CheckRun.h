@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "options/ExitStatus.h"
+#include "session/ProblemOutputs.h"
 #include "session/Session.h"
 
 namespace vexa::runner {
@@ -20,7 +21,7 @@ struct CheckOptions {
     double time = 10;                     ///< seconds for a test that could run forever
     std::optional<std::string> json;      ///< the file for the JSON report
     std::optional<std::string> junit;     ///< the file for the JUnit report
-    std::optional<std::string> sarif;     ///< the file for the SARIF report
+    ProblemOptions problems;              ///< where the problems for build servers go
     std::optional<std::string> coverage;  ///< the coverage file to add to
     std::string folder = ".";             ///< the folder for macros that reproduce a failure
     SessionOptions session;               ///< for each test; its add-ons are the other ones that the macros need

@@ -25,6 +25,7 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kOutputLines = 12;
+constexpr const char* kCommandTimeout = "command-timeout";  // the rule of the contract about work without an end
 constexpr const char* kWritesAnywhere = "its commands may write to any file";
 
 std::string whatWasTried(const BlackBox& box) {
@@ -33,8 +34,7 @@ std::string whatWasTried(const BlackBox& box) {
 }
 
 // Runs the test in the process of the test, and returns its verdict.
-Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
-    Trial trial(subject, box);
+Verdict verdictOf(const CheckTest& test, Trial& trial, const BlackBox& box) {
     const auto failed = [&](const std::string& reason, std::string macro) {
         std::string lines = reason;
         addLine(lines, whatWasTried(box));
@@ -55,6 +55,13 @@ Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) 
     } catch (const std::exception& error) {
         return failed(std::string("the test could not run: ") + error.what(), "");
     }
+}
+
+Verdict verdictOf(const CheckTest& test, const Subject& subject, BlackBox& box) {
+    Trial trial(subject, box);
+    Verdict verdict = verdictOf(test, trial, box);
+    verdict.problems = trial.problems();
+    return verdict;
 }
 
 std::string whatRan(const BlackBox& box) {
@@ -92,6 +99,14 @@ std::string howItEnded(const ProcessEnd& end, const BlackBox& box, std::chrono::
     return "the add-on ended the process, with status " + std::to_string(WEXITSTATUS(end.waitStatus));
 }
 
+// The problem of a process that a command of a macro has ended, or that was killed in such a command.
+std::vector<Problem> problemsOf(const ProcessEnd& end, const BlackBox& box, std::chrono::milliseconds timeout) {
+    if (!box.isInAddOn || end.work.place.empty()) return {};
+    Problem problem = problemOf(end.work, kProcessEnded, howItEnded(end, box, timeout));
+    if (end.hasTimedOut()) problem.rule = kCommandTimeout;
+    return {problem};
+}
+
 bool isWell(const ProcessEnd& end) { return end.hasLeft() && end.verdict; }
 
 // Runs `work` in another process. Returns the verdict of that process, or a verdict about the way in which it ended.
@@ -99,10 +114,10 @@ Verdict watchedVerdict(const TestSetting& setting, BlackBox& box, const std::fun
     const ProcessEnd end = runWatched(setting, box, work);
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
     if (isPassed) return *end.verdict;
-    Verdict verdict = isWell(end)
-                          ? *end.verdict
-                          : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
-                                    howItEnded(end, box, setting.timeout) + '\n' + whatRan(box), box.macro.text()};
+    Verdict verdict = isWell(end) ? *end.verdict
+                                  : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
+                                            howItEnded(end, box, setting.timeout) + '\n' + whatRan(box),
+                                            box.macro.text(), problemsOf(end, box, setting.timeout)};
     if (box.wantedMemory) addLine(verdict.reason, "the process ran out of memory on the way");
     addLine(verdict.reason, lastLinesOf(end.out.text));
     return verdict;

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "session/CoverageNotes.h"
+#include "session/ProblemOutputs.h"
 #include "session/watch/Death.h"
 
 namespace vexa::runner {
@@ -60,13 +61,15 @@ public:
         m_box.touch();
         const Verdict verdict = m_work();
         notes.tell(kMacroNote, verdict.macro);
+        for (const Problem& problem : verdict.problems) notes.tell(kProblemNote, packed(problem));
         notes.tell(static_cast<char>(kFirstOutcome + static_cast<int>(verdict.outcome)), verdict.reason);
         return 0;
     }
     NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return this; }
-    void end(std::size_t, const ProcessBox&, const ProcessOutcome& outcome) override {
+    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
         if (m_isStopAsked) throw EndedBySignal{SIGINT};
         static_cast<ProcessOutcome&>(m_end) = outcome;
+        m_end.work = {box.place.text(), box.addOnId.text(), box.work.text()};
     }
     void stopAsked(std::size_t, const ProcessBox&) override { m_isStopAsked = true; }
     void killed(std::size_t, const ProcessBox&, int) override {}
@@ -79,8 +82,11 @@ private:
             if (m_setting.coverage != nullptr) addCoverageNote(*m_setting.coverage, text);
         } else if (kind == kMacroNote) {
             m_macro = text;
+        } else if (kind == kProblemNote) {
+            m_problems.push_back(unpackedProblem(text));
         } else {
-            m_end.verdict = Verdict{static_cast<Outcome_e>(kind - kFirstOutcome), std::string(text), m_macro};
+            const auto outcome = static_cast<Outcome_e>(kind - kFirstOutcome);
+            m_end.verdict = Verdict{outcome, std::string(text), m_macro, m_problems};
         }
     }
     std::string ask(char, std::string_view) override { return ""; }
@@ -89,6 +95,7 @@ private:
     const TestSetting& m_setting;
     const std::function<Verdict()>& m_work;
     std::string m_macro;
+    std::vector<Problem> m_problems;
     ProcessEnd m_end;
     bool m_isStopAsked = false;
 };

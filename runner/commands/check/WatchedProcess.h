@@ -22,6 +22,7 @@ struct TestSetting {
 /// The end of a process that ran a test.
 struct ProcessEnd : ProcessOutcome {
     std::optional<Verdict> verdict;  ///< nothing if the process ended first
+    MacroCommand work;               ///< the current or last work of the add-ons
 
     bool hasLeft() const { return end == End_e::Left; }
     bool hasTimedOut() const { return end == End_e::TimedOut; }

@@ -15,8 +15,8 @@ namespace {
 
 constexpr const char* kNewFooter =
     R"(The project builds, runs and passes its tests. It has one command with two
-options, a unit test, macros with their expected results, and a script for
-build servers.
+options, a unit test, macros with their expected results, files for GitHub and
+GitLab that build, test and check it, and tasks for VS Code.
 
 Examples:
   vexa-standin new wake-probe
@@ -30,13 +30,14 @@ struct NewOptions {
     std::string folder;
     std::optional<std::string> id;
     std::optional<std::string> title;
+    EditorFiles_e editorFiles = EditorFiles_e::Written;
 };
 
 ExitStatus_e writeNewProject(const NewOptions& options) {
     ProjectNames names = namesFor(options.folder);
     if (options.id) names.id = *options.id;
     if (options.title) names.title = *options.title;
-    writeProject(options.folder, names);
+    writeProject(options.folder, names, options.editorFiles);
     print(printableLine(options.folder + ": the project of the add-on " + names.id) +
           ". Build it, and run its tests:\n" + "  cd " + shellWord(options.folder) + "\n" +
           "  cmake --preset release && cmake --build --preset release && ctest --preset release\n");
@@ -59,6 +60,10 @@ Command newCommand() {
     command.add(option({"--title"}, "TEXT", "The add-on's title for users; by default made from the folder's name",
                        &options->title)
                     .check(whyNoTitle));
+    command.add(flag({"--editor"}, "Write files for editors: VS Code and clangd (default)",
+                     [options] { options->editorFiles = EditorFiles_e::Written; }));
+    command.add(flag({"--no-editor"}, "Do not write files for editors",
+                     [options] { options->editorFiles = EditorFiles_e::LeftOut; }));
     command.check = [options] {
         if (options->folder.empty()) throw UsageError("FOLDER: expected a name");
     };

@@ -12,6 +12,7 @@
 
 #include "system/Descriptor.h"
 #include "system/files/OutputTarget.h"
+#include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
@@ -24,6 +25,9 @@ struct TemplateFile {
 };
 
 #include "ProjectFiles.inc"
+
+// The start of the paths of files for editors.
+constexpr std::string_view kForEditors[] = {".clangd", ".vscode/"};
 
 constexpr std::string_view kScript = "#!";  // the start of a program that a shell runs
 constexpr mode_t kFile = 0666;
@@ -88,6 +92,11 @@ std::string escaped(const std::string& text) {
         literal += c;
     }
     return literal;
+}
+
+bool isForEditors(const TemplateFile& file) {
+    return std::any_of(std::begin(kForEditors), std::end(kForEditors),
+                       [&](std::string_view start) { return startsWith(file.path, start); });
 }
 
 // Replaces the placeholders of the template.
@@ -167,10 +176,11 @@ std::string whyNoTitle(const std::string& title) {
     return isLine ? "" : "expected a title: a line of text";
 }
 
-void writeProject(const std::string& folder, const ProjectNames& names) {
+void writeProject(const std::string& folder, const ProjectNames& names, EditorFiles_e editorFiles) {
     refuseWhatIsThere(folder);
     MadePaths made;
     for (const TemplateFile& file : kTemplateFiles) {
+        if (editorFiles == EditorFiles_e::LeftOut && isForEditors(file)) continue;
         const fs::path path = fs::path(folder) / file.path;
         made.makeFolder(path.parent_path());
         made.makeFile(path, filled(file.text, names));

@@ -26,9 +26,15 @@ std::string whyNoId(const std::string& id);
 /// Returns what is wrong with a title; empty if it is valid.
 std::string whyNoTitle(const std::string& title);
 
+/// Whether a new project has files for editors.
+enum class EditorFiles_e {
+    Written,  ///< tasks, a debugger's launch and a problem matcher for VS Code; a setting for clangd
+    LeftOut
+};
+
 /// Writes the project of a new add-on to \p folder. The folder must be missing or empty.
 /// \throws OutputError if the folder is not empty, or if a file cannot be written. The function then removes all files
 /// and folders that it created.
-void writeProject(const std::string& folder, const ProjectNames& names);
+void writeProject(const std::string& folder, const ProjectNames& names, EditorFiles_e editorFiles);
 
 }  // namespace vexa::runner

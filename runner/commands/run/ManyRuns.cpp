@@ -18,7 +18,7 @@ namespace {
 class ManyRuns : public UserWork {
 public:
     ManyRuns(const RunOptions& options, const std::vector<std::string>& macroFiles)
-        : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()) {}
+        : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()), m_outputs(options.problems) {}
 
     ExitStatus_e run(std::size_t jobs) {
         const AwaitedSignals signals;
@@ -31,6 +31,7 @@ public:
         if (left > 0) note(ExitStatus_e::Stopped, std::to_string(left) + " not begun: stopped by Ctrl-C");
         closeResults();
         writeCoverage();
+        m_outputs.write(runReport(m_problems, static_cast<ExitStatus_e>(m_status)));
         tell(kProgramName,
              std::to_string(ended) + " macro files run, " + std::to_string(m_failed) + " failed" + m_notes);
         return static_cast<ExitStatus_e>(m_status);
@@ -51,6 +52,8 @@ public:
         const ExitStatus_e status = statusOf(index, box, outcome);
         if (m_results) m_results->append(m_runs[index]->results);
         merge(m_coverage, m_runs[index]->watched.outputs().coverage());
+        const std::vector<Problem>& problems = m_runs[index]->watched.outputs().problems();
+        m_problems.insert(m_problems.end(), problems.begin(), problems.end());
         m_runs[index].reset();
         if (status == ExitStatus_e::AllWell) return;
         ++m_failed;
@@ -108,6 +111,8 @@ private:
     std::unique_ptr<LiveFile> m_results;
     std::vector<std::unique_ptr<Run>> m_runs;
     Coverage m_coverage;
+    ProblemOutputs m_outputs;
+    std::vector<Problem> m_problems;
     std::size_t m_failed = 0;
     int m_status = 0;
     std::string m_notes;

@@ -105,6 +105,7 @@ void checkFiles(const RunRequest& request) {
         files.write(output);
     }
     if (options.coverage) checkCoverageFile(*options.coverage);
+    noteOutputs(options.problems, files);
 }
 
 ExitStatus_e run(RunRequest& request) {
@@ -135,6 +136,7 @@ Command runCommand() {
     addTraceOptions(command, options.trace);
     command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));
     command.add(coverageOption(options.coverage));
+    addProblemOptions(command, options.problems);
     command.add(jobsOption(request->jobs, "macro files"));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options.batch));
     command.add(flag({"--keep-going"}, "Continue after a failed command", &options.keepGoing));

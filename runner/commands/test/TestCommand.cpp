@@ -18,6 +18,7 @@
 #include "coverage/CoverageFile.h"
 #include "formats/JunitText.h"
 #include "options/CommonOptions.h"
+#include "session/ProblemOutputs.h"
 #include "session/ProjectSettings.h"
 #include "session/Session.h"
 #include "session/watch/Death.h"
@@ -57,6 +58,7 @@ constexpr const char* kExpected = ".expected";
 struct TestOptions : TranscriptOptions {
     std::vector<std::string> paths;    // macros, and folders of macros
     std::optional<std::string> junit;  // the file for the JUnit report
+    ProblemOptions problems;           // where the problems for build servers go
     std::size_t jobs = 1;              // how many macros run at a time
     bool accepts = false;              // save the current results as the expected results
 };
@@ -110,6 +112,7 @@ struct MacroVerdict {
     bool passed = false;
     std::string reason;  // one line; empty if the macro passed
     std::string lines;   // lines that show the failure
+    std::vector<Problem> problems = {};
 };
 
 // Runs each macro in its own process, compares the results of NAME.macro with NAME.expected in the same folder, and
@@ -124,12 +127,25 @@ public:
         std::printf("%zu of %zu macros passed\n", m_passed, m_macros.size());
         if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_coverage);
         if (m_junit) m_junit->replace(junitText("vexa-standin test", {}, m_report));
-        if (m_isBroken) return ExitStatus_e::BadUsageOrInput;
-        if (m_isStopped || ended != m_macros.size()) return ExitStatus_e::Stopped;
-        return m_passed == ended ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+        m_isStopped |= ended != m_macros.size();
+        if (m_problemOutputs) m_problemOutputs->write(problemReport());
+        return status();
     }
 
 private:
+    ExitStatus_e status() const {
+        if (m_isBroken) return ExitStatus_e::BadUsageOrInput;
+        if (m_isStopped) return ExitStatus_e::Stopped;
+        return m_passed == m_macros.size() ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
+    }
+
+    ProblemReport problemReport() const {
+        ProblemReport report{"test", m_problems};
+        report.exitStatus = static_cast<int>(status());
+        report.hasRun = !m_isBroken && !m_isStopped;
+        return report;
+    }
+
     bool prepare() {
         try {
             m_macros = macrosOf(m_options.paths);
@@ -158,7 +174,9 @@ private:
         files.write(m_options.junit);
         files.write(m_options.coverage);
         if (m_options.coverage) checkCoverageFile(*m_options.coverage);
+        noteOutputs(m_options.problems, files);
         if (m_options.junit) m_junit.emplace(*m_options.junit);
+        m_problemOutputs.emplace(m_options.problems);
     }
 
     std::size_t runWatched() {
@@ -203,6 +221,7 @@ private:
 
     void conclude(const std::string& macro, double seconds, const MacroVerdict& verdict) {
         m_passed += verdict.passed ? 1 : 0;
+        addProblems(macro, verdict);
         const std::string reason = verdict.reason.empty() ? "" : ": " + verdict.reason;
         print((verdict.passed ? "passed " : "failed ") + printableLine(macro + reason) + '\n' + verdict.lines);
         std::fflush(stdout);
@@ -210,6 +229,26 @@ private:
         m_report.push_back({path.parent_path().string(), path.stem().string(), seconds,
                             verdict.passed ? JunitOutcome_e::Passed : JunitOutcome_e::Failure, "failed", verdict.reason,
                             verdict.lines});
+    }
+
+    // A failure without a problem of its own is a problem of the macro.
+    void addProblems(const std::string& macro, const MacroVerdict& verdict) {
+        std::vector<Problem> problems = verdict.problems;
+        if (!verdict.passed && problems.empty()) problems.push_back(macroProblem({macro, 0, ""}, verdict));
+        const bool areErrors = m_options.contract.warningsAsErrors.value_or(false);
+        for (Problem& problem : problems) {
+            if (areErrors) problem.severity = standin::Severity_e::Error;
+            m_problems.push_back(std::move(problem));
+        }
+    }
+
+    static Problem macroProblem(ProblemPlace place, const MacroVerdict& verdict) {
+        Problem problem;
+        problem.rule = kMacroFailed;
+        problem.message = printable(verdict.reason);
+        problem.details = printable(verdict.lines);
+        problem.place = std::move(place);
+        return problem;
     }
 
     MacroVerdict verdictOn(const std::string& macro, const ProcessBox& box, const ProcessOutcome& outcome,
@@ -220,12 +259,18 @@ private:
         const std::string lines = lastCommand(transcript.text()) + printedLines(outcome.out);
         if (outcome.end == End_e::Left) return {false, "a part of its report was lost", lines};
         if (outcome.end == End_e::TimedOut)
-            return {false, "it did not return within its time limit", textOf(lateFinding(box))};
+            return {false,
+                    "it did not return within its time limit",
+                    textOf(lateFinding(box)),
+                    {problemOf(lateFinding(box), macro)}};
         if (wasInterrupted(outcome)) {
             m_isStopped = true;
             return {false, "stopped by Ctrl-C", lines};
         }
-        return {false, "an add-on ended the process", lines + deathText(box, outcome) + '\n'};
+        return {false,
+                "an add-on ended the process",
+                lines + deathText(box, outcome) + '\n',
+                {deathProblem(box, outcome, macro)}};
     }
 
     MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const TranscriptText& transcript) {
@@ -235,9 +280,11 @@ private:
                     m_isBroken = true;
                     return {false, error.what(), ""};
                 }
-            case TranscriptEnd_e::Broken: return {false, "the host's contract was broken", transcript.explained()};
+            case TranscriptEnd_e::Broken:
+                return {false, "the host's contract was broken", transcript.explained(), transcript.problems()};
             case TranscriptEnd_e::CommandHung:
-                return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained()};
+                return {false, "a command did not return", lastCommand(transcript.text()) + transcript.explained(),
+                        transcript.problems()};
             case TranscriptEnd_e::OutputLost:
                 m_isBroken = true;
                 return {false, "the standard output could not be written", transcript.text()};
@@ -275,9 +322,16 @@ private:
             return {true, "accepted", ""};
         }
         std::string difference = lineDifference(expected.value_or(""), transcript);
-        if (hasNewFinding(difference)) difference += told.explained();
+        std::vector<Problem> problems;
+        if (hasNewFinding(difference)) {
+            difference += told.explained();
+            problems = told.problems();
+        }
         if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
-        return {false, "its results differ from " + path + "; --accept saves the new results", difference};
+        MacroVerdict differs{false, "its results differ from " + path + "; --accept saves the new results", difference};
+        problems.push_back(macroProblem({path, firstDifference(*expected, transcript), ""}, differs));
+        differs.problems = std::move(problems);
+        return differs;
     }
 
     const TestOptions& m_options;
@@ -290,6 +344,8 @@ private:
     bool m_isStopped = false;
     std::vector<JunitCase> m_report;
     std::optional<WholeOutput> m_junit;
+    std::vector<Problem> m_problems;
+    std::optional<ProblemOutputs> m_problemOutputs;
 };
 
 }  // namespace
@@ -305,6 +361,7 @@ Command testCommand() {
     addHostOption(command, options->contract);
     command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
     command.add(coverageOption(options->coverage));
+    addProblemOptions(command, options->problems);
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addTimeoutOption(command, options->contract);

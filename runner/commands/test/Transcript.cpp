@@ -131,6 +131,7 @@ private:
                                      ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
                                      : briefTextOf(finding);
         m_notes.tell(kExplainedNote, text);
+        m_notes.tell(kProblemNote, packed(problemOf(finding, m_macroFile)));
     }
 
     // Called on another thread while the add-on still runs. Flushes nothing, because the add-on may hold the standard

@@ -11,6 +11,7 @@
 #include "coverage/Coverage.h"
 #include "formats/StyleFile.h"
 #include "session/CoverageNotes.h"
+#include "session/ProblemOutputs.h"
 #include "session/Session.h"
 #include "session/watch/Processes.h"
 #include "system/files/MemoryFile.h"
@@ -72,6 +73,7 @@ public:
     void tell(char kind, std::string_view text) override {
         switch (kind) {
             case kCoverageNote: return addCoverageNote(m_coverage, text);
+            case kProblemNote: m_problems.push_back(unpackedProblem(text)); return;
             case kExplainedNote: m_explained += text; return;
             default: m_text += text; return;
         }
@@ -86,12 +88,15 @@ public:
     /// Returns the findings with their places and hints.
     const std::string& explained() const { return m_explained; }
     const Coverage& coverage() const { return m_coverage; }
+    /// Returns the findings for build servers.
+    const std::vector<Problem>& problems() const { return m_problems; }
 
 private:
     std::function<KeptText()> m_takePrinted;
     std::string m_text;
     std::string m_explained;
     Coverage m_coverage;
+    std::vector<Problem> m_problems;
 };
 
 /// Captures what this process prints on both outputs, as long as this object lives.

@@ -45,6 +45,14 @@ std::string whatItCalled(const ProcessBox& box) {
     return hasCalled ? "; its last host call was " + lastFunctionOf(box) : "; it made no host call";
 }
 
+std::string deathMessage(const ProcessBox& box, const ProcessOutcome& outcome) {
+    const std::string how = howItEnded(outcome.waitStatus);
+    const std::string work = workOf(box);
+    if (work.empty()) return "the process for the add-ons ended: " + how;
+    if (box.isInAddOn) return '"' + work + "\" ended the process: " + how + whatItCalled(box);
+    return "an add-on ended the process after \"" + work + "\": " + how;
+}
+
 }  // namespace
 
 LastWords::LastWords(int status) : m_handler(SIGALRM, [](int) { _exit(statusOfProgram); }) {
@@ -62,13 +70,14 @@ std::string howItEnded(int waitStatus) {
 }
 
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
-    const std::string how = howItEnded(outcome.waitStatus);
-    const std::string work = workOf(box);
-    if (work.empty()) return std::string(kProgramName) + ": error: the process for the add-ons ended: " + how;
-    if (box.isInAddOn) {
-        return placeOf(box) + ": error: \"" + work + "\" ended the process: " + how + whatItCalled(box);
-    }
-    return placeOf(box) + ": error: an add-on ended the process after \"" + work + "\": " + how;
+    return placeOf(box) + ": error: " + deathMessage(box, outcome);
+}
+
+Problem deathProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file) {
+    const MacroCommand work = {box.place.text(), box.addOnId.text(), box.work.text()};
+    Problem problem = problemOf(work, kProcessEnded, deathMessage(box, outcome));
+    if (problem.place.file.empty()) problem.place.file = file;
+    return problem;
 }
 
 standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore, std::chrono::duration<double> limit) {

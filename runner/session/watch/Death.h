@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 
+#include "formats/Problem.h"
 #include "session/watch/ProcessBox.h"
 #include "session/watch/Processes.h"
 #include "system/processes/Signals.h"
@@ -16,6 +17,9 @@ std::string howItEnded(int waitStatus);
 
 /// The message about a process that an add-on ended: the place, the command and the last host call.
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome);
+
+/// The same as a problem. If no command ended the process, its place is \p file.
+Problem deathProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file);
 
 /// The finding about an add-on that does not return.
 /// \param last        the last host call, and the work of the add-on: Host::lastCall()

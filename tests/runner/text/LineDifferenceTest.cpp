@@ -34,6 +34,13 @@ TEST(LineDifference, ShowsWhatGoesBeforeWhatComes) {
     EXPECT_EQ(lineDifference("a\nb\n", "c\n"), "@@ line 1 @@\n- a\n- b\n+ c\n");
 }
 
+TEST(LineDifference, HasAFirstLine) {
+    EXPECT_EQ(firstDifference("a\nb\nc\n", "a\nx\nc\n"), 2U);
+    EXPECT_EQ(firstDifference("a\nb\n", "a\n"), 2U);
+    EXPECT_EQ(firstDifference("a\nb\n", "a\nb\nc\n"), 2U);
+    EXPECT_EQ(firstDifference("", "a\n"), 1U);
+}
+
 TEST(LineDifference, OfAMissingTextIsAllOfTheOther) {
     EXPECT_EQ(lineDifference("", "a\n"), "@@ line 1 @@\n+ a\n");
     EXPECT_EQ(lineDifference("a\n", ""), "@@ line 1 @@\n- a\n");

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "formats/Problem.h"
 
 namespace vexa::runner {
 
@@ -17,8 +20,9 @@ enum class Outcome_e {
 /// The outcome of a test, and its reason.
 struct Verdict {
     Outcome_e outcome = Outcome_e::Passed;
-    std::string reason = {};  ///< lines for the user; may be empty if the test passed
-    std::string macro = {};   ///< a macro that shows the error; empty if only the test shows it
+    std::string reason = {};             ///< lines for the user; may be empty if the test passed
+    std::string macro = {};              ///< a macro that shows the error; empty if only the test shows it
+    std::vector<Problem> problems = {};  ///< what build servers show; empty if it has no place in a macro
 };
 
 /// What a test needs. If it is missing, the test is skipped.

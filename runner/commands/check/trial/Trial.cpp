@@ -140,6 +140,7 @@ void CheckedSession::runWell(const MacroCommand& step) {
     std::string lines = place + "the command failed: " + step.addOnId + ' ' + step.text;
     addLine(lines, result.error.empty() ? "without a message" : "its message: " + result.error);
     addLine(lines, breaches());
+    m_trial.note(problemOf(step, kCommandFailed, std::string(failureText(result))));
     throw CaseFailed(lines);
 }
 
@@ -171,6 +172,7 @@ std::string CheckedSession::breaches() {
     std::string errors;
     for (const standin::Finding& finding : host().violations()) {
         const std::string text(withoutTrailingBlanks(textOf(finding)));
+        m_trial.note(problemOf(finding, m_trial.subject().addOn()));
         if (finding.severity == standin::Severity_e::Warning) {
             m_trial.warn(text);
         } else {

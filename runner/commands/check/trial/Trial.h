@@ -75,6 +75,10 @@ public:
     /// Returns the reasons given to warn(), one per line.
     std::string warnings() const;
 
+    /// Notes a problem that has a place in a macro.
+    void note(Problem problem) { m_problems.push_back(std::move(problem)); }
+    const std::vector<Problem>& problems() const { return m_problems; }
+
 private:
     friend class CheckedSession;
     const Subject& m_subject;
@@ -83,6 +87,7 @@ private:
     std::chrono::steady_clock::time_point m_end;
     std::vector<std::string> m_warnings;
     std::optional<CoverageObserver> m_coverage;  // of all sessions, so that each fact is sent once
+    std::vector<Problem> m_problems;
 };
 
 /// The session of a test case: a new host with the add-on loaded. Notes the current command and host call in the black

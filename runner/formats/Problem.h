@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "formats/MacroFile.h"
+#include "vexastandin/Finding.h"
+
+namespace vexa::runner {
+
+/// A place of a problem.
+struct ProblemPlace {
+    std::string file;      ///< as the user wrote it
+    std::size_t line = 0;  ///< counted from 1; 0 for the whole file
+    std::string text;      ///< the command on this line, or what happened there; may be empty
+};
+
+/// Something that a build server or an editor should show to the author of an add-on: a breach of the contract, a
+/// failed command, a crash, a test that did not pass. All texts are printable.
+struct Problem {
+    std::string rule;  ///< a rule of the contract, one of problemRules(), or a rule of the report
+    standin::Severity_e severity = standin::Severity_e::Error;
+    std::string message;                ///< one or more lines
+    std::string details;                ///< more lines; may be empty
+    ProblemPlace place;                 ///< the place that the reader should open
+    std::optional<ProblemPlace> other;  ///< the place where the problem started
+};
+
+/// The problems that a command of the program found.
+struct ProblemReport {
+    std::string command;  ///< of the program, for example "check"
+    std::vector<Problem> problems;
+    std::vector<standin::Rule> rules = {};  ///< rules that only this command has, such as the tests of "check"
+    int exitStatus = 0;
+    bool hasRun = true;  ///< false if the command could not do its work
+    std::vector<std::pair<std::string, std::size_t>> properties = {};
+};
+
+/// \name Rules that are not part of the host's contract
+/// @{
+inline constexpr const char* kCommandFailed = "command-failed";
+inline constexpr const char* kProcessEnded = "process-ended";
+inline constexpr const char* kMacroFailed = "macro-test-failed";
+/// @}
+
+/// Returns the rule \p name of the contract, of this header or of \p report; null if there is none.
+const standin::Rule* findRule(const ProblemReport& report, std::string_view name);
+
+/// Returns the place `FILE:LINE`. A text without a line is a file.
+ProblemPlace placeOf(const std::string& fileAndLine);
+
+/// Returns the problem of a breach of the contract. If the breach was not seen in a command of a macro, the place is
+/// \p file. Whoever knows a better place than the macro's line chooses it here.
+Problem problemOf(const standin::Finding& finding, const std::string& file);
+
+/// Returns the problem that \p command broke \p rule, which is one of the above.
+Problem problemOf(const MacroCommand& command, const char* rule, const std::string& message);
+
+/// Returns the message and the details.
+std::string wholeText(const Problem& problem);
+
+/// Returns a fingerprint for each problem. It has no line number, so it stays the same when lines are added before the
+/// problem. Equal problems get different fingerprints.
+std::vector<std::string> fingerprintsOf(const std::vector<Problem>& problems);
+
+/// Returns \p file relative to the current folder if it is below this folder, and otherwise its absolute path.
+std::string pathFromHere(const std::string& file);
+
+/// \name A problem as text, to send it to another process
+/// @{
+std::string packed(const Problem& problem);
+Problem unpackedProblem(std::string_view text);
+/// @}
+
+}  // namespace vexa::runner
