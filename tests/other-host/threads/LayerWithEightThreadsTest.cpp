@@ -96,11 +96,17 @@ private:
     std::array<int, 6> m_counts{};
 };
 
-// The messages that `work` sends. The layer of a process starts once and stays, so all tests share its socket.
-template <class Work>
-Messages messagesOf(const Work& work) {
+// The layer of a process starts once and stays, so all tests share its socket.
+runner::MessageSocket& socketOfLayer() {
     static runner::MessageSocket socket;
     Layer::start({socket.path(), "vexaAddOn", true});
+    return socket;
+}
+
+// The messages that `work` sends.
+template <class Work>
+Messages messagesOf(const Work& work) {
+    runner::MessageSocket& socket = socketOfLayer();
     Messages messages;
     std::atomic<bool> isDone{false};
     std::thread worker([&] {
