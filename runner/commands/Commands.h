@@ -10,6 +10,9 @@ Command checkCommand();
 /// `coverage` shows how much of the host's contract runs have used.
 Command coverageCommand();
 
+/// `diff` compares the calls in two traces.
+Command diffCommand();
+
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();
 

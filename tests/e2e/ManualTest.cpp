@@ -106,7 +106,7 @@ TEST_F(Manual, CompletesWordByWord) {
     };
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl report\n"},
-        {"all commands", "vexa-standin ''", "new run repl test check report coverage explain list style\n"},
+        {"all commands", "vexa-standin ''", "new run repl test check report coverage diff explain list style\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
@@ -159,7 +159,8 @@ TEST_F(Manual, CompletesTheSameInFish) {
     };
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl\nreport\n"},
-        {"all commands", "vexa-standin ", "check\ncoverage\nexplain\nlist\nnew\nrepl\nreport\nrun\nstyle\ntest\n"},
+        {"all commands", "vexa-standin ",
+         "check\ncoverage\ndiff\nexplain\nlist\nnew\nrepl\nreport\nrun\nstyle\ntest\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
