@@ -94,6 +94,8 @@ struct CommandBuilder {
     }
 };
 
+}  // namespace
+
 // Collects the commands of a run in the order of their starts. Commands nest.
 class RunLines {
 public:
@@ -134,6 +136,8 @@ private:
     bool m_isBetween = false;  // the last command stands for calls between commands
 };
 
+namespace {
+
 bool isCall(const std::string& line) {
     const auto& functions = standin::hostFunctions();
     return std::any_of(functions.begin(), functions.end(), [&](const standin::HostFunctionInfo& function) {
@@ -169,10 +173,13 @@ std::optional<std::size_t> takeThread(std::string& line) {
 }
 
 std::string callLineOf(const TracedSpan& span) {
-    const std::string line = span.name + '(' + span.arguments + ')';
-    if (!span.end) return line + " did not return";
-    if (span.result == "threw") return line + " threw";
-    return span.result.empty() ? line : line + " = " + span.result;
+    if (!span.end) return span.name + '(' + span.arguments + ") did not return";
+    standin::CallEvent call;
+    call.function = span.name.c_str();
+    call.arguments = span.arguments;
+    call.result = span.result;
+    call.threw = span.result == "threw";
+    return lineOf(call);
 }
 
 standin::EntryEvent eventOf(const TracedEntry& entry) {
@@ -308,6 +315,35 @@ std::string textOf(const CallLines& lines) {
         for (const std::string& line : command.lines) text += "  " + line + '\n';
     }
     return text;
+}
+
+CallRecorder::CallRecorder() : m_lines(std::make_unique<RunLines>()) {}
+
+CallRecorder::~CallRecorder() = default;
+
+void CallRecorder::entryBegan(const standin::EntryEvent& entry) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_lines->begin(entry.threadNumber, printableLine(beginningOf(entry)), printableLine(entry.macroLine));
+}
+
+void CallRecorder::entryEnded(const standin::EntryEvent& entry) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_lines->end(printableLine(endOf(entry)));
+}
+
+void CallRecorder::callEnded(const standin::CallEvent& call) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_lines->call(call.threadNumber, printableLine(lineOf(call)));
+}
+
+void CallRecorder::findingMade(const standin::Finding& finding) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_lines->finding(finding.seen.thread, printableLine(lineOf(finding)));
+}
+
+CallLines CallRecorder::take() {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_lines->take("");
 }
 
 }  // namespace vexa::runner

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "trace/TracedRun.h"
+#include "vexastandin/Observer.h"
 
 namespace vexa::runner {
 
@@ -33,6 +36,29 @@ CallLines callLinesIn(const std::string& text, const std::string& name);
 
 /// Returns the lines of a trace of an EventTrace.
 CallLines callLinesOf(const TracedRun& run);
+
+class RunLines;
+
+/// An observer that collects the lines of a run. Threads: as an observer.
+class CallRecorder : public standin::ObserverInterface {
+public:
+    CallRecorder();
+    ~CallRecorder() override;
+
+    void entryBegan(const standin::EntryEvent& entry) override;
+    void entryEnded(const standin::EntryEvent& entry) override;
+    void callBegan(const standin::CallEvent&) override {}
+    void callEnded(const standin::CallEvent& call) override;
+    void findingMade(const standin::Finding& finding) override;
+    void statusChanged(const standin::StatusLine&) override {}
+
+    /// Returns the lines so far, without an outcome. Call it once, after all add-ons are unloaded.
+    CallLines take();
+
+private:
+    std::mutex m_guard;
+    std::unique_ptr<RunLines> m_lines;
+};
 
 /// Returns the lines as a text: each command, and its lines indented below it.
 std::string textOf(const CallLines& lines);

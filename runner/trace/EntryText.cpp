@@ -24,6 +24,12 @@ std::string endOf(const standin::EntryEvent& entry) {
     return entry.kind == Entry_e::Command ? "=> accepted" : "=> unloaded";
 }
 
+std::string lineOf(const standin::CallEvent& call) {
+    const std::string line = std::string(call.function) + '(' + call.arguments + ')';
+    if (call.threw) return line + " threw";
+    return call.result.empty() ? line : line + " = " + call.result;
+}
+
 std::string lineOf(const standin::Finding& finding) {
     std::string line = std::string(kFindingMark) + nameOf(finding.severity) + ": ";
     line += finding.message + " [" + finding.rule + ']';

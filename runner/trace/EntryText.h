@@ -12,6 +12,9 @@ std::string beginningOf(const standin::EntryEvent& entry);
 /// Returns the line with which the text of a trace ends an entry. It starts with kEntryEnd.
 std::string endOf(const standin::EntryEvent& entry);
 
+/// Returns the line of a call that has returned.
+std::string lineOf(const standin::CallEvent& call);
+
 /// Returns the line of a finding. It starts with kFindingMark.
 std::string lineOf(const standin::Finding& finding);
 

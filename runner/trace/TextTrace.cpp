@@ -20,12 +20,6 @@ std::string startOf(const EntryEvent& entry) {
     return (hasPlace ? entry.macroLine + ": " : "") + beginningOf(entry);
 }
 
-std::string lineOf(const CallEvent& call) {
-    const std::string line = std::string(call.function) + '(' + call.arguments + ')';
-    if (call.threw) return line + " threw";
-    return call.result.empty() ? line : line + " = " + call.result;
-}
-
 void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::string& text) {
     std::string line = std::to_string(thread) + std::string(kIndentation);
     for (std::size_t i = 0; i != depth; ++i) line += kIndentation;
