@@ -15,6 +15,9 @@ Command compareHostsCommand();
 /// `coverage` shows how much of the host's contract runs have used.
 Command coverageCommand();
 
+/// `diff` compares the calls in two traces.
+Command diffCommand();
+
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();
 

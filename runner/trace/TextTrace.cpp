@@ -1,9 +1,9 @@
 #include "trace/TextTrace.h"
 
-#include <filesystem>
 #include <string_view>
 
 #include "text/Printable.h"
+#include "trace/EntryText.h"
 #include "trace/EventThread.h"
 
 namespace vexa::runner {
@@ -14,38 +14,11 @@ using standin::Entry_e;
 using standin::EntryEvent;
 using standin::Finding;
 
-constexpr const char* kHead = "# thread, then commands, and their calls of the host with arguments and results\n";
 constexpr std::string_view kIndentation = "  ";
 
-// Omits the folder, which differs between machines.
-std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
-
-std::string beginningOf(const EntryEvent& entry) {
-    if (entry.kind == Entry_e::Loading) return "load " + fileNameOf(entry.addOnId);
-    if (entry.kind == Entry_e::Unloading) return "unload " + entry.addOnId;
-    return (entry.macroLine.empty() ? "" : entry.macroLine + ": ") + entry.addOnId + ' ' + entry.command;
-}
-
-std::string endOf(const EntryEvent& entry) {
-    if (!entry.succeeded) return entry.error.empty() ? "=> failed" : "=> failed: " + entry.error;
-    if (entry.kind == Entry_e::Loading) return "=> loaded " + entry.addOnId;
-    return entry.kind == Entry_e::Command ? "=> accepted" : "=> unloaded";
-}
-
-std::string lineOf(const CallEvent& call) {
-    const std::string line = std::string(call.function) + '(' + call.arguments + ')';
-    if (call.threw) return line + " threw";
-    return call.result.empty() ? line : line + " = " + call.result;
-}
-
-// The position of the line shows where the finding was made.
-std::string lineOf(const Finding& finding) {
-    std::string line = std::string("! ") + nameOf(finding.severity) + ": ";
-    line += finding.message + " [" + finding.rule + ']';
-    if (!finding.opened) return line;
-    line += " (first: " + (finding.opened->function.empty() ? "the beginning" : finding.opened->function);
-    if (!finding.opened->macroLine.empty()) line += ", " + finding.opened->macroLine;
-    return line + ')';
+std::string startOf(const EntryEvent& entry) {
+    const bool hasPlace = entry.kind == Entry_e::Command && !entry.macroLine.empty();
+    return (hasPlace ? entry.macroLine + ": " : "") + beginningOf(entry);
 }
 
 void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::string& text) {
@@ -57,11 +30,11 @@ void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::str
 }  // namespace
 
 TextTrace::TextTrace(const std::string& path) : m_file(path) {
-    m_file.write([](LiveFile& file) { file.append(kHead); });
+    m_file.write([](LiveFile& file) { file.append(kTextTraceHead + std::string("\n")); });
 }
 
 void TextTrace::entryBegan(const EntryEvent& entry) {
-    m_file.write([&](LiveFile& file) { write(file, entry.threadNumber, m_depth++, beginningOf(entry)); });
+    m_file.write([&](LiveFile& file) { write(file, entry.threadNumber, m_depth++, startOf(entry)); });
 }
 
 void TextTrace::entryEnded(const EntryEvent& entry) {
@@ -95,8 +68,7 @@ void TextTrace::findingMade(const Finding& finding) {
 void TextTrace::statusChanged(const standin::StatusLine&) {}
 
 void TextTrace::finish(int exitStatus, const std::string& outcome) {
-    m_file.finish(
-        [&](LiveFile& file) { file.append("=> exit status " + std::to_string(exitStatus) + ": " + outcome + '\n'); });
+    m_file.finish([&](LiveFile& file) { file.append(kRunEnd + std::to_string(exitStatus) + ": " + outcome + '\n'); });
 }
 
 }  // namespace vexa::runner

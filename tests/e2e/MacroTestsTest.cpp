@@ -291,5 +291,54 @@ TEST_F(MacroTests, AreStoppedByCtrlC) {
     EXPECT_EQ(running.output().find("t/b.macro"), std::string::npos) << running.output();
 }
 
+// ---- The calls of the host
+
+TEST_F(MacroTests, KeepTheCallsBesideTheMacro) {
+    accepted("ONE SAY a\nONE FAIL b\n", {"--calls"});
+    const std::string calls = read("t/m.calls");
+    EXPECT_NE(calls.find("\nONE SAY a\n"
+                         "  VexaUtilMacroIsRecordingActive() = 1\n"
+                         "  VexaUtilMacroRecordExtCommand(\"ONE\", \"SAY a\") = 1\n"
+                         "  => accepted\n"),
+              std::string::npos)
+        << calls;
+    EXPECT_EQ(calls.find("m.macro"), std::string::npos) << calls;
+    for (const char* const more : {"--jobs=2", "--in-process"}) EXPECT_EQ(test({"--calls", more}).status, 0) << more;
+}
+
+TEST_F(MacroTests, FailWhenTheCallsDiffer) {
+    accepted("ONE SAY a\n", {"--calls"});
+    std::string calls = read("t/m.calls");
+    calls.replace(calls.find("IsRecordingActive() = 1"), 23, "IsRecordingActive() = 0");
+    write("t/m.calls", calls);
+    const ProgramResult result = test({"--calls"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.out.find("failed t/m.macro: its calls differ from t/m.calls; --accept saves the new calls\n"),
+              std::string::npos)
+        << result.out;
+    EXPECT_NE(result.out.find("\n-   VexaUtilMacroIsRecordingActive() = 0\n+   VexaUtilMacroIsRecordingActive() = 1\n"),
+              std::string::npos)
+        << result.out;
+    EXPECT_EQ(test().status, 0);
+    EXPECT_EQ(test({"--calls", "--accept"}).status, 0);
+    EXPECT_EQ(test({"--calls"}).status, 0);
+}
+
+TEST_F(MacroTests, NeedTheCallsOnlyOnRequest) {
+    accepted("ONE SAY a\n");
+    EXPECT_EQ(test().status, 0);
+    const ProgramResult result = test({"--calls"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.out.find("there is no t/m.calls; --accept writes it\n"), std::string::npos) << result.out;
+}
+
+TEST_F(MacroTests, RefuseCallsWithoutAMacro) {
+    accepted("ONE SAY a\n");
+    write("t/gone.calls", "");
+    const ProgramResult result = test();
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "t/gone.calls: there is no macro gone.macro in this folder\n");
+}
+
 }  // namespace
 }  // namespace vexa::e2e

@@ -1,11 +1,9 @@
 #include "commands/coverage/CoverageTable.h"
 
-#include <algorithm>
-#include <array>
-#include <utility>
 #include <vector>
 
 #include "coverage/RuleCoverage.h"
+#include "text/Columns.h"
 #include "text/Joined.h"
 #include "text/Printable.h"
 #include "vexastandin/Finding.h"
@@ -16,22 +14,6 @@ namespace {
 using Row = std::vector<std::string>;
 
 std::string shownNames(const Names& names) { return names.empty() ? "-" : printableLine(joined(names, ", ")); }
-
-// Returns rows as lines in columns; the last column is not filled up.
-std::string columnsOf(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths;
-    for (const Row& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t i = 0; i != row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-    }
-    std::string text;
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i + 1 < row.size(); ++i)
-            text += row[i] + std::string(widths[i] + 2 - row[i].size(), ' ');
-        text += row.back() + '\n';
-    }
-    return text;
-}
 
 Row figureRow(const std::string& name, const Share& share) {
     return {name, std::to_string(share.seen) + " of " + std::to_string(share.all), percentText(share) + " %"};

@@ -40,8 +40,9 @@ constexpr const char* kTestFooter = R"(NAME.expected has the expected results of
     mean 5.9                        what was printed
   ! dialog: no such zone            a message, a dialog, or a broken rule
   + STATS MEAN ZONES = '1-3'        what was recorded
-All commands run, even after one has failed. Each macro runs in its own process,
-in the current folder.
+With --calls, NAME.calls has the expected calls of the host. All commands run,
+even after one has failed. Each macro runs in its own process, in the current
+folder.
 
 Example:
   vexa-standin test tests/macros --addon ./libstats.so
@@ -54,6 +55,7 @@ Exit status:
 
 constexpr const char* kMacro = ".macro";
 constexpr const char* kExpected = ".expected";
+constexpr const char* kCalls = ".calls";
 
 struct TestOptions : TranscriptOptions {
     std::vector<std::string> paths;    // macros, and folders of macros
@@ -68,8 +70,8 @@ struct PathError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Returns the macros in a folder, sorted by name. Refuses an expected file without a macro, because it would never be
-// compared.
+// Returns the macros in a folder, sorted by name. Refuses a file to compare with that has no macro, because it would
+// never be compared.
 std::vector<std::string> macrosIn(const fs::path& folder) {
     std::vector<std::string> macros;
     std::error_code error;
@@ -77,7 +79,8 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
         const fs::path& path = entry.path();
         if (path.extension() == kMacro) macros.push_back(path.string());
         std::error_code isUnknown;
-        if (path.extension() == kExpected && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
+        const bool isKept = path.extension() == kExpected || path.extension() == kCalls;
+        if (isKept && !fs::exists(fs::path(path).replace_extension(kMacro), isUnknown)) {
             throw PathError(path.string() + ": there is no macro " + path.stem().string() + kMacro + " in this folder");
         }
     }
@@ -106,7 +109,10 @@ std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
     return macros;
 }
 
-std::string expectationOf(const std::string& macro) { return fs::path(macro).replace_extension(kExpected).string(); }
+// Returns the file beside a macro.
+std::string besideOf(const std::string& macro, const char* extension) {
+    return fs::path(macro).replace_extension(extension).string();
+}
 
 struct MacroVerdict {
     bool passed = false;
@@ -166,10 +172,13 @@ private:
         files.read(m_macros);
         std::set<std::string> expectations;  // a set, because the user may name a macro twice
         for (const std::string& macro : m_macros) {
-            const std::string expectation = expectationOf(macro);
-            const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
-            if (!isNew) continue;
-            m_options.accepts ? files.write(expectation) : files.read(expectation);
+            for (const char* const extension : {kExpected, kCalls}) {
+                if (extension == kCalls && !m_options.tellsCalls) continue;
+                const std::string expectation = besideOf(macro, extension);
+                const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
+                if (!isNew) continue;
+                m_options.accepts ? files.write(expectation) : files.read(expectation);
+            }
         }
         files.write(m_options.junit);
         files.write(m_options.coverage);
@@ -306,8 +315,28 @@ private:
     }
 
     MacroVerdict compared(const std::string& macro, const TranscriptText& told) const {
-        const std::string& transcript = told.text();
-        const std::string path = expectationOf(macro);
+        MacroVerdict verdict = compared(besideOf(macro, kExpected), told.text(), "results");
+        if (hasNewFinding(verdict.lines)) {
+            verdict.lines += told.explained();
+            const std::vector<Problem>& found = told.problems();
+            if (!verdict.problems.empty())
+                verdict.problems.insert(verdict.problems.begin(), found.begin(), found.end());
+        }
+        if (m_options.tellsCalls) add(compared(besideOf(macro, kCalls), told.calls(), "calls"), verdict);
+        return verdict;
+    }
+
+    static void add(const MacroVerdict& other, MacroVerdict& verdict) {
+        verdict.passed = verdict.passed && other.passed;
+        if (verdict.reason != other.reason) {
+            verdict.reason += (verdict.reason.empty() || other.reason.empty() ? "" : "; ") + other.reason;
+        }
+        verdict.lines += other.lines;
+        verdict.problems.insert(verdict.problems.end(), other.problems.begin(), other.problems.end());
+    }
+
+    // Compares what a macro did with the file `path`. `what` names it.
+    MacroVerdict compared(const std::string& path, const std::string& now, const std::string& what) const {
         std::optional<std::string> expected;
         try {
             expected = readInput(path);
@@ -316,21 +345,16 @@ private:
                 refuseOutput(path, "it cannot be read: " + error.code().message());
             }
         }
-        if (expected == transcript) return {true, "", ""};
+        if (expected == now) return {true, "", ""};
         if (m_options.accepts) {
-            WholeOutput(path).replace(transcript);
+            WholeOutput(path).replace(now);
             return {true, "accepted", ""};
         }
-        std::string difference = lineDifference(expected.value_or(""), transcript);
-        std::vector<Problem> problems;
-        if (hasNewFinding(difference)) {
-            difference += told.explained();
-            problems = told.problems();
-        }
+        const std::string difference = lineDifference(expected.value_or(""), now);
         if (!expected) return {false, "there is no " + path + "; --accept writes it", difference};
-        MacroVerdict differs{false, "its results differ from " + path + "; --accept saves the new results", difference};
-        problems.push_back(macroProblem({path, firstDifference(*expected, transcript), ""}, differs));
-        differs.problems = std::move(problems);
+        MacroVerdict differs{false, "its " + what + " differ from " + path + "; --accept saves the new " + what,
+                             difference};
+        differs.problems.push_back(macroProblem({path, firstDifference(*expected, now), ""}, differs));
         return differs;
     }
 
@@ -356,6 +380,7 @@ Command testCommand() {
     command.add(argument("MACRO", "Macro files NAME.macro, or folders of them", &options->paths).require());
     command.add(addOnOption(options->addOns).require());
     command.add(flag({"--accept"}, "Save the current results as the expected results", &options->accepts));
+    command.add(flag({"--calls"}, "Also compare the calls of the host with NAME.calls", &options->tellsCalls));
     command.add(jobsOption(options->jobs, "macros"));
     command.add(styleOption(options->style));
     addHostOption(command, options->contract);

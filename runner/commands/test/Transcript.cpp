@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 #include "coverage/CoverageObserver.h"
@@ -11,6 +12,7 @@
 #include "terminal/Console.h"
 #include "text/Lines.h"
 #include "text/Seconds.h"
+#include "trace/CallLines.h"
 #include "trace/TraceOutputs.h"
 
 namespace vexa::runner {
@@ -45,6 +47,7 @@ public:
         for (const MacroCommand& command : m_macro.commands) run(command);
         unload();
         if (!isOutputWhole()) return TranscriptEnd_e::OutputLost;
+        if (m_calls) m_notes.tell(kCallsNote, textOf(m_calls->take()));
         return m_session.isContractBroken() ? TranscriptEnd_e::Broken : TranscriptEnd_e::Whole;
     }
 
@@ -53,6 +56,7 @@ private:
         if (m_options.coverage) {
             m_traces.add(m_coverage.emplace(coverageSettingOf(m_options.contract), coverageTeller(m_notes)));
         }
+        if (m_options.tellsCalls) m_traces.add(m_calls.emplace());
         m_host.setObserver(m_traces.observer());
     }
 
@@ -158,6 +162,7 @@ private:
     std::size_t m_findings = 0;  // how many findings were noted
     standin::FindingCauses m_causes;
     std::optional<CoverageObserver> m_coverage;
+    std::optional<CallRecorder> m_calls;
     TraceOutputs m_traces;
     Session m_session;  // last: its add-ons may still show dialogs
     standin::Host& m_host = m_session.host();

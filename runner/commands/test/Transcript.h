@@ -33,6 +33,8 @@ enum class TranscriptEnd_e : int {
 inline constexpr char kTranscriptNote = 't';  ///< lines of it
 /// Findings with their places and hints, each cause in full once. Not part of the transcript.
 inline constexpr char kExplainedNote = 'x';
+/// The host calls, as the text of CallLines. Not part of the transcript.
+inline constexpr char kCallsNote = 'h';
 /// Asks the receiver to add the line of the note, and then the text that was printed since the last such note. If
 /// nothing was printed, the receiver adds nothing, and the answer is empty.
 inline constexpr char kPrintedNote = 'p';
@@ -41,6 +43,7 @@ inline constexpr char kPrintedNote = 'p';
 /// The options of a transcript.
 struct TranscriptOptions : SessionOptions {
     std::optional<std::string> coverage;  ///< if given, the notes also hold the coverage
+    bool tellsCalls = false;              ///< true if the notes also hold the host calls
 };
 
 /// Runs a macro in this process, and sends what its add-ons do to \p notes, line by line:
@@ -75,6 +78,7 @@ public:
             case kCoverageNote: return addCoverageNote(m_coverage, text);
             case kProblemNote: m_problems.push_back(unpackedProblem(text)); return;
             case kExplainedNote: m_explained += text; return;
+            case kCallsNote: m_calls += text; return;
             default: m_text += text; return;
         }
     }
@@ -87,6 +91,8 @@ public:
     const std::string& text() const { return m_text; }
     /// Returns the findings with their places and hints.
     const std::string& explained() const { return m_explained; }
+    /// Returns the host calls; empty if the macro did not run to its end.
+    const std::string& calls() const { return m_calls; }
     const Coverage& coverage() const { return m_coverage; }
     /// Returns the findings for build servers.
     const std::vector<Problem>& problems() const { return m_problems; }
@@ -95,6 +101,7 @@ private:
     std::function<KeptText()> m_takePrinted;
     std::string m_text;
     std::string m_explained;
+    std::string m_calls;
     Coverage m_coverage;
     std::vector<Problem> m_problems;
 };
