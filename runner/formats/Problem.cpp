@@ -25,6 +25,8 @@ constexpr standin::Rule kRules[] = {
     {kCommandFailed, "Runs", kError, "A command of the macro must succeed.",
      "The commands after it do not run, or they work on wrong data.",
      "Read the message of the add-on, and correct the command in the macro or the add-on."},
+    {kMacroRefused, "Runs", kError, "Every line of a macro file must be a command of a loaded add-on.",
+     "The macro does not run at all.", "Correct the line, or load the add-on of the command with --addon."},
     {kProcessEnded, "Runs", kError, "An add-on must not end the process of its host.",
      "The user loses all work that was not saved.",
      "Run the macro again with --in-process in a debugger, and look at the stack of the crash."},
@@ -117,6 +119,17 @@ Problem problemOf(const MacroCommand& command, const char* rule, const std::stri
     problem.message = printable(message);
     problem.place = placeOf(command.place);
     problem.place.text = printable(command.addOnId.empty() ? command.text : command.addOnId + ' ' + command.text);
+    return problem;
+}
+
+Problem problemOf(const std::string& file, const std::string& message) {
+    const std::size_t fileEnd = std::min(file.size() + 1, message.size());
+    const std::size_t lineEnd = std::min(message.find(": ", fileEnd), message.size());
+    Problem problem;
+    problem.rule = kMacroRefused;
+    problem.place = {file, numberOf(std::string_view(message).substr(fileEnd, lineEnd - fileEnd)), ""};
+    const std::size_t whyBegin = problem.place.line == 0 ? fileEnd + 1 : lineEnd + 2;
+    problem.message = printable(message.substr(std::min(whyBegin, message.size())));
     return problem;
 }
 

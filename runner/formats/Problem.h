@@ -43,6 +43,7 @@ struct ProblemReport {
 /// \name Rules that are not part of the host's contract
 /// @{
 inline constexpr const char* kCommandFailed = "command-failed";
+inline constexpr const char* kMacroRefused = "macro-refused";
 inline constexpr const char* kProcessEnded = "process-ended";
 inline constexpr const char* kMacroFailed = "macro-test-failed";
 /// @}
@@ -59,6 +60,9 @@ Problem problemOf(const standin::Finding& finding, const std::string& file);
 
 /// Returns the problem that \p command broke \p rule, which is one of the above.
 Problem problemOf(const MacroCommand& command, const char* rule, const std::string& message);
+
+/// Returns the problem of \p file, a macro file, about which its reader says \p message: `FILE:LINE: why`.
+Problem problemOf(const std::string& file, const std::string& message);
 
 /// Returns the message and the details.
 std::string wholeText(const Problem& problem);

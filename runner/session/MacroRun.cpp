@@ -127,7 +127,10 @@ private:
     bool readMacro() {
         const UnknownId_e unknownId = m_options.keepGoing ? UnknownId_e::IsRead : UnknownId_e::RefusesFile;
         m_macro = m_session.readMacro(m_options.macroFile, unknownId);
-        for (const std::string& problem : m_macro.problems) tell(problem);
+        for (const std::string& problem : m_macro.problems) {
+            tell(problem);
+            tellProblem(problemOf(m_macro.name, problem));
+        }
         return m_macro.problems.empty();
     }
 

@@ -46,6 +46,17 @@ TEST(Problem, HasAPlaceWhoseFileMayContainAColon) {
     EXPECT_EQ(placeOf("a:b.macro").line, 0U);
 }
 
+TEST(Problem, OfARefusedMacroHasTheLine) {
+    const Problem ofLine = problemOf("a:b.macro", "a:b.macro:3: expected a command: none");
+    EXPECT_EQ(ofLine.rule, kMacroRefused);
+    EXPECT_EQ(ofLine.place.line, 3U);
+    EXPECT_EQ(ofLine.message, "expected a command: none");
+    const Problem ofFile = problemOf("m.macro", "m.macro: cannot be read: Permission denied");
+    EXPECT_EQ(ofFile.place.file, "m.macro");
+    EXPECT_EQ(ofFile.place.line, 0U);
+    EXPECT_EQ(ofFile.message, "cannot be read: Permission denied");
+}
+
 TEST(Problem, SurvivesPacking) {
     const Problem problem = problemOf(lockLeftOpen(), "m.macro");
     const Problem read = unpackedProblem(packed(problem));
@@ -84,7 +95,7 @@ TEST(Problem, HasAPathBelowTheCurrentFolderWherePossible) {
 
 TEST(Problem, HasARuleWithHelp) {
     const ProblemReport report{"check", {}, {{"load", "Tests", standin::Severity_e::Error, "s", "w", "h"}}};
-    for (const char* name : {"unbalanced-lock", kCommandFailed, kProcessEnded, kMacroFailed, "load"}) {
+    for (const char* name : {"unbalanced-lock", kCommandFailed, kMacroRefused, kProcessEnded, kMacroFailed, "load"}) {
         const standin::Rule* const rule = findRule(report, name);
         ASSERT_NE(rule, nullptr) << name;
         EXPECT_STREQ(rule->name, name);
