@@ -111,5 +111,19 @@ TEST(LayerThreads, MayEnterAnAddOnAtOnce) {
     removeAddOn(number);
 }
 
+TEST(AddOnNumbers, AreFreeAgainAfterAnAddOnIsRemoved) {
+    std::vector<AddOnNumber> numbers;
+    for (;;) {
+        const AddOnNumber number = addAddOn(reinterpret_cast<void*>(&loadAddOn), "one-of-many.so");
+        if (number == kNoAddOn) break;
+        numbers.push_back(number);
+    }
+    ASSERT_GE(numbers.size(), 200U);
+    EXPECT_NE(entryOf(numbers.front()), entryOf(numbers.back()));
+    removeAddOn(numbers[7]);
+    EXPECT_EQ(addAddOn(reinterpret_cast<void*>(&loadAddOn), "another.so"), numbers[7]);
+    for (const AddOnNumber number : numbers) removeAddOn(number);
+}
+
 }  // namespace
 }  // namespace vexa::layer

@@ -111,6 +111,15 @@ TEST_F(Attach, GivesFindingsOfALoadingTheIdOfTheAddOn) {
         << err;
 }
 
+TEST_F(Attach, TellsSeveralAddOnsApart) {
+    const Words more = {"--addon", ADDON_SECOND, "--suppress", "unbalanced-lock"};
+    const Words program = host("SECOND SAY a\nONE LEAVELOCKOPEN\nSECOND LEAVELOCKOPEN\n", more);
+    const std::string err = attach(program, {"--trace-text", "trace.txt"}).err;
+    EXPECT_NE(err.find("command 2: ONE: error: "), std::string::npos) << err;
+    EXPECT_NE(err.find("command 3: SECOND: error: "), std::string::npos) << err;
+    EXPECT_NE(read("trace.txt").find("VexaUtilLockStart(SECOND)"), std::string::npos) << read("trace.txt");
+}
+
 TEST_F(Attach, WritesFindingsToTheLog) {
     const Words program = host("ONE LEAVELOCKOPEN\nONE SAY text\n", {"--suppress", "unbalanced-lock"});
     const ProgramResult result = attach(program, {"--log", "log.txt", "--color", "always"});
