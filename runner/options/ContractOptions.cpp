@@ -41,8 +41,8 @@ void addTimeoutOption(Command& command, ContractOptions& options) {
 }
 
 void addHostOption(Command& command, ContractOptions& options) {
-    command.add(option({"--host"}, "FILE.json", "Answer like the host of this facts file; 'probe --help' says how to get one",
-                       &options.host)
+    command.add(option({"--host"}, "FILE.json",
+                       "Answer like the host of this facts file; 'probe --help' says how to get one", &options.host)
                     .check(whyNoStream));
 }
 
