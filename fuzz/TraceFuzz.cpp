@@ -10,10 +10,10 @@
 
 #include "MemoryFile.h"
 #include "commands/report/PageData.h"
-#include "trace/TraceReader.h"
 #include "system/files/WholeFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "trace/EventTrace.h"
+#include "trace/TraceReader.h"
 #include "vexa/AddOn.h"
 #include "vexastandin/Host.h"
 #include "vexastandin/HostFunctions.h"

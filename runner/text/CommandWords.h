@@ -5,8 +5,8 @@
 
 namespace vexa::runner {
 
-/// The parts of a command's text if it has the usual form: a word, and options after it. An add-on may read its commands
-/// in another way, so the parts are only a guess.
+/// The parts of a command's text if it has the usual form: a word, and options after it. An add-on may read its
+/// commands in another way, so the parts are only a guess.
 ///
 ///     LOAD FILE = 'a b' COLUMNS=[1-3] FAST      the word LOAD, and FILE = 'a b', COLUMNS = [1-3], FAST
 struct CommandWords {

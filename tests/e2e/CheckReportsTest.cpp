@@ -86,10 +86,10 @@ TEST_F(CheckReports, TellInSarifWhichTestFailedWithoutACommand) {
     check("refuse", {"--sarif", "c.sarif"});
     const auto sarif = nlohmann::json::parse(read("c.sarif"));
     const auto& run = sarif.at("runs").at(0);
-    const auto& result = run.at("results").at(0);
-    EXPECT_EQ(result.at("ruleId"), "load");
+    const auto& problem = run.at("results").at(0);
+    EXPECT_EQ(problem.at("ruleId"), "load");
     EXPECT_EQ(run.at("tool").at("driver").at("rules").at(0).at("id"), "load");
-    EXPECT_EQ(result.at("locations").at(0).at("physicalLocation").at("artifactLocation").at("uri"),
+    EXPECT_EQ(problem.at("locations").at(0).at("physicalLocation").at("artifactLocation").at("uri"),
               "file://" CHECK_ADDONS "/refuse.so");
 }
 

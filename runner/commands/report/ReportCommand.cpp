@@ -4,11 +4,11 @@
 #include <string>
 
 #include "commands/report/ReportPage.h"
-#include "trace/TraceReader.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
 #include "system/files/WholeOutput.h"
 #include "terminal/Console.h"
+#include "trace/TraceReader.h"
 
 namespace vexa::runner {
 namespace {
