@@ -65,7 +65,7 @@ TEST_F(ProbeCommand, RefusesToReplaceItsInput) {
     write("host.json", host);
     const ProgramResult result = runProgram(runner({"probe", "--host", "host.json", "-o", "./host.json"}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "./host.json: cannot be written: the run uses it as host.json, too\n");
+    EXPECT_EQ(result.err, "./host.json: cannot be written: the command also uses it as host.json\n");
     EXPECT_EQ(read("host.json"), host);
 }
 
