@@ -36,15 +36,15 @@ AddOnList_s theIdentity;
 
 // The functions of the add-on. It calls what the layer gives it.
 template <class Function>
-Function* checkedAs(Function*, const char* name) {
+Function* checkedAs(const char* name) {
     return reinterpret_cast<Function*>(checkedFunction(name));
 }
 
 VexaBoolean execute(const char*, char**) {
-    checkedAs(VexaUtilLockStart, "VexaUtilLockStart")(&theIdentity);
+    checkedAs<decltype(VexaUtilLockStart)>("VexaUtilLockStart")(&theIdentity);
     for (int i = 0; i != kSetsOfACommand; ++i) {
-        Set_s* set = checkedAs(VexaUtilSetAlloc, "VexaUtilSetAlloc")();
-        checkedAs(VexaUtilSetDealloc, "VexaUtilSetDealloc")(&set);
+        Set_s* set = checkedAs<decltype(VexaUtilSetAlloc)>("VexaUtilSetAlloc")();
+        checkedAs<decltype(VexaUtilSetDealloc)>("VexaUtilSetDealloc")(&set);
     }
     return 1;  // without VexaUtilLockFinish()
 }
