@@ -301,8 +301,8 @@ const std::vector<const char*>& uncheckedInOtherHosts() {
         ("What a constructor of an add-on leaves open: it runs before the host calls the entry, so it belongs to no "
          "command. Its calls are checked."),
         "Calls of a signal handler that interrupts a check.",
-        "Calls in a process that the program forks after it has loaded an add-on, unless that process executes a "
-        "program.",
+        ("Calls in a process that the program forks after it has loaded an add-on, unless that process executes a "
+         "program."),
         "Reads and writes of the host's objects without a call of the host.",
     };
     return mistakes;

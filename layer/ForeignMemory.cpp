@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include "contract/messages/EventMessage.h"
 
@@ -26,9 +25,9 @@ std::string readText(const char* address) {
         const std::size_t piece = std::min(text.size() - size, toPageEnd);
         if (!readMemory(address + size, text.data() + size, piece)) break;
         size += piece;
-        if (std::memchr(text.data() + size - piece, '\0', piece) != nullptr) break;
+        if (text.find('\0', size - piece) < size) break;
     }
-    text.resize(strnlen(text.data(), size));
+    text.resize(std::min(text.find('\0'), size));
     return text;
 }
 

@@ -12,7 +12,8 @@ namespace {
 class HelloProcessor : public vexa::vexautilutil::MacroCommandProcessorAbstract {
 public:
     bool processCommand() override {
-        std::string word, name;
+        std::string word;
+        std::string name;
         if (!getCommand(word) || word != "HELLO") return refuse("Expected HELLO, but found " + word);
         while (getNextName(name)) {
             if (!readOption(name)) return false;

@@ -154,7 +154,7 @@ std::string takePlace(std::string& line) {
                               std::all_of(line.begin() + static_cast<std::ptrdiff_t>(colon) + 1,
                                           line.begin() + static_cast<std::ptrdiff_t>(at), isDigit);
         if (!isNumber) continue;
-        const std::string place = line.substr(0, at);
+        std::string place = line.substr(0, at);
         line.erase(0, at + 2);
         return place;
     }

@@ -18,9 +18,9 @@ public:
 TracedRun readTrace(const std::string& file);
 
 /// Reads a trace from its text.
-/// \param name the file in messages
+/// \param path the file in messages
 /// \throws TraceError
-TracedRun traceIn(const std::string& text, const std::string& name);
+TracedRun traceIn(const std::string& content, const std::string& path);
 
 /// Reads a file for traceIn(); `-` is the standard input. Sets \p name to the file in messages.
 /// \throws TraceError
