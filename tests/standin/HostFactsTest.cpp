@@ -111,5 +111,34 @@ TEST(HostFacts, KeepTheStopButtonWorking) {
     VexaUtilStatusFinishPercentDone();
 }
 
+TEST(HostFacts, AreCountsUpToThatOfTheStandIn) {
+    Host host;
+    for (const char* const count : {"", "x", "7x", "-1", "1001", "99999999999999999999"}) {
+        const auto unlike = host.answerLike({{"list.append.most", count}});
+        ASSERT_EQ(unlike.size(), 1U) << count;
+        EXPECT_EQ(unlike[0].reason, "expected a number from 0 to 1000") << count;
+    }
+    EXPECT_TRUE(host.answerLike({{"list.append.most", "0"}}).empty());
+    EXPECT_TRUE(host.answerLike({{"list.append.most", "1000"}}).empty());
+}
+
+TEST(HostFacts, OfUnknownNamesAreReturnedByAHost) {
+    Host host;
+    const auto unlike = host.answerLike({{"no.such.fact", "true"}});
+    ASSERT_EQ(unlike.size(), 1U);
+    EXPECT_EQ(unlike[0].name, "no.such.fact");
+}
+
+TEST(HostFacts, LetAHostRefuseNamesThatDifferInCaseOnly) {
+    Host host;
+    host.answerLike({{"list.append.otherCase", "false"}});
+    ArgList_s* list = VexaUtilArgListAlloc();
+    EXPECT_EQ(VexaUtilArgListAppendInt(list, "Va_1z", 1), 1);
+    EXPECT_EQ(VexaUtilArgListAppendInt(list, "vA_1Z", 1), 0);
+    EXPECT_EQ(VexaUtilArgListAppendInt(list, "Va_2z", 1), 1);
+    EXPECT_EQ(VexaUtilArgListAppendInt(list, "Va_1z", 1), 1);
+    VexaUtilArgListDealloc(&list);
+}
+
 }  // namespace
 }  // namespace vexa::standin
