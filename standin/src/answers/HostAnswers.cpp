@@ -29,7 +29,8 @@ std::optional<long> countOf(std::string_view answer) {
     long count = 0;
     const char* const end = answer.data() + answer.size();
     const std::from_chars_result result = std::from_chars(answer.data(), end, count);
-    return result.ec == std::errc() && result.ptr == end && count >= 0 ? std::optional<long>(count) : std::nullopt;
+    if (result.ec == std::errc() && result.ptr == end && count >= 0) return count;
+    return std::nullopt;
 }
 
 std::string whyUnknown(const FactInfo& info) {
@@ -72,7 +73,8 @@ std::optional<long> HostAnswers::parse(Fact fact, std::string_view answer) {
         case Kind_e::Code: return codeOf(answer);
         case Kind_e::Count: {
             const std::optional<long> count = countOf(answer);
-            return count && *count <= countOf(info.standIn) ? count : std::nullopt;
+            if (count && *count <= countOf(info.standIn)) return count;
+            return std::nullopt;
         }
         case Kind_e::Word: {
             const long index = indexOf(fact, answer);
