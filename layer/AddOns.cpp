@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "layer/Layer.h"
-#include "layer/LayerTime.h"
 #include "vexa/AddOn.h"
 
 namespace vexa::layer {
@@ -32,16 +31,6 @@ AddOn& addOnOf(AddOnNumber number) { return *theAddOns[number].load(std::memory_
 
 // The frames between the host and an add-on have no cleanup, as in HostCalls.cpp. What happens before and after the
 // add-on's function is in functions of its own.
-
-template <class Action>
-void inLayer(const Action& action) noexcept {
-    Layer* const layer = isThreadInLayer ? nullptr : Layer::current();
-    if (layer == nullptr) return;
-    const LayerTime time;
-    try {
-        action(*layer);
-    } catch (...) {}
-}
 
 [[gnu::noinline]] void beginLoading(const AddOn& addOn, const void* frame, const AddOnList_s* identity) noexcept {
     inLayer([&](Layer& layer) {

@@ -7,7 +7,6 @@
 #include <type_traits>
 
 #include "layer/Layer.h"
-#include "layer/LayerTime.h"
 #include "vexa/VexaUtil.h"
 
 namespace vexa::layer {
@@ -23,40 +22,22 @@ constexpr HostFunction kAll[] = {
 
 std::array<std::atomic<void*>, std::size(kAll)> theHostFunctions{};
 
-// The layer, if a call can be checked now.
-Layer* layerForCall() { return isThreadInLayer ? nullptr : Layer::current(); }
-
-// Checking must not end the program: what goes wrong is left out.
-template <class Action>
-void inLayer(const Action& action) noexcept {
-    const LayerTime time;
-    try {
-        action();
-    } catch (...) {}
-}
-
 template <HostFunction function, class... Arguments>
 [[gnu::noinline]] std::size_t begin(const void* frame, Arguments... arguments) noexcept {
-    Layer* const layer = layerForCall();
-    if (layer == nullptr) return 0;
     std::size_t number = 0;
-    inLayer([&] { number = layer->callBegan<function>(frame, arguments...); });
+    inLayer([&](Layer& layer) { number = layer.callBegan<function>(frame, arguments...); });
     return number;
 }
 
 template <HostFunction function, class... Arguments>
 [[gnu::noinline]] void end(const void* frame, std::size_t number, Arguments... arguments) noexcept {
-    if (Layer* const layer = layerForCall()) {
-        inLayer([&] { layer->callEnded<function>(frame, number, arguments...); });
-    }
+    inLayer([&](Layer& layer) { layer.callEnded<function>(frame, number, arguments...); });
 }
 
 template <HostFunction function, class Result, class... Arguments>
 [[gnu::noinline]] void endReturning(const void* frame, std::size_t number, Result result,
                                     Arguments... arguments) noexcept {
-    if (Layer* const layer = layerForCall()) {
-        inLayer([&] { layer->callReturned<function>(frame, number, result, arguments...); });
-    }
+    inLayer([&](Layer& layer) { layer.callReturned<function>(frame, number, result, arguments...); });
 }
 
 template <HostFunction function, class Result, class... Arguments>

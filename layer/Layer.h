@@ -17,6 +17,7 @@
 #include "contract/ThreadNumbers.h"
 #include "contract/messages/EventMessage.h"
 #include "layer/Connection.h"
+#include "layer/LayerTime.h"
 #include "layer/OpenEntries.h"
 #include "layer/Settings.h"
 #include "layer/ThreadFrames.h"
@@ -149,5 +150,17 @@ private:
     std::unordered_map<const void*, std::size_t> m_stringSizes;
     std::unordered_map<const AddOnList_s*, std::string> m_ids;
 };
+
+/// Passes the layer to \p action, unless there is none or the thread is in it already. Checking must not end the
+/// program: what goes wrong is left out.
+template <class Action>
+void inLayer(const Action& action) noexcept {
+    Layer* const layer = isThreadInLayer ? nullptr : Layer::current();
+    if (layer == nullptr) return;
+    const LayerTime time;
+    try {
+        action(*layer);
+    } catch (...) {}
+}
 
 }  // namespace vexa::layer
