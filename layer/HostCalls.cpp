@@ -66,7 +66,7 @@ void* checked(Result (*)(Arguments...)) {
     return reinterpret_cast<void*>(&Checked<function, Result, Arguments...>::call);
 }
 
-void* checkedFunction(HostFunction function) {
+void* addressOfChecked(HostFunction function) {
     switch (function) {
 #define VEXASTANDIN_CHECKED(name, role, scope, anyThread) \
     case HostFunction::name: return checked<HostFunction::name>(static_cast<decltype(&(name))>(nullptr));
@@ -88,7 +88,7 @@ void setHostFunction(HostFunction function, void* address) {
 
 void* checkedFunction(const char* name) {
     const auto function = standin::findHostFunction(name);
-    return function && hostFunction(*function) != nullptr ? checkedFunction(*function) : nullptr;
+    return function && hostFunction(*function) != nullptr ? addressOfChecked(*function) : nullptr;
 }
 
 }  // namespace vexa::layer

@@ -18,7 +18,7 @@ bool takes(const OwnedList& list, const char* name, const char* value) {
     return VexaUtilArgListAppendString(list.get(), name, value) != 0;
 }
 
-Answer clearsHandle(const Circumstances&) { return newList().isClearedWhenFreed(); }
+Answer clearsListHandle(const Circumstances&) { return newList().isClearedWhenFreed(); }
 
 Answer takesEmptyName(const Circumstances&) { return takes(newList(), "", "value"); }
 
@@ -50,7 +50,7 @@ Answer takesSameNameTwice(const Circumstances&) {
 
 std::vector<Question> listQuestions() {
     using facts::Fact;
-    return {{Fact::ListDeallocClearsHandle, clearsHandle},      {Fact::ListAppendEmptyName, takesEmptyName},
+    return {{Fact::ListDeallocClearsHandle, clearsListHandle},  {Fact::ListAppendEmptyName, takesEmptyName},
             {Fact::ListAppendEmptyText, takesEmptyText},        {Fact::ListAppendLongText, takesLongText},
             {Fact::ListAppendOtherCase, takesOtherCase},        {Fact::ListAppendMost, most},
             {Fact::ListAppendSameNameTwice, takesSameNameTwice}};

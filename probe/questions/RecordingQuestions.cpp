@@ -10,7 +10,7 @@ namespace {
 // The probe has a command NOTE, so that a user can play back what it recorded.
 std::string note(const std::string& text) { return "NOTE TEXT = '" + text + '\''; }
 
-constexpr std::size_t kLongText = 10000;
+constexpr std::size_t kLongCommand = 10000;
 
 Answer isInBatchMode(const Circumstances&) { return VexaUtilMacroIsBatchModeActive() != 0; }
 
@@ -39,7 +39,7 @@ Answer recordsWhileNotRecording(const Circumstances& now) {
 }
 
 Answer recordsLongText(const Circumstances& now) {
-    return records(now.addOnId, note(std::string(kLongText - note("").size(), 'x')));
+    return records(now.addOnId, note(std::string(kLongCommand - note("").size(), 'x')));
 }
 
 Answer recordsNonAscii(const Circumstances& now) { return records(now.addOnId, note("\xC3\xA4\xE2\x82\xAC")); }

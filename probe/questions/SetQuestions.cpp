@@ -52,7 +52,7 @@ OwnedSet filledSet() {
     return set;
 }
 
-Answer clearsHandle(const Circumstances&) { return newSet().isClearedWhenFreed(); }
+Answer clearsSetHandle(const Circumstances&) { return newSet().isClearedWhenFreed(); }
 
 std::string runsAfter(Run one, Run other) {
     const OwnedSet set = newSet();
@@ -77,7 +77,7 @@ std::string fateOf(Run odd, Run usual, const char* word) {
 
 Answer reversed(const Circumstances&) { return fateOf({6, 4}, {4, 6}, "swapped"); }
 
-Answer negative(const Circumstances&) { return fateOf({-3, 2}, {0, 2}, "clipped"); }
+Answer negativeRange(const Circumstances&) { return fateOf({-3, 2}, {0, 2}, "clipped"); }
 
 Answer takesLargest(const Circumstances&) {
     constexpr int64_t kLargest = std::numeric_limits<int64_t>::max();
@@ -108,12 +108,12 @@ Answer keepsOutputs(const Circumstances&) {
 
 std::vector<Question> setQuestions() {
     using facts::Fact;
-    return {{Fact::SetDeallocClearsHandle, clearsHandle},
+    return {{Fact::SetDeallocClearsHandle, clearsSetHandle},
             {Fact::SetInsertTouching, touching},
             {Fact::SetInsertOverlapping, overlapping},
             {Fact::SetInsertTwice, insertsTwice},
             {Fact::SetInsertReversed, reversed},
-            {Fact::SetInsertNegative, negative},
+            {Fact::SetInsertNegative, negativeRange},
             {Fact::SetInsertLargest, takesLargest},
             {Fact::SetNextRangeInside, fromInside},
             {Fact::SetNextRangeNegativeFrom, fromNegative},

@@ -32,7 +32,7 @@ Answer over100(const Circumstances&) {
     return check(101);
 }
 
-Answer negative(const Circumstances&) {
+Answer negativePercentage(const Circumstances&) {
     const ShownStatus shown;
     return check(-1);
 }
@@ -47,9 +47,9 @@ Answer backwards(const Circumstances&) {
 
 std::vector<Question> statusQuestions() {
     using facts::Fact;
-    return {{Fact::StatusCheckWhileShown, whileShown},   {Fact::StatusCheckBeforeStart, beforeStart},
-            {Fact::StatusCheckAfterFinish, afterFinish}, {Fact::StatusCheckOver100, over100},
-            {Fact::StatusCheckNegative, negative},       {Fact::StatusCheckBackwards, backwards}};
+    return {{Fact::StatusCheckWhileShown, whileShown},       {Fact::StatusCheckBeforeStart, beforeStart},
+            {Fact::StatusCheckAfterFinish, afterFinish},     {Fact::StatusCheckOver100, over100},
+            {Fact::StatusCheckNegative, negativePercentage}, {Fact::StatusCheckBackwards, backwards}};
 }
 
 }  // namespace vexa::probe

@@ -20,7 +20,7 @@ bool isGiven(int size, const char* purpose = kPurpose) {
     return true;
 }
 
-Answer clearsHandle(const Circumstances&) {
+Answer clearsStringHandle(const Circumstances&) {
     return OwnedString(VexaUtilStringAlloc(kSmall, kPurpose)).isClearedWhenFreed();
 }
 
@@ -41,9 +41,12 @@ Answer givesWithoutPurpose(const Circumstances&) { return isGiven(kSmall, nullpt
 
 std::vector<Question> stringQuestions() {
     using facts::Fact;
-    return {{Fact::StringDeallocClearsHandle, clearsHandle}, {Fact::StringAllocNoBytes, givesNoBytes},
-            {Fact::StringAllocNegative, givesNegative},      {Fact::StringAllocLarge, givesLarge},
-            {Fact::StringAllocIsZeroed, isZeroed},           {Fact::StringAllocNoPurpose, givesWithoutPurpose}};
+    return {{Fact::StringDeallocClearsHandle, clearsStringHandle},
+            {Fact::StringAllocNoBytes, givesNoBytes},
+            {Fact::StringAllocNegative, givesNegative},
+            {Fact::StringAllocLarge, givesLarge},
+            {Fact::StringAllocIsZeroed, isZeroed},
+            {Fact::StringAllocNoPurpose, givesWithoutPurpose}};
 }
 
 }  // namespace vexa::probe

@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kIndent = 2;
+constexpr int kIssueIndent = 2;
 constexpr std::string_view kEscapedInMessage = "%\r\n";
 constexpr std::string_view kEscapedInProperty = "%\r\n:,";
 
@@ -58,7 +58,7 @@ std::string gitlabText(const ProblemReport& report) {
     for (std::size_t i = 0; i != report.problems.size(); ++i) {
         issues.push_back(issueObject(report.problems[i], fingerprints[i]));
     }
-    return issues.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';
+    return issues.dump(kIssueIndent, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
 }  // namespace vexa::runner

@@ -13,7 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kIndent = 2;
+constexpr int kSarifIndent = 2;
 constexpr const char* kTool = "vexa-standin";
 constexpr const char* kRoot = "%SRCROOT%";
 
@@ -129,7 +129,7 @@ std::string sarifText(const ProblemReport& report) {
     const Json text = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
                        {"version", "2.1.0"},
                        {"runs", Json::array({run})}};
-    return text.dump(kIndent) + '\n';
+    return text.dump(kSarifIndent) + '\n';
 }
 
 }  // namespace vexa::runner

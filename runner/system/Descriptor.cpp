@@ -12,7 +12,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::size_t kMostAtOnce = std::size_t{1} << 20;
+constexpr std::size_t kMostFetchedBytes = std::size_t{1} << 20;
 
 // Another program may have left the terminal in non-blocking mode.
 bool waitUntilWritable(int descriptor) {
@@ -50,7 +50,7 @@ bool sendAll(int socket, std::string_view text) {
 
 bool readAvailable(int descriptor, std::string& text) {
     std::array<char, 65536> chunk;
-    for (std::size_t fetched = 0; fetched < kMostAtOnce;) {
+    for (std::size_t fetched = 0; fetched < kMostFetchedBytes;) {
         const ssize_t count = read(descriptor, chunk.data(), chunk.size());
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return count != 0 && errno == EAGAIN;

@@ -14,7 +14,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr std::chrono::milliseconds kLeastInterval{100};
+constexpr std::chrono::milliseconds kRedrawInterval{100};
 constexpr std::size_t kBarWidth = 20;
 constexpr std::size_t kReadableWidth = 8;  // a text is not cut shorter for other parts
 constexpr int kHint = 1;                   // less important than the whole text
@@ -24,7 +24,7 @@ constexpr int kSecondsAMinute = 60;
 constexpr int kMinutesAnHour = 60;
 constexpr const char* kGap = "  ";
 constexpr const char* kGreen = "\033[32m";
-constexpr const char* kUsualColour = "\033[0m";
+constexpr const char* kPlain = "\033[0m";
 
 std::string twoDigits(long number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
@@ -100,7 +100,7 @@ std::string joined(std::string text, const std::vector<Part>& parts, bool inColo
     for (const Part& part : parts) {
         if (!text.empty()) text += part.separator;
         const bool isBar = part.text.front() == '[';
-        text += inColour && isBar ? kGreen + part.text + kUsualColour : part.text;
+        text += inColour && isBar ? kGreen + part.text + kPlain : part.text;
     }
     return text;
 }
@@ -141,7 +141,7 @@ void DrawnStatus::show(const standin::StatusLine& line) {
 }
 
 void DrawnStatus::refresh() {
-    if (!m_line.active || Clock::now() - m_lastDrawing < kLeastInterval) return;
+    if (!m_line.active || Clock::now() - m_lastDrawing < kRedrawInterval) return;
     if (m_hasChanged || !m_isDrawn || !isSame(m_drawn, frame())) draw();
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kStep = 10;
 constexpr std::size_t kTasksAtOnce = 10;
-constexpr std::chrono::seconds kLeastInterval{1};
+constexpr std::chrono::seconds kQuietTime{1};
 constexpr const char* kStopped = "stopped";
 
 std::string endOf(const standin::StatusLine& line, bool isStopping) {
@@ -47,7 +47,7 @@ void PlainStatus::conclude(bool hasSucceeded) {
     m_leftOut = 0;
 }
 
-bool PlainStatus::isTooSoon() const { return Clock::now() - m_start < kLeastInterval; }
+bool PlainStatus::isTooSoon() const { return Clock::now() - m_start < kQuietTime; }
 
 void PlainStatus::startTask(const std::string& place, const std::string& task) {
     tellEnding();

@@ -1,3 +1,4 @@
+#include "AddOnFiles.h"
 #include "vexa/AddOn.h"
 
 #include <dlfcn.h>
@@ -17,8 +18,6 @@
 
 namespace vexa::standin {
 namespace {
-
-std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
 
 std::string refusalOf(Host& host, const std::string& path) {
     try {

@@ -1,3 +1,4 @@
+#include "AddOnFiles.h"
 #include "vexastandin/Observer.h"
 
 #include <gtest/gtest.h>
@@ -18,8 +19,6 @@
 
 namespace vexa::standin {
 namespace {
-
-std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
 
 // Writes one line for each event.
 class Writer : public ObserverInterface {

@@ -83,7 +83,7 @@ const char* textAt(const Path& path) { return reinterpret_cast<const char*>(para
 
 Set_s* setAt(const Path& path) { return reinterpret_cast<Set_s*>(paramAt(path).value); }
 
-std::string refusalOf(const Path& path) {
+std::string styleRefusalOf(const Path& path) {
     Host host;
     try {
         host.setStyle(path, 0.5);
@@ -273,11 +273,11 @@ TEST(StyleRefusal, KnowsNoPathInAListThatMakesNoQuery) {
 
 TEST(SetStyle, RefusesWhatIsNoPath) {
     const std::string expected = "Expected a style path of ";
-    EXPECT_EQ(refusalOf({}), expected + "1 to 6 keywords, but got 0");
-    EXPECT_EQ(refusalOf({"1", "2", "3", "4", "5", "6", "7"}), expected + "1 to 6 keywords, but got 7");
-    EXPECT_EQ(refusalOf({"A", "", "C"}), expected + "keywords, but number 2 is empty");
-    EXPECT_EQ(refusalOf({""}), expected + "keywords, but number 1 is empty");
-    EXPECT_EQ(refusalOf({"1", "2", "3", "4", "5", "6"}), "accepted");
+    EXPECT_EQ(styleRefusalOf({}), expected + "1 to 6 keywords, but got 0");
+    EXPECT_EQ(styleRefusalOf({"1", "2", "3", "4", "5", "6", "7"}), expected + "1 to 6 keywords, but got 7");
+    EXPECT_EQ(styleRefusalOf({"A", "", "C"}), expected + "keywords, but number 2 is empty");
+    EXPECT_EQ(styleRefusalOf({""}), expected + "keywords, but number 1 is empty");
+    EXPECT_EQ(styleRefusalOf({"1", "2", "3", "4", "5", "6"}), "accepted");
 }
 
 }  // namespace

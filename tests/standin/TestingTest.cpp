@@ -1,3 +1,4 @@
+#include "AddOnFiles.h"
 #include "vexastandin/Testing.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@
 
 namespace vexa::standin {
 namespace {
-
-std::string addOnFile(const std::string& name) { return std::string(VEXA_TEST_ADDONS) + '/' + name + ".so"; }
 
 // An add-on that shows each command, and has it recorded twice.
 VexaBoolean showAndRecord(const char* command, char**) {

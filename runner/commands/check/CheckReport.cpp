@@ -136,7 +136,7 @@ std::string jsonText(const CheckReport& report) {
                    {"tests", tests}});
 }
 
-std::string junitText(const CheckReport& report) {
+std::string checkJunitText(const CheckReport& report) {
     std::vector<JunitCase> cases;
     for (const TestResult& test : report.tests) {
         const Verdict& verdict = test.verdict;

@@ -32,7 +32,7 @@ std::string countsText(const CheckReport& report);
 std::string jsonText(const CheckReport& report);
 
 /// Returns the report as JUnit XML.
-std::string junitText(const CheckReport& report);
+std::string checkJunitText(const CheckReport& report);
 
 /// Returns the problems that made tests warn or fail, each once, and the tests that failed for another reason.
 /// \param status the exit status of the check

@@ -99,7 +99,7 @@ private:
         if (m_options.coverage) checkCoverageFile(*m_options.coverage);
         noteOutputs(m_options.problems, m_files);
         if (m_options.json) m_reports.emplace_back(*m_options.json, jsonText);
-        if (m_options.junit) m_reports.emplace_back(*m_options.junit, junitText);
+        if (m_options.junit) m_reports.emplace_back(*m_options.junit, checkJunitText);
         m_problems.emplace(m_options.problems);
     }
 

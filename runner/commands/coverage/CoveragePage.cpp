@@ -38,14 +38,14 @@ std::string row(const std::vector<std::string>& cells, bool isMissing = false) {
     return html + "</tr>\n";
 }
 
-std::string figureRow(const std::string& name, const Share& share) {
+std::string htmlFigureRow(const std::string& name, const Share& share) {
     return row({name, std::to_string(share.seen) + " of " + std::to_string(share.all), percentText(share) + " %"});
 }
 
 std::string figureRows(const Coverage& coverage) {
     const CoverageFigures figures = figuresOf(coverage);
-    return figureRow("host calls used", figures.calls) + figureRow("outcomes seen", figures.outcomes) +
-           figureRow("rules tested", figures.rules) + figureRow("total", figures.total());
+    return htmlFigureRow("host calls used", figures.calls) + htmlFigureRow("outcomes seen", figures.outcomes) +
+           htmlFigureRow("rules tested", figures.rules) + htmlFigureRow("total", figures.total());
 }
 
 std::string commandRows(const Coverage& coverage) {

@@ -68,7 +68,7 @@ std::string explanationOf(const standin::Rule& rule) {
            wrapped(rule.hint, outputWidth(), "  Hint:  ");
 }
 
-constexpr std::size_t kPageWidth = 119;
+constexpr std::size_t kRulesPageWidth = 119;
 
 constexpr const char* kIntroduction = R"(# The host's contract
 
@@ -131,8 +131,8 @@ std::string sectionOf(const standin::Rule& rule) {
     std::string severity = nameOf(rule.severity);
     severity.front() = static_cast<char>(std::toupper(severity.front()));
     return "\n### " + std::string(rule.name) + "\n\n" +
-           wrapped(severity + ". **" + rule.summary + "** " + rule.why, kPageWidth) + '\n' +
-           wrapped("Fix: " + std::string(rule.hint), kPageWidth);
+           wrapped(severity + ". **" + rule.summary + "** " + rule.why, kRulesPageWidth) + '\n' +
+           wrapped("Fix: " + std::string(rule.hint), kRulesPageWidth);
 }
 
 // Returns the page docs/contract.md.
@@ -145,7 +145,7 @@ std::string contractPage() {
         page += sectionOf(rule);
     }
     page += kUnchecked;
-    for (const char* const mistake : standin::uncheckedMistakes()) page += wrapped(mistake, kPageWidth, "- ");
+    for (const char* const mistake : standin::uncheckedMistakes()) page += wrapped(mistake, kRulesPageWidth, "- ");
     return page;
 }
 

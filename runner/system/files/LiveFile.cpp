@@ -12,7 +12,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr mode_t kNewFile = 0666;
+constexpr mode_t kLiveFileMode = 0666;
 
 // Redirects the output of the program and its add-ons to the standard error output. Returns the former standard output.
 Descriptor takeStandardOutput() {
@@ -37,7 +37,7 @@ Descriptor openedStream(const std::string& path) {
 Descriptor openedOutput(const std::string& path) {
     if (isStandardOutput(path)) return takeStandardOutput();
     if (isStream(path)) return openedStream(path);
-    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kNewFile));
+    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kLiveFileMode));
     if (!file.isOpen()) refuseOutput(path);
     return file;
 }

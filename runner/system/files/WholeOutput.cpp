@@ -18,18 +18,18 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kPermissions = 0777;
-constexpr mode_t kNewFile = 0666;
+constexpr mode_t kWholeFileMode = 0666;
 
 // A file that is being written. If the file system supports this, the file has no name until it is complete.
 class Draft : NonCopyable {
 public:
     explicit Draft(const std::string& target)
         : m_folder(fs::path(target).parent_path()),
-          m_descriptor(open(m_folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kNewFile)) {
+          m_descriptor(open(m_folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kWholeFileMode)) {
         const bool isNameNeeded = !isOpen() && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL);
         if (!isNameNeeded) return;
         takeName([this](const char* name) {
-            m_descriptor = Descriptor(open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kNewFile));
+            m_descriptor = Descriptor(open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kWholeFileMode));
             return isOpen();
         });
     }

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr int kMostWaiting = 128;
 constexpr std::size_t kLongestMessage = std::size_t{1} << 20;
-constexpr int kMostAtOnce = 1000;  // messages of a connection, so that none waits for the others
+constexpr int kMostMessages = 1000;  // messages of a connection, so that none waits for the others
 constexpr const char* kFolder = "/vexa-attach-XXXXXX";
 constexpr const char* kSocket = "/socket";
 
@@ -40,7 +40,7 @@ std::string newFolder() {
 MessageSocket::MessageSocket() : m_folder(newFolder()), m_path(m_folder + kSocket), m_buffer(kLongestMessage) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::strcpy(address.sun_path, m_path.c_str());
+    m_path.copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
     m_listener = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     const auto* const at = reinterpret_cast<const sockaddr*>(&address);
     if (m_listener.isOpen() && bind(m_listener.get(), at, sizeof address) == 0 &&
@@ -84,7 +84,7 @@ void MessageSocket::acceptNew() {
 
 bool MessageSocket::receiveFrom(const Descriptor& connection, const std::function<void(std::string_view)>& use,
                                 bool& isOpen) {
-    for (int count = 0; count != kMostAtOnce; ++count) {
+    for (int count = 0; count != kMostMessages; ++count) {
         const ssize_t size = recv(connection.get(), m_buffer.data(), m_buffer.size(), 0);
         if (size < 0 && (errno == EAGAIN || errno == EINTR)) return count != 0;
         if (size <= 0) {

@@ -8,7 +8,7 @@
 namespace vexa::standin {
 namespace {
 
-constexpr std::size_t kLongText = 10000;
+constexpr std::size_t kLongCommand = 10000;
 constexpr std::string_view kAnyCommand = "X";
 
 bool isEmpty(std::string_view command) { return command.find_first_not_of(" \t\n\v\f\r") == std::string_view::npos; }
@@ -28,7 +28,7 @@ std::optional<Fact> oddityOf(std::string_view command) {
 bool isRefused(const HostAnswers& answers, bool isLoaded, std::string_view command) {
     const std::pair<Fact, bool> refusals[] = {{Fact::RecordWhileRecording, true},
                                               {Fact::RecordUnknownAddOn, !isLoaded},
-                                              {Fact::RecordLongText, command.size() >= kLongText},
+                                              {Fact::RecordLongText, command.size() >= kLongCommand},
                                               {Fact::RecordNonAscii, isNonAscii(command)}};
     return std::any_of(std::begin(refusals), std::end(refusals),
                        [&](const auto& refusal) { return refusal.second && !answers.truth(refusal.first); });

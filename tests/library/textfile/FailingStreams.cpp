@@ -9,13 +9,13 @@
 namespace vexa::tests {
 namespace {
 
-StreamCall failing = StreamCall::None;
+StreamCall failingCall = StreamCall::None;
 bool failed = false;
 long streams = 0;
 long reads = 0;
 
 bool fails(StreamCall call, int reason = EIO) {
-    if (failing != call) return false;
+    if (failingCall != call) return false;
     failed = true;
     errno = reason;
     return true;
@@ -35,11 +35,11 @@ FILE* counted(FILE* stream) {
 }  // namespace
 
 FailingStream::FailingStream(StreamCall call) {
-    failing = call;
+    failingCall = call;
     failed = false;
 }
 
-FailingStream::~FailingStream() { failing = StreamCall::None; }
+FailingStream::~FailingStream() { failingCall = StreamCall::None; }
 
 bool FailingStream::hasFailed() { return failed; }
 
@@ -113,7 +113,7 @@ std::size_t fread(void* buffer, std::size_t size, std::size_t count, FILE* strea
 }
 
 int ferror(FILE* stream) {
-    if (failing == StreamCall::FailedRead && failed) return 1;
+    if (failingCall == StreamCall::FailedRead && failed) return 1;
     return original<int(FILE*)>("ferror")(stream);
 }
 

@@ -78,12 +78,12 @@ TEST(CoverageFile, DoesNotReplaceAnotherFile) {
 
 TEST(CoverageFile, LosesNothingWhenProcessesWriteAtOnce) {
     constexpr int kProcesses = 8;
-    constexpr int kFacts = 5;
+    constexpr int kFactsOfEach = 5;
     const tests::TemporaryFolder folder;
     const std::string path = folder.path("c.json");
     for (int process = 0; process != kProcesses; ++process) {
         if (fork() != 0) continue;
-        for (int fact = 0; fact != kFacts; ++fact) {
+        for (int fact = 0; fact != kFactsOfEach; ++fact) {
             Coverage coverage;
             coverage.rules = {std::to_string(process) + '-' + std::to_string(fact)};
             addToCoverageFile(path, coverage);
@@ -95,7 +95,7 @@ TEST(CoverageFile, LosesNothingWhenProcessesWriteAtOnce) {
         wait(&status);
         EXPECT_EQ(status, 0);
     }
-    EXPECT_EQ(coverageIn(contentOf(path), path).rules.size(), std::size_t{kProcesses * kFacts});
+    EXPECT_EQ(coverageIn(contentOf(path), path).rules.size(), std::size_t{kProcesses * kFactsOfEach});
 }
 
 }  // namespace

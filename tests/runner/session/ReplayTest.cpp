@@ -27,7 +27,7 @@ VexaBoolean record(const char* command, char** error) {
     return VexaUtilMacroRecordExtCommand(kId, command);
 }
 
-const VexaAddOn_s* enter(AddOnList_s*) {
+const VexaAddOn_s* enterReplay(AddOnList_s*) {
     static const VexaAddOn_s description = {VEXA_ADDON_API_VERSION, kId, nullptr, record, nullptr};
     return &description;
 }
@@ -38,7 +38,7 @@ std::string messageOf(const std::string& addOnId, const std::string& command) {
     const auto box = std::make_unique<ProcessBox>();
     Session session(options, *box);
     session.host().setRecording(true);
-    session.host().linkAddOn(enter);
+    session.host().linkAddOn(enterReplay);
     const auto finding = replay(session, {addOnId, command, {}});
     return finding ? finding->message : "";
 }
