@@ -134,17 +134,18 @@ install_by_hand() {
     exit 1
 }
 
-# Configures build/analysis, for tools that read the compile commands. It uses no precompiled headers, because only the
-# compiler that wrote them can read them.
+# configure_analysis BUILD OPTION...: configures the build tree BUILD for tools that read the compile commands. It uses no
+# precompiled headers, because only the compiler that wrote them can read them.
 configure_analysis() {
-    begin "Configure build/analysis"
-    run cmake --preset debug -B build/analysis -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON --log-level=WARNING
+    begin "Configure $1"
+    run cmake --preset debug -B "$1" -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON "${@:2}" --log-level=WARNING
 }
 
-# sources_but_tests REGEX: prints the C++ sources in build/analysis whose paths match, except tests and samples.
+# sources_but_tests BUILD REGEX: prints the C++ sources in the build tree BUILD whose paths match, except tests and
+# samples. In a unity build these are files of the build tree, which include the sources.
 sources_but_tests() {
-    sed -n "s|^ *\"file\": \"$root/\(.*\)\",*\$|\1|p" build/analysis/compile_commands.json | sort -u |
-        grep -vE '^(build|docs|tests)/' | grep -E -- "$1"
+    sed -n "s|^ *\"file\": \"$root/\(.*\)\",*\$|\1|p" "$1/compile_commands.json" | sort -u |
+        grep -vP "^(docs|tests)/|^build/(?!${1#build/}/(?!docs/|tests/).*/Unity/)" | grep -E -- "$2"
 }
 
 # project_version: prints the version, for example 1.0.0.
