@@ -1,26 +1,15 @@
 #pragma once
 
-#include <cstddef>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "trace/TraceFile.h"
+#include "trace/TraceLines.h"
 #include "vexastandin/Observer.h"
 
 namespace vexa::runner {
 
-/// An observer that writes a text file, one line per call. The file has no times and no addresses, so equal runs write
-/// equal files.
-///
-///     1  sweep.macro:3: STATS MEAN
-///     1    VexaUtilLockStart(STATS)
-///     1    => accepted
-///     1    ! error: VexaUtilLockStart has no matching VexaUtilLockFinish ... [unbalanced-lock] (first:
-///     VexaUtilLockStart)
-///
-/// Each line starts with the number of its thread. The line of a call is written when the call returns; its findings
-/// follow. The order of the lines of several threads may differ from run to run.
+/// An observer that writes the lines of TraceLines to a text file. The file has no times and no addresses, so equal
+/// runs write equal files. The order of the lines of several threads may differ from run to run.
 ///
 /// Errors:  OutputError from construction and finish(); after a failed write nothing more is written.
 /// Threads: as an observer.
@@ -39,15 +28,8 @@ public:
     void finish(int exitStatus, const std::string& outcome);
 
 private:
-    // A thread that is in a call of the host.
-    struct Calling {
-        std::size_t open = 0;
-        std::vector<std::string> findings;  // findings about its calls, which are written after the calls
-    };
-
     TraceFile m_file;
-    std::map<long, Calling> m_calling;  // by EventThread
-    std::size_t m_depth = 0;            // of entries
+    TraceLines m_lines;
 };
 
 }  // namespace vexa::runner
