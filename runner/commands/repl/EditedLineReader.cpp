@@ -11,11 +11,13 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 #include "commands/repl/LineReader.h"
 #include "system/processes/Signals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
+#include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
@@ -47,9 +49,11 @@ char* nextWord(const char* text, int state) {
     return nullptr;
 }
 
+bool isAfterHelp(const char* line) { return startsWith(line, ":help ") || startsWith(line, "help "); }
+
 // Returns null to let readline complete file names.
 char** complete(const char* text, int start, int) {
-    if (start != 0) return nullptr;
+    if (start != 0 && !isAfterHelp(rl_line_buffer)) return nullptr;
     rl_attempted_completion_over = 1;
     return rl_completion_matches(text, nextWord);
 }
@@ -66,10 +70,8 @@ int giveUpLine() {
 
 }  // namespace
 
-LineReader::LineReader(std::vector<std::string> words)
-    : m_isEditing(isTerminal(STDIN_FILENO) && isTerminal(STDOUT_FILENO)) {
+LineReader::LineReader() : m_isEditing(isTerminal(STDIN_FILENO) && isTerminal(STDOUT_FILENO)) {
     if (!m_isEditing) return;
-    theWords = std::move(words);
     rl_readline_name = kProgramName;
     rl_attempted_completion_function = complete;
     rl_event_hook =
@@ -87,9 +89,10 @@ LineReader::~LineReader() {
     write_history(file.c_str());
 }
 
-std::optional<std::string> LineReader::next() const {
+std::optional<std::string> LineReader::next(std::vector<std::string> words) const {
     std::fflush(stdout);
     if (!m_isEditing) return plainLine();
+    theWords = std::move(words);
     const SignalHandler givesUp(SIGINT, [](int) { isGivenUp = 1; });
     const std::unique_ptr<char, void (*)(void*)> line(readline("> "), std::free);
     if (!line) return std::nullopt;

@@ -14,13 +14,13 @@ namespace vexa::runner {
 /// Without readline, or if the input is not a terminal, the class only reads lines.
 class LineReader : NonCopyable {
 public:
-    /// \param words the first words to complete
-    explicit LineReader(std::vector<std::string> words);
+    LineReader();
     /// Saves the lines for the next session.
     ~LineReader();
 
     /// Returns the next line without its line end; nothing at the end of the input.
-    std::optional<std::string> next() const;
+    /// \param words what completes the first word, and the words after `:help`
+    std::optional<std::string> next(std::vector<std::string> words) const;
 
 private:
     static std::optional<std::string> plainLine() {

@@ -7,11 +7,11 @@
 
 namespace vexa::runner {
 
-LineReader::LineReader(std::vector<std::string>) : m_isEditing(isTerminal(0) && isTerminal(1)) {}
+LineReader::LineReader() : m_isEditing(isTerminal(0) && isTerminal(1)) {}
 
 LineReader::~LineReader() = default;
 
-std::optional<std::string> LineReader::next() const {
+std::optional<std::string> LineReader::next(std::vector<std::string>) const {
     if (m_isEditing) std::fputs("> ", stdout);
     std::fflush(stdout);
     return plainLine();
