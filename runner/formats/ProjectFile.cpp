@@ -16,8 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kFileName = "vexa-standin.toml";
-
 [[noreturn]] void refuse(const toml::source_region& place, const std::string& reason) {
     throw UsageError(*place.path + ':' + std::to_string(place.begin.line) + ": " + reason);
 }
@@ -92,7 +90,7 @@ ContractOptions optionsOf(const toml::table& file, const std::string& path) {
 std::string findProjectFile() {
     std::error_code ignored;
     for (fs::path folder = fs::current_path(ignored); !folder.empty(); folder = folder.parent_path()) {
-        const fs::path file = folder / kFileName;
+        const fs::path file = folder / kProjectFile;
         if (fs::exists(file, ignored) && !fs::is_directory(file, ignored)) return file;
         if (folder == folder.root_path()) break;
     }

@@ -6,6 +6,8 @@
 
 namespace vexa::runner {
 
+inline constexpr const char* kProjectFile = "vexa-standin.toml";
+
 /// Finds `vexa-standin.toml` in the current folder or in the nearest folder above it that has one.
 /// \return the path of the file; empty if there is none.
 std::string findProjectFile();

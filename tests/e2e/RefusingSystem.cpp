@@ -20,7 +20,9 @@ struct Call {
     unsigned error;
 };
 
-constexpr Call kCalls[] = {{"landlock", SYS_landlock_create_ruleset, ENOSYS}, {"unshare", SYS_unshare, EPERM}};
+constexpr Call kCalls[] = {{"landlock", SYS_landlock_create_ruleset, ENOSYS},
+                           {"unshare", SYS_unshare, EPERM},
+                           {"inotify", SYS_inotify_init1, ENOSYS}};
 
 void refuse(std::vector<sock_filter>& filter, const char* name) {
     for (const Call& call : kCalls) {
