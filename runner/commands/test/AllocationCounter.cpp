@@ -142,6 +142,7 @@ std::vector<std::string> ownArguments() {
     setenv(kPreload, (library + (others.empty() ? "" : ":") + std::string(others)).c_str(), 1);
     std::vector<std::string> arguments = ownArguments();
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     execv("/proc/self/exe", pointers.data());
@@ -170,7 +171,7 @@ AllocationCounter::~AllocationCounter() {
     counted.reset(std::exchange(theCounted, nullptr));
 }
 
-AllocationCount AllocationCounter::count() const {
+AllocationCount AllocationCounter::count() {
     const TimeInHook time;
     const std::lock_guard<std::mutex> lock(theGuard);
     return theCounted->count;

@@ -25,7 +25,8 @@ public:
     /// Stops counting.
     ~AllocationCounter();
 
-    AllocationCount count() const;
+    /// Returns what the counter that exists has counted.
+    static AllocationCount count();
 };
 
 /// Makes sure that this program can count allocations: if the library is not loaded, starts the program again, with the

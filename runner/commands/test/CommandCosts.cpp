@@ -15,7 +15,7 @@ void CommandCosts::entryBegan(const standin::EntryEvent& entry) {
 void CommandCosts::entryEnded(const standin::EntryEvent& entry) {
     if (entry.kind != standin::Entry_e::Command) return;
     const std::lock_guard<std::mutex> lock(m_guard);
-    const AllocationCount count = m_allocations->count();
+    const AllocationCount count = AllocationCounter::count();
     m_all.back().allocations = count.allocations;
     m_all.back().peakBytes = count.peakBytes;
     m_allocations.reset();
