@@ -25,9 +25,11 @@ if(VEXA_BUILD_STANDIN)
         install(FILES cmake/VexaCheck.cmake cmake/VexaMacroTests.cmake cmake/VexaSanitizedRunner.cmake
             DESTINATION ${package_dir} COMPONENT standin)
     endif()
-    if(TARGET vexalayer)  # for the program alone, so that it is in a folder of its own
-        install(TARGETS vexalayer LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vexa-standin COMPONENT standin)
-    endif()
+    foreach(library IN ITEMS vexalayer vexaallocations)  # for the program alone, so that they are in their own folder
+        if(TARGET ${library})
+            install(TARGETS ${library} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vexa-standin COMPONENT standin)
+        endif()
+    endforeach()
     install(EXPORT vexautilutilStandinTargets NAMESPACE vexa:: DESTINATION ${package_dir} COMPONENT standin)
 endif()
 

@@ -1,16 +1,17 @@
 include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
-# vexa_add_macro_tests(PREFIX TARGET FOLDER folder [ADDON target...] [STYLE file] [HOST file] [STRICT] [BATCH]
+# vexa_add_macro_tests(PREFIX TARGET FOLDER folder [ADDON target...] [STYLE file] [HOST file] [STRICT] [BATCH] [BUDGET]
 #                      [WORKING_DIRECTORY folder] [COVERAGE name])
 #   Adds the test PREFIX.NAME for each NAME.macro in FOLDER. It runs vexa-standin test, which compares the results of
 #   the add-on TARGET with NAME.expected in the same folder. ADDON names other add-ons that the macros need. STYLE is
 #   the file of the host's style settings. HOST is the facts file of the host to answer like. With STRICT, the test
-#   fails if an add-on breaks the host's contract. The commands run in WORKING_DIRECTORY, by default the current binary
-#   folder. With COVERAGE, the tests add what the add-ons
-#   used of the host's contract to NAME.json in the top binary folder, and the target NAME shows this coverage and writes
-#   NAME.html beside the file. Several calls may have the same name. Each run of ctest starts the file anew.
+#   fails if an add-on breaks the host's contract. With BUDGET, the test also compares what the commands cost with
+#   NAME.budget, unless a sanitizer is on. The commands run in WORKING_DIRECTORY, by default the current binary folder.
+#   With COVERAGE, the tests add what the add-ons used of the host's contract to NAME.json in the top binary folder, and
+#   the target NAME shows this coverage and writes NAME.html beside the file. Several calls may have the same name. Each
+#   run of ctest starts the file anew.
 function(vexa_add_macro_tests prefix target)
-    cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;BATCH" "FOLDER;STYLE;HOST;WORKING_DIRECTORY;COVERAGE" "ADDON")
+    cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;BATCH;BUDGET" "FOLDER;STYLE;HOST;WORKING_DIRECTORY;COVERAGE" "ADDON")
     vexa_refuse_wrong_arguments("vexa_add_macro_tests(${prefix})")
     if(NOT arg_FOLDER)
         message(FATAL_ERROR "vexa_add_macro_tests(${prefix}) has no folder: FOLDER folder")
@@ -35,6 +36,10 @@ function(vexa_add_macro_tests prefix target)
     endif()
     if(arg_BATCH)
         list(APPEND options --batch)
+    endif()
+    vexa_sanitizer_in_use(is_sanitized)
+    if(arg_BUDGET AND NOT is_sanitized)
+        list(APPEND options --budget)
     endif()
     if(arg_COVERAGE)
         vexa_add_coverage_target(${arg_COVERAGE})

@@ -16,3 +16,16 @@ function(vexa_run_sanitized test)
         OUTPUT_VARIABLE runtime OUTPUT_STRIP_TRAILING_WHITESPACE)
     set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT LD_PRELOAD=${runtime})
 endfunction()
+
+# vexa_sanitizer_in_use(RESULT)
+#   Sets RESULT to true if CMAKE_CXX_FLAGS, add_compile_options() or the build of vexa-standin enable a sanitizer that has
+#   an allocator of its own.
+function(vexa_sanitizer_in_use result)
+    get_directory_property(options COMPILE_OPTIONS)
+    get_target_property(own_sanitizers vexa::standin_runner VEXA_SANITIZE)
+    set(${result} FALSE PARENT_SCOPE)
+    if("${CMAKE_CXX_FLAGS} ${options}" MATCHES "-fsanitize=[a-z,]*(address|thread|memory|leak)"
+            OR own_sanitizers MATCHES "address|thread|memory|leak")
+        set(${result} TRUE PARENT_SCOPE)
+    endif()
+endfunction()

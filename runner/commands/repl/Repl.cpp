@@ -79,7 +79,8 @@ private:
         const char* parameter;
         const char* brief;
         const char* details;
-        Next_e (Repl::*obey)(const std::string& argument);
+        Next_e next;
+        void (Repl::*obey)(const std::string& argument) = nullptr;
     };
     static const std::vector<Own>& all();
 
@@ -168,7 +169,9 @@ private:
             return Next_e::Line;
         }
         for (const Own& own : all()) {
-            if (own.name == command.addOnId) return (this->*own.obey)(command.text);
+            if (own.name != command.addOnId) continue;
+            if (own.obey != nullptr) (this->*own.obey)(command.text);
+            return own.next;
         }
         if (command.addOnId.front() == ':') {
             tell(noSuchCommand(command.addOnId));
@@ -209,26 +212,20 @@ private:
 
     // ---- The runner's own commands
 
-    Next_e reload(const std::string&) { return Next_e::Reload; }
-
-    Next_e quit(const std::string&) { return Next_e::End; }
-
-    Next_e showFindings(const std::string&) {
+    void showFindings(const std::string&) {
         const std::string earlier = m_notes.ask(kEarlierNote, "");
         const std::string now = textOfAll(m_host.violations());
         if (!earlier.empty()) print(printable("before the last :reload:\n" + earlier));
         if (!earlier.empty() && !now.empty()) print("since then:\n");
         print(earlier.empty() && now.empty() ? "no findings\n" : printable(now));
-        return Next_e::Line;
     }
 
-    Next_e showCalls(const std::string&) {
+    void showCalls(const std::string&) {
         const std::string text = m_calls.text();
         print(text.empty() ? "no command has run since the add-ons were loaded\n" : text);
-        return Next_e::Line;
     }
 
-    Next_e help(const std::string& about) {
+    void help(const std::string& about) {
         const CommandOfHelp asked(about);
         const std::optional<standin::AddOnInfo> addOn = find(asked.first);
         const Own* const own = ownOf(asked.first);
@@ -241,7 +238,6 @@ private:
         } else {
             tell("there is no command and no add-on '" + asked.first + "'; ':help' lists them");
         }
-        return Next_e::Line;
     }
 
     // What the user asks about: `:findings`, `STATS`, `STATS MEAN`.
@@ -308,19 +304,20 @@ const std::vector<Repl::Own>& Repl::all() {
          "session\n"
          "  goes on without that add-on: the old code is unloaded already. With --in-process there is no new process;\n"
          "  if the old code cannot leave it, the add-on is not loaded.",
-         &Repl::reload},
+         Next_e::Reload},
         {":findings", "", "show all findings of the session",
-         "Shows each cause in full once, and one line for each of its other findings.", &Repl::showFindings},
+         "Shows each cause in full once, and one line for each of its other findings.", Next_e::Line,
+         &Repl::showFindings},
         {":calls", "", "show the host calls of the last command",
          "Shows the lines that 'run --trace-text' would write: the thread, and the call with its arguments and "
          "result.\n"
          "  A long list is cut.",
-         &Repl::showCalls},
+         Next_e::Line, &Repl::showCalls},
         {":help", "[COMMAND]", "show this list, or more about a command or an add-on",
          "':help ID' shows what is known of an add-on, and ':help ID WORD' what is known of one of its commands.",
-         &Repl::help},
-        {"help", "[COMMAND]", "the same as :help", "The same as :help.", &Repl::help},
-        {"quit", "", "end the program", "Ends the program, as Ctrl-D does. The recording is written.", &Repl::quit},
+         Next_e::Line, &Repl::help},
+        {"help", "[COMMAND]", "the same as :help", "The same as :help.", Next_e::Line, &Repl::help},
+        {"quit", "", "end the program", "Ends the program, as Ctrl-D does. The recording is written.", Next_e::End},
     };
     return own;
 }

@@ -9,8 +9,9 @@ namespace vexa::runner {
 inline constexpr const char* kMacro = ".macro";
 inline constexpr const char* kExpected = ".expected";
 inline constexpr const char* kCalls = ".calls";
+inline constexpr const char* kBudget = ".budget";
 /// The extensions of the files beside a macro.
-inline constexpr const char* kBesideMacro[] = {kExpected, kCalls};
+inline constexpr const char* kBesideMacro[] = {kExpected, kCalls, kBudget};
 
 /// Reports a path that is neither a macro nor a folder of macros. The message is one line.
 struct PathError : std::runtime_error {

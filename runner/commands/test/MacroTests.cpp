@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "commands/test/Budget.h"
 #include "commands/test/MacroPaths.h"
 #include "coverage/CoverageFile.h"
 #include "formats/JunitText.h"
@@ -85,6 +86,7 @@ private:
         for (const std::string& macro : m_macros) {
             for (const char* const extension : kBesideMacro) {
                 if (extension == kCalls && !m_options.tellsCalls) continue;
+                if (extension == kBudget && !m_options.tellsCosts) continue;
                 const std::string expectation = besideOf(macro, extension);
                 const bool isNew = expectations.insert(fs::absolute(expectation).lexically_normal()).second;
                 if (!isNew) continue;
@@ -244,6 +246,7 @@ private:
                 verdict.problems.insert(verdict.problems.begin(), found.begin(), found.end());
         }
         if (m_options.tellsCalls) add(compared(besideOf(macro, kCalls), told.calls(), "calls"), verdict);
+        if (m_options.tellsCosts) add(comparedCosts(besideOf(macro, kBudget), told.costs()), verdict);
         return verdict;
     }
 
@@ -266,6 +269,18 @@ private:
         return differing(
             path, *expected, now,
             {false, "its " + what + " differ from " + path + "; --accept saves the new " + what, difference});
+    }
+
+    // A macro that costs less than its budget passes.
+    MacroVerdict comparedCosts(const std::string& path, const std::string& now) const {
+        const std::optional<std::string> budget = expectation(path);
+        if (budget == now) return {true, "", ""};
+        if (m_options.accepts) return accept(path, now);
+        if (!budget) return {false, missing(path), lineDifference("", now)};
+        const BudgetComparison comparison = compareBudget(path, *budget, now);
+        const MacroVerdict verdict{!comparison.isExceeded, comparison.reason + "; --accept saves the new costs",
+                                   comparison.lines};
+        return verdict.passed ? verdict : differing(path, *budget, now, verdict);
     }
 
     static std::optional<std::string> expectation(const std::string& path) {

@@ -164,11 +164,11 @@ private:
     }
 
     bool isOutdated(const std::string& macro) const {
-        for (const auto& [file, stamp] : m_files.stampsFor(macro)) {
-            const auto known = m_known.find(file);
-            if (known == m_known.end() || known->second != stamp || isBeingWritten(file)) return true;
-        }
-        return false;
+        const Stamps now = m_files.stampsFor(macro);
+        return std::any_of(now.begin(), now.end(), [this](const auto& stamped) {
+            const auto known = m_known.find(stamped.first);
+            return known == m_known.end() || known->second != stamped.second || isBeingWritten(stamped.first);
+        });
     }
 
     void summarize(const std::set<std::string>& tested) {

@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "commands/test/Budget.h"
+#include "commands/test/CommandCosts.h"
 #include "coverage/CoverageObserver.h"
 #include "options/PrintedOutput.h"
 #include "session/FindingPrinter.h"
@@ -17,6 +19,9 @@
 
 namespace vexa::runner {
 namespace {
+
+// Global, because the standard output needs its buffer until the end of the process.
+char theOutputBuffer[BUFSIZ];
 
 std::string marked(const std::string& mark, const std::string& text) {
     std::string lines;
@@ -33,8 +38,8 @@ public:
           m_options(options),
           m_notes(notes),
           m_session(options, box, [this](const Overrun& overrun) { return static_cast<int>(conclude(overrun)); }) {
-        std::setvbuf(stdout, nullptr, _IOLBF,
-                     BUFSIZ);  // keeps the order of the two outputs, which go to the same place
+        // Keeps the order of the two outputs, which go to the same place. The add-on must not allocate the buffer.
+        std::setvbuf(stdout, theOutputBuffer, _IOLBF, sizeof theOutputBuffer);
         observe();
         m_host.setRecording(true);
         m_host.onDialog([this](const std::string& text) { keepDialog(text); });
@@ -48,6 +53,7 @@ public:
         unload();
         if (!isOutputWhole()) return TranscriptEnd_e::OutputLost;
         if (m_calls) m_notes.tell(kCallsNote, textOf(m_calls->take()));
+        if (m_costs) m_notes.tell(kCostsNote, budgetText(m_costs->all()));
         return m_session.isContractBroken() ? TranscriptEnd_e::Broken : TranscriptEnd_e::Whole;
     }
 
@@ -57,6 +63,7 @@ private:
             m_traces.add(m_coverage.emplace(coverageSettingOf(m_options.contract), coverageTeller(m_notes)));
         }
         if (m_options.tellsCalls) m_traces.add(m_calls.emplace());
+        if (m_options.tellsCosts) m_traces.add(m_costs.emplace());
         m_host.setObserver(m_traces.observer());
     }
 
@@ -163,6 +170,7 @@ private:
     standin::FindingCauses m_causes;
     std::optional<CoverageObserver> m_coverage;
     std::optional<CallRecorder> m_calls;
+    std::optional<CommandCosts> m_costs;
     TraceOutputs m_traces;
     Session m_session;  // last: its add-ons may still show dialogs
     standin::Host& m_host = m_session.host();

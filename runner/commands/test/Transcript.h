@@ -35,6 +35,8 @@ inline constexpr char kTranscriptNote = 't';  ///< lines of it
 inline constexpr char kExplainedNote = 'x';
 /// The host calls, as the text of CallLines. Not part of the transcript.
 inline constexpr char kCallsNote = 'h';
+/// What the commands cost, as the text of a budget. Not part of the transcript.
+inline constexpr char kCostsNote = 'm';
 /// Asks the receiver to add the line of the note, and then the text that was printed since the last such note. If
 /// nothing was printed, the receiver adds nothing, and the answer is empty.
 inline constexpr char kPrintedNote = 'p';
@@ -44,6 +46,7 @@ inline constexpr char kPrintedNote = 'p';
 struct TranscriptOptions : SessionOptions {
     std::optional<std::string> coverage;  ///< if given, the notes also hold the coverage
     bool tellsCalls = false;              ///< true if the notes also hold the host calls
+    bool tellsCosts = false;              ///< true if the notes also hold the costs of the commands
 };
 
 /// Runs a macro in this process, and sends what its add-ons do to \p notes, line by line:
@@ -79,6 +82,7 @@ public:
             case kProblemNote: m_problems.push_back(unpackedProblem(text)); return;
             case kExplainedNote: m_explained += text; return;
             case kCallsNote: m_calls += text; return;
+            case kCostsNote: m_costs += text; return;
             default: m_text += text; return;
         }
     }
@@ -93,6 +97,8 @@ public:
     const std::string& explained() const { return m_explained; }
     /// Returns the host calls; empty if the macro did not run to its end.
     const std::string& calls() const { return m_calls; }
+    /// Returns what the commands cost, as the text of a budget; empty if the macro did not run to its end.
+    const std::string& costs() const { return m_costs; }
     const Coverage& coverage() const { return m_coverage; }
     /// Returns the findings for build servers.
     const std::vector<Problem>& problems() const { return m_problems; }
@@ -102,6 +108,7 @@ private:
     std::string m_text;
     std::string m_explained;
     std::string m_calls;
+    std::string m_costs;
     Coverage m_coverage;
     std::vector<Problem> m_problems;
 };
