@@ -4,6 +4,7 @@
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -77,6 +78,13 @@ void PtyProgram::resize(unsigned short columns) const {
     window.ws_col = columns;
     window.ws_row = 24;
     if (ioctl(m_master, TIOCSWINSZ, &window) != 0) throw std::system_error(errno, std::generic_category(), "resize");
+}
+
+std::chrono::nanoseconds PtyProgram::processorTime() const {
+    clockid_t clock{};
+    timespec time{};
+    if (clock_getcpuclockid(m_child, &clock) != 0 || clock_gettime(clock, &time) != 0) return {};
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 int PtyProgram::finish() {

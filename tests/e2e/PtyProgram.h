@@ -32,6 +32,8 @@ public:
     /// Waits for the end of the program.
     /// \return its exit status; the negative signal number if one ended it, or if it had to be killed.
     int finish();
+    /// Returns the processor time that the program has used so far.
+    std::chrono::nanoseconds processorTime() const;
     /// All that the terminal got so far, with CR LF at the ends of lines.
     const std::string& output() const { return m_output; }
 
