@@ -5,17 +5,14 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <map>
-#include <system_error>
 
+#include "system/files/PathFromHere.h"
 #include "terminal/Console.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr standin::Severity_e kError = standin::Severity_e::Error;
 constexpr char kFieldEnd = '\0';  // printable texts and paths do not contain it
@@ -148,16 +145,6 @@ std::vector<std::string> fingerprintsOf(const std::vector<Problem>& problems) {
         fingerprints.push_back(hash + ':' + std::to_string(++counts[hash]));
     }
     return fingerprints;
-}
-
-std::string pathFromHere(const std::string& file) {
-    std::error_code error;
-    const fs::path path = fs::absolute(file, error).lexically_normal();
-    const fs::path folder = fs::weakly_canonical(path.parent_path(), error);
-    const fs::path whole = (error ? path.parent_path() : folder) / path.filename();
-    const fs::path relative = whole.lexically_relative(fs::current_path(error));
-    const bool isBelow = !relative.empty() && *relative.begin() != "..";
-    return (isBelow ? relative : whole).string();
 }
 
 std::string packed(const Problem& problem) {

@@ -71,9 +71,6 @@ std::string wholeText(const Problem& problem);
 /// problem. Equal problems get different fingerprints.
 std::vector<std::string> fingerprintsOf(const std::vector<Problem>& problems);
 
-/// Returns \p file relative to the current folder if it is below this folder, and otherwise its absolute path.
-std::string pathFromHere(const std::string& file);
-
 /// \name A problem as text, to send it to another process
 /// @{
 std::string packed(const Problem& problem);
