@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <utility>
 
 #include "system/files/PathFromHere.h"
 #include "terminal/Console.h"
@@ -128,6 +129,13 @@ Problem problemOf(const std::string& file, const std::string& message) {
     const std::size_t whyBegin = problem.place.line == 0 ? fileEnd + 1 : lineEnd + 2;
     problem.message = printable(message.substr(std::min(whyBegin, message.size())));
     return problem;
+}
+
+void addStacks(Problem& problem, const StackReport& stacks) {
+    problem.details += printable(textOf(stacks, true));
+    const Frame* const own = stacks.ownFrame();
+    if (own == nullptr || own->line == 0) return;
+    problem.other = std::exchange(problem.place, {own->file, own->line, printable(own->function)});
 }
 
 std::string wholeText(const Problem& problem) {

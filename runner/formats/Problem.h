@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "formats/MacroFile.h"
+#include "stacks/StackReport.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -63,6 +64,10 @@ Problem problemOf(const MacroCommand& command, const char* rule, const std::stri
 
 /// Returns the problem of \p file, a macro file, about which its reader says \p message: `FILE:LINE: why`.
 Problem problemOf(const std::string& file, const std::string& message);
+
+/// Adds the stacks to the details of \p problem. If the line in the source of the add-on is known, it becomes the
+/// place, and the macro's line the other place.
+void addStacks(Problem& problem, const StackReport& stacks);
 
 /// Returns the message and the details.
 std::string wholeText(const Problem& problem);

@@ -182,7 +182,7 @@ public:
             runner::tell(kProgramName, "error: a part of the recorded commands was lost");
             m_status = ExitStatus_e::BadUsageOrInput;
         } else {
-            runner::tell(deathText(box, outcome));
+            tellDeath(box, outcome);
             m_status = m_outputs.writeWhatIsLeft() ? ExitStatus_e::ProcessEnded : ExitStatus_e::BadUsageOrInput;
         }
     }
