@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "RunnerTest.h"
 
@@ -90,19 +89,6 @@ bool isOthers(const std::string& way) { return VEXA_IS_SANITIZED && (way == "seg
 std::string deathLine(const std::string& work, const std::string& how) {
     return "m.macro:2: ENDING: error: \"ENDING " + work + "\" ended the process: " + how +
            "; its last host call was VexaUtilMacroIsBatchModeActive\n";
-}
-
-// Lines about the stack of a crash follow some messages.
-std::string withoutStack(const std::string& text) {
-    std::istringstream in(text);
-    std::string rest;
-    bool isStack = false;
-    for (std::string line; std::getline(in, line);) {
-        isStack = line == "    stack:" || line.rfind("    at: ", 0) == 0 || line.rfind("    stack of ", 0) == 0 ||
-                  line.rfind("    hint: ", 0) == 0 || (isStack && line.rfind("           ", 0) == 0);
-        if (!isStack) rest += line + '\n';
-    }
-    return rest;
 }
 
 TEST_F(WatchedRun, TellsWhatEndedItsProcess) {

@@ -217,9 +217,10 @@ private:
     }
 
     // The processes are in other process groups, so the terminal does not suspend them.
-    void suspend() const {
+    void suspend() {
         const Clock::time_point begin = Clock::now();
         for (const Process& process : m_running) process.child().signalGroup(SIGSTOP);
+        m_stacks.attendStops();
         raise(SIGSTOP);
         forgive(Clock::now() - begin);
         for (const Process& process : m_running) process.child().signalGroup(SIGCONT);

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 namespace vexa::runner {
@@ -36,6 +38,15 @@ void WatchedStacks::watch(pid_t process) {
     if (error != 0)
         m_problems[process] =
             "the system does not permit the runner to trace the process: " + std::generic_category().message(error);
+}
+
+void WatchedStacks::attendStops() {
+    constexpr std::chrono::milliseconds kStep{5};
+    constexpr int kSteps = 10;
+    for (int step = 0; step != kSteps; ++step) {
+        std::this_thread::sleep_for(kStep);
+        m_tracer.attend();
+    }
 }
 
 void WatchedStacks::keep(const ThreadTracer::Ending& ending) {

@@ -24,6 +24,9 @@ public:
     /// Call it when SIGCHLD has come.
     void attend() { m_tracer.attend(); }
 
+    /// Call it after stop signals were sent. They stop a traced process only while its tracer attends.
+    void attendStops();
+
     /// Returns the stacks of all threads of \p process, which is late.
     /// \param without a thread that is not of interest; 0 for none.
     StackReport ofHang(pid_t process, pid_t without);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -37,8 +38,8 @@ __attribute__((noinline)) void throwHere() {
     if (isTrue) throw std::runtime_error("nobody catches this");  // [throw]
 }
 
-// A destructor must not throw, so the program ends.
-__attribute__((noinline)) void throwUncaught() noexcept { throwHere(); }
+// Nothing on the stack of a new thread catches it.
+__attribute__((noinline)) void throwUncaught() { std::thread(throwHere).join(); }
 
 __attribute__((noinline)) void divideByZero() {
     zero = dividend / zero;  // [divide]
@@ -57,7 +58,8 @@ __attribute__((noinline)) int recurse(int depth) {
 
 __attribute__((noinline)) void smashStack() {
     volatile char bytes[16];
-    for (volatile char* byte = bytes; isTrue; ++byte) *byte = 'A';
+    std::memset(const_cast<char*>(bytes), 'A', isTrue ? std::size_t{1} << 30 : 1);  // [smash]
+    zero = bytes[0];
 }
 
 __attribute__((noinline)) void inThread() {
