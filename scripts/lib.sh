@@ -15,8 +15,8 @@ log=""
 cd -- "$root"
 
 # The Debian packages that each purpose needs.
-build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libdtl-dev libelf-dev
-    libreadline-dev libtomlplusplus-dev nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libdtl-dev libdw-dev
+    libelf-dev libreadline-dev libtomlplusplus-dev nlohmann-json3-dev)
 test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang gdb patch pkgconf python3 python3-jsonschema
     python3-yaml)
 tidy_packages=("${test_packages[@]}" clang-tidy)

@@ -86,7 +86,7 @@ public:
         if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         m_status = static_cast<ExitStatus_e>(outcome.status);
         if (outcome.end == End_e::Left) return;
-        tell(deathText(box, outcome));
+        tellDeath(box, outcome);
         m_status = ExitStatus_e::ProcessEnded;
     }
 

@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "system/files/PathFromHere.h"
+
 namespace vexa::runner {
 namespace {
 

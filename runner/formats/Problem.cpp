@@ -5,17 +5,15 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <map>
-#include <system_error>
+#include <utility>
 
+#include "system/files/PathFromHere.h"
 #include "terminal/Console.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr standin::Severity_e kError = standin::Severity_e::Error;
 constexpr char kFieldEnd = '\0';  // printable texts and paths do not contain it
@@ -133,6 +131,13 @@ Problem problemOf(const std::string& file, const std::string& message) {
     return problem;
 }
 
+void addStacks(Problem& problem, const StackReport& stacks) {
+    problem.details += printable(textOf(stacks, true));
+    const Frame* const own = stacks.ownFrame();
+    if (own == nullptr || own->line == 0) return;
+    problem.other = std::exchange(problem.place, {own->file, own->line, printable(own->function)});
+}
+
 std::string wholeText(const Problem& problem) {
     return problem.details.empty() ? problem.message
                                    : problem.message + '\n' + std::string(withoutTrailingBlanks(problem.details));
@@ -148,16 +153,6 @@ std::vector<std::string> fingerprintsOf(const std::vector<Problem>& problems) {
         fingerprints.push_back(hash + ':' + std::to_string(++counts[hash]));
     }
     return fingerprints;
-}
-
-std::string pathFromHere(const std::string& file) {
-    std::error_code error;
-    const fs::path path = fs::absolute(file, error).lexically_normal();
-    const fs::path folder = fs::weakly_canonical(path.parent_path(), error);
-    const fs::path whole = (error ? path.parent_path() : folder) / path.filename();
-    const fs::path relative = whole.lexically_relative(fs::current_path(error));
-    const bool isBelow = !relative.empty() && *relative.begin() != "..";
-    return (isBelow ? relative : whole).string();
 }
 
 std::string packed(const Problem& problem) {

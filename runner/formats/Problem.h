@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "formats/MacroFile.h"
+#include "stacks/StackReport.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -64,15 +65,16 @@ Problem problemOf(const MacroCommand& command, const char* rule, const std::stri
 /// Returns the problem of \p file, a macro file, about which its reader says \p message: `FILE:LINE: why`.
 Problem problemOf(const std::string& file, const std::string& message);
 
+/// Adds the stacks to the details of \p problem. If the line in the source of the add-on is known, it becomes the
+/// place, and the macro's line the other place.
+void addStacks(Problem& problem, const StackReport& stacks);
+
 /// Returns the message and the details.
 std::string wholeText(const Problem& problem);
 
 /// Returns a fingerprint for each problem. It has no line number, so it stays the same when lines are added before the
 /// problem. Equal problems get different fingerprints.
 std::vector<std::string> fingerprintsOf(const std::vector<Problem>& problems);
-
-/// Returns \p file relative to the current folder if it is below this folder, and otherwise its absolute path.
-std::string pathFromHere(const std::string& file);
 
 /// \name A problem as text, to send it to another process
 /// @{

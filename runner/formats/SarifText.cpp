@@ -8,6 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "system/files/PathFromHere.h"
+
 namespace vexa::runner {
 namespace {
 

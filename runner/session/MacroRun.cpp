@@ -21,6 +21,8 @@
 #include "session/Replay.h"
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
+#include "session/watch/Death.h"
+#include "session/watch/WatchedStacks.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RedirectedOutput.h"
 #include "system/files/StandardStreams.h"
@@ -72,7 +74,8 @@ private:
         tellFindings();
         const ExitStatus_e traced = m_traces.finish(status);
         if (m_options.json) {
-            m_notes.tell(kEndNote, endLine(m_options.macroFile, traced, newFindings(m_host, m_findingsInResults)));
+            m_notes.tell(kEndNote,
+                         endLine(m_options.macroFile, traced, newFindings(m_host, m_findingsInResults), "", m_hang));
         }
         return traced;
     }
@@ -177,7 +180,9 @@ private:
 
     void tellFindings() {
         for (const standin::Finding& finding : newFindings(m_host, m_findingsInProblems)) {
-            tellProblem(problemOf(finding, m_options.macroFile));
+            Problem problem = problemOf(finding, m_options.macroFile);
+            if (finding.rule == kCommandTimeout) addStacks(problem, m_hang);
+            tellProblem(std::move(problem));
         }
     }
 
@@ -188,9 +193,9 @@ private:
     }
 
     void addResult(const MacroCommand& command, const standin::CommandResult& result,
-                   std::chrono::duration<double> time) {
+                   std::chrono::duration<double> time, const StackReport& stacks = {}) {
         if (!m_options.json) return;
-        m_notes.tell(kResultNote, resultLine(command, result, time, newFindings(m_host, m_findingsInResults)));
+        m_notes.tell(kResultNote, resultLine(command, result, time, newFindings(m_host, m_findingsInResults), stacks));
     }
 
     bool writeOutputs() {
@@ -250,9 +255,11 @@ private:
     void concludeHang(const Overrun& hang) {
         m_view.printFindings();
         printFinding(*hang.finding);
+        m_hang = askForStacks(m_notes);
+        tellStacks(m_hang);
         m_host.report(*hang.finding);
         if (!m_isRunning) return;
-        addResult(hang.work, {false, "the command has not returned"}, hang.limit);
+        addResult(hang.work, {false, "the command has not returned"}, hang.limit, m_hang);
         writeOutputs();
     }
 
@@ -270,6 +277,7 @@ private:
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;
+    StackReport m_hang;  // of a command that did not return
     std::string m_summary;
     StopButton m_stopButton{m_box.isStatusDrawn};
     SessionView m_view;

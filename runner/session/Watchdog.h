@@ -10,11 +10,13 @@
 #include <utility>
 
 #include "session/watch/TimeSteps.h"
+#include "system/processes/OtherThreads.h"
 #include "system/processes/Signals.h"
 
 namespace vexa::runner {
 
-/// Ends the program if work takes too long. Time in which the system does not run the program does not count.
+/// Ends the program if work takes too long. Time in which the system does not run the program does not count. While the
+/// watching process is stopped, a stop signal stops only the first thread, because that process traces this one.
 ///
 ///     Watchdog watchdog([&] { tell(...); _exit(4); });
 ///     watchdog.start(2s);
@@ -77,7 +79,7 @@ private:
     void countStep() {
         if (!m_left) return;
         const Clock::time_point now = Clock::now();
-        *m_left -= std::min<Clock::duration>(now - m_stepBegin, kLongestTimeStep);
+        if (!isFirstThreadStopped()) *m_left -= std::min<Clock::duration>(now - m_stepBegin, kLongestTimeStep);
         m_stepBegin = now;
     }
 

@@ -97,14 +97,16 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
         printFinding(lateFinding(box));
-        m_outputs.tell(kProblemNote, packed(problemOf(lateFinding(box), m_options.macroFile)));
-        return conclude(box, ExitStatus_e::CommandHung, "the command has not returned");
+        tellStacks(outcome.stacks);
+        m_outputs.tell(kProblemNote, packed(lateProblem(box, outcome, m_options.macroFile)));
+        return conclude(box, outcome, ExitStatus_e::CommandHung, "the command has not returned");
     }
     if (outcome.end == End_e::Died) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::ProcessEnded));
-        tell(deathText(box, outcome));
+        tellDeath(box, outcome);
         m_outputs.tell(kProblemNote, packed(deathProblem(box, outcome, m_options.macroFile)));
-        return conclude(box, ExitStatus_e::ProcessEnded, "the process ended: " + howItEnded(outcome.waitStatus));
+        return conclude(box, outcome, ExitStatus_e::ProcessEnded,
+                        "the process ended: " + howItEnded(outcome.waitStatus));
     }
     if (outcome.areNotesWhole) {
         m_outputs.tellEnd();
@@ -112,16 +114,18 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
     }
     tell(m_options.macroFile,
          "error: a part of the run's report was lost: an add-on closed a file that it does not own");
-    return conclude(box, ExitStatus_e::BadUsageOrInput, "a part of the run's report was lost");
+    return conclude(box, outcome, ExitStatus_e::BadUsageOrInput, "a part of the run's report was lost");
 }
 
-ExitStatus_e WatchedRun::conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error) {
+ExitStatus_e WatchedRun::conclude(const ProcessBox& box, const ProcessOutcome& outcome, ExitStatus_e status,
+                                  const std::string& error) {
     const bool isWritten = m_outputs.writeWhatIsLeft();
     if (m_options.json) {
         const MacroCommand command = {box.place.text(), box.addOnId.text(), box.work.text()};
         const bool isInCommand = box.isInAddOn && !command.addOnId.empty();
-        if (isInCommand) m_outputs.tell(kResultNote, resultLine(command, {false, error}, box.sinceEntered(), {}));
-        m_outputs.tell(kEndNote, endLine(m_options.macroFile, status, {}, error));
+        if (isInCommand)
+            m_outputs.tell(kResultNote, resultLine(command, {false, error}, box.sinceEntered(), {}, outcome.stacks));
+        m_outputs.tell(kEndNote, endLine(m_options.macroFile, status, {}, error, outcome.stacks));
         m_outputs.tellEnd();
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;

@@ -25,7 +25,8 @@ public:
     ExitStatus_e judge(const ProcessBox& box, const ProcessOutcome& outcome);
 
 private:
-    ExitStatus_e conclude(const ProcessBox& box, ExitStatus_e status, const std::string& error);
+    ExitStatus_e conclude(const ProcessBox& box, const ProcessOutcome& outcome, ExitStatus_e status,
+                          const std::string& error);
 
     const RunOptions& m_options;
     RunOutputs m_outputs;

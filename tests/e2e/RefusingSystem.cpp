@@ -22,7 +22,8 @@ struct Call {
 
 constexpr Call kCalls[] = {{"landlock", SYS_landlock_create_ruleset, ENOSYS},
                            {"unshare", SYS_unshare, EPERM},
-                           {"inotify", SYS_inotify_init1, ENOSYS}};
+                           {"inotify", SYS_inotify_init1, ENOSYS},
+                           {"ptrace", SYS_ptrace, EPERM}};
 
 void refuse(std::vector<sock_filter>& filter, const char* name) {
     for (const Call& call : kCalls) {

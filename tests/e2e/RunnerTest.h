@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,6 +16,21 @@
 #include "support/TemporaryFolder.h"
 
 namespace vexa::e2e {
+
+/// Returns \p text without the lines about the stacks of a crash or a hang, which follow some messages.
+inline std::string withoutStack(const std::string& text) {
+    std::istringstream in(text);
+    std::string rest;
+    bool isStack = false;
+    for (std::string line; std::getline(in, line);) {
+        isStack = line == "    stack:" || line.rfind("    at: ", 0) == 0 || line.rfind("    stack of ", 0) == 0 ||
+                  line == "    hint:  Compile the add-on with -g to see the lines of its source." ||
+                  line.find(" no code of an add-on") != std::string::npos ||
+                  (isStack && line.rfind("           ", 0) == 0);
+        if (!isStack) rest += line + '\n';
+    }
+    return rest;
+}
 
 /// A test that runs the real vexa-standin in a temporary folder of its own.
 class RunnerTest : public ::testing::Test {

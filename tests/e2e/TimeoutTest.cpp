@@ -28,7 +28,7 @@ TEST_F(Timeout, TellsWhichCommandHangsAndEndsTheProgram) {
     const ProgramResult result = runHanging("HANGING 'a'\nHANGING 'b\nHANGING 'c'\n");
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.out, "read 'a'\n");
-    EXPECT_EQ(result.err,
+    EXPECT_EQ(withoutStack(result.err),
               "m.macro:2: HANGING: error: \"HANGING 'b\" has not returned within 2 seconds; it made no host call "
               "[command-timeout]\n"
               "    first: the beginning of \"HANGING 'b\", m.macro:2, thread 1\n" +
@@ -40,7 +40,7 @@ TEST_F(Timeout, TellsTheLastHostCall) {
         runFor(ADDON_MISBEHAVING, "MISBEHAVING unbalanced-lock-twin\nMISBEHAVING command-timeout\n");
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(
-        result.err,
+        withoutStack(result.err),
         "m.macro:2: MISBEHAVING: error: \"MISBEHAVING command-timeout\" has not returned within 2 seconds; its "
         "last host call was VexaUtilMacroIsBatchModeActive [command-timeout]\n"
         "    first: the beginning of \"MISBEHAVING command-timeout\", m.macro:2, thread 1\n"
@@ -100,7 +100,7 @@ TEST_F(Timeout, LeavesNoFileOfARunThatDidNotBegin) {
         runFor(ADDON_HANGING_AT_ENTRY, "HANGING RECORD\n", {"--record", "r.macro", "--journal", "j.macro"});
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(fileNames(), std::vector<std::string>({"m.macro"}));
-    EXPECT_EQ(result.err, "error: \"loading of " ADDON_HANGING_AT_ENTRY
+    EXPECT_EQ(withoutStack(result.err), "error: \"loading of " ADDON_HANGING_AT_ENTRY
                           "\" has not returned within 2 seconds; it made no host call [command-timeout]\n"
                           "    first: the beginning of \"loading of " ADDON_HANGING_AT_ENTRY "\", thread 1\n" +
                               kHint);
@@ -140,10 +140,10 @@ TEST_F(Timeout, LeavesTheTerminalInOrder) {
                        plainTerminal());
     EXPECT_EQ(program.finish(), 4);
     const Rows rows = screenOf(program, 400).rows();
-    ASSERT_EQ(rows.size(), 6U) << program.output();
+    ASSERT_GE(rows.size(), 6U) << program.output();
     EXPECT_EQ(rows[0], "one");
     EXPECT_EQ(rows[1].rfind("m.macro:1: PROGRESS: error: ", 0), 0U) << rows[1];
-    EXPECT_EQ(rows[5], "half");
+    EXPECT_EQ(rows.back(), "half");
 }
 
 TEST_F(Timeout, RefusesWhatIsNoTime) {

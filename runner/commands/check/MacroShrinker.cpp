@@ -50,7 +50,7 @@ private:
     // Returns a key for the error that the commands show; empty if they show none.
     std::string symptomOf(const std::vector<MacroCommand>& steps, milliseconds timeout) const {
         const ProcessEnd end =
-            runWatched({m_setting.signals, false, timeout}, *m_box, [&] { return verdictOn(steps); });
+            runWatched({m_setting.signals, false, timeout, nullptr, false}, *m_box, [&] { return verdictOn(steps); });
         if (end.hasTimedOut()) return "hangs";
         if (WIFSIGNALED(end.waitStatus)) return "signal " + std::to_string(WTERMSIG(end.waitStatus));
         if (!end.verdict) return "exit " + std::to_string(WEXITSTATUS(end.waitStatus));

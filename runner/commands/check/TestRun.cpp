@@ -16,7 +16,9 @@
 #include "commands/check/trial/BlackBox.h"
 #include "commands/check/trial/Confinement.h"
 #include "session/CoverageNotes.h"
+#include "session/watch/Death.h"
 #include "system/files/ScratchFolder.h"
+#include "terminal/Console.h"
 #include "text/Lines.h"
 #include "text/Seconds.h"
 #include "text/ShortText.h"
@@ -25,7 +27,6 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kOutputLines = 12;
-constexpr const char* kCommandTimeout = "command-timeout";  // the rule of the contract about work without an end
 constexpr const char* kWritesAnywhere = "its commands may write to any file";
 
 std::string whatWasTried(const BlackBox& box) {
@@ -78,6 +79,10 @@ std::string whatRan(const BlackBox& box) {
     return lines;
 }
 
+std::string stackLines(const StackReport& stacks) {
+    return stacks.isEmpty() ? "" : '\n' + std::string(withoutTrailingBlanks(textOf(stacks, false)));
+}
+
 std::string lastLinesOf(const std::string& output) {
     const std::vector<std::string> lines = linesOf(output);
     const std::size_t first = lines.size() > kOutputLines ? lines.size() - kOutputLines : 0;
@@ -104,6 +109,7 @@ std::vector<Problem> problemsOf(const ProcessEnd& end, const BlackBox& box, std:
     if (!box.isInAddOn || end.work.place.empty()) return {};
     Problem problem = problemOf(end.work, kProcessEnded, howItEnded(end, box, timeout));
     if (end.hasTimedOut()) problem.rule = kCommandTimeout;
+    addStacks(problem, end.stacks);
     return {problem};
 }
 
@@ -114,10 +120,11 @@ Verdict watchedVerdict(const TestSetting& setting, BlackBox& box, const std::fun
     const ProcessEnd end = runWatched(setting, box, work);
     const bool isPassed = isWell(end) && end.verdict->outcome <= Outcome_e::Skipped;
     if (isPassed) return *end.verdict;
-    Verdict verdict = isWell(end) ? *end.verdict
-                                  : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
-                                            howItEnded(end, box, setting.timeout) + '\n' + whatRan(box),
-                                            box.macro.text(), problemsOf(end, box, setting.timeout)};
+    Verdict verdict =
+        isWell(end) ? *end.verdict
+                    : Verdict{end.hasTimedOut() ? Outcome_e::TimedOut : Outcome_e::Crashed,
+                              howItEnded(end, box, setting.timeout) + '\n' + whatRan(box) + stackLines(end.stacks),
+                              box.macro.text(), problemsOf(end, box, setting.timeout)};
     if (box.wantedMemory) addLine(verdict.reason, "the process ran out of memory on the way");
     addLine(verdict.reason, lastLinesOf(end.out.text));
     return verdict;

@@ -110,6 +110,7 @@ ProcessEnd runWatched(const TestSetting& test, BlackBox& box, const std::functio
     setting.isTimed = true;
     setting.timeToLeave = kTimeToLeave;
     setting.leavesAtOnce = true;
+    setting.readsStacks = test.readsStacks;
     WatchedTest watched(box, test, work);
     runInProcesses(test.signals, 1, setting, watched);
     return watched.result();

@@ -17,6 +17,7 @@ struct TestSetting {
     bool inProcess = false;               ///< true to run tests in this process, for a debugger
     std::chrono::milliseconds timeout{};  ///< the limit for each command; after it, the process of the test is killed
     Coverage* coverage = nullptr;         ///< what the tests add their coverage to; null for nothing
+    bool readsStacks = true;              ///< whether the stacks of a crash or a hang are of interest
 };
 
 /// The end of a process that ran a test.

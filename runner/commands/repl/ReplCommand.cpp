@@ -69,7 +69,7 @@ public:
             m_isReloading = false;
             return;
         }
-        runner::tell(deathText(box, outcome));
+        tellDeath(box, outcome);
         if (m_isReloading) return runner::tell(kProgramName, kCrashAtReload);
         m_status = m_outputs.writeWhatIsLeft() ? ExitStatus_e::ProcessEnded : ExitStatus_e::BadUsageOrInput;
     }

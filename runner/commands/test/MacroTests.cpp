@@ -193,16 +193,14 @@ private:
         if (outcome.end == End_e::TimedOut)
             return {false,
                     "it did not return within its time limit",
-                    textOf(lateFinding(box)),
-                    {problemOf(lateFinding(box), macro)}};
+                    textOf(lateFinding(box)) + textOf(outcome.stacks, false),
+                    {lateProblem(box, outcome, macro)}};
         if (wasInterrupted(outcome)) {
             m_isStopped = true;
             return {false, "stopped by Ctrl-C", lines};
         }
-        return {false,
-                "an add-on ended the process",
-                lines + deathText(box, outcome) + '\n',
-                {deathProblem(box, outcome, macro)}};
+        return {
+            false, "an add-on ended the process", lines + deathText(box, outcome), {deathProblem(box, outcome, macro)}};
     }
 
     MacroVerdict verdictOn(const std::string& macro, TranscriptEnd_e end, const TranscriptText& transcript) {

@@ -11,6 +11,7 @@
 #include "coverage/CoverageObserver.h"
 #include "options/PrintedOutput.h"
 #include "session/FindingPrinter.h"
+#include "session/watch/WatchedStacks.h"
 #include "terminal/Console.h"
 #include "text/Lines.h"
 #include "text/Seconds.h"
@@ -137,12 +138,14 @@ private:
 
     // Explains a finding for the user, because the transcript has no places. The first finding of each cause has all
     // details.
-    void explain(const standin::Finding& finding) {
+    void explain(const standin::Finding& finding, const StackReport& stacks = {}) {
         const std::string text = m_causes.add(finding)
                                      ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
                                      : briefTextOf(finding);
-        m_notes.tell(kExplainedNote, text);
-        m_notes.tell(kProblemNote, packed(problemOf(finding, m_macroFile)));
+        m_notes.tell(kExplainedNote, text + textOf(stacks, false));
+        Problem problem = problemOf(finding, m_macroFile);
+        addStacks(problem, stacks);
+        m_notes.tell(kProblemNote, packed(problem));
     }
 
     // Called on another thread while the add-on still runs. Flushes nothing, because the add-on may hold the standard
@@ -154,7 +157,7 @@ private:
             return TranscriptEnd_e::NotRun;
         }
         note(findingLine(*overrun.finding));
-        explain(*overrun.finding);
+        explain(*overrun.finding, askForStacks(m_notes));
         return TranscriptEnd_e::CommandHung;
     }
 

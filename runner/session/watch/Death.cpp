@@ -70,13 +70,19 @@ std::string howItEnded(int waitStatus) {
 }
 
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
-    return placeOf(box) + ": error: " + deathMessage(box, outcome);
+    return placeOf(box) + ": error: " + deathMessage(box, outcome) + '\n' + textOf(outcome.stacks, false);
+}
+
+void tellDeath(const ProcessBox& box, const ProcessOutcome& outcome) {
+    tell(placeOf(box), "error: " + deathMessage(box, outcome));
+    tellStacks(outcome.stacks);
 }
 
 Problem deathProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file) {
     const MacroCommand work = {box.place.text(), box.addOnId.text(), box.work.text()};
     Problem problem = problemOf(work, kProcessEnded, deathMessage(box, outcome));
     if (problem.place.file.empty()) problem.place.file = file;
+    addStacks(problem, outcome.stacks);
     return problem;
 }
 
@@ -84,7 +90,7 @@ standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore
     const bool isCommand = !last.macroLine.empty();
     const bool hasCalled = last.call > callsBefore;
     standin::Finding finding;
-    finding.rule = "command-timeout";
+    finding.rule = kCommandTimeout;
     finding.addOnId = isCommand ? last.command.substr(0, last.command.find(' ')) : "";
     finding.message = '"' + last.command + "\" has not returned within " + secondsText(limit) +
                       (hasCalled ? "; its last host call was " + last.function : "; it made no host call");
@@ -98,6 +104,16 @@ standin::Finding lateFinding(const ProcessBox& box) {
     standin::Finding finding = hangFinding(last, box.callsBefore, box.limit());
     if (!box.isInAddOn) finding.message = "the process for the add-ons did not end after \"" + workOf(box) + '"';
     return finding;
+}
+
+Problem lateProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file) {
+    Problem problem = problemOf(lateFinding(box), file);
+    addStacks(problem, outcome.stacks);
+    return problem;
+}
+
+void tellStacks(const StackReport& stacks) {
+    if (!stacks.isEmpty()) tellLines("", textOf(stacks, false));
 }
 
 // If the status line is drawn, it shows that the task is stopping.

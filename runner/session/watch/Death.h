@@ -12,13 +12,21 @@
 
 namespace vexa::runner {
 
+/// The rule of the contract about add-ons that do not return.
+inline constexpr const char* kCommandTimeout = "command-timeout";
+
 /// Describes how a process ended: `exit status 0`, `SIGSEGV (Segmentation fault)`.
 std::string howItEnded(int waitStatus);
 
-/// The message about a process that an add-on ended: the place, the command and the last host call.
+/// The lines about a process that an add-on ended: the place, the command and the last host call; after a crash also
+/// the stack.
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome);
 
-/// The same as a problem. If no command ended the process, its place is \p file.
+/// Prints deathText().
+void tellDeath(const ProcessBox& box, const ProcessOutcome& outcome);
+
+/// The same as a problem. Its place is the line in the source of the add-on, if that is known, and otherwise the
+/// command, or \p file.
 Problem deathProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file);
 
 /// The finding about an add-on that does not return.
@@ -29,6 +37,12 @@ standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore
 
 /// The finding about a process that was killed because it exceeded its time limit.
 standin::Finding lateFinding(const ProcessBox& box);
+
+/// The same as a problem, as deathProblem().
+Problem lateProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file);
+
+/// Prints the stacks of a crash or a hang after a message about it.
+void tellStacks(const StackReport& stacks);
 
 /// Clears the status line if a process that has ended left it drawn.
 void clearStatusOf(const ProcessBox& box);

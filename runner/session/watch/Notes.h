@@ -7,6 +7,10 @@
 
 namespace vexa::runner {
 
+/// Asks the watching process for the stacks of all threads. The text is the number of the thread that asks. The answer
+/// is a packed() StackReport, without this thread; empty if nobody watches the process.
+inline constexpr char kStacksNote = 'S';
+
 /// Receives the notes of a process that runs add-ons: recorded commands, results and other data to keep. The receiver
 /// is in the watching process, or in the same process.
 ///

@@ -1,20 +1,24 @@
 #include "session/watch/Processes.h"
 
 #include <poll.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <list>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "session/watch/Channel.h"
 #include "session/watch/TimeSteps.h"
 #include "session/watch/UncaughtErrors.h"
+#include "session/watch/WatchedStacks.h"
 #include "system/processes/ChildProcess.h"
 #include "system/processes/OtherThreads.h"
 #include "system/processes/Strays.h"
@@ -37,8 +41,15 @@ using Clock = std::chrono::steady_clock;
     _exit(status);
 }
 
+// The watching process is ready when it writes a byte.
+void awaitStart(int descriptor) {
+    char byte = 0;
+    while (recv(descriptor, &byte, 1, 0) < 0 && errno == EINTR) {}
+}
+
 [[noreturn]] void workInProcess(std::size_t index, int descriptor, ProcessBox& box, const ProcessSetting& setting,
                                 ProcessWorkInterface& work) {
+    awaitStart(descriptor);
     box.owner = getpid();
     // Registered first, so it runs last.
     on_exit([](int, void* itsBox) { static_cast<ProcessBox*>(itsBox)->markLeft(); }, &box);
@@ -51,9 +62,11 @@ using Clock = std::chrono::steady_clock;
 // One of the processes, as the watching process sees it.
 class Process {
 public:
-    Process(std::size_t index, const ProcessSetting& setting, ProcessWorkInterface& work, const AwaitedSignals& signals)
+    Process(std::size_t index, const ProcessSetting& setting, ProcessWorkInterface& work, const AwaitedSignals& signals,
+            WatchedStacks& stacks)
         : m_index(index),
           m_setting(setting),
+          m_stacks(stacks),
           m_out(setting.kept, setting.keepsEnd),
           m_err(setting.kept, setting.keepsEnd),
           m_notes(work.notesOf(index, [this] { return m_out.take(); })),
@@ -62,6 +75,8 @@ public:
         m_connection.childEnd.close();
         m_out.closeWriter();
         m_err.closeWriter();
+        if (setting.readsStacks) m_stacks.watch(m_child.id());
+        sendAll(m_connection.parentEnd.get(), "s");
     }
 
     std::size_t index() const { return m_index; }
@@ -83,6 +98,7 @@ public:
         while (const auto message = m_mailbox.next()) handOn(*message);
         if (m_setting.isTimed && !m_isKilled && m_box->isLate(m_setting.grace)) {
             m_isKilled = true;
+            if (m_setting.readsStacks) m_stacksAtLimit = m_stacks.ofHang(m_child.id(), 0);
             m_child.kill();
         }
     }
@@ -94,6 +110,8 @@ public:
         ProcessOutcome outcome;
         const pid_t id = m_child.id();
         outcome.waitStatus = m_child.reap();
+        outcome.stacks = m_isKilled ? std::move(m_stacksAtLimit) : m_stacks.ofEnd(id, outcome.waitStatus);
+        m_stacks.forget(id);
         outcome.status = m_box->status();
         const bool hasLeft =
             m_box->hasLeft(id) && WIFEXITED(outcome.waitStatus) && WEXITSTATUS(outcome.waitStatus) == outcome.status;
@@ -114,6 +132,7 @@ private:
     }
 
     void handOn(const Message& message) {
+        if (message.isAsked && message.kind == kStacksNote) return answerStacks(message.text);
         if (m_notes == nullptr) return;
         if (message.isAsked) {
             m_mailbox.answer(m_notes->ask(message.kind, message.text));
@@ -122,8 +141,18 @@ private:
         }
     }
 
+    // The process does not use up its time while it is stopped.
+    void answerStacks(const std::string& asker) {
+        const Clock::time_point begin = Clock::now();
+        const auto thread = static_cast<pid_t>(std::strtol(asker.c_str(), nullptr, 10));
+        m_mailbox.answer(packed(m_stacks.ofHang(m_child.id(), thread)));
+        m_box->forgive(Clock::now() - begin);
+    }
+
     std::size_t m_index;
     const ProcessSetting& m_setting;
+    WatchedStacks& m_stacks;
+    StackReport m_stacksAtLimit;
     SharedMemory<ProcessBox> m_box;
     Connection m_connection;
     Mailbox m_mailbox{m_connection.parentEnd.get()};
@@ -144,11 +173,12 @@ public:
     std::size_t run() {
         for (;;) {
             for (; !m_isStopped && m_begun != m_count && m_running.size() < m_setting.jobs; ++m_begun) {
-                m_running.emplace_back(m_begun, m_setting, m_work, m_signals);
+                m_running.emplace_back(m_begun, m_setting, m_work, m_signals, m_stacks);
             }
             if (m_running.empty()) return m_told;
             wait();
             while (const auto signal = m_signals.next()) obey(*signal);
+            m_stacks.attend();
             for (Process& process : m_running) process.attend();
             collect();
         }
@@ -187,9 +217,10 @@ private:
     }
 
     // The processes are in other process groups, so the terminal does not suspend them.
-    void suspend() const {
+    void suspend() {
         const Clock::time_point begin = Clock::now();
         for (const Process& process : m_running) process.child().signalGroup(SIGSTOP);
+        m_stacks.attendStops();
         raise(SIGSTOP);
         forgive(Clock::now() - begin);
         for (const Process& process : m_running) process.child().signalGroup(SIGCONT);
@@ -231,6 +262,7 @@ private:
     const ProcessSetting& m_setting;
     ProcessWorkInterface& m_work;
     const Strays m_strays;
+    WatchedStacks m_stacks;
     std::size_t m_begun = 0;
     std::size_t m_told = 0;
     bool m_isStopped = false;

@@ -10,6 +10,7 @@
 #include "session/watch/Drain.h"
 #include "session/watch/Notes.h"
 #include "session/watch/ProcessBox.h"
+#include "stacks/StackReport.h"
 #include "system/processes/AwaitedSignals.h"
 
 namespace vexa::runner {
@@ -30,6 +31,7 @@ struct ProcessOutcome {
     double seconds = 0;         ///< how long it took
     KeptText out;               ///< what it printed, if that was caught
     KeptText err;
+    StackReport stacks;  ///< if it was ended by a signal of its own, or exceeded its time limit
 };
 
 /// Work that is done in other processes.
@@ -77,6 +79,7 @@ struct ProcessSetting {
     }
     /// Whether the processes end without exit handlers. A process in which an add-on has left a thread always does.
     bool leavesAtOnce = false;
+    bool readsStacks = true;  ///< whether the stacks of a crash or a hang are read
 };
 
 /// Does \p count pieces of work, each in its own process, and watches these processes. The status that a process

@@ -11,6 +11,7 @@
 
 #include "system/LastError.h"
 #include "system/processes/Signals.h"
+#include "system/processes/ThreadTracer.h"
 
 namespace vexa::runner {
 namespace {
@@ -62,7 +63,7 @@ ChildProcess::~ChildProcess() {
 bool ChildProcess::hasEnded() const {
     siginfo_t info{};
     const auto id = static_cast<id_t>(m_id);
-    return waitid(P_PID, id, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == m_id;
+    return waitid(P_PID, id, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && isEnd(info);
 }
 
 void ChildProcess::signalGroup(int signal) const { ::kill(-m_id, signal); }
@@ -74,8 +75,9 @@ void ChildProcess::kill() const {
 
 int ChildProcess::reap() {
     kill();
+    collectThreadsOf(m_id);
     int waitStatus = 0;
-    while (waitpid(m_id, &waitStatus, 0) < 0 && errno == EINTR) {}
+    while (waitpid(m_id, &waitStatus, 0) < 0 ? errno == EINTR : WIFSTOPPED(waitStatus)) {}
     m_isReaped = true;
     return waitStatus;
 }

@@ -38,4 +38,13 @@ bool hasOtherThreads() {
     return false;
 }
 
+bool isFirstThreadStopped() {
+    std::ifstream file("/proc/self/stat");
+    std::string line;
+    std::getline(file, line);
+    constexpr char kTraced = 't';
+    const std::size_t nameEnd = line.rfind(')');
+    return nameEnd != std::string::npos && nameEnd + 2 < line.size() && line[nameEnd + 2] == kTraced;
+}
+
 }  // namespace vexa::runner

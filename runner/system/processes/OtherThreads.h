@@ -6,4 +6,7 @@ namespace vexa::runner {
 /// that was just joined.
 bool hasOtherThreads();
 
+/// Returns true if the first thread of this process is stopped: a tracer has not yet handled what the thread reported.
+bool isFirstThreadStopped();
+
 }  // namespace vexa::runner

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 namespace vexa::runner {
 namespace {
 
@@ -83,14 +81,6 @@ TEST(Problem, HasAFingerprintOfItsOwn) {
     const std::vector<std::string> all = fingerprintsOf({first, other, first});
     EXPECT_NE(all[0], all[1]);
     EXPECT_NE(all[0], all[2]);
-}
-
-TEST(Problem, HasAPathBelowTheCurrentFolderWherePossible) {
-    const std::filesystem::path here = std::filesystem::current_path();
-    EXPECT_EQ(pathFromHere("./t/../m.macro"), "m.macro");
-    EXPECT_EQ(pathFromHere((here / "t" / "m.macro").string()), "t/m.macro");
-    EXPECT_EQ(pathFromHere("/no/m.macro"), "/no/m.macro");
-    EXPECT_EQ(pathFromHere("../m.macro"), (here.parent_path() / "m.macro").string());
 }
 
 TEST(Problem, HasARuleWithHelp) {
