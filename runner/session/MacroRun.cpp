@@ -21,6 +21,7 @@
 #include "session/Replay.h"
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
+#include "session/Stopper.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RedirectedOutput.h"
 #include "system/files/StandardStreams.h"
@@ -65,7 +66,11 @@ public:
     }
     ~MacroRun() { m_stopButton.disarm(); }
 
-    ExitStatus_e execute() { return finish(checkOutput(runToEnd())); }
+    ExitStatus_e execute() {
+        const ExitStatus_e status = finish(checkOutput(runToEnd()));
+        if (m_stopper) m_stopper->ended(status);
+        return status;
+    }
 
 private:
     ExitStatus_e finish(ExitStatus_e status) {
@@ -110,6 +115,7 @@ private:
         if (m_options.coverage) {
             m_traces.add(m_coverage.emplace(coverageSettingOf(m_options.contract), coverageTeller(m_notes)));
         }
+        if (m_options.stop) m_traces.add(m_stopper.emplace(*m_options.stop));
         m_host.setObserver(m_traces.observer());
         m_stopButton.install();
         return true;
@@ -153,6 +159,7 @@ private:
     void runCommand(const MacroCommand& command) {
         if (m_options.verbose) tell(command.place, command.addOnId + ' ' + command.text);
         ++m_run;
+        if (m_stopper) m_stopper->setCommand(m_run);
         if (m_ids.count(command.addOnId) == 0) return refuse(command);
         const auto begin = std::chrono::steady_clock::now();
         const standin::CommandResult result = m_session.run(command);
@@ -236,6 +243,7 @@ private:
 
     // Called on another thread while the add-on still runs.
     ExitStatus_e conclude(const Overrun& overrun) {
+        if (m_stopper) m_stopper->hung(overrun);
         const ExitStatus_e status = overrun.finding ? ExitStatus_e::CommandHung : ExitStatus_e::BadUsageOrInput;
         if (overrun.finding) {
             concludeHang(overrun);
@@ -264,6 +272,7 @@ private:
     MacroFile m_macro;
     bool m_isRunning = false;  // commands run, and their recording is not written yet
     std::optional<CoverageObserver> m_coverage;
+    std::optional<Stopper> m_stopper;
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;
     std::size_t m_findingsInProblems = 0;

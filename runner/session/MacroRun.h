@@ -2,10 +2,12 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "options/ExitStatus.h"
 #include "session/ProblemOutputs.h"
 #include "session/Session.h"
+#include "session/StopPlace.h"
 #include "session/watch/Notes.h"
 #include "trace/TraceOutputs.h"
 
@@ -22,6 +24,8 @@ struct RunOptions : SessionOptions {
     std::optional<std::string> coverage;  ///< the coverage file to add to
     bool keepGoing = false;               ///< continue after a failed command
     bool verbose = false;                 ///< show each command, and a summary
+    std::optional<StopPlace> stop;        ///< where the run stops for a debugger
+    std::vector<std::string> debugWords;  ///< the words after `vexa-standin debug` that repeat the run; may be empty
 };
 
 /// Runs a macro file in this process. Ends the process if work takes longer than the time limit.
