@@ -17,6 +17,7 @@
 #include "options/PrintedOutput.h"
 #include "options/Refusals.h"
 #include "session/CoverageNotes.h"
+#include "session/DebugCall.h"
 #include "session/FindingPrinter.h"
 #include "session/Replay.h"
 #include "session/RunOutputs.h"
@@ -62,6 +63,7 @@ public:
         });
         if (options.record || options.contract.isStrict()) m_host.setRecording(true);
         m_view.show(m_host, !options.batch);
+        m_view.endFindingsBy([this](const standin::Finding& finding) { return m_debugLines.of(finding); });
         if (drawsStatus(options)) m_view.drawStatus([this] { return m_stopButton.isPressed(); }, box.isStatusDrawn);
     }
     ~MacroRun() { m_stopButton.disarm(); }
@@ -257,7 +259,7 @@ private:
 
     void concludeHang(const Overrun& hang) {
         m_view.printFindings();
-        printFinding(*hang.finding);
+        printFinding(*hang.finding, m_debugLines.of(*hang.finding));
         m_host.report(*hang.finding);
         if (!m_isRunning) return;
         addResult(hang.work, {false, "the command has not returned"}, hang.limit);
@@ -272,6 +274,7 @@ private:
     MacroFile m_macro;
     bool m_isRunning = false;  // commands run, and their recording is not written yet
     std::optional<CoverageObserver> m_coverage;
+    DebugLines m_debugLines{m_options.macroFile, m_options.debugOptions};
     std::optional<Stopper> m_stopper;
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;

@@ -6,6 +6,9 @@
 
 namespace vexa::runner {
 
+/// The rule about work that exceeds the time limit.
+inline constexpr const char* kHangRule = "command-timeout";
+
 /// The event at which `debug` stops a run.
 enum class StopEvent_e {
     Problem,  ///< the first finding, failed command, hang or crash

@@ -18,8 +18,6 @@ __attribute__((visibility("default"), used, noinline)) void vexaStandinStopHere(
 namespace vexa::runner {
 namespace {
 
-constexpr std::string_view kHangRule = "command-timeout";
-
 bool makesMessage(std::string_view function) {
     return function == "VexaUtilStringAlloc" || function == "VexaUtilDialogErrMsg";
 }

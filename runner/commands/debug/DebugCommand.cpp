@@ -89,18 +89,20 @@ std::vector<StopPlace> placesOf(const DebugRequest& request) {
 void checkPlaces(const DebugRequest& request) {
     const std::vector<StopPlace> places = placesOf(request);
     if (places.size() > 1) {
-        throw UsageError(wordsOf(places[0]).front() + " and " + wordsOf(places[1]).front() + ": give only one place");
+        throw UsageError(optionsOf(places[0]).front() + " and " + optionsOf(places[1]).front() +
+                         ": give only one place");
     }
     for (const StopPlace& place : places) {
         const bool isCounted = place.event == StopEvent_e::Call || place.event == StopEvent_e::Command;
-        if (isCounted && place.number == 0) throw UsageError(wordsOf(place).front() + ": the first one has number 1");
+        if (isCounted && place.number == 0) throw UsageError(optionsOf(place).front() + ": the first one has number 1");
     }
 }
 
 ExitStatus_e debug(const DebugRequest& request) {
     const std::vector<StopPlace> places = placesOf(request);
     DebuggerCall call;
-    call.words = debugWordsOf(request.options);
+    call.words =
+        debugWords(request.options.macroFile, debugOptionsOf(request.options, false, request.options.keepGoing));
     call.addOns = request.options.addOns;
     call.place = places.empty() ? StopPlace() : places.front();
     call.batch = request.batch;

@@ -138,9 +138,9 @@ def line_of(frame):
     sal, symtab = frame.find_sal(), symtab_of(frame)
     if symtab is None or sal.symtab is None:
         return None
-    if sal.symtab == symtab:
+    if sal.symtab.fullname() == symtab.fullname():
         return (symtab.fullname(), sal.line)
-    block = frame.function().symtab and gdb.block_for_pc(frame.pc() - 1)
+    block = gdb.block_for_pc(frame.pc() - 1)
     while block is not None and block.function is None:
         block = block.superblock
     start = block.start if block is not None else 0

@@ -18,6 +18,7 @@
 #include "coverage/CoverageFile.h"
 #include "formats/JunitText.h"
 #include "options/CommonOptions.h"
+#include "session/DebugCall.h"
 #include "session/ProblemOutputs.h"
 #include "session/ProjectSettings.h"
 #include "session/Session.h"
@@ -393,6 +394,7 @@ Command testCommand() {
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options->batch));
     command.run = [options] {
+        options->debugOptions = debugOptionsOf(*options, true, true);
         const bool isReady = addProjectFile(options->contract) && readHostFacts(*options);
         return isReady ? MacroTests(*options).run() : ExitStatus_e::BadUsageOrInput;
     };

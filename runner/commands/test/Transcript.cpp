@@ -8,6 +8,7 @@
 
 #include "coverage/CoverageObserver.h"
 #include "options/PrintedOutput.h"
+#include "session/DebugCall.h"
 #include "session/FindingPrinter.h"
 #include "terminal/Console.h"
 #include "text/Lines.h"
@@ -131,9 +132,8 @@ private:
     // Explains a finding for the user, because the transcript has no places. The first finding of each cause has all
     // details.
     void explain(const standin::Finding& finding) {
-        const std::string text = m_causes.add(finding)
-                                     ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
-                                     : briefTextOf(finding);
+        const std::string ending = "    more:  vexa-standin explain " + finding.rule + '\n' + m_debugLines.of(finding);
+        const std::string text = m_causes.add(finding) ? textOf(finding) + ending : briefTextOf(finding);
         m_notes.tell(kExplainedNote, text);
         m_notes.tell(kProblemNote, packed(problemOf(finding, m_macroFile)));
     }
@@ -161,6 +161,7 @@ private:
     std::string m_dialogs;
     std::size_t m_findings = 0;  // how many findings were noted
     standin::FindingCauses m_causes;
+    DebugLines m_debugLines{m_macroFile, m_options.debugOptions};
     std::optional<CoverageObserver> m_coverage;
     std::optional<CallRecorder> m_calls;
     TraceOutputs m_traces;

@@ -42,8 +42,9 @@ inline constexpr char kPrintedNote = 'p';
 
 /// The options of a transcript.
 struct TranscriptOptions : SessionOptions {
-    std::optional<std::string> coverage;  ///< if given, the notes also hold the coverage
-    bool tellsCalls = false;              ///< true if the notes also hold the host calls
+    std::optional<std::string> coverage;    ///< if given, the notes also hold the coverage
+    std::vector<std::string> debugOptions;  ///< see debugOptionsOf()
+    bool tellsCalls = false;                ///< true if the notes also hold the host calls
 };
 
 /// Runs a macro in this process, and sends what its add-ons do to \p notes, line by line:
