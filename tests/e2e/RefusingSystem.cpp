@@ -20,7 +20,8 @@ struct Call {
     unsigned error;
 };
 
-constexpr Call kCalls[] = {{"landlock", SYS_landlock_create_ruleset, ENOSYS}, {"unshare", SYS_unshare, EPERM}};
+constexpr Call kCalls[] = {
+    {"landlock", SYS_landlock_create_ruleset, ENOSYS}, {"unshare", SYS_unshare, EPERM}, {"ptrace", SYS_ptrace, EPERM}};
 
 void refuse(std::vector<sock_filter>& filter, const char* name) {
     for (const Call& call : kCalls) {

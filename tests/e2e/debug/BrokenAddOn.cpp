@@ -20,7 +20,7 @@ volatile int counter = 0;
 int* volatile nowhere = nullptr;
 
 // Keeps each function on the stack, and its last call from becoming a jump.
-#define KEPT __attribute__((noinline, noclone))
+#define KEPT __attribute__((noinline))
 
 KEPT void setMessage(char** errMsg, const char* text) {
     *errMsg = VexaUtilStringAlloc(static_cast<int>(std::strlen(text)) + 1, "error");  // MARK message
@@ -39,9 +39,9 @@ KEPT void unlockNotHeld() {
 }
 
 KEPT void freeTwice() {
-    ArgList_s* list = VexaUtilArgListAlloc();
+    ArgList_s* list = VexaUtilArgListAlloc();  // MARK allocated
     ArgList_s* again = list;
-    VexaUtilArgListDealloc(&list);   // MARK freed
+    VexaUtilArgListDealloc(&list);
     VexaUtilArgListDealloc(&again);  // MARK freed-again
     counter = counter + 1;
 }
@@ -94,10 +94,10 @@ VexaBoolean executeOf(const std::string& command, char** errMsg) {
     return command == "MESSAGE" ? 0 : 1;
 }
 
-KEPT void note() { counter = counter + 1; }
+KEPT void note(const char* text) { counter = counter + *text; }
 
 VexaBoolean execute(const char* text, char** errMsg) {
-    note();  // MARK first-line
+    note(text);  // MARK first-line
     if (std::strcmp(text, "SILENT") == 0) {
         return 0;  // MARK silent
     }
