@@ -15,6 +15,11 @@ Command compareHostsCommand();
 /// `coverage` shows how much of the host's contract runs have used.
 Command coverageCommand();
 
+/// `debug` starts gdb with a run of a macro file, which stops at a place that the user names.
+Command debugCommand();
+/// `debugged` is the run in that gdb. The help does not list it.
+Command debuggedCommand();
+
 /// `diff` compares the calls in two traces.
 Command diffCommand();
 

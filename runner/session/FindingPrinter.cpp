@@ -15,8 +15,8 @@ std::vector<standin::Finding> newFindings(const standin::Host& host, std::size_t
     return findings;
 }
 
-void printFinding(const standin::Finding& finding) {
-    const std::string text = textOf(finding);
+void printFinding(const standin::Finding& finding, const std::string& ending) {
+    const std::string text = textOf(finding) + ending;
     const std::string& line = finding.seen.macroLine;
     const std::string& addOn = finding.addOnId;
     const std::string place = line + (line.empty() || addOn.empty() ? "" : ": ") + addOn;
@@ -27,7 +27,7 @@ void FindingPrinter::printNew(const standin::Host& host) {
     const std::lock_guard<std::mutex> lock(m_guard);
     for (standin::Finding& finding : newFindings(host, m_printed)) {
         finding.repeats = 0;  // more may follow, so the count is not final
-        printFinding(finding);
+        printFinding(finding, m_ending ? m_ending(finding) : "");
     }
 }
 

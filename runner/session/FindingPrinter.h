@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <mutex>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "vexastandin/Host.h"
@@ -15,17 +18,22 @@ std::vector<standin::Finding> newFindings(const standin::Host& host, std::size_t
 /// Prints how many findings \p host only counted, and which suppressed rules had no finding.
 void printRestOfFindings(const standin::Host& host);
 
-/// Prints a finding for the user.
-void printFinding(const standin::Finding& finding);
+/// Prints a finding for the user. \p ending is empty or has more lines of its text.
+void printFinding(const standin::Finding& finding, const std::string& ending = "");
 
 /// Prints the findings of a host for the user, each one once.
 /// Threads: any thread may call the functions.
 class FindingPrinter {
 public:
+    using Ending = std::function<std::string(const standin::Finding&)>;
+
+    /// From now on appends what \p ending returns to the text of each finding. Call it before other threads print.
+    void endBy(Ending ending) { m_ending = std::move(ending); }
     /// Prints the findings since the last call.
     void printNew(const standin::Host& host);
 
 private:
+    Ending m_ending;
     std::mutex m_guard;
     std::size_t m_printed = 0;
 };

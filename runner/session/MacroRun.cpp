@@ -17,10 +17,12 @@
 #include "options/PrintedOutput.h"
 #include "options/Refusals.h"
 #include "session/CoverageNotes.h"
+#include "session/DebugCall.h"
 #include "session/FindingPrinter.h"
 #include "session/Replay.h"
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
+#include "session/Stopper.h"
 #include "session/watch/Death.h"
 #include "session/watch/WatchedStacks.h"
 #include "system/files/OutputTarget.h"
@@ -63,11 +65,16 @@ public:
         });
         if (options.record || options.contract.isStrict()) m_host.setRecording(true);
         m_view.show(m_host, !options.batch);
+        m_view.endFindingsBy([this](const standin::Finding& finding) { return m_debugLines.of(finding); });
         if (drawsStatus(options)) m_view.drawStatus([this] { return m_stopButton.isPressed(); }, box.isStatusDrawn);
     }
     ~MacroRun() { m_stopButton.disarm(); }
 
-    ExitStatus_e execute() { return finish(checkOutput(runToEnd())); }
+    ExitStatus_e execute() {
+        const ExitStatus_e status = finish(checkOutput(runToEnd()));
+        if (m_stopper) m_stopper->ended(status);
+        return status;
+    }
 
 private:
     ExitStatus_e finish(ExitStatus_e status) {
@@ -113,6 +120,7 @@ private:
         if (m_options.coverage) {
             m_traces.add(m_coverage.emplace(coverageSettingOf(m_options.contract), coverageTeller(m_notes)));
         }
+        if (m_options.stop) m_traces.add(m_stopper.emplace(*m_options.stop));
         m_host.setObserver(m_traces.observer());
         m_stopButton.install();
         return true;
@@ -156,6 +164,7 @@ private:
     void runCommand(const MacroCommand& command) {
         if (m_options.verbose) tell(command.place, command.addOnId + ' ' + command.text);
         ++m_run;
+        if (m_stopper) m_stopper->setCommand(m_run);
         if (m_ids.count(command.addOnId) == 0) return refuse(command);
         const auto begin = std::chrono::steady_clock::now();
         const standin::CommandResult result = m_session.run(command);
@@ -241,6 +250,7 @@ private:
 
     // Called on another thread while the add-on still runs.
     ExitStatus_e conclude(const Overrun& overrun) {
+        if (m_stopper) m_stopper->hung(overrun);
         const ExitStatus_e status = overrun.finding ? ExitStatus_e::CommandHung : ExitStatus_e::BadUsageOrInput;
         if (overrun.finding) {
             concludeHang(overrun);
@@ -254,7 +264,7 @@ private:
 
     void concludeHang(const Overrun& hang) {
         m_view.printFindings();
-        printFinding(*hang.finding);
+        printFinding(*hang.finding, m_debugLines.of(*hang.finding));
         m_hang = askForStacks(m_notes);
         tellStacks(m_hang);
         m_host.report(*hang.finding);
@@ -271,6 +281,8 @@ private:
     MacroFile m_macro;
     bool m_isRunning = false;  // commands run, and their recording is not written yet
     std::optional<CoverageObserver> m_coverage;
+    DebugLines m_debugLines{m_options.macroFile, m_options.debugOptions};
+    std::optional<Stopper> m_stopper;
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;
     std::size_t m_findingsInProblems = 0;

@@ -49,6 +49,8 @@ public:
 
     /// Shows that a command or other work has ended.
     void conclude(bool hasSucceeded) { m_plainStatus.conclude(hasSucceeded); }
+    /// Appends what \p ending returns to the text of each finding.
+    void endFindingsBy(FindingPrinter::Ending ending) { m_findings.endBy(std::move(ending)); }
     /// Prints the findings since the last call.
     void printFindings() { m_findings.printNew(*m_host); }
 

@@ -10,6 +10,7 @@
 
 #include "coverage/CoverageFile.h"
 #include "formats/ResultsFile.h"
+#include "session/DebugCall.h"
 #include "session/FindingPrinter.h"
 #include "session/ProblemOutputs.h"
 #include "session/watch/Death.h"
@@ -96,7 +97,8 @@ void readTypedMacro(const RunOptions& options) {
 ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
-        printFinding(lateFinding(box));
+        DebugLines debugLines(m_options.macroFile, m_options.debugOptions);
+        printFinding(lateFinding(box), debugLines.of(lateFinding(box)));
         tellStacks(outcome.stacks);
         m_outputs.tell(kProblemNote, packed(lateProblem(box, outcome, m_options.macroFile)));
         return conclude(box, outcome, ExitStatus_e::CommandHung, "the command has not returned");

@@ -65,13 +65,14 @@ std::string takeErrorString(HostState& state, const char* errMsg) {
 // One entry into an add-on. Without setOutcome() it counts as failed.
 class TimeInAddOn {
 public:
-    TimeInAddOn(HostState& state, Entry entry) : m_state(state) {
+    TimeInAddOn(HostState& state, Entry entry, const void* function = nullptr) : m_state(state) {
         m_event.kind = entry.kind;
         m_event.addOnId = entry.addOnId;
         m_event.command = entry.command;
         m_event.macroLine = entry.macroLine;
         m_event.threadNumber = state.threads.mine();
         m_event.thread = std::this_thread::get_id();
+        m_event.function = function;
         state.contract.enter(std::move(entry));
         tell(&ObserverInterface::entryBegan);
     }
@@ -346,7 +347,7 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command, 
 
     CommandResult result;
     char* errMsg = nullptr;
-    TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine});
+    TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine}, addOn->executeFunction());
     const LockBalance balance(m_state->lock);
     const bool statusWasUp = statusLine().active;
     const std::optional<std::string> escaped =

@@ -20,6 +20,7 @@
 #include "coverage/CoverageFile.h"
 #include "formats/MacroFile.h"
 #include "session/CoverageNotes.h"
+#include "session/DebugCall.h"
 #include "session/ProjectSettings.h"
 #include "system/files/OutputTarget.h"
 #include "system/files/RunFiles.h"
@@ -179,13 +180,14 @@ private:
                     decimalSeconds(result.duration, 2).c_str());
         const ToldCauses::Told told = m_causes.tell(result.test->name, verdict);
         if (!told.text.empty()) print(indented(told.text) + '\n');
-        if (told.isNew) print("      reproduce: " + result.reproduce + '\n');
+        if (told.isNew) print("      reproduce: " + result.reproduce + '\n' + debugLine(result));
         std::fflush(stdout);
         m_report.tests.push_back(std::move(result));
     }
 
-    std::string reproducingCommand(const TestResult& result) {
+    std::string reproducingCommand(TestResult& result) {
         const std::string macro = result.verdict.macro.empty() ? "" : writeMacro(result);
+        result.macro = macro;
         std::string command = kProgramName;
         command += macro.empty()
                        ? checkAgain(*result.test)
@@ -198,6 +200,24 @@ private:
         if (result.verdict.outcome == Outcome_e::TimedOut)
             command += " --timeout " + decimalSeconds(m_setting.timeout, 2);
         return command;
+    }
+
+    // The line with the command that shows the failure in a debugger; empty if no macro reproduces the failure.
+    std::string debugLine(const TestResult& result) const {
+        if (result.macro.empty()) return "";
+        SessionOptions options = m_options.session;
+        options.addOns.insert(options.addOns.begin(), m_options.addOn);
+        if (result.verdict.outcome == Outcome_e::TimedOut) options.contract.timeout = Seconds(m_setting.timeout);
+        const std::string call =
+            debugCall(result.macro, debugOptionsOf(options, true, true), stopPlaceOf(result.verdict));
+        return call.empty() ? "" : "      debug:     " + call + '\n';
+    }
+
+    static StopPlace stopPlaceOf(const Verdict& verdict) {
+        if (verdict.outcome == Outcome_e::TimedOut) return {StopEvent_e::Hang};
+        if (verdict.outcome == Outcome_e::Crashed) return {StopEvent_e::Crash};
+        const std::string rule = verdict.problems.empty() ? "" : verdict.problems.front().rule;
+        return standin::findRule(rule) == nullptr ? StopPlace() : StopPlace{StopEvent_e::Rule, rule};
     }
 
     std::string checkAgain(const CheckTest& test) const {

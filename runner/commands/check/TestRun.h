@@ -18,6 +18,7 @@ struct TestResult {
     std::chrono::milliseconds duration{};
     std::size_t refusedWrites = 0;      ///< how many changes of files the confinement refused
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
+    std::string macro;                  ///< the file of the macro that reproduces the outcome; empty if there is none
     std::string reproduce;  ///< a command that reproduces the outcome; empty if the test passed or was skipped
 };
 

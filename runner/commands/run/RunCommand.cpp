@@ -11,6 +11,7 @@
 #include "coverage/CoverageFile.h"
 #include "options/CommonOptions.h"
 #include "options/UsageError.h"
+#include "session/DebugCall.h"
 #include "session/ProjectSettings.h"
 #include "session/WatchedRun.h"
 #include "system/files/OutputTarget.h"
@@ -110,6 +111,7 @@ void checkFiles(const RunRequest& request) {
 
 ExitStatus_e run(RunRequest& request) {
     RunOptions& options = request.options;
+    options.debugOptions = debugOptionsOf(options, options.record.has_value(), options.keepGoing);
     if (!addProjectFile(options.contract) || !readHostFacts(options)) return ExitStatus_e::BadUsageOrInput;
     checkFiles(request);
     if (request.macroFiles.size() > 1) return runMacros(options, request.macroFiles, request.jobs);

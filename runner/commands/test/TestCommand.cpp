@@ -8,6 +8,7 @@
 #include "commands/test/TestWatch.h"
 #include "options/CommonOptions.h"
 #include "options/UsageError.h"
+#include "session/DebugCall.h"
 #include "session/ProjectSettings.h"
 #include "system/files/StandardStreams.h"
 #include "terminal/Console.h"
@@ -94,6 +95,7 @@ Command testCommand() {
     };
     command.run = [options] {
         if (options->tellsCosts && !canCount()) return ExitStatus_e::BadUsageOrInput;
+        options->debugOptions = debugOptionsOf(*options, true, true);
         if (options->watches) return watchTests(*options);
         const bool isReady = addProjectFile(options->contract) && readHostFacts(*options);
         return isReady ? testMacros(*options) : ExitStatus_e::BadUsageOrInput;

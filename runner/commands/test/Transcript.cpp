@@ -10,6 +10,7 @@
 #include "commands/test/CommandCosts.h"
 #include "coverage/CoverageObserver.h"
 #include "options/PrintedOutput.h"
+#include "session/DebugCall.h"
 #include "session/FindingPrinter.h"
 #include "session/watch/WatchedStacks.h"
 #include "terminal/Console.h"
@@ -139,9 +140,8 @@ private:
     // Explains a finding for the user, because the transcript has no places. The first finding of each cause has all
     // details.
     void explain(const standin::Finding& finding, const StackReport& stacks = {}) {
-        const std::string text = m_causes.add(finding)
-                                     ? textOf(finding) + "    more:  vexa-standin explain " + finding.rule + '\n'
-                                     : briefTextOf(finding);
+        const std::string ending = "    more:  vexa-standin explain " + finding.rule + '\n' + m_debugLines.of(finding);
+        const std::string text = m_causes.add(finding) ? textOf(finding) + ending : briefTextOf(finding);
         m_notes.tell(kExplainedNote, text + textOf(stacks, false));
         Problem problem = problemOf(finding, m_macroFile);
         addStacks(problem, stacks);
@@ -171,6 +171,7 @@ private:
     std::string m_dialogs;
     std::size_t m_findings = 0;  // how many findings were noted
     standin::FindingCauses m_causes;
+    DebugLines m_debugLines{m_macroFile, m_options.debugOptions};
     std::optional<CoverageObserver> m_coverage;
     std::optional<CallRecorder> m_calls;
     std::optional<CommandCosts> m_costs;

@@ -44,9 +44,10 @@ inline constexpr char kPrintedNote = 'p';
 
 /// The options of a transcript.
 struct TranscriptOptions : SessionOptions {
-    std::optional<std::string> coverage;  ///< if given, the notes also hold the coverage
-    bool tellsCalls = false;              ///< true if the notes also hold the host calls
-    bool tellsCosts = false;              ///< true if the notes also hold the costs of the commands
+    std::optional<std::string> coverage;    ///< if given, the notes also hold the coverage
+    std::vector<std::string> debugOptions;  ///< see debugOptionsOf()
+    bool tellsCalls = false;                ///< true if the notes also hold the host calls
+    bool tellsCosts = false;                ///< true if the notes also hold the costs of the commands
 };
 
 /// Runs a macro in this process, and sends what its add-ons do to \p notes, line by line:

@@ -43,6 +43,8 @@ public:
     std::optional<std::string> shutDown() const;
 
     const AddOnInfo& info() const { return m_info; }
+    /// Returns the address of the add-on's function that runs commands. Call enter() before.
+    const void* executeFunction() const;
     const AddOnList_s* identity() const { return m_identity.get(); }
     /// Returns true if both have the same entry, that is, the same code.
     bool hasSameEntry(const AddOn& other) const { return m_entry == other.m_entry; }

@@ -1,0 +1,279 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "RunnerTest.h"
+
+namespace vexa::e2e {
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+// The line of BrokenAddOn.cpp that ends with `// MARK name`.
+std::string lineOf(const std::string& mark) {
+    std::ifstream source(BROKEN_SOURCE);
+    const std::string end = "// MARK " + mark;
+    std::string line;
+    for (int number = 1; std::getline(source, line); ++number) {
+        const bool isMarked = line.size() >= end.size() && line.compare(line.size() - end.size(), end.size(), end) == 0;
+        if (isMarked) return std::to_string(number);
+    }
+    return "no mark " + mark;
+}
+
+// The last line of the source that gdb shows before the stack: `31<tab>text`.
+std::string shownLine(const std::string& output) {
+    std::istringstream lines(output.substr(0, output.find("\nStack:")));
+    std::string shown = "none in: " + output;
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t digits = line.find_first_not_of("0123456789");
+        if (digits != 0 && digits != std::string::npos && line[digits] == '\t') shown = line.substr(0, digits);
+    }
+    return shown;
+}
+
+bool canTrace() {
+    static const bool can = std::system(
+                                "gdb -nx -batch -ex run --args true >/dev/null 2>&1 </dev/null && "
+                                "gdb -nx -batch -ex starti -ex 'info registers' --args true 2>/dev/null "
+                                "</dev/null | grep -q ^[re]ip") == 0;
+    return can;
+}
+
+class Debug : public RunnerTest {
+protected:
+    void SetUp() override {
+        if (!canTrace()) GTEST_SKIP() << "gdb is missing or cannot trace a program here";
+    }
+
+    static std::string addOn(const std::string& build) { return BROKEN_ADDONS "/broken-" + build + ".so"; }
+
+    // `vexa-standin debug m.macro --addon BROKEN --batch OPTIONS` for a macro of two commands, OK and `command`.
+    ProgramResult debug(const std::string& command, const Words& options, const std::string& build = "g++-0") const {
+        write("m.macro", "BROKEN OK\nBROKEN " + command + "\n");
+        Words words = {"debug", "m.macro", "--addon", addOn(build), "--batch"};
+        words.insert(words.end(), options.begin(), options.end());
+        return runProgram(runner(words));
+    }
+};
+
+// ---- The place, for each compiler and optimization
+
+struct PlaceCase {
+    const char* command;
+    Words options;
+    const char* mark;
+    bool isMovedByGxx = false;  // g++ -O2 gives the instruction the line of other code
+};
+
+const std::vector<PlaceCase> kPlaces = {
+    {"NOT_HELD", {"--rule", "mutex-not-held"}, "not-held"},  // broken in a call
+    {"LOCK", {"--rule", "unbalanced-lock"}, "lock"},         // noticed when the command has returned
+    {"ESCAPE", {"--rule", "escaped-exception"}, "throw"},
+    {"FREE_TWICE", {"--rule", "double-free"}, "freed-again"},
+    {"NOT_HELD", {"--call", "2"}, "not-held"},
+    {"GUARD", {"--call", "1"}, "guard"},  // the library makes the call
+    {"LOCK", {"--command", "2"}, "first-line", true},
+    {"THROW", {"--failure"}, "throw"},        // an earlier exception was handled
+    {"PARSE", {"--failure"}, "parse", true},  // the library throws
+    {"MESSAGE", {"--failure"}, "message"},
+    {"HANG", {"--hang", "--timeout", "0.5"}, "hang"},
+    {"CRASH", {"--crash"}, "crash"},
+    {"LOCK", {}, "lock"},
+    {"THROW", {}, "throw"},
+    {"CRASH", {}, "crash"},
+};
+
+class DebugOfBuild : public Debug, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(DebugOfBuild, StopsAtTheLineOfThePlace) {
+    if (!fs::exists(addOn(GetParam()))) GTEST_SKIP() << "the compiler is missing";
+    for (const PlaceCase& place : kPlaces) {
+        if (place.isMovedByGxx && GetParam() == std::string("g++-2")) continue;
+        const ProgramResult result = debug(place.command, place.options, GetParam());
+        const std::string name = place.command + std::string(" ") + (place.options.empty() ? "" : place.options[0]);
+        EXPECT_EQ(result.status, 0) << name << result.out << result.err;
+        EXPECT_EQ(shownLine(result.out), lineOf(place.mark)) << name << '\n' << result.out;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Builds, DebugOfBuild, ::testing::Values("g++-0", "g++-2", "clang++-0", "clang++-2"),
+                         [](const auto& build) {
+                             std::string name = build.param;
+                             for (char& c : name) c = c == '+' ? 'x' : c == '-' ? 'O' : c;
+                             return name;
+                         });
+
+TEST_F(Debug, StopsWhereACommandReturnsThatMadeNoMessage) {
+    EXPECT_EQ(shownLine(debug("SILENT", {"--failure"}).out), lineOf("silent"));
+    EXPECT_EQ(shownLine(debug("SILENT", {"--rule", "missing-errmsg"}).out), lineOf("silent"));
+}
+
+TEST_F(Debug, PrintsTheStackAndTheVariables) {
+    const std::string out = debug("FREE_TWICE", {"--rule", "double-free"}).out;
+    EXPECT_NE(out.find("\nStack:\n#0 "), std::string::npos) << out;
+    EXPECT_NE(out.find("execute (text="), std::string::npos) << out;
+    EXPECT_NE(out.find("\nVariables:\nlist = 0x"), std::string::npos) << out;
+}
+
+TEST_F(Debug, GoesToWhereAFindingWasOpenedAndBack) {
+    const Words commands = {"--rule", "double-free", "--", "-ex", "opened", "-ex", "seen"};
+    const std::string out = debug("FREE_TWICE", commands).out;
+    const std::string allocated = '\n' + lineOf("allocated") + '\t';
+    const std::string again = '\n' + lineOf("freed-again") + '\t';
+    const std::size_t first = out.find(again);
+    const std::size_t opened = out.find(allocated, first);
+    EXPECT_NE(opened, std::string::npos) << out;
+    EXPECT_NE(out.find(again, opened), std::string::npos) << out;
+}
+
+// ---- Places that are not reached
+
+TEST_F(Debug, SaysWhyThePlaceWasNotReached) {
+    const std::pair<Words, const char*> cases[] = {
+        {{"--rule", "unbalanced-lock"}, "the rule unbalanced-lock was not broken"},
+        {{"--call", "9"}, "the run made only 3 host calls"},
+        {{"--command", "3"}, "the run has only 2 commands"},
+        {{"--failure"}, "no command failed"},
+        {{"--hang"}, "every command returned within the time limit"},
+        {{"--crash"}, "no add-on crashed"},
+    };
+    for (const auto& [options, reason] : cases) {
+        const ProgramResult result = debug("NOT_HELD", options);
+        EXPECT_EQ(result.status, 1) << options[0];
+        EXPECT_NE(result.out.find(std::string("not reached: ") + reason), std::string::npos) << result.out;
+    }
+    EXPECT_EQ(debug("OK", {}).status, 1);
+}
+
+TEST_F(Debug, SaysThatTheProgramEndedBeforeThePlace) {
+    const ProgramResult result = debug("EXIT", {"--call", "9"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.out.find("not reached: the program ended with status 3"), std::string::npos) << result.out;
+    EXPECT_EQ(debug("CRASH", {"--call", "9"}).status, 1);
+}
+
+TEST_F(Debug, SaysThatTheMacroCannotBeRun) {
+    write("m.macro", "OTHER OK\n");
+    const ProgramResult result = runProgram(runner({"debug", "m.macro", "--addon", addOn("g++-0"), "--batch"}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.err.find("m.macro:1: "), std::string::npos) << result.err;
+}
+
+TEST_F(Debug, SaysThatTheSystemRefusesToTrace) {
+    write("m.macro", "BROKEN OK\n");
+    Program program = runner({"debug", "m.macro", "--addon", addOn("g++-0"), "--batch"});
+    program.arguments.insert(program.arguments.begin(), {REFUSING_SYSTEM, "ptrace", "--"});
+    const ProgramResult result = runProgram(program);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err.rfind("debug: a debugger cannot trace programs here; ", 0), 0U) << result.err;
+}
+
+TEST_F(RunnerTest, DebugSaysThatGdbIsMissing) {
+    write("m.macro", "BROKEN OK\n");
+    Program program = runner({"debug", "m.macro", "--addon", ADDON_ONE});
+    program.arguments.insert(program.arguments.begin(), {"/usr/bin/env", "PATH=" + folder().string()});
+    const ProgramResult result = runProgram(program);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "debug: gdb was not found; install it: apt-get install gdb\n");
+}
+
+TEST_F(RunnerTest, DebugRefusesASecondPlaceAndTheNumberZero) {
+    write("m.macro", "BROKEN OK\n");
+    const std::pair<Words, const char*> cases[] = {
+        {{"--call", "1", "--hang"}, "--call and --hang: give only one place"},
+        {{"--command", "0"}, "--command: the first one has number 1"},
+    };
+    for (const auto& [options, message] : cases) {
+        Words words = {"debug", "m.macro", "--addon", ADDON_ONE};
+        words.insert(words.end(), options.begin(), options.end());
+        const ProgramResult result = runProgram(runner(words));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+    }
+}
+
+// ---- The arguments
+
+TEST_F(Debug, PassesTheArgumentsAfterTwoDashesToGdb) {
+    const ProgramResult result = debug("NOT_HELD", {"--call", "2", "--", "-ex", "print 6 * 7", "-ex", "no-command"});
+    EXPECT_NE(result.out.find("$1 = 42"), std::string::npos) << result.out;
+    EXPECT_EQ(result.status, 0) << "the place was reached, whatever the user's commands did";
+}
+
+TEST_F(Debug, TakesPathsWithBlanksAndQuotes) {
+    const std::string folderName = "it's a \"folder\" $HOME";
+    fs::create_directory(folder() / folderName);
+    fs::copy_file(addOn("g++-0"), folder() / folderName / "a b.so");
+    write(folderName + "/m 1.macro", "BROKEN NOT_HELD\n");
+    const ProgramResult result = runProgram(runner({"debug", folderName + "/m 1.macro", "--addon",
+                                                    folderName + "/a b.so", "--rule", "mutex-not-held", "--batch"}));
+    EXPECT_EQ(shownLine(result.out), lineOf("not-held")) << result.err;
+}
+
+// ---- The command that findings end with
+
+// The command after `debug:` in `text`; the last one if there are several.
+std::string printedCommand(const std::string& text) {
+    const std::string start = "    debug: ";
+    const std::size_t begin = text.rfind(start);
+    if (begin == std::string::npos) return "no command in: " + text;
+    const std::size_t end = text.find('\n', begin);
+    return text.substr(begin + start.size(), end - begin - start.size());
+}
+
+class PrintedDebugCommand : public Debug {
+protected:
+    ProgramResult shell(const std::string& command) const {
+        const std::string path = fs::path(VEXA_STANDIN).parent_path().string() + ':' + std::getenv("PATH");
+        return runProgram({{"/usr/bin/env", "PATH=" + path, "/bin/sh", "-c", command}, folder(), "", false});
+    }
+};
+
+TEST_F(PrintedDebugCommand, StopsAtTheFindingThatPrintedIt) {
+    fs::create_directory(folder() / "it's");
+    fs::copy_file(addOn("g++-0"), folder() / "it's" / "a b.so");
+    write("it's/m.macro", "BROKEN NOT_HELD\nBROKEN FREE_TWICE\n");
+    const std::string call = "vexa-standin run \"it's/m.macro\" --addon \"it's/a b.so\" --keep-going";
+    const std::string printed = printedCommand(shell(call).err);
+    EXPECT_EQ(printed,
+              "vexa-standin debug 'it'\\''s/m.macro' --addon 'it'\\''s/a b.so' --keep-going --rule double-free");
+    EXPECT_EQ(shownLine(shell(printed + " --batch").out), lineOf("freed-again"));
+}
+
+TEST_F(PrintedDebugCommand, NamesTheCallOfALaterFindingOfTheSameRule) {
+    write("m.macro", "BROKEN NOT_HELD\nBROKEN NOT_HELD\n");
+    const std::string printed = printedCommand(shell("vexa-standin run m.macro --addon " + addOn("g++-0")).err);
+    EXPECT_NE(printed.find(" --call 5"), std::string::npos) << printed;
+    const ProgramResult result = shell(printed + " --batch");
+    EXPECT_EQ(shownLine(result.out), lineOf("not-held")) << result.out;
+}
+
+TEST_F(PrintedDebugCommand, IsPrintedByTestAndCheck) {
+    write("m.macro", "BROKEN NOT_HELD\n");
+    const std::string addOns = " --addon " + addOn("g++-0");
+    const std::string ofTest = printedCommand(shell("vexa-standin test --strict m.macro" + addOns).out);
+    EXPECT_NE(ofTest.find(" --rule mutex-not-held"), std::string::npos) << ofTest;
+    EXPECT_EQ(shownLine(shell(ofTest + " --batch").out), lineOf("not-held"));
+    const std::string checked = "vexa-standin check " + addOn("g++-0") + " --macro m.macro --only commands-in-order";
+    const std::string ofCheck = printedCommand(shell(checked).out);
+    EXPECT_EQ(shownLine(shell(ofCheck + " --batch").out), lineOf("not-held")) << ofCheck;
+}
+
+TEST_F(RunnerTest, NoDebugCommandIsPrintedForAMacroFromTheStandardInput) {
+    Program program = runner({"run", "-", "--addon", BROKEN_ADDONS "/broken-g++-0.so"});
+    program.input = "BROKEN NOT_HELD\n";
+    const ProgramResult result = runProgram(program);
+    EXPECT_NE(result.err.find("[mutex-not-held]"), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find("debug:"), std::string::npos) << result.err;
+}
+
+}  // namespace
+}  // namespace vexa::e2e
