@@ -12,6 +12,8 @@
 namespace vexa::standin {
 namespace {
 
+constexpr std::size_t kLongestStack = 48;
+
 using Time = std::chrono::steady_clock::time_point;
 
 // Appends fields to the bytes of a message.
@@ -122,6 +124,22 @@ void pass(Archive& archive, Event& call) {
     passTime(archive, call.time);
 }
 
+template <class Archive, class Stack>
+void passStack(Archive& archive, Stack& stack) {
+    auto count = static_cast<std::uint32_t>(std::min(stack.size(), kLongestStack));
+    archive(count);
+    if constexpr (Archive::kReads) {
+        if (count > kLongestStack) return archive.refuse();
+        stack.resize(count);
+    }
+    for (std::size_t i = 0; i != count; ++i) {
+        archive(stack[i].object);
+        archive(stack[i].offset);
+        archive(stack[i].buildId);
+        archive(stack[i].isAddOn);
+    }
+}
+
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, Place>, int> = 0>
 void pass(Archive& archive, Event& place) {
     archive(place.call);
@@ -129,6 +147,7 @@ void pass(Archive& archive, Event& place) {
     archive(place.command);
     archive(place.macroLine);
     archive(place.thread);
+    passStack(archive, place.stack);
 }
 
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, Finding>, int> = 0>
