@@ -4,6 +4,7 @@
 #include <mutex>
 #include <vector>
 
+#include "stacks/SourceFinder.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -14,6 +15,9 @@ std::vector<standin::Finding> newFindings(const standin::Host& host, std::size_t
 
 /// Prints how many findings \p host only counted, and which suppressed rules had no finding.
 void printRestOfFindings(const standin::Host& host);
+
+/// Tells the user once how to see lines of the source, if a place that \p sources completed has none.
+void hintAtLines(SourceFinder& sources);
 
 /// Prints a finding for the user.
 void printFinding(const standin::Finding& finding);

@@ -36,6 +36,7 @@ be a script that starts the host. The runner then watches every host that the sc
 | `--strict`             | A finding with severity error makes the exit status 3.                                     |
 | `--warnings-as-errors` | A finding of any severity makes the exit status 3.                                         |
 | `--suppress RULE`      | Ignore findings of this rule.                                                              |
+| `--stacks`             | Show the whole stacks of both places of a finding.                                         |
 | `--no-project-file`    | Do not read the project file `vexa-standin.toml`. Its time limit has no effect here.       |
 | `--log FILE`           | Write findings and notes to a file, for a program that needs the terminal for itself.      |
 | `--trace FILE`         | Write every call as [a trace event](trace.md). `vexa-standin report` makes a page of them. |

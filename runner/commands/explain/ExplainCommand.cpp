@@ -91,6 +91,7 @@ A finding shows
 - the macro line and the add-on, what is wrong, and the name of the rule;
 - `first`: the call that started the problem;
 - `seen`: the call or the event that showed the problem;
+- below both, `at`: [the line of your source](source-lines.md);
 - `hint`: how to fix it.
 
 `vexa-standin explain` lists the rules. `vexa-standin explain RULE` explains one rule. For each rule and add-on, the
@@ -103,6 +104,7 @@ runner shows the first ten findings and counts the others.
 | `--strict`             | `strict = true`               | A finding with severity error makes the exit status 3.     |
 | `--warnings-as-errors` | `warnings-as-errors = true`   | A finding of any severity makes the exit status 3.         |
 | `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | Ignore findings of the rule. May be given more than once.  |
+| `--stacks`             |                               | Show the whole stacks of both places of a finding.         |
 | `--timeout SECONDS`    | `timeout = 2.5`               | A command that takes longer makes the exit status 4.       |
 | `--no-project-file`    |                               | Do not read the project file.                              |
 

@@ -72,6 +72,7 @@ public:
         m_session.unloadAddOns();
         m_view.conclude(true);
         m_view.printFindings();
+        m_session.hintAtLines();
         return isWritten ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput;
     }
 
@@ -137,7 +138,7 @@ private:
         m_view.conclude(result.accepted);
         m_view.setPlace(kProgramName);
         m_view.printFindings();
-        if (!result.accepted) tell(command.addOnId, failureText(result));
+        if (!result.accepted) tell(command.addOnId, failureWithSource(result));
     }
 
     const ReplOptions& m_options;
@@ -213,6 +214,7 @@ Command replCommand() {
     command.add(addOnOption(options->addOns).require());
     command.add(styleOption(options->style));
     addHostOption(command, options->contract);
+    addStacksOption(command, options->contract);
     command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options->record));
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.check = [options] { refuseSecondStandardInput({"-", options->style.value_or("")}); };
