@@ -10,6 +10,12 @@ namespace {
 
 constexpr std::size_t kMostStacks = 4096;
 
+// Returns the place of an instruction; `object` is null if it is unknown.
+CodePlace placeOf(const CodeObject* object, std::uintptr_t address) {
+    if (object == nullptr) return {"", address, "", false};
+    return {object->path, address - object->loadedAt, object->buildId, object->isOfAddOn};
+}
+
 }  // namespace
 
 // Walks the stack of the calling thread.
@@ -68,7 +74,8 @@ std::shared_ptr<const CodeStack> CodeStacks::keep(const std::vector<std::uintptr
     const auto [entry, isNew] = m_stacks.try_emplace(addresses, nullptr);
     if (!isNew) return entry->second;
     auto stack = std::make_shared<CodeStack>();
-    for (const std::uintptr_t address : addresses) stack->places.push_back({m_objects.objectAt(address), address});
+    for (const std::uintptr_t address : addresses)
+        stack->push_back(placeOf(m_objects.objectAt(address).get(), address));
     return entry->second = std::move(stack);
 }
 
@@ -80,19 +87,6 @@ const CodeStacks::Image* CodeStacks::findImage(const void* frame) const {
                                                    [](const Slot& slot) { return *slot.at == slot.value; });
     });
     return found == m_images.end() ? nullptr : &*found;
-}
-
-std::vector<CodePlace> placesOf(const CodeStack* stack) {
-    std::vector<CodePlace> places;
-    if (stack == nullptr) return places;
-    for (const auto& [object, address] : stack->places) {
-        if (object == nullptr) {
-            places.push_back({"", address, "", false});
-        } else {
-            places.push_back({object->path, address - object->loadedAt, object->buildId, object->isOfAddOn});
-        }
-    }
-    return places;
 }
 
 }  // namespace vexa::standin

@@ -34,15 +34,6 @@ public:
     virtual void forget() = 0;
 };
 
-/// The calls that led to a place, the innermost first.
-struct CodeStack {
-    struct Place {
-        std::shared_ptr<const CodeObject> object;  // null if unknown
-        std::uintptr_t address;                    // of an instruction, so of a call the last byte
-    };
-    std::vector<Place> places;
-};
-
 /// Keeps each stack from which the host was called once, so that noting a stack again costs little.
 ///
 /// Walking a stack takes longer than most host calls, and loops make the same calls. So the object keeps where on the
@@ -84,8 +75,5 @@ private:
     std::array<Image, 16> m_images{};  // of the last stacks that were walked
     std::size_t m_nextImage = 0;
 };
-
-/// Returns \p stack for findings; empty for null.
-std::vector<CodePlace> placesOf(const CodeStack* stack);
 
 }  // namespace vexa::standin

@@ -30,7 +30,7 @@ Place placeOf(const Moment& moment) {
             commandOf(*moment.entry),
             moment.entry->macroLine,
             moment.thread,
-            placesOf(moment.call == 0 ? moment.entry->stack.get() : moment.stack.get())};
+            moment.call == 0 ? moment.entry->stack : moment.stack};
 }
 
 }  // namespace vexa::standin

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -124,20 +125,27 @@ void pass(Archive& archive, Event& call) {
     passTime(archive, call.time);
 }
 
-template <class Archive, class Stack>
-void passStack(Archive& archive, Stack& stack) {
-    auto count = static_cast<std::uint32_t>(std::min(stack.size(), kLongestStack));
+template <class Archive, class Code>
+void passCode(Archive& archive, Code& code) {
+    archive(code.object);
+    archive(code.offset);
+    archive(code.buildId);
+    archive(code.isAddOn);
+}
+
+void passStack(Writer& archive, const std::shared_ptr<const CodeStack>& stack) {
+    const auto count = static_cast<std::uint32_t>(stack == nullptr ? 0 : std::min(stack->size(), kLongestStack));
     archive(count);
-    if constexpr (Archive::kReads) {
-        if (count > kLongestStack) return archive.refuse();
-        stack.resize(count);
-    }
-    for (std::size_t i = 0; i != count; ++i) {
-        archive(stack[i].object);
-        archive(stack[i].offset);
-        archive(stack[i].buildId);
-        archive(stack[i].isAddOn);
-    }
+    for (std::size_t i = 0; i != count; ++i) passCode(archive, (*stack)[i]);
+}
+
+void passStack(Reader& archive, std::shared_ptr<const CodeStack>& stack) {
+    std::uint32_t count = 0;
+    archive(count);
+    if (count > kLongestStack) return archive.refuse();
+    CodeStack read(count);
+    for (CodePlace& code : read) passCode(archive, code);
+    stack = std::make_shared<const CodeStack>(std::move(read));
 }
 
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, Place>, int> = 0>

@@ -76,12 +76,13 @@ void SourceFinder::completeFailure(standin::Place& place) {
 }
 
 void SourceFinder::complete(standin::Place& place) {
-    const Stack own = place.call == 0 ? functionOf(place.stack) : ownFramesOf(place.stack);
+    if (place.stack == nullptr) return;
+    const Stack own = place.call == 0 ? functionOf(*place.stack) : ownFramesOf(*place.stack);
     if (own.empty()) return;
     const Frame& frame = ownFrame(own);
     const bool isWhole = m_shown == ShownStack_e::Whole && place.call != 0;
     place.source = {frame.function, frame.file, frame.line, "at " + textOf(frame)};
-    if (isWhole) place.source.text = withoutLastLineFeed(textOf(framesOf(place.stack)));
+    if (isWhole) place.source.text = withoutLastLineFeed(textOf(framesOf(*place.stack)));
 }
 
 bool SourceFinder::lacksLines() const {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -69,6 +70,9 @@ struct CodePlace {
     bool isAddOn = false;       ///< true if the object was loaded with an add-on or later
 };
 
+/// The calls that led to an event, the innermost first. Each place is within the instruction that calls.
+using CodeStack = std::vector<CodePlace>;
+
 /// A place in the source of an add-on.
 struct SourcePlace {
     std::string function;  ///< as in the source; empty if unknown
@@ -84,9 +88,10 @@ struct Place {
     std::string command;    ///< `ADDON-ID text`, `loading of FILE` or `unloading of ADDON-ID`; empty outside of add-ons
     std::string macroLine;  ///< `FILE:LINE` of the command, if it came from a macro file
     std::size_t thread = 0;  ///< the thread; the host numbers threads from 1 in the order of their first event
-    std::vector<CodePlace> stack = {};  ///< the calls that led to the event, the innermost first; of the start or the
-                                        ///< end of a command only the function of the add-on. May be empty
-    SourcePlace source = {};            ///< what a function passed to Host::onFinding() found out; else empty
+    /// The calls that led to the event; of the start or the end of a command only the function of the add-on. Null if
+    /// unknown.
+    std::shared_ptr<const CodeStack> stack = {};
+    SourcePlace source = {};  ///< what a function passed to Host::onFinding() found out; else empty
 };
 
 /// A violation of a rule.

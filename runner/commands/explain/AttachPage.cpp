@@ -19,7 +19,9 @@ these add-ons against [the host's contract](contract.md). You change neither the
 $ vexa-standin attach --strict -- ./host --batch sweep.macro
 command 3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]
     first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", command 3, thread 1
+           at src/Mean.cpp:42, in MeanCommand::execute
     seen:  the end of "STATS MEAN ZONES = '1-3'", command 3, thread 1
+           at src/AddOn.cpp:12, in execute
     hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.
 ```
 

@@ -82,7 +82,9 @@ continues.
 $ vexa-standin run sweep.macro --addon ./libstats.so --strict
 sweep.macro:3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]
     first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+           at src/Mean.cpp:42, in MeanCommand::execute
     seen:  the end of "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+           at src/AddOn.cpp:12, in execute
     hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.
 ```
 
