@@ -48,7 +48,7 @@ void ArgumentNames::appended(const void* argList, const char* name, ArgumentKind
         return;
     }
     if (!isAppended) return;
-    m_names[argList].push_back({name, address, now});
+    m_names[argList].push_back({name, address, now.withStack()});
     const auto known = std::find_if(std::begin(kKnownArguments), std::end(kKnownArguments),
                                     [=](const KnownArgument& argument) { return argument.name == std::string(name); });
     if (known == std::end(kKnownArguments) || known->kind == kind) return;

@@ -5,8 +5,9 @@
 
 namespace vexa::standin {
 
-Contract::Contract(ThreadNumbers& threads, const HostStringsInterface& strings, Show show)
-    : m_threads(threads), m_show(std::move(show)), m_books(strings) {
+Contract::Contract(ThreadNumbers& threads, const HostStringsInterface& strings, CodeObjectsInterface& objects,
+                   Show show)
+    : m_threads(threads), m_show(std::move(show)), m_stacks(objects), m_books(strings) {
     m_books.entries.push_back({std::make_shared<Entry>(), {}, {}});
 }
 
@@ -14,6 +15,8 @@ void Contract::enter(Entry entry) {
     entry.thread = m_threads.mine();
     auto entered = std::make_shared<Entry>(std::move(entry));
     const std::lock_guard<std::mutex> lock(m_guard);
+    if (entered->kind != Entry_e::Command) m_stacks.forget();
+    entered->stack = m_stacks.of(entered->function);
     m_books.entries.push_back({entered, {}, {}});
     m_books.threads.entered(std::move(entered));
 }
@@ -34,6 +37,12 @@ void Contract::judgeErrorMessage(bool accepted, const char* errMsg) {
     if (!isOn()) return;
     update(
         [&] { m_books.strings.commandEnded(accepted, errMsg, mine().hadNoMemory, endOf(mine()), m_books.findings); });
+}
+
+Place Contract::placeOfFailure(const char* errMsg) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    const bool isKnown = errMsg != nullptr && m_books.stringLedger.isLiving(errMsg);
+    return placeOf(isKnown ? m_books.stringLedger.originOf(errMsg) : endOf(mine()));
 }
 
 void Contract::judgeEscape(const std::string& what) {
@@ -75,6 +84,11 @@ void Contract::lendResultOf(const ArgList_s* argList) {
     });
 }
 
+void Contract::onFinding(std::function<void(Finding&)> complete) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_books.findings.setComplete(std::move(complete));
+}
+
 void Contract::report(Finding finding) {
     update([&] { m_books.findings.add(std::move(finding)); });
 }
@@ -104,10 +118,10 @@ Place Contract::placeNow(std::size_t call, std::optional<HostFunction> function)
 // A call on a thread that is in no add-on comes from the add-on that the host entered last.
 Moment Contract::momentOf(std::size_t call, HostFunction function) {
     const std::size_t thread = m_threads.mine();
-    if (const EntryBooks* const own = m_books.entryOf(thread)) return {own->entry, thread, call, function};
+    if (const EntryBooks* const own = m_books.entryOf(thread)) return {own->entry, thread, call, function, &m_stacks};
     const std::shared_ptr<const Entry>& last = m_books.threads.last();
     const bool isStray = m_books.entries.size() == 1 && last != nullptr && last->thread != thread;
-    return {isStray ? last : m_books.entries.back().entry, thread, call, function};
+    return {isStray ? last : m_books.entries.back().entry, thread, call, function, &m_stacks};
 }
 
 EntryBooks& Contract::booksOf(std::size_t thread) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "contract/Books.h"
+#include "contract/CodeStacks.h"
 #include "contract/HostFunctionTable.h"
 #include "contract/HostStrings.h"
 #include "contract/ThreadNumbers.h"
@@ -32,8 +33,9 @@ public:
 
     /// \param threads numbers the threads; must outlive this object.
     /// \param strings the host's strings, to check their contents; must outlive this object.
+    /// \param objects the objects in memory, to name the code that calls the host; must outlive this object.
     /// \param show    called with each finding, on the thread of the call. No mutex is locked during this call.
-    Contract(ThreadNumbers& threads, const HostStringsInterface& strings, Show show);
+    Contract(ThreadNumbers& threads, const HostStringsInterface& strings, CodeObjectsInterface& objects, Show show);
 
     bool isOn() const { return m_isOn.load(std::memory_order_relaxed); }
     void setOn(bool isOn) { m_isOn = isOn; }
@@ -54,6 +56,9 @@ public:
     void name(const std::string& addOnId);
     /// Checks the error message of the command; null if it has none.
     void judgeErrorMessage(bool accepted, const char* errMsg);
+    /// Returns where the add-on made the error message of a command; the end of the command if \p errMsg is no string
+    /// of the host. Call it before judgeErrorMessage().
+    Place placeOfFailure(const char* errMsg);
     /// Reports that an exception escaped from the add-on.
     void judgeEscape(const std::string& what);
     /// Notes that the add-on that the calling thread entered last has returned.
@@ -79,6 +84,9 @@ public:
         return ledgerOf(m_books, handle).nameOf(handle);
     }
 
+    /// From now on passes each finding to \p complete, which may add to it, before it keeps or shows the finding.
+    /// \p complete must not call this object.
+    void onFinding(std::function<void(Finding&)> complete);
     void report(Finding finding);
     void suppress(const Rule& rule);
     std::vector<Finding> findings() const;
@@ -112,6 +120,7 @@ private:
     Show m_show;
     std::atomic<bool> m_isOn{true};
     mutable std::mutex m_guard;
+    CodeStacks m_stacks;
     Books m_books;
 };
 

@@ -3,12 +3,14 @@
 namespace vexa::standin {
 namespace {
 
-// Texts of add-ons may have several lines. All lines but the first are indented.
-std::string indented(const std::string& text) {
+// Texts may have several lines. All lines but the first start with `lineStart`.
+std::string indentedBy(const std::string& text, const char* lineStart) {
     std::string lines;
-    for (const char c : text) lines += c == '\n' ? "\n    " : std::string(1, c);
+    for (const char c : text) lines += c == '\n' ? lineStart : std::string(1, c);
     return lines;
 }
+
+std::string indented(const std::string& text) { return indentedBy(text, "\n    "); }
 
 // If the place is not a call, `moment` says which part of the command it is: "the beginning" or "the end".
 std::string textOf(const Place& place, const std::string& moment) {
@@ -18,6 +20,7 @@ std::string textOf(const Place& place, const std::string& moment) {
     if (!place.command.empty()) text += (text.empty() ? moment + " of \"" : ", in \"") + place.command + '"';
     if (!place.macroLine.empty()) text += ", " + place.macroLine;
     if (place.thread != 0) text += ", thread " + std::to_string(place.thread);
+    if (!place.source.text.empty()) text += "\n       " + indentedBy(place.source.text, "\n       ");
     return text;
 }
 

@@ -11,6 +11,7 @@ constexpr std::size_t kMostKept = 10;
 
 void FindingLog::add(Finding finding) {
     if (isSuppressed(finding.rule)) return;
+    if (m_complete) m_complete(finding);
     m_new.push_back(finding);
     keep(std::move(finding));
 }
@@ -33,7 +34,7 @@ void FindingLog::add(const char* rule, std::string message, const Moment& seen, 
     finding.message = std::move(message);
     finding.addOnId = seen.entry->addOnId;
     if (opened != nullptr) finding.opened = placeOf(*opened);
-    finding.seen = placeOf(seen);
+    finding.seen = placeOf(seen.withStack());
     finding.count = count;
     add(std::move(finding));
 }

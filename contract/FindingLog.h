@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -14,6 +15,8 @@ namespace vexa::standin {
 /// Keeps the findings.
 class FindingLog {
 public:
+    /// From now on passes each finding to \p complete, which may add to it, before it keeps the finding.
+    void setComplete(std::function<void(Finding&)> complete) { m_complete = std::move(complete); }
     /// Adds a finding, unless its rule is suppressed. It keeps the first ten for each rule and add-on.
     void add(Finding finding);
     /// Adds a finding that was detected at \p seen. The problem started at \p opened; null if there is no such place.
@@ -43,6 +46,7 @@ private:
     void keep(Finding finding);
     bool isSuppressed(const std::string& rule);
 
+    std::function<void(Finding&)> m_complete;  // may be empty
     std::vector<Finding> m_kept;
     std::map<std::pair<std::string, std::string>, Tally> m_tallies;  // one for each rule and add-on
     std::vector<Suppression> m_suppressions;

@@ -16,7 +16,7 @@ std::string callText(const Moment& moment) {
 }  // namespace
 
 void HandleLedger::allocated(const void* handle, std::size_t number, const Moment& now) {
-    m_living.insert_or_assign(handle, Living{number, now});
+    m_living.insert_or_assign(handle, Living{number, now.withStack()});
     m_freed.erase(handle);
 }
 

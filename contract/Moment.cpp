@@ -25,8 +25,12 @@ std::string nameOf(const Entry& entry) {
 }
 
 Place placeOf(const Moment& moment) {
-    return {moment.call, moment.function ? nameOf(*moment.function) : "", commandOf(*moment.entry),
-            moment.entry->macroLine, moment.thread};
+    return {moment.call,
+            moment.function ? nameOf(*moment.function) : "",
+            commandOf(*moment.entry),
+            moment.entry->macroLine,
+            moment.thread,
+            moment.call == 0 ? moment.entry->stack : moment.stack};
 }
 
 }  // namespace vexa::standin

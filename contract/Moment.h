@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "contract/CodeStacks.h"
 #include "contract/HostFunctionTable.h"
 #include "vexastandin/Finding.h"
 #include "vexastandin/Observer.h"
@@ -17,7 +18,9 @@ struct Entry {
     std::string addOnId;  ///< the add-on's id, or its file until the id is known; empty outside all add-ons
     std::string command;  ///< the command's text; empty if the entry is not a command
     std::string macroLine;
-    std::size_t thread = 0;  ///< the number of the thread that entered; 0 outside all add-ons
+    std::size_t thread = 0;                       ///< the number of the thread that entered; 0 outside all add-ons
+    const void* function = nullptr;               ///< the function of the add-on that the host calls; null if unknown
+    std::shared_ptr<const CodeStack> stack = {};  ///< of that function; null if unknown
 };
 
 /// Returns the name of \p entry as the subject of a sentence, for example "the command".
@@ -29,6 +32,15 @@ struct Moment {
     std::size_t thread = 0;
     std::size_t call = 0;  ///< 0 for the end of an entry
     std::optional<HostFunction> function;
+    CodeStacks* stacks = nullptr;                 ///< for withStack(); null if there is no stack to note
+    std::shared_ptr<const CodeStack> stack = {};  ///< null if it was not noted
+
+    /// Returns this moment, which is now, with the stack of the calling thread.
+    Moment withStack() const {
+        Moment moment = *this;
+        if (stacks != nullptr && stack == nullptr) moment.stack = stacks->capture();
+        return moment;
+    }
 };
 
 Place placeOf(const Moment& moment);

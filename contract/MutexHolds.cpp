@@ -18,7 +18,7 @@ void MutexHolds::lockBegan(const void* mutex, const Moment& now, FindingLog& fin
 }
 
 void MutexHolds::lockEnded(const void* mutex, const Moment& now) {
-    if (m_mutexes.isLiving(mutex) && holdOf(mutex, now.thread) == nullptr) m_holds[mutex].push_back(now);
+    if (m_mutexes.isLiving(mutex) && holdOf(mutex, now.thread) == nullptr) m_holds[mutex].push_back(now.withStack());
 }
 
 void MutexHolds::unlockBegan(const void* mutex, const Moment& now, FindingLog& findings) {

@@ -31,7 +31,7 @@ std::string noMatch(const char* call, const char* counterpart) {
 }  // namespace
 
 void Scopes::begin(Scope_e kind, const Moment& now, const AddOnList_s* identity) {
-    m_open[indexOf(kind)].push_back({identity, now});
+    m_open[indexOf(kind)].push_back({identity, now.withStack()});
 }
 
 void Scopes::end(Scope_e kind, const Moment& now, FindingLog& findings, const AddOnList_s* identity) {

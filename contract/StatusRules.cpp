@@ -16,7 +16,7 @@ void StatusRules::started(const Moment& now, FindingLog& findings) {
                      "VexaUtilStatusStartPercentDone was called while the status line was shown", now, &*m_start);
         ++m_needlessStarts;
     }
-    m_start = now;
+    m_start = now.withStack();
     m_lastPercent.reset();
     m_percent = 0;
 }
@@ -34,8 +34,9 @@ void StatusRules::percentShown(int percent, const Moment& now, FindingLog& findi
                          " percent",
                      now, addressOf(m_lastPercent));
     }
+    if (m_lastPercent && percent == m_percent) return;
     m_percent = percent;
-    m_lastPercent = now;
+    m_lastPercent = now.withStack();
 }
 
 void StatusRules::textShown(const Moment& now, FindingLog& findings) {
@@ -49,7 +50,7 @@ void StatusRules::textShown(const Moment& now, FindingLog& findings) {
 void StatusRules::finished(const Moment& now, FindingLog& findings) {
     if (m_start) {
         m_start.reset();
-        m_finish = now;
+        m_finish = now.withStack();
     } else if (m_needlessStarts != 0) {
         --m_needlessStarts;
     } else {

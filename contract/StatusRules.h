@@ -21,7 +21,7 @@ private:
     std::optional<Moment> m_start;        // the start of the current status line
     std::optional<Moment> m_finish;       // the finish of the previous status line
     std::size_t m_needlessStarts = 0;     // starts while the line was shown; each allows one more finish
-    std::optional<Moment> m_lastPercent;  // the moment in which m_percent was shown
+    std::optional<Moment> m_lastPercent;  // the moment in which m_percent was shown first
     int m_percent = 0;
 };
 

@@ -34,7 +34,7 @@ AddOn& addOnOf(AddOnNumber number) { return *theAddOns[number].load(std::memory_
 
 [[gnu::noinline]] void beginLoading(const AddOn& addOn, const void* frame, const AddOnList_s* identity) noexcept {
     inLayer([&](Layer& layer) {
-        layer.entryBegan(frame, Entry_e::Loading, addOn.file, "");
+        layer.entryBegan(frame, Entry_e::Loading, addOn.file, "", reinterpret_cast<const void*>(addOn.entry));
         layer.introduce(identity);
     });
 }
@@ -63,8 +63,10 @@ void showDescription(AddOnNumber number);
 }
 
 [[gnu::noinline]] void beginCommand(const AddOn& addOn, const void* frame, const char* command) noexcept {
-    inLayer(
-        [&](Layer& layer) { layer.entryBegan(frame, Entry_e::Command, addOn.id, command == nullptr ? "" : command); });
+    inLayer([&](Layer& layer) {
+        layer.entryBegan(frame, Entry_e::Command, addOn.id, command == nullptr ? "" : command,
+                         reinterpret_cast<const void*>(addOn.description->execute));
+    });
 }
 
 [[gnu::noinline]] void endCommand(const void* frame, VexaBoolean result, char* const* errMsg) noexcept {
@@ -74,7 +76,8 @@ void showDescription(AddOnNumber number);
 [[gnu::noinline]] void beginShutdown(AddOn& addOn, const void* frame) noexcept {
     inLayer([&](Layer& layer) {
         addOn.isShutDown = true;
-        layer.entryBegan(frame, Entry_e::Unloading, addOn.id, "");
+        layer.entryBegan(frame, Entry_e::Unloading, addOn.id, "",
+                         reinterpret_cast<const void*>(addOn.description->shutdown));
     });
 }
 

@@ -40,7 +40,8 @@ Layer::Layer(const Settings& settings)
     : m_connection(settings.socket),
       m_entryName(settings.entryName),
       m_isTraced(settings.isTraced),
-      m_contract(m_threads, *this, [this](const Finding& finding) { send(Message_e::FindingMade, finding); }) {}
+      m_contract(m_threads, *this, m_codeObjects,
+                 [this](const Finding& finding) { send(Message_e::FindingMade, finding); }) {}
 
 Layer* Layer::current() {
     Page* const page = thePage.load(std::memory_order_acquire);
@@ -58,7 +59,8 @@ void Layer::start(const Settings& settings) {
     thePage.store(page, std::memory_order_release);
 }
 
-void Layer::entryBegan(const void* frame, Entry_e kind, const std::string& addOnId, const std::string& command) {
+void Layer::entryBegan(const void* frame, Entry_e kind, const std::string& addOnId, const std::string& command,
+                       const void* function) {
     closeFrames(frame);
     closeLeftEntries();
     EntryEvent entry;
@@ -73,7 +75,7 @@ void Layer::entryBegan(const void* frame, Entry_e kind, const std::string& addOn
         m_entries.take(number);
         return;
     }
-    m_contract.enter({kind, addOnId, command, entry.macroLine});
+    m_contract.enter({kind, addOnId, command, entry.macroLine, 0, function});
     send(Message_e::EntryBegan, entry);
 }
 

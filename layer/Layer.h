@@ -16,6 +16,7 @@
 #include "contract/HostFunctionTable.h"
 #include "contract/ThreadNumbers.h"
 #include "contract/messages/EventMessage.h"
+#include "layer/CodeObjects.h"
 #include "layer/Connection.h"
 #include "layer/LayerTime.h"
 #include "layer/OpenEntries.h"
@@ -72,7 +73,9 @@ public:
 
     /// The host enters an add-on.
     /// \param command empty if it runs no command.
-    void entryBegan(const void* frame, standin::Entry_e kind, const std::string& addOnId, const std::string& command);
+    /// \param function the function of the add-on that the host calls.
+    void entryBegan(const void* frame, standin::Entry_e kind, const std::string& addOnId, const std::string& command,
+                    const void* function);
     /// The add-on that is being loaded gets \p identity.
     void introduce(const AddOnList_s* identity) { m_contract.introduce(identity); }
     /// The add-on that was loaded at \p frame returned. \p addOnId is null if it refuses to be loaded.
@@ -144,6 +147,7 @@ private:
     std::array<std::atomic<std::size_t>, 4> m_made{};  // handles by kind
     standin::ThreadNumbers m_threads;
     OpenEntries m_entries;
+    CodeObjects m_codeObjects;
     mutable standin::Contract m_contract;  // it locks itself
 
     mutable std::mutex m_guard;  // of what follows

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "contract/HostFunctionTable.h"
+#include "layer/CodeObjects.h"
 #include "layer/ElfImage.h"
 #include "layer/HostCalls.h"
 #include "layer/Layer.h"
@@ -73,6 +74,7 @@ void LoadedObjects::startAddOns() {
     for (LoadedObject* const object : m_new) {
         object->isOfAddOn |= isAddOnHere;
         if (!object->isOfAddOn) continue;
+        noteAddOnObject(object->map);
         ElfImage(*object->map).redirectImports(targetOf);
         if (void* const entry = entryOf(*object)) startAddOn(*object, entry);
     }
@@ -94,6 +96,7 @@ void LoadedObjects::closes(LoadedObject* object) {
     if (object->hasHostFunctions) forgetHostFunctions(ElfImage(*object->map));
     // If another object is missing, what was mapped before is closed without having been complete.
     m_new.erase(std::remove(m_new.begin(), m_new.end(), object), m_new.end());
+    forgetAddOnObject(object->map);
     delete object;
 }
 

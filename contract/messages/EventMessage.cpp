@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -11,6 +12,8 @@
 
 namespace vexa::standin {
 namespace {
+
+constexpr std::size_t kLongestStack = 48;
 
 using Time = std::chrono::steady_clock::time_point;
 
@@ -122,6 +125,29 @@ void pass(Archive& archive, Event& call) {
     passTime(archive, call.time);
 }
 
+template <class Archive, class Code>
+void passCode(Archive& archive, Code& code) {
+    archive(code.object);
+    archive(code.offset);
+    archive(code.buildId);
+    archive(code.isAddOn);
+}
+
+void passStack(Writer& archive, const std::shared_ptr<const CodeStack>& stack) {
+    const auto count = static_cast<std::uint32_t>(stack == nullptr ? 0 : std::min(stack->size(), kLongestStack));
+    archive(count);
+    for (std::size_t i = 0; i != count; ++i) passCode(archive, (*stack)[i]);
+}
+
+void passStack(Reader& archive, std::shared_ptr<const CodeStack>& stack) {
+    std::uint32_t count = 0;
+    archive(count);
+    if (count > kLongestStack) return archive.refuse();
+    CodeStack read(count);
+    for (CodePlace& code : read) passCode(archive, code);
+    stack = std::make_shared<const CodeStack>(std::move(read));
+}
+
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, Place>, int> = 0>
 void pass(Archive& archive, Event& place) {
     archive(place.call);
@@ -129,6 +155,7 @@ void pass(Archive& archive, Event& place) {
     archive(place.command);
     archive(place.macroLine);
     archive(place.thread);
+    passStack(archive, place.stack);
 }
 
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, Finding>, int> = 0>

@@ -50,6 +50,19 @@ std::string whatHappened(const standin::Place& place) {
     return "call " + std::to_string(place.call) + ", " + place.function;
 }
 
+// The line that the author has to look at. The end of a command shows only where the add-on's function starts.
+const standin::SourcePlace& sourceToOpen(const standin::Finding& finding) {
+    const bool isEnd = finding.seen.call == 0 && finding.opened && finding.opened->source.line != 0;
+    return isEnd ? finding.opened->source : finding.seen.source;
+}
+
+// Makes the line of the source the place to open, and the place until now the other one.
+void openAt(Problem& problem, const standin::SourcePlace& source) {
+    if (source.line == 0) return;
+    if (problem.place.line != 0) problem.other = problem.place;
+    problem.place = {source.file, source.line, ""};
+}
+
 // The lines after the first one, which has the place and the message.
 std::string detailsOf(const standin::Finding& finding) {
     const std::string text = printable(textOf(finding));
@@ -108,15 +121,18 @@ Problem problemOf(const standin::Finding& finding, const std::string& file) {
     if (problem.place.file.empty()) problem.place.file = file;
     const bool hasOther = finding.opened && !finding.opened->macroLine.empty();
     if (hasOther) problem.other = placeWith(whatHappened(*finding.opened), *finding.opened);
+    openAt(problem, sourceToOpen(finding));
     return problem;
 }
 
-Problem problemOf(const MacroCommand& command, const char* rule, const std::string& message) {
+Problem problemOf(const MacroCommand& command, const char* rule, const std::string& message,
+                  const standin::SourcePlace& source) {
     Problem problem;
     problem.rule = rule;
     problem.message = printable(message);
     problem.place = placeOf(command.place);
     problem.place.text = printable(command.addOnId.empty() ? command.text : command.addOnId + ' ' + command.text);
+    openAt(problem, source);
     return problem;
 }
 
@@ -131,8 +147,9 @@ Problem problemOf(const std::string& file, const std::string& message) {
     return problem;
 }
 
-void addStacks(Problem& problem, const StackReport& stacks) {
-    problem.details += printable(textOf(stacks, true));
+void addStacks(Problem& problem, StackReport stacks) {
+    stacks.isWhole = true;
+    problem.details += printable(textOf(stacks));
     const Frame* const own = stacks.ownFrame();
     if (own == nullptr || own->line == 0) return;
     problem.other = std::exchange(problem.place, {own->file, own->line, printable(own->function)});

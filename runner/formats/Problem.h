@@ -55,19 +55,23 @@ const standin::Rule* findRule(const ProblemReport& report, std::string_view name
 /// Returns the place `FILE:LINE`. A text without a line is a file.
 ProblemPlace placeOf(const std::string& fileAndLine);
 
-/// Returns the problem of a breach of the contract. If the breach was not seen in a command of a macro, the place is
-/// \p file. Whoever knows a better place than the macro's line chooses it here.
+/// Returns the problem of a breach of the contract. The place to open is a line of the add-on's source, if one is
+/// known: that of the call that broke the rule, or of the one that started the problem if the end of the command broke
+/// it. The other place is then the macro's line. Otherwise the place is the macro's line; \p file if the breach was not
+/// seen in a command of a macro.
 Problem problemOf(const standin::Finding& finding, const std::string& file);
 
-/// Returns the problem that \p command broke \p rule, which is one of the above.
-Problem problemOf(const MacroCommand& command, const char* rule, const std::string& message);
+/// Returns the problem that \p command broke \p rule, which is one of the above. If the line of \p source is known,
+/// this is the place to open, and the macro's line is the other place.
+Problem problemOf(const MacroCommand& command, const char* rule, const std::string& message,
+                  const standin::SourcePlace& source = {});
 
 /// Returns the problem of \p file, a macro file, about which its reader says \p message: `FILE:LINE: why`.
 Problem problemOf(const std::string& file, const std::string& message);
 
 /// Adds the stacks to the details of \p problem. If the line in the source of the add-on is known, it becomes the
 /// place, and the macro's line the other place.
-void addStacks(Problem& problem, const StackReport& stacks);
+void addStacks(Problem& problem, StackReport stacks);
 
 /// Returns the message and the details.
 std::string wholeText(const Problem& problem);

@@ -1,6 +1,7 @@
 #include "formats/ResultsFile.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "terminal/Console.h"
 
@@ -13,13 +14,25 @@ std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
+// Leaves the member out if nothing is known.
+void addSource(Json& object, const char* name, const standin::SourcePlace& source) {
+    if (source.text.empty()) return;
+    object[name] = {{"function", source.function}, {"text", source.text}};
+    if (source.line == 0) return;
+    object[name]["file"] = source.file;
+    object[name]["line"] = source.line;
+}
+
 Json listOf(const std::vector<standin::Finding>& findings) {
     Json list = Json::array();
     for (const standin::Finding& finding : findings) {
-        list.push_back({{"rule", finding.rule},
-                        {"severity", nameOf(finding.severity)},
-                        {"addOn", finding.addOnId},
-                        {"message", finding.message}});
+        Json object = {{"rule", finding.rule},
+                       {"severity", nameOf(finding.severity)},
+                       {"addOn", finding.addOnId},
+                       {"message", finding.message}};
+        if (finding.opened) addSource(object, "opened", finding.opened->source);
+        addSource(object, "source", finding.seen.source);
+        list.push_back(std::move(object));
     }
     return list;
 }
@@ -60,6 +73,7 @@ std::string resultLine(const MacroCommand& command, const standin::CommandResult
                  {"error", withoutTrailingBlanks(result.error)},
                  {"seconds", time.count()},
                  {"findings", listOf(findings)}};
+    addSource(line, "source", result.place.source);
     add(stacks, line);
     return lineOf(line);
 }

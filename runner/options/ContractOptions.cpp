@@ -35,6 +35,12 @@ void addStrictOptions(Command& command, ContractOptions& options) {
     addSwitch(command, options.warningsAsErrors, "warnings-as-errors", "Like --strict, but warnings fail the run, too");
 }
 
+void addStacksOption(Command& command, ContractOptions& options) {
+    command.add(flag({"--stacks"},
+                     "Show the whole stacks of findings, crashes and hangs, not only the add-on's own lines",
+                     &options.showsStacks));
+}
+
 void addTimeoutOption(Command& command, ContractOptions& options) {
     const auto take = [&options](const std::string& text) { options.timeout = secondsOf(text); };
     command.add(option({"--timeout"}, "SECONDS", "End the run if a command takes longer", take).check(whyNoTimeout));

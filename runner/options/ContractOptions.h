@@ -17,6 +17,7 @@ struct ContractOptions {
     std::vector<std::string> suppressed;                   ///< rules whose findings are ignored
     std::optional<std::chrono::duration<double>> timeout;  ///< how long a command may take
     std::optional<std::string> host;                       ///< the facts file of the host to answer like
+    bool showsStacks = false;                              ///< true if findings, crashes and hangs show whole stacks
     bool ignoresProjectFile = false;                       ///< true if no project file is read
     std::optional<std::string> projectFile;                ///< the project file that was read
 
@@ -29,6 +30,9 @@ void addSuppressOptions(Command& command, ContractOptions& options);
 
 /// Adds `--strict`, `--warnings-as-errors`, and their opposites.
 void addStrictOptions(Command& command, ContractOptions& options);
+
+/// Adds `--stacks`.
+void addStacksOption(Command& command, ContractOptions& options);
 
 /// Adds `--timeout`.
 void addTimeoutOption(Command& command, ContractOptions& options);

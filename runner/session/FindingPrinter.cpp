@@ -23,6 +23,11 @@ void printFinding(const standin::Finding& finding, const std::string& ending) {
     tellLines(place, std::string_view(text).substr(place.empty() ? 0 : place.size() + 2));
 }
 
+void hintAtLines(SourceFinder& sources) {
+    if (!sources.lacksLines()) return;
+    tell(kProgramName, "compile the add-on with -g to see the lines of its source");
+}
+
 void FindingPrinter::printNew(const standin::Host& host) {
     const std::lock_guard<std::mutex> lock(m_guard);
     for (standin::Finding& finding : newFindings(host, m_printed)) {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "stacks/SourceFinder.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
@@ -17,6 +18,9 @@ std::vector<standin::Finding> newFindings(const standin::Host& host, std::size_t
 
 /// Prints how many findings \p host only counted, and which suppressed rules had no finding.
 void printRestOfFindings(const standin::Host& host);
+
+/// Tells the user once how to see lines of the source, if a place that \p sources completed has none.
+void hintAtLines(SourceFinder& sources);
 
 /// Prints a finding for the user. \p ending is empty or has more lines of its text.
 void printFinding(const standin::Finding& finding, const std::string& ending = "");

@@ -100,6 +100,7 @@ private:
         m_view.printFindings();
         if (m_options.contract.isStrict() && written && !m_isStopped) written = replayRecording();
         if (ready) printRestOfFindings(m_host);
+        m_session.hintAtLines();
         if (ready && m_options.verbose) tell(m_summary);
         return written ? statusOfRun() : ExitStatus_e::BadUsageOrInput;
     }
@@ -175,8 +176,8 @@ private:
         tellFindings();
         if (result.accepted) return;
         ++m_failed;
-        tell(placeOf(command), failureText(result));
-        tellProblem(problemOf(command, kCommandFailed, std::string(failureText(result))));
+        tell(placeOf(command), failureWithSource(result));
+        tellProblem(problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source));
     }
 
     void refuse(const MacroCommand& command) {

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "formats/HostFactsFile.h"
+#include "session/FindingPrinter.h"
 #include "session/watch/Death.h"
 #include "terminal/Console.h"
 
@@ -42,6 +43,11 @@ std::string_view failureText(const standin::CommandResult& result) {
     return message.empty() ? "the command failed without a message" : message;
 }
 
+std::string failureWithSource(const standin::CommandResult& result) {
+    const std::string& source = result.place.source.text;
+    return std::string(failureText(result)) + (source.empty() ? "" : '\n' + source);
+}
+
 bool isContractBroken(const standin::Host& host, const ContractOptions& options) {
     const std::vector<standin::Finding> findings = host.violations();
     return options.isStrict() && std::any_of(findings.begin(), findings.end(), [&](const standin::Finding& finding) {
@@ -76,7 +82,10 @@ private:
 };
 
 Session::Session(const SessionOptions& options, ProcessBox& box, ConcludeOverrun conclude)
-    : m_options(options), m_box(box) {
+    : m_options(options),
+      m_box(box),
+      m_sources(options.contract.showsStacks ? ShownStack_e::Whole : ShownStack_e::OwnLine) {
+    m_host.onFinding([this](standin::Finding& finding) { m_sources.complete(finding); });
     m_host.setCallProgress(&box.calls);
     m_host.setKeepsCalls(false);
     m_host.answerLike(options.facts);
@@ -124,8 +133,12 @@ MacroFile Session::readMacro(const std::string& file, UnknownId_e unknownId) {
 
 standin::CommandResult Session::run(const MacroCommand& command) {
     const TimeInAddOn time(*this, command);
-    return m_host.run(command.addOnId, command.text, command.place);
+    standin::CommandResult result = m_host.run(command.addOnId, command.text, command.place);
+    m_sources.completeFailure(result.place);
+    return result;
 }
+
+void Session::hintAtLines() { runner::hintAtLines(m_sources); }
 
 std::set<std::string> Session::addOnIds() const {
     std::set<std::string> ids;

@@ -12,6 +12,7 @@
 #include "options/ContractOptions.h"
 #include "session/Watchdog.h"
 #include "session/watch/ProcessBox.h"
+#include "stacks/SourceFinder.h"
 #include "system/files/RunFiles.h"
 #include "vexastandin/Host.h"
 
@@ -36,6 +37,9 @@ RunFiles inputsOf(const SessionOptions& options);
 
 /// Why a command failed, for the user: the message of the add-on, if it gave one. The text lives as long as \p result.
 std::string_view failureText(const standin::CommandResult& result);
+
+/// The text of failureText(), and in a further line the place in the source of the add-on, if it is known.
+std::string failureWithSource(const standin::CommandResult& result);
 
 /// Whether \p options are strict and an add-on of \p host broke a rule that counts.
 bool isContractBroken(const standin::Host& host, const ContractOptions& options);
@@ -74,9 +78,12 @@ public:
     void unloadAddOns();
     /// Reads a macro file for the loaded add-ons. The time limit applies, because a pipe may have no end.
     MacroFile readMacro(const std::string& file, UnknownId_e unknownId = UnknownId_e::RefusesFile);
-    /// Runs a command.
+    /// Runs a command. The place of a failure has the line of the source, if it is known.
     /// \throws vexa::InvalidArgumentException if its add-on is not loaded.
     standin::CommandResult run(const MacroCommand& command);
+
+    /// Tells the user once how to see lines of the source, if a finding or a failure could not name one.
+    void hintAtLines();
 
     /// The ids of the loaded add-ons.
     std::set<std::string> addOnIds() const;
@@ -92,6 +99,7 @@ private:
     ProcessBox& m_box;
     bool m_isReading = false;
     std::optional<Watchdog> m_watchdog;
+    SourceFinder m_sources;
     standin::Host m_host;
 };
 

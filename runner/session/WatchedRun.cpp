@@ -56,6 +56,7 @@ public:
             m_run.outputs().keepEndBack();
             ProcessSetting setting;
             setting.printed = Printed_e::Inherited;
+            setting.showsWholeStacks = m_options.contract.showsStacks;
             setting.limitTime(m_options.contract.timeout);
             runInProcesses(signals, 1, setting, *this);
         }

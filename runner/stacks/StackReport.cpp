@@ -68,12 +68,12 @@ std::string stackText(const ThreadStack& stack, bool isWhole) {
     return lines;
 }
 
-std::string threadsText(const StackReport& report, bool isWhole) {
+std::string threadsText(const StackReport& report) {
     std::string lines;
     std::size_t hidden = 0;
     for (const ThreadStack& stack : report.threads) {
-        const bool isShown = isWhole || stack.hasOwn() || &stack == &report.threads.front();
-        if (isShown) lines += stackText(stack, isWhole);
+        const bool isShown = report.isWhole || stack.hasOwn() || &stack == &report.threads.front();
+        if (isShown) lines += stackText(stack, report.isWhole);
         hidden += isShown ? 0 : 1;
     }
     if (hidden == 0) return lines;
@@ -106,21 +106,21 @@ std::string faultText(const siginfo_t& signal) {
     return text;
 }
 
-std::string textOf(const StackReport& report, bool isWhole) {
+std::string textOf(const StackReport& report) {
     std::string lines;
     const auto add = [&](const char* label, const std::string& text) { lines += kIndentation + (label + text) + '\n'; };
     const Frame* const own = report.ownFrame();
     if (own != nullptr) add("at:    ", textOf(*own));
     if (!report.fault.empty()) add("fault: ", report.fault);
     if (!report.problem.empty()) add("stack: ", "unknown: " + report.problem);
-    lines += threadsText(report, isWhole);
+    lines += threadsText(report);
     if (own != nullptr && own->line == 0) add("hint:  ", kLineHint);
     return lines;
 }
 
 std::string packed(const StackReport& report) {
-    std::string text =
-        std::to_string(report.signal) + kFieldEnd + report.fault + kFieldEnd + report.problem + kFieldEnd;
+    std::string text = std::to_string(report.signal) + kFieldEnd + report.fault + kFieldEnd + report.problem +
+                       kFieldEnd + (report.isWhole ? "w" : "") + kFieldEnd;
     for (const ThreadStack& stack : report.threads) pack(stack, text);
     return text;
 }
@@ -130,6 +130,7 @@ StackReport unpackedReport(std::string_view text) {
     report.signal = std::atoi(take(text).c_str());
     report.fault = take(text);
     report.problem = take(text);
+    report.isWhole = !take(text).empty();
     report.threads = unpackedStacks(text);
     return report;
 }

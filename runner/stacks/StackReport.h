@@ -15,6 +15,8 @@ struct StackReport {
     std::string fault;                 ///< the address that caused the signal, and why; may be empty
     std::vector<ThreadStack> threads;  ///< the thread that got the signal; after a hang all threads
     std::string problem;               ///< why there is no stack; empty if there is one
+    bool isWhole = false;  ///< whether textOf() shows all frames of all threads, or only those up to the outermost one
+                           ///< of an add-on
 
     bool isEmpty() const { return threads.empty() && problem.empty(); }
     /// Returns the innermost frame of an add-on in the first thread; null if there is none.
@@ -25,9 +27,7 @@ struct StackReport {
 std::string faultText(const siginfo_t& signal);
 
 /// Returns the lines about \p report that follow a message, indented.
-/// \param isWhole whether all frames of all threads are shown; otherwise only those up to the outermost one of an
-/// add-on
-std::string textOf(const StackReport& report, bool isWhole);
+std::string textOf(const StackReport& report);
 
 /// \name A report as text, to send it to another process
 /// @{

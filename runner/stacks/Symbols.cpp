@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -137,6 +138,21 @@ public:
         return frames;
     }
 
+    // Returns the function by debug information; nothing if there is none for this place.
+    std::optional<Frame> functionAt(std::uintptr_t offset) const {
+        Dwarf_Addr bias = 0;
+        Dwarf_Die* const unit = unitAt(offset, bias);
+        if (unit == nullptr) return std::nullopt;
+        std::vector<Dwarf_Die> functions;
+        addFunctionsAt(*unit, m_begin + offset - bias, functions);
+        if (functions.empty()) return std::nullopt;
+        Dwarf_Die& function = functions.back();
+        int line = 0;
+        std::string file = absolute(dwarf_decl_file(&function), *unit);
+        if (file.empty() || dwarf_decl_line(&function, &line) != 0 || line <= 0) return std::nullopt;
+        return Frame{nameOf(function), std::move(file), static_cast<std::size_t>(line), "", 0};
+    }
+
     // Returns the frame by the symbol table, without object; no function if no symbol covers the place.
     Frame symbolAt(std::uintptr_t offset) const {
         GElf_Off inSymbol = 0;
@@ -171,10 +187,24 @@ Symbols::Symbols() = default;
 
 Symbols::~Symbols() = default;
 
-Stack Symbols::framesAt(const std::string& object, std::uintptr_t offset, const std::string& buildId) {
+// Returns null if the file cannot be read, or was built again.
+const Symbols::Object* Symbols::find(const std::string& object, const std::string& buildId) {
     std::unique_ptr<Object>& known = m_objects[object];
     if (known == nullptr) known = std::make_unique<Object>(object);
-    if (!known->mayBe(buildId)) return {{"", "", 0, object, offset}};
+    return known->mayBe(buildId) ? known.get() : nullptr;
+}
+
+Frame Symbols::functionAt(const std::string& object, std::uintptr_t offset, const std::string& buildId) {
+    const Object* const known = find(object, buildId);
+    if (known == nullptr) return {"", "", 0, object, offset};
+    Frame frame = known->functionAt(offset).value_or(known->symbolAt(offset));
+    frame.object = object;
+    return frame;
+}
+
+Stack Symbols::framesAt(const std::string& object, std::uintptr_t offset, const std::string& buildId) {
+    const Object* const known = find(object, buildId);
+    if (known == nullptr) return {{"", "", 0, object, offset}};
     Stack frames = known->linesAt(offset);
     if (frames.empty()) frames.push_back(known->symbolAt(offset));
     for (Frame& frame : frames) frame.object = object;

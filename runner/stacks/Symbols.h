@@ -36,8 +36,14 @@ public:
     ///                built again, and the frame has only the object and the offset. Empty if unknown.
     Stack framesAt(const std::string& object, std::uintptr_t offset, const std::string& buildId = "");
 
+    /// Returns the function with the code at \p offset, and the line where the function starts. The parameters are
+    /// those of framesAt().
+    Frame functionAt(const std::string& object, std::uintptr_t offset, const std::string& buildId = "");
+
 private:
     class Object;
+
+    const Object* find(const std::string& object, const std::string& buildId);
 
     std::map<std::string, std::unique_ptr<Object>> m_objects;  // by path
 };

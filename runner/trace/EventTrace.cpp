@@ -17,6 +17,7 @@ using standin::Entry_e;
 using standin::EntryEvent;
 using standin::Finding;
 using standin::Place;
+using standin::SourcePlace;
 using standin::StatusLine;
 using Time = std::chrono::steady_clock::time_point;
 
@@ -40,12 +41,18 @@ std::string nameOf(const EntryEvent& entry) {
     return (entry.kind == Entry_e::Loading ? "load " : "unload ") + entry.addOnId;
 }
 
+Json sourceOf(const SourcePlace& source) {
+    return {{"function", source.function}, {"file", source.file}, {"line", source.line}, {"text", source.text}};
+}
+
 Json placeOf(const Place& place) {
-    return {{"call", place.call},
-            {"function", place.function},
-            {"command", place.command},
-            {"macroLine", place.macroLine},
-            {"thread", place.thread}};
+    Json object = {{"call", place.call},
+                   {"function", place.function},
+                   {"command", place.command},
+                   {"macroLine", place.macroLine},
+                   {"thread", place.thread}};
+    if (!place.source.text.empty()) object["source"] = sourceOf(place.source);
+    return object;
 }
 
 std::string argumentsOf(const Finding& finding) {

@@ -65,14 +65,14 @@ std::string takeErrorString(HostState& state, const char* errMsg) {
 // One entry into an add-on. Without setOutcome() it counts as failed.
 class TimeInAddOn {
 public:
-    TimeInAddOn(HostState& state, Entry entry, const void* function = nullptr) : m_state(state) {
+    TimeInAddOn(HostState& state, Entry entry) : m_state(state) {
         m_event.kind = entry.kind;
         m_event.addOnId = entry.addOnId;
         m_event.command = entry.command;
         m_event.macroLine = entry.macroLine;
         m_event.threadNumber = state.threads.mine();
         m_event.thread = std::this_thread::get_id();
-        m_event.function = function;
+        m_event.function = entry.kind == Entry_e::Command ? entry.function : nullptr;
         state.contract.enter(std::move(entry));
         tell(&ObserverInterface::entryBegan);
     }
@@ -327,7 +327,7 @@ void Host::unloadAddOns() {
     while (!loaded.empty()) {
         const bool isFirstFirst = answers.is(Fact::ShutdownOrder, "firstLoadedFirst");
         const auto next = isFirstFirst ? loaded.begin() : std::prev(loaded.end());
-        TimeInAddOn time(*m_state, {Entry_e::Unloading, (*next)->info().id, "", ""});
+        TimeInAddOn time(*m_state, {Entry_e::Unloading, (*next)->info().id, "", "", 0, (*next)->shutdownFunction()});
         const LockBalance balance(m_state->lock);
         std::optional<std::string> escaped;
         if (answers.truth(Fact::ShutdownIsCalled)) escaped = (*next)->shutDown();
@@ -347,11 +347,12 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command, 
 
     CommandResult result;
     char* errMsg = nullptr;
-    TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine}, addOn->executeFunction());
+    TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine, 0, addOn->executeFunction()});
     const LockBalance balance(m_state->lock);
     const bool statusWasUp = statusLine().active;
     const std::optional<std::string> escaped =
         addOn->execute(asPassed(m_state->answers, command), result.accepted, errMsg);
+    if (!result.accepted) result.place = m_state->contract.placeOfFailure(errMsg);
     judgeOutcome(*m_state, escaped, result.accepted, errMsg);
     if (!statusWasUp) m_state->showChange(m_state->status.finish(m_state->calls.keeps()));
     const std::string error = takeErrorString(*m_state, errMsg);
@@ -361,6 +362,8 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command, 
 }
 
 void Host::setChecking(bool active) { m_state->contract.setOn(active); }
+
+void Host::onFinding(std::function<void(Finding&)> complete) { m_state->contract.onFinding(std::move(complete)); }
 
 std::vector<Finding> Host::violations() const { return m_state->contract.findings(); }
 

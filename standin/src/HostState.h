@@ -12,6 +12,7 @@
 #include "addons/AddOn.h"
 #include "answers/HostAnswers.h"
 #include "calls/CallLog.h"
+#include "calls/CodeObjects.h"
 #include "calls/FaultPlan.h"
 #include "contract/Contract.h"
 #include "contract/ThreadNumbers.h"
@@ -129,7 +130,8 @@ struct HostState {
 
     Handles<Set_s> styleSets;  ///< sets of the host that add-ons may read
 
-    Contract contract{threads, strings, [this](const Finding& finding) {
+    CodeObjects codeObjects;
+    Contract contract{threads, strings, codeObjects, [this](const Finding& finding) {
                           audience.tell([&](ObserverInterface& observer) { observer.findingMade(finding); });
                       }};
     CallProgress ownProgress;

@@ -82,10 +82,17 @@ public:
     Lines shown;
 
 private:
+    // A host that does not know what is in memory.
+    struct NoCodeObjects : CodeObjectsInterface {
+        std::shared_ptr<const CodeObject> objectAt(std::uintptr_t) override { return nullptr; }
+        void forget() override {}
+    };
+
     HostStringState stateOf(const char*) const override { return stringState; }
 
     ThreadNumbers m_threads;
-    Contract m_contract{m_threads, *this, [this](const Finding& finding) { shown.push_back(finding.rule); }};
+    NoCodeObjects m_objects;
+    Contract m_contract{m_threads, *this, m_objects, [this](const Finding& finding) { shown.push_back(finding.rule); }};
     std::size_t m_calls = 0;
 };
 

@@ -15,7 +15,8 @@ std::string messagesOf(const ProgramResult& result) {
     for (std::string line; std::getline(lines, line);) {
         const bool isIndented = line.rfind("    ", 0) == 0;
         isInFinding = isIndented ? isInFinding : line.back() == ']';
-        if (!isInFinding) messages += line + '\n';
+        const bool isHint = line.find(": compile the add-on with -g ") != std::string::npos;
+        if (!isInFinding && !isHint) messages += line + '\n';
     }
     return messages;
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -63,6 +64,12 @@ protected:
 
     /// The commands in \p recording, which is the text of a recording: all lines after the heading.
     static std::string commandsOf(const std::string& recording) { return recording.substr(recording.find('\n') + 1); }
+
+    /// \p err without what it says about the source of add-ons, which SourceLinesTest.cpp tests.
+    static std::string withoutSources(const std::string& err) {
+        static const std::regex sources("           at [^\n]*\n|vexa-standin: compile the add-on with -g [^\n]*\n");
+        return std::regex_replace(err, sources, "");
+    }
 
     /// The names of all files in the folder, in no order.
     std::vector<std::string> fileNames() const {

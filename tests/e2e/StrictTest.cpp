@@ -59,7 +59,7 @@ TEST_F(Strict, FailsForEachRuleThatIsBrokenAndNotForItsTwin) {
 
 TEST_F(Strict, ShowsWhatWhereAndHowToMendIt) {
     const ProgramResult result = run("# none\nMISBEHAVING unbalanced-lock\n", {"--strict"});
-    EXPECT_EQ(result.err,
+    EXPECT_EQ(withoutSources(result.err),
               "m.macro:2: MISBEHAVING: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command "
               "[unbalanced-lock]\n"
               "    first: call 1, VexaUtilLockStart, in \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"

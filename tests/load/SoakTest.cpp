@@ -23,9 +23,12 @@
 namespace vexa::vexautilutil {
 namespace {
 
+// The host notes the stacks of calls that open something. The second loop below has stacks of its own.
+constexpr std::size_t kStacks = 16384;
+
 // Calls `operation` many times, and expects that the process holds no more at the end than after the first tenth. The
 // operation must depend only on its number modulo 1000, so that it holds the same at both times, except for
-// `remembered` bytes.
+// `remembered` bytes, and for the stacks.
 template <class Operation>
 void soak(const char* what, long times, const Operation& operation, std::size_t remembered = 0) {
     ASSERT_EQ(times % 10000, 0) << "a tenth must be whole rounds of 1000";
@@ -41,7 +44,7 @@ void soak(const char* what, long times, const Operation& operation, std::size_t 
     EXPECT_EQ(wrong, 0);
     EXPECT_LE(late.residentKiB - early.residentKiB, 1024);
     EXPECT_GE(late.heapInUse, early.heapInUse);
-    EXPECT_LE(late.heapInUse, early.heapInUse + remembered);
+    EXPECT_LE(late.heapInUse, early.heapInUse + kStacks + remembered);
     EXPECT_EQ(late.descriptors, early.descriptors);
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -60,6 +62,25 @@ VEXASTANDIN_API const std::vector<const char*>& uncheckedMistakes();
 /// Returns what `attach` does not check in a host that is not the stand-in, whatever the rule, one sentence for each.
 VEXASTANDIN_API const std::vector<const char*>& uncheckedInOtherHosts();
 
+/// A place in the code of a program or a shared object.
+struct CodePlace {
+    std::string object;         ///< the path of the object; empty if unknown
+    std::uintptr_t offset = 0;  ///< the address as in the object's symbol table; in memory if the object is unknown
+    std::string buildId;        ///< the build id of the object, as hexadecimal digits; empty if it has none
+    bool isAddOn = false;       ///< true if the object was loaded with an add-on or later
+};
+
+/// The calls that led to an event, the innermost first. Each place is within the instruction that calls.
+using CodeStack = std::vector<CodePlace>;
+
+/// A place in the source of an add-on.
+struct SourcePlace {
+    std::string function;  ///< as in the source; empty if unknown
+    std::string file;      ///< the path of the file; empty if unknown
+    std::size_t line = 0;  ///< counted from 1; 0 if unknown
+    std::string text;      ///< one or more lines for a message; empty if nothing is known
+};
+
 /// The place of an event: host call, command, macro line and thread.
 struct Place {
     std::size_t call = 0;   ///< the number of the host call, counted from 1; 0 if the event was not a host call
@@ -67,6 +88,10 @@ struct Place {
     std::string command;    ///< `ADDON-ID text`, `loading of FILE` or `unloading of ADDON-ID`; empty outside of add-ons
     std::string macroLine;  ///< `FILE:LINE` of the command, if it came from a macro file
     std::size_t thread = 0;  ///< the thread; the host numbers threads from 1 in the order of their first event
+    /// The calls that led to the event; of the start or the end of a command only the function of the add-on. Null if
+    /// unknown.
+    std::shared_ptr<const CodeStack> stack = {};
+    SourcePlace source = {};  ///< what a function passed to Host::onFinding() found out; else empty
 };
 
 /// A violation of a rule.

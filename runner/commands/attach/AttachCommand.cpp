@@ -91,6 +91,7 @@ Command attachCommand() {
     command.add(argument("PROGRAM", "The program, after --, and its arguments", &options->program).require());
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
+    addStacksOption(command, options->contract);
     addTraceOptions(command, options->trace);
     command.add(option({"--log"}, "FILE", "Write findings to a file", &options->log));
     command.add(

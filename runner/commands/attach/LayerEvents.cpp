@@ -17,7 +17,9 @@ using standin::Finding;
 using standin::Message_e;
 
 LayerEvents::LayerEvents(const ContractOptions& options, standin::ObserverInterface* traces)
-    : m_options(options), m_traces(traces) {
+    : m_options(options),
+      m_traces(traces),
+      m_sources(options.showsStacks ? ShownStack_e::Whole : ShownStack_e::OwnLine) {
     m_host.setKeepsCalls(false);
     for (const std::string& rule : options.suppressed) m_host.suppress(rule);
 }
@@ -31,7 +33,11 @@ void LayerEvents::take(std::string_view bytes) {
         case Message_e::EntryEnded: return takeEntry(*message);
         case Message_e::CallBegan:
         case Message_e::CallEnded: return takeCall(*message);
-        case Message_e::FindingMade: return takeFinding(message->thread, std::get<Finding>(message->content));
+        case Message_e::FindingMade: {
+            auto finding = std::get<Finding>(message->content);
+            m_sources.complete(finding);
+            return takeFinding(message->thread, finding);
+        }
         case Message_e::Note: return tell(kProgramName, std::get<std::string>(message->content));
     }
 }
@@ -95,6 +101,7 @@ void LayerEvents::finish() {
     }
     if (m_wasAddOnLoaded) {
         printRestOfFindings(m_host);
+        hintAtLines(m_sources);
     } else {
         tell(kProgramName, "no add-on was loaded, so nothing was checked");
     }

@@ -47,6 +47,7 @@ private:
 
     const ContractOptions& m_options;
     standin::ObserverInterface* m_traces;
+    SourceFinder m_sources;
     standin::Host m_host;  // it runs nothing; it keeps the findings
     FindingPrinter m_printer;
     std::map<long, std::vector<OpenEntry>> m_entries;  // by thread

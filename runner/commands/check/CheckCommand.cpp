@@ -88,6 +88,7 @@ Command checkCommand() {
     command.add(coverageOption(options->coverage));
     addProblemOptions(command, options->problems);
     addSuppressOptions(command, options->session.contract);
+    addStacksOption(command, options->session.contract);
     addTimeoutOption(command, options->session.contract);
     command.add(flag({"--warnings-as-errors"}, "Also fail if a test warns",
                      switchTo(options->session.contract.warningsAsErrors, true)));

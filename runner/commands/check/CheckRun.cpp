@@ -116,6 +116,7 @@ private:
         m_subject.seed = m_options.seed.value_or(newSeed());
         m_subject.time = std::chrono::ceil<milliseconds>(Seconds(m_options.time));
         m_setting.inProcess = session().inProcess;
+        m_setting.showsWholeStacks = session().contract.showsStacks;
         m_setting.timeout = std::chrono::ceil<milliseconds>(session().contract.timeout.value_or(kTimeout));
         if (m_options.coverage) {
             m_setting.coverage = &m_coverage;

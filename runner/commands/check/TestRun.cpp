@@ -80,7 +80,7 @@ std::string whatRan(const BlackBox& box) {
 }
 
 std::string stackLines(const StackReport& stacks) {
-    return stacks.isEmpty() ? "" : '\n' + std::string(withoutTrailingBlanks(textOf(stacks, false)));
+    return stacks.isEmpty() ? "" : '\n' + std::string(withoutTrailingBlanks(textOf(stacks)));
 }
 
 std::string lastLinesOf(const std::string& output) {

@@ -111,6 +111,7 @@ ProcessEnd runWatched(const TestSetting& test, BlackBox& box, const std::functio
     setting.timeToLeave = kTimeToLeave;
     setting.leavesAtOnce = true;
     setting.readsStacks = test.readsStacks;
+    setting.showsWholeStacks = test.showsWholeStacks;
     WatchedTest watched(box, test, work);
     runInProcesses(test.signals, 1, setting, watched);
     return watched.result();

@@ -18,6 +18,7 @@ struct TestSetting {
     std::chrono::milliseconds timeout{};  ///< the limit for each command; after it, the process of the test is killed
     Coverage* coverage = nullptr;         ///< what the tests add their coverage to; null for nothing
     bool readsStacks = true;              ///< whether the stacks of a crash or a hang are of interest
+    bool showsWholeStacks = false;        ///< whether those stacks are shown whole
 };
 
 /// The end of a process that ran a test.

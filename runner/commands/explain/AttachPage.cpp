@@ -19,7 +19,9 @@ these add-ons against [the host's contract](contract.md). You change neither the
 $ vexa-standin attach --strict -- ./host --batch sweep.macro
 command 3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]
     first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", command 3, thread 1
+           at src/Mean.cpp:42, in MeanCommand::execute
     seen:  the end of "STATS MEAN ZONES = '1-3'", command 3, thread 1
+           at src/AddOn.cpp:12, in execute
     hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.
 ```
 
@@ -36,6 +38,7 @@ be a script that starts the host. The runner then watches every host that the sc
 | `--strict`             | A finding with severity error makes the exit status 3.                                     |
 | `--warnings-as-errors` | A finding of any severity makes the exit status 3.                                         |
 | `--suppress RULE`      | Ignore findings of this rule.                                                              |
+| `--stacks`             | Show the whole stacks of both places of a finding.                                         |
 | `--no-project-file`    | Do not read the project file `vexa-standin.toml`. Its time limit has no effect here.       |
 | `--log FILE`           | Write findings and notes to a file, for a program that needs the terminal for itself.      |
 | `--trace FILE`         | Write every call as [a trace event](trace.md). `vexa-standin report` makes a page of them. |

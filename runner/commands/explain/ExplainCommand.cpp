@@ -82,7 +82,9 @@ continues.
 $ vexa-standin run sweep.macro --addon ./libstats.so --strict
 sweep.macro:3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in the command [unbalanced-lock]
     first: call 7, VexaUtilLockStart, in "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+           at src/Mean.cpp:42, in MeanCommand::execute
     seen:  the end of "STATS MEAN ZONES = '1-3'", sweep.macro:3, thread 1
+           at src/AddOn.cpp:12, in execute
     hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.
 ```
 
@@ -91,6 +93,7 @@ A finding shows
 - the macro line and the add-on, what is wrong, and the name of the rule;
 - `first`: the call that started the problem;
 - `seen`: the call or the event that showed the problem;
+- below both, `at`: [the line of your source](source-lines.md);
 - `hint`: how to fix it.
 
 `vexa-standin explain` lists the rules. `vexa-standin explain RULE` explains one rule. For each rule and add-on, the
@@ -103,6 +106,7 @@ runner shows the first ten findings and counts the others.
 | `--strict`             | `strict = true`               | A finding with severity error makes the exit status 3.     |
 | `--warnings-as-errors` | `warnings-as-errors = true`   | A finding of any severity makes the exit status 3.         |
 | `--suppress RULE`      | `suppress = ["RULE", "RULE"]` | Ignore findings of the rule. May be given more than once.  |
+| `--stacks`             |                               | Show the whole stacks of findings, crashes and hangs.      |
 | `--timeout SECONDS`    | `timeout = 2.5`               | A command that takes longer makes the exit status 4.       |
 | `--no-project-file`    |                               | Do not read the project file.                              |
 

@@ -124,6 +124,7 @@ private:
         m_session.unloadAddOns();
         m_view.conclude(true);
         m_view.printFindings();
+        m_session.hintAtLines();
     }
 
     // The old code may crash meanwhile, if its file was overwritten, so the findings so far are kept first.
@@ -206,7 +207,7 @@ private:
         m_view.conclude(result.accepted);
         m_view.setPlace(kProgramName);
         m_view.printFindings();
-        if (!result.accepted) tell(command.addOnId, failureText(result));
+        if (!result.accepted) tell(command.addOnId, failureWithSource(result));
         m_seen.add(command.addOnId, command.text, result.accepted);
     }
 

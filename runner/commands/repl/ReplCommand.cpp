@@ -85,6 +85,7 @@ private:
         ProcessSetting setting;
         setting.printed = Printed_e::Inherited;
         setting.readsNothing = true;
+        setting.showsWholeStacks = m_options.contract.showsStacks;
         runInProcesses(m_signals, 1, setting, *this);
     }
 
@@ -123,6 +124,7 @@ Command replCommand() {
     command.add(addOnOption(options->addOns).require());
     command.add(styleOption(options->style));
     addHostOption(command, options->contract);
+    addStacksOption(command, options->contract);
     command.add(option({"--record"}, "FILE", "Write the commands that the add-ons record", &options->record));
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.check = [options] { refuseSecondStandardInput({"-", options->style.value_or("")}); };

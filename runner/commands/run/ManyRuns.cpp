@@ -24,6 +24,7 @@ public:
         const AwaitedSignals signals;
         if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
         ProcessSetting setting;
+        setting.showsWholeStacks = m_options.contract.showsStacks;
         setting.limitTime(m_options.contract.timeout);
         setting.jobs = jobs;
         const std::size_t ended = runInProcesses(signals, m_macroFiles.size(), setting, *this);

@@ -134,6 +134,7 @@ Command runCommand() {
     command.add(option({"--journal"}, "FILE", "Write the data-set journal", &options.journal));
     addStrictOptions(command, options.contract);
     addSuppressOptions(command, options.contract);
+    addStacksOption(command, options.contract);
     addTimeoutOption(command, options.contract);
     addTraceOptions(command, options.trace);
     command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));

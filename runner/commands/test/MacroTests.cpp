@@ -111,6 +111,7 @@ private:
         ProcessSetting setting;
         setting.jobs = m_options.jobs;
         setting.printed = Printed_e::CaughtAsOne;
+        setting.showsWholeStacks = m_options.contract.showsStacks;
         setting.limitTime(m_options.contract.timeout);
         m_transcripts.resize(m_macros.size());
         return runInProcesses(signals, m_macros.size(), setting, *this);
@@ -193,7 +194,7 @@ private:
         if (outcome.end == End_e::TimedOut)
             return {false,
                     "it did not return within its time limit",
-                    textOf(lateFinding(box)) + textOf(outcome.stacks, false),
+                    textOf(lateFinding(box)) + textOf(outcome.stacks),
                     {lateProblem(box, outcome, macro)}};
         if (wasInterrupted(outcome)) {
             m_isStopped = true;

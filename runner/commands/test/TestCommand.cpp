@@ -86,6 +86,7 @@ Command testCommand() {
     addProblemOptions(command, options->problems);
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
+    addStacksOption(command, options->contract);
     addTimeoutOption(command, options->contract);
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options->inProcess));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options->batch));

@@ -142,7 +142,7 @@ private:
     void explain(const standin::Finding& finding, const StackReport& stacks = {}) {
         const std::string ending = "    more:  vexa-standin explain " + finding.rule + '\n' + m_debugLines.of(finding);
         const std::string text = m_causes.add(finding) ? textOf(finding) + ending : briefTextOf(finding);
-        m_notes.tell(kExplainedNote, text + textOf(stacks, false));
+        m_notes.tell(kExplainedNote, text + textOf(stacks));
         Problem problem = problemOf(finding, m_macroFile);
         addStacks(problem, stacks);
         m_notes.tell(kProblemNote, packed(problem));

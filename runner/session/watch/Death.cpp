@@ -70,7 +70,7 @@ std::string howItEnded(int waitStatus) {
 }
 
 std::string deathText(const ProcessBox& box, const ProcessOutcome& outcome) {
-    return placeOf(box) + ": error: " + deathMessage(box, outcome) + '\n' + textOf(outcome.stacks, false);
+    return placeOf(box) + ": error: " + deathMessage(box, outcome) + '\n' + textOf(outcome.stacks);
 }
 
 void tellDeath(const ProcessBox& box, const ProcessOutcome& outcome) {
@@ -113,7 +113,7 @@ Problem lateProblem(const ProcessBox& box, const ProcessOutcome& outcome, const 
 }
 
 void tellStacks(const StackReport& stacks) {
-    if (!stacks.isEmpty()) tellLines("", textOf(stacks, false));
+    if (!stacks.isEmpty()) tellLines("", textOf(stacks));
 }
 
 // If the status line is drawn, it shows that the task is stopping.

@@ -98,7 +98,7 @@ public:
         while (const auto message = m_mailbox.next()) handOn(*message);
         if (m_setting.isTimed && !m_isKilled && m_box->isLate(m_setting.grace)) {
             m_isKilled = true;
-            if (m_setting.readsStacks) m_stacksAtLimit = m_stacks.ofHang(m_child.id(), 0);
+            if (m_setting.readsStacks) m_stacksAtLimit = stacksOfHang(0);
             m_child.kill();
         }
     }
@@ -111,6 +111,7 @@ public:
         const pid_t id = m_child.id();
         outcome.waitStatus = m_child.reap();
         outcome.stacks = m_isKilled ? std::move(m_stacksAtLimit) : m_stacks.ofEnd(id, outcome.waitStatus);
+        outcome.stacks.isWhole = m_setting.showsWholeStacks;
         m_stacks.forget(id);
         outcome.status = m_box->status();
         const bool hasLeft =
@@ -141,11 +142,17 @@ private:
         }
     }
 
+    StackReport stacksOfHang(pid_t asker) {
+        StackReport report = m_stacks.ofHang(m_child.id(), asker);
+        report.isWhole = m_setting.showsWholeStacks;
+        return report;
+    }
+
     // The process does not use up its time while it is stopped.
     void answerStacks(const std::string& asker) {
         const Clock::time_point begin = Clock::now();
         const auto thread = static_cast<pid_t>(std::strtol(asker.c_str(), nullptr, 10));
-        m_mailbox.answer(packed(m_stacks.ofHang(m_child.id(), thread)));
+        m_mailbox.answer(packed(stacksOfHang(thread)));
         m_box->forgive(Clock::now() - begin);
     }
 

@@ -79,7 +79,8 @@ struct ProcessSetting {
     }
     /// Whether the processes end without exit handlers. A process in which an add-on has left a thread always does.
     bool leavesAtOnce = false;
-    bool readsStacks = true;  ///< whether the stacks of a crash or a hang are read
+    bool readsStacks = true;        ///< whether the stacks of a crash or a hang are read
+    bool showsWholeStacks = false;  ///< whether those stacks are shown whole
 };
 
 /// Does \p count pieces of work, each in its own process, and watches these processes. The status that a process

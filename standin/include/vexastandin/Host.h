@@ -38,6 +38,7 @@ using AddOnEntry = const VexaAddOn_s* (*)(AddOnList_s* self);
 struct CommandResult {
     bool accepted = false;  ///< true if the add-on reported success
     std::string error;      ///< the add-on's message, or the text of its exception; empty on success
+    Place place = {};  ///< of a failure: the call that made the message, or the end of the command; else empty
 };
 
 /// Reports an add-on that cannot be loaded. The message is one line: the file and the reason.
@@ -237,6 +238,11 @@ public:
     /// From now on the host passes all events to \p observer; null for no observer. Call this while the host is not in
     /// an add-on. The observer must live until it is replaced or the host is destroyed.
     void setObserver(ObserverInterface* observer);
+    /// From now on the host passes each finding to \p complete before it keeps or reports the finding, so that the
+    /// function can add the lines of the source; null for no function. It is called while the code of the add-on is
+    /// loaded or has just been unloaded, on the thread of the finding, on one thread at a time. It must not call the
+    /// host.
+    void onFinding(std::function<void(Finding&)> complete);
     /// @}
 
 private:

@@ -106,8 +106,6 @@ std::optional<std::string> AddOn::execute(const std::string& command, bool& acce
     return whatEscapes("the add-on", [&] { accepted = m_description->execute(command.c_str(), &errMsg) == 1; });
 }
 
-const void* AddOn::executeFunction() const { return reinterpret_cast<const void*>(m_description->execute); }
-
 std::optional<std::string> AddOn::shutDown() const {
     if (m_description->shutdown == nullptr) return std::nullopt;
     return whatEscapes("its shutdown", m_description->shutdown);

@@ -42,9 +42,11 @@ public:
     /// \return the exception that escaped, as text; nothing if none escaped.
     std::optional<std::string> shutDown() const;
 
+    /// The functions of the add-on that execute() and shutDown() call; null if there is none.
+    const void* executeFunction() const { return reinterpret_cast<const void*>(m_description->execute); }
+    const void* shutdownFunction() const { return reinterpret_cast<const void*>(m_description->shutdown); }
+
     const AddOnInfo& info() const { return m_info; }
-    /// Returns the address of the add-on's function that runs commands. Call enter() before.
-    const void* executeFunction() const;
     const AddOnList_s* identity() const { return m_identity.get(); }
     /// Returns true if both have the same entry, that is, the same code.
     bool hasSameEntry(const AddOn& other) const { return m_entry == other.m_entry; }

@@ -84,6 +84,15 @@ TEST_P(SymbolsOf, NameTheLineAndTheFunction) {
     }
 }
 
+TEST_P(SymbolsOf, NameTheStartOfAFunction) {
+    Symbols symbols;
+    const Frame frame = symbols.functionAt(GetParam(), MarkedPlace(GetParam(), "plain").offset());
+    EXPECT_EQ(frame.object, GetParam());
+    EXPECT_EQ(frame.line, hasLines(GetParam()) ? lineOf("function") : 0U);
+    const std::string name = hasLines(GetParam()) ? "marked::plainPlace(int&)" : frame.function;
+    EXPECT_EQ(frame.function, name);
+}
+
 TEST_P(SymbolsOf, NameAFunctionThatWasInlined) {
     const Stack frames = framesAt("outer");
     if (!hasLines(GetParam())) {

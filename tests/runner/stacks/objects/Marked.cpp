@@ -17,8 +17,8 @@ __attribute__((always_inline)) inline const void* inlinedPlace(int& calls) {
 
 namespace marked {
 
-__attribute__((visibility("default"))) const void* plainPlace(int& calls) {
-    const void* const place = afterCall();  // MARK plain
+__attribute__((noinline, visibility("default"))) const void* plainPlace(int& calls) {  // MARK function
+    const void* const place = afterCall();                                             // MARK plain
     ++calls;
     return place;
 }

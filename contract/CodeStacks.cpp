@@ -1,0 +1,92 @@
+#include "contract/CodeStacks.h"
+
+#include <unwind.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace vexa::standin {
+namespace {
+
+constexpr std::size_t kMostStacks = 4096;
+
+// Returns the place of an instruction; `object` is null if it is unknown.
+CodePlace placeOf(const CodeObject* object, std::uintptr_t address) {
+    if (object == nullptr) return {"", address, "", false};
+    return {object->path, address - object->loadedAt, object->buildId, object->isOfAddOn};
+}
+
+}  // namespace
+
+// Walks the stack of the calling thread.
+struct CodeStacks::Walk {
+    std::vector<std::uintptr_t> addresses;
+    Image image;
+    bool isInMemory = true;  // whether all return addresses are where the image says
+
+    // Called by the unwinder, whose stack pointer of a frame is the one after the return to this frame.
+    static _Unwind_Reason_Code add(_Unwind_Context* context, void* walk) {
+        int isBefore = 0;
+        const std::uintptr_t address = _Unwind_GetIPInfo(context, &isBefore);
+        const auto* const slot = reinterpret_cast<const std::uintptr_t*>(_Unwind_GetCFA(context)) - 1;
+        return static_cast<Walk*>(walk)->add(address, slot, isBefore != 0);
+    }
+
+private:
+    // `isBefore` is true for the code that a signal interrupted, which has called nothing.
+    _Unwind_Reason_Code add(std::uintptr_t address, const std::uintptr_t* slot, bool isBefore) {
+        if (address == 0) return _URC_END_OF_STACK;
+        addresses.push_back(isBefore ? address : address - 1);
+        isInMemory = isInMemory && !isBefore && *slot == address;
+        image.slots[image.count++] = {slot, address};
+        return image.count == kMostPlaces ? _URC_END_OF_STACK : _URC_NO_REASON;
+    }
+};
+
+// A call of this function has a frame of its own, so the frame's address and the return addresses identify a stack.
+[[gnu::noinline]] std::shared_ptr<const CodeStack> CodeStacks::capture() {
+    const void* const frame = __builtin_frame_address(0);
+    if (const Image* const image = findImage(frame)) return image->stack;
+    Walk walk;
+    walk.addresses.reserve(kMostPlaces);
+    _Unwind_Backtrace(&Walk::add, &walk);
+    std::shared_ptr<const CodeStack> stack = keep(walk.addresses);
+    if (walk.isInMemory && walk.image.count > 1) {
+        walk.image.frame = frame;
+        walk.image.stack = stack;
+        m_images[m_nextImage++ % m_images.size()] = std::move(walk.image);
+    }
+    return stack;
+}
+
+std::shared_ptr<const CodeStack> CodeStacks::of(const void* function) {
+    return function == nullptr ? nullptr : keep({reinterpret_cast<std::uintptr_t>(function)});
+}
+
+void CodeStacks::forget() {
+    m_stacks.clear();
+    m_images = {};
+    m_objects.forget();
+}
+
+std::shared_ptr<const CodeStack> CodeStacks::keep(const std::vector<std::uintptr_t>& addresses) {
+    if (m_stacks.size() == kMostStacks) m_stacks.clear();
+    const auto [entry, isNew] = m_stacks.try_emplace(addresses, nullptr);
+    if (!isNew) return entry->second;
+    auto stack = std::make_shared<CodeStack>();
+    for (const std::uintptr_t address : addresses)
+        stack->push_back(placeOf(m_objects.objectAt(address).get(), address));
+    return entry->second = std::move(stack);
+}
+
+// The first slot was overwritten when the unwinder returned. The others are above the frame, on the stack of the
+// thread.
+const CodeStacks::Image* CodeStacks::findImage(const void* frame) const {
+    const auto found = std::find_if(m_images.begin(), m_images.end(), [frame](const Image& image) {
+        return image.frame == frame && std::all_of(image.slots.begin() + 1, image.slots.begin() + image.count,
+                                                   [](const Slot& slot) { return *slot.at == slot.value; });
+    });
+    return found == m_images.end() ? nullptr : &*found;
+}
+
+}  // namespace vexa::standin

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vexastandin/Finding.h"
+
+namespace vexa::standin {
+
+/// A program or a shared object in memory.
+struct CodeObject {
+    std::uintptr_t loadedAt = 0;  ///< what to subtract from an address to get that in the symbol table
+    std::string path;
+    std::string buildId;
+    bool isOfAddOn = false;
+};
+
+/// Knows the objects in memory. A host implements it.
+class CodeObjectsInterface {
+public:
+    CodeObjectsInterface() = default;
+    CodeObjectsInterface(const CodeObjectsInterface&) = delete;
+    CodeObjectsInterface& operator=(const CodeObjectsInterface&) = delete;
+    virtual ~CodeObjectsInterface() = default;
+
+    /// Returns the object with the code at \p address; null if there is none.
+    virtual std::shared_ptr<const CodeObject> objectAt(std::uintptr_t address) = 0;
+    /// An add-on is about to be loaded or unloaded: what is in memory will change.
+    virtual void forget() = 0;
+};
+
+/// Keeps each stack from which the host was called once, so that noting a stack again costs little.
+///
+/// Walking a stack takes longer than most host calls, and loops make the same calls. So the object keeps where on the
+/// stack the return addresses are. If they are still there, the stack is the same.
+///
+/// Threads: one thread at a time may use the object.
+class CodeStacks {
+public:
+    explicit CodeStacks(CodeObjectsInterface& objects) : m_objects(objects) {}
+
+    /// Returns the stack of the calling thread.
+    std::shared_ptr<const CodeStack> capture();
+    /// Returns a stack that has only \p function; null for null.
+    std::shared_ptr<const CodeStack> of(const void* function);
+    /// An add-on is about to be loaded or unloaded: the same addresses may soon mean other code.
+    void forget();
+
+private:
+    static constexpr std::size_t kMostPlaces = 48;
+
+    struct Slot {
+        const std::uintptr_t* at;  // where on the stack the return address is
+        std::uintptr_t value;
+    };
+    // A stack as it was in memory.
+    struct Image {
+        const void* frame = nullptr;  // of capture()
+        std::size_t count = 0;
+        std::array<Slot, kMostPlaces> slots{};
+        std::shared_ptr<const CodeStack> stack;
+    };
+    struct Walk;
+
+    std::shared_ptr<const CodeStack> keep(const std::vector<std::uintptr_t>& addresses);
+    const Image* findImage(const void* frame) const;
+
+    CodeObjectsInterface& m_objects;
+    std::map<std::vector<std::uintptr_t>, std::shared_ptr<const CodeStack>> m_stacks;  // by addresses
+    std::array<Image, 16> m_images{};  // of the last stacks that were walked
+    std::size_t m_nextImage = 0;
+};
+
+}  // namespace vexa::standin

@@ -1,0 +1,128 @@
+#include "stacks/SourceFinder.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "stacks/StackText.h"
+
+namespace vexa::runner {
+namespace {
+
+using standin::CodePlace;
+
+// The libraries that add-ons share. An add-on may bring its own copies.
+constexpr std::string_view kLibrary = "libvexautilutil_utils.so";
+constexpr std::string_view kClassLibraries = "libvexahostlibs.so";
+constexpr std::array<std::string_view, 12> kSharedLibraries = {
+    kLibrary,       kClassLibraries, "libvexastandin.so", "libvexalayer.so", "libstdc++.so",  "libc++.so",
+    "libc++abi.so", "libgcc_s.so",   "libc.so",           "libm.so",         "libpthread.so", "libdl.so"};
+
+// Parts of the paths of headers whose inline functions are compiled into add-ons.
+constexpr std::array<std::string_view, 5> kForeignSources = {"/usr/include/", "/usr/lib/", "/include/vexautilutil/",
+                                                             "/include/vexa/", "/include/c++/"};
+
+bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+bool isNamedAs(const std::string& object, std::string_view library) {
+    return startsWith(std::string_view(object).substr(object.rfind('/') + 1), library);
+}
+
+// Returns true for code of the add-on itself.
+bool isOwn(const CodePlace& place) {
+    return place.isAddOn && std::none_of(kSharedLibraries.begin(), kSharedLibraries.end(),
+                                         [&](std::string_view library) { return isNamedAs(place.object, library); });
+}
+
+// Returns true for code of the add-on, and of the libraries through which it calls the host.
+bool isOutsideHost(const CodePlace& place) {
+    return isOwn(place) || isNamedAs(place.object, kLibrary) || isNamedAs(place.object, kClassLibraries);
+}
+
+bool isOwnSource(const Frame& frame) {
+    return frame.line != 0 && std::none_of(kForeignSources.begin(), kForeignSources.end(), [&](std::string_view part) {
+               return frame.file.find(part) != std::string::npos;
+           });
+}
+
+std::string withoutLastLineFeed(std::string text) {
+    if (!text.empty()) text.pop_back();
+    return text;
+}
+
+// Returns the frame that the author of the add-on should look at. `frames` is not empty.
+const Frame& ownFrame(const Stack& frames) {
+    const auto own = std::find_if(frames.begin(), frames.end(), isOwnSource);
+    return own == frames.end() ? frames.front() : *own;
+}
+
+}  // namespace
+
+void SourceFinder::complete(standin::Finding& finding) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    for (standin::Place* const place : {finding.opened ? &*finding.opened : nullptr, &finding.seen}) {
+        if (place == nullptr) continue;
+        complete(*place);
+        m_lacksLines = m_lacksLines || (!place->source.text.empty() && place->source.line == 0);
+    }
+}
+
+void SourceFinder::completeFailure(standin::Place& place) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    complete(place);
+    if (place.source.line == 0 && m_shown == ShownStack_e::OwnLine) place.source = {};
+}
+
+void SourceFinder::complete(standin::Place& place) {
+    if (place.stack == nullptr) return;
+    const Stack own = place.call == 0 ? functionOf(*place.stack) : ownFramesOf(*place.stack);
+    if (own.empty()) return;
+    const Frame& frame = ownFrame(own);
+    const bool isWhole = m_shown == ShownStack_e::Whole && place.call != 0;
+    place.source = {frame.function, frame.file, frame.line, "at " + textOf(frame)};
+    if (isWhole) place.source.text = withoutLastLineFeed(textOf(framesOf(*place.stack)));
+}
+
+bool SourceFinder::lacksLines() const {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_lacksLines;
+}
+
+Stack SourceFinder::functionOf(const std::vector<CodePlace>& stack) {
+    if (stack.empty() || !isOwn(stack.front())) return {};
+    const CodePlace& function = stack.front();
+    return {m_symbols.functionAt(function.object, function.offset, function.buildId)};
+}
+
+// Goes on to the next code of the add-on if an inline function of a library called the host.
+Stack SourceFinder::ownFramesOf(const std::vector<CodePlace>& stack) {
+    Stack own;
+    for (const CodePlace& place : stack) {
+        if (!isOwn(place)) continue;
+        const Stack& frames = framesAt(place);
+        own.insert(own.end(), frames.begin(), frames.end());
+        if (std::any_of(frames.begin(), frames.end(), isOwnSource)) break;
+    }
+    return own;
+}
+
+Stack SourceFinder::framesOf(const std::vector<CodePlace>& stack) {
+    const auto begin = std::find_if(stack.begin(), stack.end(), isOutsideHost);
+    const auto end = std::find_if(stack.rbegin(), stack.rend(), isOwn).base();
+    Stack frames;
+    for (auto place = begin; place < end; ++place) {
+        const Stack& here = framesAt(*place);
+        frames.insert(frames.end(), here.begin(), here.end());
+    }
+    return frames;
+}
+
+const Stack& SourceFinder::framesAt(const CodePlace& place) {
+    Stack& frames = m_known[{place.object, place.offset, place.buildId}];
+    if (frames.empty()) frames = m_symbols.framesAt(place.object, place.offset, place.buildId);
+    return frames;
+}
+
+}  // namespace vexa::runner
