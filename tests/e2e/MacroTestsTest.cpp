@@ -179,12 +179,15 @@ TEST_F(MacroTests, ShowPlaceAndHintOfEachCauseOnce) {
         out.find('\n') + 1)
         << out;
     EXPECT_NE(out.find("\n    hint:  Use an AddOnIdLock"), std::string::npos) << out;
-    EXPECT_NE(out.find("\n    more:  vexa-standin explain unbalanced-lock\n"
-                       "t/m.macro:3: ONE: " +
-                       head + ", as before\nt/m.macro:4: ONE: warning: "),
+    const std::string debug =
+        "    debug: vexa-standin debug t/m.macro --addon " ADDON_ONE " --strict --keep-going --rule ";
+    EXPECT_NE(out.find("\n    more:  vexa-standin explain unbalanced-lock\n" + debug + "unbalanced-lock\n" +
+                       "t/m.macro:3: ONE: " + head + ", as before\nt/m.macro:4: ONE: warning: "),
               std::string::npos)
         << out;
-    EXPECT_NE(out.find("\n    more:  vexa-standin explain missing-errmsg\n0 of 1 macros passed\n"), std::string::npos)
+    EXPECT_NE(out.find("\n    more:  vexa-standin explain missing-errmsg\n" + debug +
+                       "missing-errmsg\n0 of 1 macros passed\n"),
+              std::string::npos)
         << out;
 }
 

@@ -64,7 +64,8 @@ TEST_F(Strict, ShowsWhatWhereAndHowToMendIt) {
               "[unbalanced-lock]\n"
               "    first: call 1, VexaUtilLockStart, in \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
               "    seen:  the end of \"MISBEHAVING unbalanced-lock\", m.macro:2, thread 1\n"
-              "    hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.\n");
+              "    hint:  Use an AddOnIdLock. It releases the lock on every return and on every exception.\n"
+              "    debug: vexa-standin debug m.macro --addon " ADDON_MISBEHAVING " --strict --rule unbalanced-lock\n");
 }
 
 TEST_F(Strict, IsNeededForFindingsToCount) {
@@ -159,7 +160,9 @@ TEST_F(Replay, RefusesACommandThatFails) {
         "thread 1\n"
         "    seen:  the end of \"MISBEHAVING no-such-command\", m.macro:1\n"
         "    hint:  Record the text that MacroCommandAbstract::toString() returns, or write all options yourself, "
-        "quoted as the command reads them.\n");
+        "quoted as the command reads them.\n"
+        "    debug: vexa-standin debug m.macro --addon " ADDON_MISBEHAVING
+        " --strict --rule recording-not-replayable\n");
 }
 
 TEST_F(Replay, RefusesACommandThatRecordsSomethingElse) {

@@ -24,6 +24,11 @@ const std::string kHint =
     "    hint:  Look at the last host call and at the text of the command. Usual causes are a missing closing "
     "quote, a loop that waits for more text, and a lock that is taken twice.\n";
 
+// The line with which the finding ends, for a run with these options.
+std::string debugLine(const std::string& options) {
+    return "    debug: vexa-standin debug m.macro --addon " + options + " --timeout 2 --hang\n";
+}
+
 TEST_F(Timeout, TellsWhichCommandHangsAndEndsTheProgram) {
     const ProgramResult result = runHanging("HANGING 'a'\nHANGING 'b\nHANGING 'c'\n");
     EXPECT_EQ(result.status, 4);
@@ -32,7 +37,7 @@ TEST_F(Timeout, TellsWhichCommandHangsAndEndsTheProgram) {
               "m.macro:2: HANGING: error: \"HANGING 'b\" has not returned within 2 seconds; it made no host call "
               "[command-timeout]\n"
               "    first: the beginning of \"HANGING 'b\", m.macro:2, thread 1\n" +
-                  kHint);
+                  kHint + debugLine(ADDON_HANGING));
 }
 
 TEST_F(Timeout, TellsTheLastHostCall) {
@@ -46,7 +51,7 @@ TEST_F(Timeout, TellsTheLastHostCall) {
         "    first: the beginning of \"MISBEHAVING command-timeout\", m.macro:2, thread 1\n"
         "    seen:  call 7, VexaUtilMacroIsBatchModeActive, in \"MISBEHAVING command-timeout\", m.macro:2, thread "
         "1\n" +
-            kHint);
+            kHint + debugLine(ADDON_MISBEHAVING));
 }
 
 TEST_F(Timeout, NamesTheHostCallOfALoopOfCalls) {
@@ -103,7 +108,7 @@ TEST_F(Timeout, LeavesNoFileOfARunThatDidNotBegin) {
     EXPECT_EQ(withoutStack(result.err), "error: \"loading of " ADDON_HANGING_AT_ENTRY
                           "\" has not returned within 2 seconds; it made no host call [command-timeout]\n"
                           "    first: the beginning of \"loading of " ADDON_HANGING_AT_ENTRY "\", thread 1\n" +
-                              kHint);
+                              kHint + debugLine(ADDON_HANGING_AT_ENTRY " --strict"));
 }
 
 TEST_F(Timeout, IsForUnloadingToo) {
