@@ -82,7 +82,7 @@ constexpr const char* kLook = R"(
     document.body.prepend(seen);
     const look = () => {
         window.dispatchEvent(new Event('beforeprint'));
-        seen.append(`view ${canvas.dataset.from} ${canvas.dataset.to} ${document.getElementById('selection').textContent}\n`);
+        seen.append(`timeline shows ${canvas.dataset.from} ${canvas.dataset.to} ${document.getElementById('selection').textContent}\n`);
     };
     const click = (selector) => {
         document.querySelector(selector).click();
@@ -102,12 +102,13 @@ constexpr const char* kLook = R"(
 )";
 
 std::vector<View> viewsIn(const std::string& page) {
+    const std::string kShows = "timeline shows ";
     std::vector<View> views;
     std::istringstream lines(page);
     for (std::string line; std::getline(lines, line);) {
-        const std::size_t begin = line.find("view ");
+        const std::size_t begin = line.find(kShows);
         if (begin == std::string::npos) continue;
-        std::istringstream words(line.substr(begin + 5));
+        std::istringstream words(line.substr(begin + kShows.size()));
         View& view = views.emplace_back();
         words >> view.from >> view.to;
         std::getline(words >> std::ws, view.selection);

@@ -40,9 +40,8 @@ function describeNode(node) {
   const facts = [
     ['Time', `${timeText(node.total)}, ${shareText(node.total, nodes[0].total)} of the run`],
     ['Without what is in it', timeText(node.self)],
-    ['How often', numberText(node.count)],
-    ['Longest', timeText(node.longest)],
   ];
+  if (node.count) facts.push(['How often', numberText(node.count)], ['Longest', timeText(node.longest)]);
   if (data.other) facts.push(['In the other run', before ? `${timeText(before.total)}, ${numberText(before.count)} times` : 'absent']);
   byId('flame-selection').replaceChildren(element('h3', {}, node.name), listOfFacts(facts));
 }

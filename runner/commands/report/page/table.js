@@ -17,7 +17,7 @@ function table(caption, columns, allRows, {isTall = () => false, onRows = () => 
   const isNarrow = () => getComputedStyle(grid).getPropertyValue('--stacked').trim() === '1';
 
   function measure() {
-    const line = 1.5 * parseFloat(getComputedStyle(grid).fontSize);
+    const line = 1.5 * (parseFloat(getComputedStyle(grid).fontSize) || 15);  // none before the table is in the page
     const lines = isNarrow() ? columns.length : 1;
     tops = [0];
     for (const row of rows) tops.push(tops[tops.length - 1] + (lines + (isTall(row) ? 1 : 0)) * line + 9);
