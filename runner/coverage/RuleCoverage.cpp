@@ -19,44 +19,6 @@ bool contains(const Names& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool hasCommand(const TracedRun& run, bool succeeded) {
-    return std::any_of(run.entries.begin(), run.entries.end(), [=](const TracedEntry& entry) {
-        return entry.kind == "command" && entry.succeeded == succeeded && run.spans[entry.span].end;
-    });
-}
-
-bool hasSecondThread(const TracedRun& run) {
-    return std::count_if(run.tracks.begin(), run.tracks.end(),
-                         [](const TracedTrack& track) { return !track.isScope; }) > 1;
-}
-
-bool hasRecording(const TracedRun& run) { return std::any_of(run.spans.begin(), run.spans.end(), isRecording); }
-
-RunEvents eventsOf(const TracedRun& run) {
-    RunEvents events;
-    for (const TracedSpan& span : run.spans) {
-        if (span.kind == Kind_e::Call) events.functions.insert(span.name);
-    }
-    events.hasEntry = !run.entries.empty();
-    events.hasAcceptedCommand = hasCommand(run, true);
-    events.hasFailedCommand = hasCommand(run, false);
-    events.hasSecondThread = hasSecondThread(run);
-    events.hasTimeLimit = run.hasTimeLimit;
-    events.isReplayed = run.isStrict && hasRecording(run);
-    return events;
-}
-
-std::size_t findingsOf(const TracedRun& run, const std::string& rule) {
-    return static_cast<std::size_t>(std::count_if(run.findings.begin(), run.findings.end(),
-                                                  [&](const TracedFinding& finding) { return finding.rule == rule; }));
-}
-
-Coverage_e coverageOf(const TracedRun& run, const RunEvents& events, const Rule& rule, std::size_t findings) {
-    if (findings != 0) return Coverage_e::Broken;
-    if (contains(run.suppressed, rule.name)) return Coverage_e::Suppressed;
-    return isTouched(events, *standin::findTrigger(rule.name)) ? Coverage_e::Touched : Coverage_e::Untouched;
-}
-
 }  // namespace
 
 bool isTouched(const RunEvents& events, const RuleTrigger& trigger) {
@@ -89,13 +51,44 @@ std::string whatTouches(const std::string& rule) {
     return "";
 }
 
-std::vector<RuleCoverage> coverageOf(const TracedRun& run) {
-    const RunEvents events = eventsOf(run);
+void RuleCoverageCollector::runBegan(const TracedFacts& facts) {
+    m_events.hasTimeLimit = facts.hasTimeLimit;
+    m_isStrict = facts.isStrict;
+    m_suppressed = facts.suppressed;
+}
+
+void RuleCoverageCollector::trackChanged(std::size_t track, const TracedTrack& facts) {
+    if (facts.isScope) {
+        m_threads.erase(track);
+    } else {
+        m_threads.insert(track);
+    }
+    m_events.hasSecondThread = m_threads.size() > 1;
+}
+
+void RuleCoverageCollector::spanEnded(const TracedSpan& span, const TracedEntry* entry) {
+    if (span.kind == Kind_e::Call && m_events.functions.count(span.name) == 0) m_events.functions.insert(span.name);
+    if (m_isStrict && isRecording(span)) m_events.isReplayed = true;
+    if (entry == nullptr) return;
+    m_events.hasEntry = true;
+    if (entry->kind != "command" || !span.end) return;
+    (entry->succeeded ? m_events.hasAcceptedCommand : m_events.hasFailedCommand) = true;
+}
+
+std::vector<RuleCoverage> RuleCoverageCollector::coverage() const {
     std::vector<RuleCoverage> all;
     for (const Rule& rule : standin::rules()) {
-        const std::size_t findings = findingsOf(run, rule.name);
-        const Coverage_e coverage = coverageOf(run, events, rule, findings);
-        all.push_back({&rule, coverage, whatTouches(rule.name), findings});
+        const auto findings = m_findings.find(rule.name);
+        const std::size_t count = findings == m_findings.end() ? 0 : findings->second;
+        Coverage_e coverage = Coverage_e::Untouched;
+        if (count != 0) {
+            coverage = Coverage_e::Broken;
+        } else if (contains(m_suppressed, rule.name)) {
+            coverage = Coverage_e::Suppressed;
+        } else if (isTouched(m_events, *standin::findTrigger(rule.name))) {
+            coverage = Coverage_e::Touched;
+        }
+        all.push_back({&rule, coverage, whatTouches(rule.name), count});
     }
     return all;
 }

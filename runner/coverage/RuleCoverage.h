@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -41,9 +42,25 @@ struct RuleCoverage {
     std::size_t findings = 0;  ///< how many findings there are
 };
 
-/// Returns the coverage of every rule of rules(). A rule is touched if a function that it is about was called, or if
-/// its event happened. The run may not have tried every way to break a touched rule.
-std::vector<RuleCoverage> coverageOf(const TracedRun& run);
+/// Finds the coverage of every rule of rules() from the events of a trace. A rule is touched if a function that it is
+/// about was called, or if its event happened. The run may not have tried every way to break a touched rule.
+class RuleCoverageCollector {
+public:
+    void runBegan(const TracedFacts& facts);
+    void trackChanged(std::size_t track, const TracedTrack& facts);
+    /// \param entry the facts of an entry, null for other spans
+    void spanEnded(const TracedSpan& span, const TracedEntry* entry);
+    void findingMade(const std::string& rule) { ++m_findings[rule]; }
+
+    std::vector<RuleCoverage> coverage() const;
+
+private:
+    RunEvents m_events;
+    bool m_isStrict = false;
+    std::vector<std::string> m_suppressed;
+    std::set<std::size_t> m_threads;  // tracks
+    std::map<std::string, std::size_t> m_findings;
+};
 
 /// Describes for the user what touches \p rule: a list of functions, or an event. Empty for an unknown rule.
 std::string whatTouches(const std::string& rule);

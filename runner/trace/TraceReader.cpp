@@ -4,14 +4,16 @@
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <sstream>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "system/files/InputLines.h"
 #include "system/files/StandardStreams.h"
 #include "system/files/WholeFile.h"
 #include "text/ShortText.h"
+#include "trace/TracedRunBuilder.h"
 
 namespace vexa::runner {
 namespace {
@@ -74,9 +76,11 @@ void checkFinding(const Json& facts) {
     checkPlace(facts.at("seen"));
 }
 
-// Builds the run from its events, in their order.
-class RunBuilder {
+// Turns the JSON events of a trace into calls of a visitor.
+class EventReader {
 public:
+    explicit EventReader(TraceVisitorInterface& visitor) : m_visitor(visitor) {}
+
     // Throws an exception of the JSON library if a part of the event is missing or has the wrong type, and
     // std::invalid_argument if the event does not fit those before it.
     void add(const Json& event) {
@@ -84,33 +88,50 @@ public:
         if (!m_hasHeader) return readHeader(event);
         if (phase == "M") return readName(event);
         const std::int64_t time = timeOf(event);
-        m_run.end = std::max(m_run.end, time);
+        m_end = std::max(m_end, time);
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
         if (phase == "i") return readInstant(event, time);
         if (phase != "C") throw std::invalid_argument("an event of unknown type " + Json(shortText(phase)).dump());
-        m_run.percents.emplace_back(time, integerIn(event.at("args").at("percent")));
+        m_visitor.percentChanged(time, integerIn(event.at("args").at("percent")));
     }
 
     bool hasHeader() const { return m_hasHeader; }
-    TracedRun take() { return std::move(m_run); }
+
+    // Call it after the last event.
+    void finish() {
+        for (auto& [track, spans] : m_openSpans) {
+            for (; !spans.empty(); spans.pop_back()) passEnd(spans.back());
+        }
+        m_visitor.runEnded(m_end, m_outcome);
+    }
 
 private:
+    struct OpenSpan {
+        std::size_t index = 0;
+        TracedSpan span;
+    };
+
     void readHeader(const Json& event) {
         if (event.at("cat") != "run" || event.at("name") != "run") throw std::invalid_argument(kNoTrace);
-        const Json& facts = event.at("args");
-        m_run.tool = facts.at("tool");
-        m_run.macroFile = facts.at("macroFile");
-        m_run.options = optionsIn(facts.at("options"));
-        m_run.isStrict = facts.at("isStrict");
-        m_run.hasTimeLimit = facts.at("hasTimeLimit");
-        m_run.suppressed = facts.at("suppressed").get<std::vector<std::string>>();
+        const Json& json = event.at("args");
+        TracedFacts facts;
+        facts.tool = json.at("tool");
+        facts.macroFile = json.at("macroFile");
+        facts.options = optionsIn(json.at("options"));
+        facts.isStrict = json.at("isStrict");
+        facts.hasTimeLimit = json.at("hasTimeLimit");
+        facts.suppressed = json.at("suppressed").get<std::vector<std::string>>();
         m_origin = event.at("ts");
         m_hasHeader = true;
+        m_visitor.runBegan(facts);
     }
 
     void readName(const Json& event) {
-        if (event.at("name") == "thread_name") m_run.tracks[trackOf(event)].name = event.at("args").at("name");
+        if (event.at("name") != "thread_name") return;
+        const std::size_t track = trackOf(event);
+        m_tracks[track].name = event.at("args").at("name");
+        m_visitor.trackChanged(track, m_tracks[track]);
     }
 
     void begin(const Json& event, std::int64_t time) {
@@ -120,56 +141,65 @@ private:
         span.start = time;
         const std::string category = event.at("cat");
         const Json& facts = event.at("args");
+        const TracedEntry* entry = nullptr;
         if (category == "call") {
             span.number = countIn(facts.at("number"));
             span.arguments = facts.at("arguments");
-            if (!m_openEntries.empty()) ++m_run.entries[m_openEntries.back()].calls;
+            if (!m_openEntries.empty()) ++m_openEntries.rbegin()->second.calls;
         } else if (category == "scope") {
             span.kind = Kind_e::Scope;
             span.arguments = facts.at("arguments");
-            m_run.tracks[span.track].isScope = true;
+            markAsScope(span.track);
         } else {
             span.kind = Kind_e::Entry;
-            m_openEntries.push_back(m_run.entries.size());
-            m_run.entries.push_back({m_run.spans.size(), category, facts.at("addOn"), facts.at("command"),
-                                     facts.at("macroLine"), false, "", 0});
+            entry = &m_openEntries
+                         .emplace(m_spans, TracedEntry{m_spans, category, facts.at("addOn"), facts.at("command"),
+                                                       facts.at("macroLine"), false, "", 0})
+                         .first->second;
         }
-        auto& open = m_open[span.track];
+        auto& open = m_openSpans[span.track];
         span.depth = open.size();
-        open.push_back(m_run.spans.size());
-        m_run.spans.push_back(std::move(span));
+        open.push_back({m_spans++, std::move(span)});
+        m_visitor.spanBegan(open.back().index, open.back().span, entry);
     }
 
     void end(const Json& event, std::int64_t time) {
-        auto& open = m_open[trackOf(event)];
+        auto& open = m_openSpans[trackOf(event)];
         if (open.empty()) throw std::invalid_argument("an end without a start");
-        TracedSpan& span = m_run.spans[open.back()];
-        open.pop_back();
-        if (event.at("cat") == "cut off") return;  // the span did not end
-        span.end = time;
-        if (span.kind == Kind_e::Call) {
-            const Json& facts = event.at("args");
-            span.result = facts.value("threw", false) ? "threw" : std::string(facts.at("result"));
-        } else if (span.kind == Kind_e::Entry) {
-            endEntry(event.at("args"));
+        TracedSpan& span = open.back().span;
+        if (event.at("cat") != "cut off") {  // the span did end
+            span.end = time;
+            if (span.kind == Kind_e::Call) {
+                const Json& facts = event.at("args");
+                span.result = facts.value("threw", false) ? "threw" : std::string(facts.at("result"));
+            } else if (span.kind == Kind_e::Entry) {
+                endEntry(open.back().index, event.at("args"));
+            }
         }
+        passEnd(open.back());
+        open.pop_back();
     }
 
-    void endEntry(const Json& facts) {
-        TracedEntry& entry = m_run.entries[m_openEntries.back()];
-        m_openEntries.pop_back();
+    void endEntry(std::size_t span, const Json& facts) {
+        TracedEntry& entry = m_openEntries.at(span);
         entry.addOnId = facts.at("addOn");
         entry.succeeded = facts.at("succeeded");
         entry.error = facts.at("error");
+    }
+
+    void passEnd(const OpenSpan& open) {
+        const auto entry = m_openEntries.find(open.index);
+        m_visitor.spanEnded(open.index, open.span, entry == m_openEntries.end() ? nullptr : &entry->second);
+        if (entry != m_openEntries.end()) m_openEntries.erase(entry);
     }
 
     void readInstant(const Json& event, std::int64_t time) {
         const Json& facts = event.at("args");
         if (event.at("cat") == "finding") {
             checkFinding(facts);
-            m_run.findings.push_back({trackOf(event), time, facts.at("rule"), facts.dump()});
+            m_visitor.findingMade({trackOf(event), time, facts.at("rule"), facts.dump()});
         } else {
-            m_run.outcome = {integerIn(facts.at("exitStatus")), facts.at("outcome")};
+            m_outcome = {integerIn(facts.at("exitStatus")), facts.at("outcome")};
         }
     }
 
@@ -182,59 +212,109 @@ private:
 
     std::size_t trackOf(const Json& event) {
         const std::int64_t id = integerIn(event.at("tid"));
-        const auto [place, isNew] = m_trackIndexes.try_emplace(id, m_run.tracks.size());
-        if (isNew) m_run.tracks.push_back({"thread " + std::to_string(id), false});
+        const auto [place, isNew] = m_trackIndexes.try_emplace(id, m_tracks.size());
+        if (!isNew) return place->second;
+        m_tracks.push_back({"thread " + std::to_string(id), false});
+        m_visitor.trackChanged(place->second, m_tracks.back());
         return place->second;
     }
 
-    TracedRun m_run;
+    void markAsScope(std::size_t track) {
+        if (std::exchange(m_tracks[track].isScope, true)) return;
+        m_visitor.trackChanged(track, m_tracks[track]);
+    }
+
+    TraceVisitorInterface& m_visitor;
     bool m_hasHeader = false;
     double m_origin = 0;
+    std::int64_t m_end = 0;
+    std::size_t m_spans = 0;
+    std::optional<TracedOutcome> m_outcome;
     std::map<std::int64_t, std::size_t> m_trackIndexes;
-    std::map<std::size_t, std::vector<std::size_t>> m_open;  // the open spans of each track, the outermost first
-    std::vector<std::size_t> m_openEntries;
+    std::vector<TracedTrack> m_tracks;
+    std::map<std::size_t, std::vector<OpenSpan>> m_openSpans;  // of each track, the outermost first
+    std::map<std::size_t, TracedEntry> m_openEntries;          // by the index of the span
 };
 
-}  // namespace
+// The lines of a text in memory, as InputLines has those of a file.
+class TextLines {
+public:
+    explicit TextLines(std::string_view text) : m_rest(text) {}
 
-std::string traceTextOf(const std::string& file, std::string& name) {
-    name = isStandardInput(file) ? kStandardInputName : file;
-    try {
-        return readInput(file);
-    } catch (const std::system_error& error) {
-        throw TraceError(name + ": cannot be read: " + error.code().message());
+    bool next(std::string_view& line) {
+        if (isAtEnd()) return false;
+        line = m_rest.substr(0, m_rest.find('\n'));
+        m_rest.remove_prefix(std::min(m_rest.size(), line.size() + 1));
+        return true;
     }
-}
+    bool isAtEnd() const { return m_rest.empty(); }
 
-TracedRun readTrace(const std::string& file) {
-    std::string name;
-    const std::string text = traceTextOf(file, name);
-    return traceIn(text, name);
-}
+private:
+    std::string_view m_rest;
+};
 
-TracedRun traceIn(const std::string& content, const std::string& path) {
-    std::istringstream text(content);
-    RunBuilder builder;
+template <class Lines>
+void visitLines(Lines& lines, const std::string& path, TraceVisitorInterface& visitor) {
+    EventReader reader(visitor);
     std::size_t number = 0;
-    for (std::string line; std::getline(text, line);) {
-        if (!line.empty() && line.back() == ',') line.pop_back();
+    for (std::string_view line; lines.next(line);) {
+        if (!line.empty() && line.back() == ',') line.remove_suffix(1);
         ++number;
         if (number == 1 && line != "[") throw TraceError(path + ": " + kNoTrace);
         if (line == "[" || line == "]") continue;
-        const bool isLast = text.peek() == std::istringstream::traits_type::eof();
         try {
             const Json event = eventIn(line);
-            if (event.is_discarded() && isLast && builder.hasHeader())
+            if (event.is_discarded() && reader.hasHeader() && lines.isAtEnd())
                 break;  // the line was cut off while it was written
             if (event.is_discarded()) throw std::invalid_argument("not an event of a trace");
-            builder.add(event);
+            reader.add(event);
         } catch (const Json::exception&) {
-            refuse(path, number, builder.hasHeader() ? kWrongPart : kNoTrace);
+            refuse(path, number, reader.hasHeader() ? kWrongPart : kNoTrace);
         } catch (const std::invalid_argument& problem) {
             refuse(path, number, problem.what());
         }
     }
-    if (!builder.hasHeader()) throw TraceError(path + ": " + kNoTrace);
+    if (!reader.hasHeader()) throw TraceError(path + ": " + kNoTrace);
+    reader.finish();
+}
+
+std::string shownName(const std::string& file) { return isStandardInput(file) ? kStandardInputName : file; }
+
+[[noreturn]] void refuseUnreadable(const std::string& name, const std::system_error& error) {
+    throw TraceError(name + ": cannot be read: " + error.code().message());
+}
+
+}  // namespace
+
+std::string traceTextOf(const std::string& file, std::string& name) {
+    name = shownName(file);
+    try {
+        return readInput(file);
+    } catch (const std::system_error& error) {
+        refuseUnreadable(name, error);
+    }
+}
+
+void visitTrace(const std::string& file, TraceVisitorInterface& visitor) {
+    const std::string name = shownName(file);
+    try {
+        InputLines lines(file);
+        visitLines(lines, name, visitor);
+    } catch (const std::system_error& error) {
+        refuseUnreadable(name, error);
+    }
+}
+
+TracedRun readTrace(const std::string& file) {
+    TracedRunBuilder builder;
+    visitTrace(file, builder);
+    return builder.take();
+}
+
+TracedRun traceIn(const std::string& content, const std::string& path) {
+    TracedRunBuilder builder;
+    TextLines lines(content);
+    visitLines(lines, path, builder);
     return builder.take();
 }
 

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "trace/TraceVisitor.h"
 #include "trace/TracedRun.h"
 
 namespace vexa::runner {
@@ -13,7 +14,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads a trace of an EventTrace. The trace may be incomplete, if the run was killed.
+/// Passes the events of a trace of an EventTrace to \p visitor, and holds only those of open spans. The trace may be
+/// incomplete, if the run was killed.
+/// \throws TraceError. The visitor may then have got a part of the events.
+void visitTrace(const std::string& file, TraceVisitorInterface& visitor);
+
+/// Reads a trace of an EventTrace into memory. The trace may be incomplete, if the run was killed.
 /// \throws TraceError
 TracedRun readTrace(const std::string& file);
 

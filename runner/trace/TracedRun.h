@@ -61,14 +61,18 @@ struct TracedOutcome {
     std::string text;
 };
 
-/// A run, read from its trace.
-struct TracedRun {
+/// The facts about a run that its trace starts with.
+struct TracedFacts {
     std::string tool;
     std::string macroFile;
     std::string options = "{}";  ///< the options given, with their values, as a JSON object
     bool isStrict = false;
     bool hasTimeLimit = false;
-    std::vector<std::string> suppressed;   ///< rules
+    std::vector<std::string> suppressed;  ///< rules
+};
+
+/// A run, read from its trace.
+struct TracedRun : TracedFacts {
     std::optional<TracedOutcome> outcome;  ///< empty if the trace ends before the run
     std::int64_t end = 0;                  ///< the time of the last event
     std::vector<TracedTrack> tracks;

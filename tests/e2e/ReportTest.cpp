@@ -82,7 +82,17 @@ constexpr const char* kLook = R"(
     document.body.prepend(seen);
     const look = () => {
         window.dispatchEvent(new Event('beforeprint'));
-        seen.append(`view ${canvas.dataset.from} ${canvas.dataset.to} ${document.getElementById('selection').textContent}\n`);
+        seen.append(`timeline shows ${canvas.dataset.from} ${canvas.dataset.to} ${document.getElementById('selection').textContent}\n`);
+    };
+    const click = (selector) => {
+        document.querySelector(selector).click();
+        look();
+    };
+    const type = (id, text) => {
+        const field = document.getElementById(id);
+        field.value = text;
+        field.dispatchEvent(new Event('input'));
+        look();
     };
     const press = (key) => {
         canvas.dispatchEvent(new KeyboardEvent('keydown', {key}));
@@ -92,12 +102,13 @@ constexpr const char* kLook = R"(
 )";
 
 std::vector<View> viewsIn(const std::string& page) {
+    const std::string kShows = "timeline shows ";
     std::vector<View> views;
     std::istringstream lines(page);
     for (std::string line; std::getline(lines, line);) {
-        const std::size_t begin = line.find("view ");
+        const std::size_t begin = line.find(kShows);
         if (begin == std::string::npos) continue;
-        std::istringstream words(line.substr(begin + 5));
+        std::istringstream words(line.substr(begin + kShows.size()));
         View& view = views.emplace_back();
         words >> view.from >> view.to;
         std::getline(words >> std::ws, view.selection);
@@ -134,14 +145,20 @@ protected:
 
     // What the timeline shows at first, and after each of \p keys.
     std::vector<View> viewsAfter(const std::string& macro, const std::vector<std::string>& keys) const {
+        std::string script;
+        for (const std::string& key : keys) script += "press('" + key + "');";
+        return viewsIn(elementsAfterScript(macro, script));
+    }
+
+    // The page's elements after \p script used it.
+    std::string elementsAfterScript(const std::string& macro, const std::string& actions) const {
         traceMacro(macro);
         EXPECT_EQ(report("t.json").status, 0);
-        std::string script = kLook;
-        for (const std::string& key : keys) script += "press('" + key + "');";
+        const std::string script = kLook + actions;
         std::string page = read("report.html");
         page.insert(page.rfind("</body>"), "<script>" + script + "</script>");
         write("report.html", page);
-        return viewsIn(elements());
+        return elements();
     }
 };
 
@@ -164,12 +181,10 @@ TEST_F(ReportInBrowser, ShowsTheRun) {
     EXPECT_TRUE(has(page, "Failed: a command failed, exit status 1, with 1 finding"));
     EXPECT_TRUE(has(page, "ONE LEAVELOCKOPEN"));
     EXPECT_TRUE(has(page, "no way"));
-    EXPECT_TRUE(has(page, "<pre>watch &lt;b&gt;out&lt;/b&gt;</pre>")) << "the dialog";
-    EXPECT_TRUE(has(page, "<pre>SAY hello</pre>")) << "the recorded command";
-    EXPECT_TRUE(
-        has(page, "<td class=\"code\">VexaUtilSetAlloc</td><td class=\"number\"><span class=\"warn\">never called"));
-    EXPECT_TRUE(has(page, "<td class=\"code\">leaked-set</td><td><span class=\"warn\">untouched"));
-    EXPECT_TRUE(has(page, "<td class=\"code\">unbalanced-lock</td><td><span class=\"bad\">broken: 1 finding"));
+    EXPECT_TRUE(has(page, ">watch &lt;b&gt;out&lt;/b&gt;</pre>")) << "the dialog";
+    EXPECT_TRUE(has(page, ">SAY hello</pre>")) << "the recorded command";
+    EXPECT_TRUE(has(page, "<span class=\"warn\">never called</span>"));
+    EXPECT_TRUE(has(page, "<code>unbalanced-lock</code> 1 finding</summary>"));
 }
 
 TEST_F(ReportInBrowser, ShowsAFindingWithBothPlacesAndItsHint) {
@@ -220,14 +235,55 @@ TEST_F(ReportInBrowser, SelectsByKeysWhatComesNextAndBefore) {
     ASSERT_EQ(views.size(), 4U);
     EXPECT_EQ(views[0].selection, "Nothing is selected.");
     EXPECT_EQ(views[1].selection.find("load "), 0U);
-    EXPECT_EQ(views[2].selection.find("call 1: VexaUtilArgListAlloc() = arglist#1, on thread 1, from "), 0U);
+    EXPECT_EQ(views[2].selection.find("call 1: VexaUtilArgListAllocArgumentsnoneResultarglist#1Threadthread 1Start"),
+              0U);
     EXPECT_EQ(views[3].selection, views[1].selection);
 }
 
-TEST_F(ReportInBrowser, TellsOfARunThatWasKilled) {
+TEST_F(ReportInBrowser, ShowsACrashAsAFailedCommandAndTheFirstFinding) {
     const std::string page = elementsAfter("ONE SAY a\nONE KILL\n");
     EXPECT_TRUE(has(page, "Failed: the trace ends before the run"));
+    EXPECT_TRUE(has(page, "<dt>Commands</dt><dd>2, 1 failed</dd>"));
+    EXPECT_TRUE(has(page, "<h4>error: The process of the add-ons ended in ONE KILL [crash]</h4>"));
     EXPECT_TRUE(has(page, "<span class=\"bad\">did not end</span>"));
+}
+
+TEST_F(ReportInBrowser, SelectsAFindingAndZoomsToIt) {
+    const std::vector<View> views = viewsIn(elementsAfterScript(kMacro, "click('[data-finding=\"0\"]');"));
+    ASSERT_EQ(views.size(), 2U);
+    EXPECT_LT(views[1].width(), views[0].width());
+    EXPECT_EQ(views[1].selection.find("error: VexaUtilLockStart has no matching"), 0U) << views[1].selection;
+}
+
+TEST_F(ReportInBrowser, ListsOnlyFailedCommandsOnRequest) {
+    const std::string all = elementsAfterScript(kMacro, "");
+    const std::string failed = elementsAfterScript(kMacro, "click('#failed-only');");
+    EXPECT_TRUE(has(all, "ONE SAY hello: show in the timeline"));
+    EXPECT_EQ(failed.find("ONE SAY hello: show in the timeline"), std::string::npos);
+    EXPECT_TRUE(has(failed, "ONE FAIL no way: show in the timeline"));
+    EXPECT_TRUE(has(failed, ">1 of 6</p>"));
+}
+
+TEST_F(ReportInBrowser, FindsCallsInTheTimeline) {
+    const std::string page = elementsAfterScript(kMacro, "type('search', 'lockstart'); press('n');");
+    EXPECT_TRUE(has(page, "aria-live=\"polite\">1 found</span>"));
+    EXPECT_EQ(viewsIn(page).back().selection.find("call 8: VexaUtilLockStart"), 0U);
+}
+
+TEST_F(ReportInBrowser, ShowsCommandsAndCallsInTheFlameView) {
+    const std::string page = elementsAfterScript(kMacro, "type('flame-search', 'dialogerr');");
+    EXPECT_TRUE(has(page, "aria-label=\"ONE LEAVELOCKOPEN: "));
+    EXPECT_TRUE(has(page, "class=\"box found\""));
+}
+
+TEST_F(ReportInBrowser, ComparesTwoRuns) {
+    runMacro("ONE SAY a\n", {"--record", "r.macro", "--trace", "old.json"});
+    runMacro("ONE SAY a\nONE SAY a\nONE LEAVELOCKOPEN\n", {"--record", "r.macro", "--trace", "t.json"});
+    EXPECT_EQ(runProgram(runner({"report", "t.json", "--compare", "old.json", "-o", "report.html"})).status, 0);
+    const std::string page = elements();
+    EXPECT_TRUE(has(page, "<dt>Findings</dt><dd>unbalanced-lock: 0 before, 1 now</dd>"));
+    EXPECT_TRUE(has(page, "<span title=\"ONE LEAVELOCKOPEN\">ONE LEAVELOCKOPEN</span>"));
+    EXPECT_TRUE(has(page, "absent"));
 }
 
 TEST_F(ReportInBrowser, TellsOfARunThatWentWell) {

@@ -1,11 +1,10 @@
 #include "commands/report/PageData.h"
 
-#include <functional>
-#include <map>
 #include <nlohmann/json.hpp>
-#include <unordered_map>
+#include <utility>
 
-#include "coverage/RuleCoverage.h"
+#include "commands/report/PageJson.h"
+#include "options/ExitStatus.h"
 #include "vexastandin/HostFunctions.h"
 
 namespace vexa::runner {
@@ -15,164 +14,215 @@ using Json = nlohmann::ordered_json;
 using Kind_e = TracedSpan::Kind_e;
 
 constexpr const char* kDialogFunction = "VexaUtilDialogErrMsg";
+constexpr std::size_t kMostTracks = 64;
+constexpr std::size_t kMostDepth = 16;
+constexpr std::size_t kMostPassed = 500;
+constexpr std::size_t kPassedBytes = 100000;
+constexpr std::size_t kMostPassedBytes = 1000;
+constexpr std::size_t kFactBytes = 20000;
 
-// Gives each text a number, and stores each text once.
-class TextTable {
-public:
-    std::size_t numberOf(const std::string& text) {
-        const auto [place, isNew] = m_numbers.try_emplace(text, m_numbers.size());
-        if (isNew) m_texts.push_back(text);
-        return place->second;
-    }
-    const Json& texts() const { return m_texts; }
+std::string shortened(const std::string& text) { return TextBudget(kMostPassedBytes, kMostPassedBytes).cut(text); }
 
-private:
-    std::unordered_map<std::string, std::size_t> m_numbers;
-    Json m_texts = Json::array();
-};
-
-// Returns \p part of each of \p items; \p part is a function or a member.
-template <class Items, class Part>
-Json listOf(const Items& items, const Part& part) {
+// Returns the numbers of calls, and their texts under the given names.
+template <class Passed>
+Json passedJson(const Passed& passed, const std::vector<const char*>& names) {
+    TextBudget texts(kPassedBytes, kMostPassedBytes);
     Json list = Json::array();
-    for (const auto& item : items) list.push_back(std::invoke(part, item));
+    for (const auto& [call, arguments] : passed.first) {
+        Json one;
+        for (std::size_t i = 0; i < names.size(); ++i) one[names[i]] = texts.cut(arguments[i]);
+        one["call"] = call;
+        list.push_back(std::move(one));
+    }
     return list;
 }
 
-Json jsonOf(const TracedTrack& track) { return {{"name", track.name}, {"isScope", track.isScope}}; }
-
-Json jsonOf(const TracedEntry& entry) {
-    return {{"span", entry.span},       {"kind", entry.kind},           {"addOn", entry.addOnId},
-            {"command", entry.command}, {"macroLine", entry.macroLine}, {"succeeded", entry.succeeded},
-            {"error", entry.error},     {"calls", entry.calls}};
-}
-
-Json jsonOf(const TracedFinding& finding) {
-    Json facts = Json::parse(finding.facts);
-    facts["track"] = finding.track;
-    facts["time"] = finding.time;
-    return facts;
-}
-
-const char* nameOf(Coverage_e coverage) {
-    switch (coverage) {
-        case Coverage_e::Broken: return "broken";
-        case Coverage_e::Touched: return "touched";
-        case Coverage_e::Untouched: return "untouched";
-        case Coverage_e::Suppressed: return "suppressed";
-    }
-    return "";
-}
-
-Json jsonOf(const RuleCoverage& coverage) {
-    return {{"name", coverage.rule->name},
-            {"summary", coverage.rule->summary},
-            {"coverage", nameOf(coverage.coverage)},
-            {"touchedBy", coverage.touchedBy},
-            {"findings", coverage.findings}};
-}
-
-template <class Items>
-Json listOf(const Items& items) {
-    return listOf(items, [](const auto& item) { return jsonOf(item); });
-}
-
-// Returns the duration; -1 for a span without an end.
-std::int64_t durationOf(const TracedSpan& span) { return span.end ? *span.end - span.start : -1; }
-
-Json spansOf(const TracedRun& run) {
-    TextTable texts;
-    const auto column = [&](auto part) { return listOf(run.spans, part); };
-    const auto textColumn = [&](std::string TracedSpan::*text) {
-        return column([&texts, text](const TracedSpan& span) { return texts.numberOf(span.*text); });
-    };
-    return {{"kind", column([](const TracedSpan& span) { return static_cast<int>(span.kind); })},
-            {"track", column(&TracedSpan::track)},
-            {"depth", column(&TracedSpan::depth)},
-            {"start", column(&TracedSpan::start)},
-            {"duration", column(durationOf)},
-            {"number", column(&TracedSpan::number)},
-            {"name", textColumn(&TracedSpan::name)},
-            {"arguments", textColumn(&TracedSpan::arguments)},
-            {"result", textColumn(&TracedSpan::result)},
-            {"texts", texts.texts()}};
-}
-
-// The host quotes texts as JSON does, but leaves other control characters as they are.
-Json argumentsOf(const TracedSpan& call) {
-    std::string json;
-    for (const char c : call.arguments) {
-        const bool isControl = c >= 0 && c < ' ';
-        json +=
-            isControl ? std::string("\\u00") + (c < 16 ? '0' : '1') + "0123456789abcdef"[c % 16] : std::string(1, c);
-    }
-    return Json::parse('[' + json + ']', nullptr, false);
-}
-
-// Returns the text at `index`; empty for a null pointer.
-std::string textAt(const Json& arguments, std::size_t index) {
-    const bool isText = arguments.is_array() && index < arguments.size() && arguments[index].is_string();
-    return isText ? arguments[index].get<std::string>() : "";
-}
-
-bool isDialog(const TracedSpan& span) { return span.kind == Kind_e::Call && span.name == kDialogFunction; }
-
-// Returns the numbers of the wanted calls, and their arguments under the given names.
-Json callsOf(const TracedRun& run, bool (*isWanted)(const TracedSpan&), const std::vector<const char*>& names) {
-    Json calls = Json::array();
-    for (const TracedSpan& span : run.spans) {
-        if (!isWanted(span)) continue;
-        const Json arguments = argumentsOf(span);
-        Json call;
-        for (std::size_t i = 0; i < names.size(); ++i) call[names[i]] = textAt(arguments, i);
-        call["call"] = span.number;
-        calls.push_back(std::move(call));
-    }
-    return calls;
-}
-
-Json functionsOf(const TracedRun& run) {
-    struct Tally {
-        std::size_t calls = 0;
-        double time = 0;  // a double, because the sum over all threads may not fit into an integer
-    };
-    std::map<std::string, Tally> tallies;
-    for (const TracedSpan& span : run.spans) {
-        if (span.kind != Kind_e::Call) continue;
-        Tally& tally = tallies[span.name];
-        ++tally.calls;
-        if (span.end) tally.time += static_cast<double>(*span.end - span.start);
-    }
-    Json functions = Json::array();
-    for (const standin::HostFunctionInfo& function : standin::hostFunctions()) {
-        const Tally tally = tallies[function.name];
-        functions.push_back({{"name", function.name}, {"calls", tally.calls}, {"time", tally.time}});
-    }
-    return functions;
-}
-
-Json outcomeOf(const TracedRun& run) {
-    if (!run.outcome) return nullptr;
-    return {{"exitStatus", run.outcome->exitStatus}, {"text", run.outcome->text}};
+Json outcomeJson(const std::optional<TracedOutcome>& outcome) {
+    if (!outcome) return nullptr;
+    return {{"exitStatus", outcome->exitStatus}, {"text", shortened(outcome->text)}};
 }
 
 }  // namespace
 
-nlohmann::ordered_json pageData(const TracedRun& run) {
-    return {{"tool", run.tool},
-            {"macroFile", run.macroFile},
-            {"options", Json::parse(run.options)},
-            {"outcome", outcomeOf(run)},
-            {"end", run.end},
-            {"tracks", listOf(run.tracks)},
-            {"spans", spansOf(run)},
-            {"entries", listOf(run.entries)},
-            {"findings", listOf(run.findings)},
-            {"percents", run.percents},
-            {"recorded", callsOf(run, isRecording, {"addOn", "command"})},
-            {"dialogs", callsOf(run, isDialog, {"text"})},
-            {"functions", functionsOf(run)},
-            {"rules", listOf(coverageOf(run))}};
+PageData::PageData() {
+    for (const standin::HostFunctionInfo& function : standin::hostFunctions()) m_tallies[function.name];
+}
+
+void PageData::runBegan(const TracedFacts& facts) {
+    m_facts = facts;
+    m_rules.runBegan(facts);
+}
+
+void PageData::trackChanged(std::size_t track, const TracedTrack& facts) {
+    m_rules.trackChanged(track, facts);
+    m_trackCount = std::max(m_trackCount, track + 1);
+    if (track >= kMostTracks) return;
+    m_tracks.resize(std::max(m_tracks.size(), track + 1));
+    m_tracks[track] = {shortened(facts.name), facts.isScope};
+}
+
+void PageData::spanBegan(std::size_t index, const TracedSpan& span, const TracedEntry*) {
+    noteTime(span.start);
+    ++m_spanCount;
+    m_flame.began(index, span, trackNameOf(span));
+    if (isDrawn(span)) m_spans.began(index);
+}
+
+void PageData::spanEnded(std::size_t index, const TracedSpan& span, const TracedEntry* entry) {
+    noteTime(span.end.value_or(span.start));
+    const std::int64_t end = span.end.value_or(m_end);
+    m_rules.spanEnded(span, entry);
+    m_flame.ended(index, span, end);
+    if (span.kind == Kind_e::Call) noteCall(span);
+    const bool isListed = entry != nullptr && m_entries.ended(span, *entry);
+    if (!isDrawn(span)) return;
+    m_bins.add(span, end);
+    ++m_rowCounts[{span.track, span.depth}];
+    m_spans.ended(index, span);
+    if (isListed) m_spans.keep(index, span);
+}
+
+void PageData::findingMade(const TracedFinding& finding) {
+    noteTime(finding.time);
+    m_rules.findingMade(finding.rule);
+    m_findings.add(finding);
+    m_spans.findingMade();
+}
+
+void PageData::percentChanged(std::int64_t time, std::int64_t percent) {
+    noteTime(time);
+    m_percents.add(time, percent);
+}
+
+void PageData::runEnded(std::int64_t end, const std::optional<TracedOutcome>& outcome) {
+    m_end = end;
+    m_outcome = outcome;
+}
+
+bool PageData::isDrawn(const TracedSpan& span) const { return span.track < kMostTracks && span.depth < kMostDepth; }
+
+const std::string& PageData::trackNameOf(const TracedSpan& span) const {
+    static const std::string kOther = "other threads";
+    return span.track < kMostTracks ? m_tracks[span.track].name : kOther;
+}
+
+void PageData::noteCall(const TracedSpan& call) {
+    const auto tally = m_tallies.find(call.name);
+    if (tally != m_tallies.end()) {
+        ++tally->second.calls;
+        if (call.end) tally->second.time += static_cast<double>(*call.end - call.start);
+    }
+    if (!call.end && (!m_unfinishedCall || m_unfinishedCall->start <= call.start)) m_unfinishedCall = call;
+    if (isRecording(call)) notePassed(m_recorded, call, 2);
+    if (call.name == kDialogFunction) notePassed(m_dialogs, call, 1);
+}
+
+void PageData::notePassed(Passed& passed, const TracedSpan& call, std::size_t texts) {
+    if (passed.count++ >= kMostPassed) return;
+    std::vector<std::string> arguments;
+    for (std::size_t i = 0; i < texts; ++i) arguments.push_back(shortened(textArgument(call, i)));
+    passed.first.emplace_back(call.number, std::move(arguments));
+}
+
+// The process of the add-ons ended before the run did.
+bool PageData::isCutOff() const {
+    return !m_outcome || m_outcome->exitStatus == static_cast<std::int64_t>(ExitStatus_e::ProcessEnded);
+}
+
+// Describes the place at which the process ended as a finding.
+Json PageData::ending() const {
+    const auto& entry = m_entries.unfinished();
+    const auto& call = m_unfinishedCall;
+    const std::string command =
+        !entry ? "" : shortened(entry->command.empty() ? entry->kind : entry->addOnId + ' ' + entry->command);
+    const std::string where = command.empty() ? "between two commands" : "in " + command;
+    return {
+        {"rule", "crash"},
+        {"severity", "error"},
+        {"message", "The process of the add-ons ended " + where + (call ? ", during " + shortened(call->name) : "")},
+        {"addOn", entry ? shortened(entry->addOnId) : ""},
+        {"opened", nullptr},
+        {"seen",
+         {{"call", call ? call->number : 0},
+          {"function", call ? shortened(call->name) : ""},
+          {"command", command},
+          {"macroLine", entry ? shortened(entry->macroLine) : ""},
+          {"thread", 0}}},
+        {"count", 1},
+        {"repeats", 0},
+        {"hint",
+         "The add-on crashed or ended its process, or the process was killed. The trace ends here. Run the "
+         "command again in a debugger."},
+        {"track", call ? call->track : 0},
+        {"time", m_end}};
+}
+
+Json PageData::findings() const {
+    Json list = m_findings.json();
+    for (Json& finding : list) {
+        if (finding["track"].get<std::size_t>() >= m_tracks.size()) finding["track"] = 0;
+    }
+    if (isCutOff()) list.insert(list.begin(), ending());
+    return list;
+}
+
+Json PageData::counts() const {
+    std::size_t calls = 0;
+    for (const auto& [name, tally] : m_tallies) calls += tally.calls;
+    const std::size_t endings = isCutOff() ? 1 : 0;
+    Json byRule = Json::object();
+    if (endings != 0) byRule["crash"] = 1;
+    TextBudget texts(kFactBytes, kMostPassedBytes);
+    for (const auto& [rule, count] : m_findings.counts()) byRule[texts.cut(rule)] = count;
+    return {{"spans", m_spanCount},
+            {"calls", calls},
+            {"tracks", m_trackCount},
+            {"entries", m_entries.count()},
+            {"commands", m_entries.commands()},
+            {"failedCommands", m_entries.failedCommands()},
+            {"errors", m_findings.errors() + endings},
+            {"warnings", m_findings.warnings()},
+            {"byRule", byRule},
+            {"recorded", m_recorded.count},
+            {"dialogs", m_dialogs.count}};
+}
+
+Json PageData::functions() const {
+    Json list = Json::array();
+    for (const standin::HostFunctionInfo& function : standin::hostFunctions()) {
+        const Tally& tally = m_tallies.find(function.name)->second;
+        list.push_back({{"name", function.name}, {"calls", tally.calls}, {"time", tally.time}});
+    }
+    return list;
+}
+
+Json PageData::take() {
+    const NumberedSpans spans = m_spans.take();
+    Json tracks = Json::array();
+    for (const TracedTrack& track : m_tracks) tracks.push_back({{"name", track.name}, {"isScope", track.isScope}});
+    Json data = summary();
+    data["options"] = TextBudget(kFactBytes, kMostPassedBytes).cutAll(Json::parse(m_facts.options));
+    data["tracks"] = std::move(tracks);
+    data["spans"] = spansJson(spans);
+    data["bins"] = binsJson(m_bins, spans, m_rowCounts);
+    data["entries"] = entriesJson(m_entries, spans);
+    data["findings"] = findings();
+    data["percents"] = m_percents.steps();
+    data["recorded"] = passedJson(m_recorded, {"addOn", "command"});
+    data["dialogs"] = passedJson(m_dialogs, {"text"});
+    data["rules"] = rulesJson(m_rules);
+    return data;
+}
+
+Json PageData::summary() const {
+    return {{"tool", shortened(m_facts.tool)},
+            {"macroFile", shortened(m_facts.macroFile)},
+            {"outcome", outcomeJson(m_outcome)},
+            {"end", m_end},
+            {"counts", counts()},
+            {"totals", totalsJson(m_entries)},
+            {"functions", functions()},
+            {"flame", flameJson(m_flame)}};
 }
 
 }  // namespace vexa::runner

@@ -3,8 +3,6 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "commands/report/PageData.h"
-
 namespace vexa::runner {
 namespace {
 
@@ -13,10 +11,10 @@ constexpr char kPage[] = {
 #include "report.html.inc"
 };
 constexpr char kStyle[] = {
-#include "report.css.inc"
+#include "styles.inc"
 };
 constexpr char kScript[] = {
-#include "report.js.inc"
+#include "scripts.inc"
 };
 
 template <std::size_t size>
@@ -38,12 +36,12 @@ void replaceOnce(std::string& page, std::string_view placeholder, std::string_vi
 
 }  // namespace
 
-std::string reportPage(const TracedRun& run) {
+std::string reportPage(const nlohmann::ordered_json& data) {
     std::string page(textOf(kPage));
     replaceOnce(page, "/* STYLE */", textOf(kStyle));
     replaceOnce(page, "/* SCRIPT */", textOf(kScript));
     replaceOnce(page, "/* DATA */",
-                escapedForScript(pageData(run).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)));
+                escapedForScript(data.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)));
     return page;
 }
 

@@ -49,15 +49,18 @@ std::string readWholeFile(const std::string& path) {
     return readToEnd(file.get());
 }
 
-std::string readInput(const std::string& path) {
+Descriptor openInput(const std::string& path) {
     static const NamedPipeCategory kNamedPipe;
-    if (isStandardInput(path)) return readStandardInput();
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    Descriptor file(isStandardInput(path) ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
+                                          : open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) throwLastError();
+    if (isStandardInput(path)) return file;
     if (isNamedPipe(file.get())) throw std::system_error(1, kNamedPipe);
     if (fcntl(file.get(), F_SETFL, 0) != 0) throwLastError();
-    return readToEnd(file.get());
+    return file;
 }
+
+std::string readInput(const std::string& path) { return readToEnd(openInput(path).get()); }
 
 std::string readStandardInput() { return readToEnd(STDIN_FILENO); }
 

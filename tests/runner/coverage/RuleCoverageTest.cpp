@@ -13,6 +13,19 @@ TracedSpan callOf(const std::string& function) {
     return span;
 }
 
+std::vector<RuleCoverage> coverageOf(const TracedRun& run) {
+    RuleCoverageCollector collector;
+    collector.runBegan(run);
+    for (std::size_t i = 0; i < run.tracks.size(); ++i) collector.trackChanged(i, run.tracks[i]);
+    for (std::size_t i = 0; i < run.spans.size(); ++i) {
+        const auto isOfSpan = [=](const TracedEntry& entry) { return entry.span == i; };
+        const auto entry = std::find_if(run.entries.begin(), run.entries.end(), isOfSpan);
+        collector.spanEnded(run.spans[i], entry == run.entries.end() ? nullptr : &*entry);
+    }
+    for (const TracedFinding& finding : run.findings) collector.findingMade(finding.rule);
+    return collector.coverage();
+}
+
 RuleCoverage coverageOf(const TracedRun& run, const std::string& rule) {
     const std::vector<RuleCoverage> all = coverageOf(run);
     return *std::find_if(all.begin(), all.end(), [&](const RuleCoverage& one) { return rule == one.rule->name; });

@@ -1,0 +1,46 @@
+#include "system/files/InputLines.h"
+
+#include <cerrno>
+
+#include "system/LastError.h"
+#include "system/files/WholeFile.h"
+
+namespace vexa::runner {
+
+InputLines::InputLines(const std::string& path) : m_file(openInput(path)) {}
+
+bool InputLines::next(std::string_view& line) {
+    std::size_t searched = 0;
+    for (;;) {
+        const std::size_t lineEnd = m_text.find('\n', m_at + searched);
+        if (lineEnd != std::string::npos) {
+            line = std::string_view(m_text).substr(m_at, lineEnd - m_at);
+            m_at = lineEnd + 1;
+            return true;
+        }
+        searched = m_text.size() - m_at;
+        if (!readMore()) break;
+    }
+    line = std::string_view(m_text).substr(m_at);
+    m_at = m_text.size();
+    return !line.empty();
+}
+
+bool InputLines::isAtEnd() { return m_at == m_text.size() && !readMore(); }
+
+bool InputLines::readMore() {
+    constexpr std::size_t kChunk = 1U << 18U;
+    m_text.erase(0, m_at);
+    m_at = 0;
+    const std::size_t size = m_text.size();
+    m_text.resize(size + kChunk);
+    ssize_t count = -1;
+    do {
+        count = read(m_file.get(), &m_text[size], kChunk);
+    } while (count < 0 && errno == EINTR);
+    m_text.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
+    if (count < 0) throwLastError();
+    return count > 0;
+}
+
+}  // namespace vexa::runner
