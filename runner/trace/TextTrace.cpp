@@ -29,7 +29,7 @@ void write(LiveFile& file, std::size_t thread, std::size_t depth, const std::str
 
 }  // namespace
 
-TextTrace::TextTrace(const std::string& path) : m_file(path) {
+TextTrace::TextTrace(const std::string& path, Append_e how) : m_file(path, how) {
     m_file.write([](LiveFile& file) { file.append(kTextTraceHead + std::string("\n")); });
 }
 

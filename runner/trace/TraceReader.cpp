@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "system/files/MappedTail.h"
 #include "system/files/StandardStreams.h"
 #include "system/files/WholeFile.h"
 #include "text/ShortText.h"
@@ -200,7 +201,9 @@ private:
 std::string traceTextOf(const std::string& file, std::string& name) {
     name = isStandardInput(file) ? kStandardInputName : file;
     try {
-        return readInput(file);
+        std::string text = readInput(file);
+        text.resize(textLengthOf(text));  // the run and its watching process may have been killed
+        return text;
     } catch (const std::system_error& error) {
         throw TraceError(name + ": cannot be read: " + error.code().message());
     }

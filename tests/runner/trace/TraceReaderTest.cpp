@@ -111,6 +111,16 @@ TEST_F(TraceReaderTest, ReadsATraceThatIsCutOffAnywhereBehindItsHeader) {
     EXPECT_EQ(spans, 5U);
 }
 
+TEST_F(TraceReaderTest, IgnoresWhatAKilledWriterLeftAfterTheText) {
+    using namespace std::string_literals;
+    m_text.resize(m_text.rfind(",\n{"));
+    for (const std::string& rest : {"\0"s, "\0\n{\"na"s, std::string(100000, '\0')}) {
+        m_text += rest;
+        EXPECT_EQ(readBack().spans.size(), 5U);
+        m_text.resize(m_text.size() - rest.size());
+    }
+}
+
 TEST_F(TraceReaderTest, LeavesOpenWhatWasRunningWhenTheTraceWasCutOff) {
     m_text.resize(m_text.find("VexaUtilStatusStartPercentDone\",\"cat\":\"call\",\"ph\":\"E\""));
     const TracedRun run = readBack();
