@@ -127,9 +127,9 @@ BARS = [
     overhead("attach: a host call, checked", 300, "attach-call-ask", 1),
     overhead("attach: locking a mutex, checked", 300, "attach-call-lock", 2),
     overhead("attach: a style query, checked", 300, "attach-call-style", 6),
-    rate("stand-in: a host call, traced", 300, "host-call-ask", "traced", 1),
-    rate("stand-in: locking a mutex, traced", 300, "host-call-lock", "traced", 2),
-    rate("stand-in: a style query, traced", 300, "host-call-style", "traced", 6),
+    rate("stand-in: a host call, traced", 1500, "host-call-ask", "traced", 1),
+    rate("stand-in: locking a mutex, traced", 1500, "host-call-lock", "traced", 2),
+    rate("stand-in: a style query, traced", 1500, "host-call-style", "traced", 6),
 ]
 
 # Comparisons without a limit.

@@ -56,8 +56,10 @@ public:
         m_host.setChecking(watch == Watch_e::Checked);
         m_host.setKeepsCalls(watch == Watch_e::Logged);
         if (watch == Watch_e::Observed) m_host.setObserver(&m_counter);
-        if (watch == Watch_e::Traced) m_host.setObserver(&m_events.emplace(m_file.path(), runner::RunFacts()));
-        if (watch == Watch_e::TracedAsText) m_host.setObserver(&m_text.emplace(m_file.path()));
+        if (watch == Watch_e::Traced)
+            m_host.setObserver(&m_events.emplace(m_file.path(), runner::RunFacts(), runner::Append_e::ByMapping));
+        if (watch == Watch_e::TracedAsText)
+            m_host.setObserver(&m_text.emplace(m_file.path(), runner::Append_e::ByMapping));
     }
     WatchingHost(const WatchingHost&) = delete;
     WatchingHost& operator=(const WatchingHost&) = delete;

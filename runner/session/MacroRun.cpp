@@ -113,7 +113,8 @@ private:
 
     bool openOutputs() {
         try {
-            m_traces.open(m_options.trace);
+            m_traces.open(m_options.trace, m_box.isWatched() ? Append_e::ByMapping : Append_e::BySystemCall);
+            m_box.areTracesOpen = true;
         } catch (const OutputError& error) {
             tell(error.what());
             return false;

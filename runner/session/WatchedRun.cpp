@@ -52,13 +52,7 @@ public:
             const auto box = std::make_unique<ProcessBox>();
             m_status = runMacro(m_options, *box, m_run.outputs());
         } else {
-            const AwaitedSignals signals;
-            m_run.outputs().keepEndBack();
-            ProcessSetting setting;
-            setting.printed = Printed_e::Inherited;
-            setting.showsWholeStacks = m_options.contract.showsStacks;
-            setting.limitTime(m_options.contract.timeout);
-            runInProcesses(signals, 1, setting, *this);
+            runInOtherProcess();
         }
         if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_run.outputs().coverage());
         if (m_results) m_results->close();
@@ -71,14 +65,41 @@ public:
     }
     NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return &m_run.outputs(); }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
+        m_areTracesOpen = box.areTracesOpen;
         if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
         clearStatusOf(box);
         m_status = m_run.judge(box, outcome);
     }
+    void killed(std::size_t index, const ProcessBox& box, int signal) override {
+        m_areTracesOpen = box.areTracesOpen;
+        UserWork::killed(index, box, signal);
+    }
 
 private:
+    void runInOtherProcess() {
+        const AwaitedSignals signals;
+        m_run.outputs().keepEndBack();
+        ProcessSetting setting;
+        setting.printed = Printed_e::Inherited;
+        setting.showsWholeStacks = m_options.contract.showsStacks;
+        setting.limitTime(m_options.contract.timeout);
+        try {
+            runInProcesses(signals, 1, setting, *this);
+        } catch (const EndedBySignal&) {
+            cutOpenTraces();
+            throw;
+        }
+        cutOpenTraces();
+    }
+
+    // Call it when the process has ended.
+    void cutOpenTraces() const {
+        if (m_areTracesOpen) cutTraces(m_options.trace);
+    }
+
     const RunOptions& m_options;
+    bool m_areTracesOpen = false;
     std::unique_ptr<LiveFile> m_results;
     WatchedRun m_run;
     ProblemOutputs m_problems;

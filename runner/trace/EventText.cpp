@@ -8,45 +8,62 @@ namespace {
 
 bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
 
-// Returns a time in microseconds with three decimals. The clock starts with the machine.
-std::string textOf(EventText::Time time) {
+bool isPlain(char c) { return isPrintableAscii(c) && c != '"' && c != '\\'; }
+
+// Appends a time in microseconds with three decimals. The clock starts with the machine.
+void appendTime(TextBuffer& text, EventText::Time time) {
     constexpr long kThousand = 1000;
+    constexpr long kTen = 10;
     const long nanoseconds = std::chrono::nanoseconds(time.time_since_epoch()).count();
-    std::string fraction = std::to_string(kThousand + nanoseconds % kThousand);  // keeps the leading zeros
-    fraction.front() = '.';
-    return std::to_string(nanoseconds / kThousand) + fraction;
+    const long fraction = nanoseconds % kThousand;
+    const auto digit = [](long value) { return static_cast<char>('0' + value % kTen); };
+    const char decimals[] = {'.', digit(fraction / (kTen * kTen)), digit(fraction / kTen), digit(fraction)};
+    text.appendNumber(nanoseconds / kThousand);
+    text.append({decimals, sizeof decimals});
 }
 
 }  // namespace
 
-// Fast path for printable ASCII; the JSON library handles the rest.
-void appendJsonString(std::string& json, std::string_view text) {
-    if (!std::all_of(text.begin(), text.end(), isPrintableAscii)) {
-        json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-        return;
+// Nearly all texts are plain. The JSON library handles what is not printable.
+void appendJsonString(TextBuffer& json, std::string_view text) {
+    const auto special = std::find_if_not(text.begin(), text.end(), isPlain);
+    if (!std::all_of(special, text.end(), isPrintableAscii)) {
+        return json.append(nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
     }
-    json += '"';
-    for (const char c : text) {
-        if (c == '"' || c == '\\') json += '\\';
-        json += c;
+    const auto plain = static_cast<std::size_t>(special - text.begin());
+    json.append('"');
+    json.append(text.substr(0, plain));
+    for (const char c : text.substr(plain)) {
+        if (!isPlain(c)) json.append('\\');
+        json.append(c);
     }
-    json += '"';
+    json.append('"');
 }
 
+// Categories and phases are our own and need no escapes.
 EventText& EventText::event(std::string_view phase, std::string_view name, std::string_view category, long track,
                             Time time) {
     beginEvent(name);
-    member("cat", category).member("ph", phase).member("pid", m_process).member("tid", track);
-    return json("ts", textOf(time));
+    m_text.append(",\"cat\":\"");
+    m_text.append(category);
+    m_text.append("\",\"ph\":\"");
+    m_text.append(phase);
+    m_text.append('"');
+    appendTrack(track);
+    m_text.append(",\"ts\":");
+    appendTime(m_text, time);
+    return *this;
 }
 
 void EventText::metadata(std::string_view kind, long track, std::string_view name) {
     beginEvent(kind);
-    member("ph", "M").member("pid", m_process).member("tid", track).open("args").member("name", name).close().close();
+    m_text.append(R"(,"ph":"M")");
+    appendTrack(track);
+    open("args").member("name", name).close().close();
 }
 
 EventText& EventText::close() {
-    m_text += '}';
+    m_text.append('}');
     return *this;
 }
 
@@ -58,22 +75,27 @@ EventText& EventText::member(std::string_view name, std::string_view text) {
 
 EventText& EventText::json(std::string_view name, std::string_view value) {
     begin(name);
-    m_text += value;
+    m_text.append(value);
     return *this;
 }
 
 // Names of members are our own and need no escapes.
 void EventText::begin(std::string_view name) {
-    if (m_text.back() != '{') m_text += ',';
-    m_text += '"';
-    m_text += name;
-    m_text += "\":";
+    if (m_text.text().back() != '{') m_text.append(',');
+    m_text.append('"');
+    m_text.append(name);
+    m_text.append("\":");
 }
 
 void EventText::beginEvent(std::string_view name) {
-    m_text += m_isFirst ? "[\n{" : ",\n{";
+    m_text.append(m_isFirst ? "[\n{\"name\":" : ",\n{\"name\":");
     m_isFirst = false;
-    member("name", name);
+    appendJsonString(m_text, name);
+}
+
+void EventText::appendTrack(long track) {
+    m_text.append(m_process);
+    m_text.appendNumber(track);
 }
 
 }  // namespace vexa::runner

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "text/TextBuffer.h"
+
 namespace vexa::runner {
 
 /// Builds the JSON text of trace events, one event per line.
@@ -21,7 +23,7 @@ class EventText {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    explicit EventText(long process) : m_process(process) {}
+    explicit EventText(long process) : m_process(",\"pid\":" + std::to_string(process) + ",\"tid\":") {}
 
     /// Starts an event. More members may follow.
     EventText& event(std::string_view phase, std::string_view name, std::string_view category, long track, Time time);
@@ -38,30 +40,33 @@ public:
     EventText& member(std::string_view name, bool value) { return json(name, value ? "true" : "false"); }
     template <class Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
     EventText& member(std::string_view name, Integer number) {
-        return json(name, std::to_string(number));
+        begin(name);
+        m_text.appendNumber(number);
+        return *this;
     }
     /// Adds a member whose value is already JSON.
     EventText& json(std::string_view name, std::string_view value);
     /// Ends the array.
-    void end() { m_text += "\n]\n"; }
+    void end() { m_text.append("\n]\n"); }
 
     /// Calls \p use with the text that was appended since the last call.
     template <class Use>
     void hand(const Use& use) {
-        use(std::string_view(m_text));
+        use(m_text.text());
         m_text.clear();
     }
 
 private:
     void begin(std::string_view name);
     void beginEvent(std::string_view name);
+    void appendTrack(long track);
 
-    long m_process;
+    std::string m_process;  // the members that have the process and the track, up to the number of the track
     bool m_isFirst = true;
-    std::string m_text;
+    TextBuffer m_text;
 };
 
 /// Appends \p text as a JSON string. Replaces invalid UTF-8.
-void appendJsonString(std::string& json, std::string_view text);
+void appendJsonString(TextBuffer& json, std::string_view text);
 
 }  // namespace vexa::runner

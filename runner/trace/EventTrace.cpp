@@ -81,7 +81,8 @@ std::string factsOf(const RunFacts& facts) {
 
 }  // namespace
 
-EventTrace::EventTrace(const std::string& path, const RunFacts& facts) : m_file(path), m_text(getpid()) {
+EventTrace::EventTrace(const std::string& path, const RunFacts& facts, Append_e how)
+    : m_file(path, how), m_text(getpid()) {
     write([&] {
         const long thread = EventThread::current();
         m_text.event("i", kRun, kRun, thread, std::chrono::steady_clock::now());
@@ -106,8 +107,8 @@ void EventTrace::entryEnded(const EntryEvent& entry) {
     write([&] {
         writeEdges(m_scopes.entryEnded(entry.time));
         const long thread = EventThread::current();
-        const auto name = endSpan(thread);
-        if (!name) return;
+        const std::string* const name = endSpan(thread);
+        if (name == nullptr) return;
         m_text.event("E", *name, categoryOf(entry.kind), thread, entry.time).open("args");
         m_text.member("addOn", entry.addOnId).member("succeeded", entry.succeeded).member("error", entry.error);
         m_text.close().close();
@@ -128,7 +129,7 @@ void EventTrace::callEnded(const CallEvent& call) {
     write([&] {
         writeEdges(m_scopes.callEnded(call));
         const long thread = EventThread::current();
-        if (!endSpan(thread)) return;
+        if (endSpan(thread) == nullptr) return;
         m_text.event("E", call.function, kCall, thread, call.time).open("args").member("result", call.result);
         if (call.threw) m_text.member("threw", true);
         m_text.close().close();
@@ -165,8 +166,7 @@ void EventTrace::write(const Action& action) {
     });
 }
 
-// Writes the new text immediately, so that it is in the file if the process dies. Uses a single system call, because
-// that call is the main cost of a traced call.
+// Writes the new text immediately and as a whole, so that it is in the file if the process dies.
 void EventTrace::handTo(LiveFile& file) {
     m_text.hand([&](std::string_view text) { file.append(text); });
 }
@@ -175,7 +175,7 @@ void EventTrace::writeEnd(int exitStatus, const std::string& outcome) {
     const Time now = std::chrono::steady_clock::now();
     writeEdges(m_scopes.endAll(now));
     for (auto& [track, open] : m_openSpans) {
-        while (const auto name = endSpan(track)) m_text.event("E", *name, kCutOff, track, now).close();
+        while (open.areThere()) m_text.event("E", open.pop(), kCutOff, track, now).close();
     }
     m_text.event("i", "outcome", kRun, EventThread::current(), now).member("s", "p").open("args");
     m_text.member("exitStatus", exitStatus).member("outcome", outcome).close().close();
@@ -192,20 +192,23 @@ void EventTrace::writeEdges(const std::vector<ScopeEdge>& edges) {
     }
 }
 
-void EventTrace::beginSpan(long thread, std::size_t threadNumber, std::string name) {
+void EventTrace::beginSpan(long thread, std::size_t threadNumber, std::string_view name) {
     const auto [open, isNew] = m_openSpans.try_emplace(thread);
     if (isNew) m_text.metadata("thread_name", thread, "thread " + std::to_string(threadNumber));
-    open->second.push_back(std::move(name));
+    open->second.push(name);
 }
 
 // Ends the span under the name with which it started: at that time the id of an add-on may not be known. Ignores an end
-// without a start.
-std::optional<std::string> EventTrace::endSpan(long thread) {
+// without a start. The name is valid until the next span starts.
+const std::string* EventTrace::endSpan(long thread) {
     const auto found = m_openSpans.find(thread);
-    if (found == m_openSpans.end() || found->second.empty()) return std::nullopt;
-    std::string name = std::move(found->second.back());
-    found->second.pop_back();
-    return name;
+    if (found == m_openSpans.end() || !found->second.areThere()) return nullptr;
+    return &found->second.pop();
+}
+
+void EventTrace::OpenSpans::push(std::string_view name) {
+    if (m_count == m_names.size()) m_names.emplace_back();
+    m_names[m_count++] = name;
 }
 
 }  // namespace vexa::runner

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,7 +35,7 @@ struct RunFacts {
 /// Threads: as an observer.
 class EventTrace : public standin::ObserverInterface {
 public:
-    EventTrace(const std::string& path, const RunFacts& facts);
+    EventTrace(const std::string& path, const RunFacts& facts, Append_e how = Append_e::BySystemCall);
 
     void entryBegan(const standin::EntryEvent& entry) override;
     void entryEnded(const standin::EntryEvent& entry) override;
@@ -48,19 +48,30 @@ public:
     void finish(int exitStatus, const std::string& outcome);
 
 private:
+    // The names of the open spans of a track. Keeps the memory of spans that ended.
+    class OpenSpans {
+    public:
+        bool areThere() const { return m_count != 0; }
+        void push(std::string_view name);
+        const std::string& pop() { return m_names[--m_count]; }
+
+    private:
+        std::vector<std::string> m_names;
+        std::size_t m_count = 0;
+    };
+
     template <class Action>
     void write(const Action& action);
     void handTo(LiveFile& file);
     void writeEdges(const std::vector<ScopeEdge>& edges);
     void writeEnd(int exitStatus, const std::string& outcome);
-    void beginSpan(long thread, std::size_t threadNumber, std::string name);
-    std::optional<std::string> endSpan(long thread);
+    void beginSpan(long thread, std::size_t threadNumber, std::string_view name);
+    const std::string* endSpan(long thread);
 
     TraceFile m_file;
     EventText m_text;  // to be written next
     ScopeTracks m_scopes;
-    std::map<long, std::vector<std::string>>
-        m_openSpans;  // the names of the open spans by track; has every track that has a name
+    std::map<long, OpenSpans> m_openSpans;  // by track; has every track that has a name
 };
 
 }  // namespace vexa::runner

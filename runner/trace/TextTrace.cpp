@@ -8,7 +8,7 @@ using standin::CallEvent;
 using standin::EntryEvent;
 using standin::Finding;
 
-TextTrace::TextTrace(const std::string& path) : m_file(path) {
+TextTrace::TextTrace(const std::string& path, Append_e how) : m_file(path, how) {
     m_file.write([](LiveFile& file) { file.append(kTextTraceHead + std::string("\n")); });
 }
 

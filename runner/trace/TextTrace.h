@@ -15,7 +15,7 @@ namespace vexa::runner {
 /// Threads: as an observer.
 class TextTrace : public standin::ObserverInterface {
 public:
-    explicit TextTrace(const std::string& path);
+    explicit TextTrace(const std::string& path, Append_e how = Append_e::BySystemCall);
 
     void entryBegan(const standin::EntryEvent& entry) override;
     void entryEnded(const standin::EntryEvent& entry) override;

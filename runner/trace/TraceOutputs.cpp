@@ -1,5 +1,6 @@
 #include "trace/TraceOutputs.h"
 
+#include "system/files/MappedTail.h"
 #include "system/files/OutputTarget.h"
 #include "terminal/Console.h"
 
@@ -28,9 +29,15 @@ void addTraceOptions(Command& command, TraceOptions& options) {
     options.facts.tool = std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION;
 }
 
-void TraceOutputs::open(const TraceOptions& options) {
-    if (options.events) m_traces.push_back(&m_events.emplace(*options.events, options.facts));
-    if (options.text) m_traces.push_back(&m_text.emplace(*options.text));
+void cutTraces(const TraceOptions& options) {
+    for (const auto& file : {options.events, options.text}) {
+        if (file && !isStream(*file)) cutAfterText(*file);
+    }
+}
+
+void TraceOutputs::open(const TraceOptions& options, Append_e how) {
+    if (options.events) m_traces.push_back(&m_events.emplace(*options.events, options.facts, how));
+    if (options.text) m_traces.push_back(&m_text.emplace(*options.text, how));
 }
 
 standin::ObserverInterface* TraceOutputs::observer() { return m_traces.empty() ? nullptr : this; }

@@ -20,14 +20,18 @@ struct TraceOptions {
 /// Adds `--trace` and `--trace-text`. The facts get the program and all options that the user gives to \p command.
 void addTraceOptions(Command& command, TraceOptions& options);
 
+/// Gives the traces that a killed process has written the length of their text.
+void cutTraces(const TraceOptions& options);
+
 /// The traces of a run: an observer that passes every event on to each of them.
 ///
 /// Threads: as an observer.
 class TraceOutputs : standin::ObserverInterface {
 public:
-    /// Opens the files.
+    /// Opens the files. With Append_e::ByMapping, the process that watches this one must call cutTraces() after the
+    /// end of this process.
     /// \throws OutputError if a trace cannot be written.
-    void open(const TraceOptions& options);
+    void open(const TraceOptions& options, Append_e how = Append_e::BySystemCall);
     /// Also passes the events to \p observer, which must live as long as events come.
     void add(standin::ObserverInterface& observer) { m_traces.push_back(&observer); }
     /// The observer of the run; null if there is nothing to pass events to.

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "system/files/InputLines.h"
+#include "system/files/MappedTail.h"
 #include "system/files/StandardStreams.h"
 #include "system/files/WholeFile.h"
 #include "text/ShortText.h"
@@ -22,6 +23,7 @@ using Json = nlohmann::ordered_json;
 using Kind_e = TracedSpan::Kind_e;
 
 constexpr const char* kNoTrace = "this is not a trace of 'vexa-standin run --trace'";
+constexpr const char* kNoEvent = "not an event of a trace";
 constexpr const char* kWrongPart = "an event with a missing part, or with a part of the wrong type";
 constexpr double kNanosecondsPerMicrosecond = 1000;
 constexpr double kMostNanoseconds = 1LL << 53;  // the largest integer that JavaScript counts exactly: 104 days
@@ -253,20 +255,43 @@ private:
     std::string_view m_rest;
 };
 
+// Returns true if \p lines has less than \p size bytes left. Reads them.
+template <class Lines>
+bool hasLessThan(std::size_t size, Lines& lines) {
+    for (std::string_view line; lines.next(line);) {
+        if (line.size() + 1 >= size) return false;
+        size -= line.size() + 1;
+    }
+    return true;
+}
+
+// Returns what stands before the first zero byte of \p line. A run that was killed, together with the process that
+// watched it, leaves such bytes behind the text; elsewhere they are no text of a trace.
+template <class Lines>
+std::string textOfLastLine(std::string_view line, Lines& lines) {
+    std::string text(line.substr(0, line.find('\0')));
+    if (!hasLessThan(MappedTail::kMost - std::min(line.size() - text.size(), MappedTail::kMost), lines)) {
+        throw std::invalid_argument(kNoEvent);
+    }
+    return text;
+}
+
 template <class Lines>
 void visitLines(Lines& lines, const std::string& path, TraceVisitorInterface& visitor) {
     EventReader reader(visitor);
     std::size_t number = 0;
+    std::string last;
     for (std::string_view line; lines.next(line);) {
         if (!line.empty() && line.back() == ',') line.remove_suffix(1);
         ++number;
         if (number == 1 && line != "[") throw TraceError(path + ": " + kNoTrace);
         if (line == "[" || line == "]") continue;
         try {
+            if (line.find('\0') != std::string_view::npos) line = last = textOfLastLine(line, lines);
             const Json event = eventIn(line);
             if (event.is_discarded() && reader.hasHeader() && lines.isAtEnd())
                 break;  // the line was cut off while it was written
-            if (event.is_discarded()) throw std::invalid_argument("not an event of a trace");
+            if (event.is_discarded()) throw std::invalid_argument(kNoEvent);
             reader.add(event);
         } catch (const Json::exception&) {
             refuse(path, number, reader.hasHeader() ? kWrongPart : kNoTrace);
@@ -289,7 +314,9 @@ std::string shownName(const std::string& file) { return isStandardInput(file) ? 
 std::string traceTextOf(const std::string& file, std::string& name) {
     name = shownName(file);
     try {
-        return readInput(file);
+        std::string text = readInput(file);
+        text.resize(textLengthOf(text));  // the run and its watching process may have been killed
+        return text;
     } catch (const std::system_error& error) {
         refuseUnreadable(name, error);
     }

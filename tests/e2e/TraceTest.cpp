@@ -53,6 +53,33 @@ TEST_F(Trace, OfARunThatIsKilledIsThereUpToThere) {
     EXPECT_NE(read("t.txt").find("m.macro:2: ONE KILL\n"), std::string::npos);
 }
 
+TEST_F(Trace, OfARunThatIsKilledHasNoMoreThanItsText) {
+    runMacro("ONE SAY a\nONE KILL\n", {"--trace", "t.json", "--trace-text", "t.txt"});
+    EXPECT_EQ(read("t.json").back(), '}');
+    EXPECT_EQ(read("t.txt").back(), '\n');
+}
+
+TEST_F(Trace, OfAProgramThatIsTerminatedHasNoMoreThanItsText) {
+    write("m.macro", "HANGING HANG\n");
+    const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_HANGING
+                                             " --trace t.json --trace-text t.txt & "
+                                             "until grep --quiet HANG t.txt; do sleep 0.05; done 2>/dev/null; "
+                                             "kill -TERM $!; wait $!";
+    EXPECT_EQ(runProgram({{"bash", "-c", command}, folder(), "", false}).status, 128 + SIGTERM);
+    EXPECT_EQ(read("t.json").back(), '}');
+    EXPECT_EQ(read("t.txt").back(), '\n');
+}
+
+TEST_F(Trace, OfAProgramThatIsKilledCanBeRead) {
+    write("m.macro", "HANGING HANG\n");
+    const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_HANGING
+                                             " --trace t.json --trace-text t.txt & "
+                                             "until grep --quiet HANG t.txt; do sleep 0.05; done 2>/dev/null; "
+                                             "kill -KILL $!; wait $!";
+    runProgram({{"bash", "-c", command}, folder(), "", false});
+    EXPECT_EQ(runProgram(runner({"diff", "t.json", "t.txt"})).err, "");
+}
+
 TEST_F(Trace, OfACommandThatDoesNotReturnEndsWithTheFinding) {
     write("m.macro", "HANGING HANG\n");
     const ProgramResult result =

@@ -29,6 +29,7 @@ struct ProcessBox {
 
     std::atomic<std::uint64_t> sent{0};      ///< how many messages the process has sent
     std::atomic<bool> isStatusDrawn{false};  ///< whether the status line is drawn on the terminal
+    std::atomic<bool> areTracesOpen{false};  ///< whether the process has opened its traces
 
     /// Notes that the host calls an add-on.
     void enter(std::string_view itsPlace, std::string_view id, std::string_view itsWork) noexcept {
@@ -47,6 +48,7 @@ struct ProcessBox {
 
     /// The process that this box belongs to; 0 if nobody watches it.
     std::atomic<pid_t> owner{0};
+    bool isWatched() const noexcept { return owner != 0; }
     /// Returns true if this process is not the owner, but a copy that an add-on forked.
     bool isOfOther() const noexcept { return owner != 0 && owner != getpid(); }
 

@@ -42,14 +42,31 @@ Descriptor openedOutput(const std::string& path) {
     return file;
 }
 
+// Emptying a file that another process has mapped would kill that process, so the claim comes first.
+Descriptor openedForMapping(const std::string& path) {
+    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_RDWR | O_CLOEXEC, kLiveFileMode));
+    if (!file.isOpen()) return openedOutput(path);  // it may be writable, but not readable
+    if (!claim(file.get())) refuseOutput(path, "another run writes it");
+    if (ftruncate(file.get(), 0) != 0) refuseOutput(path);
+    return file;
+}
+
+bool isReadable(int file) { return (fcntl(file, F_GETFL) & O_ACCMODE) == O_RDWR; }
+
 }  // namespace
 
-LiveFile::LiveFile(const std::string& path)
-    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openedOutput(path)) {}
+LiveFile::LiveFile(const std::string& path, Append_e how)
+    : m_path(isStandardOutput(path) ? kStandardOutputName : path) {
+    const bool isMapped = how == Append_e::ByMapping && !isStream(path);
+    m_descriptor = isMapped ? openedForMapping(path) : openedOutput(path);
+    if (isMapped && isReadable(m_descriptor.get())) m_tail = std::make_unique<MappedTail>(m_descriptor.get());
+}
 
 void LiveFile::append(std::string_view text) {
     if (!m_descriptor.isOpen() || !m_problem.empty()) return;
-    if (!writeAll(m_descriptor.get(), text)) giveUp(std::generic_category().message(errno));
+    if (m_tail) text.remove_prefix(m_tail->append(text));
+    const bool isWritable = text.empty() || !m_tail || m_tail->cut();
+    if (!isWritable || !writeAll(m_descriptor.get(), text)) giveUp(std::generic_category().message(errno));
 }
 
 void LiveFile::giveUp(const std::string& why) {
@@ -57,6 +74,7 @@ void LiveFile::giveUp(const std::string& why) {
 }
 
 void LiveFile::close() {
+    if (m_tail && !m_tail->cut()) giveUp(std::generic_category().message(errno));
     const bool isClosed = m_descriptor.close();
     if (!m_problem.empty()) refuseOutput(m_path, m_problem);
     if (!isClosed) refuseOutput(m_path);

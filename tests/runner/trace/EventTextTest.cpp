@@ -13,9 +13,9 @@ using Json = nlohmann::ordered_json;
 using Time = EventText::Time;
 
 std::string jsonOf(const std::string& text) {
-    std::string json;
+    TextBuffer json;
     appendJsonString(json, text);
-    return json;
+    return std::string(json.text());
 }
 
 std::string takeFrom(EventText& text) {

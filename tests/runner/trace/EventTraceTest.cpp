@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -98,6 +99,29 @@ TEST_F(EventTraceTest, HasTheNumbersOfProcessAndThread) {
     EXPECT_EQ(calls[0].at("pid"), getpid());
     EXPECT_EQ(calls[0].at("tid"), gettid());
     EXPECT_EQ(calls[2].at("tid"), other);
+}
+
+TEST_F(EventTraceTest, HasNothingFromAForkedProcess) {
+    VexaUtilMacroIsBatchModeActive();
+    const pid_t child = fork();
+    if (child == 0) {
+        VexaUtilMacroIsRecordingActive();
+        m_traced.trace().finish(1, "in the forked process");
+        _exit(0);
+    }
+    waitpid(child, nullptr, 0);
+    VexaUtilMacroIsBatchModeActive();
+    const Json events = finished();
+    EXPECT_EQ(eventsWhere(events, "cat", "call").size(), 4U);
+    EXPECT_EQ(eventsWhere(events, "name", "outcome").size(), 1U);
+}
+
+TEST_F(EventTraceTest, IsTheSameInAMappedFile) {
+    TracedHost<EventTrace> mapped(kFacts, Append_e::ByMapping);
+    for (int i = 0; i != 4000; ++i) VexaUtilMacroIsBatchModeActive();
+    const Json events = traceEvents(mapped.finished());
+    EXPECT_EQ(eventsWhere(events, "cat", "call").size(), 8000U);
+    EXPECT_EQ(events.back().at("name"), "outcome");
 }
 
 TEST_F(EventTraceTest, HasCommandsAsSpansWithTheirOutcome) {

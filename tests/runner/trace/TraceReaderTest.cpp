@@ -111,6 +111,15 @@ TEST_F(TraceReaderTest, ReadsATraceThatIsCutOffAnywhereBehindItsHeader) {
     EXPECT_EQ(spans, 5U);
 }
 
+TEST_F(TraceReaderTest, IgnoresWhatAKilledWriterLeftAfterTheText) {
+    using namespace std::string_literals;
+    m_text.resize(m_text.rfind(",\n{"));
+    for (const std::string& rest : {"\0"s, "\0\n{\"na"s, std::string(100000, '\0')}) {
+        std::string name;
+        EXPECT_EQ(traceTextOf(m_folder.write("t", m_text + rest), name), m_text);
+    }
+}
+
 TEST_F(TraceReaderTest, LeavesOpenWhatWasRunningWhenTheTraceWasCutOff) {
     m_text.resize(m_text.find("VexaUtilStatusStartPercentDone\",\"cat\":\"call\",\"ph\":\"E\""));
     const TracedRun run = readBack();
