@@ -59,7 +59,8 @@ function flameButton({node, depth, left, share}) {
 }
 
 function drawFlame() {
-  const boxes = flameBoxes(nodes[flame.root], kLeastShare);
+  const isSought = (node) => flame.query.trim() !== '' && matches(node.name, flame.query);
+  const boxes = flameBoxes(nodes[flame.root], kLeastShare, isSought);
   const depth = boxes.reduce((most, box) => Math.max(most, box.depth), 0);
   byId('flame-view').replaceChildren(...boxes.map(flameButton));
   byId('flame-view').style.height = `${(depth + 1) * kFlameRow}px`;

@@ -20,11 +20,11 @@ function flameNodes(columns) {
 }
 
 // Returns the boxes of a node and its descendants, as {node, depth, left, share}; left and share are parts of the width.
-function flameBoxes(root, least) {
+// Leaves out boxes with a share below `least`, unless their nodes are sought.
+function flameBoxes(root, least, isSought = () => false) {
   const boxes = [];
   const place = (node, depth, left, share) => {
-    if (share < least) return;
-    boxes.push({node, depth, left, share});
+    if (share >= least || isSought(node)) boxes.push({node, depth, left, share});
     let next = left;
     for (const child of node.children) {
       const part = node.total > 0 ? share * child.total / node.total : 0;

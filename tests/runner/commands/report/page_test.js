@@ -107,6 +107,8 @@ const tests = {
     assert.deepStrictEqual(boxes.map(({node, depth, left, share}) => [node.name, depth, left, Number(share.toFixed(3))]),
         [['run', 0, 0, 1], ['b', 1, 0, 0.7], ['a', 1, 0.7, 0.3], ['f', 2, 0.7, 0.2]]);
     assert.deepStrictEqual(flame.flameBoxes(nodes[0], 0.5).map(({node}) => node.name), ['run', 'b']);
+    const sought = flame.flameBoxes(nodes[0], 0.5, (node) => node.name === 'a');
+    assert.deepStrictEqual(sought.map(({node}) => node.name), ['run', 'b', 'a']);
   },
 };
 
