@@ -36,13 +36,13 @@ constexpr std::chrono::seconds kTimeToRead{4};
 
 Stack unnamed(const CodePlaces& places) {
     Stack frames;
-    for (const CodePlace& place : places.places) frames.push_back({"", "", 0, place.object, place.offset});
+    for (const UnwoundPlace& place : places.places) frames.push_back({"", "", 0, place.object, place.offset});
     return frames;
 }
 
 Stack named(const CodePlaces& places, Symbols& symbols) {
     Stack frames;
-    for (const CodePlace& place : places.places) {
+    for (const UnwoundPlace& place : places.places) {
         if (place.object.empty()) {
             frames.push_back({"", "", 0, "", place.offset});
         } else {

@@ -17,14 +17,14 @@
 namespace vexa::runner {
 
 /// A place in the code of a process.
-struct CodePlace {
+struct UnwoundPlace {
     std::string object;         ///< the path; empty if the address is in none
     std::uintptr_t offset = 0;  ///< in the object; without an object, the address
 };
 
 /// The places on a stack, the innermost first. A return address is the place before it, which is in the calling line.
 struct CodePlaces {
-    std::vector<CodePlace> places;
+    std::vector<UnwoundPlace> places;
     std::size_t leftOut = 0;
     bool isCounted = true;  ///< false if there are more than leftOut, and counting them took too long
 };

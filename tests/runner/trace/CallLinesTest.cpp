@@ -9,7 +9,7 @@ namespace {
 
 const std::string kHead = "# thread, then commands, and their calls of the host with arguments and results\n";
 
-std::string linesOf(const std::string& trace) { return textOf(callLinesIn(kHead + trace, "t")); }
+std::string callLinesOf(const std::string& trace) { return textOf(callLinesIn(kHead + trace, "t")); }
 
 TEST(CallLines, AreTheCallsOfEachCommand) {
     const CallLines lines =
@@ -51,8 +51,8 @@ TEST(CallLines, OfThreadsDoNotDependOnTheirNumbersAndTimes) {
         "2    VexaUtilThreadMutexUnlock(mutex#3)\n"
         "3    VexaUtilThreadMutexAlloc() = mutex#4\n"
         "1    => accepted\n";
-    EXPECT_EQ(linesOf(one), linesOf(other));
-    EXPECT_EQ(linesOf(one),
+    EXPECT_EQ(callLinesOf(one), callLinesOf(other));
+    EXPECT_EQ(callLinesOf(one),
               "ONE A\n"
               "  VexaUtilLockStart(ONE)\n"
               "  (thread 2) VexaUtilThreadMutexAlloc() = mutex#1\n"
@@ -62,7 +62,7 @@ TEST(CallLines, OfThreadsDoNotDependOnTheirNumbersAndTimes) {
 }
 
 TEST(CallLines, NumberHandlesInEachCommandButLeaveTexts) {
-    const std::string lines = linesOf(
+    const std::string lines = callLinesOf(
         "1  m.macro:1: ONE A#5\n"
         "1    VexaUtilStringAlloc(3, \"string#5 \\\" string#6\") = string#9\n"
         "1    VexaUtilStringAlloc(3, null) = string#2\n"
@@ -78,12 +78,12 @@ TEST(CallLines, NumberHandlesInEachCommandButLeaveTexts) {
 }
 
 TEST(CallLines, OfANestedCommandAreItsOwn) {
-    EXPECT_EQ(linesOf("1  ONE A\n"
-                      "1    TWO B\n"
-                      "1      VexaUtilLockStart(TWO)\n"
-                      "1      => accepted\n"
-                      "1    VexaUtilLockFinish(ONE)\n"
-                      "1    => accepted\n"),
+    EXPECT_EQ(callLinesOf("1  ONE A\n"
+                          "1    TWO B\n"
+                          "1      VexaUtilLockStart(TWO)\n"
+                          "1      => accepted\n"
+                          "1    VexaUtilLockFinish(ONE)\n"
+                          "1    => accepted\n"),
               "ONE A\n"
               "  VexaUtilLockFinish(ONE)\n"
               "  => accepted\n"
@@ -93,8 +93,8 @@ TEST(CallLines, OfANestedCommandAreItsOwn) {
 }
 
 TEST(CallLines, EndWhereTheTraceWasCutOff) {
-    EXPECT_EQ(linesOf("1  ONE A\n1    VexaUtilLockStart(ONE)\n1"), "ONE A\n  VexaUtilLockStart(ONE)\n");
-    EXPECT_EQ(linesOf(""), "");
+    EXPECT_EQ(callLinesOf("1  ONE A\n1    VexaUtilLockStart(ONE)\n1"), "ONE A\n  VexaUtilLockStart(ONE)\n");
+    EXPECT_EQ(callLinesOf(""), "");
 }
 
 TEST(CallLines, AreRefusedInAnotherFile) {

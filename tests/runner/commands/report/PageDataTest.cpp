@@ -51,9 +51,9 @@ TracedRun crashedRun() {
     return run;
 }
 
-const std::string kFacts = R"({"rule":"leaked-set","severity":"error","message":"m","addOn":"ONE","opened":null,)"
-                           R"("seen":{"call":1,"function":"f","command":"c","macroLine":"l","thread":1},)"
-                           R"("count":1,"repeats":0,"hint":"h"})";
+const std::string kRunFacts = R"({"rule":"leaked-set","severity":"error","message":"m","addOn":"ONE","opened":null,)"
+                              R"("seen":{"call":1,"function":"f","command":"c","macroLine":"l","thread":1},)"
+                              R"("count":1,"repeats":0,"hint":"h"})";
 
 TEST(PageData, HasTheCommandsThatTheHostRecorded) {
     TracedRun run;
@@ -117,7 +117,7 @@ TEST(PageData, CountsTheCommandOfACrashAsFailed) {
 
 TEST(PageData, HasACrashAsTheFirstFinding) {
     TracedRun run = crashedRun();
-    run.findings = {{0, 15, "leaked-set", kFacts}};
+    run.findings = {{0, 15, "leaked-set", kRunFacts}};
     const Json data = pageData(run);
     ASSERT_EQ(data.at("findings").size(), 2U);
     const Json& crash = data.at("findings").at(0);
@@ -140,7 +140,7 @@ TEST(PageData, HasNoCrashInARunThatEnded) {
 TEST(PageData, KeepsFieldsOfFindingsThatItDoesNotKnow) {
     TracedRun run;
     run.outcome = {0, "all went well"};
-    Json facts = Json::parse(kFacts);
+    Json facts = Json::parse(kRunFacts);
     facts["seen"]["source"] = {{"function", "mean"}, {"file", "stats.cpp"}, {"line", 12}};
     run.findings = {{0, 15, "leaked-set", facts.dump()}};
     EXPECT_EQ(pageData(run).at("findings").at(0).at("seen").at("source").at("line"), 12);
@@ -190,7 +190,7 @@ TEST(PageData, FitsIntoAPageHoweverLongItsTexts) {
     TracedRun run = longRun(100);
     const std::string text(3000000, '<');
     run.tool = run.macroFile = run.entries[0].command = run.entries[0].error = run.spans[1].arguments = text;
-    Json facts = Json::parse(kFacts);
+    Json facts = Json::parse(kRunFacts);
     facts["message"] = text;
     for (int i = 0; i < 5; ++i) run.findings.push_back({0, 15, "leaked-set", facts.dump()});
     EXPECT_LT(pageOf(run).size(), 300000U);

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t kMost = MappedTail::kMost;
 
-std::string contentOf(const std::string& path) {
+std::string fileContent(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -30,7 +30,7 @@ class MappedTailTest : public ::testing::Test {
 protected:
     Descriptor opened() const { return Descriptor(open(path().c_str(), O_CREAT | O_TRUNC | O_RDWR | O_CLOEXEC, 0600)); }
     std::string path() const { return m_folder.path("file"); }
-    std::string content() const { return contentOf(path()); }
+    std::string content() const { return fileContent(path()); }
     std::string text() const { return content().substr(0, textLengthOf(content())); }
 
     tests::TemporaryFolder m_folder;
@@ -108,7 +108,7 @@ TEST_F(MappedTailTest, ChangesNoOtherFileThatGotItsNumber) {
     ASSERT_GE(dup2(itsFile.get(), file.get()), 0);
     EXPECT_EQ(tail.append(std::string(kMost, 'x')), kMost - 3);
     EXPECT_FALSE(tail.cut());
-    EXPECT_EQ(contentOf(other), "other");
+    EXPECT_EQ(fileContent(other), "other");
 }
 
 std::string numbered(std::size_t i) { return "number " + std::to_string(i) + std::string(1000, ' ') + '\n'; }
