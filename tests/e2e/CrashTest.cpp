@@ -37,6 +37,10 @@ std::string placeText(const std::string& addOn, const std::string& mark, const s
 
 class Crash : public RunnerTest {
 protected:
+    void SetUp() override {
+        if (VEXA_IS_SANITIZED) GTEST_SKIP() << "the leak sanitizer does not work in a traced process";
+    }
+
     /// `vexa-standin COMMAND m.macro OPTIONS --addon ADDON`, where m.macro has the command \p way of the add-on.
     Program program(const std::string& way, const std::string& addOn, const std::string& command = "run",
                     const Words& options = {}) const {

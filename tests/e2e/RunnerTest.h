@@ -24,10 +24,10 @@ inline std::string withoutStack(const std::string& text) {
     std::string rest;
     bool isStack = false;
     for (std::string line; std::getline(in, line);) {
-        isStack = line == "    stack:" || line.rfind("    at: ", 0) == 0 || line.rfind("    stack of ", 0) == 0 ||
-                  line == "    hint:  Compile the add-on with -g to see the lines of its source." ||
-                  line.find(" no code of an add-on") != std::string::npos ||
-                  (isStack && line.rfind("           ", 0) == 0);
+        isStack =
+            line.rfind("    stack:", 0) == 0 || line.rfind("    at: ", 0) == 0 || line.rfind("    stack of ", 0) == 0 ||
+            line == "    hint:  Compile the add-on with -g to see the lines of its source." ||
+            line.find(" no code of an add-on") != std::string::npos || (isStack && line.rfind("           ", 0) == 0);
         if (!isStack) rest += line + '\n';
     }
     return rest;

@@ -108,6 +108,7 @@ TEST_P(SourceLines, AreNamedForSixRules) {
 }
 
 TEST_P(SourceLines, AreNamedInAnotherHost) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "a build with sanitizers has no layer";
     for (const Breach& breach : kBreaches) expectPlaces(attachWith(breach.command).err, breach);
 }
 
@@ -132,7 +133,9 @@ TEST_P(SourceLines, AreExplainedOnceWithoutDebugInformation) {
 }
 
 TEST_P(SourceLines, AreInTheWholeStack) {
-    for (const std::string& err : {runWith("LOCK", {"--stacks"}).err, attachWith("LOCK", {"--stacks"}).err}) {
+    std::vector<std::string> texts = {runWith("LOCK", {"--stacks"}).err};
+    if (!VEXA_IS_SANITIZED) texts.push_back(attachWith("LOCK", {"--stacks"}).err);  // the layer is not built then
+    for (const std::string& err : texts) {
         const std::string first = lineAfter(err, "first:");
         EXPECT_TRUE(startsWith(first, "           #0  ")) << err;
         const std::size_t lock = err.find(hasLines() ? placeOf("lock") : "+0x");
