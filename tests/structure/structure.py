@@ -34,7 +34,7 @@ PRODUCTS = {
 
 # Folders from the top down: each may include only those after it.
 LAYERS = {
-    'runner': ('commands', 'session', 'coverage', 'trace', 'formats', 'options', 'terminal', 'system', 'text'),
+    'runner': ('commands', 'session', 'coverage', 'trace', 'language', 'formats', 'options', 'terminal', 'system', 'text'),
 }
 
 # Folders that know nothing of each other, and the few that each of them may include all the same.
