@@ -50,7 +50,7 @@ ExitStatus_e runProgram(const std::vector<std::string>& arguments) {
                      ShowVersion{std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION}));
     program.commands = {newCommand(),      runCommand(),          replCommand(),   testCommand(),
                         checkCommand(),    lintCommand(),         attachCommand(), reportCommand(),
-                        coverageCommand(), diffCommand(),           explainCommand(),
+                        coverageCommand(), diffCommand(),         docsCommand(),   explainCommand(),
                         listCommand(),     styleCommand(),        probeCommand(),  compareHostsCommand(),
                         schemaCommand(),   manualCommand(program)};
     addOptionsOfAll(program);

@@ -18,6 +18,9 @@ Command coverageCommand();
 /// `diff` compares the calls in two traces.
 Command diffCommand();
 
+/// `docs` prints a page about the commands of an add-on, made from their description.
+Command docsCommand();
+
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();
 

@@ -107,7 +107,7 @@ TEST_F(Manual, CompletesWordByWord) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run repl test check lint attach report coverage diff explain list style probe compare-hosts "
+         "new run repl test check lint attach report coverage diff docs explain list style probe compare-hosts "
          "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
@@ -163,7 +163,7 @@ TEST_F(Manual, CompletesTheSameInFish) {
         {"commands", "vexa-standin re", "repl\nreport\n"},
         {"all commands", "vexa-standin ",
          "attach\ncheck\ncompare-"
-         "hosts\ncoverage\ndiff\nexplain\nlint\nlist\nnew\nprobe\nrepl\nreport\nrun\nschema\nstyle\ntest\n"},
+         "hosts\ncoverage\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrepl\nreport\nrun\nschema\nstyle\ntest\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
