@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -98,6 +100,16 @@ public:
         m_cases.push_back({"with an option that is not described", {least().text() + unknown}});
         for (const OptionDescription& option : m_command.options) addRefused(option);
         return std::move(m_cases);
+    }
+
+    std::vector<LargeInteger> largeIntegers() const {
+        std::vector<LargeInteger> all;
+        for (const OptionDescription& option : m_command.options) {
+            if (option.type != OptionType_e::Int64) continue;
+            const std::string value = integerText(std::strtold(sampleOf(option).c_str(), nullptr) + kBeyondInt32);
+            all.push_back({option.name, value, surroundings(option).front().with(option, value)});
+        }
+        return all;
     }
 
 private:
@@ -253,6 +265,10 @@ std::vector<CommandCase> acceptedCases(const AddOnDescription& addOn, const Comm
 
 std::vector<CommandCase> refusedCases(const AddOnDescription& addOn, const CommandDescription& command) {
     return CaseWriter(addOn, command).refused();
+}
+
+std::vector<LargeInteger> largeIntegers(const AddOnDescription& addOn, const CommandDescription& command) {
+    return CaseWriter(addOn, command).largeIntegers();
 }
 
 std::string leastCommand(const AddOnDescription& addOn, const CommandDescription& command) {

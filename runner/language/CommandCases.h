@@ -26,6 +26,17 @@ std::vector<CommandCase> acceptedCases(const AddOnDescription& addOn, const Comm
 /// text.
 std::vector<CommandCase> refusedCases(const AddOnDescription& addOn, const CommandDescription& command);
 
+/// A command with an integer that an Int32 cannot hold.
+struct LargeInteger {
+    std::string option;
+    std::string value;
+    std::string text;  ///< the command without the add-on's id
+};
+
+/// Returns a command for each Int64 of \p command. The add-on may refuse it. If it records another value, it reads the
+/// option as an Int32.
+std::vector<LargeInteger> largeIntegers(const AddOnDescription& addOn, const CommandDescription& command);
+
 /// Returns \p command with only its required options.
 std::string leastCommand(const AddOnDescription& addOn, const CommandDescription& command);
 

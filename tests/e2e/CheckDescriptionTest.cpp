@@ -66,7 +66,7 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
     const Case cases[] = {
         {"an option of the processor is dropped",
          R"({"name": "TIMES", "type": "Int64", "default": 1, "min": 1, "max": 100, "help": "how often"},)", "",
-         "records DESCRIBED GREET NAME = 'you' TIMES = 2 : GREET has no option TIMES"},
+         "records DESCRIBED GREET NAME = 'you' TIMES = 2 STEP = 1 : GREET has no option TIMES"},
         {"one that is neither recorded nor in an example is dropped",
          R"({"name": "SCALE", "type": "Double", "default": 1, "help": "a factor"},)", "",
          "GREET has an option SCALE, which is not described"},
@@ -91,6 +91,9 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
         {"Int32 as Int64", R"("STEP", "type": "Int32", "default": 1)",
          R"("STEP", "type": "Int64", "default": 1, "max": 9)",
          "accepts GREET NAME = 'you' STEP = 4294967305 (STEP above its maximum)"},
+        {"Int32 as Int64 without a maximum", R"("STEP", "type": "Int32", "default": 1)",
+         R"("STEP", "type": "Int64", "default": 1)",
+         "records GREET NAME = 'you' STEP = 4294967297 with STEP = 1: it reads an Int32, not an Int64"},
         {"Double as Int64", R"("SCALE", "type": "Double")", R"("SCALE", "type": "Int64")",
          "accepts GREET NAME = 'you' SCALE = 1.5 (SCALE with a value that is no Int64)"},
         {"Boolean as Choice", R"("LOUD", "type": "Boolean", "default": false)",

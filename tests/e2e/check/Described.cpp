@@ -38,7 +38,8 @@ public:
     }
 
     bool composeCommandString(std::string& command) const override {
-        command = "GREET " + toNameValueAssignment("NAME", m_name) + toNameValueAssignment("TIMES", m_times);
+        command = "GREET " + toNameValueAssignment("NAME", m_name) + toNameValueAssignment("TIMES", m_times) +
+                  toNameValueAssignment("STEP", m_step);
         return true;
     }
 

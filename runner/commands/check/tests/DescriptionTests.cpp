@@ -7,6 +7,7 @@
 #include "commands/check/tests/UndescribedOptions.h"
 #include "language/CommandCases.h"
 #include "language/LineCheck.h"
+#include "language/MacroLine.h"
 #include "terminal/Console.h"
 #include "text/Lines.h"
 
@@ -130,6 +131,20 @@ void requireAccepted(DescriptionTrial& described, const CommandDescription& comm
     described.mistakes().add(*refusal);
 }
 
+// Reports an option that the add-on reads as an Int32: the recorded value is then another one.
+void requireWholeInteger(DescriptionTrial& described, const CommandDescription& command, const LargeInteger& large) {
+    const Descriptions descriptions(described.addOn());
+    for (const std::string& line : described.run(command, large.text).recorded) {
+        for (const WrittenOption& option : parseLine(line, descriptions).options) {
+            const std::string value(textOf(option.value, line));
+            if (option.description == nullptr || option.description->name != large.option) continue;
+            if (value == large.value) continue;
+            described.mistakes().add("records " + large.text + " with " + large.option + " = " + value +
+                                     ": it reads an Int32, not an Int64");
+        }
+    }
+}
+
 }  // namespace
 
 Verdict descriptionExamples(Trial& trial) {
@@ -163,6 +178,9 @@ Verdict descriptionRefusals(Trial& trial) {
             const std::string& text = refused.texts.front();
             if (!described.run(command, text).isAccepted) continue;
             described.mistakes().add("accepts " + text + " (" + refused.what + ')');
+        }
+        for (const LargeInteger& large : largeIntegers(described.addOn(), command)) {
+            requireWholeInteger(described, command, large);
         }
     }
     return described.conclude();
