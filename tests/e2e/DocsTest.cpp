@@ -25,5 +25,17 @@ TEST_F(Docs, RefusesAWrongDescription) {
     EXPECT_EQ(result.err, "a.commands.json: /: expected an object (1:1)\n");
 }
 
+TEST_F(Docs, MakeTheTablesOfTheExamples) {
+    for (const std::string name : {"hello-command", "data-loader", "probe-stats"}) {
+        const std::string example = VEXA_DOCS "/../examples/" + name;
+        const ProgramResult result = runProgram(runner({"docs", example + "/" + name + ".commands.json", "--table"}));
+        EXPECT_EQ(result.status, 0) << result.err;
+        std::ifstream file(example + "/README.md");
+        const std::string readme{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_NE(readme.find(result.out), std::string::npos) << "examples/" << name << "/README.md lacks\n"
+                                                              << result.out;
+    }
+}
+
 }  // namespace
 }  // namespace vexa::e2e
