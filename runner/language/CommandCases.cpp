@@ -185,8 +185,14 @@ private:
             accept(option, "with a value of which an Int32 uses the low 32 bits", integerText(value + kBeyondInt32));
         }
         if (option.type != OptionType_e::Double) return;
-        const bool isAtEnd = option.max && std::floor(value) + 0.5L > option.max->value;
-        accept(option, "with a fraction", numberText(std::floor(value) + (isAtEnd ? -0.5L : 0.5L)));
+        for (const long double fraction : {std::floor(value) + 0.5L, std::floor(value) - 0.5L}) {
+            if (!isWithin(fraction, option)) continue;
+            return accept(option, "with a fraction", numberText(fraction));
+        }
+    }
+
+    static bool isWithin(long double value, const OptionDescription& option) {
+        return (!option.min || value >= option.min->value) && (!option.max || value <= option.max->value);
     }
 
     void repeat(const OptionDescription& option, const std::string& sample) {
@@ -235,17 +241,18 @@ private:
     void addOutsideOfLimits(const OptionDescription& option, const std::string& open, const std::string& close) {
         const bool isDouble = option.type == OptionType_e::Double;
         const OptionType_e type = option.type == OptionType_e::Set ? OptionType_e::Int64 : option.type;
-        const long double least = isDouble || option.type != OptionType_e::Set ? leastOf(type).value : 0;
+        const long double least = option.type == OptionType_e::Set ? 0 : leastOf(type).value;
         const auto text = [&](long double value) {
             return open + (isDouble ? numberText(value) : integerText(value)) + close;
         };
+        const auto stepFrom = [&](long double end) { return isDouble ? std::max(1.0L, std::fabs(end)) : 1.0L; };
         if (option.min && (isDouble || option.min->value - 1 >= least)) {
-            refuse(option, "below its minimum", text(option.min->value - 1));
+            refuse(option, "below its minimum", text(option.min->value - stepFrom(option.min->value)));
         }
         if (!option.max) return;
         // An Int32 would use the low 32 bits, which are within the limits.
         const bool isInt64 = option.type == OptionType_e::Int64;
-        for (const long double more : {1.0L, isInt64 ? kBeyondInt32 : 1.0L}) {
+        for (const long double more : {stepFrom(option.max->value), kBeyondInt32}) {
             if (!isDouble && option.max->value + more > greatestOf(type).value) continue;
             refuse(option, "above its maximum", text(option.max->value + more));
             if (!isInt64) break;

