@@ -26,7 +26,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kFooter = R"(The description of an add-on's commands, NAME.commands.json, says which commands
+constexpr const char* kLintFooter = R"(The description of an add-on's commands, NAME.commands.json, says which commands
 and options there are. No add-on is loaded: --addon names one only to find the
 description beside it, and the add-on itself need not exist.
 
@@ -177,7 +177,7 @@ private:
 
 Command lintCommand() {
     const auto options = std::make_shared<LintOptions>();
-    Command command{"lint", "Find mistakes in macro files, without loading an add-on", kFooter};
+    Command command{"lint", "Find mistakes in macro files, without loading an add-on", kLintFooter};
     command.add(argument("MACROFILE", "The macro files; - reads the standard input", &options->macros).require());
     command.add(option({"--addon"}, "FILE", "An add-on; the description beside it is read", &options->addOns)
                     .check(whyNoStream));

@@ -5,7 +5,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kFooter = R"(The file NAME.commands.json beside an add-on describes its commands. With the
+constexpr const char* kSchemaFooter = R"(The file NAME.commands.json beside an add-on describes its commands. With the
 schema, an editor completes and checks this file.
 
 Example:
@@ -23,7 +23,7 @@ ExitStatus_e printSchema() {
 }  // namespace
 
 Command schemaCommand() {
-    Command command{"schema", "Print the JSON Schema of the files that describe an add-on's commands", kFooter};
+    Command command{"schema", "Print the JSON Schema of the files that describe an add-on's commands", kSchemaFooter};
     command.run = printSchema;
     return command;
 }

@@ -12,7 +12,7 @@ constexpr std::array<const char*, 8> kTypeNames = {"Boolean", "UInt64", "Int32",
                                                    "Double",  "String", "Set",   "Choice"};
 
 template <class Integer>
-DescribedNumber numberOf(Integer value) {
+DescribedNumber describedInteger(Integer value) {
     return {static_cast<long double>(value), std::to_string(value)};
 }
 
@@ -39,15 +39,15 @@ bool isNumber(OptionType_e type) { return isInteger(type) || type == OptionType_
 bool isQuoted(OptionType_e type) { return type == OptionType_e::String || type == OptionType_e::Choice; }
 
 DescribedNumber leastOf(OptionType_e type) {
-    if (type == OptionType_e::Int32) return numberOf(std::numeric_limits<std::int32_t>::min());
-    if (type == OptionType_e::Int64) return numberOf(std::numeric_limits<std::int64_t>::min());
-    return numberOf(0);
+    if (type == OptionType_e::Int32) return describedInteger(std::numeric_limits<std::int32_t>::min());
+    if (type == OptionType_e::Int64) return describedInteger(std::numeric_limits<std::int64_t>::min());
+    return describedInteger(0);
 }
 
 DescribedNumber greatestOf(OptionType_e type) {
-    if (type == OptionType_e::Int32) return numberOf(std::numeric_limits<std::int32_t>::max());
-    if (type == OptionType_e::UInt64) return numberOf(std::numeric_limits<std::uint64_t>::max());
-    return numberOf(std::numeric_limits<std::int64_t>::max());
+    if (type == OptionType_e::Int32) return describedInteger(std::numeric_limits<std::int32_t>::max());
+    if (type == OptionType_e::UInt64) return describedInteger(std::numeric_limits<std::uint64_t>::max());
+    return describedInteger(std::numeric_limits<std::int64_t>::max());
 }
 
 }  // namespace vexa::runner

@@ -27,7 +27,7 @@ constexpr std::size_t kMostItems = 1000;        // of an array
 constexpr std::size_t kMostCharacters = 10000;  // of a text
 constexpr std::size_t kMostOfAName = 64;
 
-constexpr char kSchema[] = {
+constexpr char kSchemaText[] = {
 #include "commands.schema.json.inc"
 };
 
@@ -52,7 +52,7 @@ struct Node {
     }
 };
 
-std::string inQuotes(std::string_view text) { return '"' + shortText(text) + '"'; }
+std::string quotedText(std::string_view text) { return '"' + shortText(text) + '"'; }
 
 // ": is X meant?" or a list of what is allowed.
 std::string hintFor(const std::string& word, const std::vector<std::string>& allowed) {
@@ -61,17 +61,17 @@ std::string hintFor(const std::string& word, const std::vector<std::string>& all
 }
 
 // The members of a JSON object.
-class Members {
+class ObjectMembers {
 public:
-    Members(const Node& node, const std::vector<std::string>& allowed) : m_node(node) {
+    ObjectMembers(const Node& node, const std::vector<std::string>& allowed) : m_node(node) {
         std::set<std::string> names;
         for (const JsonMember& member : node.as<JsonValue::Object>("an object")) {
             if (std::find(allowed.begin(), allowed.end(), member.name) == allowed.end()) {
                 throw Refusal{node.path, member.at,
-                              "unknown member " + inQuotes(member.name) + hintFor(member.name, allowed)};
+                              "unknown member " + quotedText(member.name) + hintFor(member.name, allowed)};
             }
             if (!names.insert(member.name).second) {
-                throw Refusal{node.path, member.at, "the member " + inQuotes(member.name) + " is given twice"};
+                throw Refusal{node.path, member.at, "the member " + quotedText(member.name) + " is given twice"};
             }
         }
     }
@@ -125,7 +125,7 @@ const std::string& nameOf(const Node& node, std::string_view others) {
     if (isName && name.size() <= kMostOfAName) return name;
     std::string expected = "expected a name of at most 64 letters and digits";
     for (const char c : others) expected += std::string(", '") + c + '\'';
-    node.refuse(expected + ", with a letter first, but found " + inQuotes(name));
+    node.refuse(expected + ", with a letter first, but found " + quotedText(name));
 }
 
 template <class Item>
@@ -146,7 +146,7 @@ std::vector<std::string> linesOf(const std::optional<Node>& node) {
 
 // ---- Numbers
 
-std::string textOf(double value) {
+std::string shortestText(double value) {
     std::array<char, 32> text{};
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
@@ -186,12 +186,12 @@ DescribedNumber numberOf(const Node& node, OptionType_e type) {
         return {static_cast<long double>(*integer), std::to_string(*integer)};
     }
     const double value = node.as<double>("a number");
-    return {value, textOf(value)};
+    return {value, shortestText(value)};
 }
 
 // ---- Options
 
-std::string setOf(const Node& node) {
+std::string setTextIn(const Node& node) {
     const auto& text = node.as<std::string>("a set as text, such as \"[1-3,5]\"");
     try {
         toolbox::Set set;
@@ -205,7 +205,7 @@ std::string setOf(const Node& node) {
 std::string choiceOf(const Node& node, const std::vector<std::string>& values) {
     const auto& value = node.as<std::string>("one of the values");
     if (std::find(values.begin(), values.end(), value) == values.end()) {
-        node.refuse(inQuotes(value) + " is not one of the values" + hintFor(value, values));
+        node.refuse(quotedText(value) + " is not one of the values" + hintFor(value, values));
     }
     return value;
 }
@@ -239,7 +239,7 @@ private:
             names.emplace_back(runner::nameOf(type));
         }
         const std::string kind = std::string(" of an option of kind ") + runner::nameOf(m_kind);
-        node.refuse(inQuotes(name) + " is no type" + kind + hintFor(name, names));
+        node.refuse(quotedText(name) + " is no type" + kind + hintFor(name, names));
     }
 
     // Refuses a member that means nothing for the type.
@@ -291,7 +291,7 @@ private:
         switch (m_option.type) {
             case OptionType_e::Boolean: return node.as<bool>("true or false") ? "TRUE" : "FALSE";
             case OptionType_e::String: return lineOf(node);
-            case OptionType_e::Set: return setOf(node);
+            case OptionType_e::Set: return setTextIn(node);
             case OptionType_e::Choice: return choiceOf(node, m_option.values);
             default: return numberInRange(node);
         }
@@ -306,7 +306,7 @@ private:
 
     CommandKind_e m_kind;
     Node m_node;
-    Members m_members;
+    ObjectMembers m_members;
     OptionDescription m_option;
 };
 
@@ -326,7 +326,7 @@ public:
         AddOnDescription description;
         const Node node{root, ""};
         guarded([&] {
-            const Members members(node, {"$schema", "addon", "commands"});
+            const ObjectMembers members(node, {"$schema", "addon", "commands"});
             description.addOn = nameOf(members.required("addon"), "_-");
             const Node commands = members.required("commands");
             description.commands =
@@ -355,7 +355,9 @@ private:
             guarded([&] {
                 Item item = read(node);
                 if (!names.insert(upperCase(item.name)).second) {
-                    Members(node, namesIn(node)).required("name").refuse(inQuotes(item.name) + " is given twice");
+                    ObjectMembers(node, namesIn(node))
+                        .required("name")
+                        .refuse(quotedText(item.name) + " is given twice");
                 }
                 items.push_back(std::move(item));
             });
@@ -371,7 +373,7 @@ private:
     }
 
     CommandDescription commandOf(const Node& node) {
-        const Members members(node, {"name", "kind", "purpose", "options", "before", "examples"});
+        const ObjectMembers members(node, {"name", "kind", "purpose", "options", "before", "examples"});
         CommandDescription command;
         command.name = nameOf(members.required("name"), "_-.");
         command.kind = kindOf(members.required("kind"));
@@ -390,7 +392,7 @@ private:
         for (const CommandKind_e kind : {CommandKind_e::Command, CommandKind_e::Processor}) {
             if (name == runner::nameOf(kind)) return kind;
         }
-        node.refuse(inQuotes(name) + " is no kind of command" + hintFor(name, {"command", "processor"}));
+        node.refuse(quotedText(name) + " is no kind of command" + hintFor(name, {"command", "processor"}));
     }
 };
 
@@ -436,6 +438,6 @@ std::string descriptionBeside(const std::string& addOnFile) {
     return (path.parent_path() / stem).string() + kDescriptionEnding;
 }
 
-std::string_view descriptionSchema() { return {kSchema, sizeof kSchema}; }
+std::string_view descriptionSchema() { return {kSchemaText, sizeof kSchemaText}; }
 
 }  // namespace vexa::runner

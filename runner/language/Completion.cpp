@@ -9,11 +9,11 @@
 namespace vexa::runner {
 namespace {
 
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char asUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 bool startsInAnyCase(std::string_view text, std::string_view start) {
-    return text.size() >= start.size() &&
-           std::equal(start.begin(), start.end(), text.begin(), [](char a, char b) { return upper(a) == upper(b); });
+    return text.size() >= start.size() && std::equal(start.begin(), start.end(), text.begin(),
+                                                     [](char a, char b) { return asUpper(a) == asUpper(b); });
 }
 
 Completion startingWith(std::string_view line, std::size_t begin, const std::vector<std::string>& texts) {

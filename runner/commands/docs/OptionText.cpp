@@ -8,7 +8,7 @@
 namespace vexa::runner {
 namespace {
 
-std::string inCode(const std::string& text) { return '`' + text + '`'; }
+std::string asCode(const std::string& text) { return '`' + text + '`'; }
 
 std::string plainType(OptionType_e type) {
     switch (type) {
@@ -21,7 +21,7 @@ std::string plainType(OptionType_e type) {
 
 std::string choiceText(const OptionDescription& option) {
     std::vector<std::string> values;
-    for (const std::string& value : option.values) values.push_back(inCode(value));
+    for (const std::string& value : option.values) values.push_back(asCode(value));
     return alternatives(values);
 }
 
@@ -45,7 +45,7 @@ std::string typeText(const OptionDescription& option) {
 std::string defaultText(const OptionDescription& option, CommandKind_e kind) {
     if (option.isRequired) return "required";
     if (!option.defaultValue) return option.without;
-    return inCode(writtenValue(*option.defaultValue, option, kind));
+    return asCode(writtenValue(*option.defaultValue, option, kind));
 }
 
 std::string syntaxText(const AddOnDescription& addOn, const CommandDescription& command) {

@@ -8,7 +8,7 @@
 namespace vexa::runner {
 namespace {
 
-AddOnDescription described(const std::string& options, const std::string& examples) {
+AddOnDescription addOnWith(const std::string& options, const std::string& examples) {
     return parseDescription(R"({"addon": "A", "commands": [{"name": "C", "kind": "processor", "purpose": "p",
                                 "options": [)" +
                                 options + R"(], "examples": [)" + examples + "]}]}",
@@ -16,7 +16,7 @@ AddOnDescription described(const std::string& options, const std::string& exampl
         .description;
 }
 
-std::string linesOf(const std::vector<CommandCase>& cases) {
+std::string linesOfCases(const std::vector<CommandCase>& cases) {
     std::string lines;
     for (const CommandCase& one : cases) {
         lines += one.what + ':';
@@ -30,8 +30,8 @@ const std::string kTimes = R"({"name": "TIMES", "type": "Int64", "min": 1, "max"
 const std::string kFile = R"({"name": "FILE", "type": "String", "required": true, "help": "h"})";
 
 TEST(CommandCases, HaveEachOptionInItsExamplesAndAlone) {
-    const AddOnDescription addOn = described(kFile + ',' + kTimes, R"("C FILE = 'a'", "C TIMES = 2 FILE = 'b'")");
-    EXPECT_EQ(linesOf(acceptedCases(addOn, addOn.commands[0])),
+    const AddOnDescription addOn = addOnWith(kFile + ',' + kTimes, R"("C FILE = 'a'", "C TIMES = 2 FILE = 'b'")");
+    EXPECT_EQ(linesOfCases(acceptedCases(addOn, addOn.commands[0])),
               "with only its required options: <C FILE = 'a'>\n"
               "FILE with a value of its type: <C FILE = 'a'> <C TIMES = 2 FILE = 'a'> <C FILE = 'a'>\n"
               "TIMES with a value of its type: <C TIMES = 2 FILE = 'b'> <C FILE = 'a' TIMES = 2>\n"
@@ -40,8 +40,8 @@ TEST(CommandCases, HaveEachOptionInItsExamplesAndAlone) {
 }
 
 TEST(CommandCases, AreWrongInOneWay) {
-    const AddOnDescription addOn = described(kFile + ',' + kTimes, R"("C FILE = 'a'")");
-    EXPECT_EQ(linesOf(refusedCases(addOn, addOn.commands[0])),
+    const AddOnDescription addOn = addOnWith(kFile + ',' + kTimes, R"("C FILE = 'a'")");
+    EXPECT_EQ(linesOfCases(refusedCases(addOn, addOn.commands[0])),
               "without the required option FILE: <C>\n"
               "with an option that is not described: <C FILE = 'a' VEXACHECK = 1>\n"
               "FILE with a value that is no String: <C FILE = x>\n"
@@ -56,7 +56,7 @@ TEST(CommandCases, AreWrongInOneWay) {
 }
 
 TEST(CommandCases, HaveAnIntegerThatAnInt32Cuts) {
-    const AddOnDescription addOn = described(kTimes, R"("C TIMES = 2")");
+    const AddOnDescription addOn = addOnWith(kTimes, R"("C TIMES = 2")");
     const std::vector<LargeInteger> large = largeIntegers(addOn, addOn.commands[0]);
     ASSERT_EQ(large.size(), 1U);
     EXPECT_EQ(large[0].option, "TIMES");
@@ -75,7 +75,7 @@ TEST(CommandCases, FitWhatTheDescriptionSays) {
         {"name": "ZONES", "type": "Set", "min": 1, "max": 3, "mayBeEmpty": false, "help": "h"},
         {"name": "MODE", "type": "Choice", "values": ["a", "it's"], "help": "h"},
         {"name": "TEXT", "type": "String", "mayBeEmpty": false, "repeatable": true, "help": "h"})";
-    const AddOnDescription addOn = described(all, "");
+    const AddOnDescription addOn = addOnWith(all, "");
     for (const CommandCase& one : acceptedCases(addOn, addOn.commands[0])) {
         if (one.what.find("low 32 bits") != std::string::npos) continue;  // accepted, but a mistake of the user
         for (const std::string& text : one.texts) EXPECT_TRUE(checkCommand(text, addOn).empty()) << text;

@@ -8,7 +8,7 @@
 namespace vexa::runner {
 namespace {
 
-Descriptions described() {
+Descriptions completedAddOn() {
     return Descriptions(parseDescription(R"({
         "addon": "STATS",
         "commands": [
@@ -26,7 +26,7 @@ Descriptions described() {
 
 // "BEGIN: TEXT|TEXT"
 std::string completed(const std::string& line) {
-    const Completion completion = completionAt(line, described());
+    const Completion completion = completionAt(line, completedAddOn());
     return std::to_string(completion.begin) + ": " + joined(completion.texts, "|");
 }
 

@@ -7,7 +7,7 @@
 namespace vexa::runner {
 namespace {
 
-Descriptions described() {
+Descriptions lintedAddOn() {
     return Descriptions(parseDescription(R"({
         "addon": "STATS",
         "commands": [
@@ -33,7 +33,7 @@ Descriptions described() {
 // The mistakes in a line, as "BEGIN-END RULE: MESSAGE" each; "warning " is before those that are warnings.
 std::string mistakesIn(const std::string& line) {
     std::string all;
-    for (const Diagnostic& found : checkLine(line, described())) {
+    for (const Diagnostic& found : checkLine(line, lintedAddOn())) {
         all += (all.empty() ? "" : "\n") + std::string(found.severity == standin::Severity_e::Error ? "" : "warning ") +
                std::to_string(found.span.begin) + '-' + std::to_string(found.span.end) + ' ' + found.rule + ": " +
                found.message;
@@ -140,7 +140,7 @@ TEST(LineCheck, ReportsSeveralMistakesOfALine) {
 
 TEST(LineCheck, NumbersTheLinesOfAText) {
     const std::vector<Diagnostic> found =
-        checkText("\xEF\xBB\xBFSTATS QUI\r\n\n# c\nSTATS QUIT\r\nSTATS X", described());
+        checkText("\xEF\xBB\xBFSTATS QUI\r\n\n# c\nSTATS QUIT\r\nSTATS X", lintedAddOn());
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0].line, 1U);
     EXPECT_EQ(found[0].span.begin, 9U);
@@ -150,14 +150,14 @@ TEST(LineCheck, NumbersTheLinesOfAText) {
 
 TEST(LineCheck, FindsANulByte) {
     const std::string line("STATS QUIT\0", 11);
-    const std::vector<Diagnostic> found = checkLine(line, described());
+    const std::vector<Diagnostic> found = checkLine(line, lintedAddOn());
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0].message, "the line contains a NUL byte");
     EXPECT_EQ(found[0].span.begin, 10U);
 }
 
 TEST(LineCheck, ChecksACommandWithoutItsId) {
-    const Descriptions descriptions = described();
+    const Descriptions descriptions = lintedAddOn();
     const AddOnDescription& stats = *descriptions.find("STATS");
     EXPECT_TRUE(checkCommand("MEAN TIMES = 1", stats).empty());
     EXPECT_EQ(checkCommand("MEAN TIMES = 0", stats).size(), 1U);

@@ -7,7 +7,7 @@
 namespace vexa::runner {
 namespace {
 
-AddOnDescription described() {
+AddOnDescription documentedAddOn() {
     return parseDescription(R"({
         "addon": "STATS",
         "commands": [
@@ -25,7 +25,7 @@ AddOnDescription described() {
 }
 
 TEST(DescriptionPage, HasPurposeFormOptionsAndExamplesAsMarkdown) {
-    EXPECT_EQ(markdownPage(described()), R"(# Commands of STATS
+    EXPECT_EQ(markdownPage(documentedAddOn()), R"(# Commands of STATS
 
 ## LOAD
 
@@ -58,7 +58,7 @@ Examples:
 }
 
 TEST(DescriptionPage, HasOneTableOfAllOptions) {
-    EXPECT_EQ(markdownTable(described()), R"(| command | option | type | default | meaning |
+    EXPECT_EQ(markdownTable(documentedAddOn()), R"(| command | option | type | default | meaning |
 |---|---|---|---|---|
 | `LOAD` | | | | Loads a & b. |
 | | `FILE` | text, not empty | required | the file |
@@ -71,7 +71,7 @@ TEST(DescriptionPage, HasOneTableOfAllOptions) {
 }
 
 TEST(DescriptionPage, IsEscapedAsHtml) {
-    const std::string page = htmlPage(described());
+    const std::string page = htmlPage(documentedAddOn());
     const auto has = [&](const char* text) { return page.find(text) != std::string::npos; };
     EXPECT_TRUE(has("<title>Commands of STATS</title>")) << page;
     EXPECT_TRUE(has("<p>Loads a &amp; b.</p>")) << page;
