@@ -23,8 +23,14 @@ Command debuggedCommand();
 /// `diff` compares the calls in two traces.
 Command diffCommand();
 
+/// `docs` prints a page about the commands of an add-on, made from their description.
+Command docsCommand();
+
 /// `explain` prints the rules of the host's contract, or explains one of them.
 Command explainCommand();
+
+/// `lint` finds mistakes in macro files by the descriptions of add-ons, without loading an add-on.
+Command lintCommand();
 
 /// `list` prints a table of add-ons in the order given: id, title, file.
 Command listCommand();
@@ -48,6 +54,9 @@ Command reportCommand();
 /// `run` runs macro files. Only add-ons print on the standard output. After SIGINT, the current command stops and no
 /// other command starts. The runner still writes the recorded commands.
 Command runCommand();
+
+/// `schema` prints the JSON Schema of descriptions.
+Command schemaCommand();
 
 /// `style` prints the kind and the value that add-ons get from the library for a setting of a style file.
 Command styleCommand();

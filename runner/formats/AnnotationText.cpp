@@ -29,10 +29,15 @@ std::string escaped(const std::string& text, std::string_view escapedCharacters)
 
 std::string lineOf(const ProblemPlace& place) { return std::to_string(std::max<std::size_t>(place.line, 1)); }
 
+// Most problems are about a whole line.
+std::string columnOf(const ProblemPlace& place) {
+    return place.column == 1 ? "" : ",col=" + std::to_string(place.column);
+}
+
 std::string workflowCommand(const Problem& problem) {
     return std::string("::") + nameOf(problem.severity) +
            " file=" + escaped(pathFromHere(problem.place.file), kEscapedInProperty) + ",line=" + lineOf(problem.place) +
-           ",title=" + escaped(problem.rule, kEscapedInProperty) +
+           columnOf(problem.place) + ",title=" + escaped(problem.rule, kEscapedInProperty) +
            "::" + escaped(wholeText(problem), kEscapedInMessage) + '\n';
 }
 

@@ -15,9 +15,10 @@ namespace vexa::runner {
 
 /// A place of a problem.
 struct ProblemPlace {
-    std::string file;      ///< as the user wrote it
-    std::size_t line = 0;  ///< counted from 1; 0 for the whole file
-    std::string text;      ///< the command on this line, or what happened there; may be empty
+    std::string file;        ///< as the user wrote it
+    std::size_t line = 0;    ///< counted from 1; 0 for the whole file
+    std::string text;        ///< the command on this line, or what happened there; may be empty
+    std::size_t column = 1;  ///< where the text starts in the line, in characters, counted from 1
 };
 
 /// Something that a build server or an editor should show to the author of an add-on: a breach of the contract, a

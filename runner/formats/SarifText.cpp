@@ -48,8 +48,10 @@ std::size_t characters(const std::string& line) {
 Json physicalLocation(const ProblemPlace& place, std::size_t width) {
     Json location = {{"artifactLocation", artifactLocation(place.file)}};
     const std::size_t line = std::max<std::size_t>(place.line, 1);
-    location["region"] = {
-        {"startLine", line}, {"startColumn", 1}, {"endLine", line}, {"endColumn", 1 + std::max<std::size_t>(width, 1)}};
+    location["region"] = {{"startLine", line},
+                          {"startColumn", place.column},
+                          {"endLine", line},
+                          {"endColumn", place.column + std::max<std::size_t>(width, 1)}};
     return location;
 }
 

@@ -107,7 +107,8 @@ TEST_F(Manual, CompletesWordByWord) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run repl test check debug attach report coverage diff explain list style probe compare-hosts\n"},
+         "new run repl test check lint debug attach report coverage diff docs explain list style probe compare-hosts "
+         "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
@@ -162,7 +163,8 @@ TEST_F(Manual, CompletesTheSameInFish) {
         {"commands", "vexa-standin re", "repl\nreport\n"},
         {"all commands", "vexa-standin ",
          "attach\ncheck\ncompare-"
-         "hosts\ncoverage\ndebug\ndiff\nexplain\nlist\nnew\nprobe\nrepl\nreport\nrun\nstyle\ntest\n"},
+         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrepl\nreport\nrun\nschema\nstyle\ntest"
+         "\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},

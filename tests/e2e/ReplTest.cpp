@@ -250,6 +250,21 @@ TEST_F(EditingRepl, CompletesIdsAndFilesInATerminal) {
     EXPECT_EQ(program.finish(), 0) << program.output();
 }
 
+TEST_F(EditingRepl, CompletesWhatTheDescriptionBesideTheAddOnHas) {
+    std::filesystem::copy_file(ADDON_ONE, folder() / "one.so");
+    write("one.commands.json", R"({"addon": "ONE", "commands": [{"name": "ECHO", "kind": "processor", "purpose": "p",
+        "options": [{"name": "MODE", "type": "Choice", "values": ["fast", "slow"], "help": "h"}]}]})");
+    write("swe.txt", "");
+    PtyProgram program(runner({"repl", "--addon", "./one.so"}), kColumns, terminal());
+    ASSERT_TRUE(program.waitFor("> ")) << program.output();
+    program.type("O\tE\tm\t's\t\n");
+    EXPECT_TRUE(program.waitFor("\r\nMODE = 'slow'")) << program.output();
+    program.type("ONE ECHO swe\t\n");
+    EXPECT_TRUE(program.waitFor("\r\nswe.txt")) << program.output();
+    program.type("quit\n");
+    EXPECT_EQ(program.finish(), 0) << program.output();
+}
+
 TEST_F(EditingRepl, CompletesItsCommandsAndTheirNamesInHelp) {
     PtyProgram program(repl(), kColumns, terminal());
     ASSERT_TRUE(program.waitFor("> ")) << program.output();

@@ -34,7 +34,7 @@ PRODUCTS = {
 
 # Folders from the top down: each may include only those after it.
 LAYERS = {
-    'runner': ('commands', 'session', 'coverage', 'trace', 'formats', 'options', 'terminal',
+    'runner': ('commands', 'session', 'coverage', 'trace', 'language', 'formats', 'options', 'terminal',
                'stacks', 'system', 'text'),
 }
 

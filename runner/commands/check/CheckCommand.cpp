@@ -20,7 +20,7 @@ constexpr std::size_t kWidth = 80;
 constexpr const char* kCheckFooter = R"(Levels:
   1  loading, the add-on's file, the macros in order, and each command alone
   2  also commands in other orders, other modes of the host, failing host calls,
-     and the stop button
+     the stop button, and the description of the commands
   3  also failing allocations, and damaged commands
 
 Example:
@@ -69,6 +69,9 @@ Command checkCommand() {
     command.add(argument("FILE.so", "The add-on", &options->addOn).check(whyNoStream));
     command.add(option({"--macro"}, "FILE", "A macro that runs the add-on's commands; may be given more than once",
                        &options->macros));
+    command.add(option({"--describe"}, "FILE",
+                       "The description of the add-on's commands (default: NAME.commands.json beside NAME.so)",
+                       &options->description));
     command.add(option({"--addon"}, "FILE", "Another add-on that the macros need", &options->session.addOns)
                     .check(whyNoStream));
     command.add(
@@ -100,6 +103,7 @@ Command checkCommand() {
     command.check = [options] {
         std::vector<std::string> inputs = options->macros;
         inputs.push_back(options->session.style.value_or(""));
+        inputs.push_back(options->description.value_or(""));
         refuseSecondStandardInput(inputs);
     };
     command.run = [options, isList] { return *isList ? listTests() : check(*options); };

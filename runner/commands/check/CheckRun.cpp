@@ -18,6 +18,7 @@
 #include "commands/check/trial/Trial.h"
 #include "coverage/CoverageCollector.h"
 #include "coverage/CoverageFile.h"
+#include "formats/DescriptionFile.h"
 #include "formats/MacroFile.h"
 #include "session/CoverageNotes.h"
 #include "session/DebugCall.h"
@@ -78,8 +79,9 @@ private:
     bool prepare() {
         if (!addProjectFile(session().contract) || !readHostFacts(session()) || !isThere()) return false;
         session().addOns.insert(session().addOns.begin(), m_options.addOn);
+        findDescription();
         findReports();
-        return readStyle();
+        return readStyle() && readDescribed();
     }
 
     SessionOptions& session() { return m_subject.options; }
@@ -91,10 +93,24 @@ private:
         return false;
     }
 
+    void findDescription() {
+        const std::string beside = descriptionBeside(m_options.addOn);
+        std::error_code ignored;
+        const bool isBeside = std::filesystem::exists(beside, ignored);
+        m_subject.descriptionFile = m_options.description.value_or(isBeside ? beside : "");
+    }
+
+    bool readDescribed() {
+        if (m_subject.descriptionFile.empty()) return true;
+        m_subject.description = readDescription(m_subject.descriptionFile);
+        return m_subject.description.has_value();
+    }
+
     // Called before the tests, so that a report that cannot be written stops the check at once.
     void findReports() {
         m_files = inputsOf(session());
         m_files.read(m_options.macros);
+        if (!m_subject.descriptionFile.empty()) m_files.read({m_subject.descriptionFile});
         for (const auto& file : {m_options.json, m_options.junit}) m_files.write(file);
         m_files.write(m_options.coverage);
         if (m_options.coverage) checkCoverageFile(*m_options.coverage);
@@ -152,7 +168,8 @@ private:
 
     bool isChosen(const CheckTest& test) const {
         const std::vector<std::string>& only = m_options.only;
-        if (only.empty()) return test.level <= m_options.level;
+        const bool isPossible = test.needs != Needs_e::Description || m_subject.description;
+        if (only.empty()) return test.level <= m_options.level && isPossible;
         return std::find(only.begin(), only.end(), test.name) != only.end();
     }
 
@@ -160,6 +177,9 @@ private:
     std::string whyNot(const CheckTest& test) const {
         if (test.needs == Needs_e::File) return "";
         if (m_addOnIds.empty()) return "the add-on cannot be loaded";
+        if (test.needs == Needs_e::Description) {
+            return m_subject.description ? "" : "there is no " + descriptionBeside(m_options.addOn);
+        }
         if (test.needs == Needs_e::Loading || !m_subject.steps.empty()) return "";
         return m_options.macros.empty() ? "no macro was given" : "the macros have no command";
     }
@@ -224,6 +244,7 @@ private:
     std::string checkAgain(const CheckTest& test) const {
         std::string command = " check " + shellWord(m_options.addOn);
         for (const std::string& file : m_options.macros) command += " --macro " + shellWord(file);
+        if (m_options.description) command += " --describe " + shellWord(*m_options.description);
         return command + " --only " + test.name + " --seed " + std::to_string(m_subject.seed) + " --level " +
                std::to_string(m_options.level);
     }

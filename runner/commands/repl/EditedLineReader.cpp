@@ -4,16 +4,19 @@
 #include <readline/readline.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <system_error>
 #include <utility>
 
 #include "commands/repl/LineReader.h"
+#include "language/Completion.h"
 #include "system/processes/Signals.h"
 #include "terminal/Console.h"
 #include "terminal/Terminal.h"
@@ -27,7 +30,9 @@ namespace fs = std::filesystem;
 constexpr int kMostKept = 1000;
 
 // Global, because readline calls plain functions without an argument for an object.
-std::vector<std::string> theWords;
+std::vector<std::string> theFirstWords;  // for the first word of a line
+std::vector<std::string> theWords;       // for the current attempt
+const Descriptions* theDescriptions = nullptr;
 volatile std::sig_atomic_t isGivenUp = 0;
 
 // Returns the path of the history file; empty if there is no folder for it.
@@ -38,22 +43,41 @@ std::string historyFile() {
     return home.empty() ? "" : (fs::path(home) / ".local/state" / kProgramName / "history").string();
 }
 
-// Returns the next word that starts with `text`; null after the last one. A `state` of 0 starts again.
-char* nextWord(const char* text, int state) {
+// Returns the next word; null after the last one. A `state` of 0 starts again.
+char* nextWord(const char*, int state) {
     static std::size_t next = 0;
     if (state == 0) next = 0;
-    while (next < theWords.size()) {
-        const std::string& word = theWords[next++];
-        if (word.compare(0, std::strlen(text), text) == 0) return strdup(word.c_str());
-    }
-    return nullptr;
+    return next < theWords.size() ? strdup(theWords[next++].c_str()) : nullptr;
+}
+
+void takeFirstWords(std::string_view start) {
+    theWords.clear();
+    std::copy_if(theFirstWords.begin(), theFirstWords.end(), std::back_inserter(theWords),
+                 [&](const std::string& word) { return startsWith(word, start); });
 }
 
 bool isAfterHelp(const char* line) { return startsWith(line, ":help ") || startsWith(line, "help "); }
 
+// Replaces the words by those that complete the line up to the cursor. Returns false if there are none.
+bool describeWords(std::size_t start, std::size_t end) {
+    const std::string_view line(rl_line_buffer, end);
+    const Completion completion = completionAt(line, *theDescriptions);
+    if (completion.begin > start) return false;
+    theWords.clear();
+    // readline replaces only what follows the last blank, quote or equals sign.
+    for (const std::string& text : completion.texts) {
+        if (text.size() > start - completion.begin) theWords.push_back(text.substr(start - completion.begin));
+    }
+    const bool endsOpen = !theWords.empty() && std::strchr("= ", theWords.front().back()) != nullptr;
+    rl_completion_suppress_append = endsOpen ? 1 : 0;
+    return !theWords.empty();
+}
+
 // Returns null to let readline complete file names.
-char** complete(const char* text, int start, int) {
-    if (start != 0 && !isAfterHelp(rl_line_buffer)) return nullptr;
+char** complete(const char* text, int start, int end) {
+    const bool isFirst = start == 0 || isAfterHelp(rl_line_buffer);
+    if (isFirst) takeFirstWords(text);
+    if (!isFirst && !describeWords(static_cast<std::size_t>(start), static_cast<std::size_t>(end))) return nullptr;
     rl_attempted_completion_over = 1;
     return rl_completion_matches(text, nextWord);
 }
@@ -89,10 +113,11 @@ LineReader::~LineReader() {
     write_history(file.c_str());
 }
 
-std::optional<std::string> LineReader::next(std::vector<std::string> words) const {
+std::optional<std::string> LineReader::next(std::vector<std::string> words, const Descriptions& descriptions) const {
     std::fflush(stdout);
     if (!m_isEditing) return plainLine();
-    theWords = std::move(words);
+    theFirstWords = std::move(words);
+    theDescriptions = &descriptions;
     const SignalHandler givesUp(SIGINT, [](int) { isGivenUp = 1; });
     const std::unique_ptr<char, void (*)(void*)> line(readline("> "), std::free);
     if (!line) return std::nullopt;

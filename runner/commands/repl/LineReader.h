@@ -5,13 +5,15 @@
 #include <string>
 #include <vector>
 
+#include "language/Descriptions.h"
 #include "system/NonCopyable.h"
 
 namespace vexa::runner {
 
 /// Reads the lines that the user types. In a terminal the user can edit the line, recall lines of this and of earlier
-/// sessions, and complete words with the tab key: the first word, and after it file names. Ctrl-C discards the line.
-/// Without readline, or if the input is not a terminal, the class only reads lines.
+/// sessions, and complete words with the tab key: the first word, the commands and options of described add-ons, and
+/// file names. Ctrl-C discards the line. Without readline, or if the input is not a terminal, the class only reads
+/// lines.
 class LineReader : NonCopyable {
 public:
     LineReader();
@@ -19,8 +21,9 @@ public:
     ~LineReader();
 
     /// Returns the next line without its line end; nothing at the end of the input.
-    /// \param words what completes the first word, and the words after `:help`
-    std::optional<std::string> next(std::vector<std::string> words) const;
+    /// \param words        what completes the first word, and the words after `:help`
+    /// \param descriptions what completes the words after the id of an add-on
+    std::optional<std::string> next(std::vector<std::string> words, const Descriptions& descriptions) const;
 
 private:
     static std::optional<std::string> plainLine() {

@@ -11,7 +11,7 @@ LineReader::LineReader() : m_isEditing(isTerminal(0) && isTerminal(1)) {}
 
 LineReader::~LineReader() = default;
 
-std::optional<std::string> LineReader::next(std::vector<std::string>) const {
+std::optional<std::string> LineReader::next(std::vector<std::string>, const Descriptions&) const {
     if (m_isEditing) std::fputs("> ", stdout);
     std::fflush(stdout);
     return plainLine();

@@ -1,11 +1,16 @@
 #include "commands/Commands.h"
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
+#include <utility>
 
 #include "commands/repl/LineReader.h"
 #include "commands/repl/Repl.h"
+#include "formats/DescriptionFile.h"
+#include "language/Descriptions.h"
 #include "options/CommonOptions.h"
 #include "session/RunOutputs.h"
 #include "session/watch/Death.h"
@@ -18,8 +23,9 @@ namespace {
 
 constexpr const char* kReplFooter =
     R"(A line is a command as in a macro file: the id of an add-on, and a command. The tab
-key completes ids and file names; the arrow keys show earlier lines. Ctrl-C
-discards a line, or stops a task. quit or Ctrl-D ends the program. Other lines:
+key completes ids and file names, and commands and options if NAME.commands.json
+is beside the add-on; the arrow keys show earlier lines. Ctrl-C discards a line,
+or stops a task. quit or Ctrl-D ends the program. Other lines:
   :reload          unload the add-ons, and load their files again, after a build
   :findings        show all findings of the session
   :calls           show the host calls of the last command
@@ -47,6 +53,7 @@ public:
 
     // Each round has its own process, and ends when the user asks to load the add-ons again.
     ExitStatus_e execute() {
+        readDescriptions();
         for (;;) {
             m_isReloading = false;
             m_options.inProcess || isTraced() ? runHere() : runWatched();
@@ -75,6 +82,16 @@ public:
     }
 
 private:
+    // Without a description, the tab key completes only ids and file names.
+    void readDescriptions() {
+        for (const std::string& addOn : m_options.addOns) {
+            const std::string file = descriptionBeside(addOn);
+            std::error_code ignored;
+            if (!std::filesystem::exists(file, ignored)) continue;
+            if (auto description = readDescription(file)) m_descriptions.add(std::move(*description));
+        }
+    }
+
     void runHere() {
         const SignalMask unblocked(m_signals.before());
         const auto box = std::make_unique<ProcessBox>();
@@ -102,7 +119,7 @@ private:
         if (kind != kLineNote) return m_outputs.ask(kind, text);
         const SignalMask unblocked(m_signals.before());
         if (!m_reader) m_reader.emplace();
-        const auto line = m_reader->next(linesOf(std::string(text)));
+        const auto line = m_reader->next(linesOf(std::string(text)), m_descriptions);
         return line ? kLineRead + *line : "";
     }
 
@@ -110,7 +127,8 @@ private:
     const ReplOptions& m_options;
     RunOutputs m_outputs{[](std::string_view) {}};
     std::optional<LineReader> m_reader;
-    std::string m_findings;  // of the add-ons that were unloaded by :reload
+    Descriptions m_descriptions;  // of the add-ons that have one beside them
+    std::string m_findings;       // of the add-ons that were unloaded by :reload
     Load_e m_load = Load_e::First;
     bool m_isReloading = false;
     ExitStatus_e m_status = ExitStatus_e::ProcessEnded;

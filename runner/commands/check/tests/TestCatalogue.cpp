@@ -51,6 +51,24 @@ const std::vector<CheckTest>& checkTests() {
          "Users rely on recorded macros. A macro that does something else when it is played back misleads them.",
          recordAndReplay},
 
+        // ---- The description of the commands
+        {"description-examples", 1, Needs_e::Description,
+         "The examples of the description succeed. They, the macros, and what is recorded have only described options.",
+         "Editors, pages and users rely on the description.", descriptionExamples},
+        {"description-options", 2, Needs_e::Description,
+         "Each command of the description succeeds with only its required options, and with each option at its "
+         "default, "
+         "at both ends of its range, and with values of its type. What is recorded has only described options.",
+         "A description with an option that does not exist, or with another type, makes users write wrong macros.",
+         descriptionOptions},
+        {"description-refusals", 2, Needs_e::Description,
+         "Each command of the description fails without a required option, with an unknown option, with a value of "
+         "another type, and with a value outside of its range.",
+         "A mistake in a macro that is accepted silently gives a wrong result.", descriptionRefusals},
+        {"description-complete", 2, Needs_e::Description,
+         "No word in capitals in the add-on's file is an option that the description lacks.",
+         "Users cannot find an option that is not described.", descriptionComplete},
+
         // ---- What goes wrong around commands
         {"host-call-fails", 2, Needs_e::Loading,
          "Each host call of a command fails in turn. The command succeeds or fails with a message, and the same "

@@ -40,6 +40,12 @@ Verdict hostCallFails(Trial& trial);
 Verdict stopPressed(Trial& trial);
 Verdict allocationFails(Trial& trial);
 
+// The description of the add-on's commands. The add-on accepts and refuses what it says, and has no other options.
+Verdict descriptionExamples(Trial& trial);
+Verdict descriptionOptions(Trial& trial);
+Verdict descriptionRefusals(Trial& trial);
+Verdict descriptionComplete(Trial& trial);
+
 // Damaged commands, systematically and then at random. They only have to keep the contract.
 Verdict mutatedTexts(Trial& trial);
 

@@ -27,9 +27,10 @@ struct Verdict {
 
 /// What a test needs. If it is missing, the test is skipped.
 enum class Needs_e {
-    File,     ///< the add-on's file
-    Loading,  ///< an add-on that can be loaded
-    Commands  ///< an add-on that can be loaded, and a macro with commands
+    File,        ///< the add-on's file
+    Loading,     ///< an add-on that can be loaded
+    Commands,    ///< an add-on that can be loaded, and a macro with commands
+    Description  ///< an add-on that can be loaded, and a description of its commands
 };
 
 class Trial;

@@ -12,6 +12,7 @@
 
 #include "commands/check/trial/CheckTest.h"
 #include "coverage/CoverageObserver.h"
+#include "formats/CommandDescription.h"
 #include "formats/StyleFile.h"
 #include "session/Session.h"
 
@@ -31,13 +32,15 @@ std::string nameOf(const MacroCommand& step);
 
 /// The add-on to check, and the input of the tests.
 struct Subject {
-    SessionOptions options;                    ///< the first add-on is checked; the macros need the others
-    std::vector<MacroCommand> steps;           ///< the commands of all macros, in order
-    std::vector<StyleSetting> style;           ///< the host's style settings
-    std::uint64_t seed = 0;                    ///< of all random numbers
-    std::chrono::milliseconds time{};          ///< the time for a test that could go on forever
-    std::optional<CoverageSetting> coverage;   ///< what counts in the coverage; nothing if nobody wants it
-    const Confinement* confinement = nullptr;  ///< the confinement of the test's process; null for none
+    SessionOptions options;                       ///< the first add-on is checked; the macros need the others
+    std::vector<MacroCommand> steps;              ///< the commands of all macros, in order
+    std::optional<AddOnDescription> description;  ///< of the commands of the add-on; nothing if there is none
+    std::string descriptionFile;                  ///< as messages name it
+    std::vector<StyleSetting> style;              ///< the host's style settings
+    std::uint64_t seed = 0;                       ///< of all random numbers
+    std::chrono::milliseconds time{};             ///< the time for a test that could go on forever
+    std::optional<CoverageSetting> coverage;      ///< what counts in the coverage; nothing if nobody wants it
+    const Confinement* confinement = nullptr;     ///< the confinement of the test's process; null for none
 
     const std::string& addOn() const { return options.addOns.front(); }
 };
