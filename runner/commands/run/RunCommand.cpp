@@ -12,6 +12,7 @@
 #include "commands/run/Shard.h"
 #include "coverage/CoverageFile.h"
 #include "formats/MacroList.h"
+#include "formats/ResultsReader.h"
 #include "options/CommonOptions.h"
 #include "options/UsageError.h"
 #include "session/ProjectSettings.h"
@@ -51,6 +52,10 @@ A list of macro files has one name per line; blank lines are skipped. --shard 2/
 runs the files 2, 22, 42 and so on of all files given. So 20 runs, on any
 machines, run each file once. 'vexa-standin results' merges their results.
 
+With --resume, a run that was cut off continues: it skips the macro files that
+have results in the --json file, unless Ctrl-C stopped them. The exit status
+includes the skipped files. Without a results file, all macro files run.
+
 As an output file, - means the standard output. The add-ons then print on the
 standard error output.
 
@@ -76,11 +81,12 @@ struct RunRequest {
     std::vector<std::string> macros;  // macro files and lists, as the user wrote them
     std::size_t jobs = 1;
     std::optional<Shard> shard;
+    bool resumes = false;
 };
 
 // Returns true if the request may run any number of macro files, even if it runs only one.
 bool isForSeveral(const RunRequest& request) {
-    return request.macros.size() > 1 || isMacroList(request.macros.front()) || request.shard;
+    return request.macros.size() > 1 || isMacroList(request.macros.front()) || request.shard || request.resumes;
 }
 
 // Refuses options that several runs at a time cannot share.
@@ -97,6 +103,14 @@ void refuseForSeveral(const RunRequest& request) {
     };
     for (const auto& [name, isGiven] : given) {
         if (isGiven) throw UsageError(name + std::string(": works with one macro file only"));
+    }
+}
+
+// Refuses outputs that a run in two parts cannot write.
+void refuseWithResume(const RunOptions& options) {
+    if (!options.json || isStream(*options.json)) throw UsageError("--resume: needs --json FILE, the results so far");
+    if (options.problems.areWanted()) {
+        throw UsageError("--resume cannot be used with --sarif and --annotate, which would lack the files done before");
     }
 }
 
@@ -141,6 +155,7 @@ ExitStatus_e runAll(RunRequest& request) {
     RunOptions& options = request.options;
     const std::vector<std::string> macroFiles = chosenFiles(request);
     checkFiles(request, macroFiles);
+    if (request.resumes) return resumeMacros(options, takeUp(*options.json, macroFiles), request.jobs);
     if (isForSeveral(request)) return runMacros(options, macroFiles, request.jobs);
     options.macroFile = macroFiles.front();
     completeFacts(options);
@@ -153,8 +168,10 @@ ExitStatus_e run(RunRequest& request) {
         return isReady ? runAll(request) : ExitStatus_e::BadUsageOrInput;
     } catch (const MacroListError& error) {
         tell(error.what());
-        return ExitStatus_e::BadUsageOrInput;
+    } catch (const ResultsError& error) {
+        tell(error.what());
     }
+    return ExitStatus_e::BadUsageOrInput;
 }
 
 Option shardOption(std::optional<Shard>& shard) {
@@ -182,6 +199,8 @@ Command runCommand() {
     addTimeoutOption(command, options.contract);
     addTraceOptions(command, options.trace);
     command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));
+    command.add(flag({"--resume"}, "Skip the macro files that have results in the --json file, and append to it",
+                     &request->resumes));
     command.add(coverageOption(options.coverage));
     addProblemOptions(command, options.problems);
     command.add(jobsOption(request->jobs, "macro files"));
@@ -192,6 +211,7 @@ Command runCommand() {
     command.add(flag({"--verbose"}, "Show each command before it runs, and a summary", &options.verbose));
     command.check = [request] {
         if (isForSeveral(*request)) refuseForSeveral(*request);
+        if (request->resumes) refuseWithResume(request->options);
         refuseSecondStandardInput({request->macros.front(), request->options.style.value_or("")});
     };
     command.run = [request] { return run(*request); };

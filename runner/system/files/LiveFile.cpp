@@ -34,18 +34,19 @@ Descriptor openedStream(const std::string& path) {
     return stream;
 }
 
-Descriptor openedOutput(const std::string& path) {
+Descriptor openedOutput(const std::string& path, OldText_e oldText) {
     if (isStandardOutput(path)) return takeStandardOutput();
     if (isStream(path)) return openedStream(path);
-    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kLiveFileMode));
+    const int start = oldText == OldText_e::Kept ? O_APPEND : O_TRUNC;
+    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | start | O_WRONLY | O_CLOEXEC, kLiveFileMode));
     if (!file.isOpen()) refuseOutput(path);
     return file;
 }
 
 }  // namespace
 
-LiveFile::LiveFile(const std::string& path)
-    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openedOutput(path)) {}
+LiveFile::LiveFile(const std::string& path, OldText_e oldText)
+    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openedOutput(path, oldText)) {}
 
 void LiveFile::append(std::string_view text) {
     if (!m_descriptor.isOpen() || !m_problem.empty()) return;

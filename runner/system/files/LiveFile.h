@@ -7,6 +7,9 @@
 
 namespace vexa::runner {
 
+/// The treatment of the text that a file has already.
+enum class OldText_e { Removed, Kept };
+
 /// A file that is written immediately: appended text is in the file even if the process dies after that.
 ///
 ///     LiveFile file("run.trace");   // empties the file; throws if that fails
@@ -18,10 +21,11 @@ namespace vexa::runner {
 /// Threads: one at a time.
 class LiveFile {
 public:
-    /// Opens \p path for writing. A regular file is created or emptied; a stream is only opened. `-` is the standard
-    /// output, which then belongs to this object alone: the output of the program and of its add-ons goes to the
-    /// standard error output. Refuses a pipe that no process reads, and a closed standard output.
-    explicit LiveFile(const std::string& path);
+    /// Opens \p path for writing. Creates a missing file. If the file exists, removes its text or appends to it. A
+    /// stream is only opened. `-` is the standard output, which then belongs to this object alone: the output of the
+    /// program and of its add-ons goes to the standard error output. Refuses a pipe that no process reads, and a closed
+    /// standard output.
+    explicit LiveFile(const std::string& path, OldText_e oldText = OldText_e::Removed);
 
     void append(std::string_view text);
     /// Writes nothing more; close() throws \p why.

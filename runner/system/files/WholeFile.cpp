@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 
-#include "system/Descriptor.h"
 #include "system/LastError.h"
 #include "system/files/StandardStreams.h"
 
@@ -49,14 +48,20 @@ std::string readWholeFile(const std::string& path) {
     return readToEnd(file.get());
 }
 
-std::string readInput(const std::string& path) {
+std::string readInput(const std::string& path) { return readToEnd(openInput(path).get()); }
+
+Descriptor openInput(const std::string& path) {
     static const NamedPipeCategory kNamedPipe;
-    if (isStandardInput(path)) return readStandardInput();
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (isStandardInput(path)) {
+        Descriptor input(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0));
+        if (!input.isOpen()) throwLastError();
+        return input;
+    }
+    Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) throwLastError();
     if (isNamedPipe(file.get())) throw std::system_error(1, kNamedPipe);
     if (fcntl(file.get(), F_SETFL, 0) != 0) throwLastError();
-    return readToEnd(file.get());
+    return file;
 }
 
 std::string readStandardInput() { return readToEnd(STDIN_FILENO); }

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "system/Descriptor.h"
+
 namespace vexa::runner {
 
 /// Reads all bytes of a file, a pipe or a device.
@@ -12,6 +14,10 @@ std::string readWholeFile(const std::string& path);
 /// pipe, because reading it may wait forever for a writer.
 /// \throws std::system_error if it cannot be read.
 std::string readInput(const std::string& path);
+
+/// Opens an input for readers that do not need all of its bytes at once, as readInput() does.
+/// \throws std::system_error
+Descriptor openInput(const std::string& path);
 
 /// Reads all bytes of the standard input, as readInput() does.
 std::string readStandardInput();
