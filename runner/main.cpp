@@ -48,10 +48,10 @@ ExitStatus_e runProgram(const std::vector<std::string>& arguments) {
     Command program{kProgramName, kAbout, kFooter};
     program.add(flag({"--version"}, "Display program version information and exit",
                      ShowVersion{std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION}));
-    program.commands = {newCommand(),   runCommand(),          replCommand(),         testCommand(),
-                        checkCommand(), attachCommand(),       reportCommand(),       coverageCommand(),
-                        diffCommand(),  explainCommand(),      listCommand(),         styleCommand(),
-                        probeCommand(), compareHostsCommand(), manualCommand(program)};
+    program.commands = {newCommand(),      runCommand(),   resultsCommand(),      replCommand(),
+                        testCommand(),     checkCommand(), attachCommand(),       reportCommand(),
+                        coverageCommand(), diffCommand(),  explainCommand(),      listCommand(),
+                        styleCommand(),    probeCommand(), compareHostsCommand(), manualCommand(program)};
     addOptionsOfAll(program);
     try {
         return parse(program, arguments)();

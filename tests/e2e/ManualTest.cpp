@@ -105,9 +105,9 @@ TEST_F(Manual, CompletesWordByWord) {
         const char* offered;
     };
     const Case cases[] = {
-        {"commands", "vexa-standin re", "repl report\n"},
+        {"commands", "vexa-standin re", "results repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run repl test check attach report coverage diff explain list style probe compare-hosts\n"},
+         "new run results repl test check attach report coverage diff explain list style probe compare-hosts\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
@@ -159,9 +159,9 @@ TEST_F(Manual, CompletesTheSameInFish) {
         const char* offered;
     };
     const Case cases[] = {
-        {"commands", "vexa-standin re", "repl\nreport\n"},
+        {"commands", "vexa-standin re", "repl\nreport\nresults\n"},
         {"all commands", "vexa-standin ",
-         "attach\ncheck\ncompare-hosts\ncoverage\ndiff\nexplain\nlist\nnew\nprobe\nrepl\nreport\nrun\nstyle\ntest\n"},
+         "attach\ncheck\ncompare-hosts\ncoverage\ndiff\nexplain\nlist\nnew\nprobe\nrepl\nreport\nresults\nrun\nstyle\ntest\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
