@@ -34,12 +34,13 @@ Examples:
   vexa-standin results results/*.jsonl --list macros.txt --junit results.xml
   vexa-standin results results/*.jsonl coverage/*.json --coverage all.json
 
-Exit status: the highest status of all macro files, as 'run' has for all of them
+The exit status is the highest status of all macro files, as for one run of all:
   0    all went well
   1    a command failed
-  2    wrong usage or input; a file could not be read or written; a macro file has
-       no result, or with --list not exactly the expected ones
-  3, 4, 5, 130  as for 'run')";
+  2    wrong usage or input; a file could not be read or written; a macro file
+       has no result, or not the results that --list expects
+  3, 4, 5, 130
+       as for 'run')";
 
 struct ResultsOptions {
     std::vector<std::string> inputs;
@@ -149,9 +150,10 @@ Command resultsCommand() {
         argument("FILE", "Results files and coverage files; - reads the standard input", &options->inputs).require());
     command.add(option({"--list"}, "FILE", "The list of macro files that should have results", &options->list));
     command.add(option({"--junit"}, "FILE", "Write a JUnit XML report", &options->junit));
-    command.add(option({"--json"}, "FILE", "Write the results of all macro files that have an end line into one file",
+    command.add(option({"--json"}, "FILE", "Write the results into one file, without those of runs that were cut off",
                        &options->json));
-    command.add(coverageOption(options->coverage));
+    command.add(
+        option({"--coverage"}, "FILE", "Add the merged coverage to this file", &options->coverage).check(whyNoStream));
     command.check = [options] {
         std::vector<std::string> inputs = options->inputs;
         inputs.push_back(options->list.value_or(""));

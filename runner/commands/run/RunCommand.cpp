@@ -199,12 +199,12 @@ Command runCommand() {
     addTimeoutOption(command, options.contract);
     addTraceOptions(command, options.trace);
     command.add(option({"--json"}, "FILE", "Write the results as JSON, one line per command", &options.json));
-    command.add(flag({"--resume"}, "Skip the macro files that have results in the --json file, and append to it",
-                     &request->resumes));
     command.add(coverageOption(options.coverage));
     addProblemOptions(command, options.problems);
     command.add(jobsOption(request->jobs, "macro files"));
     command.add(shardOption(request->shard));
+    command.add(flag({"--resume"}, "Skip the macro files that have results in the --json file, and append to it",
+                     &request->resumes));
     command.add(flag({"--batch"}, "Run in batch mode, that is, without a user", &options.batch));
     command.add(flag({"--keep-going"}, "Continue after a failed command", &options.keepGoing));
     command.add(flag({"--in-process"}, "Run in this process, for a debugger", &options.inProcess));
