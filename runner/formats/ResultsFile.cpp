@@ -69,7 +69,9 @@ std::string endLine(const std::string& macroFile, ExitStatus_e status, const std
     return lineOf(end);
 }
 
-std::string nameInResults(const std::string& macroFile) { return Json::parse(lineOf(macroFile)).get<std::string>(); }
+std::string nameInResults(const std::string& macroFile) {
+    return Json::parse(lineOf(Json(macroFile))).get<std::string>();
+}
 
 std::optional<ResultLine> parseResultLine(const std::string& line) {
     const Json object = Json::parse(line, nullptr, false);

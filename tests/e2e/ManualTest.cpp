@@ -161,7 +161,8 @@ TEST_F(Manual, CompletesTheSameInFish) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "repl\nreport\nresults\n"},
         {"all commands", "vexa-standin ",
-         "attach\ncheck\ncompare-hosts\ncoverage\ndiff\nexplain\nlist\nnew\nprobe\nrepl\nreport\nresults\nrun\nstyle\ntest\n"},
+         "attach\ncheck\ncompare-"
+         "hosts\ncoverage\ndiff\nexplain\nlist\nnew\nprobe\nrepl\nreport\nresults\nrun\nstyle\ntest\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},
         {"rules", "vexa-standin run --suppress unbalanced-l", "unbalanced-lock\n"},
