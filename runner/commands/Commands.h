@@ -51,6 +51,9 @@ Command replCommand();
 /// `report` makes an HTML page from a trace.
 Command reportCommand();
 
+/// `results` merges the results of many runs.
+Command resultsCommand();
+
 /// `run` runs macro files. Only add-ons print on the standard output. After SIGINT, the current command stops and no
 /// other command starts. The runner still writes the recorded commands.
 Command runCommand();

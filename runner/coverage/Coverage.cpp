@@ -9,7 +9,12 @@ namespace {
 
 using standin::ResultKind_e;
 
-void add(Names& names, const Names& more) { names.insert(more.begin(), more.end()); }
+// Returns true if some were new.
+bool add(Names& names, const Names& more) {
+    const std::size_t before = names.size();
+    names.insert(more.begin(), more.end());
+    return names.size() != before;
+}
 
 std::size_t countSeen(const Names& answers, ResultKind_e kind) {
     const std::vector<std::string>& all = answersOf(kind);
@@ -19,14 +24,20 @@ std::size_t countSeen(const Names& answers, ResultKind_e kind) {
 
 }  // namespace
 
-void merge(Coverage& coverage, const Coverage& more) {
-    add(coverage.rules, more.rules);
+bool merge(Coverage& coverage, const Coverage& more) {
+    bool isNew = add(coverage.rules, more.rules);
     for (const auto& [name, from] : more.commands) {
-        CommandCoverage& command = coverage.commands[name];
-        add(command.ends, from.ends);
-        add(command.options, from.options);
-        for (const auto& [function, answers] : from.calls) add(command.calls[function], answers);
+        const auto [at, isFirst] = coverage.commands.try_emplace(name);
+        CommandCoverage& command = at->second;
+        isNew |= isFirst;
+        isNew |= add(command.ends, from.ends);
+        isNew |= add(command.options, from.options);
+        for (const auto& [function, answers] : from.calls) {
+            isNew |= command.calls.count(function) == 0;
+            isNew |= add(command.calls[function], answers);
+        }
     }
+    return isNew;
 }
 
 const std::vector<std::string>& answersOf(ResultKind_e kind) {

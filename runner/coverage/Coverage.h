@@ -43,7 +43,8 @@ inline constexpr char kOutside[] = "(between commands)";
 inline constexpr char kUnnamed[] = "(other text)";
 
 /// Adds the facts of \p more to \p coverage.
-void merge(Coverage& coverage, const Coverage& more);
+/// \return true if some of them were new.
+bool merge(Coverage& coverage, const Coverage& more);
 
 /// Returns the answers to tell apart in the results of a host function: two, or none if it returns nothing. The first
 /// one is the answer of a call that worked, or "yes".

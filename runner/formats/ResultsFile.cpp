@@ -1,5 +1,6 @@
 #include "formats/ResultsFile.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -61,12 +62,35 @@ void add(const StackReport& report, Json& line) {
     if (const Frame* const own = report.ownFrame()) stacks["at"] = objectOf(*own);
 }
 
+// Return the member of an object, or a default if it is missing or has another type.
+std::string textIn(const Json& object, const char* name) {
+    const auto member = object.find(name);
+    return member != object.end() && member->is_string() ? member->get<std::string>() : "";
+}
+double numberIn(const Json& object, const char* name) {
+    const auto member = object.find(name);
+    return member != object.end() && member->is_number() ? member->get<double>() : 0;
+}
+
+constexpr const char* kPlaceMember = "place";
+constexpr const char* kMacroFileMember = "macroFile";
+constexpr int kHighestStatus = 255;
+
+// Returns nothing if it is not an exit status.
+std::optional<int> statusIn(const Json& object) {
+    const auto member = object.find("exitStatus");
+    if (member == object.end() || !member->is_number_unsigned()) return std::nullopt;
+    const auto status = member->get<std::uint64_t>();
+    if (status > kHighestStatus) return std::nullopt;
+    return static_cast<int>(status);
+}
+
 }  // namespace
 
 std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
                        std::chrono::duration<double> time, const std::vector<standin::Finding>& findings,
                        const StackReport& stacks) {
-    Json line = {{"place", command.place},
+    Json line = {{kPlaceMember, command.place},
                  {"addOn", command.addOnId},
                  {"command", command.text},
                  {"accepted", result.accepted},
@@ -80,10 +104,38 @@ std::string resultLine(const MacroCommand& command, const standin::CommandResult
 
 std::string endLine(const std::string& macroFile, ExitStatus_e status, const std::vector<standin::Finding>& findings,
                     const std::string& error, const StackReport& stacks) {
-    Json end = {{"macroFile", macroFile}, {"exitStatus", static_cast<int>(status)}, {"findings", listOf(findings)}};
+    Json end = {
+        {kMacroFileMember, macroFile}, {"exitStatus", static_cast<int>(status)}, {"findings", listOf(findings)}};
     if (!error.empty()) end["error"] = error;
     add(stacks, end);
     return lineOf(end);
+}
+
+std::string nameInResults(const std::string& macroFile) {
+    return Json::parse(lineOf(Json(macroFile))).get<std::string>();
+}
+
+std::optional<ResultLine> parseResultLine(const std::string& line) {
+    const Json object = Json::parse(line, nullptr, false);
+    if (!object.is_object()) return std::nullopt;
+    ResultLine read;
+    read.exitStatus = statusIn(object);
+    read.name = textIn(object, read.exitStatus ? kMacroFileMember : kPlaceMember);
+    if (read.name.empty()) return std::nullopt;
+    const auto accepted = object.find("accepted");
+    read.isAccepted = accepted == object.end() || *accepted != false;
+    read.error = textIn(object, "error");
+    read.seconds = numberIn(object, "seconds");
+    return read;
+}
+
+bool isStartOfResultLine(std::string_view text) {
+    const auto isStartOf = [text](const char* member) {
+        const std::string start = std::string("{\"") + member + "\":\"";
+        const std::size_t size = std::min(text.size(), start.size());
+        return text.substr(0, size) == start.substr(0, size);
+    };
+    return isStartOf(kPlaceMember) || isStartOf(kMacroFileMember);
 }
 
 }  // namespace vexa::runner

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "formats/MacroFile.h"
@@ -27,5 +29,24 @@ std::string resultLine(const MacroCommand& command, const standin::CommandResult
 /// \param stacks   of a crash or a hang; empty if there was none
 std::string endLine(const std::string& macroFile, ExitStatus_e status, const std::vector<standin::Finding>& findings,
                     const std::string& error = {}, const StackReport& stacks = {});
+
+/// Returns the name of a macro file as a results file has it: bytes that are not UTF-8 are replaced.
+std::string nameInResults(const std::string& macroFile);
+
+/// A line that was read.
+struct ResultLine {
+    std::string name;               ///< the place of a command, or the macro file of an end line
+    std::optional<int> exitStatus;  ///< of an end line; a command has none
+    bool isAccepted = true;
+    std::string error;
+    double seconds = 0;
+};
+
+/// Reads a line without its line feed. Ignores members that it does not know.
+/// \return nothing if it is not a line of results.
+std::optional<ResultLine> parseResultLine(const std::string& line);
+
+/// Returns true if resultLine() or endLine() may have written \p text as the start of a line.
+bool isStartOfResultLine(std::string_view text);
 
 }  // namespace vexa::runner

@@ -105,9 +105,9 @@ TEST_F(Manual, CompletesWordByWord) {
         const char* offered;
     };
     const Case cases[] = {
-        {"commands", "vexa-standin re", "repl report\n"},
+        {"commands", "vexa-standin re", "results repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run repl test check lint debug attach report coverage diff docs explain list style probe compare-hosts "
+         "new run results repl test check lint debug attach report coverage diff docs explain list style probe compare-hosts "
          "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},
@@ -160,10 +160,11 @@ TEST_F(Manual, CompletesTheSameInFish) {
         const char* offered;
     };
     const Case cases[] = {
-        {"commands", "vexa-standin re", "repl\nreport\n"},
+        {"commands", "vexa-standin re", "repl\nreport\nresults\n"},
         {"all commands", "vexa-standin ",
          "attach\ncheck\ncompare-"
-         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrepl\nreport\nrun\nschema\nstyle\ntest"
+         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrepl\nreport\nresults\nrun\nschema\nstyl"
+         "e\ntest"
          "\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options after a file", "vexa-standin run m.macro --rec", "--record\n"},

@@ -130,6 +130,18 @@ TEST_F(ManyRuns, AreStoppedByCtrlC) {
     EXPECT_EQ(output.find("never"), std::string::npos) << output;
 }
 
+// While an add-on is loaded, SIGINT ends the process.
+TEST_F(ManyRuns, HaveAnEndLineIfCtrlCEndedTheirProcess) {
+    write("a.macro", "ONE ECHO a\n");
+    Program program = runMany({"a.macro", "a.macro", "--json", "r.jsonl"}, ADDON_HANGING_AT_ENTRY);
+    const std::string interruptWhenRunning =
+        "env --default-signal=INT \"$@\" & until [ -n \"$(cat /proc/$!/task/$!/children)\" ]; do sleep 0.01; done; "
+        "kill -INT $!; wait $!";
+    program.arguments.insert(program.arguments.begin(), {"sh", "-c", interruptWhenRunning, "sh"});
+    EXPECT_EQ(runProgram(program).status, 130);
+    EXPECT_EQ(read("r.jsonl"), "{\"macroFile\":\"a.macro\",\"exitStatus\":130,\"findings\":[]}\n");
+}
+
 TEST_F(ManyRuns, AreAsManyAsThereAre) {
     std::vector<std::string> arguments;
     std::string expected;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "coverage/CoverageFile.h"
+#include "formats/ResultsFile.h"
 #include "session/WatchedRun.h"
 #include "session/watch/Death.h"
 #include "system/files/LiveFile.h"
@@ -20,9 +21,17 @@ public:
     ManyRuns(const RunOptions& options, const std::vector<std::string>& macroFiles)
         : m_options(options), m_macroFiles(macroFiles), m_runs(macroFiles.size()), m_outputs(options.problems) {}
 
+    // Counts the macro files that were run before, and keeps their results.
+    void addEarlier(const CutOffRun& earlier) {
+        m_oldResults = OldText_e::Kept;
+        m_doneBefore = "; " + std::to_string(earlier.done) + " done before, " + std::to_string(earlier.failed.size()) +
+                       " of them failed";
+        for (const auto& [file, status] : earlier.failed) note(status, file + ": before: " + meaningOf(status));
+    }
+
     ExitStatus_e run(std::size_t jobs) {
         const AwaitedSignals signals;
-        if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json);
+        if (m_options.json) m_results = std::make_unique<LiveFile>(*m_options.json, m_oldResults);
         ProcessSetting setting;
         setting.showsWholeStacks = m_options.contract.showsStacks;
         setting.limitTime(m_options.contract.timeout);
@@ -33,8 +42,8 @@ public:
         closeResults();
         writeCoverage();
         m_outputs.write(runReport(m_problems, static_cast<ExitStatus_e>(m_status)));
-        tell(kProgramName,
-             std::to_string(ended) + " macro files run, " + std::to_string(m_failed) + " failed" + m_notes);
+        tell(kProgramName, std::to_string(ended) + " macro files run, " + std::to_string(m_failed) + " failed" +
+                               m_doneBefore + m_notes);
         return static_cast<ExitStatus_e>(m_status);
     }
 
@@ -51,8 +60,9 @@ public:
         print(outcome.out, stdout);
         print(outcome.err, stderr);
         const ExitStatus_e status = statusOf(index, box, outcome);
+        // Before the results, because a resumed run skips the macro files that have results.
+        if (merge(m_coverage, m_runs[index]->watched.outputs().coverage())) writeCoverage();
         if (m_results) m_results->append(m_runs[index]->results);
-        merge(m_coverage, m_runs[index]->watched.outputs().coverage());
         const std::vector<Problem>& problems = m_runs[index]->watched.outputs().problems();
         m_problems.insert(m_problems.end(), problems.begin(), problems.end());
         m_runs[index].reset();
@@ -76,7 +86,9 @@ private:
 
     // A run that Ctrl-C ended before it could stop its macro counts as stopped.
     ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
-        return wasInterrupted(outcome) ? ExitStatus_e::Stopped : m_runs[index]->watched.judge(box, outcome);
+        if (!wasInterrupted(outcome)) return m_runs[index]->watched.judge(box, outcome);
+        m_runs[index]->results += endLine(m_macroFiles[index], ExitStatus_e::Stopped, {});
+        return ExitStatus_e::Stopped;
     }
 
     static void print(const KeptText& printed, FILE* file) {
@@ -95,9 +107,11 @@ private:
     }
 
     void writeCoverage() {
+        if (!m_options.coverage || m_isCoverageLost) return;
         try {
-            if (m_options.coverage) addToCoverageFile(*m_options.coverage, m_coverage);
+            addToCoverageFile(*m_options.coverage, m_coverage);
         } catch (const OutputError& error) {
+            m_isCoverageLost = true;
             note(ExitStatus_e::BadUsageOrInput, error.what());
         }
     }
@@ -112,8 +126,11 @@ private:
     std::unique_ptr<LiveFile> m_results;
     std::vector<std::unique_ptr<Run>> m_runs;
     Coverage m_coverage;
+    bool m_isCoverageLost = false;
     ProblemOutputs m_outputs;
     std::vector<Problem> m_problems;
+    OldText_e m_oldResults = OldText_e::Removed;
+    std::string m_doneBefore;
     std::size_t m_failed = 0;
     int m_status = 0;
     std::string m_notes;
@@ -123,6 +140,12 @@ private:
 
 ExitStatus_e runMacros(const RunOptions& options, const std::vector<std::string>& macroFiles, std::size_t jobs) {
     return ManyRuns(options, macroFiles).run(jobs);
+}
+
+ExitStatus_e resumeMacros(const RunOptions& options, const CutOffRun& earlier, std::size_t jobs) {
+    ManyRuns runs(options, earlier.left);
+    runs.addEarlier(earlier);
+    return runs.run(jobs);
 }
 
 }  // namespace vexa::runner

@@ -12,22 +12,34 @@ InputLines::InputLines(const std::string& path) : m_file(openInput(path)) {}
 bool InputLines::next(std::string_view& line) {
     std::size_t searched = 0;
     for (;;) {
-        const std::size_t lineEnd = m_text.find('\n', m_at + searched);
-        if (lineEnd != std::string::npos) {
-            line = std::string_view(m_text).substr(m_at, lineEnd - m_at);
-            m_at = lineEnd + 1;
+        const std::size_t end = m_text.find('\n', m_at + searched);
+        m_hasLineFeed = end != std::string::npos;
+        if (m_hasLineFeed) {
+            line = std::string_view(m_text).substr(m_at, end - m_at);
+            m_at = end + 1;
             return true;
         }
         searched = m_text.size() - m_at;
         if (!readMore()) break;
     }
-    line = std::string_view(m_text).substr(m_at);
+    line = buffered();
     m_at = m_text.size();
     return !line.empty();
 }
 
-bool InputLines::isAtEnd() { return m_at == m_text.size() && !readMore(); }
+std::string_view InputLines::peek(std::size_t size) {
+    while (buffered().size() < size && readMore()) {}
+    return buffered().substr(0, size);
+}
 
+std::string InputLines::rest() {
+    while (readMore()) {}
+    std::string text(buffered());
+    m_at = m_text.size();
+    return text;
+}
+
+// Appends more of the input to the text. Returns false at the end.
 bool InputLines::readMore() {
     constexpr std::size_t kChunk = 1U << 18U;
     m_text.erase(0, m_at);

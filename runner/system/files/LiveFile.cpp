@@ -34,10 +34,11 @@ Descriptor openedStream(const std::string& path) {
     return stream;
 }
 
-Descriptor openedOutput(const std::string& path) {
+Descriptor openedOutput(const std::string& path, OldText_e oldText) {
     if (isStandardOutput(path)) return takeStandardOutput();
     if (isStream(path)) return openedStream(path);
-    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, kLiveFileMode));
+    const int start = oldText == OldText_e::Kept ? O_APPEND : O_TRUNC;
+    Descriptor file(open(outputTarget(path).c_str(), O_CREAT | start | O_WRONLY | O_CLOEXEC, kLiveFileMode));
     if (!file.isOpen()) refuseOutput(path);
     return file;
 }
@@ -45,7 +46,7 @@ Descriptor openedOutput(const std::string& path) {
 // Emptying a file that another process has mapped would kill that process, so the claim comes first.
 Descriptor openedForMapping(const std::string& path) {
     Descriptor file(open(outputTarget(path).c_str(), O_CREAT | O_RDWR | O_CLOEXEC, kLiveFileMode));
-    if (!file.isOpen()) return openedOutput(path);  // it may be writable, but not readable
+    if (!file.isOpen()) return openedOutput(path, OldText_e::Removed);  // it may be writable, but not readable
     if (!claim(file.get())) refuseOutput(path, "another run writes it");
     if (ftruncate(file.get(), 0) != 0) refuseOutput(path);
     return file;
@@ -58,9 +59,12 @@ bool isReadable(int file) { return (fcntl(file, F_GETFL) & O_ACCMODE) == O_RDWR;
 LiveFile::LiveFile(const std::string& path, Append_e how)
     : m_path(isStandardOutput(path) ? kStandardOutputName : path) {
     const bool isMapped = how == Append_e::ByMapping && !isStream(path);
-    m_descriptor = isMapped ? openedForMapping(path) : openedOutput(path);
+    m_descriptor = isMapped ? openedForMapping(path) : openedOutput(path, OldText_e::Removed);
     if (isMapped && isReadable(m_descriptor.get())) m_tail = std::make_unique<MappedTail>(m_descriptor.get());
 }
+
+LiveFile::LiveFile(const std::string& path, OldText_e oldText)
+    : m_path(isStandardOutput(path) ? kStandardOutputName : path), m_descriptor(openedOutput(path, oldText)) {}
 
 void LiveFile::append(std::string_view text) {
     if (!m_descriptor.isOpen() || !m_problem.empty()) return;

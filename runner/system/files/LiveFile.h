@@ -15,6 +15,9 @@ enum class Append_e {
     ByMapping      ///< see MappedTail. If the process is killed, another one must call cutAfterText()
 };
 
+/// The treatment of the text that a file has already.
+enum class OldText_e { Removed, Kept };
+
 /// A file that is written immediately: appended text is in the file even if the process dies after that.
 ///
 ///     LiveFile file("run.trace");   // empties the file; throws if that fails
@@ -33,6 +36,8 @@ public:
     /// With Append_e::ByMapping it also refuses a regular file that another process writes in this way. Where the
     /// system cannot map the file, it is written by system calls.
     explicit LiveFile(const std::string& path, Append_e how = Append_e::BySystemCall);
+    /// The same, but \p oldText says what happens to the text of a file that exists.
+    LiveFile(const std::string& path, OldText_e oldText);
 
     void append(std::string_view text);
     /// Writes nothing more; close() throws \p why.

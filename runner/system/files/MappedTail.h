@@ -54,7 +54,7 @@ private:
     dev_t m_device = 0;
     ino_t m_inode = 0;
     bool m_isCut = false;
-    int m_problem = 0;  // of the cut, as in errno
+    int m_problem = 0;        // of the cut, as in errno
     std::size_t m_start = 0;  // the offset of the map in the file
     char* m_map = nullptr;
     char* m_at = nullptr;   // the end of the text

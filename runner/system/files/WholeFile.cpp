@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 
-#include "system/Descriptor.h"
 #include "system/LastError.h"
 #include "system/files/StandardStreams.h"
 

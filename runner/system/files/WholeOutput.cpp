@@ -20,8 +20,10 @@ namespace fs = std::filesystem;
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kWholeFileMode = 0666;
 
+}  // namespace
+
 // A file that is being written. If the file system supports this, the file has no name until it is complete.
-class Draft : NonCopyable {
+class WholeOutput::Draft : NonCopyable {
 public:
     explicit Draft(const std::string& target)
         : m_folder(fs::path(target).parent_path()),
@@ -73,8 +75,6 @@ private:
     Descriptor m_descriptor;
 };
 
-}  // namespace
-
 WholeOutput::WholeOutput(const std::string& path) : m_path(path) {
     if (isStream(path)) {
         m_stream.emplace(path);
@@ -87,18 +87,35 @@ WholeOutput::WholeOutput(const std::string& path) : m_path(path) {
         refuseOutput(path, "cannot create a file in its folder: " + std::generic_category().message(errno));
 }
 
+WholeOutput::WholeOutput(WholeOutput&& other) noexcept = default;
+WholeOutput& WholeOutput::operator=(WholeOutput&& other) noexcept = default;
+WholeOutput::~WholeOutput() = default;
+
 void WholeOutput::replace(std::string_view text) {
-    if (m_stream) {
-        m_stream->append(text);
-        return m_stream->close();
-    }
     const SignalMask blocked(allSignals());
-    Draft draft(m_target);
+    append(text);
+    finish();
+}
+
+void WholeOutput::append(std::string_view part) {
+    if (m_stream) return m_stream->append(part);
+    if (!writeAll(draft().descriptor(), part)) refuseOutput(m_path);
+}
+
+void WholeOutput::finish() {
+    if (m_stream) return m_stream->close();
+    const SignalMask blocked(allSignals());
     struct stat old {};
     const bool exists = stat(m_target.c_str(), &old) == 0;
-    const bool isWritten = draft.isOpen() && (!exists || fchmod(draft.descriptor(), old.st_mode & kPermissions) == 0) &&
-                           writeAll(draft.descriptor(), text) && fsync(draft.descriptor()) == 0;
-    if (!isWritten || !draft.replace(m_target)) refuseOutput(m_path);
+    const bool isWritten =
+        (!exists || fchmod(draft().descriptor(), old.st_mode & kPermissions) == 0) && fsync(draft().descriptor()) == 0;
+    if (!isWritten || !draft().replace(m_target)) refuseOutput(m_path);
+}
+
+WholeOutput::Draft& WholeOutput::draft() {
+    if (!m_draft) m_draft = std::make_unique<Draft>(m_target);
+    if (!m_draft->isOpen()) refuseOutput(m_path);
+    return *m_draft;
 }
 
 }  // namespace vexa::runner

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,16 +25,31 @@ class WholeOutput {
 public:
     /// Opens a stream, or checks that a file can be written.
     explicit WholeOutput(const std::string& path);
+    WholeOutput(WholeOutput&& other) noexcept;
+    WholeOutput& operator=(WholeOutput&& other) noexcept;
+    ~WholeOutput();
 
     /// Returns the path, as passed to the constructor.
     const std::string& path() const { return m_path; }
     /// Writes \p text. Call it once. While it replaces a file, signals wait.
     void replace(std::string_view text);
 
+    /// \name A text in parts
+    /// append() writes the next part, and finish() then replaces the file. Without finish() the old file stays.
+    /// @{
+    void append(std::string_view part);
+    void finish();
+    /// @}
+
 private:
+    class Draft;
+
+    Draft& draft();
+
     std::string m_path;
     std::string m_target;              // the file to replace
     std::optional<LiveFile> m_stream;  // the stream, if the output is not a file
+    std::unique_ptr<Draft> m_draft;    // the new file, while it is written
 };
 
 }  // namespace vexa::runner

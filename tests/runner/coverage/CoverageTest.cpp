@@ -43,6 +43,23 @@ TEST(Coverage, MergesAnswersOfAllRuns) {
     EXPECT_EQ(callsOf(coverage).at("VexaUtilLockStart"), Names());
 }
 
+TEST(Coverage, TellsWhetherMergedFactsWereNew) {
+    Coverage coverage = coverageOfCall("A X", "VexaUtilLockStart", {});
+    EXPECT_FALSE(merge(coverage, {}));
+    EXPECT_FALSE(merge(coverage, coverageOfCall("A X", "VexaUtilLockStart", {})));
+    EXPECT_TRUE(merge(coverage, coverageOfCall("A Y", "VexaUtilLockStart", {}))) << "another command";
+    EXPECT_TRUE(merge(coverage, coverageOfCall("A X", "VexaUtilLockFinish", {}))) << "another call";
+    EXPECT_TRUE(merge(coverage, coverageOfCall("A X", "VexaUtilLockFinish", {"1"}))) << "another answer";
+    Coverage more;
+    more.rules = {"leaked-string"};
+    EXPECT_TRUE(merge(coverage, more)) << "another rule";
+    more.commands["A X"].ends = {kAccepted};
+    EXPECT_TRUE(merge(coverage, more)) << "another end";
+    more.commands["A X"].options = {"ZONES"};
+    EXPECT_TRUE(merge(coverage, more)) << "another option";
+    EXPECT_FALSE(merge(coverage, more));
+}
+
 TEST(Coverage, CountsEachFactOnce) {
     Coverage coverage = coverageOfCall("A X", "VexaUtilStringAlloc", {"handle"});
     merge(coverage, coverageOfCall("A Y", "VexaUtilStringAlloc", {"handle"}));

@@ -53,5 +53,59 @@ TEST(EndLine, SaysWhyTheRunEndedEarly) {
               "\n");
 }
 
+TEST(NameInResults, IsTheNameThatTheEndLineHas) {
+    for (const char* name : {"a.macro", "f\303\274r \"b\".macro", "not \377 UTF-8.macro"}) {
+        const auto line = parseResultLine(endLine(name, ExitStatus_e::AllWell, {}));
+        ASSERT_TRUE(line) << name;
+        EXPECT_EQ(line->name, nameInResults(name));
+    }
+    EXPECT_EQ(nameInResults("f\303\274r.macro"), "f\303\274r.macro");
+}
+
+TEST(ParseResultLine, ReadsTheLineOfACommand) {
+    const auto line = parseResultLine(resultLine(kMean, {false, "no"}, milliseconds(1500), {oneFinding()}));
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->name, "a.macro:3");
+    EXPECT_FALSE(line->exitStatus);
+    EXPECT_FALSE(line->isAccepted);
+    EXPECT_EQ(line->error, "no");
+    EXPECT_EQ(line->seconds, 1.5);
+    EXPECT_TRUE(parseResultLine(resultLine(kMean, {true, ""}, {}, {}))->isAccepted);
+}
+
+TEST(ParseResultLine, ReadsAnEndLine) {
+    const auto line = parseResultLine(endLine("a.macro", ExitStatus_e::ProcessEnded, {}, "SIGSEGV"));
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->name, "a.macro");
+    EXPECT_EQ(line->exitStatus, 5);
+    EXPECT_EQ(line->error, "SIGSEGV");
+}
+
+TEST(ParseResultLine, IgnoresMembersThatItDoesNotKnow) {
+    EXPECT_TRUE(parseResultLine(R"({"new":[{}],"macroFile":"a.macro","exitStatus":0})"));
+}
+
+TEST(ParseResultLine, RefusesOtherLines) {
+    for (const char* line : {"", "x", "[]", "7", "{}", R"({"place":7})", R"({"place":""})", R"({"macroFile":"a"})",
+                             R"({"macroFile":"a","exitStatus":"0"})", R"({"macroFile":"a","exitStatus":-1})",
+                             R"({"macroFile":"a","exitStatus":256})", R"({"exitStatus":0})", R"({"place":"a:1"}x)",
+                             "{\"place\":\"\377:1\"}"}) {
+        EXPECT_FALSE(parseResultLine(line)) << line;
+    }
+    EXPECT_FALSE(parseResultLine(std::string(100000, '['))) << "deeply nested";
+}
+
+TEST(StartOfResultLine, IsEachStartOfALine) {
+    const std::string command = resultLine(kMean, {true, ""}, {}, {});
+    const std::string end = endLine("a.macro", ExitStatus_e::AllWell, {});
+    for (const std::string& line : {command, end}) {
+        for (std::size_t size = 1; size != line.size(); ++size) {
+            EXPECT_TRUE(isStartOfResultLine(line.substr(0, size))) << line.substr(0, size);
+        }
+    }
+    for (const char* text : {"x", "{}", "{\"plaza", "[", "{\"macroFile\":7"})
+        EXPECT_FALSE(isStartOfResultLine(text)) << text;
+}
+
 }  // namespace
 }  // namespace vexa::runner

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "support/TemporaryFolder.h"
@@ -10,38 +11,67 @@
 namespace vexa::runner {
 namespace {
 
-std::vector<std::string> linesOf(const std::string& text) {
-    const tests::TemporaryFolder folder;
-    InputLines lines(folder.write("t", text));
-    std::vector<std::string> all;
-    for (std::string_view line; lines.next(line);) all.emplace_back(line);
-    return all;
+class InputLinesTest : public ::testing::Test {
+protected:
+    InputLines linesOf(const std::string& text) const { return InputLines(m_folder.write("text", text)); }
+
+    static std::vector<std::string> allOf(InputLines lines) {
+        std::vector<std::string> all;
+        for (std::string_view line; lines.next(line);) {
+            all.push_back(std::string(line) + (lines.hasLineFeed() ? "$" : ""));
+        }
+        return all;
+    }
+
+    const tests::TemporaryFolder m_folder;
+};
+
+TEST_F(InputLinesTest, EndAtLineFeeds) {
+    EXPECT_EQ(allOf(linesOf("a\n\nb c\r\n")), std::vector<std::string>({"a$", "$", "b c\r$"}));
+    EXPECT_EQ(allOf(linesOf("")), std::vector<std::string>());
 }
 
-using Lines = std::vector<std::string>;
-
-TEST(InputLines, AreTheLinesOfTheFile) {
-    EXPECT_EQ(linesOf(""), Lines{});
-    EXPECT_EQ(linesOf("a"), Lines{"a"});
-    EXPECT_EQ(linesOf("a\n\nb\n"), (Lines{"a", "", "b"}));
+TEST_F(InputLinesTest, TellThatTheLastOneHasNoLineFeed) {
+    EXPECT_EQ(allOf(linesOf("a\nb")), std::vector<std::string>({"a$", "b"}));
 }
 
-TEST(InputLines, MayBeLongerThanWhatIsReadAtOnce) {
-    const std::string large(1000000, 'x');
-    EXPECT_EQ(linesOf("a\n" + large + "\nb\n" + large), (Lines{"a", large, "b", large}));
+TEST_F(InputLinesTest, MayBeLongerThanTheBuffer) {
+    std::vector<std::string> expected;
+    std::string text;
+    for (const std::size_t size : {262143U, 262144U, 1U, 1000000U, 0U, 262145U}) {
+        expected.push_back(std::string(size, 'x') + '$');
+        text += std::string(size, 'x') + '\n';
+    }
+    EXPECT_EQ(allOf(linesOf(text)), expected);
 }
 
-TEST(InputLines, KnowWhetherALineIsTheLast) {
-    const tests::TemporaryFolder folder;
-    InputLines lines(folder.write("t", "a\nb\n"));
+TEST_F(InputLinesTest, KnowWhetherALineIsTheLast) {
+    InputLines lines = linesOf("a\nb\n");
     std::string_view line;
-    lines.next(line);
+    ASSERT_TRUE(lines.next(line));
     EXPECT_FALSE(lines.isAtEnd());
-    lines.next(line);
+    ASSERT_TRUE(lines.next(line));
     EXPECT_TRUE(lines.isAtEnd());
 }
 
-TEST(InputLines, OfAFileThatIsNotThereAreRefused) { EXPECT_THROW(InputLines("/nowhere/t"), std::system_error); }
+TEST_F(InputLinesTest, StayWhenTheyArePeekedAt) {
+    InputLines lines = linesOf("abc\nd");
+    EXPECT_EQ(lines.peek(2), "ab");
+    EXPECT_EQ(lines.peek(99), "abc\nd") << "all there is";
+    std::string_view line;
+    ASSERT_TRUE(lines.next(line));
+    EXPECT_EQ(line, "abc");
+    EXPECT_EQ(lines.rest(), "d");
+    EXPECT_FALSE(lines.next(line));
+}
+
+TEST_F(InputLinesTest, AreRefusedIfTheFileIsMissing) { EXPECT_THROW(InputLines("/missing/file"), std::system_error); }
+
+TEST_F(InputLinesTest, CannotBeReadFromAFolder) {
+    InputLines lines(m_folder.path());
+    std::string_view line;
+    EXPECT_THROW(lines.next(line), std::system_error);
+}
 
 }  // namespace
 }  // namespace vexa::runner
