@@ -140,7 +140,7 @@ std::vector<Item> listOf(const std::optional<Node>& node, const std::function<It
     return items;
 }
 
-std::vector<std::string> linesOf(const std::optional<Node>& node) {
+std::vector<std::string> textLinesOf(const std::optional<Node>& node) {
     return listOf<std::string>(node, [](const Node& item) { return filledLineOf(item); });
 }
 
@@ -273,7 +273,7 @@ private:
         const auto values = memberOf("values", isChoice);
         if (!isChoice) return;
         if (!values) m_members.required("values");
-        m_option.values = linesOf(values);
+        m_option.values = textLinesOf(values);
         if (m_option.values.empty()) values->refuse("expected at least one value");
     }
 
@@ -382,8 +382,8 @@ private:
             command.options = itemsOf<OptionDescription>(
                 *options, [&](const Node& item) { return OptionReader(item, command.kind).read(); });
         }
-        command.before = linesOf(members.find("before"));
-        command.examples = linesOf(members.find("examples"));
+        command.before = textLinesOf(members.find("before"));
+        command.examples = textLinesOf(members.find("examples"));
         return command;
     }
 

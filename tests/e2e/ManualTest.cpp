@@ -107,7 +107,8 @@ TEST_F(Manual, CompletesWordByWord) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "results repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run results repl test check lint debug attach report coverage diff docs explain list style probe compare-hosts "
+         "new run results repl test check lint debug attach report coverage diff docs explain list style probe "
+         "compare-hosts "
          "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
         {"options behind a file", "vexa-standin run m.macro --rec", "--record\n"},

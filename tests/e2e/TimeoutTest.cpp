@@ -106,9 +106,10 @@ TEST_F(Timeout, LeavesNoFileOfARunThatDidNotBegin) {
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(fileNames(), std::vector<std::string>({"m.macro"}));
     EXPECT_EQ(withoutStack(result.err), "error: \"loading of " ADDON_HANGING_AT_ENTRY
-                          "\" has not returned within 2 seconds; it made no host call [command-timeout]\n"
-                          "    first: the beginning of \"loading of " ADDON_HANGING_AT_ENTRY "\", thread 1\n" +
-                              kHint + debugLine(ADDON_HANGING_AT_ENTRY " --strict"));
+                                        "\" has not returned within 2 seconds; it made no host call [command-timeout]\n"
+                                        "    first: the beginning of \"loading of " ADDON_HANGING_AT_ENTRY
+                                        "\", thread 1\n" +
+                                            kHint + debugLine(ADDON_HANGING_AT_ENTRY " --strict"));
 }
 
 TEST_F(Timeout, IsForUnloadingToo) {

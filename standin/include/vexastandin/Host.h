@@ -38,7 +38,7 @@ using AddOnEntry = const VexaAddOn_s* (*)(AddOnList_s* self);
 struct CommandResult {
     bool accepted = false;  ///< true if the add-on reported success
     std::string error;      ///< the add-on's message, or the text of its exception; empty on success
-    Place place = {};  ///< of a failure: the call that made the message, or the end of the command; else empty
+    Place place = {};       ///< of a failure: the call that made the message, or the end of the command; else empty
 };
 
 /// Reports an add-on that cannot be loaded. The message is one line: the file and the reason.

@@ -177,7 +177,7 @@ TEST_F(MappedTailTest, CutAfterTextLeavesTheFileOfARunningProcess) {
     if (child == 0) {
         const Descriptor file(open(path().c_str(), O_RDWR | O_CLOEXEC));
         claim(file.get());
-        (void)!write(pipe.writer.get(), "x", 1);
+        (void)!::write(pipe.writer.get(), "x", 1);
         for (;;) pause();
     }
     char byte = 0;
