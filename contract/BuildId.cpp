@@ -7,6 +7,8 @@
 namespace vexa::standin {
 namespace {
 
+constexpr char kOwner[] = "GNU";  // with its zero byte
+
 std::size_t padded(std::size_t size) { return (size + 3) / 4 * 4; }
 
 std::string hexOf(const unsigned char* bytes, std::size_t count) {
@@ -27,7 +29,7 @@ std::string buildIdIn(const unsigned char* begin, const unsigned char* end) {
         const std::size_t size = sizeof *note + padded(note->n_namesz) + padded(note->n_descsz);
         if (size > static_cast<std::size_t>(end - begin)) break;
         const std::string_view owner(reinterpret_cast<const char*>(name), note->n_namesz);
-        const bool isBuildId = note->n_type == NT_GNU_BUILD_ID && owner == std::string_view("GNU", 4);
+        const bool isBuildId = note->n_type == NT_GNU_BUILD_ID && owner == std::string_view(kOwner, sizeof kOwner);
         if (isBuildId) return hexOf(name + padded(note->n_namesz), note->n_descsz);
         begin += size;
     }

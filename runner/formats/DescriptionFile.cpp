@@ -244,7 +244,7 @@ private:
 
     // Refuses a member that means nothing for the type.
     std::optional<Node> memberOf(const std::string& name, bool isMeaningful) const {
-        const auto node = m_members.find(name);
+        auto node = m_members.find(name);
         if (node && !isMeaningful) {
             node->refuse(std::string("an option of type ") + runner::nameOf(m_option.type) + " has no \"" + name + '"');
         }
@@ -388,7 +388,7 @@ private:
     }
 
     static CommandKind_e kindOf(const Node& node) {
-        const auto& name = node.as<std::string>("\"command\" or \"processor\"");
+        const auto& name = node.as<std::string>(R"("command" or "processor")");
         for (const CommandKind_e kind : {CommandKind_e::Command, CommandKind_e::Processor}) {
             if (name == runner::nameOf(kind)) return kind;
         }

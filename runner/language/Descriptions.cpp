@@ -17,6 +17,7 @@ bool areEqualInAnyCase(std::string_view one, std::string_view other) {
 template <class Items>
 std::vector<std::string> namesOf(const Items& items) {
     std::vector<std::string> names;
+    names.reserve(items.size());
     for (const auto& item : items) names.push_back(item.name);
     return names;
 }

@@ -149,7 +149,7 @@ Refusal whyNoSet(std::string_view written, const OptionDescription& option) {
     if (set.isEmpty() && !option.mayBeEmpty) return WrongValue{kWrongValue, "the set must not be empty"};
     for (const auto& range : set.ranges()) {
         for (const std::int64_t member : {range.first, range.last}) {
-            const Refusal refusal = whyOutside(static_cast<long double>(member), std::to_string(member), option);
+            Refusal refusal = whyOutside(static_cast<long double>(member), std::to_string(member), option);
             if (refusal) return refusal;
         }
     }

@@ -30,6 +30,7 @@ enum class Gdb_e { Missing, WithoutPython, Usable };
 // The options with which gdb was built say whether it has Python.
 Gdb_e findGdb() {
     const auto close = [](FILE* file) { pclose(file); };
+    // NOLINTNEXTLINE(cert-env33-c): the command is fixed
     const std::unique_ptr<FILE, decltype(close)> pipe(popen("gdb --configuration 2>/dev/null", "re"), close);
     std::string text;
     char part[4096];
@@ -84,6 +85,7 @@ std::vector<std::string> argumentsOf(const DebuggerCall& call, int script) {
 
 void replaceProcess(std::vector<std::string>& arguments) {
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     execvp(pointers.front(), pointers.data());

@@ -19,10 +19,6 @@ Descriptor openInput(const std::string& path);
 /// \throws std::system_error if it cannot be read.
 std::string readInput(const std::string& path);
 
-/// Opens an input for readers that do not need all of its bytes at once, as readInput() does.
-/// \throws std::system_error
-Descriptor openInput(const std::string& path);
-
 /// Reads all bytes of the standard input, as readInput() does.
 std::string readStandardInput();
 
