@@ -48,7 +48,8 @@ void KeptSpans::findingMade() {
 }
 
 void KeptSpans::keep(std::size_t index, const TracedSpan& span) {
-    if (m_kept.count(index) == 0) m_kept.emplace(index, shortened(span));
+    const auto [kept, isNew] = m_kept.try_emplace(index);
+    if (isNew) kept->second = shortened(span);
 }
 
 std::map<std::size_t, TracedSpan> KeptSpans::take() {
