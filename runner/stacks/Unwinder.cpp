@@ -27,7 +27,9 @@ Elf* systemObject() {
     char* const image = reinterpret_cast<char*>(address);
     Elf64_Ehdr head;
     std::memcpy(&head, image, sizeof head);
-    return elf_memory(image, head.e_shoff + std::size_t{head.e_shnum} * head.e_shentsize);
+    const std::size_t size = head.e_shoff + std::size_t{head.e_shnum} * head.e_shentsize;
+    Elf* const object = elf_memory(image, size);
+    return object;
 }
 
 int findObject(Dwfl_Module* module, void** data, const char* name, Dwarf_Addr base, char** file, Elf** elf) {

@@ -90,8 +90,8 @@ struct Place {
     std::size_t thread = 0;  ///< the thread; the host numbers threads from 1 in the order of their first event
     /// The calls that led to the event; of the start or the end of a command only the function of the add-on. Null if
     /// unknown.
-    std::shared_ptr<const CodeStack> stack = {};
-    SourcePlace source = {};  ///< what a function passed to Host::onFinding() found out; else empty
+    std::shared_ptr<const CodeStack> stack = nullptr;
+    SourcePlace source = SourcePlace();  ///< what a function passed to Host::onFinding() found out; else empty
 };
 
 /// A violation of a rule.

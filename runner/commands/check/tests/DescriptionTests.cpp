@@ -134,7 +134,8 @@ void requireAccepted(DescriptionTrial& described, const CommandDescription& comm
 // Reports an option that the add-on reads as an Int32: the recorded value is then another one.
 void requireWholeInteger(DescriptionTrial& described, const CommandDescription& command, const LargeInteger& large) {
     const Descriptions descriptions(described.addOn());
-    for (const std::string& line : described.run(command, large.text).recorded) {
+    const Outcome outcome = described.run(command, large.text);
+    for (const std::string& line : outcome.recorded) {
         for (const WrittenOption& option : parseLine(line, descriptions).options) {
             const std::string value(textOf(option.value, line));
             if (option.description == nullptr || option.description->name != large.option) continue;
