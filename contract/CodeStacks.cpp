@@ -3,6 +3,7 @@
 #include <unwind.h>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace vexa::standin {
@@ -16,7 +17,16 @@ CodePlace placeOf(const CodeObject* object, std::uintptr_t address) {
     return {object->path, address - object->loadedAt, object->buildId, object->isOfAddOn};
 }
 
+auto fieldsOf(const CodePlace& place) { return std::tie(place.offset, place.object, place.buildId, place.isAddOn); }
+
 }  // namespace
+
+bool CodeStacks::LessByPlaces::operator()(const std::shared_ptr<const CodeStack>& left,
+                                          const std::shared_ptr<const CodeStack>& right) const {
+    return std::lexicographical_compare(
+        left->begin(), left->end(), right->begin(), right->end(),
+        [](const CodePlace& one, const CodePlace& other) { return fieldsOf(one) < fieldsOf(other); });
+}
 
 // Walks the stack of the calling thread.
 struct CodeStacks::Walk {
@@ -76,7 +86,8 @@ std::shared_ptr<const CodeStack> CodeStacks::keep(const std::vector<std::uintptr
     auto stack = std::make_shared<CodeStack>();
     for (const std::uintptr_t address : addresses)
         stack->push_back(placeOf(m_objects.objectAt(address).get(), address));
-    return entry->second = std::move(stack);
+    if (m_kept.size() == kMostStacks) m_kept.clear();
+    return entry->second = *m_kept.insert(std::move(stack)).first;
 }
 
 // The first slot was overwritten when the unwinder returned. The others are above the frame, on the stack of the

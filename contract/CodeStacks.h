@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -66,12 +67,18 @@ private:
         std::shared_ptr<const CodeStack> stack;
     };
     struct Walk;
+    struct LessByPlaces {
+        bool operator()(const std::shared_ptr<const CodeStack>& left,
+                        const std::shared_ptr<const CodeStack>& right) const;
+    };
 
     std::shared_ptr<const CodeStack> keep(const std::vector<std::uintptr_t>& addresses);
     const Image* findImage(const void* frame) const;
 
     CodeObjectsInterface& m_objects;
     std::map<std::vector<std::uintptr_t>, std::shared_ptr<const CodeStack>> m_stacks;  // by addresses
+    // All stacks, also those from before an add-on was loaded again: it makes the same calls as before.
+    std::set<std::shared_ptr<const CodeStack>, LessByPlaces> m_kept;
     std::array<Image, 16> m_images{};  // of the last stacks that were walked
     std::size_t m_nextImage = 0;
 };
