@@ -21,6 +21,7 @@
 #include "system/files/WholeFile.h"
 #include "system/files/WholeOutput.h"
 #include "terminal/Console.h"
+#include "text/Counted.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
@@ -53,10 +54,6 @@ struct LintOptions {
 std::size_t charactersIn(std::string_view text) {
     const auto count = std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
     return static_cast<std::size_t>(count);
-}
-
-std::string countText(std::size_t count, const char* what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
 class Lint {
@@ -157,8 +154,8 @@ private:
 
     void conclude(ProblemOutputs& outputs, ExitStatus_e status) {
         if (!m_report.problems.empty()) {
-            tell(countText(countOf(standin::Severity_e::Error), "error") + ", " +
-                 countText(countOf(standin::Severity_e::Warning), "warning"));
+            tell(counted(countOf(standin::Severity_e::Error), "error") + ", " +
+                 counted(countOf(standin::Severity_e::Warning), "warning"));
         }
         if (m_json) m_json->replace(m_lines);
         m_report.exitStatus = static_cast<int>(status);

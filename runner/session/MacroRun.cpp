@@ -31,14 +31,11 @@
 #include "terminal/Console.h"
 #include "terminal/StopButton.h"
 #include "terminal/Terminal.h"
+#include "text/Counted.h"
 #include "text/Seconds.h"
 
 namespace vexa::runner {
 namespace {
-
-std::string counted(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
 
 std::string placeOf(const MacroCommand& command) { return command.place + ": " + command.addOnId; }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "text/Counted.h"
 #include "text/Seconds.h"
 
 // The barrier keeps the compiler from removing the function and its calls.
@@ -20,10 +21,6 @@ namespace {
 
 bool makesMessage(std::string_view function) {
     return function == "VexaUtilStringAlloc" || function == "VexaUtilDialogErrMsg";
-}
-
-std::string counted(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "system/files/WholeOutput.h"
 #include "terminal/Console.h"
 #include "terminal/TextWidth.h"
+#include "text/Counted.h"
 #include "text/Printable.h"
 
 namespace vexa::runner {
@@ -97,7 +98,7 @@ std::string differencesText(const std::vector<ComparedFact>& facts, const Compar
                         printableLine(fact.question())});
     }
     const std::size_t count = rows.size() - 1;
-    const std::string summary = std::to_string(count) + (count == 1 ? " difference" : " differences");
+    const std::string summary = counted(count, "difference");
     return (count == 0 ? "" : tableOf(rows)) + summary + '\n';
 }
 

@@ -4,6 +4,7 @@
 
 #include "text/Columns.h"
 #include "text/CommandWords.h"
+#include "text/Counted.h"
 #include "text/Joined.h"
 #include "text/Printable.h"
 
@@ -23,7 +24,7 @@ std::string SeenCommands::describe(const std::string& addOnId, const std::string
     std::vector<std::vector<std::string>> rows;
     for (const auto& [name, seen] : commands->second) {
         if (!word.empty() && name != word) continue;
-        std::string facts = "run " + std::to_string(seen.runs) + (seen.runs == 1 ? " time" : " times");
+        std::string facts = "run " + counted(seen.runs, "time");
         if (seen.failures != 0) facts += ", " + std::to_string(seen.failures) + " failed";
         if (!seen.options.empty()) facts += "; options: " + printableLine(joined(seen.options, ", "));
         rows.push_back({"  " + printableLine(name), facts});

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "formats/ResultsFile.h"
+#include "text/Counted.h"
 #include "text/Printable.h"
 #include "text/Seconds.h"
 
@@ -136,8 +137,7 @@ std::string ResultsSummary::whyIncomplete(const Macro& macro) const {
     if (count == macro.listed) return "";
     if (macro.listed == 0) return "it has a result, and is not in the list";
     if (count == 0) return kNoResult;
-    return std::to_string(count) + " results; it is in the list " + std::to_string(macro.listed) +
-           (macro.listed == 1 ? " time" : " times");
+    return std::to_string(count) + " results; it is in the list " + counted(macro.listed, "time");
 }
 
 }  // namespace vexa::runner

@@ -5,6 +5,7 @@
 
 #include "commands/check/trial/AllocationFaults.h"
 #include "session/Replay.h"
+#include "text/Counted.h"
 
 namespace vexa::runner {
 namespace {
@@ -169,7 +170,7 @@ Verdict tryDisturbances(Trial& trial,
             tried += together.size();
         }
     }
-    std::string reason = std::to_string(tried) + (tried == 1 ? " case" : " cases");
+    std::string reason = counted(tried, "case");
     if (tried != count) reason += " of " + std::to_string(count) + "; the time was over";
     return {Outcome_e::Passed, reason};
 }
