@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <map>
@@ -11,6 +10,7 @@
 #include "system/files/PathFromHere.h"
 #include "terminal/Console.h"
 #include "text/Printable.h"
+#include "text/WholeNumber.h"
 
 namespace vexa::runner {
 namespace {
@@ -33,11 +33,7 @@ constexpr standin::Rule kRules[] = {
      "Correct the add-on. If the new results are right, save them with 'vexa-standin test --accept'."},
 };
 
-std::size_t numberOf(std::string_view digits) {
-    std::size_t number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return error == std::errc() && end == digits.data() + digits.size() ? number : 0;
-}
+std::size_t numberOf(std::string_view digits) { return wholeNumberIn(digits).value_or(0); }
 
 ProblemPlace placeWith(const std::string& text, const standin::Place& place) {
     ProblemPlace result = placeOf(place.macroLine);

@@ -3,11 +3,11 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
-#include <system_error>
+
+#include "text/WholeNumber.h"
 
 namespace vexa::runner {
 namespace {
@@ -36,11 +36,8 @@ std::size_t columnsOf(int descriptor) {
 
 std::size_t textColumnsOf(int descriptor) {
     if (!isTerminal(descriptor)) return kUsualColumns;
-    const std::string_view told = environment("COLUMNS");
-    std::size_t columns = 0;
-    const auto [end, error] = std::from_chars(told.data(), told.data() + told.size(), columns);
-    const bool isNumber = error == std::errc() && end == told.data() + told.size() && columns > 0;
-    return isNumber ? columns : columnsOf(descriptor);
+    const std::size_t told = wholeNumberIn(environment("COLUMNS")).value_or(0);
+    return told != 0 ? told : columnsOf(descriptor);
 }
 
 bool wantsColour() { return theColour.value_or(environment("NO_COLOR").empty() && isTerminal(STDERR_FILENO)); }

@@ -1,27 +1,15 @@
 #include "commands/run/Shard.h"
 
-#include <charconv>
 #include <string_view>
-#include <system_error>
+
+#include "text/WholeNumber.h"
 
 namespace vexa::runner {
-namespace {
-
-std::optional<std::size_t> numberIn(std::string_view text) {
-    std::size_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stop != end) return std::nullopt;
-    return number;
-}
-
-}  // namespace
-
 std::optional<Shard> shardIn(const std::string& text) {
     const std::size_t slash = text.find('/');
     if (slash == std::string::npos) return std::nullopt;
-    const auto number = numberIn(std::string_view(text).substr(0, slash));
-    const auto count = numberIn(std::string_view(text).substr(slash + 1));
+    const auto number = wholeNumberIn(std::string_view(text).substr(0, slash));
+    const auto count = wholeNumberIn(std::string_view(text).substr(slash + 1));
     if (!number || !count || *number < 1 || *number > *count) return std::nullopt;
     return Shard{*number, *count};
 }

@@ -1,12 +1,12 @@
 #include "commands/test/Budget.h"
 
-#include <charconv>
 #include <optional>
 #include <string_view>
 
 #include "text/LineDifference.h"
 #include "text/Lines.h"
 #include "text/StartsWith.h"
+#include "text/WholeNumber.h"
 
 namespace vexa::runner {
 namespace {
@@ -22,13 +22,6 @@ constexpr Measure kMeasures[] = {{"  host calls: ", &CommandCost::calls},
                                  {"  allocations: ", &CommandCost::allocations},
                                  {"  peak bytes: ", &CommandCost::peakBytes}};
 
-std::optional<std::size_t> numberOf(std::string_view text) {
-    std::size_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return number;
-}
-
 // Reads the text of a budget line by line.
 class BudgetReader {
 public:
@@ -42,7 +35,7 @@ public:
             CommandCost cost{m_lines[m_at++].substr(kCommandMark.size())};
             for (const Measure& measure : kMeasures) {
                 if (m_at == m_lines.size() || !startsWith(m_lines[m_at], measure.start)) return std::nullopt;
-                const auto number = numberOf(std::string_view(m_lines[m_at]).substr(measure.start.size()));
+                const auto number = wholeNumberIn(std::string_view(m_lines[m_at]).substr(measure.start.size()));
                 if (!number) return std::nullopt;
                 cost.*measure.number = *number;
                 ++m_at;
