@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "stacks/StackText.h"
+#include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
@@ -23,8 +24,6 @@ constexpr std::array<std::string_view, 12> kSharedLibraries = {
 // Parts of the paths of headers whose inline functions are compiled into add-ons.
 constexpr std::array<std::string_view, 5> kForeignSources = {"/usr/include/", "/usr/lib/", "/include/vexautilutil/",
                                                              "/include/vexa/", "/include/c++/"};
-
-bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 bool isNamedAs(const std::string& object, std::string_view library) {
     return startsWith(std::string_view(object).substr(object.rfind('/') + 1), library);

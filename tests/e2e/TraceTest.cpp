@@ -15,7 +15,20 @@ using tests::Json;
 using tests::nestingProblems;
 using tests::traceEvents;
 
-using Trace = RunnerTest;
+class Trace : public RunnerTest {
+protected:
+    // Starts a run that hangs, sends the signal once both traces have the command, and returns the run's status.
+    int statusOfARunKilledBy(const std::string& signal) const {
+        write("m.macro", "HANGING HANG\n");
+        const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_HANGING
+                                                 " --trace t.json --trace-text t.txt & "
+                                                 "until grep --quiet HANG t.txt; do sleep 0.05; done 2>/dev/null; "
+                                                 "kill -" +
+                                    signal + " $!; wait $!";
+        return runProgram({{"bash", "-c", command}, folder(), "", false}).status;
+    }
+};
+
 using UnprivilegedTrace = UnprivilegedRunnerTest;
 
 // Both kinds of trace are files in the same way.
@@ -60,23 +73,13 @@ TEST_F(Trace, OfARunThatIsKilledHasNoMoreThanItsText) {
 }
 
 TEST_F(Trace, OfAProgramThatIsTerminatedHasNoMoreThanItsText) {
-    write("m.macro", "HANGING HANG\n");
-    const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_HANGING
-                                             " --trace t.json --trace-text t.txt & "
-                                             "until grep --quiet HANG t.txt; do sleep 0.05; done 2>/dev/null; "
-                                             "kill -TERM $!; wait $!";
-    EXPECT_EQ(runProgram({{"bash", "-c", command}, folder(), "", false}).status, 128 + SIGTERM);
+    EXPECT_EQ(statusOfARunKilledBy("TERM"), 128 + SIGTERM);
     EXPECT_EQ(read("t.json").back(), '}');
     EXPECT_EQ(read("t.txt").back(), '\n');
 }
 
 TEST_F(Trace, OfAProgramThatIsKilledCanBeRead) {
-    write("m.macro", "HANGING HANG\n");
-    const std::string command = VEXA_STANDIN " run m.macro --addon " ADDON_HANGING
-                                             " --trace t.json --trace-text t.txt & "
-                                             "until grep --quiet HANG t.txt; do sleep 0.05; done 2>/dev/null; "
-                                             "kill -KILL $!; wait $!";
-    runProgram({{"bash", "-c", command}, folder(), "", false});
+    EXPECT_EQ(statusOfARunKilledBy("KILL"), 128 + SIGKILL);
     EXPECT_EQ(runProgram(runner({"diff", "t.json", "t.txt"})).err, "");
 }
 

@@ -57,8 +57,8 @@ const std::vector<CheckTest>& checkTests() {
          "Editors, pages and users rely on the description.", descriptionExamples},
         {"description-options", 2, Needs_e::Description,
          "Each command of the description succeeds with only its required options, and with each option at its "
-         "default, "
-         "at both ends of its range, and with values of its type. What is recorded has only described options.",
+         "default, at both ends of its range, and with values of its type. What is recorded has only described "
+         "options.",
          "A description with an option that does not exist, or with another type, makes users write wrong macros.",
          descriptionOptions},
         {"description-refusals", 2, Needs_e::Description,
