@@ -7,8 +7,11 @@
 
 namespace vexa::load {
 
-/// Returns the size of a text: 64 MiB if the full load is requested, 1 MiB otherwise.
-inline std::size_t largeSize() { return static_cast<std::size_t>(amount(1L << 20, 64L << 20)); }
+/// How many times less than otherwise a test may do: the sanitizers make programs ten times slower and more.
+constexpr long kReduction = VEXA_IS_SANITIZED ? 8 : 1;
+
+/// Returns the size of a text: 64 MiB if the full load is requested, 1 MiB otherwise, and less under the sanitizers.
+inline std::size_t largeSize() { return static_cast<std::size_t>(amount((1L << 20) / kReduction, 64L << 20)); }
 
 /// Returns \p size times the character \p c.
 inline std::string filled(std::size_t size, char c) { return std::string(size, c); }

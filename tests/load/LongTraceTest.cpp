@@ -10,7 +10,7 @@
 #include <string>
 
 #include "e2e/RunProgram.h"
-#include "load/Load.h"
+#include "load/LargeTexts.h"
 #include "support/TemporaryFolder.h"
 
 namespace vexa::e2e {
@@ -55,7 +55,7 @@ void writeTrace(const std::string& path, long calls) {
 
 TEST(LongTrace, HasASmallReportThatNeedsLittleMemory) {
     const tests::TemporaryFolder folder;
-    const long calls = load::amount(500000, 10000000);
+    const long calls = load::amount(500000 / load::kReduction, 10000000);
     writeTrace(folder.path("t.json"), calls);
     Program program;
     program.folder = folder.path();
