@@ -29,8 +29,8 @@ mcdc_packages=("${test_packages[@]}" clang-19 libclang-rt-19-dev llvm-19)
 mutate_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev python3)
 package_packages=("${build_packages[@]}" dpkg-dev file lintian)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
-ci_packages=("${tidy_packages[@]}" "${cppcheck_packages[@]}" "${abi_packages[@]}" "${coverage_packages[@]}"
-    "${mcdc_packages[@]}" "${docs_packages[@]}" chromium clang-format fish git zsh)
+ci_packages=("${tidy_packages[@]}" "${cppcheck_packages[@]}" "${abi_packages[@]}" "${docs_packages[@]}"
+    chromium clang-format fish git libclang-rt-14-dev llvm-14 zsh)
 
 usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"
