@@ -62,6 +62,8 @@ std::size_t AllocationFaults::count() { return plan.count; }
 using vexa::runner::allocate;
 using vexa::runner::tryToAllocate;
 
+// Libraries must find all of them here. clang takes those with a size for functions like any other, and would hide them.
+#pragma GCC visibility push(default)
 // NOLINTBEGIN(cppcoreguidelines-no-malloc,hicpp-no-malloc)
 void* operator new(std::size_t size) { return allocate(size); }
 void* operator new[](std::size_t size) { return allocate(size); }
@@ -89,3 +91,4 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(
 void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept { std::free(block); }
 void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noexcept { std::free(block); }
 // NOLINTEND(cppcoreguidelines-no-malloc,hicpp-no-malloc)
+#pragma GCC visibility pop
