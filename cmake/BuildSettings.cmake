@@ -14,6 +14,10 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(vexa_c_warnings -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wcast-qual
     -Wformat=2 -Wundef)
 set(vexa_cxx_warnings ${vexa_c_warnings} -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wextra-semi)
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # It means types in headers, and takes the sources of a unity build for headers.
+    list(APPEND vexa_cxx_warnings -Wno-subobject-linkage)
+endif()
 
 add_library(vexa_build_settings INTERFACE)
 target_compile_options(vexa_build_settings INTERFACE
