@@ -14,6 +14,7 @@
 #include "terminal/Console.h"
 #include "text/Joined.h"
 #include "text/NearNames.h"
+#include "text/Printable.h"
 #include "text/ShortText.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/toolbox/Set.h"
@@ -441,10 +442,10 @@ ReadDescription parseDescription(const std::string& text, const std::string& fil
         for (const Refusal& refusal : reader.refusals) {
             if (result.problems.size() == kMostProblems) break;
             result.problems.push_back(file + ": " + (refusal.path.empty() ? "/" : refusal.path) + ": " +
-                                      refusal.reason + " (" + placeIn(text, refusal.at) + ')');
+                                      printableLine(refusal.reason) + " (" + placeIn(text, refusal.at) + ')');
         }
     } catch (const JsonError& error) {
-        result.problems.push_back(file + ':' + placeIn(text, error.at) + ": " + error.what());
+        result.problems.push_back(file + ':' + placeIn(text, error.at) + ": " + printableLine(error.what()));
     }
     return result;
 }

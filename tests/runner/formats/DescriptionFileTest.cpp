@@ -90,6 +90,10 @@ TEST(DescriptionFile, SaysWhatIsWrongWithAnOption) {
         {R"({"name": "N", "type": "Int64"})", ": the member \"help\" is missing"},
         {R"({"name": "N", "type": "Int64", "help": "h", "defualt": 1})",
          ": unknown member \"defualt\"; is default meant?"},
+        {R"({"name": "N", "type": "Int64", "help": "h", "a\nb": 1})",
+         ": unknown member \"a\\nb\"; expected name, type, help, default, without, min, max, values, required, "
+         "repeatable, "
+         "mayBeEmpty or escapes"},
         {R"({"name": "N", "type": "Int64", "help": "h", "help": "i"})", ": the member \"help\" is given twice"},
         {R"({"name": "N", "type": "Int46", "help": "h"})",
          "/type: \"Int46\" is no type of an option of kind processor; is Int64 meant?"},
