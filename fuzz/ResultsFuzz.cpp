@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "MemoryFile.h"
+#include "Fuzz.h"
 #include "formats/ResultsReader.h"
 
 namespace vexa::fuzz {
@@ -15,8 +15,7 @@ using runner::MacroResult;
 constexpr const char* kName = "results";
 
 std::vector<MacroResult> resultsIn(const std::string& text) {
-    const MemoryFile file(text);
-    runner::InputLines lines(file.path());
+    runner::InputLines lines = runner::InputLines::ofText(text);
     runner::ResultsReader reader(lines, kName);
     std::vector<MacroResult> results;
     while (auto result = reader.next()) results.push_back(std::move(*result));

@@ -14,6 +14,7 @@
 #include "terminal/Console.h"
 #include "text/Joined.h"
 #include "text/NearNames.h"
+#include "text/Printable.h"
 #include "text/ShortText.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/toolbox/Set.h"
@@ -191,12 +192,12 @@ DescribedNumber numberOf(const Node& node, OptionType_e type) {
 
 // ---- Options
 
-std::string setTextIn(const Node& node) {
+toolbox::Set setIn(const Node& node) {
     const auto& text = node.as<std::string>("a set as text, such as \"[1-3,5]\"");
     try {
         toolbox::Set set;
         set.assign(text);
-        return set.toString();
+        return set;
     } catch (const InvalidArgumentException& refusal) {
         node.refuse(refusal.what());
     }
@@ -273,7 +274,8 @@ private:
         const auto values = memberOf("values", isChoice);
         if (!isChoice) return;
         if (!values) m_members.required("values");
-        m_option.values = textLinesOf(values);
+        m_option.values =
+            listOf<std::string>(values, [this](const Node& item) { return writable(filledLineOf(item), item); });
         if (m_option.values.empty()) values->refuse("expected at least one value");
     }
 
@@ -290,18 +292,45 @@ private:
     std::string defaultOf(const Node& node) const {
         switch (m_option.type) {
             case OptionType_e::Boolean: return node.as<bool>("true or false") ? "TRUE" : "FALSE";
-            case OptionType_e::String: return lineOf(node);
-            case OptionType_e::Set: return setTextIn(node);
+            case OptionType_e::String: return writable(lineOf(node), node);
+            case OptionType_e::Set: return setInRange(node);
             case OptionType_e::Choice: return choiceOf(node, m_option.values);
             default: return numberInRange(node);
         }
     }
 
+    // A command must be able to give an option its default.
+    const std::string& writable(const std::string& text, const Node& node) const {
+        if (text.empty()) requireNotEmpty(node);
+        const bool hasBothQuotes = text.find('\'') != std::string::npos && text.find('"') != std::string::npos;
+        if (hasBothQuotes && !m_option.hasEscapes) node.refuse("a text with both quotes needs escapes");
+        return text;
+    }
+
     std::string numberInRange(const Node& node) const {
         const DescribedNumber number = numberOf(node, m_option.type);
-        if (m_option.min && number.value < m_option.min->value) node.refuse("the default is less than the minimum");
-        if (m_option.max && number.value > m_option.max->value) node.refuse("the default is greater than the maximum");
+        requireInRange(number.value, number.value, node);
         return number.text;
+    }
+
+    std::string setInRange(const Node& node) const {
+        const toolbox::Set set = setIn(node);
+        if (set.isEmpty()) {
+            requireNotEmpty(node);
+        } else {
+            requireInRange(static_cast<long double>(set.ranges().front().first),
+                           static_cast<long double>(set.ranges().back().last), node);
+        }
+        return set.toString();
+    }
+
+    void requireInRange(long double least, long double greatest, const Node& node) const {
+        if (m_option.min && least < m_option.min->value) node.refuse("the default is less than the minimum");
+        if (m_option.max && greatest > m_option.max->value) node.refuse("the default is greater than the maximum");
+    }
+
+    void requireNotEmpty(const Node& node) const {
+        if (!m_option.mayBeEmpty) node.refuse("the default is empty, but \"mayBeEmpty\" is false");
     }
 
     CommandKind_e m_kind;
@@ -413,10 +442,10 @@ ReadDescription parseDescription(const std::string& text, const std::string& fil
         for (const Refusal& refusal : reader.refusals) {
             if (result.problems.size() == kMostProblems) break;
             result.problems.push_back(file + ": " + (refusal.path.empty() ? "/" : refusal.path) + ": " +
-                                      refusal.reason + " (" + placeIn(text, refusal.at) + ')');
+                                      printableLine(refusal.reason) + " (" + placeIn(text, refusal.at) + ')');
         }
     } catch (const JsonError& error) {
-        result.problems.push_back(file + ':' + placeIn(text, error.at) + ": " + error.what());
+        result.problems.push_back(file + ':' + placeIn(text, error.at) + ": " + printableLine(error.what()));
     }
     return result;
 }

@@ -13,7 +13,6 @@
 
 #include "options/Refusals.h"
 #include "system/LastError.h"
-#include "system/files/MemoryFile.h"
 #include "system/files/WholeFile.h"
 #include "text/StartsWith.h"
 #include "vexautilutil/AsciiFile.h"
@@ -34,65 +33,95 @@ std::string_view withoutLeadingBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
 }
 
+// A line as AsciiFile returns it, up to its first carriage return.
+struct TextLine {
+    std::string_view text;
+    bool isCut;  // true if the line goes on after a carriage return
+};
+
+// The lines of a file, through AsciiFile.
+class FileLines {
+public:
+    // `text` is the text of the file.
+    FileLines(const std::string& path, std::string_view text) : m_text(text) {
+        if (m_file.open(path)) return;
+        if (errno == ENOMEM) throw std::bad_alloc();
+        throwLastError();
+    }
+
+    std::optional<TextLine> next() {
+        if (m_file.isEOF()) return std::nullopt;
+        const char* const line = m_file.readRawLine();
+        const std::size_t length = std::strlen(line);
+        const auto end = static_cast<std::size_t>(line - m_file.readRawLineAtOffset(0)) + length;
+        const std::size_t lineFeed = std::min(m_text.find('\n', end), m_text.size());
+        return TextLine{{line, length}, lineFeed > end + 1};
+    }
+
+private:
+    std::string_view m_text;
+    AsciiFile m_file;
+};
+
+// The same lines, from memory.
+class TextLines {
+public:
+    explicit TextLines(std::string_view text) : m_rest(text) {}
+
+    std::optional<TextLine> next() {
+        if (m_rest.empty()) return std::nullopt;
+        const std::string_view line = m_rest.substr(0, m_rest.find('\n'));
+        m_rest.remove_prefix(std::min(line.size() + 1, m_rest.size()));
+        const std::string_view text = line.substr(0, line.find('\r'));
+        return TextLine{text, line.size() > text.size() + 1};
+    }
+
+private:
+    std::string_view m_rest;
+};
+
+// Returns the lines before the one with the first NUL.
+std::string_view withoutNul(std::string_view text) {
+    const std::size_t nul = text.find('\0');
+    if (nul == std::string_view::npos) return text;
+    return text.substr(0, text.rfind('\n', nul) + 1);
+}
+
 class MacroReader {
 public:
     MacroReader(MacroFile& macro, const std::set<std::string>& addOnIds, UnknownId_e unknownId)
         : m_macro(macro), m_addOnIds(addOnIds), m_unknownId(unknownId) {}
 
-    void read(const std::string& path) {
-        m_text = path == kStandardInput ? readStandardInput() : readWholeFile(path);
-        const char* problem = nullptr;
-        if (const std::size_t nul = m_text.find('\0'); nul != std::string::npos) {
-            const std::size_t lineStart = m_text.rfind('\n', nul) + 1;
-            problem = m_text.find('\r', lineStart) < nul ? kHoldsReturn : "the line contains a NUL byte";
-            m_text.resize(lineStart);
-        }
-        // AsciiFile needs a file whose size is known: a pipe has none, and some devices report 0.
-        std::error_code error;
-        const bool isPlain =
-            problem == nullptr && path != kStandardInput && std::filesystem::file_size(path, error) == m_text.size();
-        std::optional<MemoryFile> copy;
-        if (!isPlain || m_text.empty()) copy.emplace(m_text);
-        if (!m_file.open(copy ? copy->path() : path)) {
-            if (errno == ENOMEM) throw std::bad_alloc();
-            throwLastError();
-        }
-        while (!m_file.isEOF()) takeLine();
-        const auto lines = static_cast<std::size_t>(std::count(m_text.begin(), m_text.end(), '\n'));
-        if (problem != nullptr) refuse(lines + 1, problem);
+    template <class Lines>
+    void read(Lines lines) {
+        while (const auto line = lines.next()) takeLine(*line);
+    }
+
+    // Refuses the line after those that were read. `rest` starts with it, and has a NUL.
+    void refuseNul(std::string_view rest) {
+        const bool hasReturn = rest.substr(0, rest.find('\0')).find('\r') != std::string_view::npos;
+        refuse(m_lineNumber + 1, hasReturn ? kHoldsReturn : "the line contains a NUL byte");
     }
 
 private:
-    void takeLine() {
-        const bool isCut = cuts(m_file.currentLineNumber());
-        std::string_view line = m_file.readRawLine();
-        const std::size_t lineNumber = m_file.currentLineNumber();
-        if (isCut) return refuse(lineNumber, kHoldsReturn);
-        if (lineNumber == 1 && startsWith(line, kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
-        MacroCommand command = commandOfLine(line);
-        command.place = m_macro.place(lineNumber);
-        if (!command.addOnId.empty()) takeCommand(lineNumber, std::move(command));
+    void takeLine(TextLine line) {
+        ++m_lineNumber;
+        if (line.isCut) return refuse(m_lineNumber, kHoldsReturn);
+        if (m_lineNumber == 1 && startsWith(line.text, kByteOrderMark)) line.text.remove_prefix(kByteOrderMark.size());
+        MacroCommand command = commandOfLine(line.text);
+        command.place = m_macro.place(m_lineNumber);
+        if (!command.addOnId.empty()) takeCommand(std::move(command));
     }
 
-    void takeCommand(std::size_t lineNumber, MacroCommand command) {
+    void takeCommand(MacroCommand command) {
         const bool isUnknown = m_addOnIds.count(command.addOnId) == 0;
         if (isUnknown && m_unknownId == UnknownId_e::RefusesFile) {
-            return refuse(lineNumber, noSuchAddOn(command.addOnId, m_addOnIds));
+            return refuse(m_lineNumber, noSuchAddOn(command.addOnId, m_addOnIds));
         }
         if (!isUnknown && command.text.find_first_not_of(kWhiteSpace) == std::string::npos) {
-            return refuse(lineNumber, "expected a command after '" + command.addOnId + "'");
+            return refuse(m_lineNumber, "expected a command after '" + command.addOnId + "'");
         }
         m_macro.commands.push_back(std::move(command));
-    }
-
-    // Returns true if AsciiFile cuts the line `index`, counted from 0, at a carriage return that is not part of a line
-    // end.
-    bool cuts(std::uint64_t index) const {
-        const char* const text = m_file.readRawLineAtOffset(0);
-        const char* const line = m_file.readRawLineAtOffset(index);
-        const auto end = static_cast<std::size_t>(line - text) + std::strlen(line);
-        const std::size_t lineFeed = std::min(m_text.find('\n', end), m_text.size());
-        return lineFeed > end + 1;
     }
 
     void refuse(std::size_t lineNumber, const std::string& why) {
@@ -102,9 +131,15 @@ private:
     MacroFile& m_macro;
     const std::set<std::string>& m_addOnIds;
     UnknownId_e m_unknownId;
-    std::string m_text;  // ends before the line with a NUL, because AsciiFile ends the file at a NUL
-    AsciiFile m_file;
+    std::size_t m_lineNumber = 0;  // of the last line that was read
 };
+
+// AsciiFile needs a file whose size is known: a pipe has none, and some devices report 0. It ends a file at a NUL.
+bool isForAsciiFile(const std::string& path, std::string_view text) {
+    std::error_code error;
+    return path != kStandardInput && !text.empty() && withoutNul(text).size() == text.size() &&
+           std::filesystem::file_size(path, error) == text.size();
+}
 
 }  // namespace
 
@@ -117,11 +152,24 @@ MacroCommand commandOfLine(std::string_view line) {
     return {"", std::string(line.substr(0, idEnd)), std::string(withoutLeadingBlanks(line.substr(idEnd)))};
 }
 
+MacroFile macroIn(std::string_view text, const std::string& name, const std::set<std::string>& addOnIds,
+                  UnknownId_e unknownId) {
+    MacroFile macro;
+    macro.name = name;
+    const std::string_view whole = withoutNul(text);
+    MacroReader reader(macro, addOnIds, unknownId);
+    reader.read(TextLines(whole));
+    if (whole.size() < text.size()) reader.refuseNul(text.substr(whole.size()));
+    return macro;
+}
+
 MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds, UnknownId_e unknownId) {
     MacroFile macro;
     macro.name = path == kStandardInput ? "<stdin>" : path;
     try {
-        MacroReader(macro, addOnIds, unknownId).read(path);
+        const std::string text = path == kStandardInput ? readStandardInput() : readWholeFile(path);
+        if (!isForAsciiFile(path, text)) return macroIn(text, macro.name, addOnIds, unknownId);
+        MacroReader(macro, addOnIds, unknownId).read(FileLines(path, text));
     } catch (const std::system_error& error) {
         macro.problems.push_back(macro.name + ": cannot be read: " + error.code().message());
     }

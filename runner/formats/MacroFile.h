@@ -51,4 +51,9 @@ MacroCommand commandOfLine(std::string_view line);
 MacroFile readMacroFile(const std::string& path, const std::set<std::string>& addOnIds,
                         UnknownId_e unknownId = UnknownId_e::RefusesFile);
 
+/// Reads the text of a macro file in the same way.
+/// \param name the file, as messages show it
+MacroFile macroIn(std::string_view text, const std::string& name, const std::set<std::string>& addOnIds,
+                  UnknownId_e unknownId = UnknownId_e::RefusesFile);
+
 }  // namespace vexa::runner

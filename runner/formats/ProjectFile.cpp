@@ -8,6 +8,7 @@
 #include "options/Refusals.h"
 #include "options/UsageError.h"
 #include "system/files/WholeFile.h"
+#include "text/Printable.h"
 #include "text/Seconds.h"
 #include "vexastandin/Finding.h"
 
@@ -17,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void refuse(const toml::source_region& place, const std::string& reason) {
-    throw UsageError(*place.path + ':' + std::to_string(place.begin.line) + ": " + reason);
+    throw UsageError(*place.path + ':' + std::to_string(place.begin.line) + ": " + printableLine(reason));
 }
 
 struct Setting {
@@ -99,9 +100,15 @@ std::string findProjectFile() {
 
 ContractOptions readProjectFile(const std::string& path) {
     try {
-        return optionsOf(toml::parse(readInput(path), path), path);
+        return projectIn(readInput(path), path);
     } catch (const std::system_error& error) {
         throw UsageError(path + ": " + error.code().message());
+    }
+}
+
+ContractOptions projectIn(const std::string& text, const std::string& path) {
+    try {
+        return optionsOf(toml::parse(text, path), path);
     } catch (const toml::parse_error& error) {
         refuse(error.source(), std::string(error.description()));
     }

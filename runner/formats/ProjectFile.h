@@ -25,4 +25,7 @@ std::string findProjectFile();
 /// message names the file, and the line if there is one.
 ContractOptions readProjectFile(const std::string& path);
 
+/// Reads the text of the project file \p path in the same way.
+ContractOptions projectIn(const std::string& text, const std::string& path);
+
 }  // namespace vexa::runner

@@ -332,6 +332,11 @@ void visitTrace(const std::string& file, TraceVisitorInterface& visitor) {
     }
 }
 
+void visitTraceText(const std::string& text, const std::string& name, TraceVisitorInterface& visitor) {
+    TextLines lines(text);
+    visitLines(lines, name, visitor);
+}
+
 TracedRun readTrace(const std::string& file) {
     TracedRunBuilder builder;
     visitTrace(file, builder);
@@ -340,8 +345,7 @@ TracedRun readTrace(const std::string& file) {
 
 TracedRun traceIn(const std::string& content, const std::string& path) {
     TracedRunBuilder builder;
-    TextLines lines(content);
-    visitLines(lines, path, builder);
+    visitTraceText(content, path, builder);
     return builder.take();
 }
 

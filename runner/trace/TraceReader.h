@@ -19,6 +19,10 @@ public:
 /// \throws TraceError. The visitor may then have got a part of the events.
 void visitTrace(const std::string& file, TraceVisitorInterface& visitor);
 
+/// Does the same with the text of a trace.
+/// \param name the file in messages
+void visitTraceText(const std::string& text, const std::string& name, TraceVisitorInterface& visitor);
+
 /// Reads a trace of an EventTrace into memory. The trace may be incomplete, if the run was killed.
 /// \throws TraceError
 TracedRun readTrace(const std::string& file);

@@ -38,6 +38,20 @@ bool isDone(const MacroResult& result) {
     return result.exitStatus && *result.exitStatus != static_cast<int>(ExitStatus_e::Stopped);
 }
 
+// Returns the macro files without results.
+std::vector<std::string> leftOf(const std::vector<std::string>& macroFiles, Counts& counts) {
+    std::vector<std::string> left;
+    for (const std::string& file : macroFiles) {
+        std::size_t& done = counts[nameInResults(file)].done;
+        if (done == 0) {
+            left.push_back(file);
+        } else {
+            --done;
+        }
+    }
+    return left;
+}
+
 // Results of another list or shard would be mixed with those of this run.
 void addResult(Counts& counts, const std::string& resultsFile, const std::string& macroFile) {
     const auto count = counts.find(macroFile);
@@ -49,36 +63,31 @@ void addResult(Counts& counts, const std::string& resultsFile, const std::string
     }
 }
 
-// Copies the results that are done into a new file, which replaces the old one.
-void keepResults(const std::string& resultsFile, Counts& counts, CutOffRun& run) {
-    InputLines lines = opened(resultsFile);
-    ResultsReader results(lines, resultsFile);
+}  // namespace
+
+CutOffRun takeUp(const std::string& resultsFile, const std::vector<std::string>& macroFiles) {
+    if (!std::filesystem::exists(resultsFile)) return {macroFiles, 0, {}};
+    InputLines results = opened(resultsFile);
     WholeOutput kept(resultsFile);
-    while (const auto result = results.next()) {
+    CutOffRun run = takeUp(results, resultsFile, macroFiles, [&](const std::string& lines) { kept.append(lines); });
+    kept.finish();
+    return run;
+}
+
+CutOffRun takeUp(InputLines& results, const std::string& name, const std::vector<std::string>& macroFiles,
+                 const std::function<void(const std::string& lines)>& keep) {
+    CutOffRun run;
+    Counts counts = countsOf(macroFiles);
+    ResultsReader reader(results, name);
+    while (const auto result = reader.next()) {
         if (!isDone(*result)) continue;
-        addResult(counts, resultsFile, result->macroFile);
-        kept.append(result->lines);
+        addResult(counts, name, result->macroFile);
+        keep(result->lines);
         ++run.done;
         const auto status = static_cast<ExitStatus_e>(*result->exitStatus);
         if (status != ExitStatus_e::AllWell) run.failed.emplace_back(result->macroFile, status);
     }
-    kept.finish();
-}
-
-}  // namespace
-
-CutOffRun takeUp(const std::string& resultsFile, const std::vector<std::string>& macroFiles) {
-    CutOffRun run;
-    Counts counts = countsOf(macroFiles);
-    if (std::filesystem::exists(resultsFile)) keepResults(resultsFile, counts, run);
-    for (const std::string& file : macroFiles) {
-        std::size_t& done = counts[nameInResults(file)].done;
-        if (done == 0) {
-            run.left.push_back(file);
-        } else {
-            --done;
-        }
-    }
+    run.left = leftOf(macroFiles, counts);
     return run;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "options/ExitStatus.h"
+#include "system/files/InputLines.h"
 
 namespace vexa::runner {
 
@@ -22,5 +24,11 @@ struct CutOffRun {
 /// \throws ResultsError if it is not a results file, or if it has results of other macro files.
 /// \throws OutputError
 CutOffRun takeUp(const std::string& resultsFile, const std::vector<std::string>& macroFiles);
+
+/// Reads the results in the same way, and passes the lines that stay to \p keep.
+/// \param name the results file in messages
+/// \throws ResultsError
+CutOffRun takeUp(InputLines& results, const std::string& name, const std::vector<std::string>& macroFiles,
+                 const std::function<void(const std::string& lines)>& keep);
 
 }  // namespace vexa::runner

@@ -1,6 +1,7 @@
 #include "system/files/InputLines.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "system/LastError.h"
 #include "system/files/WholeFile.h"
@@ -8,6 +9,12 @@
 namespace vexa::runner {
 
 InputLines::InputLines(const std::string& path) : m_file(openInput(path)) {}
+
+InputLines InputLines::ofText(std::string text) {
+    InputLines lines;
+    lines.m_text = std::move(text);
+    return lines;
+}
 
 bool InputLines::next(std::string_view& line) {
     std::size_t searched = 0;
@@ -41,6 +48,7 @@ std::string InputLines::rest() {
 
 // Appends more of the input to the text. Returns false at the end.
 bool InputLines::readMore() {
+    if (!m_file.isOpen()) return false;
     constexpr std::size_t kChunk = 1U << 18U;
     m_text.erase(0, m_at);
     m_at = 0;

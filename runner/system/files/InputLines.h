@@ -19,6 +19,8 @@ class InputLines {
 public:
     /// Opens the input that readInput() would read.
     explicit InputLines(const std::string& path);
+    /// Returns the lines of a text in memory.
+    static InputLines ofText(std::string text);
 
     /// Sets \p line to the next line, without its line feed. It is valid until the next call of a function.
     /// \return false at the end of the input.
@@ -33,10 +35,12 @@ public:
     std::string rest();
 
 private:
+    InputLines() = default;
+
     std::string_view buffered() const { return std::string_view(m_text).substr(m_at); }
     bool readMore();
 
-    Descriptor m_file;
+    Descriptor m_file;          // none for a text in memory
     std::string m_text;         // what was read; lines that were returned are removed before the next read
     std::size_t m_at = 0;       // the start of the next line
     bool m_hasLineFeed = true;  // whether the last line had one

@@ -43,6 +43,22 @@ TEST_F(MacroFileTest, PlacesEveryProblem) {
                   ":3: the line contains a carriage return", ":4: the line contains a NUL byte"}));
 }
 
+TEST_F(MacroFileTest, IsReadFromMemoryAsFromAFile) {
+    const std::string texts[] = {"ONE A\nTWO B",    "\xEF\xBB\xBFONE A\r\n\r\nONE B\r",
+                                 "ONE a\rb\n\rONE", "ONE A\n\nONE\0B\nONE C"s,
+                                 "ONE a\rb\0c"s,    "\nTHREE X\n#\nTWO \v\n"};
+    const auto shown = [](const MacroFile& macro) {
+        std::string lines = macro.name + '\n';
+        for (const MacroCommand& one : macro.commands) lines += one.place + '|' + one.addOnId + '|' + one.text + '\n';
+        for (const std::string& problem : macro.problems) lines += problem + '\n';
+        return lines;
+    };
+    for (const std::string& text : texts) {
+        const MacroFile file = read(text);
+        EXPECT_EQ(shown(macroIn(text, file.name, {"ONE", "TWO"})), shown(file));
+    }
+}
+
 TEST_F(MacroFileTest, ThatIsMissingHasOneProblem) {
     EXPECT_EQ(readMacroFile("missing.macro", {}).problems,
               std::vector<std::string>{"missing.macro: cannot be read: No such file or directory"});

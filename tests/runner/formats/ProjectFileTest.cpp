@@ -49,6 +49,11 @@ TEST_F(ProjectFileTest, TellsTheLineOfAnError) {
     EXPECT_EQ(errorIn("\n\nstrict = 1\n"), ":3: strict: expected true or false");
 }
 
+TEST_F(ProjectFileTest, HasItsErrorOnOneLine) {
+    EXPECT_EQ(errorIn("strict = tru\n"), ":1: Error while parsing boolean: expected 'true', saw 'tru\\n'");
+    EXPECT_EQ(errorIn("suppress = 'a\tb'\n").find("there is no rule \"a\\tb\""), std::string(":1: suppress: ").size());
+}
+
 TEST_F(ProjectFileTest, ThatIsMissingIsRefused) {
     try {
         readProjectFile("missing.toml");

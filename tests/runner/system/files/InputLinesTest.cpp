@@ -35,6 +35,11 @@ TEST_F(InputLinesTest, TellThatTheLastOneHasNoLineFeed) {
     EXPECT_EQ(allOf(linesOf("a\nb")), std::vector<std::string>({"a$", "b"}));
 }
 
+TEST_F(InputLinesTest, OfATextEndAtLineFeeds) {
+    EXPECT_EQ(allOf(InputLines::ofText("a\n\nb")), std::vector<std::string>({"a$", "$", "b"}));
+    EXPECT_EQ(allOf(InputLines::ofText("")), std::vector<std::string>());
+}
+
 TEST_F(InputLinesTest, MayBeLongerThanTheBuffer) {
     std::vector<std::string> expected;
     std::string text;
