@@ -49,15 +49,15 @@ constexpr SystemCall kSystemCalls[] = {
 };
 
 struct Kind {
-    Call_e call;
     const char* name;
+    Call_e call;
     int error;
 };
 
 constexpr Kind kKinds[] = {
-    {Call_e::Read, "read of", EIO},        {Call_e::Write, "write to", ENOSPC},   {Call_e::Open, "open of", EMFILE},
-    {Call_e::Close, "close of", EIO},      {Call_e::Start, "start of a", EAGAIN}, {Call_e::Map, "mmap of", ENOMEM},
-    {Call_e::Rename, "rename to", EACCES},
+    {"read of", Call_e::Read, EIO},        {"write to", Call_e::Write, ENOSPC},   {"open of", Call_e::Open, EMFILE},
+    {"close of", Call_e::Close, EIO},      {"start of a", Call_e::Start, EAGAIN}, {"mmap of", Call_e::Map, ENOMEM},
+    {"rename to", Call_e::Rename, EACCES},
 };
 
 const Kind& kindOf(Call_e call) {
