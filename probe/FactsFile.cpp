@@ -51,7 +51,7 @@ std::string entryOf(const Shutdown& shutdown) {
 }
 
 bool hasControls(std::string_view text) {
-    return std::any_of(text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; });
+    return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
 }
 
 }  // namespace

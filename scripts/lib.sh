@@ -158,6 +158,20 @@ sources_state() {
     git status --porcelain --ignored 2>/dev/null | grep -v '^!! build/$' || true
 }
 
+# copy_sources FOLDER: makes FOLDER a copy of the sources. Files keep their times, so that a later build there compiles
+# only what has changed. Keeps FOLDER/build.
+copy_sources() {
+    mkdir -p -- "$1"
+    find "$1" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf -- {} +
+    tar --create --exclude=./build --exclude=./.git . | tar --extract --directory="$1"
+}
+
+# source_date: prints the time of the last commit in seconds since 1970, for SOURCE_DATE_EPOCH. Without git it is the time
+# of the change log.
+source_date() {
+    git log -1 --format=%ct 2>/dev/null || stat --format=%Y CHANGELOG.md
+}
+
 # temporary_files_in FOLDER: makes programs write temporary files to FOLDER. Every user may write there, because the
 # tests that must not run as root run as nobody.
 temporary_files_in() {

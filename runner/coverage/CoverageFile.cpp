@@ -94,11 +94,13 @@ Coverage contentOf(const std::string& path) {
 Descriptor lockedFolderOf(const std::string& path) {
     const std::string folder = std::filesystem::path(outputTarget(path)).parent_path();
     Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    int result = -1;
-    do {
-        result = flock(descriptor.get(), LOCK_EX);
-    } while (result != 0 && errno == EINTR);
-    if (result != 0) refuseOutput(path, "cannot lock its folder: " + std::generic_category().message(errno));
+    const auto refuse = [&] {
+        refuseOutput(path, "cannot lock its folder: " + std::generic_category().message(errno));
+    };
+    if (!descriptor.isOpen()) refuse();
+    while (flock(descriptor.get(), LOCK_EX) != 0) {
+        if (errno != EINTR) refuse();
+    }
     return descriptor;
 }
 

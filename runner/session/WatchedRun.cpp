@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <memory>
+#include <system_error>
 
 #include "coverage/CoverageFile.h"
 #include "formats/ResultsFile.h"
@@ -88,6 +89,9 @@ private:
             runInProcesses(signals, 1, setting, *this);
         } catch (const EndedBySignal&) {
             cutOpenTraces();
+            throw;
+        } catch (const std::system_error&) {  // its process was killed
+            cutTraces(m_options.trace);
             throw;
         }
         cutOpenTraces();

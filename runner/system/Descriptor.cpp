@@ -60,4 +60,13 @@ bool readAvailable(int descriptor, std::string& text) {
     return true;
 }
 
+bool requireAvailable(int descriptor, std::string& text, const char* what) {
+    errno = 0;  // the end of the file does not set it
+    const bool mayGoOn = readAvailable(descriptor, text);
+    const bool hasFailed =
+        !mayGoOn && errno != 0 && errno != ECONNRESET;  // a process may end before it reads an answer
+    if (hasFailed) throwLastError(what);
+    return mayGoOn;
+}
+
 }  // namespace vexa::runner

@@ -50,4 +50,8 @@ bool sendAll(int socket, std::string_view text);
 /// process. \return false at the end of the file and after an error; true if more may come.
 bool readAvailable(int descriptor, std::string& text);
 
+/// Does the same for data that must not be lost.
+/// \throws std::system_error with \p what if \p descriptor cannot be read.
+bool requireAvailable(int descriptor, std::string& text, const char* what);
+
 }  // namespace vexa::runner

@@ -5,51 +5,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <memory>
-#include <system_error>
+
+#include "ProgramFiles.h"
 
 namespace vexa::e2e {
 namespace {
 
 constexpr int kCannotExecute = 127;
-
-struct FileCloser {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<FILE, FileCloser>;
-
-[[noreturn]] void throwLastError(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
-
-// Files rather than pipes: nobody has to read while the program runs.
-File unnamedFile(const std::string& content) {
-    File file(std::tmpfile());
-    if (!file) throwLastError("tmpfile");
-    std::fwrite(content.data(), 1, content.size(), file.get());
-    if (std::fflush(file.get()) != 0) throwLastError("tmpfile");
-    std::rewind(file.get());
-    return file;
-}
-
-std::string contentOf(const File& file) {
-    std::string content;
-    std::array<char, 4096> chunk{};
-    std::rewind(file.get());
-    while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), file.get())) {
-        content.append(chunk.data(), count);
-    }
-    return content;
-}
-
-std::vector<char*> argumentVector(const std::vector<std::string>& arguments) {
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 // Between fork and exec: only calls that are safe there.
 [[noreturn]] void becomeProgram(const char* folder, char* const* arguments, int in, int out, int err) {

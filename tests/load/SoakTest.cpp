@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 
 #include "library/macro/Tokens.h"
 #include "library/processor/ScriptedProcessor.h"
 #include "load/Load.h"
-#include "load/Resources.h"
+#include "load/Soak.h"
 #include "support/TemporaryFolder.h"
 #include "vexa/toolbox/Set.h"
 #include "vexastandin/Host.h"
@@ -22,31 +21,6 @@
 
 namespace vexa::vexautilutil {
 namespace {
-
-// The host notes the stacks of calls that open something. The second loop below has stacks of its own.
-constexpr std::size_t kStacks = 16384;
-
-// Calls `operation` many times, and expects that the process holds no more at the end than after the first tenth. The
-// operation must depend only on its number modulo 1000, so that it holds the same at both times, except for
-// `remembered` bytes, and for the stacks.
-template <class Operation>
-void soak(const char* what, long times, const Operation& operation, std::size_t remembered = 0) {
-    ASSERT_EQ(times % 10000, 0) << "a tenth must be whole rounds of 1000";
-    load::Resources::now();  // makes the allocations that happen only at the first call
-    long wrong = 0;
-    for (long i = 0; i < times / 10; ++i) wrong += operation(i % 1000) ? 0 : 1;
-    const load::Resources early = load::Resources::now();
-    for (long i = times / 10; i < times; ++i) wrong += operation(i % 1000) ? 0 : 1;
-    const load::Resources late = load::Resources::now();
-    std::printf("%ld %s: resident %ld -> %ld KiB, heap in use %zu -> %zu B, descriptors %ld -> %ld\n", times, what,
-                early.residentKiB, late.residentKiB, early.heapInUse, late.heapInUse, early.descriptors,
-                late.descriptors);
-    EXPECT_EQ(wrong, 0);
-    EXPECT_LE(late.residentKiB - early.residentKiB, 1024);
-    EXPECT_GE(late.heapInUse, early.heapInUse);
-    EXPECT_LE(late.heapInUse, early.heapInUse + kStacks + remembered);
-    EXPECT_EQ(late.descriptors, early.descriptors);
-}
 
 // Counts the host's objects that were allocated and not freed.
 class LivingHandles : public standin::ObserverInterface {
@@ -88,7 +62,7 @@ TEST(Soak, CommandsThroughOneProcessor) {
                command.getNextName(word) && command.getStringValue(text, true) && command.getNextName(word) &&
                command.getSetValue(zones);
     });
-    soak("commands, one in twenty refused", load::amount(100000, 10000000), [&](long i) {
+    load::soak("commands, one in twenty refused", load::amount(100000, 10000000), [&](long i) {
         const bool isBad = i % 20 == 0;
         const std::string command = "LOAD COUNT = " + (isBad ? "many" : std::to_string(i)) +
                                     " TITLE = 'a title of more than fifteen characters' ZONES = [1-3,5," +
@@ -100,8 +74,19 @@ TEST(Soak, CommandsThroughOneProcessor) {
     EXPECT_TRUE(host.violations().empty());
 }
 
+TEST(Soak, CommandsThroughTheStandIn) {
+    standin::Host host;
+    host.setKeepsCalls(false);
+    const std::string id = host.loadAddOn(ADDON_ONE).id;
+    load::soak("commands of an add-on, one in twenty refused", load::amount(100000, 100000000), [&](long i) {
+        const bool isBad = i % 20 == 0;
+        return host.run(id, isBad ? "FAIL no" : "SLEEP 0").accepted != isBad;
+    });
+    EXPECT_TRUE(host.violations().empty());
+}
+
 TEST(Soak, OptionsParsedAndRendered) {
-    soak("options, one in twenty refused", load::amount(100000, 10000000), [](long i) {
+    load::soak("options, one in twenty refused", load::amount(100000, 10000000), [](long i) {
         const std::string number = std::to_string(i);
         if (i % 20 == 0) {
             return refusedAs<UInt64MacroOption>("COUNT=a" + number, nullptr, nullptr) ==
@@ -126,7 +111,7 @@ TEST(Soak, FilesOpened) {
     for (int row = 0; row < 100; ++row) rows += "row " + std::to_string(row) + '\n';
     const std::string small = folder.write("small.txt", "one row");
     const std::string larger = folder.write("larger.txt", rows);
-    soak("files, one in twenty missing", load::amount(10000, 100000), [&](long i) {
+    load::soak("files, one in twenty missing", load::amount(10000, 100000), [&](long i) {
         AsciiFile file;
         if (i % 20 == 0) return !file.open(folder.path("missing.txt"));
         if (i % 2 == 0) return file.open(larger) && file.readLineAtOffset(99) == "row 99";
@@ -147,7 +132,7 @@ TEST(Soak, AddOnLoadedAndUnloaded) {
         host.unloadAddOns();
         return isAccepted && host.addOns().empty();
     };
-    soak("loads", 10000, loadAndUnload, kRemembered);
+    load::soak("loads", 10000, loadAndUnload, kRemembered);
     EXPECT_TRUE(host.violations().empty());
 }
 

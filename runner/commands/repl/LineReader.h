@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstdio>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "language/Descriptions.h"
+#include "system/LastError.h"
 #include "system/NonCopyable.h"
 
 namespace vexa::runner {
@@ -21,6 +23,7 @@ public:
     ~LineReader();
 
     /// Returns the next line without its line end; nothing at the end of the input.
+    /// \throws std::system_error if the input cannot be read.
     /// \param words        what completes the first word, and the words after `:help`
     /// \param descriptions what completes the words after the id of an add-on
     std::optional<std::string> next(std::vector<std::string> words, const Descriptions& descriptions) const;
@@ -28,8 +31,9 @@ public:
 private:
     static std::optional<std::string> plainLine() {
         std::string line;
-        if (!std::getline(std::cin, line)) return std::nullopt;
-        return line;
+        if (std::getline(std::cin, line)) return line;
+        if (std::ferror(stdin) != 0) throwLastError("the standard input cannot be read");
+        return std::nullopt;
     }
 
     bool m_isEditing;

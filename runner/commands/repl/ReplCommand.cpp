@@ -12,6 +12,7 @@
 #include "formats/DescriptionFile.h"
 #include "language/Descriptions.h"
 #include "options/CommonOptions.h"
+#include "options/PrintedOutput.h"
 #include "session/RunOutputs.h"
 #include "session/watch/Death.h"
 #include "system/processes/Tracer.h"
@@ -63,7 +64,7 @@ public:
     }
 
     int run(std::size_t, ProcessBox& box, NotesInterface& notes) override {
-        return static_cast<int>(runRepl(m_options, m_load, box, notes));
+        return static_cast<int>(checkOutput(runRepl(m_options, m_load, box, notes)));
     }
     NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return this; }
     void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {

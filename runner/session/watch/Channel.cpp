@@ -67,7 +67,7 @@ std::string Channel::ask(char kind, std::string_view text) {
 
 bool Mailbox::fetch() {
     m_bytes.erase(0, std::exchange(m_at, 0));
-    return readAvailable(m_descriptor, m_bytes);
+    return requireAvailable(m_descriptor, m_bytes, "the report of the process for the add-ons cannot be read");
 }
 
 std::optional<Message> Mailbox::next() {

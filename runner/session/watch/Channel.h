@@ -53,6 +53,7 @@ public:
 
     /// Reads what was sent so far, without waiting.
     /// \return whether the end of the child is still open.
+    /// \throws std::system_error if the connection cannot be read.
     bool fetch();
     /// The next message; nothing if it is not complete yet.
     std::optional<Message> next();

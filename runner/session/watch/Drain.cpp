@@ -10,7 +10,8 @@ constexpr std::size_t kSlack = std::size_t{1} << 20;  // the text is moved only 
 }  // namespace
 
 void Drain::fetch() {
-    if (m_pipe.reader.isOpen() && !readAvailable(m_pipe.reader.get(), m_kept.text)) m_pipe.reader.close();
+    constexpr const char* kWhat = "the output of the process for the add-ons cannot be read";
+    if (m_pipe.reader.isOpen() && !requireAvailable(m_pipe.reader.get(), m_kept.text, kWhat)) m_pipe.reader.close();
     if (!m_keepsEnd || m_kept.text.size() > 2 * m_most + kSlack) trim();
 }
 

@@ -29,6 +29,7 @@ public:
     void closeWriter() { m_pipe.writer.close(); }
 
     /// Reads the current contents of the pipe, up to a limit, so that a fast writer cannot block this process.
+    /// \throws std::system_error if the pipe cannot be read.
     void fetch();
     /// Calls fetch(), and returns the text since the last call.
     KeptText take();

@@ -90,7 +90,9 @@ struct ProcessSetting {
 ///
 /// Call it while this process has one thread.
 /// \return how many processes have ended: all of them, unless SIGINT came.
-/// \throws std::system_error if a process cannot be started.
+/// \throws std::system_error if a process cannot be started, or if what it prints or reports cannot be read; then all
+/// are
+///         killed.
 /// \throws EndedBySignal if they were killed.
 std::size_t runInProcesses(const AwaitedSignals& signals, std::size_t count, const ProcessSetting& setting,
                            ProcessWorkInterface& work);

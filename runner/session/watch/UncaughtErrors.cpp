@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <system_error>
 
 #include "options/ExitStatus.h"
 #include "system/files/OutputTarget.h"
@@ -21,6 +22,8 @@ int printUncaughtErrors(const std::function<int()>& work) {
         std::fprintf(stderr, "%s: out of memory\n", kProgramName);
     } catch (const OutputError& error) {
         tell(error.what());
+    } catch (const std::system_error& error) {
+        tell(kProgramName, error.what());
     } catch (const std::exception& error) {
         const char* const text = error.what();
         tell(kProgramName, std::string("unexpected error: ") + (text == nullptr ? "no message" : text));

@@ -38,10 +38,12 @@ public:
     }
 
     // Returns the bytes at `offset`; fewer if the file ends earlier.
+    // Throws std::system_error if the file cannot be read.
     std::string bytes(std::uint64_t offset, std::size_t count) const {
         std::string bytes(count, '\0');
         const ssize_t got = pread(m_descriptor, bytes.data(), count, static_cast<off_t>(offset));
-        bytes.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+        if (got < 0) throw std::system_error(errno, std::generic_category());
+        bytes.resize(static_cast<std::size_t>(got));
         return bytes;
     }
 
@@ -50,8 +52,8 @@ private:
 };
 
 // The system's text, in lower case for the middle of a sentence.
-std::string lastError() {
-    std::string text = std::generic_category().message(errno);
+std::string textOf(int error) {
+    std::string text = std::generic_category().message(error);
     if (!text.empty()) text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
     return text;
 }
@@ -131,11 +133,7 @@ bool isTruncated(const ReadFile& file) {
     return false;
 }
 
-}  // namespace
-
-std::string whyNotLoadable(const std::string& path) {
-    const ReadFile file(path);
-    if (!file.isOpen()) return "it cannot be opened: " + lastError();
+std::string whyNotLoadable(const ReadFile& file) {
     const std::string start = file.bytes(0, kMachineEnd);
     if (start.compare(0, SELFMAG, ELFMAG) != 0) return kNoObject;
     if (start.size() < kMachineEnd) return kTruncated;
@@ -143,6 +141,19 @@ std::string whyNotLoadable(const std::string& path) {
     std::string reason = whyOtherMachine(machineOf(bytesOf(start.data())), machineOf(bytesOf(&__ehdr_start)));
     if (!reason.empty()) return reason;
     return isTruncated(file) ? kTruncated : "";
+}
+
+}  // namespace
+
+std::string whyNotLoadable(const std::string& path) {
+    const ReadFile file(path);
+    if (!file.isOpen()) return "it cannot be opened: " + textOf(errno);
+    try {
+        return whyNotLoadable(file);
+    } catch (const std::system_error& error) {
+        const bool isFolder = error.code() == std::errc::is_a_directory;
+        return isFolder ? kNoObject : "it cannot be read: " + textOf(error.code().value());
+    }
 }
 
 }  // namespace vexa::standin
