@@ -11,16 +11,6 @@ constexpr char kOwner[] = "GNU";  // with its zero byte
 
 std::size_t padded(std::size_t size) { return (size + 3) / 4 * 4; }
 
-std::string hexOf(const unsigned char* bytes, std::size_t count) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (std::size_t i = 0; i != count; ++i) {
-        text += kDigits[bytes[i] / 16];
-        text += kDigits[bytes[i] % 16];
-    }
-    return text;
-}
-
 // Returns the build id among the notes from `begin` to `end`; empty if there is none.
 std::string buildIdIn(const unsigned char* begin, const unsigned char* end) {
     while (static_cast<std::size_t>(end - begin) > sizeof(ElfW(Nhdr))) {

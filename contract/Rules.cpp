@@ -239,7 +239,7 @@ const std::vector<Row>& catalogue() {
          "The host hangs until the command returns.",
          "Look at the last host call and at the text of the command. Usual causes are a missing closing quote, a loop "
          "that waits for more text, and a lock that is taken twice.",
-         "Never reported: there is no time limit."},
+         "Reported only with --timeout. The last host call is not named."},
         {"recording-not-replayable",
          kEntries,
          Error,

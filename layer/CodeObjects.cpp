@@ -33,16 +33,6 @@ bool isOfAddOn(const link_map* object) {
     return addOnObjects().count(object) != 0;
 }
 
-// An add-on may change the current folder, so a path must not depend on it.
-std::string pathOf(const link_map& map) {
-    std::array<char, PATH_MAX> path{};
-    if (*map.l_name == '\0') {
-        const ssize_t size = readlink("/proc/self/exe", path.data(), path.size());
-        return size < 0 ? "" : std::string(path.data(), static_cast<std::size_t>(size));
-    }
-    return realpath(map.l_name, path.data()) == nullptr ? map.l_name : path.data();
-}
-
 // The loader maps the headers of an object with its first segment.
 std::string buildIdOf(const dl_find_object& found) {
     const auto* const begin = static_cast<const unsigned char*>(found.dlfo_map_start);
@@ -55,6 +45,15 @@ std::string buildIdOf(const dl_find_object& found) {
 }
 
 }  // namespace
+
+std::string pathOf(const link_map& object) {
+    std::array<char, PATH_MAX> path{};
+    if (*object.l_name == '\0') {
+        const ssize_t size = readlink("/proc/self/exe", path.data(), path.size());
+        return size < 0 ? "" : std::string(path.data(), static_cast<std::size_t>(size));
+    }
+    return realpath(object.l_name, path.data()) == nullptr ? object.l_name : path.data();
+}
 
 void noteAddOnObject(const link_map* object) {
     const std::lock_guard<std::mutex> lock(theGuard);

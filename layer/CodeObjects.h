@@ -5,10 +5,14 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "contract/CodeStacks.h"
 
 namespace vexa::layer {
+
+/// Returns the path of \p object, which does not depend on the current folder.
+std::string pathOf(const link_map& object);
 
 /// Notes that the loader has mapped \p object, whose calls of the host are an add-on's.
 /// Threads: safe from any, as is forgetAddOnObject().

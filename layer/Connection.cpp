@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@ namespace vexa::layer {
 namespace {
 
 constexpr int kLeastDescriptor = 200;  // leaves the small numbers to the program
+constexpr time_t kSecondsToAnswer = 2;
 
 // Moves a descriptor away from the numbers that a program expects for its own files.
 int movedUp(int descriptor) {
@@ -32,6 +34,14 @@ bool connectTo(int descriptor, const std::string& path) {
         if (errno != EINTR) return false;
     }
     return true;
+}
+
+// Waits for the byte with which the other process answers.
+void awaitAnswer(int descriptor) {
+    const timeval limit{kSecondsToAnswer, 0};
+    syscall(SYS_setsockopt, descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    char byte = 0;
+    while (syscall(SYS_recvfrom, descriptor, &byte, 1, 0, nullptr, nullptr) < 0 && errno == EINTR) {}
 }
 
 bool isEndOfConnection(int error) { return error == EPIPE || error == ECONNRESET || error == ENOTCONN; }
@@ -61,6 +71,7 @@ bool Connection::open() {
     if (isOpen()) return true;
     const auto descriptor = static_cast<int>(syscall(SYS_socket, AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
     if (descriptor >= 0 && connectTo(descriptor, m_socket)) {
+        awaitAnswer(descriptor);
         const int moved = movedUp(descriptor);
         struct stat status {};
         fstat(moved, &status);

@@ -11,6 +11,9 @@ namespace vexa::layer {
 
 /// The connection to the process that started the program. Without that process, messages are dropped.
 ///
+/// The connection is open when that process has answered, or after a short time. So it can prepare to read the stack of
+/// this program before an add-on runs.
+///
 /// A send waits until there is room, so that a slow reader needs no memory. Every system call is made directly: the
 /// functions of the C library would be points at which the program may cancel a thread.
 /// Threads: safe from any.

@@ -123,6 +123,8 @@ void Layer::unloaded(const std::string& addOnId, bool hasShutdown) {
     if (!hasShutdown) sendEnd(thisThread(), entry);
 }
 
+void Layer::addOnMapped(const std::string& object) { send(Message_e::AddOnMapped, object); }
+
 void Layer::note(const std::string& text) { send(Message_e::Note, text); }
 
 std::string Layer::nameOf(const AddOnList_s* identity) const {

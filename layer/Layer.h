@@ -90,6 +90,9 @@ public:
     /// Ends the entries that an exception, a jump or the end of their thread has left.
     void closeLeftEntries();
 
+    /// Sends the path of an object whose calls of the host are an add-on's, before its code runs.
+    void addOnMapped(const std::string& object);
+
     /// Sends a text for the user.
     void note(const std::string& text);
 

@@ -75,6 +75,7 @@ void LoadedObjects::startAddOns() {
         object->isOfAddOn |= isAddOnHere;
         if (!object->isOfAddOn) continue;
         noteAddOnObject(object->map);
+        if (Layer* const layer = Layer::current()) layer->addOnMapped(pathOf(*object->map));
         ElfImage(*object->map).redirectImports(targetOf);
         if (void* const entry = entryOf(*object)) startAddOn(*object, entry);
     }

@@ -183,6 +183,7 @@ bool prepare(EventMessage& message) {
         case Message_e::CallBegan:
         case Message_e::CallEnded: message.content = CallEvent(); return true;
         case Message_e::FindingMade: message.content = Finding(); return true;
+        case Message_e::AddOnMapped:
         case Message_e::Note: message.content = std::string(); return true;
     }
     return false;

@@ -11,8 +11,8 @@
 
 namespace vexa::standin {
 
-/// What a message says.
-enum class Message_e : unsigned char { EntryBegan, EntryEnded, CallBegan, CallEnded, FindingMade, Note };
+/// What a message says. AddOnMapped has the path of an add-on, or of a library that an add-on loads; a note has a text.
+enum class Message_e : unsigned char { EntryBegan, EntryEnded, CallBegan, CallEnded, FindingMade, AddOnMapped, Note };
 
 /// An event of a host, or a text for the user, that one process sends to another.
 ///
@@ -20,8 +20,9 @@ enum class Message_e : unsigned char { EntryBegan, EntryEnded, CallBegan, CallEn
 /// left out.
 struct EventMessage {
     Message_e kind = Message_e::Note;
-    long thread = 0;                                                    ///< the kernel's id of the thread
-    std::variant<std::string, EntryEvent, CallEvent, Finding> content;  ///< according to the kind; a note has a text
+    long thread = 0;  ///< the kernel's id of the thread
+    std::variant<std::string, EntryEvent, CallEvent, Finding>
+        content;  ///< according to the kind: a path and a note are texts
 };
 
 /// A longer text in a message is cut. So each message fits the buffer of a socket.

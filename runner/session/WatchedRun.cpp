@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <memory>
+#include <optional>
 #include <system_error>
 
 #include "coverage/CoverageFile.h"
@@ -70,6 +71,7 @@ public:
         if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
         if (endedForWantOfReaders(outcome)) throw EndedBySignal{SIGPIPE};
         clearStatusOf(box);
+        if (outcome.end == End_e::Died) m_crash = crashOf(box, outcome);
         m_status = m_run.judge(box, outcome);
     }
     void killed(std::size_t index, const ProcessBox& box, int signal) override {
@@ -88,22 +90,25 @@ private:
         try {
             runInProcesses(signals, 1, setting, *this);
         } catch (const EndedBySignal&) {
-            cutOpenTraces();
+            completeOpenTraces();
             throw;
         } catch (const std::system_error&) {  // its process was killed
             cutTraces(m_options.trace);
             throw;
         }
-        cutOpenTraces();
+        completeOpenTraces();
     }
 
     // Call it when the process has ended.
-    void cutOpenTraces() const {
-        if (m_areTracesOpen) cutTraces(m_options.trace);
+    void completeOpenTraces() const {
+        if (!m_areTracesOpen) return;
+        cutTraces(m_options.trace);
+        if (m_crash) addToTraces(m_options.trace, *m_crash);
     }
 
     const RunOptions& m_options;
     bool m_areTracesOpen = false;
+    std::optional<Crash> m_crash;
     std::unique_ptr<LiveFile> m_results;
     WatchedRun m_run;
     ProblemOutputs m_problems;

@@ -19,6 +19,7 @@
 #include <string>
 #include <utility>
 
+#include "stacks/OwnCode.h"
 #include "stacks/PackedStacks.h"
 #include "stacks/Registers.h"
 #include "stacks/Symbols.h"
@@ -116,14 +117,11 @@ std::string helpersText(pid_t process, const Descriptor& memory, const std::vect
     return text;
 }
 
-// Functions of the system's headers are inlined into add-ons.
-bool isFromSystem(const Frame& frame) { return frame.file.rfind("/usr/", 0) == 0; }
-
 void findOwnFrames(ThreadStack& stack, const IsOfAddOn& isOfAddOn) {
     for (std::size_t i = 0; i != stack.frames.size(); ++i) {
         const std::string& object = stack.frames[i].object;
-        if (object.empty() || !isOfAddOn(object)) continue;
-        if (!stack.hasOwn() || isFromSystem(stack.frames[stack.ownBegin])) stack.ownBegin = i;
+        if (object.empty() || isSharedLibrary(object) || !isOfAddOn(object)) continue;
+        if (!stack.hasOwn() || isForeignSource(stack.frames[stack.ownBegin])) stack.ownBegin = i;
         stack.ownEnd = i + 1;
     }
 }

@@ -1,50 +1,22 @@
 #include "stacks/SourceFinder.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "stacks/OwnCode.h"
 #include "stacks/StackText.h"
-#include "text/StartsWith.h"
 
 namespace vexa::runner {
 namespace {
 
 using standin::CodePlace;
 
-// The libraries that add-ons share. An add-on may bring its own copies.
-constexpr std::string_view kLibrary = "libvexautilutil_utils.so";
-constexpr std::string_view kClassLibraries = "libvexahostlibs.so";
-constexpr std::array<std::string_view, 12> kSharedLibraries = {
-    kLibrary,       kClassLibraries, "libvexastandin.so", "libvexalayer.so", "libstdc++.so",  "libc++.so",
-    "libc++abi.so", "libgcc_s.so",   "libc.so",           "libm.so",         "libpthread.so", "libdl.so"};
-
-// Parts of the paths of headers whose inline functions are compiled into add-ons.
-constexpr std::array<std::string_view, 5> kForeignSources = {"/usr/include/", "/usr/lib/", "/include/vexautilutil/",
-                                                             "/include/vexa/", "/include/c++/"};
-
-bool isNamedAs(const std::string& object, std::string_view library) {
-    return startsWith(std::string_view(object).substr(object.rfind('/') + 1), library);
-}
-
 // Returns true for code of the add-on itself.
-bool isOwn(const CodePlace& place) {
-    return place.isAddOn && std::none_of(kSharedLibraries.begin(), kSharedLibraries.end(),
-                                         [&](std::string_view library) { return isNamedAs(place.object, library); });
-}
+bool isOwn(const CodePlace& place) { return place.isAddOn && !isSharedLibrary(place.object); }
 
 // Returns true for code of the add-on, and of the libraries through which it calls the host.
-bool isOutsideHost(const CodePlace& place) {
-    return isOwn(place) || isNamedAs(place.object, kLibrary) || isNamedAs(place.object, kClassLibraries);
-}
-
-bool isOwnSource(const Frame& frame) {
-    return frame.line != 0 && std::none_of(kForeignSources.begin(), kForeignSources.end(), [&](std::string_view part) {
-               return frame.file.find(part) != std::string::npos;
-           });
-}
+bool isOutsideHost(const CodePlace& place) { return isOwn(place) || isBetweenAddOnAndHost(place.object); }
 
 std::string withoutLastLineFeed(std::string text) {
     if (!text.empty()) text.pop_back();

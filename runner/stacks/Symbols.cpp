@@ -10,30 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include "contract/BuildId.h"
+#include "stacks/DwflSession.h"
 #include "system/files/ElfFile.h"
 
 namespace vexa::runner {
 namespace {
 
-// libdwfl takes a pointer to a name of its own.
-char* theDebugPath = nullptr;
-
 constexpr Dwfl_Callbacks kCallbacks = {dwfl_build_id_find_elf, dwfl_standard_find_debuginfo,
-                                       dwfl_offline_section_address, &theDebugPath};
-
-struct EndSession {
-    void operator()(Dwfl* session) const { dwfl_end(session); }
-};
-
-std::string hexOf(const unsigned char* bytes, int count) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (int i = 0; i < count; ++i) {
-        text += kDigits[bytes[i] / 16];
-        text += kDigits[bytes[i] % 16];
-    }
-    return text;
-}
+                                       dwfl_offline_section_address, &DwflSession::debugPath};
 
 bool hasCode(int tag) {
     return tag == DW_TAG_subprogram || tag == DW_TAG_inlined_subroutine || tag == DW_TAG_lexical_block;
@@ -118,7 +103,8 @@ public:
         const unsigned char* bytes = nullptr;
         GElf_Addr address = 0;
         const int count = dwfl_module_build_id(m_module, &bytes, &address);
-        return buildId.empty() || hexOf(bytes, count) == buildId;
+        if (buildId.empty()) return true;
+        return count > 0 && standin::hexOf(bytes, static_cast<std::size_t>(count)) == buildId;
     }
 
     // Returns the frames by debug information; none if there is none for this place.
@@ -178,7 +164,7 @@ private:
         return dwarf_entrypc(&function, &begin) == 0 && begin <= address ? address - begin : 0;
     }
 
-    std::unique_ptr<Dwfl, EndSession> m_session;
+    DwflSession::Owner m_session;
     Dwfl_Module* m_module = nullptr;  // null if the file cannot be read
     GElf_Addr m_begin = 0;            // where libdwfl put the object
 };

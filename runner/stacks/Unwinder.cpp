@@ -9,6 +9,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "stacks/DwflSession.h"
+
 namespace vexa::runner {
 namespace {
 
@@ -16,9 +18,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kMostFrames = 64;
 constexpr std::chrono::milliseconds kTimeToCount{300};
-
-// libdwfl takes a pointer to a name of its own.
-char* theDebugPath = nullptr;
 
 // The object that the system adds to each process has no file. This process has the same one.
 Elf* systemObject() {
@@ -41,11 +40,7 @@ int findObject(Dwfl_Module* module, void** data, const char* name, Dwarf_Addr ba
     return -1;
 }
 
-constexpr Dwfl_Callbacks kCallbacks = {findObject, dwfl_standard_find_debuginfo, nullptr, &theDebugPath};
-
-struct EndSession {
-    void operator()(Dwfl* session) const { dwfl_end(session); }
-};
+constexpr Dwfl_Callbacks kCallbacks = {findObject, dwfl_standard_find_debuginfo, nullptr, &DwflSession::debugPath};
 
 }  // namespace
 
@@ -142,7 +137,7 @@ private:
                                                        setRegisters, nullptr,    nullptr};
 
     const Descriptor& m_memory;
-    std::unique_ptr<Dwfl, EndSession> m_session;
+    DwflSession::Owner m_session;
     Registers m_registers;
     CodePlaces m_found;
     Clock::time_point m_end;

@@ -151,6 +151,13 @@ void EventTrace::statusChanged(const StatusLine& line) {
     });
 }
 
+void EventTrace::crashed(const Crash& crash) {
+    write([&] {
+        m_text.event("i", "crash", "crash", EventThread::current(), std::chrono::steady_clock::now());
+        m_text.member("s", "p").json("args", crashArguments(crash)).close();
+    });
+}
+
 void EventTrace::finish(int exitStatus, const std::string& outcome) {
     m_file.finish([&](LiveFile& file) {
         writeEnd(exitStatus, outcome);

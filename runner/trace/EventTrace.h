@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "trace/CrashEvent.h"
 #include "trace/EventText.h"
 #include "trace/ScopeTracks.h"
 #include "trace/TraceFile.h"
@@ -43,6 +44,9 @@ public:
     void callEnded(const standin::CallEvent& call) override;
     void findingMade(const standin::Finding& finding) override;
     void statusChanged(const standin::StatusLine& line) override;
+
+    /// Writes how a process that ran add-ons has ended.
+    void crashed(const Crash& crash);
 
     /// Ends the open spans and writes how the run ended. Later events are ignored.
     void finish(int exitStatus, const std::string& outcome);

@@ -35,6 +35,10 @@ void cutTraces(const TraceOptions& options) {
     }
 }
 
+void addToTraces(const TraceOptions& options, const Crash& crash) {
+    if (options.events && !isStream(*options.events)) appendCrash(*options.events, crash);
+}
+
 void TraceOutputs::open(const TraceOptions& options, Append_e how) {
     if (options.events) m_traces.push_back(&m_events.emplace(*options.events, options.facts, how));
     if (options.text) m_traces.push_back(&m_text.emplace(*options.text, how));

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "options/Command.h"
+#include "trace/CrashEvent.h"
 #include "trace/EventTrace.h"
 #include "trace/TextTrace.h"
 
@@ -23,6 +24,9 @@ void addTraceOptions(Command& command, TraceOptions& options);
 /// Gives the traces that a killed process has written the length of their text.
 void cutTraces(const TraceOptions& options);
 
+/// Adds \p crash to the trace events that a process has written, after cutTraces().
+void addToTraces(const TraceOptions& options, const Crash& crash);
+
 /// The traces of a run: an observer that passes every event on to each of them.
 ///
 /// Threads: as an observer.
@@ -36,6 +40,10 @@ public:
     void add(standin::ObserverInterface& observer) { m_traces.push_back(&observer); }
     /// The observer of the run; null if there is nothing to pass events to.
     standin::ObserverInterface* observer();
+    /// Adds how a process of the run has ended.
+    void crashed(const Crash& crash) {
+        if (m_events) m_events->crashed(crash);
+    }
     /// Ends the traces. Call it once, after all add-ons are unloaded. Reports a trace that could not be written.
     /// \return \p status; ExitStatus_e::BadUsageOrInput if a trace could not be written.
     ExitStatus_e finish(ExitStatus_e status) { return finish(status, meaningOf(status)); }

@@ -78,6 +78,17 @@ void checkFinding(const Json& facts) {
     checkPlace(facts.at("seen"));
 }
 
+// The page uses the facts of a crash unchecked.
+void checkCrash(const Json& facts) {
+    for (const char* name : {"message", "fault", "problem"}) (void)facts.at(name).get<std::string>();
+    integerIn(facts.at("signal"));
+    (void)facts.at("stack").get_ref<const Json::array_t&>();
+    (void)facts.at("stack").get<std::vector<std::string>>();
+    if (!facts.contains("source")) return;
+    for (const char* name : {"function", "file", "text"}) (void)facts.at("source").at(name).get<std::string>();
+    countIn(facts.at("source").at("line"));
+}
+
 // Turns the JSON events of a trace into calls of a visitor.
 class EventReader {
 public:
@@ -200,6 +211,9 @@ private:
         if (event.at("cat") == "finding") {
             checkFinding(facts);
             m_visitor.findingMade({trackOf(event), time, facts.at("rule"), facts.dump()});
+        } else if (event.at("cat") == "crash") {
+            checkCrash(facts);
+            m_visitor.crashed({facts.at("message"), facts.dump()});
         } else {
             m_outcome = {integerIn(facts.at("exitStatus")), facts.at("outcome")};
         }

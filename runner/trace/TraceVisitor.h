@@ -27,6 +27,7 @@ public:
     /// first.
     virtual void spanEnded(std::size_t index, const TracedSpan& span, const TracedEntry* entry) = 0;
     virtual void findingMade(const TracedFinding& finding) = 0;
+    virtual void crashed(const TracedCrash& crash) = 0;
     virtual void percentChanged(std::int64_t time, std::int64_t percent) = 0;
     /// Called last. \p outcome is empty if the trace ends before the run.
     virtual void runEnded(std::int64_t end, const std::optional<TracedOutcome>& outcome) = 0;

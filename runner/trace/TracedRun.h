@@ -55,6 +55,12 @@ struct TracedFinding {
     std::string facts;  ///< the fields of a Finding, and the hint, as a JSON object
 };
 
+/// How the process of the add-ons ended, if the process that watched it knows.
+struct TracedCrash {
+    std::string message;
+    std::string facts;  ///< the arguments of the event as a JSON object; see the page about traces
+};
+
 /// How a run ended.
 struct TracedOutcome {
     std::int64_t exitStatus = 0;
@@ -79,6 +85,7 @@ struct TracedRun : TracedFacts {
     std::vector<TracedSpan> spans;  ///< in the order of their starts
     std::vector<TracedEntry> entries;
     std::vector<TracedFinding> findings;
+    std::vector<TracedCrash> crashes;
     std::vector<std::pair<std::int64_t, std::int64_t>> percents;  ///< of the status line: times and percentages
 };
 

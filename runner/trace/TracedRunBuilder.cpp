@@ -25,6 +25,8 @@ void TracedRunBuilder::spanEnded(std::size_t index, const TracedSpan& span, cons
 
 void TracedRunBuilder::findingMade(const TracedFinding& finding) { m_run.findings.push_back(finding); }
 
+void TracedRunBuilder::crashed(const TracedCrash& crash) { m_run.crashes.push_back(crash); }
+
 void TracedRunBuilder::percentChanged(std::int64_t time, std::int64_t percent) {
     m_run.percents.emplace_back(time, percent);
 }

@@ -12,6 +12,7 @@ public:
     void spanBegan(std::size_t index, const TracedSpan& span, const TracedEntry* entry) override;
     void spanEnded(std::size_t index, const TracedSpan& span, const TracedEntry* entry) override;
     void findingMade(const TracedFinding& finding) override;
+    void crashed(const TracedCrash& crash) override;
     void percentChanged(std::int64_t time, std::int64_t percent) override;
     void runEnded(std::int64_t end, const std::optional<TracedOutcome>& outcome) override;
 

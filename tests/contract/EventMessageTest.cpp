@@ -72,6 +72,11 @@ TEST(EventMessage, KeepsANote) {
     EXPECT_EQ(std::get<std::string>(message.content), std::string("a\0b", 3));
 }
 
+TEST(EventMessage, KeepsThePathOfAnAddOn) {
+    const EventMessage message = sent({Message_e::AddOnMapped, 1, std::string("/a b/stats.so")});
+    EXPECT_EQ(std::get<std::string>(message.content), "/a b/stats.so");
+}
+
 TEST(EventMessage, CutsALongText) {
     const EventMessage message = sent({Message_e::Note, 1, std::string(kLongestText + 1, 'x')});
     EXPECT_EQ(std::get<std::string>(message.content), std::string(kLongestText, 'x'));

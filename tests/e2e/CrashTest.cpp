@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "CrashingAddOns.h"
 #include "RunnerTest.h"
 
 namespace vexa::e2e {
@@ -10,30 +11,6 @@ namespace {
 
 using nlohmann::json;
 using Words = std::vector<std::string>;
-
-const char* const kAddOns[] = {CRASHING_ADDONS};
-
-// The line of the add-on's source with the comment `[MARK]`.
-std::size_t lineOf(const std::string& mark) {
-    std::ifstream source(CRASHING_SOURCE);
-    std::string line;
-    for (std::size_t number = 1; std::getline(source, line); ++number) {
-        if (line.find("// [" + mark + ']') != std::string::npos) return number;
-    }
-    return 0;
-}
-
-bool hasLines(const std::string& addOn) { return addOn.find("-lines.so") != std::string::npos; }
-
-std::string addOnWithLines() { return *std::find_if(std::begin(kAddOns), std::end(kAddOns), hasLines); }
-
-bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
-
-// How a place in the add-on looks in a stack.
-std::string placeText(const std::string& addOn, const std::string& mark, const std::string& function) {
-    if (!hasLines(addOn)) return "crashing::" + function + "+0x";
-    return "CrashingAddOn.cpp:" + std::to_string(lineOf(mark)) + ", in crashing::" + function;
-}
 
 class Crash : public RunnerTest {
 protected:
@@ -63,9 +40,7 @@ class CrashOf : public Crash, public testing::WithParamInterface<const char*> {
 protected:
     void expectPlace(const std::string& text, const std::string& mark, const std::string& function) const {
         const std::string place = placeText(GetParam(), mark, function);
-        const std::size_t at = text.find("    at:    ");
-        ASSERT_NE(at, std::string::npos) << text;
-        const std::string line = text.substr(at, text.find('\n', at) + 1 - at);
+        const std::string line = ownPlaceIn(text);
         EXPECT_TRUE(contains(line, place)) << text << "expected: " << place;
         EXPECT_EQ(contains(text, "    hint:  Compile the add-on with -g"), !hasLines(GetParam())) << text;
     }
@@ -119,13 +94,8 @@ TEST_P(CrashOf, ShowsTheThreadThatCrashed) {
     EXPECT_FALSE(contains(result.err, "    stack:\n")) << "the first thread only waits";
 }
 
-std::string nameOf(const testing::TestParamInfo<const char*>& info) {
-    std::string name = std::filesystem::path(info.param).stem().string();
-    name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Compiled, CrashOf, testing::ValuesIn(kAddOns), nameOf);
+INSTANTIATE_TEST_SUITE_P(Compiled, CrashOf, testing::ValuesIn(kCrashingAddOns),
+                         [](const auto& test) { return testNameOf(test.param); });
 
 TEST_F(Crash, IsNoneIfTheAddOnHandlesTheSignal) {
     const ProgramResult result = run("handle", addOnWithLines());
@@ -227,6 +197,19 @@ TEST_F(Crash, HasTheStacksOfAHangInTheResults) {
     EXPECT_EQ(stacks.at("threads").size(), 2U);
 }
 
+TEST_F(Crash, IsInTheTraceAndTheFirstFindingOfItsReport) {
+    run("segv", addOnWithLines(), {"--trace", "t.json"});
+    const std::string trace = read("t.json");
+    const json event = json::parse(trace.substr(trace.rfind('\n') + 1));
+    EXPECT_EQ(event.at("cat"), "crash");
+    EXPECT_EQ(event.at("args").at("signal"), SIGSEGV);
+    EXPECT_EQ(event.at("args").at("source").at("line"), lineOf("segv"));
+    EXPECT_EQ(runProgram(runner({"report", "t.json", "-o", "t.html"})).status, 0);
+    EXPECT_TRUE(contains(read("t.html"), placeText(addOnWithLines(), "segv", "writeToBadAddress")));
+    EXPECT_EQ(runProgram(runner({"diff", "t.json", "t.json"})).status, 0);
+    EXPECT_EQ(runProgram(runner({"coverage", "t.json"})).status, 0);
+}
+
 TEST_F(Crash, PutsTheLineOfTheSourceIntoSarif) {
     for (const std::string way : {"segv", "hang"}) {
         SCOPED_TRACE(way);
@@ -242,7 +225,7 @@ TEST_F(Crash, PutsTheLineOfTheSourceIntoSarif) {
 }
 
 TEST_F(Crash, LeavesTheMacroAsThePlaceInSarifWithoutDebugInformation) {
-    const auto* const plain = std::find_if_not(std::begin(kAddOns), std::end(kAddOns), hasLines);
+    const auto* const plain = std::find_if_not(std::begin(kCrashingAddOns), std::end(kCrashingAddOns), hasLines);
     run("segv", *plain, {"--sarif", "s.sarif"});
     const json result = json::parse(read("s.sarif")).at("runs").at(0).at("results").at(0);
     EXPECT_EQ(result.at("locations").at(0).at("physicalLocation").at("artifactLocation").at("uri"), "m.macro");

@@ -167,6 +167,39 @@ TEST_P(SourceLines, AreInTheResultsForPrograms) {
     EXPECT_EQ(related.at("artifactLocation").at("uri"), "m.macro");
 }
 
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+TEST_P(SourceLines, AreNamedByATestOfMacrosAndItsReports) {
+    write("m.macro", "MARKED LOCK\n");
+    const ProgramResult result = runProgram(
+        runner({"test", "m.macro", "--addon", GetParam(), "--strict", "--junit", "j.xml", "--annotate", "github"}));
+    EXPECT_EQ(result.status, 1);
+    expectPlaces(result.out, kBreaches[0]);
+    EXPECT_EQ(contains(read("j.xml"), "at " + placeOf("lock") + ", in "), hasLines()) << read("j.xml");
+    const std::size_t line = placeOf("lock").rfind(':');
+    const std::string inSource =
+        "::error file=" + placeOf("lock").replace(line, 1, ",line=") + ",title=unbalanced-lock";
+    const std::string inMacro = "::error file=m.macro,line=1,title=unbalanced-lock";
+    EXPECT_TRUE(contains(result.out, hasLines() ? inSource : inMacro)) << result.out;
+}
+
+TEST_P(SourceLines, AreNamedByACheck) {
+    write("m.macro", "MARKED LOCK\n");
+    const ProgramResult result =
+        runProgram(runner({"check", GetParam(), "--macro", "m.macro", "--only", "commands-in-order"}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(contains(result.out, "at " + placeOf("lock") + ", in "), hasLines()) << result.out;
+    EXPECT_EQ(contains(result.out, "at " + placeOf("execute") + ", in "), hasLines()) << result.out;
+}
+
+TEST_P(SourceLines, AreNamedInTheConsole) {
+    Program console = runner({"repl", "--addon", GetParam()});
+    console.input = "MARKED LOCK\nMARKED FAIL\n";
+    const std::string err = runProgram(console).err;
+    expectPlaces(err, kBreaches[0]);
+    EXPECT_EQ(contains(err, "MARKED: there is no such zone\n    at " + placeOf("fail") + ", in "), hasLines()) << err;
+}
+
 INSTANTIATE_TEST_SUITE_P(Variants, SourceLines, testing::ValuesIn(kAddOns), variantOf);
 
 }  // namespace

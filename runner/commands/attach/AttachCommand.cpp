@@ -29,6 +29,7 @@ Example:
 
 Exit status:
   that of the program; 128 and the number of the signal that ended it
+  4    a command exceeded its time limit
   2    wrong usage; the program cannot be started, or the layer cannot be loaded
        into it; a file could not be read or written
   3    with --strict: an add-on broke the host's contract)";
@@ -55,6 +56,7 @@ void checkFiles(const AttachOptions& options, const std::string& program) {
 void completeFacts(AttachOptions& options) {
     RunFacts& facts = options.trace.facts;
     facts.isStrict = options.contract.isStrict();
+    facts.hasTimeLimit = options.contract.timeout.has_value();
     facts.suppressed = options.contract.suppressed;
 }
 
@@ -64,7 +66,9 @@ ExitStatus_e refuse(const std::string& name, const std::string& why) {
 }
 
 ExitStatus_e attach(AttachOptions& options) {
+    const auto timeout = options.contract.timeout;
     if (!addProjectFile(options.contract)) return ExitStatus_e::BadUsageOrInput;
+    options.contract.timeout = timeout;  // the limit of the project file is not meant for a whole program
     const std::string& name = options.program.front();
     const std::string file = findProgram(name);
     if (file.empty()) return refuse(name, "no such program in the folders of PATH");
@@ -92,6 +96,7 @@ Command attachCommand() {
     addStrictOptions(command, options->contract);
     addSuppressOptions(command, options->contract);
     addStacksOption(command, options->contract);
+    addTimeoutOption(command, options->contract);
     addTraceOptions(command, options->trace);
     command.add(option({"--log"}, "FILE", "Write findings to a file", &options->log));
     command.add(

@@ -5,11 +5,15 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <set>
 #include <string_view>
 #include <utility>
 
 #include "commands/attach/LayerEvents.h"
 #include "contract/messages/LayerVariables.h"
+#include "session/watch/Death.h"
+#include "session/watch/TimeSteps.h"
+#include "session/watch/WatchedStacks.h"
 #include "system/files/LiveFile.h"
 #include "system/processes/AwaitedSignals.h"
 #include "system/processes/MessageSocket.h"
@@ -19,6 +23,8 @@
 
 namespace vexa::runner {
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kTimeForLastMessages{2};
 constexpr const char* kAuditVariable = "LD_AUDIT";
@@ -39,6 +45,11 @@ private:
     LiveFile m_file;
 };
 
+std::optional<Clock::duration> limitOf(const AttachOptions& options) {
+    if (!options.contract.timeout) return std::nullopt;
+    return std::chrono::duration_cast<Clock::duration>(*options.contract.timeout);
+}
+
 std::vector<std::pair<std::string, std::string>> variablesOf(const AttachOptions& options, const std::string& layer,
                                                              const std::string& socket) {
     const std::string_view others = environment(kAuditVariable);
@@ -50,17 +61,19 @@ std::vector<std::pair<std::string, std::string>> variablesOf(const AttachOptions
     return variables;
 }
 
+std::string signalText(int signal) { return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ')'; }
+
 std::string outcomeOf(int waitStatus) {
     if (WIFSIGNALED(waitStatus)) {
-        const int signal = WTERMSIG(waitStatus);
-        return "the program was ended by signal " + std::to_string(signal) + " (" + strsignal(signal) + ')';
+        return "the program was ended by " + signalText(WTERMSIG(waitStatus));
     }
     return "the program ended with status " + std::to_string(WEXITSTATUS(waitStatus));
 }
 
 class AttachedRun {
 public:
-    AttachedRun(const AttachOptions& options, const std::string& file, const std::string& layer) {
+    AttachedRun(const AttachOptions& options, const std::string& file, const std::string& layer)
+        : m_limit(limitOf(options)), m_showsWholeStacks(options.contract.showsStacks) {
         m_traces.open(options.trace);
         m_events.emplace(options.contract, m_traces.observer());
         m_program.emplace(file, options.program, variablesOf(options, layer, m_socket.path()), m_signals.before());
@@ -68,18 +81,44 @@ public:
 
     ExitStatus_e finish() {
         while (!m_end) {
-            m_socket.wait(m_signals.descriptor());
+            wait();
             receive();
             handleSignals();
+            if (m_limit) endLateWork();
         }
         receiveRest();
         m_events->finish();
         const std::string outcome = outcomeOf(*m_end);
-        if (WIFSIGNALED(*m_end)) tellDeath(outcome);
+        tellDeaths(outcome);
         return m_traces.finish(status(), outcome);
     }
 
 private:
+    void wait() {
+        if (!m_limit) return m_socket.wait(m_signals.descriptor());
+        const Clock::time_point begin = Clock::now();
+        m_socket.wait(m_signals.descriptor(), kTimeStep);
+        const Clock::duration time = Clock::now() - begin;
+        if (time > kLongestTimeStep) m_events->forgive(time - kLongestTimeStep);
+    }
+
+    // The program that was started may be a script, which goes on.
+    void endLateWork() {
+        const auto thread = m_events->reportLate(*m_limit);
+        if (!thread) return;
+        m_isLate = true;
+        const pid_t process = processOfThread(static_cast<pid_t>(*thread));
+        if (process == 0) return;
+        tellStacks(shown(m_stacks.ofHang(process, 0)));
+        m_killed.insert(process);
+        kill(process, SIGKILL);
+    }
+
+    StackReport shown(StackReport report) const {
+        report.isWhole = m_showsWholeStacks;
+        return report;
+    }
+
     bool receive() {
         return m_socket.receive([this](std::string_view message) { m_events->take(message); });
     }
@@ -94,7 +133,9 @@ private:
     void handleSignals() {
         while (const auto signal = m_signals.next()) {
             if (*signal == SIGTERM || *signal == SIGHUP) m_program->send(*signal);
-            if (*signal == SIGCHLD) handleChange();
+            if (*signal != SIGCHLD) continue;
+            m_stacks.attend();
+            handleChange();
         }
     }
 
@@ -102,31 +143,53 @@ private:
     void handleChange() {
         while (const auto change = m_program->change()) {
             if (WIFSTOPPED(*change)) {
-                raise(SIGSTOP);
+                stop(m_program->id());
             } else {
                 m_end = *change;
             }
         }
     }
 
-    void tellDeath(const std::string& outcome) const {
+    void stop(pid_t process) const {
+        if (process == m_program->id()) raise(SIGSTOP);
+    }
+
+    void tellDeaths(const std::string& outcome) {
+        const pid_t program = m_program->id();
+        if (WIFSIGNALED(*m_end) && m_killed.count(program) == 0) tellDeath(outcome, m_stacks.ofEnd(program, *m_end));
+        for (const auto& [process, stacks] : m_stacks.ends()) {
+            if (process == program) continue;
+            tellDeath("a process of the program was ended by " + signalText(stacks.signal), stacks);
+        }
+    }
+
+    void tellDeath(const std::string& outcome, const StackReport& stacks) {
+        m_traces.crashed({outcome, stacks});
         std::string text = outcome;
         for (const std::string& work : m_events->unfinished()) text += "\nin " + work;
         tell(kProgramName, text);
+        tellStacks(shown(stacks));
     }
 
     ExitStatus_e status() const {
+        if (m_isLate) return ExitStatus_e::CommandHung;
         if (m_events->isContractBroken()) return ExitStatus_e::ContractViolated;
         const int ended = WIFSIGNALED(*m_end) ? kKilledBySignal + WTERMSIG(*m_end) : WEXITSTATUS(*m_end);
         return static_cast<ExitStatus_e>(ended);
     }
 
+    const std::optional<Clock::duration> m_limit;
+    const bool m_showsWholeStacks;
     AwaitedSignals m_signals;
-    MessageSocket m_socket;
+    WatchedStacks m_stacks{[this](const std::string& object) { return m_events->isOfAddOn(object); },
+                           [this](pid_t process) { stop(process); }};
+    MessageSocket m_socket{[this](pid_t process) { m_stacks.watch(process); }};
     TraceOutputs m_traces;
     std::optional<LayerEvents> m_events;
     std::optional<StartedProgram> m_program;
     std::optional<int> m_end;  // as from waitpid()
+    std::set<pid_t> m_killed;  // because of the time limit
+    bool m_isLate = false;
 };
 
 }  // namespace

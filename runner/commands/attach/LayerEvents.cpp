@@ -4,10 +4,23 @@
 #include <utility>
 #include <variant>
 
+#include "session/watch/Death.h"
 #include "terminal/Console.h"
 #include "trace/EventThread.h"
 
 namespace vexa::runner {
+namespace {
+
+std::string workOf(const standin::EntryEvent& entry) {
+    switch (entry.kind) {
+        case standin::Entry_e::Loading: return "loading of " + entry.addOnId;
+        case standin::Entry_e::Unloading: return "unloading of " + entry.addOnId;
+        case standin::Entry_e::Command: break;
+    }
+    return entry.addOnId + ' ' + entry.command;
+}
+
+}  // namespace
 
 using standin::CallEvent;
 using standin::Entry_e;
@@ -38,6 +51,7 @@ void LayerEvents::take(std::string_view bytes) {
             m_sources.complete(finding);
             return takeFinding(message->thread, finding);
         }
+        case Message_e::AddOnMapped: m_addOnObjects.insert(std::get<std::string>(message->content)); return;
         case Message_e::Note: return tell(kProgramName, std::get<std::string>(message->content));
     }
 }
@@ -46,7 +60,7 @@ void LayerEvents::takeEntry(const EventMessage& message) {
     const auto& entry = std::get<EntryEvent>(message.content);
     if (message.kind == Message_e::EntryBegan) {
         m_wasAddOnLoaded = true;
-        m_entries[message.thread].push_back({entry, {}});
+        m_entries[message.thread].push_back({entry, Clock::now(), {}});
         if (m_traces != nullptr) m_traces->entryBegan(entry);
     } else {
         endEntry(message.thread, entry);
@@ -111,15 +125,31 @@ std::vector<std::string> LayerEvents::unfinished() const {
     std::vector<std::string> works;
     for (const auto& [thread, entries] : m_entries) {
         const EntryEvent& entry = entries.back().event;
-        switch (entry.kind) {
-            case Entry_e::Loading: works.push_back("loading of " + entry.addOnId); break;
-            case Entry_e::Command:
-                works.push_back(entry.macroLine + ", \"" + entry.addOnId + ' ' + entry.command + '"');
-                break;
-            case Entry_e::Unloading: works.push_back("unloading of " + entry.addOnId); break;
-        }
+        const bool isCommand = entry.kind == Entry_e::Command;
+        works.push_back(isCommand ? entry.macroLine + ", \"" + workOf(entry) + '"' : workOf(entry));
     }
     return works;
+}
+
+std::optional<long> LayerEvents::reportLate(Clock::duration limit) {
+    const Clock::time_point now = Clock::now();
+    const auto late = std::find_if(m_entries.begin(), m_entries.end(),
+                                   [&](const auto& entries) { return now - entries.second.front().began > limit; });
+    if (late == m_entries.end()) return std::nullopt;
+    const auto [thread, entries] = *late;
+    m_entries.erase(late);
+    const EntryEvent& event = entries.front().event;
+    const Finding finding =
+        hangFinding({0, "", workOf(event), event.macroLine, static_cast<std::size_t>(event.threadNumber)}, limit);
+    if (m_traces != nullptr) m_traces->findingMade(finding);
+    report(finding);
+    return thread;
+}
+
+void LayerEvents::forgive(Clock::duration time) {
+    for (auto& [thread, entries] : m_entries) {
+        for (OpenEntry& entry : entries) entry.began += time;
+    }
 }
 
 }  // namespace vexa::runner

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,14 +31,27 @@ public:
     void finish();
 
     bool wasAddOnLoaded() const { return m_wasAddOnLoaded; }
+    /// Returns true if the host has loaded the file as an add-on, or as a library for an add-on.
+    bool isOfAddOn(const std::string& object) const { return m_addOnObjects.count(object) != 0; }
     bool isContractBroken() const { return runner::isContractBroken(m_host, m_options); }
     /// What add-ons were doing when the messages ended, a text each.
     std::vector<std::string> unfinished() const;
+
+    /// \name The time limit of what add-ons do
+    /// @{
+    using Clock = std::chrono::steady_clock;
+    /// Reports a command, loading or unloading that takes longer than \p limit.
+    /// \return its thread, whose work is no longer unfinished; nothing if there is none.
+    std::optional<long> reportLate(Clock::duration limit);
+    /// Does not count \p time, in which nobody could receive messages.
+    void forgive(Clock::duration time);
+    /// @}
 
 private:
     // An entry into an add-on, and the findings about it that wait for the add-on's id.
     struct OpenEntry {
         standin::EntryEvent event;
+        Clock::time_point began;
         std::vector<standin::Finding> findings;
     };
 
@@ -52,6 +68,7 @@ private:
     FindingPrinter m_printer;
     std::map<long, std::vector<OpenEntry>> m_entries;  // by thread
     StatusCalls m_status;
+    std::set<std::string> m_addOnObjects;  // paths
     bool m_wasAddOnLoaded = false;
 };
 

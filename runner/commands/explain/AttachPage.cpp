@@ -38,7 +38,8 @@ be a script that starts the host. The runner then watches every host that the sc
 | `--strict`             | A finding with severity error makes the exit status 3.                                     |
 | `--warnings-as-errors` | A finding of any severity makes the exit status 3.                                         |
 | `--suppress RULE`      | Ignore findings of this rule.                                                              |
-| `--stacks`             | Show the whole stacks of both places of a finding.                                         |
+| `--stacks`             | Show the whole stacks of findings, crashes and hangs.                                      |
+| `--timeout SECONDS`    | End the host if a command, or the loading or unloading of an add-on, takes longer.         |
 | `--no-project-file`    | Do not read the project file `vexa-standin.toml`. Its time limit has no effect here.       |
 | `--log FILE`           | Write findings and notes to a file, for a program that needs the terminal for itself.      |
 | `--trace FILE`         | Write every call as [a trace event](trace.md). `vexa-standin report` makes a page of them. |
@@ -46,8 +47,20 @@ be a script that starts the host. The runner then watches every host that the sc
 | `--entry NAME`         | The function that the host asks add-ons for. The default is `vexaAddOn`.                   |
 
 The exit status is that of the program, or 128 and the number of the signal that ended it. It is 3 if `--strict` is
-given and an add-on broke the contract, and 2 if the runner could not start the program or write a file. A program that
-loads no add-on is not checked; the runner says so.
+given and an add-on broke the contract, 4 if `--timeout` ended a host, and 2 if the runner could not start the program
+or write a file. A program that loads no add-on is not checked; the runner says so.
+
+## Crashes and hangs
+
+If a signal ends a host in which an add-on is loaded, the runner names the signal, the work of the add-ons, the line of
+the add-on's source and the stack, as [after a crash in a run](crashes.md). After the time limit it shows the stacks of
+all threads. To see a crash, the runner traces the host with `ptrace` from the loading of the first add-on on. If the
+runner ends, the host goes on.
+
+- A host that runs under another debugger, such as gdb or strace, has no stack here: a process has only one tracer. For
+  the same reason, no debugger can attach to the host later. Start it in the debugger instead:
+  `vexa-standin attach -- gdb --args ./host`.
+- A host with the leak sanitizer is not traced, because the sanitizer would fail. The message says so.
 
 ## Requirements
 
@@ -70,7 +83,9 @@ library of its own.
   opens it again.
 - A signal handler may call the host. If it interrupts a check, it must return: a jump out of it would leave the layer
   locked.
-- A traced program waits while the runner writes the trace. If the runner ends, the program continues without it.
+- With `--trace` or `--trace-text`, the program waits while the runner writes the trace. If the runner ends, the program
+  continues without it.
+- The runner receives each signal of a host with add-ons first, and passes it on. Threads start a little later.
 )";
 
 constexpr const char* kLimits = R"(

@@ -89,6 +89,10 @@ void PageData::findingMade(const TracedFinding& finding) {
     m_spans.findingMade();
 }
 
+void PageData::crashed(const TracedCrash& crash) {
+    if (!m_crash) m_crash = crash;
+}
+
 void PageData::percentChanged(std::int64_t time, std::int64_t percent) {
     noteTime(time);
     m_percents.add(time, percent);
@@ -126,7 +130,17 @@ void PageData::notePassed(Passed& passed, const TracedSpan& call, std::size_t te
 
 // The process of the add-ons ended before the run did.
 bool PageData::isCutOff() const {
-    return !m_outcome || m_outcome->exitStatus == static_cast<std::int64_t>(ExitStatus_e::ProcessEnded);
+    return m_crash || !m_outcome || m_outcome->exitStatus == static_cast<std::int64_t>(ExitStatus_e::ProcessEnded);
+}
+
+// Adds what the process that watched the end knows of it.
+void PageData::addCrash(Json& ending) const {
+    const Json facts = TextBudget(kFactBytes, kMostPassedBytes).cutAll(Json::parse(m_crash->facts));
+    ending["message"] = facts.at("message");
+    if (facts.contains("source")) ending["seen"]["source"] = facts.at("source");
+    for (const char* const name : {"fault", "stack", "problem"}) {
+        if (!facts.at(name).empty() && facts.at(name) != "") ending[name] = facts.at(name);
+    }
 }
 
 // Describes the place at which the process ended as a finding.
@@ -136,7 +150,7 @@ Json PageData::ending() const {
     const std::string command =
         !entry ? "" : shortened(entry->command.empty() ? entry->kind : entry->addOnId + ' ' + entry->command);
     const std::string where = command.empty() ? "between two commands" : "in " + command;
-    return {
+    Json finding = {
         {"rule", "crash"},
         {"severity", "error"},
         {"message", "The process of the add-ons ended " + where + (call ? ", during " + shortened(call->name) : "")},
@@ -155,6 +169,8 @@ Json PageData::ending() const {
          "command again in a debugger."},
         {"track", call ? call->track : 0},
         {"time", m_end}};
+    if (m_crash) addCrash(finding);
+    return finding;
 }
 
 Json PageData::findings() const {

@@ -28,6 +28,7 @@ public:
     void spanBegan(std::size_t index, const TracedSpan& span, const TracedEntry* entry) override;
     void spanEnded(std::size_t index, const TracedSpan& span, const TracedEntry* entry) override;
     void findingMade(const TracedFinding& finding) override;
+    void crashed(const TracedCrash& crash) override;
     void percentChanged(std::int64_t time, std::int64_t percent) override;
     void runEnded(std::int64_t end, const std::optional<TracedOutcome>& outcome) override;
 
@@ -53,6 +54,7 @@ private:
     static void notePassed(Passed& passed, const TracedSpan& call, std::size_t texts);
     const std::string& trackNameOf(const TracedSpan& span) const;
     bool isCutOff() const;
+    void addCrash(nlohmann::ordered_json& ending) const;
     nlohmann::ordered_json ending() const;
     nlohmann::ordered_json findings() const;
     nlohmann::ordered_json counts() const;
@@ -60,7 +62,8 @@ private:
 
     TracedFacts m_facts;
     std::optional<TracedOutcome> m_outcome;
-    std::int64_t m_end = 0;  // the time of the last event so far
+    std::optional<TracedCrash> m_crash;  // the first one
+    std::int64_t m_end = 0;              // the time of the last event so far
     std::size_t m_trackCount = 0;
     std::vector<TracedTrack> m_tracks;  // those that are drawn
     std::size_t m_spanCount = 0;

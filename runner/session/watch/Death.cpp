@@ -86,16 +86,26 @@ Problem deathProblem(const ProcessBox& box, const ProcessOutcome& outcome, const
     return problem;
 }
 
+Crash crashOf(const ProcessBox& box, const ProcessOutcome& outcome) {
+    return {deathMessage(box, outcome), outcome.stacks};
+}
+
 standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore, std::chrono::duration<double> limit) {
-    const bool isCommand = !last.macroLine.empty();
     const bool hasCalled = last.call > callsBefore;
+    standin::Finding finding = hangFinding(last, limit);
+    finding.message += hasCalled ? "; its last host call was " + last.function : "; it made no host call";
+    if (hasCalled) finding.seen = last;
+    return finding;
+}
+
+standin::Finding hangFinding(const standin::Place& work, std::chrono::duration<double> limit) {
+    const bool isCommand = !work.macroLine.empty();
     standin::Finding finding;
     finding.rule = kCommandTimeout;
-    finding.addOnId = isCommand ? last.command.substr(0, last.command.find(' ')) : "";
-    finding.message = '"' + last.command + "\" has not returned within " + secondsText(limit) +
-                      (hasCalled ? "; its last host call was " + last.function : "; it made no host call");
-    finding.opened = standin::Place{0, "", last.command, last.macroLine, last.thread};
-    finding.seen = hasCalled ? last : standin::Place{0, "", "", last.macroLine, 0};
+    finding.addOnId = isCommand ? work.command.substr(0, work.command.find(' ')) : "";
+    finding.message = '"' + work.command + "\" has not returned within " + secondsText(limit);
+    finding.opened = standin::Place{0, "", work.command, work.macroLine, work.thread};
+    finding.seen = standin::Place{0, "", "", work.macroLine, 0};
     return finding;
 }
 

@@ -8,6 +8,7 @@
 #include "session/watch/ProcessBox.h"
 #include "session/watch/Processes.h"
 #include "system/processes/Signals.h"
+#include "trace/CrashEvent.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::runner {
@@ -29,11 +30,18 @@ void tellDeath(const ProcessBox& box, const ProcessOutcome& outcome);
 /// command, or \p file.
 Problem deathProblem(const ProcessBox& box, const ProcessOutcome& outcome, const std::string& file);
 
+/// The same for a trace.
+Crash crashOf(const ProcessBox& box, const ProcessOutcome& outcome);
+
 /// The finding about an add-on that does not return.
 /// \param last        the last host call, and the work of the add-on: Host::lastCall()
 /// \param callsBefore how many host calls there were before the add-on was entered
 /// \param limit       the time limit
 standin::Finding hangFinding(const standin::Place& last, std::size_t callsBefore, std::chrono::duration<double> limit);
+
+/// The same if the host calls are unknown.
+/// \param work the command, or other work of the add-on
+standin::Finding hangFinding(const standin::Place& work, std::chrono::duration<double> limit);
 
 /// The finding about a process that was killed because it exceeded its time limit.
 standin::Finding lateFinding(const ProcessBox& box);

@@ -1,6 +1,5 @@
 #include "session/watch/WatchedStacks.h"
 
-#include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -8,13 +7,13 @@
 #include <chrono>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
+
+#include "system/processes/LeakSanitizer.h"
 
 namespace vexa::runner {
 namespace {
-
-// The leak sanitizer traces its own process, and gives up if somebody else does.
-bool hasLeakSanitizer() { return dlsym(RTLD_DEFAULT, "__lsan_do_leak_check") != nullptr; }
 
 const IsOfAddOn& madeOnce(std::optional<IsOfAddOn>& isOfAddOn) {
     if (!isOfAddOn) isOfAddOn = isNotLoadedHere();
@@ -27,17 +26,25 @@ bool isEmpty(const std::vector<ThreadStack>& threads) {
 
 }  // namespace
 
-WatchedStacks::WatchedStacks() : m_tracer([this](const ThreadTracer::Ending& ending) { keep(ending); }) {}
+WatchedStacks::WatchedStacks()
+    : m_areForked(true), m_tracer([this](const ThreadTracer::Ending& ending) { keep(ending); }) {}
+
+WatchedStacks::WatchedStacks(IsOfAddOn isOfAddOn, ThreadTracer::AtStop atStop)
+    : m_areForked(false),
+      m_tracer([this](const ThreadTracer::Ending& ending) { keep(ending); }, std::move(atStop)),
+      m_isOfAddOn(std::move(isOfAddOn)) {}
 
 void WatchedStacks::watch(pid_t process) {
-    if (hasLeakSanitizer()) {
-        m_problems[process] = "the leak sanitizer does not work in a traced process";
-        return;
-    }
-    const int error = m_tracer.trace(process, true);
-    if (error != 0)
-        m_problems[process] =
-            "the system does not permit the runner to trace the process: " + std::generic_category().message(error);
+    const std::string problem = whyNotTraced(process);
+    if (!problem.empty()) m_problems[process] = problem;
+}
+
+std::string WatchedStacks::whyNotTraced(pid_t process) {
+    const bool hasSanitizer = m_areForked ? hasLeakSanitizer() : hasLeakSanitizer(process);
+    if (hasSanitizer) return "the leak sanitizer does not work in a traced process";
+    const int error = m_tracer.trace(process, m_areForked);
+    if (error == 0) return "";
+    return "the system does not permit the runner to trace the process: " + std::generic_category().message(error);
 }
 
 void WatchedStacks::attendStops() {

@@ -12,12 +12,15 @@
 
 namespace vexa::runner {
 
-/// Reads the stacks of child processes that crash or do not return.
+/// Reads the stacks of processes that crash or do not return.
 ///
 /// Threads: one.
 class WatchedStacks : NonCopyable {
 public:
+    /// For processes that this program has forked. They end with it.
     WatchedStacks();
+    /// For other programs. They go on if this process ends.
+    WatchedStacks(IsOfAddOn isOfAddOn, ThreadTracer::AtStop atStop);
 
     /// Traces \p process from now on, if that is possible.
     void watch(pid_t process);
@@ -35,12 +38,18 @@ public:
     /// \param waitStatus as from waitpid()
     StackReport ofEnd(pid_t process, int waitStatus) const;
 
+    /// Returns the processes that a signal of their own was about to end, with the stacks.
+    const std::map<pid_t, StackReport>& ends() const { return m_ends; }
+
     /// Call it when \p process has been waited for.
     void forget(pid_t process);
 
 private:
     void keep(const ThreadTracer::Ending& ending);
 
+    std::string whyNotTraced(pid_t process);
+
+    const bool m_areForked;
     ThreadTracer m_tracer;
     std::map<pid_t, StackReport> m_ends;      // by process
     std::map<pid_t, std::string> m_problems;  // why a process is not traced

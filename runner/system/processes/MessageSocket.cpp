@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "system/LastError.h"
 
@@ -37,7 +38,8 @@ std::string newFolder() {
 
 }  // namespace
 
-MessageSocket::MessageSocket() : m_folder(newFolder()), m_path(m_folder + kSocket), m_buffer(kLongestMessage) {
+MessageSocket::MessageSocket(std::function<void(pid_t)> greet)
+    : m_greet(std::move(greet)), m_folder(newFolder()), m_path(m_folder + kSocket), m_buffer(kLongestMessage) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     m_path.copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
@@ -57,10 +59,10 @@ MessageSocket::~MessageSocket() {
     fs::remove_all(m_folder, ignored);
 }
 
-void MessageSocket::wait(int other) const {
+void MessageSocket::wait(int other, std::chrono::milliseconds time) const {
     std::vector<pollfd> waited = {{other, POLLIN, 0}, {m_listener.get(), POLLIN, 0}};
     for (const Descriptor& connection : m_connections) waited.push_back({connection.get(), POLLIN, 0});
-    poll(waited.data(), waited.size(), -1);
+    poll(waited.data(), waited.size(), static_cast<int>(time.count()));
 }
 
 bool MessageSocket::receive(const std::function<void(std::string_view)>& use) {
@@ -78,8 +80,17 @@ void MessageSocket::acceptNew() {
     for (;;) {
         Descriptor connection(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!connection.isOpen()) return;
+        greet(connection);
         m_connections.push_back(std::move(connection));
     }
+}
+
+void MessageSocket::greet(const Descriptor& connection) const {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    const bool isKnown = getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.pid != 0;
+    if (m_greet && isKnown) m_greet(peer.pid);
+    send(connection.get(), "g", 1, MSG_NOSIGNAL);
 }
 
 bool MessageSocket::receiveFrom(const Descriptor& connection, const std::function<void(std::string_view)>& use,

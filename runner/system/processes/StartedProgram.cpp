@@ -11,6 +11,7 @@
 #include "system/Descriptor.h"
 #include "system/LastError.h"
 #include "system/processes/Signals.h"
+#include "system/processes/ThreadTracer.h"
 
 namespace vexa::runner {
 namespace {
@@ -61,9 +62,14 @@ StartedProgram::StartedProgram(const std::string& path, const std::vector<std::s
 }
 
 std::optional<int> StartedProgram::change() {
+    siginfo_t info{};
+    constexpr int kPeek = WEXITED | WSTOPPED | WNOHANG | WNOWAIT;
+    const bool isThere = !m_hasEnded && waitid(P_PID, static_cast<id_t>(m_id), &info, kPeek) == 0 && info.si_pid != 0;
+    if (!isThere || info.si_code == CLD_TRAPPED) return std::nullopt;
+    m_hasEnded = isEnd(info);
+    if (m_hasEnded) collectThreadsOf(m_id);
     int status = 0;
-    if (m_hasEnded || waitpid(m_id, &status, WNOHANG | WUNTRACED) <= 0) return std::nullopt;
-    m_hasEnded = !WIFSTOPPED(status);
+    waitpid(m_id, &status, WUNTRACED);
     return status;
 }
 

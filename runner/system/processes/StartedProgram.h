@@ -26,8 +26,10 @@ public:
     StartedProgram(const std::string& path, const std::vector<std::string>& arguments,
                    const std::vector<std::pair<std::string, std::string>>& variables, const sigset_t& mask);
 
+    pid_t id() const { return m_id; }
     void send(int signal) const { kill(m_id, signal); }
-    /// What happened to it since the last call, as from waitpid(): it ended or was stopped. Does not wait.
+    /// What happened to it since the last call, as from waitpid(): it ended or was stopped. Does not wait. Leaves the
+    /// stops of a traced program to the tracer.
     std::optional<int> change();
 
 private:

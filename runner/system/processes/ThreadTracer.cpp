@@ -55,6 +55,11 @@ bool endsByDefault(int signal) {
     return !isHarmless && !stopsByDefault(signal);
 }
 
+// Ctrl-C, and the end of the terminal.
+bool isFromTerminal(const siginfo_t& signal) {
+    return signal.si_code == SI_KERNEL && (signal.si_signo == SIGINT || signal.si_signo == SIGHUP);
+}
+
 // Returns true if the process neither handles nor ignores `signal`.
 bool isDefault(pid_t thread, int signal) {
     const std::uint64_t bit = std::uint64_t{1} << (signal - 1);
@@ -94,8 +99,18 @@ void awaitStops(const std::vector<pid_t>& interrupted, Clock::time_point end, st
 }  // namespace
 
 int ThreadTracer::trace(pid_t process, bool endsWithTracer) {
+    if (m_processes.count(process) != 0) return 0;
     if (ptrace(PTRACE_SEIZE, process, nullptr, optionsFor(endsWithTracer)) != 0) return errno;
     m_processes[process] = process;
+    for (int round = 0, seized = 1; round != kRounds && seized != 0; ++round) {
+        seized = 0;
+        for (const pid_t thread : threadsOf(process)) {
+            if (m_processes.count(thread) != 0) continue;
+            if (ptrace(PTRACE_SEIZE, thread, nullptr, optionsFor(endsWithTracer)) != 0) continue;
+            m_processes[thread] = process;
+            ++seized;
+        }
+    }
     return 0;
 }
 
@@ -108,7 +123,11 @@ void ThreadTracer::attend() {
 bool ThreadTracer::attendStop() {
     siginfo_t info{};
     if (waitid(P_ALL, 0, &info, WSTOPPED | WNOHANG | __WALL) != 0 || info.si_pid == 0) return false;
-    if (info.si_code == CLD_TRAPPED) goOn(info.si_pid, info.si_status);
+    if (info.si_code == CLD_TRAPPED) {
+        goOn(info.si_pid, info.si_status);
+    } else if (m_atStop) {
+        m_atStop(info.si_pid);
+    }
     return true;
 }
 
@@ -122,8 +141,7 @@ void ThreadTracer::attendEnds() {
             attendStop();
             continue;
         }
-        const bool isThread = processOf(info.si_pid) != info.si_pid;
-        if (!isThread || !collect(info.si_pid)) break;
+        if (!mayCollect(info.si_pid) || !collect(info.si_pid)) break;
     }
     std::vector<pid_t> processes;
     for (const auto& [thread, process] : m_processes) {
@@ -131,9 +149,17 @@ void ThreadTracer::attendEnds() {
     }
     for (const pid_t process : processes) {
         for (const pid_t thread : threadsOf(process)) {
-            if (thread != process) collect(thread);
+            if (mayCollect(thread)) collect(thread);
         }
     }
+}
+
+// The parent of a process learns that the process has ended when the tracer has waited for it. Here the owner of a
+// child process waits for it.
+bool ThreadTracer::mayCollect(pid_t thread) {
+    const pid_t process = processOf(thread);
+    const bool isTraced = m_processes.count(process) != 0;
+    return thread != process || (isTraced && static_cast<pid_t>(statusNumber(process, "PPid:", 10)) != getpid());
 }
 
 bool ThreadTracer::collect(pid_t thread) {
@@ -164,8 +190,9 @@ void ThreadTracer::goOn(pid_t thread, Report report) {
 void ThreadTracer::deliver(pid_t thread, int signal) {
     Ending ending{processOf(thread), thread, {}};
     const bool mayEnd = endsByDefault(signal) && ptrace(PTRACE_GETSIGINFO, thread, nullptr, &ending.signal) == 0;
-    const bool isOwn = ending.signal.si_code > 0 || ending.signal.si_pid == ending.process;
-    if (mayEnd && (isOwn || isFault(signal)) && isDefault(thread, signal)) m_atEnding(ending);
+    const bool isSent =
+        isFromTerminal(ending.signal) || (ending.signal.si_code <= 0 && ending.signal.si_pid != ending.process);
+    if (mayEnd && (!isSent || isFault(signal)) && isDefault(thread, signal)) m_atEnding(ending);
     ptrace(PTRACE_CONT, thread, nullptr, static_cast<long>(signal));
 }
 
@@ -173,7 +200,7 @@ void ThreadTracer::deliver(pid_t thread, int signal) {
 pid_t ThreadTracer::processOf(pid_t thread) {
     const auto known = m_processes.find(thread);
     if (known != m_processes.end()) return known->second;
-    const auto process = static_cast<pid_t>(statusNumber(thread, "Tgid:", 10));
+    const pid_t process = processOfThread(thread);
     if (m_processes.count(process) != 0) m_processes[thread] = process;
     return process;
 }
@@ -209,6 +236,8 @@ void ThreadTracer::forget(pid_t process) {
         thread = thread->second == process ? m_processes.erase(thread) : std::next(thread);
     }
 }
+
+pid_t processOfThread(pid_t thread) { return static_cast<pid_t>(statusNumber(thread, "Tgid:", 10)); }
 
 bool isFault(int signal) {
     for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS, SIGTRAP, SIGQUIT}) {

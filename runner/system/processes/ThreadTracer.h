@@ -12,8 +12,8 @@
 
 namespace vexa::runner {
 
-/// Traces child processes with ptrace(2). It sees a signal before the signal ends a process, and can stop all threads
-/// of a process. It does not trace processes that a traced process forks.
+/// Traces processes with ptrace(2): children, and processes that children started. It sees a signal before the signal
+/// ends a process, and can stop all threads of a process. It does not trace processes that a traced process forks.
 ///
 /// Threads: one. The system accepts requests only from the thread that started to trace.
 class ThreadTracer : NonCopyable {
@@ -26,13 +26,15 @@ public:
     };
     /// Called when a signal is about to end a traced process.
     using AtEnding = std::function<void(const Ending&)>;
-    /// Called when a stop signal has stopped a traced process.
+    /// Called when a stop signal has stopped a traced process. If one is traced, also called for other child processes,
+    /// because the tracer may take the report of their stop.
     using AtStop = std::function<void(pid_t process)>;
 
     explicit ThreadTracer(AtEnding atEnding, AtStop atStop = {})
         : m_atEnding(std::move(atEnding)), m_atStop(std::move(atStop)) {}
 
-    /// Starts to trace \p process. From now on attend() must be called when SIGCHLD comes.
+    /// Starts to trace all threads of \p process, unless it is traced. From now on attend() must be called when SIGCHLD
+    /// comes.
     /// \param endsWithTracer whether the process is killed if this process ends before it
     /// \return 0, or the error of the system.
     int trace(pid_t process, bool endsWithTracer);
@@ -53,6 +55,7 @@ private:
 
     bool attendStop();
     void attendEnds();
+    bool mayCollect(pid_t thread);
     bool collect(pid_t thread);
     void goOn(pid_t thread, Report report);
     void deliver(pid_t thread, int signal);
@@ -63,6 +66,9 @@ private:
     AtStop m_atStop;
     std::map<pid_t, pid_t> m_processes;  // by traced thread
 };
+
+/// Returns the process of \p thread; 0 if the thread has ended.
+pid_t processOfThread(pid_t thread);
 
 /// Returns true if \p signal reports a fault of the program, and not the wish of somebody to end it.
 bool isFault(int signal);

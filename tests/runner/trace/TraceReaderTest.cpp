@@ -227,5 +227,38 @@ TEST(TraceReader, RefusesAFileThatCannotBeRead) {
     }
 }
 
+// A trace of a run that crashed, with `facts` as the arguments of its crash.
+std::string crashedTrace(const std::string& facts) {
+    const std::string text = someTrace();
+    return text.substr(0, text.rfind(",\n")) +
+           R"(,
+{"name":"crash","cat":"crash","ph":"i","pid":1,"tid":1,"ts":2.5,"s":"p","args":)" +
+           facts + "}";
+}
+
+const std::string kCrash = R"({"message":"it ended","signal":11,"fault":"","problem":"","stack":["#0  f"],)"
+                           R"("source":{"function":"f","file":"f.cpp","line":3,"text":"at f.cpp:3, in f"}})";
+
+TEST_F(TraceReaderTest, ReadsHowTheProcessEnded) {
+    m_text = crashedTrace(kCrash);
+    const TracedRun run = readBack();
+    ASSERT_EQ(run.crashes.size(), 1U);
+    EXPECT_EQ(run.crashes[0].message, "it ended");
+    EXPECT_EQ(run.crashes[0].facts, kCrash);
+    EXPECT_FALSE(run.outcome);
+}
+
+TEST_F(TraceReaderTest, RefusesAnEndThatThePageCannotShow) {
+    EXPECT_EQ(refusalOf(crashedTrace(kCrash)), "accepted");
+    for (const char* const part : {"message", "signal", "fault", "problem", "stack", "file", "line"}) {
+        std::string facts = kCrash;
+        facts.replace(facts.find(part), 1, "x");
+        EXPECT_NE(refusalOf(crashedTrace(facts)), "accepted") << part;
+    }
+    std::string facts = kCrash;
+    facts.replace(facts.find("\"#0  f\""), 7, "7");
+    EXPECT_NE(refusalOf(crashedTrace(facts)), "accepted");
+}
+
 }  // namespace
 }  // namespace vexa::runner

@@ -19,6 +19,7 @@ public:
         for (std::size_t i = 0; i < run.spans.size(); ++i) begin(i);
         for (auto& [track, open] : m_open) endFrom(open, 0);
         for (const TracedFinding& finding : run.findings) visitor.findingMade(finding);
+        for (const TracedCrash& crash : run.crashes) visitor.crashed(crash);
         for (const auto& [time, percent] : run.percents) visitor.percentChanged(time, percent);
         visitor.runEnded(run.end, run.outcome);
     }

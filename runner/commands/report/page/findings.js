@@ -28,6 +28,9 @@ function factsOfFinding(finding) {
   if (finding.opened) addPlace('First', finding.opened, 'the beginning');
   addPlace('Seen', finding.seen, 'the end');
   if (sourceText(finding.source)) facts.push(['Source', element('code', {}, sourceText(finding.source))]);
+  if (finding.fault) facts.push(['Fault', finding.fault]);
+  if (finding.stack) facts.push(['Stack', element('pre', {}, finding.stack.join('\n'))]);
+  if (finding.problem) facts.push(['Stack', `unknown: ${finding.problem}`]);
   if (finding.addOn) facts.push(['Add-on', finding.addOn]);
   if (finding.count > 1) facts.push(['Count', numberText(finding.count)]);
   facts.push(['Hint', finding.hint]);

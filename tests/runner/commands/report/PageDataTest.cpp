@@ -129,6 +129,22 @@ TEST(PageData, HasACrashAsTheFirstFinding) {
     EXPECT_EQ(data.at("counts").at("byRule").at("crash"), 1);
 }
 
+TEST(PageData, ShowsWhatTheTraceHasOfACrash) {
+    TracedRun run = crashedRun();
+    run.outcome = {139, "ended"};
+    run.crashes = {{"it ended",
+                    R"({"message":"it ended","signal":11,"fault":"address 0x10","problem":"","stack":["#0"],)"
+                    R"("source":{"function":"f","file":"f.cpp","line":3,"text":"at f.cpp:3, in f"}})"}};
+    const Json finding = pageData(run).at("findings").at(0);
+    EXPECT_EQ(finding.at("rule"), "crash");
+    EXPECT_EQ(finding.at("message"), "it ended");
+    EXPECT_EQ(finding.at("fault"), "address 0x10");
+    EXPECT_EQ(finding.at("stack"), Json({"#0"}));
+    EXPECT_FALSE(finding.contains("problem"));
+    EXPECT_EQ(finding.at("seen").at("source").at("line"), 3);
+    EXPECT_EQ(finding.at("seen").at("macroLine"), "m.macro:2");
+}
+
 TEST(PageData, HasNoCrashInARunThatEnded) {
     TracedRun run = crashedRun();
     run.outcome = {4, "a command did not return"};

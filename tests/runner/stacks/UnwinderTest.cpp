@@ -1,0 +1,96 @@
+#include "stacks/Unwinder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "runner/system/processes/TracedChild.h"
+#include "stacks/Symbols.h"
+
+// Functions with C names, so that a test finds them by name.
+extern "C" {
+
+volatile int unwinderTestDepth = 0;
+void (*volatile unwinderTestNothing)() = nullptr;
+
+[[gnu::noinline]] void unwinderTestInner() {
+    raise(SIGABRT);
+    unwinderTestDepth = 0;
+}
+
+[[gnu::noinline]] void unwinderTestOuter() {
+    unwinderTestInner();
+    unwinderTestDepth = 0;
+}
+
+[[gnu::noinline]] void unwinderTestWildCall() {
+    unwinderTestNothing();
+    unwinderTestDepth = 0;
+}
+
+[[gnu::noinline]] void unwinderTestRecursion() {
+    if (++unwinderTestDepth == 200) raise(SIGABRT);
+    unwinderTestRecursion();
+    unwinderTestDepth = 0;
+}
+}
+
+namespace vexa::runner {
+namespace {
+
+// The places on the stack of a process when a signal is about to end it.
+CodePlaces placesAtTheEndOf(void (*work)()) {
+    CodePlaces places;
+    ThreadTracer tracer([&](const ThreadTracer::Ending& ending) {
+        const Descriptor memory(open(("/proc/" + std::to_string(ending.process) + "/mem").c_str(), O_RDONLY));
+        const auto registers = registersOf(ending.thread);
+        ASSERT_TRUE(registers);
+        places = Unwinder(ending.process, memory).placesOf(*registers);
+    });
+    TracedChild child(work);
+    EXPECT_EQ(tracer.trace(child.id(), true), 0);
+    child.go();
+    child.endUnder(tracer);
+    return places;
+}
+
+// The index of the first place in a function of this program; the number of places if there is none.
+std::size_t indexOf(const CodePlaces& places, const std::string& function) {
+    static Symbols symbols;
+    std::size_t i = 0;
+    for (; i != places.places.size(); ++i) {
+        const UnwoundPlace& place = places.places[i];
+        if (!place.object.empty() && symbols.framesAt(place.object, place.offset).back().function == function) break;
+    }
+    return i;
+}
+
+TEST(Unwinder, FindsTheCallers) {
+    const CodePlaces places = placesAtTheEndOf(unwinderTestOuter);
+    const std::size_t inner = indexOf(places, "unwinderTestInner");
+    ASSERT_LT(inner + 1, places.places.size());
+    EXPECT_EQ(indexOf(places, "unwinderTestOuter"), inner + 1);
+    EXPECT_EQ(places.places[inner].object, std::filesystem::read_symlink("/proc/self/exe").string());
+    EXPECT_EQ(places.leftOut, 0U);
+}
+
+TEST(Unwinder, FindsTheCallerOfABadPointer) {
+    const CodePlaces places = placesAtTheEndOf(unwinderTestWildCall);
+    ASSERT_GT(places.places.size(), 2U);
+    EXPECT_EQ(places.places[0].object, "");
+    EXPECT_EQ(places.places[0].offset, 0U);
+    EXPECT_EQ(indexOf(places, "unwinderTestWildCall"), 1U);
+}
+
+TEST(Unwinder, CountsTheFramesOfADeepStack) {
+    const CodePlaces places = placesAtTheEndOf(unwinderTestRecursion);
+    EXPECT_EQ(places.places.size(), 64U);
+    EXPECT_GT(places.leftOut, 130U);
+    EXPECT_TRUE(places.isCounted);
+}
+
+}  // namespace
+}  // namespace vexa::runner
