@@ -21,6 +21,7 @@ test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang gdb p
     python3-yaml)
 tidy_packages=("${test_packages[@]}" clang-tidy)
 cppcheck_packages=("${test_packages[@]}" cppcheck)
+instructions_packages=("${test_packages[@]}" valgrind)
 bench_packages=("${build_packages[@]}" libbenchmark-dev libhwloc-dev python3 strace valgrind)
 docs_packages=(doxygen doxygen-awesome-css mandoc python3)
 abi_packages=("${build_packages[@]}" abigail-tools python3)
@@ -29,8 +30,8 @@ mcdc_packages=("${test_packages[@]}" clang-19 libclang-rt-19-dev llvm-19)
 mutate_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev python3)
 package_packages=("${build_packages[@]}" dpkg-dev file lintian)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
-ci_packages=("${tidy_packages[@]}" "${cppcheck_packages[@]}" "${abi_packages[@]}" "${docs_packages[@]}"
-    chromium clang-format fish git libclang-rt-14-dev llvm-14 zsh)
+ci_packages=("${tidy_packages[@]}" "${cppcheck_packages[@]}" "${abi_packages[@]}" "${instructions_packages[@]}"
+    "${docs_packages[@]}" chromium clang-format fish git libclang-rt-14-dev llvm-14 zsh)
 
 usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"

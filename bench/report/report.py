@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
 """Writes a table and a chart of the figures that scripts/bench measured.
 
-Usage: bench/report/report.py RESULTS FOLDER
+Usage: bench/report/report.py RESULTS FOLDER [OLD.json]
 
-RESULTS is the folder with the figures. The program writes report.md and report.svg to FOLDER and prints the table. The
-table says which figure exceeds its limit; the exit status is 0 all the same.
+RESULTS has a folder run-N for each run, and a folder growth. The program writes report.md, report.svg and report.json to
+FOLDER and prints the table. The table says which figure exceeds its limit; the exit status is 0 all the same.
+
+OLD.json is the report.json of an earlier measurement. The program then also prints the rows that became slower by more
+than the spread of both measurements. If there is one, the exit status is 1.
 """
 
 import datetime
@@ -50,6 +53,11 @@ def nanoseconds(work, against, bar, row):
     return Bar(work, against, bar, figure, lambda f: f[figure], unit=" ns")
 
 
+def milliseconds(work, bar, row):
+    figure = f"{row}/ours/1"
+    return Bar(work, "time", bar, figure, lambda f: f[figure] / 1e6, unit=" ms")
+
+
 def rate(work, bar, row, subject, calls):
     """Thousands of calls per second."""
     figure = f"{row}/{subject}/1"
@@ -75,33 +83,35 @@ HOST_CALLS = "the bare host calls"
 SCAN = "a hand-written scan"
 
 BARS = [
-    ratio("open a file of short lines", FREAD, 1.65, "open-short", "fread"),
+    ratio("open a file of short lines", FREAD, 1.2, "open-short", "fread"),
     speed("open a file of short lines", "times as fast as a byte loop", 1.8, "open-short", "byte_loop"),
-    ratio("open a file of CR LF lines", FREAD, 1.65, "open-crlf", "fread"),
+    ratio("open a file of CR LF lines", FREAD, 1.25, "open-crlf", "fread"),
     speed("open a file of CR LF lines", "times as fast as a byte loop", 1.8, "open-crlf", "byte_loop"),
-    ratio("open a file of 10 KB lines", FREAD, 1.25, "open-long", "fread"),
-    ratio("open, and serve every line", "getline into one string", 1.35, "lines-short", "getline_into_one"),
+    ratio("open a file of 10 KB lines", FREAD, 1.05, "open-long", "fread"),
+    ratio("open 64 MB of short lines, in large pages", FREAD, 0.8, "open-64-short", "fread"),
+    ratio("open 64 MB of 10 KB lines, in large pages", FREAD, 0.8, "open-64-long", "fread"),
+    ratio("open, and serve every line", "getline into one string", 1.0, "lines-short", "getline_into_one"),
     ratio("open, and serve every line", "getline into strings", 0.35, "lines-short", "getline_into_strings"),
-    ratio("parse Boolean options", "a walk of the tokens", 1.5, "parse-boolean", "walk"),
-    ratio("parse UInt64 options", "a walk of the tokens", 1.5, "parse-uint64", "walk"),
-    ratio("parse string options", "a walk of the tokens", 1.5, "parse-string", "walk"),
-    ratio("parse set options", "a walk of the tokens", 1.5, "parse-set", "walk"),
-    ratio("render a command of four Boolean options", "append into one string", 2.5, "render-booleans", "append"),
-    ratio("render a command of an option of each type", "append into one string", 2.5, "render-each-type", "append"),
-    ratio("Set::assign, 1 000 runs", "a digit loop", 1.5, "set-assign", "digit_loop"),
+    ratio("parse Boolean options", "a walk of the tokens", 1.25, "parse-boolean", "walk"),
+    ratio("parse UInt64 options", "a walk of the tokens", 1.25, "parse-uint64", "walk"),
+    ratio("parse string options", "a walk of the tokens", 1.25, "parse-string", "walk"),
+    ratio("parse set options", "a walk of the tokens", 1.25, "parse-set", "walk"),
+    ratio("render a command of four Boolean options", "append into one string", 1.6, "render-booleans", "append"),
+    ratio("render a command of an option of each type", "append into one string", 1.6, "render-each-type", "append"),
+    ratio("Set::assign, 1 000 runs", "a digit loop", 1.0, "set-assign", "digit_loop"),
     ratio("Set::assign, 1 000 runs", "hwloc's list parser", 1.0, "set-assign", "hwloc"),
-    ratio("Set::assign, 100 000 runs", "a digit loop", 1.5, "set-assign", "digit_loop", 100),
+    ratio("Set::assign, 100 000 runs", "a digit loop", 1.0, "set-assign", "digit_loop", 100),
     ratio("Set::assign, 100 000 runs", "hwloc's list parser", 1.0, "set-assign", "hwloc", 100),
     ratio("Set::assign, 1 000 runs in random order", "hwloc's list parser", 1.0, "set-assign-random", "hwloc"),
-    ratio("Set::assign, 100 000 runs in random order", "hwloc's list parser", 1.0, "set-assign-random", "hwloc", 100),
-    ratio("Set::toString, 100 000 runs", "to_chars into chunks", 1.3, "set-to-string", "to_chars", 100),
-    ratio("getDoubleValue", FROM_CHARS, 1.5, "get-double", "from_chars"),
-    ratio("getInt64Value", FROM_CHARS, 1.5, "get-int64", "from_chars"),
-    ratio("getInt32Value", FROM_CHARS, 1.5, "get-int32", "from_chars"),
-    ratio("a command of 8 assignments", SCAN, 1.5, "command-8", "scan"),
+    ratio("Set::assign, 100 000 runs in random order", "hwloc's list parser", 0.6, "set-assign-random", "hwloc", 100),
+    ratio("Set::toString, 100 000 runs", "to_chars into chunks", 0.8, "set-to-string", "to_chars", 100),
+    ratio("getDoubleValue", FROM_CHARS, 1.25, "get-double", "from_chars"),
+    ratio("getInt64Value", FROM_CHARS, 1.25, "get-int64", "from_chars"),
+    ratio("getInt32Value", FROM_CHARS, 1.25, "get-int32", "from_chars"),
+    ratio("a command of 8 assignments", SCAN, 1.2, "command-8", "scan"),
     speed("a command of 8 assignments", "times as fast as istringstream", 2.5, "command-8", "istringstream"),
-    ratio("a command of 2 000 assignments", SCAN, 1.5, "command-2000", "scan"),
-    speed("a command of 2 000 assignments", "times as fast as istringstream", 2.5, "command-2000", "istringstream"),
+    ratio("a command of 2 000 assignments", SCAN, 1.1, "command-2000", "scan"),
+    speed("a command of 2 000 assignments", "times as fast as istringstream", 3.0, "command-2000", "istringstream"),
     ratio("toNameValueAssignment, Boolean", APPEND, 1.5, "assign-boolean", "append"),
     ratio("toNameValueAssignment, string", APPEND, 1.5, "assign-string", "append"),
     ratio("toNameValueAssignment, double", APPEND, 1.5, "assign-double", "append"),
@@ -121,19 +131,23 @@ BARS = [
     ratio("getValueAsString, an integer", HOST_CALLS, 1.5, "style-integer", "host_calls"),
     nanoseconds("TaskProgress::advance within a percentage", "time", 5, "progress-advance"),
     ratio("stand-in: a host call, plain", "an empty function elsewhere", 5, "host-call-ask", "empty_calls", ours="plain"),
-    rate("stand-in: a host call, checked", 1000, "host-call-ask", "checked", 1),
-    rate("stand-in: locking a mutex, checked", 1000, "host-call-lock", "checked", 2),
-    rate("stand-in: a style query, checked", 1000, "host-call-style", "checked", 6),
+    rate("stand-in: a host call, checked", 10000, "host-call-ask", "checked", 1),
+    rate("stand-in: locking a mutex, checked", 10000, "host-call-lock", "checked", 2),
+    rate("stand-in: a style query, checked", 10000, "host-call-style", "checked", 6),
     overhead("attach: a host call, checked", 300, "attach-call-ask", 1),
     overhead("attach: locking a mutex, checked", 300, "attach-call-lock", 2),
     overhead("attach: a style query, checked", 300, "attach-call-style", 6),
     rate("stand-in: a host call, traced", 1500, "host-call-ask", "traced", 1),
     rate("stand-in: locking a mutex, traced", 1500, "host-call-lock", "traced", 2),
     rate("stand-in: a style query, traced", 1500, "host-call-style", "traced", 6),
+    milliseconds("vexa-standin run of an empty macro", 15, "run-empty"),
+    milliseconds("vexa-standin check of probe-stats, level 2", 350, "check-probe-stats"),
 ]
 
 # Comparisons without a limit.
 MORE = [
+    ratio("open 64 MB of short lines, in small pages", FREAD, None, "open-64-small-short", "fread"),
+    ratio("open 64 MB of 10 KB lines, in small pages", FREAD, None, "open-64-small-long", "fread"),
     ratio("Set::assign, 100 000 runs in random order", "a digit loop and std::sort", None, "set-assign-random",
           "digit_loop_and_sort", 100),
     ratio("Set::assign, 1 000 runs", "boost::icl::interval_set", None, "set-assign", "interval_tree"),
@@ -172,8 +186,8 @@ FIXED_WORK = ("set-contains", "set-insert")
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
-def read_figures(folder):
-    """The median of each figure, by name. Times are in nanoseconds of the processor's time."""
+def read_figures(folder, summary):
+    """A summary of the repetitions of each figure, by name. Times are in nanoseconds of the processor's time."""
     measured = {}
     for path in sorted(folder.glob("*.json")):
         text = path.read_text()
@@ -187,7 +201,18 @@ def read_figures(folder):
                 value = figure["cpu_time"] * NANOSECONDS[figure["time_unit"]]
             name = "/".join(figure["name"].split("/")[:3])
             measured.setdefault(name, []).append(value)
-    return {name: statistics.median(values) for name, values in measured.items()}
+    return {name: summary(values) for name, values in measured.items()}
+
+
+def read_runs(folder):
+    """The figures of each run: the fastest repetition, which other programs disturbed least."""
+    return [read_figures(run, min) for run in sorted(folder.glob("run-*"))]
+
+
+def medians(runs):
+    """The median of each figure over the runs that have it."""
+    names = {name for figures in runs for name in figures}
+    return {name: statistics.median(f[name] for f in runs if name in f) for name in names}
 
 
 def machine():
@@ -204,28 +229,92 @@ def machine():
 # ---- Judging
 
 
-def verdict(bar, value):
-    if bar.bar is None:
-        return ""
-    return "met" if (value <= bar.bar if bar.is_at_most else value >= bar.bar) else "missed"
+class Row:
+    """The values of a bar, one for each run."""
+
+    def __init__(self, bar, values):
+        self.bar = bar
+        self.values = sorted(values, reverse=not bar.is_at_most)  # the best one first
+
+    def best(self):
+        return self.values[0]
+
+    def median(self):
+        return statistics.median(self.values)
+
+    def spread(self):
+        """The best and the worst value. From five runs on, without the best and the worst run."""
+        omitted = 1 if len(self.values) >= 5 else 0
+        return self.values[omitted], self.values[-1 - omitted]
+
+    def meets(self, value):
+        return value <= self.bar.bar if self.bar.is_at_most else value >= self.bar.bar
+
+    def verdict(self):
+        """The median meets a bar only together with its spread."""
+        if not self.values:
+            return "not measured"
+        if self.bar.bar is None:
+            return ""
+        if not self.meets(self.median()):
+            return "missed"
+        return "met" if self.meets(self.spread()[1]) else "met by the median only"
 
 
-def judge(bars, figures):
-    """Rows of (bar, value or None, verdict)."""
-    judged = []
+def judge(bars, runs):
+    """The rows of these bars. `runs` has the figures of each run."""
+    rows = []
     for bar in bars:
         try:
-            value = bar.value(figures)
-            judged.append((bar, value, verdict(bar, value)))
+            rows.append(Row(bar, [bar.value(figures) for figures in runs]))
         except KeyError:
-            judged.append((bar, None, "not measured"))
-    return judged
+            rows.append(Row(bar, []))
+    return rows
+
+
+# ---- Comparing
+
+
+def as_json(rows):
+    return {"machine": machine(), "rows": [
+        {"work": row.bar.work, "against": row.bar.against, "unit": row.bar.unit.strip(),
+         "lower_is_better": row.bar.is_at_most, "bar": row.bar.bar, "values": row.values, "min": min(row.values),
+         "median": row.median(), "spread": row.spread(), "verdict": row.verdict()} for row in rows if row.values]}
+
+
+LEAST_CHANGE = 1.03  # smaller ones come from the layout of the program
+
+
+def is_slower(row, old):
+    """Returns true if the spreads do not overlap, and the medians differ noticeably."""
+    if row.bar.is_at_most:
+        return row.spread()[0] > old["spread"][1] and row.median() > old["median"] * LEAST_CHANGE
+    return row.spread()[0] < old["spread"][1] and row.median() * LEAST_CHANGE < old["median"]
+
+
+def compare(rows, old_path):
+    """Prints the rows that became slower than before. Returns their number."""
+    before = {(old["work"], old["against"]): old for old in json.loads(old_path.read_text())["rows"]}
+    both = [(row, before[row.bar.work, row.bar.against]) for row in rows
+            if row.values and (row.bar.work, row.bar.against) in before]
+    slower = [(row, old) for row, old in both if is_slower(row, old)]
+    print(f"\nCompared with {old_path}: {len(slower)} of {len(both)} rows became slower than noise.")
+    if slower:
+        print(table(["work", "against", "before", "spread", "now", "spread"], [
+            [row.bar.work, row.bar.against, number(old["median"], row.bar.unit), span(old["spread"], row.bar.unit),
+             number(row.median(), row.bar.unit), span(row.spread(), row.bar.unit)] for row, old in slower]))
+    return len(slower)
 
 
 def number(value, unit=""):
     if unit in (" calls", " k/s"):
         return f"{value:.0f}{unit}"
     return f"{value:.2f}{unit}"
+
+
+def span(ends, unit=""):
+    low, high = (number(end, unit).removesuffix(unit) for end in (min(ends), max(ends)))
+    return f"{low} – {high}"
 
 
 def duration(nanosecond):
@@ -245,13 +334,16 @@ def table(head, rows):
     return "\n".join([line(head), "|" + "|".join("-" * (width + 2) for width in widths) + "|"] + [line(r) for r in rows])
 
 
-def bars_table(judged):
-    rows = []
-    for bar, value, result in judged:
-        sign = "≤ " if bar.is_at_most else "≥ "
-        rows.append([bar.work, bar.against, "" if bar.bar is None else sign + number(bar.bar, bar.unit),
-                     "" if value is None else number(value, bar.unit), result])
-    return table(["work", "against", "bar", "here", ""], rows)
+def bars_table(rows):
+    cells = []
+    for row in rows:
+        bar = row.bar
+        limit = "" if bar.bar is None else ("≤ " if bar.is_at_most else "≥ ") + number(bar.bar, bar.unit)
+        figures = ["", "", ""]
+        if row.values:
+            figures = [number(min(row.values), bar.unit), number(row.median(), bar.unit), span(row.spread(), bar.unit)]
+        cells.append([bar.work, bar.against, limit] + figures + [row.verdict()])
+    return table(["work", "against", "bar", "min", "median", "spread", ""], cells)
 
 
 def growth_table(figures):
@@ -280,7 +372,7 @@ def memory_table(figures):
 
 def chart(judged):
     """A chart of each figure as a share of its limit. A bar that ends left of the line is within the limit."""
-    shown = [(bar, value, result) for bar, value, result in judged if value is not None]
+    shown = [(row.bar, row.median(), row.verdict()) for row in judged if row.values]
     left, width, height, scale = 470, 1000, 22, 380
     bottom = 40 + height * len(shown)
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{bottom + 10}" '
@@ -293,7 +385,7 @@ def chart(judged):
         part = value / bar.bar if bar.is_at_most else bar.bar / value
         label = html.escape(f"{bar.work} / {bar.against}")
         parts.append(f'<text x="{left - 8}" y="{y + 15}" text-anchor="end">{label}</text>')
-        colour = "#0072b2" if result == "met" else "#d55e00"
+        colour = "#d55e00" if result == "missed" else "#0072b2"
         parts.append(f'<rect x="{left}" y="{y + 3}" width="{min(part, 1.2) * scale:.0f}" height="{height - 6}" '
                      f'fill="{colour}"/>')
         end = left + min(part, 1.2) * scale
@@ -301,15 +393,16 @@ def chart(judged):
         place = 'text-anchor="end" fill="white"' if fits else ""
         parts.append(f'<text x="{end - 5 if fits else end + 5:.0f}" y="{y + 15}" '
                      f'{place}>{number(value, bar.unit)}'
-                     f'{"" if result == "met" else ", missed"}</text>')
+                     f'{", missed" if result == "missed" else ""}</text>')
     parts.append(f'<line x1="{left + scale}" y1="26" x2="{left + scale}" y2="{bottom}" stroke="black"/>')
     return "\n".join(parts + ["</svg>\n"])
 
 
-def report(judged, figures, folder):
-    sections = [f"# This library beside its peers\n\n{machine()}\n\nMedians of one run; the lower, the better, but "
-                "where a row says otherwise.", bars_table(judged)]
-    more = [row for row in judge(MORE, figures) if row[1] is not None]
+def report(judged, runs, folder):
+    figures = medians(runs + [read_figures(folder / "growth", statistics.median)])
+    sections = [f"# This library beside its peers\n\n{machine()}\n\nThe lower, the better, but where a row says "
+                "otherwise. From five runs on, the spread omits the best and the worst run.", bars_table(judged)]
+    more = [row for row in judge(MORE, runs) if row.values]
     if more:
         sections += ["## Beside others", bars_table(more)]
     growth = growth_table(figures)
@@ -328,19 +421,21 @@ def report(judged, figures, folder):
 
 
 def main():
-    if len(sys.argv) != 3:
+    if len(sys.argv) not in (3, 4):
         sys.exit(__doc__)
     results, out = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-    figures = read_figures(results)
-    judged = [row for row in judge(BARS, figures)
-              if row[1] is not None or any(name.split("/")[0] == row[0].figure.split("/")[0] for name in figures)]
-    (out / "report.md").write_text(report(judged, figures, results))
+    runs = read_runs(results)
+    measured = {name.split("/")[0] for figures in runs for name in figures}
+    judged = [row for row in judge(BARS, runs) if row.bar.figure.split("/")[0] in measured]
+    (out / "report.md").write_text(report(judged, runs, results))
     (out / "report.svg").write_text(chart(judged))
+    (out / "report.json").write_text(json.dumps(as_json(judged + judge(MORE, runs)), indent=1) + "\n")
     print(bars_table(judged))
-    missed = sum(1 for row in judged if row[2] == "missed")
-    unmeasured = sum(1 for row in judged if row[2] == "not measured")
-    print(f"\n{len(judged) - missed - unmeasured} bars met, {missed} missed, {unmeasured} not measured. "
-          f"More in {out / 'report.md'}, and as a chart in {out / 'report.svg'}.")
+    met = sum(row.verdict() == "met" for row in judged)
+    print(f"\n{len(runs)} runs: {met} of {len(judged)} bars met with their spread. More in {out / 'report.md'}, as a "
+          f"chart in {out / 'report.svg'}, and for a comparison in {out / 'report.json'}.")
+    if len(sys.argv) == 4 and compare(judged, pathlib.Path(sys.argv[3])) > 0:
+        sys.exit(1)
 
 
 main()

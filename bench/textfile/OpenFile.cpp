@@ -1,10 +1,14 @@
 // Compares AsciiFile with hand-written code: open a text file, then read all its lines.
 //
-// Usage: text_file_open [--size MIB] [--rounds N] [--growth] [--json FILE]
+// Usage: text_file_open [--size MIB] [--rounds N] [--growth | --pages] [--json FILE]
+//
+// --growth opens files of 1 to 1000 MiB. --pages opens files of 64 MiB, with large pages if the kernel has them, and
+// without.
 //
 // Each measurement runs in its own child process, so that no subject gets memory that another subject has used. The
 // figures are medians. The figure after the slash is the ratio to the first row of its block. The JSON file gets the
 // figures in the format of the other benchmarks.
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -163,10 +167,13 @@ Measured measureHere(const Subject& subject, const std::string& path) {
     return measured;
 }
 
-Measured measure(const Subject& subject, const std::string& path) {
+enum class Pages { AsTheKernelHas, Small };
+
+Measured measure(const Subject& subject, const std::string& path, Pages pages) {
     int channel[2];
     if (pipe(channel) != 0) std::abort();
     if (fork() == 0) {
+        if (pages == Pages::Small && prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0) != 0) std::abort();
         const Measured measured = measureHere(subject, path);
         _exit(write(channel[1], &measured, sizeof measured) == sizeof measured ? 0 : 1);
     }
@@ -233,11 +240,12 @@ private:
     std::string m_path;
 };
 
-std::vector<std::vector<Measured>> measureFirst(std::size_t subjects, const std::string& path, int rounds) {
+std::vector<std::vector<Measured>> measureFirst(std::size_t subjects, const std::string& path, int rounds,
+                                                Pages pages = Pages::AsTheKernelHas) {
     std::vector<std::vector<Measured>> measured(subjects);
     for (int round = 0; round < rounds; ++round) {
         for (std::size_t i = 0; i < subjects; ++i) {
-            measured[i].push_back(measure(kSubjects[i].run, path));
+            measured[i].push_back(measure(kSubjects[i].run, path, pages));
             if (measured[i].back().checksum != measured[0].back().checksum) std::abort();
         }
     }
@@ -309,20 +317,43 @@ void showGrowth(int rounds, Figures& figures) {
     }
 }
 
+void comparePages(int rounds, Figures& figures) {
+    constexpr std::size_t kMiB = 64;
+    std::printf("\nAsciiFile::open, 64 MiB\n%-28s %12s %12s\n", "", "large pages", "small pages");
+    for (const TestFile& kind : testFiles()) {
+        const TemporaryFile file(kind, kMiB << 20);
+        double ratios[2];
+        for (const Pages pages : {Pages::AsTheKernelHas, Pages::Small}) {
+            const auto measured = measureFirst(2, file.path(), rounds, pages);
+            const double fread = median(measured[0], &Measured::openSeconds);
+            const double open = median(measured[1], &Measured::openSeconds);
+            const std::string row = std::string(pages == Pages::Small ? "open-64-small-" : "open-64-") + kind.name;
+            figures.add(row, "fread", 1, fread * kNanoseconds);
+            figures.add(row, "ours", 1, open * kNanoseconds);
+            ratios[static_cast<int>(pages)] = open / fread;
+        }
+        std::printf("%-28s %12.2f %12.2f\n", kind.title, ratios[0], ratios[1]);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::size_t mib = 256;
     int rounds = 7;
     bool growth = false;
+    bool pages = false;
     std::string json;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if (argument == "--growth") growth = true;
+        if (argument == "--pages") pages = true;
         if (argument == "--json" && i + 1 < argc) json = argv[++i];
         if (argument == "--size" && i + 1 < argc) mib = std::strtoul(argv[++i], nullptr, 10);
         if (argument == "--rounds" && i + 1 < argc) rounds = std::atoi(argv[++i]);
     }
     Figures figures(json);
-    growth ? showGrowth(rounds, figures) : compare(mib, rounds, figures);
+    if (growth) return showGrowth(rounds, figures), 0;
+    if (pages) return comparePages(rounds, figures), 0;
+    compare(mib, rounds, figures);
 }

@@ -132,10 +132,14 @@ MacroFile Session::readMacro(const std::string& file, UnknownId_e unknownId) {
 }
 
 standin::CommandResult Session::run(const MacroCommand& command) {
-    const TimeInAddOn time(*this, command);
-    standin::CommandResult result = m_host.run(command.addOnId, command.text, command.place);
+    standin::CommandResult result = runWithoutSource(command);
     m_sources.completeFailure(result.place);
     return result;
+}
+
+standin::CommandResult Session::runWithoutSource(const MacroCommand& command) {
+    const TimeInAddOn time(*this, command);
+    return m_host.run(command.addOnId, command.text, command.place);
 }
 
 void Session::hintAtLines() { runner::hintAtLines(m_sources); }

@@ -81,6 +81,8 @@ public:
     /// Runs a command. The place of a failure has the line of the source, if it is known.
     /// \throws vexa::InvalidArgumentException if its add-on is not loaded.
     standin::CommandResult run(const MacroCommand& command);
+    /// Does the same, but does not look for the line of the source, which takes longer than many commands.
+    standin::CommandResult runWithoutSource(const MacroCommand& command);
 
     /// Tells the user once how to see lines of the source, if a finding or a failure could not name one.
     void hintAtLines();

@@ -131,7 +131,7 @@ CheckedSession::CheckedSession(Trial& trial)
 
 CheckedSession::~CheckedSession() = default;
 
-standin::CommandResult CheckedSession::run(const MacroCommand& step) { return m_session.run(step); }
+standin::CommandResult CheckedSession::run(const MacroCommand& step) { return m_session.runWithoutSource(step); }
 
 void CheckedSession::runWell(const MacroCommand& step) {
     const standin::CommandResult result = run(step);
