@@ -10,7 +10,7 @@ namespace {
 
 using Kind_e = TracedSpan::Kind_e;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDecimalDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Takes the parts of a line, one after the other. Each function returns false if the line goes on with something else.
 // JSON allows more than what they take.
@@ -60,14 +60,14 @@ private:
 
     std::size_t countDigits(std::size_t from = 0) const {
         const std::string_view text = m_rest.substr(from);
-        return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isDigit) - text.begin());
+        return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isDecimalDigit) - text.begin());
     }
 
     // JSON has no zeros before a number.
     template <class Number>
     bool takeNumber(std::size_t size, Number& number) {
-        if (size == 0 || !isDigit(m_rest.front())) return false;
-        if (m_rest.front() == '0' && size > 1 && isDigit(m_rest[1])) return false;
+        if (size == 0 || !isDecimalDigit(m_rest.front())) return false;
+        if (m_rest.front() == '0' && size > 1 && isDecimalDigit(m_rest[1])) return false;
         const bool isRead = std::from_chars(m_rest.data(), m_rest.data() + size, number).ec == std::errc();
         m_rest.remove_prefix(size);
         return isRead;
