@@ -17,8 +17,8 @@ cd -- "$root"
 # The Debian packages that each purpose needs.
 build_packages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libcli11-dev libdtl-dev libdw-dev
     libelf-dev libreadline-dev libtomlplusplus-dev nlohmann-json3-dev)
-test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang gdb patch pkgconf python3 python3-jsonschema
-    python3-yaml)
+test_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev clang gdb lldb patch pkgconf python3
+    python3-jsonschema python3-yaml)
 tidy_packages=("${test_packages[@]}" clang-tidy)
 cppcheck_packages=("${test_packages[@]}" cppcheck)
 instructions_packages=("${test_packages[@]}" valgrind)

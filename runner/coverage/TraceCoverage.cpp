@@ -35,7 +35,7 @@ private:
 
     void call(const TracedSpan& span) {
         m_collector.call(span.name, span.track);
-        if (span.end && span.result != "threw") m_collector.answer(span.name, span.result);
+        if (span.end && span.result != kThrew) m_collector.answer(span.name, span.result);
     }
 
     void leaveBefore(std::int64_t time) {

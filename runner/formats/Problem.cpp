@@ -17,7 +17,7 @@ namespace {
 
 constexpr standin::Severity_e kError = standin::Severity_e::Error;
 constexpr char kFieldEnd = '\0';  // printable texts and paths do not contain it
-constexpr std::size_t kFields = 11;
+constexpr std::size_t kFields = 12;
 
 constexpr standin::Rule kRules[] = {
     {kCommandFailed, "Runs", kError, "A command of the macro must succeed.",
@@ -176,7 +176,7 @@ std::string packed(const Problem& problem) {
                                                      place.file,      std::to_string(place.line),
                                                      place.text,      problem.other ? "o" : "",
                                                      other.file,      std::to_string(other.line),
-                                                     other.text};
+                                                     other.text,      problem.debug};
     std::string text;
     for (const std::string& field : fields) text += field + kFieldEnd;
     return text;
@@ -189,8 +189,10 @@ Problem unpackedProblem(std::string_view text) {
                     fields[2],
                     fields[3],
                     {fields[4], numberOf(fields[5]), fields[6]},
-                    std::nullopt};
+                    std::nullopt,
+                    ""};
     if (!fields[7].empty()) problem.other = ProblemPlace{fields[8], numberOf(fields[9]), fields[10]};
+    problem.debug = fields[11];
     return problem;
 }
 

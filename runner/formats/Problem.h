@@ -30,6 +30,7 @@ struct Problem {
     std::string details;                ///< more lines; may be empty
     ProblemPlace place;                 ///< the place that the reader should open
     std::optional<ProblemPlace> other;  ///< the place where the problem started
+    std::string debug;                  ///< the command that shows the problem in a debugger; may be empty
 };
 
 /// The problems that a command of the program found.

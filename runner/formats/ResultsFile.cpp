@@ -24,15 +24,21 @@ void addSource(Json& object, const char* name, const standin::SourcePlace& sourc
     object[name]["line"] = source.line;
 }
 
-Json listOf(const std::vector<standin::Finding>& findings) {
+// A run from the standard input cannot be repeated, and has no such commands.
+void addDebug(Json& object, const std::string& command) {
+    if (!command.empty()) object["debug"] = command;
+}
+
+Json listOf(const std::vector<ResultFinding>& findings) {
     Json list = Json::array();
-    for (const standin::Finding& finding : findings) {
+    for (const auto& [finding, debug] : findings) {
         Json object = {{"rule", finding.rule},
                        {"severity", nameOf(finding.severity)},
                        {"addOn", finding.addOnId},
                        {"message", finding.message}};
         if (finding.opened) addSource(object, "opened", finding.opened->source);
         addSource(object, "source", finding.seen.source);
+        addDebug(object, debug);
         list.push_back(std::move(object));
     }
     return list;
@@ -88,26 +94,28 @@ std::optional<int> statusIn(const Json& object) {
 }  // namespace
 
 std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
-                       std::chrono::duration<double> time, const std::vector<standin::Finding>& findings,
-                       const StackReport& stacks) {
+                       std::chrono::duration<double> time, const ResultDetails& details) {
     Json line = {{kPlaceMember, command.place},
                  {"addOn", command.addOnId},
                  {"command", command.text},
                  {"accepted", result.accepted},
                  {"error", withoutTrailingBlanks(result.error)},
                  {"seconds", time.count()},
-                 {"findings", listOf(findings)}};
+                 {"findings", listOf(details.findings)}};
     addSource(line, "source", result.place.source);
-    add(stacks, line);
+    addDebug(line, details.debug);
+    add(details.stacks, line);
     return lineOf(line);
 }
 
-std::string endLine(const std::string& macroFile, ExitStatus_e status, const std::vector<standin::Finding>& findings,
-                    const std::string& error, const StackReport& stacks) {
-    Json end = {
-        {kMacroFileMember, macroFile}, {"exitStatus", static_cast<int>(status)}, {"findings", listOf(findings)}};
+std::string endLine(const std::string& macroFile, ExitStatus_e status, const ResultDetails& details,
+                    const std::string& error) {
+    Json end = {{kMacroFileMember, macroFile},
+                {"exitStatus", static_cast<int>(status)},
+                {"findings", listOf(details.findings)}};
     if (!error.empty()) end["error"] = error;
-    add(stacks, end);
+    addDebug(end, details.debug);
+    add(details.stacks, end);
     return lineOf(end);
 }
 

@@ -16,19 +16,27 @@ namespace vexa::runner {
 // The results of a run for other programs: one JSON object per line, for each command and then for the whole run.
 // docs/many-files.md describes them.
 
+/// A finding in the results.
+struct ResultFinding {
+    standin::Finding finding;
+    std::string debug;  ///< the command that shows it in a debugger; may be empty
+};
+
+/// What both kinds of lines say.
+struct ResultDetails {
+    std::vector<ResultFinding> findings = {};  ///< since the previous line
+    StackReport stacks = {};                   ///< of a crash or a hang; empty if there was none
+    std::string debug = {};                    ///< the command that shows the failure in a debugger; may be empty
+};
+
 /// Returns the line of a command.
-/// \param findings the findings since the previous line
-/// \param stacks   of a crash or a hang; empty if there was none
 std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
-                       std::chrono::duration<double> time, const std::vector<standin::Finding>& findings,
-                       const StackReport& stacks = {});
+                       std::chrono::duration<double> time, const ResultDetails& details = {});
 
 /// Returns the last line.
-/// \param findings the findings since the previous line
-/// \param error    the reason why the run ended early; empty if it did not
-/// \param stacks   of a crash or a hang; empty if there was none
-std::string endLine(const std::string& macroFile, ExitStatus_e status, const std::vector<standin::Finding>& findings,
-                    const std::string& error = {}, const StackReport& stacks = {});
+/// \param error the reason why the run ended early; empty if it did not
+std::string endLine(const std::string& macroFile, ExitStatus_e status, const ResultDetails& details = {},
+                    const std::string& error = {});
 
 /// Returns the name of a macro file as a results file has it: bytes that are not UTF-8 are replaced.
 std::string nameInResults(const std::string& macroFile);

@@ -95,6 +95,7 @@ Json resultObject(const Problem& problem, std::size_t ruleIndex, const std::stri
                    {"message", textObject(wholeText(problem))},
                    {"locations", Json::array({place})},
                    {"partialFingerprints", {{"primaryLocationLineHash", fingerprint}}}};
+    if (!problem.debug.empty()) result["properties"] = {{"debug", problem.debug}};
     if (!problem.other) return result;
     result["relatedLocations"] = Json::array({{{"id", 1},
                                                {"physicalLocation", physicalLocation(*problem.other, 1)},

@@ -77,17 +77,16 @@ std::string debugCall(const std::string& macroFile, const std::vector<std::strin
     return line;
 }
 
-std::string DebugLines::of(const standin::Finding& finding) {
-    const std::string call = debugCall(m_macroFile, m_options, placeOf(finding));
-    return call.empty() ? "" : "    debug: " + call + '\n';
-}
+std::string debugLine(const std::string& call) { return call.empty() ? "" : "    debug: " + call + '\n'; }
+
+std::string DebugCalls::of(const standin::Finding& finding) { return at(placeOf(finding)); }
 
 // The first finding about a rule is found by its rule, which stays right when the add-on changes.
-StopPlace DebugLines::placeOf(const standin::Finding& finding) {
+StopPlace DebugCalls::placeOf(const standin::Finding& finding) {
     if (finding.rule == kHangRule) return {StopEvent_e::Hang};
     const std::size_t call = finding.seen.call != 0 || !finding.opened ? finding.seen.call : finding.opened->call;
-    const bool isFirst = m_rules.insert(finding.rule).second;
-    if (isFirst || call == 0) return {StopEvent_e::Rule, finding.rule};
+    const std::size_t first = m_firstCalls.try_emplace(finding.rule, call).first->second;
+    if (call == first || call == 0) return {StopEvent_e::Rule, finding.rule};
     return {StopEvent_e::Call, "", call};
 }
 

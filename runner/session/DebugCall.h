@@ -1,6 +1,7 @@
 #pragma once
 
-#include <set>
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,23 +27,28 @@ std::vector<std::string> debugWords(const std::string& macroFile, const std::vec
 /// Returns the command line of `debug` for a shell; empty if \p options is empty or the macro is the standard input.
 std::string debugCall(const std::string& macroFile, const std::vector<std::string>& options, const StopPlace& place);
 
-/// Writes the line with which the text of a finding ends: the command that shows it in a debugger. Give it all findings
-/// of a run, in their order.
-class DebugLines {
+/// Returns the line with which a message about a problem ends: \p call, a command that debugCall() returned, with a
+/// line feed. Empty if \p call is empty.
+std::string debugLine(const std::string& call);
+
+/// The commands that show the problems of a run in a debugger. They are empty if the run cannot be repeated.
+class DebugCalls {
 public:
     /// \param options those of debugOptionsOf()
-    DebugLines(std::string macroFile, std::vector<std::string> options)
+    DebugCalls(std::string macroFile, std::vector<std::string> options)
         : m_macroFile(std::move(macroFile)), m_options(std::move(options)) {}
 
-    /// \return the line with its line feed; empty if the run cannot be repeated.
+    /// Returns the command for a finding. Ask for all findings of a run in their order; again as often as you like.
     std::string of(const standin::Finding& finding);
+    /// Returns the command for another problem.
+    std::string at(const StopPlace& place) const { return debugCall(m_macroFile, m_options, place); }
 
 private:
     StopPlace placeOf(const standin::Finding& finding);
 
     std::string m_macroFile;
     std::vector<std::string> m_options;
-    std::set<std::string> m_rules;  // of the findings so far
+    std::map<std::string, std::size_t> m_firstCalls;  // the call of the first finding about each rule
 };
 
 }  // namespace vexa::runner

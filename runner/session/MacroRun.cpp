@@ -62,7 +62,7 @@ public:
         });
         if (options.record || options.contract.isStrict()) m_host.setRecording(true);
         m_view.show(m_host, !options.batch);
-        m_view.endFindingsBy([this](const standin::Finding& finding) { return m_debugLines.of(finding); });
+        m_view.endFindingsBy([this](const standin::Finding& finding) { return debugLine(m_debugCalls.of(finding)); });
         if (drawsStatus(options)) m_view.drawStatus([this] { return m_stopButton.isPressed(); }, box.isStatusDrawn);
     }
     ~MacroRun() { m_stopButton.disarm(); }
@@ -78,8 +78,7 @@ private:
         tellFindings();
         const ExitStatus_e traced = m_traces.finish(status);
         if (m_options.json) {
-            m_notes.tell(kEndNote,
-                         endLine(m_options.macroFile, traced, newFindings(m_host, m_findingsInResults), "", m_hang));
+            m_notes.tell(kEndNote, endLine(m_options.macroFile, traced, {newResultFindings(), m_hang, debugOfHang()}));
         }
         return traced;
     }
@@ -170,13 +169,25 @@ private:
         const auto time = std::chrono::steady_clock::now() - begin;
         m_view.conclude(result.accepted);
         m_view.printFindings();
-        addResult(command, result, time);
+        const std::string debug = result.accepted ? "" : debugOfFailure();
+        addResult(command, result, time, {}, debug);
         tellFindings();
         if (result.accepted) return;
         ++m_failed;
         tell(placeOf(command), failureWithSource(result));
-        tellProblem(problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source));
+        tellLines("", debugLine(debug));
+        Problem problem = problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source);
+        problem.debug = debug;
+        tellProblem(std::move(problem));
     }
+
+    // `--failure` stops at the first failed command only.
+    std::string debugOfFailure() const {
+        return m_debugCalls.at(m_failed == 0 ? StopPlace{StopEvent_e::Failure}
+                                             : StopPlace{StopEvent_e::Command, "", m_run});
+    }
+
+    std::string debugOfHang() const { return m_hang.isEmpty() ? "" : m_debugCalls.at({StopEvent_e::Hang}); }
 
     void refuse(const MacroCommand& command) {
         ++m_failed;
@@ -189,6 +200,7 @@ private:
     void tellFindings() {
         for (const standin::Finding& finding : newFindings(m_host, m_findingsInProblems)) {
             Problem problem = problemOf(finding, m_options.macroFile);
+            problem.debug = m_debugCalls.of(finding);
             if (finding.rule == kCommandTimeout) addStacks(problem, m_hang);
             tellProblem(std::move(problem));
         }
@@ -201,9 +213,19 @@ private:
     }
 
     void addResult(const MacroCommand& command, const standin::CommandResult& result,
-                   std::chrono::duration<double> time, const StackReport& stacks = {}) {
+                   std::chrono::duration<double> time, const StackReport& stacks = {}, const std::string& debug = {}) {
         if (!m_options.json) return;
-        m_notes.tell(kResultNote, resultLine(command, result, time, newFindings(m_host, m_findingsInResults), stacks));
+        m_notes.tell(kResultNote, resultLine(command, result, time, {newResultFindings(), stacks, debug}));
+    }
+
+    // The findings since the last line of the results.
+    std::vector<ResultFinding> newResultFindings() {
+        std::vector<ResultFinding> findings;
+        for (standin::Finding& finding : newFindings(m_host, m_findingsInResults)) {
+            std::string debug = m_debugCalls.of(finding);
+            findings.push_back({std::move(finding), std::move(debug)});
+        }
+        return findings;
     }
 
     bool writeOutputs() {
@@ -263,12 +285,12 @@ private:
 
     void concludeHang(const Overrun& hang) {
         m_view.printFindings();
-        printFinding(*hang.finding, m_debugLines.of(*hang.finding));
+        printFinding(*hang.finding, debugLine(m_debugCalls.at({StopEvent_e::Hang})));
         m_hang = askForStacks(m_notes);
         tellStacks(m_hang);
         m_host.report(*hang.finding);
         if (!m_isRunning) return;
-        addResult(hang.work, {false, "the command has not returned"}, hang.limit, m_hang);
+        addResult(hang.work, {false, "the command has not returned"}, hang.limit, m_hang, debugOfHang());
         writeOutputs();
     }
 
@@ -280,7 +302,7 @@ private:
     MacroFile m_macro;
     bool m_isRunning = false;  // commands run, and their recording is not written yet
     std::optional<CoverageObserver> m_coverage;
-    DebugLines m_debugLines{m_options.macroFile, m_options.debugOptions};
+    DebugCalls m_debugCalls{m_options.macroFile, m_options.debugOptions};
     std::optional<Stopper> m_stopper;
     TraceOutputs m_traces;
     std::size_t m_findingsInResults = 0;

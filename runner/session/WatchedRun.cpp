@@ -126,20 +126,23 @@ void readTypedMacro(const RunOptions& options) {
 }  // namespace
 
 ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outcome) {
+    const DebugCalls debugCalls(m_options.macroFile, m_options.debugOptions);
     if (outcome.end == End_e::TimedOut) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::CommandHung));
-        DebugLines debugLines(m_options.macroFile, m_options.debugOptions);
-        printFinding(lateFinding(box), debugLines.of(lateFinding(box)));
+        const std::string debug = debugCalls.at({StopEvent_e::Hang});
+        printFinding(lateFinding(box), debugLine(debug));
         tellStacks(outcome.stacks);
-        m_outputs.tell(kProblemNote, packed(lateProblem(box, outcome, m_options.macroFile)));
-        return conclude(box, outcome, ExitStatus_e::CommandHung, "the command has not returned");
+        tellProblem(lateProblem(box, outcome, m_options.macroFile), debug);
+        return conclude(box, outcome, ExitStatus_e::CommandHung, "the command has not returned", debug);
     }
     if (outcome.end == End_e::Died) {
         const LastWords lastWords(static_cast<int>(ExitStatus_e::ProcessEnded));
+        const std::string debug = debugCalls.at({StopEvent_e::Crash});
         tellDeath(box, outcome);
-        m_outputs.tell(kProblemNote, packed(deathProblem(box, outcome, m_options.macroFile)));
+        tellLines("", debugLine(debug));
+        tellProblem(deathProblem(box, outcome, m_options.macroFile), debug);
         return conclude(box, outcome, ExitStatus_e::ProcessEnded,
-                        "the process ended: " + howItEnded(outcome.waitStatus));
+                        "the process ended: " + howItEnded(outcome.waitStatus), debug);
     }
     if (outcome.areNotesWhole) {
         m_outputs.tellEnd();
@@ -151,17 +154,22 @@ ExitStatus_e WatchedRun::judge(const ProcessBox& box, const ProcessOutcome& outc
 }
 
 ExitStatus_e WatchedRun::conclude(const ProcessBox& box, const ProcessOutcome& outcome, ExitStatus_e status,
-                                  const std::string& error) {
+                                  const std::string& error, const std::string& debug) {
     const bool isWritten = m_outputs.writeWhatIsLeft();
     if (m_options.json) {
         const MacroCommand command = {box.place.text(), box.addOnId.text(), box.work.text()};
         const bool isInCommand = box.isInAddOn && !command.addOnId.empty();
-        if (isInCommand)
-            m_outputs.tell(kResultNote, resultLine(command, {false, error}, box.sinceEntered(), {}, outcome.stacks));
-        m_outputs.tell(kEndNote, endLine(m_options.macroFile, status, {}, error, outcome.stacks));
+        const ResultDetails details = {{}, outcome.stacks, debug};
+        if (isInCommand) m_outputs.tell(kResultNote, resultLine(command, {false, error}, box.sinceEntered(), details));
+        m_outputs.tell(kEndNote, endLine(m_options.macroFile, status, details, error));
         m_outputs.tellEnd();
     }
     return isWritten ? status : ExitStatus_e::BadUsageOrInput;
+}
+
+void WatchedRun::tellProblem(Problem problem, const std::string& debug) {
+    problem.debug = debug;
+    m_outputs.tell(kProblemNote, packed(problem));
 }
 
 ProblemReport runReport(const std::vector<Problem>& problems, ExitStatus_e status) {

@@ -26,7 +26,8 @@ public:
 
 private:
     ExitStatus_e conclude(const ProcessBox& box, const ProcessOutcome& outcome, ExitStatus_e status,
-                          const std::string& error);
+                          const std::string& error, const std::string& debug = {});
+    void tellProblem(Problem problem, const std::string& debug);
 
     const RunOptions& m_options;
     RunOutputs m_outputs;

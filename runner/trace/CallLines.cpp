@@ -178,7 +178,7 @@ std::string callLineOf(const TracedSpan& span) {
     call.function = span.name.c_str();
     call.arguments = span.arguments;
     call.result = span.result;
-    call.threw = span.result == "threw";
+    call.threw = span.result == kThrew;
     return lineOf(call);
 }
 

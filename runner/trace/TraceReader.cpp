@@ -9,11 +9,9 @@
 #include <system_error>
 #include <utility>
 
-#include "system/files/InputLines.h"
-#include "system/files/MappedTail.h"
 #include "system/files/StandardStreams.h"
-#include "system/files/WholeFile.h"
 #include "text/ShortText.h"
+#include "trace/SpanLine.h"
 #include "trace/TracedRunBuilder.h"
 
 namespace vexa::runner {
@@ -37,6 +35,7 @@ constexpr std::size_t kMostParts = 1000;
 // Parses the event of a line; the result is discarded if the line is no JSON. Refuses deep nesting, which the JSON
 // library copies by recursion until the stack overflows, and many members, which it searches in quadratic time.
 Json eventIn(std::string_view line) {
+    if (line.find('\0') != std::string_view::npos) throw std::invalid_argument(kNoEvent);  // would end the JSON
     std::size_t parts = 0;
     const auto isBounded = [&](int depth, Json::parse_event_t token, const Json&) {
         if (depth > kMostNested) throw std::invalid_argument("an event that is nested too deeply");
@@ -89,10 +88,46 @@ void checkCrash(const Json& facts) {
     countIn(facts.at("source").at("line"));
 }
 
-// Turns the JSON events of a trace into calls of a visitor.
+// Reads an event that starts a call or a scope.
+SpanEdge startIn(const Json& event, Kind_e kind) {
+    const Json& facts = event.at("args");
+    SpanEdge edge;
+    edge.kind = kind;
+    edge.begins = true;
+    edge.name = event.at("name");
+    edge.thread = integerIn(event.at("tid"));
+    edge.time = event.at("ts");
+    if (kind == Kind_e::Call) edge.number = countIn(facts.at("number"));
+    edge.text = facts.at("arguments");
+    return edge;
+}
+
+std::string resultIn(const Json& facts) {
+    return facts.value("threw", false) ? kThrew : std::string(facts.at("result"));
+}
+
+// Turns the events of a trace into calls of a visitor.
 class EventReader {
 public:
     explicit EventReader(TraceVisitorInterface& visitor) : m_visitor(visitor) {}
+
+    // Adds the event of a line that scanSpanEdge() can read. Returns false if it cannot, or if the event needs a closer
+    // look: then nothing has changed.
+    bool addScanned(std::string_view line) {
+        if (!m_hasHeader || !scanSpanEdge(line, m_edge)) return false;
+        if (m_edge.begins) {
+            begin(m_edge, passTime(m_edge.time));
+            return true;
+        }
+        const auto track = m_trackIndexes.find(m_edge.thread);
+        if (track == m_trackIndexes.end()) return false;
+        std::vector<OpenSpan>& open = m_openSpans[track->second];
+        if (open.empty() || open.back().span.kind != m_edge.kind) return false;
+        open.back().span.end = passTime(m_edge.time);
+        if (m_edge.kind == Kind_e::Call) open.back().span.result = m_edge.text;
+        passEnd(open);
+        return true;
+    }
 
     // Throws an exception of the JSON library if a part of the event is missing or has the wrong type, and
     // std::invalid_argument if the event does not fit those before it.
@@ -100,8 +135,7 @@ public:
         const std::string phase = event.at("ph");
         if (!m_hasHeader) return readHeader(event);
         if (phase == "M") return readName(event);
-        const std::int64_t time = timeOf(event);
-        m_end = std::max(m_end, time);
+        const std::int64_t time = passTime(event.at("ts"));
         if (phase == "B") return begin(event, time);
         if (phase == "E") return end(event, time);
         if (phase == "i") return readInstant(event, time);
@@ -114,7 +148,7 @@ public:
     // Call it after the last event.
     void finish() {
         for (auto& [track, spans] : m_openSpans) {
-            for (; !spans.empty(); spans.pop_back()) passEnd(spans.back());
+            while (!spans.empty()) passEnd(spans);
         }
         m_visitor.runEnded(m_end, m_outcome);
     }
@@ -148,49 +182,50 @@ private:
     }
 
     void begin(const Json& event, std::int64_t time) {
+        const std::string category = event.at("cat");
+        if (category == "call") return begin(startIn(event, Kind_e::Call), time);
+        if (category == "scope") return begin(startIn(event, Kind_e::Scope), time);
         TracedSpan span;
+        span.kind = Kind_e::Entry;
         span.track = trackOf(event);
         span.name = event.at("name");
         span.start = time;
-        const std::string category = event.at("cat");
         const Json& facts = event.at("args");
-        const TracedEntry* entry = nullptr;
-        if (category == "call") {
-            span.number = countIn(facts.at("number"));
-            span.arguments = facts.at("arguments");
-            if (!m_openEntries.empty()) ++m_openEntries.rbegin()->second.calls;
-        } else if (category == "scope") {
-            span.kind = Kind_e::Scope;
-            span.arguments = facts.at("arguments");
-            markAsScope(span.track);
-        } else {
-            span.kind = Kind_e::Entry;
-            entry = &m_openEntries
-                         .emplace(m_spans, TracedEntry{m_spans, category, facts.at("addOn"), facts.at("command"),
-                                                       facts.at("macroLine"), false, "", 0})
-                         .first->second;
-        }
-        auto& open = m_openSpans[span.track];
+        const TracedEntry entry = {
+            m_spans, category, facts.at("addOn"), facts.at("command"), facts.at("macroLine"), false, "", 0};
+        passBegin(std::move(span), &m_openEntries.emplace(m_spans, entry).first->second);
+    }
+
+    void begin(const SpanEdge& edge, std::int64_t time) {
+        TracedSpan span;
+        span.kind = edge.kind;
+        span.track = trackOf(edge.thread);
+        span.name = edge.name;
+        span.start = time;
+        span.number = edge.number;
+        span.arguments = edge.text;
+        if (edge.kind == Kind_e::Scope) markAsScope(span.track);
+        if (edge.kind == Kind_e::Call && !m_openEntries.empty()) ++m_openEntries.rbegin()->second.calls;
+        passBegin(std::move(span), nullptr);
+    }
+
+    void passBegin(TracedSpan&& span, const TracedEntry* entry) {
+        std::vector<OpenSpan>& open = m_openSpans[span.track];
         span.depth = open.size();
         open.push_back({m_spans++, std::move(span)});
         m_visitor.spanBegan(open.back().index, open.back().span, entry);
     }
 
     void end(const Json& event, std::int64_t time) {
-        auto& open = m_openSpans[trackOf(event)];
+        std::vector<OpenSpan>& open = m_openSpans[trackOf(event)];
         if (open.empty()) throw std::invalid_argument("an end without a start");
         TracedSpan& span = open.back().span;
         if (event.at("cat") != "cut off") {  // the span did end
             span.end = time;
-            if (span.kind == Kind_e::Call) {
-                const Json& facts = event.at("args");
-                span.result = facts.value("threw", false) ? "threw" : std::string(facts.at("result"));
-            } else if (span.kind == Kind_e::Entry) {
-                endEntry(open.back().index, event.at("args"));
-            }
+            if (span.kind == Kind_e::Call) span.result = resultIn(event.at("args"));
+            if (span.kind == Kind_e::Entry) endEntry(open.back().index, event.at("args"));
         }
-        passEnd(open.back());
-        open.pop_back();
+        passEnd(open);
     }
 
     void endEntry(std::size_t span, const Json& facts) {
@@ -200,10 +235,13 @@ private:
         entry.error = facts.at("error");
     }
 
-    void passEnd(const OpenSpan& open) {
+    // Ends the innermost of the spans of a track.
+    void passEnd(std::vector<OpenSpan>& spans) {
+        const OpenSpan& open = spans.back();
         const auto entry = m_openEntries.find(open.index);
         m_visitor.spanEnded(open.index, open.span, entry == m_openEntries.end() ? nullptr : &entry->second);
         if (entry != m_openEntries.end()) m_openEntries.erase(entry);
+        spans.pop_back();
     }
 
     void readInstant(const Json& event, std::int64_t time) {
@@ -219,15 +257,18 @@ private:
         }
     }
 
-    std::int64_t timeOf(const Json& event) const {
-        const double time = event.at("ts");
-        const double nanoseconds = (time - m_origin) * kNanosecondsPerMicrosecond;
+    // Returns the nanoseconds since the start of the run, and notes that it lasted so long.
+    std::int64_t passTime(double microseconds) {
+        const double nanoseconds = (microseconds - m_origin) * kNanosecondsPerMicrosecond;
         if (std::abs(nanoseconds) > kMostNanoseconds) throw std::invalid_argument("an impossible time");
-        return std::llround(nanoseconds);
+        const std::int64_t time = std::llround(nanoseconds);
+        m_end = std::max(m_end, time);
+        return time;
     }
 
-    std::size_t trackOf(const Json& event) {
-        const std::int64_t id = integerIn(event.at("tid"));
+    std::size_t trackOf(const Json& event) { return trackOf(integerIn(event.at("tid"))); }
+
+    std::size_t trackOf(std::int64_t id) {
         const auto [place, isNew] = m_trackIndexes.try_emplace(id, m_tracks.size());
         if (!isNew) return place->second;
         m_tracks.push_back({"thread " + std::to_string(id), false});
@@ -245,6 +286,7 @@ private:
     double m_origin = 0;
     std::int64_t m_end = 0;
     std::size_t m_spans = 0;
+    SpanEdge m_edge;  // of the line that is added; keeps its memory for the next one
     std::optional<TracedOutcome> m_outcome;
     std::map<std::int64_t, std::size_t> m_trackIndexes;
     std::vector<TracedTrack> m_tracks;
@@ -252,61 +294,26 @@ private:
     std::map<std::size_t, TracedEntry> m_openEntries;          // by the index of the span
 };
 
-// The lines of a text in memory, as InputLines has those of a file.
-class TextLines {
-public:
-    explicit TextLines(std::string_view text) : m_rest(text) {}
-
-    bool next(std::string_view& line) {
-        if (isAtEnd()) return false;
-        line = m_rest.substr(0, m_rest.find('\n'));
-        m_rest.remove_prefix(std::min(m_rest.size(), line.size() + 1));
-        return true;
-    }
-    bool isAtEnd() const { return m_rest.empty(); }
-
-private:
-    std::string_view m_rest;
-};
-
-// Returns true if \p lines has less than \p size bytes left. Reads them.
-template <class Lines>
-bool hasLessThan(std::size_t size, Lines& lines) {
-    for (std::string_view line; lines.next(line);) {
-        if (line.size() + 1 >= size) return false;
-        size -= line.size() + 1;
-    }
+// Adds the event of a line. Returns false if the line was cut off while it was written.
+bool addLine(std::string_view line, EventReader& reader, LiveLines& lines) {
+    if (reader.addScanned(line)) return true;
+    const Json event = eventIn(line);
+    if (event.is_discarded() && reader.hasHeader() && lines.isAtEnd()) return false;
+    if (event.is_discarded()) throw std::invalid_argument(kNoEvent);
+    reader.add(event);
     return true;
 }
 
-// Returns what stands before the first zero byte of \p line. A run that was killed, together with the process that
-// watched it, leaves such bytes behind the text; elsewhere they are no text of a trace.
-template <class Lines>
-std::string textOfLastLine(std::string_view line, Lines& lines) {
-    std::string text(line.substr(0, line.find('\0')));
-    if (!hasLessThan(MappedTail::kMost - std::min(line.size() - text.size(), MappedTail::kMost), lines)) {
-        throw std::invalid_argument(kNoEvent);
-    }
-    return text;
-}
-
-template <class Lines>
-void visitLines(Lines& lines, const std::string& path, TraceVisitorInterface& visitor) {
+void visitLines(LiveLines& lines, const std::string& path, TraceVisitorInterface& visitor) {
     EventReader reader(visitor);
     std::size_t number = 0;
-    std::string last;
     for (std::string_view line; lines.next(line);) {
         if (!line.empty() && line.back() == ',') line.remove_suffix(1);
         ++number;
         if (number == 1 && line != "[") throw TraceError(path + ": " + kNoTrace);
         if (line == "[" || line == "]") continue;
         try {
-            if (line.find('\0') != std::string_view::npos) line = last = textOfLastLine(line, lines);
-            const Json event = eventIn(line);
-            if (event.is_discarded() && reader.hasHeader() && lines.isAtEnd())
-                break;  // the line was cut off while it was written
-            if (event.is_discarded()) throw std::invalid_argument(kNoEvent);
-            reader.add(event);
+            if (!addLine(line, reader, lines)) break;
         } catch (const Json::exception&) {
             refuse(path, number, reader.hasHeader() ? kWrongPart : kNoTrace);
         } catch (const std::invalid_argument& problem) {
@@ -317,49 +324,43 @@ void visitLines(Lines& lines, const std::string& path, TraceVisitorInterface& vi
     reader.finish();
 }
 
-std::string shownName(const std::string& file) { return isStandardInput(file) ? kStandardInputName : file; }
-
-[[noreturn]] void refuseUnreadable(const std::string& name, const std::system_error& error) {
-    throw TraceError(name + ": cannot be read: " + error.code().message());
+// Returns the result of `read`, which reads the input.
+template <class Read>
+auto reading(const std::string& name, const Read& read) {
+    try {
+        return read();
+    } catch (const std::system_error& error) {
+        throw TraceError(name + ": cannot be read: " + error.code().message());
+    }
 }
 
 }  // namespace
 
-std::string traceTextOf(const std::string& file, std::string& name) {
-    name = shownName(file);
-    try {
-        std::string text = readInput(file);
-        text.resize(textLengthOf(text));  // the run and its watching process may have been killed
-        return text;
-    } catch (const std::system_error& error) {
-        refuseUnreadable(name, error);
-    }
+TraceInput::TraceInput(const std::string& file)
+    : m_name(isStandardInput(file) ? kStandardInputName : file),
+      m_lines(reading(m_name, [&] { return LiveLines(file); })) {}
+
+TraceInput::TraceInput(LiveLines lines, std::string name) : m_name(std::move(name)), m_lines(std::move(lines)) {}
+
+TraceInput TraceInput::ofText(std::string text, std::string name) {
+    return {LiveLines(InputLines::ofText(std::move(text))), std::move(name)};
 }
 
-void visitTrace(const std::string& file, TraceVisitorInterface& visitor) {
-    const std::string name = shownName(file);
-    try {
-        InputLines lines(file);
-        visitLines(lines, name, visitor);
-    } catch (const std::system_error& error) {
-        refuseUnreadable(name, error);
-    }
+char TraceInput::first() {
+    return reading(m_name, [&] { return m_lines.first(); });
 }
 
-void visitTraceText(const std::string& text, const std::string& name, TraceVisitorInterface& visitor) {
-    TextLines lines(text);
-    visitLines(lines, name, visitor);
+std::string TraceInput::text() {
+    return reading(m_name, [&] { return m_lines.rest(); });
 }
 
-TracedRun readTrace(const std::string& file) {
+void TraceInput::visit(TraceVisitorInterface& visitor) {
+    reading(m_name, [&] { visitLines(m_lines, m_name, visitor); });
+}
+
+TracedRun TraceInput::run() {
     TracedRunBuilder builder;
-    visitTrace(file, builder);
-    return builder.take();
-}
-
-TracedRun traceIn(const std::string& content, const std::string& path) {
-    TracedRunBuilder builder;
-    visitTraceText(content, path, builder);
+    visit(builder);
     return builder.take();
 }
 

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "system/files/LiveLines.h"
 #include "trace/TraceVisitor.h"
 #include "trace/TracedRun.h"
 
@@ -14,26 +15,37 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Passes the events of a trace of an EventTrace to \p visitor, and holds only those of open spans. The trace may be
-/// incomplete, if the run was killed.
-/// \throws TraceError. The visitor may then have got a part of the events.
-void visitTrace(const std::string& file, TraceVisitorInterface& visitor);
+/// An input that may be the trace of an EventTrace. The trace may be incomplete, if the run was killed.
+///
+///     TraceInput input("sweep.trace");
+///     const TracedRun run = input.run();
+///
+/// Errors: TraceError from construction and from each function.
+class TraceInput {
+public:
+    /// \param file the file; `-` is the standard input
+    explicit TraceInput(const std::string& file);
+    /// Returns the input with the text of a trace.
+    /// \param name the file in messages
+    static TraceInput ofText(std::string text, std::string name);
 
-/// Does the same with the text of a trace.
-/// \param name the file in messages
-void visitTraceText(const std::string& text, const std::string& name, TraceVisitorInterface& visitor);
+    /// Returns the file in messages.
+    const std::string& name() const { return m_name; }
+    /// Returns the first byte, so that the caller can choose how to read the input; zero if the input is empty.
+    char first();
+    /// Reads the input as text.
+    std::string text();
+    /// Passes the events to \p visitor, and holds only those of open spans. If the function throws, the visitor may
+    /// have got a part of the events.
+    void visit(TraceVisitorInterface& visitor);
+    /// Reads the trace into memory.
+    TracedRun run();
 
-/// Reads a trace of an EventTrace into memory. The trace may be incomplete, if the run was killed.
-/// \throws TraceError
-TracedRun readTrace(const std::string& file);
+private:
+    TraceInput(LiveLines lines, std::string name);
 
-/// Reads a trace from its text.
-/// \param path the file in messages
-/// \throws TraceError
-TracedRun traceIn(const std::string& content, const std::string& path);
-
-/// Reads a file for traceIn(); `-` is the standard input. Sets \p name to the file in messages.
-/// \throws TraceError
-std::string traceTextOf(const std::string& file, std::string& name);
+    std::string m_name;
+    LiveLines m_lines;
+};
 
 }  // namespace vexa::runner

@@ -8,8 +8,8 @@
 
 namespace vexa::runner {
 
-/// Receives the events of a trace in their order, from visitTrace(). So a program can read a trace that is larger than
-/// memory.
+/// Receives the events of a trace in their order, from TraceInput::visit(). So a program can read a trace that is
+/// larger than memory.
 ///
 /// The references are valid during the call.
 class TraceVisitorInterface {

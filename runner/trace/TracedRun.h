@@ -15,6 +15,9 @@ struct TracedTrack {
     bool isScope = false;
 };
 
+/// The result of a call that threw an exception.
+inline constexpr const char* kThrew = "threw";
+
 /// A span of time of the run. Times are nanoseconds since its start.
 struct TracedSpan {
     enum class Kind_e { Entry, Call, Scope };

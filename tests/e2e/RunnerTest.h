@@ -33,6 +33,11 @@ inline std::string withoutStack(const std::string& text) {
     return rest;
 }
 
+/// Returns \p text without the lines that name a command of `debug`.
+inline std::string withoutDebugLines(const std::string& text) {
+    return std::regex_replace(text, std::regex("    debug: [^\n]*\n"), "");
+}
+
 /// A test that runs the real vexa-standin in a temporary folder of its own.
 class RunnerTest : public ::testing::Test {
 protected:

@@ -97,7 +97,7 @@ TEST_F(WatchedRun, TellsWhatEndedItsProcess) {
         SCOPED_TRACE(death.way);
         const ProgramResult result = run("ENDING nothing\nENDING " + std::string(death.way) + "\nENDING nothing\n");
         EXPECT_EQ(result.status, 5);
-        EXPECT_EQ(withoutStack(result.err), deathLine(death.way, death.how));
+        EXPECT_EQ(withoutDebugLines(withoutStack(result.err)), deathLine(death.way, death.how));
     }
 }
 
@@ -140,9 +140,9 @@ TEST_F(WatchedRun, OfManyFailsWhenItsProcessEnds) {
         SCOPED_TRACE(death.way);
         const ProgramResult result = runMany("ENDING nothing\nENDING " + std::string(death.way) + '\n');
         EXPECT_EQ(result.status, 5);
-        EXPECT_EQ(withoutStack(result.err), deathLine(death.way, death.how) +
-                                                "vexa-standin: 2 macro files run, 1 failed\n"
-                                                "    m.macro: an add-on ended its process\n");
+        EXPECT_EQ(withoutDebugLines(withoutStack(result.err)), deathLine(death.way, death.how) +
+                                                                   "vexa-standin: 2 macro files run, 1 failed\n"
+                                                                   "    m.macro: an add-on ended its process\n");
         EXPECT_NE(read("many.jsonl").find("{\"macroFile\":\"m.macro\",\"exitStatus\":5,"), std::string::npos);
         EXPECT_EQ(lastResult("many.jsonl").at("macroFile"), "other.macro");
     }
@@ -174,8 +174,8 @@ TEST_F(WatchedRun, FailsACheckWhenItsProcessEnds) {
 TEST_F(WatchedRun, TellsOfAnEndInTheEntryOfAnAddOn) {
     const ProgramResult result = run("ENDING nothing\n", {"--json", "r.jsonl"}, ADDON_ENDING_IN_ENTRY);
     EXPECT_EQ(result.status, 5);
-    EXPECT_EQ(result.err, "vexa-standin: error: \"loading of " ADDON_ENDING_IN_ENTRY
-                          "\" ended the process: exit status 0; it made no host call\n");
+    EXPECT_EQ(withoutDebugLines(result.err), "vexa-standin: error: \"loading of " ADDON_ENDING_IN_ENTRY
+                                             "\" ended the process: exit status 0; it made no host call\n");
     EXPECT_EQ(lastResult("r.jsonl").at("exitStatus"), 5);
 }
 
@@ -183,8 +183,8 @@ TEST_F(WatchedRun, ListsNoAddOnThatEndsItsProcess) {
     const ProgramResult result = runProgram(runner({"list", ADDON_ENDING_IN_ENTRY}));
     EXPECT_EQ(result.status, 5);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "vexa-standin: error: \"loading of " ADDON_ENDING_IN_ENTRY
-                          "\" ended the process: exit status 0; it made no host call\n");
+    EXPECT_EQ(withoutDebugLines(result.err), "vexa-standin: error: \"loading of " ADDON_ENDING_IN_ENTRY
+                                             "\" ended the process: exit status 0; it made no host call\n");
 }
 
 TEST_F(WatchedRun, TellsOfAnEndAtShutdownAndInDestructors) {

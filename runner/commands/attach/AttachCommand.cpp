@@ -11,6 +11,7 @@
 #include "options/UsageError.h"
 #include "session/ProjectSettings.h"
 #include "system/files/OutputTarget.h"
+#include "system/files/ProgramFiles.h"
 #include "system/files/RunFiles.h"
 #include "system/files/StandardStreams.h"
 #include "terminal/Console.h"
@@ -74,7 +75,7 @@ ExitStatus_e attach(AttachOptions& options) {
     if (file.empty()) return refuse(name, "no such program in the folders of PATH");
     const std::string reason = whyNotAttachable(file);
     if (!reason.empty()) return refuse(file, reason);
-    const std::string layer = layerFile();
+    const std::string layer = fileBesideProgram({"../layer/libvexalayer.so", VEXA_INSTALLED_LAYER});
     if (layer.empty()) return refuse(kProgramName, "libvexalayer.so is not installed with this program");
     if (layer.find(':') != std::string::npos) return refuse(layer, "LD_AUDIT takes no path with a colon");
     checkFiles(options, file);

@@ -12,7 +12,7 @@
 #include <sstream>
 
 #include "system/files/ElfFile.h"
-#include "terminal/Terminal.h"
+#include "system/files/ProgramFiles.h"
 
 namespace vexa::runner {
 namespace {
@@ -21,10 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kLoader = "ld-linux-x86-64.so.2";
 constexpr const char* kSymbolOfUsableLoader = "__rseq_offset";  // new in glibc 2.35
-constexpr const char* kUsualPath = "/bin:/usr/bin";
 constexpr int kMostScripts = 4;  // as many interpreters as the system starts for one another
-
-bool isExecutableFile(const std::string& path) { return fs::is_regular_file(path) && access(path.c_str(), X_OK) == 0; }
 
 // The system lets no variable change the loading of such a program.
 bool getsPrivileges(const std::string& path) {
@@ -99,28 +96,6 @@ std::string whyNotAttachable(const std::string& path, int scripts) {
 
 }  // namespace
 
-std::string findProgram(const std::string& name) {
-    if (name.find('/') != std::string::npos) return name;
-    const std::string_view path = environment("PATH");
-    std::istringstream folders(std::string(path.empty() ? kUsualPath : path));
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        std::string file = (folder.empty() ? "." : folder) + '/' + name;
-        if (isExecutableFile(file)) return file;
-    }
-    return "";
-}
-
 std::string whyNotAttachable(const std::string& path) { return whyNotAttachable(path, kMostScripts); }
-
-// In a build tree, and installed.
-std::string layerFile() {
-    std::error_code error;
-    const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
-    for (const char* const place : {"../layer/libvexalayer.so", VEXA_INSTALLED_LAYER}) {
-        const fs::path file = fs::weakly_canonical(folder / place, error);
-        if (fs::is_regular_file(file)) return file;
-    }
-    return "";
-}
 
 }  // namespace vexa::runner

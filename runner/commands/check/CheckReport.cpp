@@ -58,7 +58,10 @@ std::string origin(const TestResult& test) {
 
 std::vector<Problem> problemsOf(const TestResult& test) {
     std::vector<Problem> problems = test.verdict.problems;
-    for (Problem& problem : problems) problem.details += origin(test);
+    for (Problem& problem : problems) {
+        problem.details += origin(test);
+        problem.debug = test.debug;
+    }
     return problems;
 }
 
@@ -118,13 +121,15 @@ std::string countsText(const CheckReport& report) {
 std::string jsonText(const CheckReport& report) {
     Json tests = Json::array();
     for (const TestResult& test : report.tests) {
-        tests.push_back({{"name", test.test->name},
-                         {"summary", test.test->summary},
-                         {"outcome", nameOf(test.verdict.outcome)},
-                         {"seconds", secondsOf(test)},
-                         {"refusedWrites", test.refusedWrites},
-                         {"reason", test.verdict.reason},
-                         {"reproduce", printable(test.reproduce)}});
+        Json object = {{"name", test.test->name},
+                       {"summary", test.test->summary},
+                       {"outcome", nameOf(test.verdict.outcome)},
+                       {"seconds", secondsOf(test)},
+                       {"refusedWrites", test.refusedWrites},
+                       {"reason", test.verdict.reason},
+                       {"reproduce", printable(test.reproduce)}};
+        if (!test.debug.empty()) object["debug"] = printable(test.debug);
+        tests.push_back(std::move(object));
     }
     return dumped({{"tool", kTool},
                    {"version", VEXA_STANDIN_VERSION},

@@ -196,12 +196,16 @@ private:
         Verdict& verdict = result.verdict;
         verdict.reason = printable(verdict.reason);
         const bool isOfInterest = verdict.outcome != Outcome_e::Passed && verdict.outcome != Outcome_e::Skipped;
-        if (isOfInterest) result.reproduce = reproducingCommand(result);
+        if (isOfInterest) {
+            result.reproduce = reproducingCommand(result);
+            result.debug = debuggingCommand(result);
+        }
         std::printf("  %-9s  %-28s %6s s\n", nameOf(verdict.outcome), result.test->name,
                     decimalSeconds(result.duration, 2).c_str());
         const ToldCauses::Told told = m_causes.tell(result.test->name, verdict);
         if (!told.text.empty()) print(indented(told.text) + '\n');
-        if (told.isNew) print("      reproduce: " + result.reproduce + '\n' + debugLine(result));
+        if (told.isNew) print("      reproduce: " + result.reproduce + '\n');
+        if (told.isNew && !result.debug.empty()) print("      debug:     " + result.debug + '\n');
         std::fflush(stdout);
         m_report.tests.push_back(std::move(result));
     }
@@ -223,21 +227,20 @@ private:
         return command;
     }
 
-    // The line with the command that shows the failure in a debugger; empty if no macro reproduces the failure.
-    std::string debugLine(const TestResult& result) const {
+    // The command that shows the failure in a debugger; empty if no macro reproduces the failure.
+    std::string debuggingCommand(const TestResult& result) const {
         if (result.macro.empty()) return "";
         SessionOptions options = m_options.session;
         options.addOns.insert(options.addOns.begin(), m_options.addOn);
         if (result.verdict.outcome == Outcome_e::TimedOut) options.contract.timeout = Seconds(m_setting.timeout);
-        const std::string call =
-            debugCall(result.macro, debugOptionsOf(options, true, true), stopPlaceOf(result.verdict));
-        return call.empty() ? "" : "      debug:     " + call + '\n';
+        return debugCall(result.macro, debugOptionsOf(options, true, true), stopPlaceOf(result.verdict));
     }
 
     static StopPlace stopPlaceOf(const Verdict& verdict) {
         if (verdict.outcome == Outcome_e::TimedOut) return {StopEvent_e::Hang};
         if (verdict.outcome == Outcome_e::Crashed) return {StopEvent_e::Crash};
         const std::string rule = verdict.problems.empty() ? "" : verdict.problems.front().rule;
+        if (rule == kCommandFailed) return {StopEvent_e::Failure};
         return standin::findRule(rule) == nullptr ? StopPlace() : StopPlace{StopEvent_e::Rule, rule};
     }
 

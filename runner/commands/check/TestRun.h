@@ -20,6 +20,7 @@ struct TestResult {
     std::vector<std::string> addOnIds;  ///< the ids of the add-ons that it loaded last, the checked one first
     std::string macro;                  ///< the file of the macro that reproduces the outcome; empty if there is none
     std::string reproduce;  ///< a command that reproduces the outcome; empty if the test passed or was skipped
+    std::string debug;      ///< a command that shows it in a debugger; empty if there is no macro
 };
 
 /// Runs \p test in another process. If the process crashes or hangs, the verdict says so.

@@ -48,11 +48,9 @@ struct CoverageOptions {
 };
 
 // A trace is a JSON array, and a coverage file is a JSON object.
-Coverage coverageOfInput(const std::string& input) {
-    std::string name;
-    const std::string text = traceTextOf(input, name);
-    const bool isTrace = text.empty() || text.front() != '{';
-    return isTrace ? coverageOfTrace(traceIn(text, name)) : coverageIn(text, name);
+Coverage coverageOfInput(const std::string& file) {
+    TraceInput input(file);
+    return input.first() == '{' ? coverageIn(input.text(), input.name()) : coverageOfTrace(input.run());
 }
 
 ExitStatus_e judge(const CoverageOptions& options, const Share& total) {

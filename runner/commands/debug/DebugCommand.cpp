@@ -19,31 +19,32 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kDebugFooter = R"(gdb stops in the source of the add-on, at the first place of these:
-  --rule RULE    the first finding about RULE. The gdb command 'opened' goes to the
-                 call that started the problem; 'seen' goes back
+constexpr const char* kDebugFooter = R"(The debugger stops in the source of the add-on, at the first place of these:
+  --rule RULE    the first finding about RULE. The debugger's command 'opened' goes to
+                 the call that started the problem; 'seen' goes back
   --call N       the N-th host call; findings and traces have the number
   --command N    the first line that runs for the N-th command of the macro
   --failure      the first command that fails, where its error arose
   --hang         work that exceeds --timeout, which is 10 seconds if not given
-  --crash        a crash
-Without such an option, gdb stops at the first of: finding, failed command, crash.
+  --crash        a crash, or an add-on that ends the process
+Without such an option, it stops at the first of: finding, failed command, crash.
 A finding without a place in the add-on, such as a lock that was left at the end
 of a command, stops where the problem started.
 
-With --batch, gdb prints the stack and the variables of the place, and ends.
-Arguments after -- go to gdb. Its commands run at the place.
+With --batch, it prints the stack and the variables of the place, and ends.
+Arguments after -- go to the debugger. Its commands run at the place.
 
-Build the add-on with -g, or gdb shows no lines.
+The debugger is gdb, or lldb where gdb is not installed. Build the add-on with -g,
+or it shows no lines.
 
 Examples:
   vexa-standin debug sweep.macro --addon ./libstats.so --rule unbalanced-lock
   vexa-standin debug sweep.macro --addon ./libstats.so --batch -- -ex 'print zones'
 
 Exit status:
-  0  with --batch: the place was reached; otherwise that of gdb
+  0  with --batch: the place was reached; otherwise that of the debugger
   1  the place was not reached
-  2  wrong usage or input; gdb is missing or cannot trace the program)";
+  2  wrong usage or input; no debugger is there, or it cannot trace the program)";
 
 constexpr std::chrono::seconds kHangLimit{10};
 
@@ -56,7 +57,8 @@ struct DebugRequest {
     bool hang = false;
     bool crash = false;
     bool batch = false;
-    std::vector<std::string> gdbArguments;
+    std::optional<std::string> debugger;
+    std::vector<std::string> debuggerArguments;
 };
 
 std::string whyNoRule(const std::string& name) { return standin::findRule(name) != nullptr ? "" : noSuchRule(name); }
@@ -106,7 +108,8 @@ ExitStatus_e debug(const DebugRequest& request) {
     call.addOns = request.options.addOns;
     call.place = places.empty() ? StopPlace() : places.front();
     call.batch = request.batch;
-    call.arguments = request.gdbArguments;
+    call.arguments = request.debuggerArguments;
+    call.debugger = request.debugger;
     return enterDebugger(call);
 }
 
@@ -134,9 +137,12 @@ ExitStatus_e runDebugged(RunOptions& options) {
 
 Command debugCommand() {
     const auto request = std::make_shared<DebugRequest>();
-    Command command{"debug", "Run a macro file in gdb, and stop where it goes wrong", kDebugFooter};
+    Command command{"debug", "Run a macro file in a debugger, and stop where it goes wrong", kDebugFooter};
     addRunOptions(command, request->options);
-    command.add(argument("GDB-ARGUMENT", "Arguments for gdb, after --", &request->gdbArguments));
+    command.add(argument("ARGUMENT", "Arguments for the debugger, after --", &request->debuggerArguments));
+    command.add(
+        option({"--debugger"}, "PROGRAM", "The debugger: gdb, lldb, or the path of one of them", &request->debugger)
+            .suggest({"gdb", "lldb"}));
     command.add(option({"--rule"}, "RULE", "Stop at the first finding about a rule", &request->rule)
                     .check(whyNoRule)
                     .suggest(ruleNames()));

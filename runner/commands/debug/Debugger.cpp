@@ -6,37 +6,34 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <nlohmann/json.hpp>
-#include <string_view>
 
+#include "commands/debug/FoundDebugger.h"
 #include "system/files/MemoryFile.h"
+#include "system/processes/ExecArguments.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
 namespace {
 
-// The script as bytes: a string literal of this length is not portable.
-constexpr char kScript[] = {
+// The scripts as bytes: string literals of this length are not portable.
+constexpr char kPlacesScript[] = {
+#include "places.py.inc"
+};
+constexpr char kGdbScript[] = {
 #include "gdb.py.inc"
 };
+constexpr char kLldbScript[] = {
+#include "lldb.py.inc"
+};
+constexpr const char* kModulesVariable = "PYTHONPATH";
 
-enum class Gdb_e { Missing, WithoutPython, Usable };
-
-// The options with which gdb was built say whether it has Python.
-Gdb_e findGdb() {
-    const auto close = [](FILE* file) { pclose(file); };
-    // NOLINTNEXTLINE(cert-env33-c): the command is fixed
-    const std::unique_ptr<FILE, decltype(close)> pipe(popen("gdb --configuration 2>/dev/null", "re"), close);
-    std::string text;
-    char part[4096];
-    while (pipe && std::fgets(part, sizeof part, pipe.get()) != nullptr) text += part;
-    if (text.empty()) return Gdb_e::Missing;
-    return text.find("--with-python") == std::string::npos ? Gdb_e::WithoutPython : Gdb_e::Usable;
+template <std::size_t size>
+std::string textOf(const char (&bytes)[size]) {
+    return std::string(bytes, size);
 }
 
 bool isTracingAllowed() {
@@ -46,64 +43,91 @@ bool isTracingAllowed() {
     return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-std::string whyNoDebugger() {
-    switch (findGdb()) {
-        case Gdb_e::Missing: return "gdb was not found; install it: apt-get install gdb";
-        case Gdb_e::WithoutPython: return "this gdb has no Python; install the full one: apt-get install gdb";
-        case Gdb_e::Usable: break;
-    }
-    if (isTracingAllowed()) return "";
+std::string whyNot(const FoundDebugger& debugger) {
+    if (!debugger.problem.empty() || isTracingAllowed()) return debugger.problem;
     return "a debugger cannot trace programs here; /proc/sys/kernel/yama/ptrace_scope must be less than 2, and a "
            "container needs --cap-add=SYS_PTRACE";
 }
 
+// The variables of the program that differ from those of the debugger.
+nlohmann::json changedVariables(const FoundDebugger& debugger) {
+    nlohmann::json variables = nlohmann::json::object();
+    if (debugger.modules.empty()) return variables;
+    const char* const value = std::getenv(kModulesVariable);
+    variables[kModulesVariable] = value == nullptr ? nlohmann::json() : nlohmann::json(value);
+    return variables;
+}
+
 // The script reads its settings from the line before it.
-std::string scriptOf(const DebuggerCall& call) {
-    const nlohmann::json settings = {
-        {"place", textOf(call.place)}, {"variable", kStopVariable}, {"addOns", call.addOns}, {"batch", call.batch}};
+std::string scriptOf(const DebuggerCall& call, const FoundDebugger& debugger) {
+    const nlohmann::json settings = {{"place", textOf(call.place)},
+                                     {"variable", kStopVariable},
+                                     {"addOns", call.addOns},
+                                     {"environment", changedVariables(debugger)},
+                                     {"batch", call.batch}};
     const std::string text = settings.dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
-    return "SETTINGS = " + nlohmann::json(text).dump(-1, ' ', true) + '\n' + std::string(kScript, sizeof kScript);
+    const bool isGdb = debugger.kind == Debugger_e::Gdb;
+    return "SETTINGS = " + nlohmann::json(text).dump(-1, ' ', true) + '\n' + textOf(kPlacesScript) + '\n' +
+           (isGdb ? textOf(kGdbScript) : textOf(kLldbScript));
 }
 
-// The gdb command that runs the script in the file `descriptor` and closes it, so that the run does not inherit it.
+// The Python that runs the script in the file `descriptor` and closes it, so that the run does not inherit it.
 std::string runScript(int descriptor) {
-    return "python import os; vexa = os.fdopen(" + std::to_string(descriptor) +
-           "); vexa.seek(0); SCRIPT = vexa.read(); vexa.close(); exec(SCRIPT)";
+    const std::string number = std::to_string(descriptor);
+    return "import os; vexa = open('/proc/self/fd/" + number + "').read(); os.close(" + number + "); exec(vexa, {})";
 }
 
-std::vector<std::string> argumentsOf(const DebuggerCall& call, int script) {
-    std::vector<std::string> arguments = {"gdb", "-q"};
-    if (call.batch) arguments.insert(arguments.end(), {"-nx", "-batch"});
-    arguments.insert(arguments.end(), {"-ex", runScript(script)});
-    arguments.insert(arguments.end(), call.arguments.begin(), call.arguments.end());
+// The words of the command line that differ from debugger to debugger.
+struct Words {
+    std::vector<std::string> start;  // of each call
+    std::vector<std::string> batch;  // with --batch
+    const char* command;             // the option that runs a command
+    const char* python;              // the command that runs Python
+    const char* program;             // what stands before the program and its arguments
+};
+
+Words wordsOf(Debugger_e kind) {
+    if (kind == Debugger_e::Gdb) return {{"-q"}, {"-nx", "-batch"}, "-ex", "python ", "--args"};
+    return {{"-Q"}, {"-x"}, "-o", "script ", "--"};
+}
+
+std::vector<std::string> argumentsOf(const DebuggerCall& call, const FoundDebugger& debugger, int script) {
+    const Words words = wordsOf(debugger.kind);
+    std::vector<std::string> arguments = {debugger.program};
+    const auto add = [&](const std::vector<std::string>& more) {
+        arguments.insert(arguments.end(), more.begin(), more.end());
+    };
+    add(words.start);
+    if (call.batch) add(words.batch);
+    add({words.command, words.python + runScript(script)});
+    add(call.arguments);
     // Without this, a failed command of the user would decide on the exit status.
-    if (call.batch) arguments.insert(arguments.end(), {"-ex", "quit 0"});
-    arguments.insert(arguments.end(), {"--args", std::filesystem::read_symlink("/proc/self/exe"), kDebuggedCommand});
-    arguments.insert(arguments.end(), call.words.begin(), call.words.end());
+    if (call.batch) add({words.command, "quit 0"});
+    add({words.program, std::filesystem::read_symlink("/proc/self/exe"), kDebuggedCommand});
+    add(call.words);
     return arguments;
 }
 
-void replaceProcess(std::vector<std::string>& arguments) {
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    execvp(pointers.front(), pointers.data());
+void replaceProcess(const FoundDebugger& debugger, const std::vector<std::string>& arguments) {
+    const char* const others = std::getenv(kModulesVariable);
+    const std::string modules = debugger.modules + (others == nullptr ? "" : std::string(":") + others);
+    if (!debugger.modules.empty()) setenv(kModulesVariable, modules.c_str(), 1);
+    execvp(arguments.front().c_str(), execArguments(arguments).data());
 }
 
 }  // namespace
 
 ExitStatus_e enterDebugger(const DebuggerCall& call) {
-    const std::string reason = whyNoDebugger();
+    const FoundDebugger debugger = findDebugger(call.debugger);
+    const std::string reason = whyNot(debugger);
     if (!reason.empty()) {
         tell("debug", reason);
         return ExitStatus_e::BadUsageOrInput;
     }
-    const MemoryFile script(scriptOf(call));
+    const MemoryFile script(scriptOf(call, debugger));
     fcntl(script.descriptor(), F_SETFD, 0);  // the debugger inherits it
-    std::vector<std::string> arguments = argumentsOf(call, script.descriptor());
-    replaceProcess(arguments);
-    tell("debug", std::string("gdb cannot be started: ") + std::strerror(errno));
+    replaceProcess(debugger, argumentsOf(call, debugger, script.descriptor()));
+    tell("debug", debugger.program + " cannot be started: " + std::strerror(errno));
     return ExitStatus_e::BadUsageOrInput;
 }
 

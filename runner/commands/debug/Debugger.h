@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,11 +16,12 @@ inline constexpr const char* kStopVariable = "VEXA_STANDIN_STOP_AT";
 
 /// A run in a debugger.
 struct DebuggerCall {
-    std::vector<std::string> words;      ///< of the command line, after `vexa-standin debugged`
-    std::vector<std::string> addOns;     ///< the files of the add-ons
-    StopPlace place;                     ///< where the run stops
-    bool batch = false;                  ///< print the place and end, without a prompt
-    std::vector<std::string> arguments;  ///< of the user, for the debugger
+    std::vector<std::string> words;       ///< of the command line, after `vexa-standin debugged`
+    std::vector<std::string> addOns;      ///< the files of the add-ons
+    StopPlace place;                      ///< where the run stops
+    bool batch = false;                   ///< print the place and end, without a prompt
+    std::vector<std::string> arguments;   ///< of the user, for the debugger
+    std::optional<std::string> debugger;  ///< the one that the user wants; see findDebugger()
 };
 
 /// Replaces this process by the debugger, which runs the macro.

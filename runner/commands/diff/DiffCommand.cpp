@@ -36,10 +36,8 @@ struct DiffOptions {
 
 // A trace as text starts with a comment.
 CallLines linesOf(const std::string& file) {
-    std::string name;
-    const std::string text = traceTextOf(file, name);
-    const bool isText = !text.empty() && text.front() == '#';
-    return isText ? callLinesIn(text, name) : callLinesOf(traceIn(text, name));
+    TraceInput input(file);
+    return input.first() == '#' ? callLinesIn(input.text(), input.name()) : callLinesOf(input.run());
 }
 
 ExitStatus_e diff(const DiffOptions& options) {

@@ -41,7 +41,7 @@ struct ReportOptions {
 
 PageData dataOf(const std::string& trace) {
     PageData data;
-    visitTrace(trace, data);
+    TraceInput(trace).visit(data);
     return data;
 }
 

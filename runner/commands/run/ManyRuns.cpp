@@ -87,7 +87,7 @@ private:
     // A run that Ctrl-C ended before it could stop its macro counts as stopped.
     ExitStatus_e statusOf(std::size_t index, const ProcessBox& box, const ProcessOutcome& outcome) {
         if (!wasInterrupted(outcome)) return m_runs[index]->watched.judge(box, outcome);
-        m_runs[index]->results += endLine(m_macroFiles[index], ExitStatus_e::Stopped, {});
+        m_runs[index]->results += endLine(m_macroFiles[index], ExitStatus_e::Stopped);
         return ExitStatus_e::Stopped;
     }
 

@@ -6,27 +6,25 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <mutex>
 #include <new>
-#include <system_error>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "system/LastError.h"
+#include "system/files/ProgramFiles.h"
 #include "system/files/WholeFile.h"
 #include "system/processes/AllocationHooks.h"
+#include "system/processes/ExecArguments.h"
 #include "terminal/Terminal.h"
 #include "text/StartsWith.h"
 #include "vexastandin/Host.h"
 
 namespace vexa::runner {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* kPreload = "LD_PRELOAD";
 
@@ -106,17 +104,6 @@ bool isSanitized() {
                        [](const char* function) { return dlsym(RTLD_DEFAULT, function) != nullptr; });
 }
 
-// In a build tree, and installed.
-std::string libraryFile() {
-    std::error_code error;
-    const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
-    for (const char* const place : {"preload/libvexaallocations.so", VEXA_INSTALLED_ALLOCATIONS}) {
-        const fs::path file = fs::weakly_canonical(folder / place, error);
-        if (fs::is_regular_file(file, error)) return file;
-    }
-    return "";
-}
-
 // The programs that add-ons start do not need the library.
 void hideLibrary(const std::string& library) {
     const std::string all(environment(kPreload));
@@ -140,12 +127,8 @@ std::vector<std::string> ownArguments() {
 [[noreturn]] void restartWith(const std::string& library) {
     const std::string_view others = environment(kPreload);
     setenv(kPreload, (library + (others.empty() ? "" : ":") + std::string(others)).c_str(), 1);
-    std::vector<std::string> arguments = ownArguments();
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    execv("/proc/self/exe", pointers.data());
+    const std::vector<std::string> arguments = ownArguments();
+    execv("/proc/self/exe", execArguments(arguments).data());
     throwLastError("cannot start the program again to count allocations");
 }
 
@@ -178,7 +161,7 @@ AllocationCount AllocationCounter::count() {
 }
 
 std::string prepareToCountAllocations() {
-    const std::string library = libraryFile();
+    const std::string library = fileBesideProgram({"preload/libvexaallocations.so", VEXA_INSTALLED_ALLOCATIONS});
     if (isSanitized()) return "a sanitizer has an allocator of its own, whose allocations cannot be counted";
     if (library.empty()) return "libvexaallocations.so is not installed with this program";
     if (hooksOfLibrary() == nullptr) {

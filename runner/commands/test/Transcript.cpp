@@ -140,10 +140,12 @@ private:
     // Explains a finding for the user, because the transcript has no places. The first finding of each cause has all
     // details.
     void explain(const standin::Finding& finding, const StackReport& stacks = {}) {
-        const std::string ending = "    more:  vexa-standin explain " + finding.rule + '\n' + m_debugLines.of(finding);
+        const std::string debug = m_debugCalls.of(finding);
+        const std::string ending = "    more:  vexa-standin explain " + finding.rule + '\n' + debugLine(debug);
         const std::string text = m_causes.add(finding) ? textOf(finding) + ending : briefTextOf(finding);
         m_notes.tell(kExplainedNote, text + textOf(stacks));
         Problem problem = problemOf(finding, m_macroFile);
+        problem.debug = debug;
         addStacks(problem, stacks);
         m_notes.tell(kProblemNote, packed(problem));
     }
@@ -171,7 +173,7 @@ private:
     std::string m_dialogs;
     std::size_t m_findings = 0;  // how many findings were noted
     standin::FindingCauses m_causes;
-    DebugLines m_debugLines{m_macroFile, m_options.debugOptions};
+    DebugCalls m_debugCalls{m_macroFile, m_options.debugOptions};
     std::optional<CoverageObserver> m_coverage;
     std::optional<CallRecorder> m_calls;
     std::optional<CommandCosts> m_costs;

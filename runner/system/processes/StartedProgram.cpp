@@ -10,6 +10,7 @@
 
 #include "system/Descriptor.h"
 #include "system/LastError.h"
+#include "system/processes/ExecArguments.h"
 #include "system/processes/Signals.h"
 #include "system/processes/ThreadTracer.h"
 
@@ -34,10 +35,7 @@ constexpr int kCannotStart = 127;
 StartedProgram::StartedProgram(const std::string& path, const std::vector<std::string>& arguments,
                                const std::vector<std::pair<std::string, std::string>>& variables,
                                const sigset_t& mask) {
-    std::vector<char*> words;
-    words.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
-    words.push_back(nullptr);
+    std::vector<char*> words = execArguments(arguments);
     // If SIGCHLD is ignored, the system reaps children before we can.
     const bool ignoresChildren = isIgnored(SIGCHLD);
     if (ignoresChildren) ::signal(SIGCHLD, SIG_DFL);

@@ -89,7 +89,7 @@ VexaBoolean executeOf(const std::string& command, char** errMsg) {
     if (command == "PARSE") parse();
     if (command == "HANG") hang();
     if (command == "CRASH") crash();
-    if (command == "EXIT") _exit(3);
+    if (command == "EXIT") _exit(3);  // MARK exit
     if (command == "MESSAGE") setMessage(errMsg, "no such zone");
     return command == "MESSAGE" ? 0 : 1;
 }

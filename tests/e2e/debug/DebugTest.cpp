@@ -46,6 +46,11 @@ bool canTrace() {
     return can;
 }
 
+bool hasLldb() {
+    static const bool has = std::system("command -v lldb >/dev/null") == 0;
+    return has;
+}
+
 class Debug : public RunnerTest {
 protected:
     void SetUp() override {
@@ -54,22 +59,24 @@ protected:
 
     static std::string addOn(const std::string& build) { return BROKEN_ADDONS "/broken-" + build + ".so"; }
 
-    // `vexa-standin debug m.macro --addon BROKEN --batch OPTIONS` for a macro of two commands, OK and `command`.
-    ProgramResult debug(const std::string& command, const Words& options, const std::string& build = "g++-0") const {
+    // `vexa-standin debug m.macro --addon BROKEN --batch --debugger DEBUGGER OPTIONS` for a macro of two commands, OK
+    // and `command`.
+    ProgramResult debug(const std::string& command, const Words& options, const std::string& build = "g++-0",
+                        const std::string& debugger = "gdb") const {
         write("m.macro", "BROKEN OK\nBROKEN " + command + "\n");
-        Words words = {"debug", "m.macro", "--addon", addOn(build), "--batch"};
+        Words words = {"debug", "m.macro", "--addon", addOn(build), "--batch", "--debugger", debugger};
         words.insert(words.end(), options.begin(), options.end());
         return runProgram(runner(words));
     }
 };
 
-// ---- The place, for each compiler and optimization
+// ---- The place, for each debugger, compiler and optimization
 
 struct PlaceCase {
     const char* command;
     Words options;
     const char* mark;
-    bool isMovedByGxx = false;  // g++ -O2 gives the instruction the line of other code
+    bool isHiddenByGxx = false;  // after g++ -O2, gdb drops the line of the instruction
 };
 
 const std::vector<PlaceCase> kPlaces = {
@@ -79,36 +86,46 @@ const std::vector<PlaceCase> kPlaces = {
     {"FREE_TWICE", {"--rule", "double-free"}, "freed-again"},
     {"NOT_HELD", {"--call", "2"}, "not-held"},
     {"GUARD", {"--call", "1"}, "guard"},  // the library makes the call
-    {"LOCK", {"--command", "2"}, "first-line", true},
+    {"LOCK", {"--command", "2"}, "first-line"},
     {"THROW", {"--failure"}, "throw"},        // an earlier exception was handled
     {"PARSE", {"--failure"}, "parse", true},  // the library throws
     {"MESSAGE", {"--failure"}, "message"},
     {"HANG", {"--hang", "--timeout", "0.5"}, "hang"},
     {"CRASH", {"--crash"}, "crash"},
+    {"EXIT", {"--crash"}, "exit"},
     {"LOCK", {}, "lock"},
     {"THROW", {}, "throw"},
     {"CRASH", {}, "crash"},
 };
 
-class DebugOfBuild : public Debug, public ::testing::WithParamInterface<const char*> {};
+struct DebuggedBuild {
+    const char* debugger;
+    const char* build;
+};
+
+class DebugOfBuild : public Debug, public ::testing::WithParamInterface<DebuggedBuild> {};
 
 TEST_P(DebugOfBuild, StopsAtTheLineOfThePlace) {
-    if (!fs::exists(addOn(GetParam()))) GTEST_SKIP() << "the compiler is missing";
+    const auto [debugger, build] = GetParam();
+    if (debugger == std::string("lldb") && !hasLldb()) GTEST_SKIP() << "lldb is not installed";
+    if (!fs::exists(addOn(build))) GTEST_SKIP() << "the compiler is missing";
     for (const PlaceCase& place : kPlaces) {
-        if (place.isMovedByGxx && GetParam() == std::string("g++-2")) continue;
-        const ProgramResult result = debug(place.command, place.options, GetParam());
+        if (place.isHiddenByGxx && build == std::string("g++-2")) continue;
+        const ProgramResult result = debug(place.command, place.options, build, debugger);
         const std::string name = place.command + std::string(" ") + (place.options.empty() ? "" : place.options[0]);
         EXPECT_EQ(result.status, 0) << name << result.out << result.err;
         EXPECT_EQ(shownLine(result.out), lineOf(place.mark)) << name << '\n' << result.out;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Builds, DebugOfBuild, ::testing::Values("g++-0", "g++-2", "clang++-0", "clang++-2"),
-                         [](const auto& build) {
-                             std::string name = build.param;
-                             for (char& c : name) c = c == '+' ? 'x' : c == '-' ? 'O' : c;
-                             return name;
-                         });
+constexpr DebuggedBuild kBuilds[] = {{"gdb", "g++-0"},     {"gdb", "g++-2"},  {"gdb", "clang++-0"},
+                                     {"gdb", "clang++-2"}, {"lldb", "g++-0"}, {"lldb", "clang++-2"}};
+
+INSTANTIATE_TEST_SUITE_P(Builds, DebugOfBuild, ::testing::ValuesIn(kBuilds), [](const auto& build) {
+    std::string name = build.param.build + std::string("_in_") + build.param.debugger;
+    for (char& c : name) c = c == '+' ? 'x' : c == '-' ? 'O' : c;
+    return name;
+});
 
 TEST_F(Debug, StopsWhereACommandReturnsThatMadeNoMessage) {
     EXPECT_EQ(shownLine(debug("SILENT", {"--failure"}).out), lineOf("silent"));
@@ -131,6 +148,46 @@ TEST_F(Debug, GoesToWhereAFindingWasOpenedAndBack) {
     const std::size_t opened = out.find(allocated, first);
     EXPECT_NE(opened, std::string::npos) << out;
     EXPECT_NE(out.find(again, opened), std::string::npos) << out;
+}
+
+// ---- lldb
+
+class DebugWithLldb : public Debug {
+protected:
+    void SetUp() override {
+        Debug::SetUp();
+        if (!hasLldb()) GTEST_SKIP() << "lldb is not installed";
+    }
+};
+
+TEST_F(DebugWithLldb, IsTheChoiceWhereGdbIsMissing) {
+    write("m.macro", "BROKEN NOT_HELD\n");
+    fs::create_directory(folder() / "bin");
+    fs::create_symlink("/usr/bin/lldb", folder() / "bin" / "lldb");
+    Program program = runner({"debug", "m.macro", "--addon", addOn("g++-0"), "--rule", "mutex-not-held", "--batch"});
+    program.arguments.insert(program.arguments.begin(), {"/usr/bin/env", "PATH=" + (folder() / "bin").string()});
+    const ProgramResult result = runProgram(program);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(shownLine(result.out), lineOf("not-held")) << result.out;
+    EXPECT_NE(result.out.find("\nStack:\n* thread #1"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("\nVariables:\n(ThreadMutex_s *) mutex = 0x"), std::string::npos) << result.out;
+}
+
+TEST_F(DebugWithLldb, GoesToWhereAFindingWasOpenedAndBack) {
+    const Words commands = {"--rule", "double-free", "--", "-o", "opened", "-o", "seen"};
+    const std::string out = debug("FREE_TWICE", commands, "g++-0", "lldb").out;
+    const std::string again = '\n' + lineOf("freed-again") + '\t';
+    const std::size_t opened = out.find('\n' + lineOf("allocated") + '\t', out.find(again));
+    EXPECT_NE(opened, std::string::npos) << out;
+    EXPECT_NE(out.find(again, opened), std::string::npos) << out;
+}
+
+TEST_F(DebugWithLldb, SaysWhyThePlaceWasNotReached) {
+    const ProgramResult result = debug("NOT_HELD", {"--call", "9"}, "g++-0", "lldb");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.out.find("not reached: the run made only 3 host calls"), std::string::npos) << result.out;
+    EXPECT_EQ(debug("EXIT", {"--call", "9"}, "g++-0", "lldb").status, 1);
+    EXPECT_EQ(debug("CRASH", {"--call", "9"}, "g++-0", "lldb").status, 1);
 }
 
 // ---- Places that are not reached
@@ -176,13 +233,27 @@ TEST_F(Debug, SaysThatTheSystemRefusesToTrace) {
     EXPECT_EQ(result.err.rfind("debug: a debugger cannot trace programs here; ", 0), 0U) << result.err;
 }
 
-TEST_F(RunnerTest, DebugSaysThatGdbIsMissing) {
+TEST_F(RunnerTest, DebugSaysThatNoDebuggerIsThere) {
     write("m.macro", "BROKEN OK\n");
     Program program = runner({"debug", "m.macro", "--addon", ADDON_ONE});
     program.arguments.insert(program.arguments.begin(), {"/usr/bin/env", "PATH=" + folder().string()});
     const ProgramResult result = runProgram(program);
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "debug: gdb was not found; install it: apt-get install gdb\n");
+    EXPECT_EQ(result.err, "debug: neither gdb nor lldb was found; install one of them: apt-get install gdb\n");
+}
+
+TEST_F(RunnerTest, DebugSaysThatTheWantedDebuggerCannotBeUsed) {
+    write("m.macro", "BROKEN OK\n");
+    const std::pair<const char*, const char*> cases[] = {
+        {"/nowhere/gdb", "debug: /nowhere/gdb was not found\n"},
+        {"/bin/true", "debug: /bin/true has no Python; install the full gdb: apt-get install gdb\n"},
+    };
+    for (const auto& [debugger, message] : cases) {
+        const ProgramResult result =
+            runProgram(runner({"debug", "m.macro", "--addon", ADDON_ONE, "--debugger", debugger}));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, message);
+    }
 }
 
 TEST_F(RunnerTest, DebugRefusesASecondPlaceAndTheNumberZero) {
@@ -222,11 +293,10 @@ TEST_F(Debug, TakesPathsWithBlanksAndQuotes) {
 
 // The command after `debug:` in `text`; the last one if there are several.
 std::string printedCommand(const std::string& text) {
-    const std::string start = "    debug: ";
-    const std::size_t begin = text.rfind(start);
-    if (begin == std::string::npos) return "no command in: " + text;
-    const std::size_t end = text.find('\n', begin);
-    return text.substr(begin + start.size(), end - begin - start.size());
+    const std::size_t line = text.rfind("    debug: ");
+    const std::size_t begin = text.find("vexa-standin", line);
+    if (line == std::string::npos || begin == std::string::npos) return "no command in: " + text;
+    return text.substr(begin, text.find('\n', begin) - begin);
 }
 
 class PrintedDebugCommand : public Debug {
@@ -265,6 +335,55 @@ TEST_F(PrintedDebugCommand, IsPrintedByTestAndCheck) {
     const std::string checked = "vexa-standin check " + addOn("g++-0") + " --macro m.macro --only commands-in-order";
     const std::string ofCheck = printedCommand(shell(checked).out);
     EXPECT_EQ(shownLine(shell(ofCheck + " --batch").out), lineOf("not-held")) << ofCheck;
+}
+
+TEST_F(PrintedDebugCommand, StopsAtTheFailedCommandThatPrintedIt) {
+    write("m.macro", "BROKEN OK\nBROKEN MESSAGE\nBROKEN SILENT\n");
+    const std::string text = shell("vexa-standin run m.macro --keep-going --addon " + addOn("g++-0")).err;
+    const std::string first = printedCommand(text.substr(0, text.find("m.macro:3")));
+    EXPECT_NE(first.find(" --failure"), std::string::npos) << text;
+    EXPECT_EQ(shownLine(shell(first + " --batch").out), lineOf("message"));
+    const std::string later = printedCommand(text);
+    EXPECT_NE(later.find(" --command 3"), std::string::npos) << text;
+    EXPECT_EQ(shownLine(shell(later + " --batch").out), lineOf("first-line"));
+}
+
+TEST_F(PrintedDebugCommand, StopsAtTheCrashThatPrintedIt) {
+    write("m.macro", "BROKEN CRASH\n");
+    const std::string printed = printedCommand(shell("vexa-standin run m.macro --addon " + addOn("g++-0")).err);
+    EXPECT_NE(printed.find(" --crash"), std::string::npos) << printed;
+    EXPECT_EQ(shownLine(shell(printed + " --batch").out), lineOf("crash"));
+}
+
+TEST_F(PrintedDebugCommand, StopsInTheHangThatPrintedIt) {
+    write("m.macro", "BROKEN HANG\n");
+    const std::string call = "vexa-standin run m.macro --timeout 0.5 --addon " + addOn("g++-0");
+    const std::string printed = printedCommand(shell(call).err);
+    EXPECT_NE(printed.find(" --hang"), std::string::npos) << printed;
+    EXPECT_EQ(shownLine(shell(printed + " --batch").out), lineOf("hang"));
+}
+
+TEST_F(PrintedDebugCommand, IsInTheResultsAndInSarif) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"NOT_HELD", " --rule mutex-not-held"}, {"MESSAGE", " --failure"}, {"CRASH", " --crash"}, {"HANG", " --hang"}};
+    for (const auto& [command, option] : cases) {
+        write("m.macro", std::string("BROKEN ") + command + '\n');
+        const std::string files = " --json r.jsonl --sarif r.sarif --timeout 0.5 --addon ";
+        const std::string printed = printedCommand(shell("vexa-standin run m.macro" + files + addOn("g++-0")).err);
+        EXPECT_NE(printed.find(option), std::string::npos) << printed;
+        const std::string member = "\"debug\":\"" + printed + '"';
+        EXPECT_NE(read("r.jsonl").find(member), std::string::npos) << read("r.jsonl");
+        EXPECT_NE(read("r.sarif").find("\"debug\": \"" + printed + '"'), std::string::npos) << read("r.sarif");
+    }
+}
+
+TEST_F(PrintedDebugCommand, IsInTheReportsOfCheck) {
+    write("m.macro", "BROKEN NOT_HELD\n");
+    const std::string files = " --only commands-in-order --json c.json --sarif c.sarif";
+    const std::string printed =
+        printedCommand(shell("vexa-standin check " + addOn("g++-0") + " --macro m.macro" + files).out);
+    EXPECT_NE(read("c.json").find("\"debug\": \"" + printed + '"'), std::string::npos) << read("c.json");
+    EXPECT_NE(read("c.sarif").find("\"debug\": \"" + printed + '"'), std::string::npos) << read("c.sarif");
 }
 
 TEST_F(RunnerTest, NoDebugCommandIsPrintedForAMacroFromTheStandardInput) {

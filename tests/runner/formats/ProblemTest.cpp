@@ -56,11 +56,13 @@ TEST(Problem, OfARefusedMacroHasTheLine) {
 }
 
 TEST(Problem, SurvivesPacking) {
-    const Problem problem = problemOf(lockLeftOpen(), "m.macro");
+    Problem problem = problemOf(lockLeftOpen(), "m.macro");
+    problem.debug = "vexa-standin debug m.macro";
     const Problem read = unpackedProblem(packed(problem));
     EXPECT_EQ(packed(read), packed(problem));
     EXPECT_EQ(read.severity, problem.severity);
     EXPECT_EQ(read.other->line, 2U);
+    EXPECT_EQ(read.debug, problem.debug);
     EXPECT_FALSE(unpackedProblem(packed(problemOf({"m.macro:1", "A", "B"}, kCommandFailed, "no"))).other);
 }
 

@@ -34,11 +34,20 @@ TEST(ResultLine, HasTheErrorWithoutTheLineEndsAtItsEnd) {
 }
 
 TEST(ResultLine, HasTheFindings) {
-    const std::string line = resultLine(kMean, {true, ""}, {}, {oneFinding()});
+    const std::string line = resultLine(kMean, {true, ""}, {}, {{{oneFinding(), ""}}});
     EXPECT_NE(
         line.find(R"("findings":[{"rule":"unbalanced-lock","severity":"warning","addOn":"STATS","message":"why"}])"),
         std::string::npos)
         << line;
+}
+
+TEST(ResultLine, HasTheCommandsOfTheDebugger) {
+    ResultDetails details;
+    details.findings = {{oneFinding(), "debug --rule unbalanced-lock"}};
+    details.debug = "debug --failure";
+    const std::string line = resultLine(kMean, {false, "no"}, {}, details);
+    EXPECT_NE(line.find(R"("message":"why","debug":"debug --rule unbalanced-lock"}])"), std::string::npos) << line;
+    EXPECT_NE(line.find(R"(],"debug":"debug --failure"})"), std::string::npos) << line;
 }
 
 TEST(EndLine, HasTheStatusOfTheRun) {
@@ -63,7 +72,7 @@ TEST(NameInResults, IsTheNameThatTheEndLineHas) {
 }
 
 TEST(ParseResultLine, ReadsTheLineOfACommand) {
-    const auto line = parseResultLine(resultLine(kMean, {false, "no"}, milliseconds(1500), {oneFinding()}));
+    const auto line = parseResultLine(resultLine(kMean, {false, "no"}, milliseconds(1500), {{{oneFinding(), ""}}}));
     ASSERT_TRUE(line);
     EXPECT_EQ(line->name, "a.macro:3");
     EXPECT_FALSE(line->exitStatus);

@@ -61,6 +61,14 @@ TEST(SarifText, RelatesTheOtherPlace) {
     EXPECT_FALSE(runOf(reportOn({failedCommand()})).at("results").at(0).contains("relatedLocations"));
 }
 
+TEST(SarifText, HasTheCommandThatShowsTheProblemInADebugger) {
+    Problem problem = failedCommand();
+    problem.debug = "vexa-standin debug m.macro --failure";
+    const json result = runOf(reportOn({problem})).at("results").at(0);
+    EXPECT_EQ(result.at("properties"), json::parse(R"({"debug": "vexa-standin debug m.macro --failure"})"));
+    EXPECT_FALSE(runOf(reportOn({failedCommand()})).at("results").at(0).contains("properties"));
+}
+
 TEST(SarifText, SaysHowTheCommandEnded) {
     ProblemReport report = reportOn({});
     report.exitStatus = 2;

@@ -19,7 +19,7 @@ std::string refusalOf(const std::string& text) {
     const tests::TemporaryFolder folder;
     const std::string file = folder.write("t", text);
     try {
-        readTrace(file);
+        TraceInput(file).run();
     } catch (const TraceError& error) {
         return std::string(error.what()).substr(file.size());
     }
@@ -36,7 +36,7 @@ std::string someTrace() {
 
 class TraceReaderTest : public ::testing::Test {
 protected:
-    TracedRun readBack() { return readTrace(m_folder.write("t", m_text)); }
+    TracedRun readBack() { return TraceInput(m_folder.write("t", m_text)).run(); }
 
     tests::TemporaryFolder m_folder;
     std::string m_text = someTrace();
@@ -115,8 +115,7 @@ TEST_F(TraceReaderTest, IgnoresWhatAKilledWriterLeftAfterTheText) {
     using namespace std::string_literals;
     m_text.resize(m_text.rfind(",\n{"));
     for (const std::string& rest : {"\0"s, "\0\n{\"na"s, std::string(100000, '\0')}) {
-        std::string name;
-        EXPECT_EQ(traceTextOf(m_folder.write("t", m_text + rest), name), m_text);
+        EXPECT_EQ(TraceInput(m_folder.write("t", m_text + rest)).text(), m_text);
     }
 }
 
@@ -220,7 +219,7 @@ TEST(TraceReader, RefusesOptionsThatAreNone) {
 
 TEST(TraceReader, RefusesAFileThatCannotBeRead) {
     try {
-        readTrace("/nowhere/t");
+        TraceInput("/nowhere/t");
         FAIL();
     } catch (const TraceError& error) {
         EXPECT_STREQ(error.what(), "/nowhere/t: cannot be read: No such file or directory");

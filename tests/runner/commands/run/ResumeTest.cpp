@@ -12,9 +12,9 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::string commandOf(const std::string& file) { return resultLine({file + ":1", "A", "X"}, {true, ""}, {}, {}); }
+std::string commandOf(const std::string& file) { return resultLine({file + ":1", "A", "X"}, {true, ""}, {}); }
 std::string endOf(const std::string& file, ExitStatus_e status = ExitStatus_e::AllWell) {
-    return endLine(file, status, {});
+    return endLine(file, status);
 }
 
 class Resume : public ::testing::Test {
