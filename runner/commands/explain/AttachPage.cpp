@@ -60,6 +60,7 @@ runner ends, the host goes on.
 - A host that runs under another debugger, such as gdb or strace, has no stack here: a process has only one tracer. For
   the same reason, no debugger can attach to the host later. Start it in the debugger instead:
   `vexa-standin attach -- gdb --args ./host`.
+- A host thread that receives hundreds of signals within a second, such as those of a fast timer, is no longer traced.
 - A host with the leak sanitizer is not traced, because the sanitizer would fail. The message says so.
 
 ## Requirements

@@ -21,7 +21,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kTimeToStop{500};
-constexpr int kRounds = 4;  // threads may start others until all are stopped
+constexpr int kRounds = 4;         // threads may start others until all are stopped
+constexpr int kMostSignals = 500;  // of a thread, within a second
 constexpr int kEventShift = 8;
 constexpr int kSignalMask = 0xff;
 
@@ -186,8 +187,25 @@ void ThreadTracer::goOn(pid_t thread, Report report) {
     }
 }
 
+// Each signal costs a traced thread so much time that a fast timer would leave it none.
+bool ThreadTracer::isFlooded(pid_t thread) {
+    auto& [since, count] = m_signals[thread];
+    const Clock::time_point now = Clock::now();
+    if (now - since > std::chrono::seconds(1)) {
+        since = now;
+        count = 0;
+    }
+    return ++count > kMostSignals;
+}
+
 // A signal from another process, such as SIGTERM, is nothing that the thread did, unless it is sent to see a fault.
 void ThreadTracer::deliver(pid_t thread, int signal) {
+    if (isFlooded(thread)) {
+        ptrace(PTRACE_DETACH, thread, nullptr, static_cast<long>(signal));
+        m_processes.erase(thread);
+        m_signals.erase(thread);
+        return;
+    }
     Ending ending{processOf(thread), thread, {}};
     const bool mayEnd = endsByDefault(signal) && ptrace(PTRACE_GETSIGINFO, thread, nullptr, &ending.signal) == 0;
     const bool isSent =

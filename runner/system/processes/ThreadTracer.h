@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <csignal>
 #include <functional>
 #include <map>
@@ -14,6 +15,7 @@ namespace vexa::runner {
 
 /// Traces processes with ptrace(2): children, and processes that children started. It sees a signal before the signal
 /// ends a process, and can stop all threads of a process. It does not trace processes that a traced process forks.
+/// It no longer traces a thread that gets hundreds of signals within a second.
 ///
 /// Threads: one. The system accepts requests only from the thread that started to trace.
 class ThreadTracer : NonCopyable {
@@ -59,12 +61,15 @@ private:
     bool collect(pid_t thread);
     void goOn(pid_t thread, Report report);
     void deliver(pid_t thread, int signal);
+    bool isFlooded(pid_t thread);
     pid_t processOf(pid_t thread);
     bool interrupt(pid_t process, pid_t thread);
 
     AtEnding m_atEnding;
     AtStop m_atStop;
     std::map<pid_t, pid_t> m_processes;  // by traced thread
+    /// The start of a second, and how many signals came since then, by thread.
+    std::map<pid_t, std::pair<std::chrono::steady_clock::time_point, int>> m_signals;
 };
 
 /// Returns the process of \p thread; 0 if the thread has ended.
