@@ -30,7 +30,7 @@ mutate_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev python3)
 package_packages=("${build_packages[@]}" dpkg-dev file lintian)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 ci_packages=("${tidy_packages[@]}" "${cppcheck_packages[@]}" "${abi_packages[@]}" "${coverage_packages[@]}"
-    "${mcdc_packages[@]}" "${docs_packages[@]}" chromium clang-format fish git zsh)
+    "${mcdc_packages[@]}" "${docs_packages[@]}" chromium clang-format fish git neovim zsh)
 
 usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"
