@@ -5,8 +5,8 @@
 namespace vexa::e2e {
 namespace {
 
-const std::vector<std::string> kCommands = {"new",    "run",    "repl",    "test", "check",
-                                            "attach", "report", "explain", "list", "style"};
+const std::vector<std::string> kCommands = {"new", "run",    "repl",    "test", "check", "attach",
+                                            "lsp", "report", "explain", "list", "style"};
 
 class Manual : public TerminalTest {
 protected:
