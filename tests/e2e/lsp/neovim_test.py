@@ -48,6 +48,10 @@ class Neovim(unittest.TestCase):
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
             env={**os.environ, 'PATH': path, 'HOME': str(folder), 'XDG_STATE_HOME': str(folder)})
         self.addCleanup(self.stop)
+        # Without the socket, the program that asks would start an editor of its own.
+        deadline = time.monotonic() + SECONDS
+        while not pathlib.Path(self.socket).exists() and time.monotonic() < deadline:
+            time.sleep(0.05)
         self.wait_for('luaeval("#vim.diagnostic.get(0)")', '1')
 
     def stop(self):
