@@ -31,7 +31,7 @@ mutate_packages=("${build_packages[@]}" libgtest-dev librapidcheck-dev python3)
 package_packages=("${build_packages[@]}" dpkg-dev file lintian)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 ci_packages=("${tidy_packages[@]}" "${cppcheck_packages[@]}" "${abi_packages[@]}" "${instructions_packages[@]}"
-    "${docs_packages[@]}" chromium clang-format fish git libclang-rt-14-dev llvm-14 zsh)
+    "${docs_packages[@]}" chromium clang-format fish git libclang-rt-14-dev llvm-14 neovim zsh)
 
 usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script_file"

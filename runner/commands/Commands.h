@@ -35,6 +35,9 @@ Command lintCommand();
 /// `list` prints a table of add-ons in the order given: id, title, file.
 Command listCommand();
 
+/// `lsp` helps editors with macro files, as a language server.
+Command lspCommand();
+
 /// `manual` prints the manual page and the shell completions for the build to install. The help does not list it.
 /// \param program  the program that the manual describes; it must outlive the returned command
 Command manualCommand(const Command& program);

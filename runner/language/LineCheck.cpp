@@ -141,22 +141,31 @@ std::vector<Diagnostic> checkLine(std::string_view line, const Descriptions& des
     return found.empty() ? LineCheck(line, descriptions).diagnostics() : found;
 }
 
+Span commandPart(std::string_view line, bool isFirst) {
+    Span part{isFirst && startsWith(line, kByteOrderMark) ? kByteOrderMark.size() : 0, line.size()};
+    if (!part.isEmpty() && line.back() == '\r') --part.end;
+    return part;
+}
+
+std::vector<Diagnostic> checkFileLine(std::string_view line, bool isFirst, const Descriptions& descriptions) {
+    const Span part = commandPart(line, isFirst);
+    std::vector<Diagnostic> found = checkLine(textOf(part, line), descriptions);
+    for (Diagnostic& diagnostic : found) {
+        diagnostic.span.begin += part.begin;
+        diagnostic.span.end += part.begin;
+    }
+    return found;
+}
+
 std::vector<Diagnostic> checkText(std::string_view text, const Descriptions& descriptions) {
     std::vector<Diagnostic> all;
-    std::size_t marked = 0;  // the bytes of the byte-order mark in the current line
-    if (startsWith(text, kByteOrderMark)) marked = kByteOrderMark.size();
     for (std::size_t number = 1; !text.empty(); ++number) {
         const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(marked, end - marked);
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        for (Diagnostic& diagnostic : checkLine(line, descriptions)) {
+        for (Diagnostic& diagnostic : checkFileLine(text.substr(0, end), number == 1, descriptions)) {
             diagnostic.line = number;
-            diagnostic.span.begin += marked;
-            diagnostic.span.end += marked;
             all.push_back(std::move(diagnostic));
         }
         text.remove_prefix(std::min(end + 1, text.size()));
-        marked = 0;
     }
     return all;
 }

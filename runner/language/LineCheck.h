@@ -14,6 +14,13 @@ namespace vexa::runner {
 /// Each mistake is reported once: an unknown command hides its options, and a wrong value its range.
 std::vector<Diagnostic> checkLine(std::string_view line, const Descriptions& descriptions);
 
+/// Returns the part of \p line, a line of a macro file, that holds the command: without the carriage return at the end,
+/// and in the first line without a byte-order mark.
+Span commandPart(std::string_view line, bool isFirst);
+
+/// Returns the mistakes in the commandPart() of \p line, with their spans in the whole line.
+std::vector<Diagnostic> checkFileLine(std::string_view line, bool isFirst, const Descriptions& descriptions);
+
 /// Returns the mistakes in the text of a macro file, line by line. Lines end with LF or CRLF; a byte-order mark at the
 /// start is skipped.
 std::vector<Diagnostic> checkText(std::string_view text, const Descriptions& descriptions);

@@ -5,8 +5,8 @@
 namespace vexa::e2e {
 namespace {
 
-const std::vector<std::string> kCommands = {"new",    "run",    "repl",    "test", "check",
-                                            "attach", "report", "explain", "list", "style"};
+const std::vector<std::string> kCommands = {"new", "run",    "repl",    "test", "check", "attach",
+                                            "lsp", "report", "explain", "list", "style"};
 
 class Manual : public TerminalTest {
 protected:
@@ -107,7 +107,7 @@ TEST_F(Manual, CompletesWordByWord) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "results repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run results repl test check lint debug attach report coverage diff docs explain list style probe "
+         "new run results repl test check lint lsp debug attach report coverage diff docs explain list style probe "
          "compare-hosts "
          "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
@@ -164,7 +164,8 @@ TEST_F(Manual, CompletesTheSameInFish) {
         {"commands", "vexa-standin re", "repl\nreport\nresults\n"},
         {"all commands", "vexa-standin ",
          "attach\ncheck\ncompare-"
-         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrepl\nreport\nresults\nrun\nschema\nstyl"
+         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nlsp\nnew\nprobe\nrepl\nreport\nresults\nrun\nschema"
+         "\nstyl"
          "e\ntest"
          "\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
