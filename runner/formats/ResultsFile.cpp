@@ -89,7 +89,7 @@ std::optional<int> statusIn(const Json& object) {
 
 std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
                        std::chrono::duration<double> time, const std::vector<standin::Finding>& findings,
-                       const StackReport& stacks) {
+                       const StackReport& stacks, const std::string& suggestion) {
     Json line = {{kPlaceMember, command.place},
                  {"addOn", command.addOnId},
                  {"command", command.text},
@@ -97,6 +97,7 @@ std::string resultLine(const MacroCommand& command, const standin::CommandResult
                  {"error", withoutTrailingBlanks(result.error)},
                  {"seconds", time.count()},
                  {"findings", listOf(findings)}};
+    if (!suggestion.empty()) line["suggestion"] = suggestion;
     addSource(line, "source", result.place.source);
     add(stacks, line);
     return lineOf(line);

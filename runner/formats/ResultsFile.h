@@ -18,10 +18,11 @@ namespace vexa::runner {
 
 /// Returns the line of a command.
 /// \param findings the findings since the previous line
-/// \param stacks   of a crash or a hang; empty if there was none
+/// \param stacks     of a crash or a hang; empty if there was none
+/// \param suggestion what the user may have meant by a refused command; may be empty
 std::string resultLine(const MacroCommand& command, const standin::CommandResult& result,
                        std::chrono::duration<double> time, const std::vector<standin::Finding>& findings,
-                       const StackReport& stacks = {});
+                       const StackReport& stacks = {}, const std::string& suggestion = {});
 
 /// Returns the last line.
 /// \param findings the findings since the previous line

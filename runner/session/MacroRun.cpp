@@ -23,6 +23,7 @@
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
 #include "session/Stopper.h"
+#include "session/Suggestions.h"
 #include "session/watch/Death.h"
 #include "session/watch/WatchedStacks.h"
 #include "system/files/OutputTarget.h"
@@ -173,12 +174,18 @@ private:
         const auto time = std::chrono::steady_clock::now() - begin;
         m_view.conclude(result.accepted);
         m_view.printFindings();
-        addResult(command, result, time);
+        const std::string suggestion = result.accepted ? "" : m_suggestions.of(command);
+        addResult(command, result, time, {}, suggestion);
         tellFindings();
-        if (result.accepted) return;
+        if (!result.accepted) tellFailure(command, result, suggestion);
+    }
+
+    void tellFailure(const MacroCommand& command, const standin::CommandResult& result, const std::string& suggestion) {
         ++m_failed;
-        tell(placeOf(command), failureWithSource(result));
-        tellProblem(problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source));
+        tell(placeOf(command), withSuggestion(failureWithSource(result), suggestion));
+        Problem problem = problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source);
+        problem.details = suggestion;
+        tellProblem(std::move(problem));
     }
 
     void refuse(const MacroCommand& command) {
@@ -204,9 +211,11 @@ private:
     }
 
     void addResult(const MacroCommand& command, const standin::CommandResult& result,
-                   std::chrono::duration<double> time, const StackReport& stacks = {}) {
+                   std::chrono::duration<double> time, const StackReport& stacks = {},
+                   const std::string& suggestion = {}) {
         if (!m_options.json) return;
-        m_notes.tell(kResultNote, resultLine(command, result, time, newFindings(m_host, m_findingsInResults), stacks));
+        m_notes.tell(kResultNote,
+                     resultLine(command, result, time, newFindings(m_host, m_findingsInResults), stacks, suggestion));
     }
 
     bool writeOutputs() {
@@ -291,6 +300,7 @@ private:
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;
+    Suggestions m_suggestions{m_options.addOns};
     StackReport m_hang;  // of a command that did not return
     std::string m_summary;
     StopButton m_stopButton{m_box.isStatusDrawn};
