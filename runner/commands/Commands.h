@@ -45,6 +45,9 @@ Command newCommand();
 /// `probe` asks the stand-in host all questions of the probe, and writes the facts.
 Command probeCommand();
 
+/// `random` prints a macro of random commands, made from the description of an add-on.
+Command randomCommand();
+
 /// `repl` runs the commands that the user types.
 Command replCommand();
 

@@ -177,5 +177,21 @@ TEST_F(CheckDescription, RefusesAWrongDescription) {
     EXPECT_EQ(result.err, "d.json: /: the member \"addon\" is missing (1:1)\n");
 }
 
+TEST_F(CheckDescription, RunsRandomCommandsOfTheDescription) {
+    const ProgramResult right = checkChanged("Greets.", "Greets.", {"--only", "description-random", "--seed", "3"});
+    EXPECT_EQ(right.status, 0) << right.out << right.err;
+    EXPECT_TRUE(has(right, "check passed: 6 passed\n")) << right.out;
+}
+
+TEST_F(CheckDescription, NoticesARandomCommandThatShouldFail) {
+    std::string text = kRight;
+    const std::string limit = "\"max\": 100";
+    text.replace(text.find(limit), limit.size(), "\"max\": 99");
+    write("d.json", text);
+    const ProgramResult wrong = check("described", {"--describe", "d.json", "--only", "description-random"});
+    EXPECT_EQ(wrong.status, 1) << wrong.out << wrong.err;
+    EXPECT_TRUE(has(wrong, "(TIMES above its maximum)\n")) << wrong.out;
+}
+
 }  // namespace
 }  // namespace vexa::e2e
