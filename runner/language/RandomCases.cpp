@@ -126,10 +126,20 @@ std::string RandomCases::makeWrong(WrittenCommand& command, const Choices& chose
         command.remove(option);
         return "without the required option " + option.name;
     }
-    const ValueCase wrong = oneOf(refusedValues(option, chosen.command->kind));
+    const ValueCase wrong = wrongValueOf(option, chosen.command->kind);
     command.remove(option);
     command.set(option, wrong.value);
     return option.name + ' ' + wrong.what;
+}
+
+// There are several values of other types, but each limit is as likely as all of these.
+ValueCase RandomCases::wrongValueOf(const OptionDescription& option, CommandKind_e kind) {
+    std::vector<std::vector<ValueCase>> byKind;
+    for (ValueCase& one : refusedValues(option, kind)) {
+        if (byKind.empty() || byKind.back().front().what != one.what) byKind.emplace_back();
+        byKind.back().push_back(std::move(one));
+    }
+    return oneOf(oneOf(byKind));
 }
 
 std::string RandomCases::inAnyCase(std::string text, const CommandDescription& command) {

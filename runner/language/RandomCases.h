@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "language/ValueCases.h"
 #include "language/WrittenCommand.h"
 
 namespace vexa::runner {
@@ -47,6 +48,7 @@ private:
     std::string valueOf(const OptionDescription& option, const Choices& chosen);
     std::string numberOf(const OptionDescription& option);
     std::string setOf(const OptionDescription& option);
+    ValueCase wrongValueOf(const OptionDescription& option, CommandKind_e kind);
     std::string makeWrong(WrittenCommand& command, const Choices& chosen);
     std::string inAnyCase(std::string text, const CommandDescription& command);
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/check/tests/DescribedDefaults.h"
 #include "commands/check/tests/Tests.h"
 #include "commands/check/tests/UndescribedOptions.h"
 #include "language/CommandCases.h"
@@ -17,7 +18,7 @@ namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kMostMistakes = 20;
-constexpr std::size_t kRandomSessions = 20;
+constexpr std::size_t kRandomSessions = 40;
 constexpr std::size_t kCommandsOfASession = 25;
 
 // What is wrong between a description and its add-on. All of it is reported, because one change of an add-on often
@@ -208,6 +209,10 @@ Verdict descriptionOptions(Trial& trial) {
     for (const CommandDescription& command : described.addOn().commands) {
         for (const CommandCase& accepted : acceptedCases(described.addOn(), command)) {
             requireAccepted(described, command, accepted);
+        }
+        const RecordCommand record = [&](const std::string& text) { return described.run(command, text).recorded; };
+        for (const std::string& mistake : wrongDefaults(described.addOn(), command, record)) {
+            described.mistakes().add(mistake);
         }
     }
     return described.conclude();
