@@ -20,6 +20,9 @@ Command debugCommand();
 /// `debugged` is the run in that gdb. The help does not list it.
 Command debuggedCommand();
 
+/// `describe` drafts the description of an add-on's commands, from macros.
+Command describeCommand();
+
 /// `diff` compares the calls in two traces.
 Command diffCommand();
 

@@ -107,7 +107,7 @@ TEST_F(Manual, CompletesWordByWord) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "results repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run results repl test check lint debug attach report coverage diff docs random explain list style probe "
+         "new run results repl test check lint debug attach report coverage diff describe docs random explain list style probe "
          "compare-hosts "
          "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
@@ -164,7 +164,7 @@ TEST_F(Manual, CompletesTheSameInFish) {
         {"commands", "vexa-standin re", "repl\nreport\nresults\n"},
         {"all commands", "vexa-standin ",
          "attach\ncheck\ncompare-"
-         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrandom\nrepl\nreport\nresults\nrun\nsche"
+         "hosts\ncoverage\ndebug\ndescribe\ndiff\ndocs\nexplain\nlint\nlist\nnew\nprobe\nrandom\nrepl\nreport\nresults\nrun\nsche"
          "ma\nstyl"
          "e\ntest"
          "\n"},
