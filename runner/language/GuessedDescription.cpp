@@ -10,7 +10,7 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kBlanks = " \t";
+constexpr const char* kOptionBlanks = " \t";
 
 // Reads a command without a description: names, equals signs and values.
 class CommandReader {
@@ -38,7 +38,7 @@ public:
     bool isApart = false;  // a blank precedes the equals sign
 
 private:
-    void skipBlanks() { m_text.remove_prefix(std::min(m_text.find_first_not_of(kBlanks), m_text.size())); }
+    void skipBlanks() { m_text.remove_prefix(std::min(m_text.find_first_not_of(kOptionBlanks), m_text.size())); }
 
     template <class IsEnd>
     std::string take(IsEnd isEnd) {
@@ -103,7 +103,7 @@ struct SeenCommand {
     }
 };
 
-std::string upperCase(std::string text) {
+std::string toUpperCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return text;
@@ -119,11 +119,11 @@ SeenCommand& seenCommand(std::vector<SeenCommand>& all, const std::string& name)
 
 void see(const std::string& text, std::vector<SeenCommand>& all) {
     CommandReader reader(text);
-    SeenCommand& seen = seenCommand(all, upperCase(reader.word()));
+    SeenCommand& seen = seenCommand(all, toUpperCase(reader.word()));
     seen.examples.push_back(text);
     while (reader.next()) {
         if (!reader.isApart) seen.kind = CommandKind_e::Command;
-        seen.add(reader.isApart ? upperCase(reader.name) : reader.name, reader.value);
+        seen.add(reader.isApart ? toUpperCase(reader.name) : reader.name, reader.value);
     }
 }
 
