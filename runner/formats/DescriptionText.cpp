@@ -10,7 +10,7 @@ std::string quoted(const std::string& text) {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-std::string member(const char* name, const std::string& json) { return std::string(", \"") + name + "\": " + json; }
+std::string memberText(const char* name, const std::string& json) { return std::string(", \"") + name + "\": " + json; }
 
 std::string valueText(const std::string& value, OptionType_e type) {
     if (type == OptionType_e::Boolean) return value == "TRUE" ? "true" : "false";
@@ -30,17 +30,17 @@ std::vector<std::string> allQuoted(const std::vector<std::string>& texts) {
 }
 
 std::string optionText(const OptionDescription& option) {
-    std::string text = "{\"name\": " + quoted(option.name) + member("type", quoted(nameOf(option.type)));
-    if (!option.values.empty()) text += member("values", '[' + listText(allQuoted(option.values), ", ") + ']');
-    if (option.defaultValue) text += member("default", valueText(*option.defaultValue, option.type));
-    if (!option.without.empty()) text += member("without", quoted(option.without));
-    if (option.min) text += member("min", option.min->text);
-    if (option.max) text += member("max", option.max->text);
-    if (option.isRequired) text += member("required", "true");
-    if (option.isRepeatable) text += member("repeatable", "true");
-    if (!option.mayBeEmpty) text += member("mayBeEmpty", "false");
-    if (!option.hasEscapes) text += member("escapes", "false");
-    return text + member("help", quoted(option.help)) + '}';
+    std::string text = "{\"name\": " + quoted(option.name) + memberText("type", quoted(nameOf(option.type)));
+    if (!option.values.empty()) text += memberText("values", '[' + listText(allQuoted(option.values), ", ") + ']');
+    if (option.defaultValue) text += memberText("default", valueText(*option.defaultValue, option.type));
+    if (!option.without.empty()) text += memberText("without", quoted(option.without));
+    if (option.min) text += memberText("min", option.min->text);
+    if (option.max) text += memberText("max", option.max->text);
+    if (option.isRequired) text += memberText("required", "true");
+    if (option.isRepeatable) text += memberText("repeatable", "true");
+    if (!option.mayBeEmpty) text += memberText("mayBeEmpty", "false");
+    if (!option.hasEscapes) text += memberText("escapes", "false");
+    return text + memberText("help", quoted(option.help)) + '}';
 }
 
 // A member of a command that is a list with an item per line; nothing if the list is empty.

@@ -48,14 +48,15 @@ inline std::string jsonText(const std::string& text) {
 
 /// An option, with its members as JSON.
 struct RecordedOption {
-    std::string name;
-    const char* type;
+    std::string name;               ///< as the add-on reads it
+    const char* type;               ///< a type of a description, for example "Int64"
     std::string defaultValue = {};  ///< empty if the option has none
-    std::string help = {};
-    std::string more = {};  ///< further members; empty for none
-    bool hasEscapes = true;
+    std::string help = {};          ///< one line
+    std::string more = {};          ///< further members; empty for none
+    bool hasEscapes = true;         ///< whether the processor reads a text with escapes
 };
 
+/// Returns \p option as a JSON object on one line.
 inline std::string jsonOf(const RecordedOption& option) {
     std::string json = "{\"name\": " + jsonText(option.name) + ", \"type\": \"" + option.type + '"';
     if (!option.defaultValue.empty()) json += ", \"default\": " + option.defaultValue;
@@ -66,13 +67,14 @@ inline std::string jsonOf(const RecordedOption& option) {
 
 /// A command, and its options in the order in which they were seen first.
 struct RecordedCommand {
-    std::string name;
-    const char* kind;
-    std::string purpose = {};
-    std::vector<RecordedOption> options = {};
-    std::vector<std::string> before = {};
-    std::vector<std::string> examples = {};
+    std::string name;                          ///< the word with which the command starts
+    const char* kind;                          ///< "command" or "processor"
+    std::string purpose = {};                  ///< one line
+    std::vector<RecordedOption> options = {};  ///< in the order in which they were seen
+    std::vector<std::string> before = {};      ///< commands that have to run first
+    std::vector<std::string> examples = {};    ///< commands that succeed
 
+    /// Returns the option of this name. An unknown one is added, with \p type.
     RecordedOption& option(const std::string& optionName, const char* type) {
         for (RecordedOption& known : options) {
             if (known.name == optionName) return known;
@@ -95,6 +97,7 @@ std::string jsonList(const char* name, const Items& items, Write write) {
     return json + "\n      ]";
 }
 
+/// Returns \p command as a JSON object, with a line per option.
 inline std::string jsonOf(const RecordedCommand& command) {
     return "    {\n      \"name\": " + jsonText(command.name) + ",\n      \"kind\": \"" + command.kind +
            "\",\n      \"purpose\": " + jsonText(command.purpose) +
@@ -105,6 +108,7 @@ inline std::string jsonOf(const RecordedCommand& command) {
 /// Adds each option that it visits to a command.
 class OptionRecorder : public MacroOptionPerformerAbstract {
 public:
+    /// \param command must outlive this object.
     explicit OptionRecorder(RecordedCommand& command) : MacroOptionPerformerAbstract(false), m_command(command) {}
 
     void action(BooleanMacroOption& option) override {
@@ -135,6 +139,7 @@ private:
 /// Adds to a command what its code does not tell. Valid until CommandRecorder describes another command.
 class CommandNotes {
 public:
+    /// CommandRecorder creates the notes.
     explicit CommandNotes(detail::RecordedCommand& command) : m_command(&command) {}
 
     /// Sets the purpose of the command, one line of UTF-8.
@@ -245,6 +250,7 @@ public:
     explicit RecordedProcessor(CommandRecorder& recorder, Arguments&&... arguments)
         : Processor(std::forward<Arguments>(arguments)...), m_recorder(recorder) {}
 
+    /// Runs a command. If it succeeds, it becomes an example.
     bool parseCommandString(const char* commandString, char** errMsg) override {
         m_command.clear();
         m_option.clear();
@@ -252,6 +258,8 @@ public:
         if (isProcessed && !m_command.empty()) m_recorder.notes(m_command).example(commandString);
         return isProcessed;
     }
+    /// \name Call the operation of \p Processor, and note what it read.
+    /// @{
     bool getCommand(std::string& command) override {
         if (!Processor::getCommand(command)) return false;
         m_command = command;
@@ -270,6 +278,7 @@ public:
         return noted(Processor::getStringValue(value, processEscapes), "String", processEscapes);
     }
     bool getSetValue(toolbox::Set& value) override { return noted(Processor::getSetValue(value), "Set"); }
+    /// @}
 
 private:
     // Only a value that was read counts: a refused one may belong to a name that the processor does not know.
