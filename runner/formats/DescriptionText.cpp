@@ -25,6 +25,7 @@ std::string listText(const std::vector<std::string>& texts, const char* separato
 
 std::vector<std::string> allQuoted(const std::vector<std::string>& texts) {
     std::vector<std::string> all;
+    all.reserve(texts.size());
     for (const std::string& text : texts) all.push_back(quoted(text));
     return all;
 }
@@ -51,6 +52,7 @@ std::string listMember(const char* name, const std::vector<std::string>& items) 
 
 std::string commandText(const CommandDescription& command) {
     std::vector<std::string> options;
+    options.reserve(command.options.size());
     for (const OptionDescription& option : command.options) options.push_back(optionText(option));
     return "    {\n      \"name\": " + quoted(command.name) + ",\n      \"kind\": " + quoted(nameOf(command.kind)) +
            ",\n      \"purpose\": " + quoted(command.purpose) + listMember("options", options) +
@@ -62,6 +64,7 @@ std::string commandText(const CommandDescription& command) {
 
 std::string descriptionText(const AddOnDescription& description) {
     std::vector<std::string> commands;
+    commands.reserve(description.commands.size());
     for (const CommandDescription& command : description.commands) commands.push_back(commandText(command));
     return "{\n  \"addon\": " + quoted(description.addOn) + ",\n  \"commands\": [\n" + listText(commands, ",\n") +
            "\n  ]\n}\n";
