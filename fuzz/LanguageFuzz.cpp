@@ -2,12 +2,14 @@
 // the command processor, and the other way round. Every mistake must have a place in its line.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "Fuzz.h"
 #include "formats/DescriptionFile.h"
 #include "language/Completion.h"
 #include "language/LineCheck.h"
+#include "language/RandomCases.h"
 #include "vexa/VexaUtil.h"
 #include "vexautilutil/BooleanMacroOption.h"
 #include "vexautilutil/MacroCommandAbstract.h"
@@ -21,6 +23,8 @@ namespace vexa::fuzz {
 namespace {
 
 using namespace vexautilutil;
+
+constexpr int kRandomCommands = 20;
 
 constexpr const char* kDescription = R"({"addon": "A", "commands": [
     {"name": "C", "kind": "command", "purpose": "p", "options": [
@@ -146,6 +150,22 @@ void requireSameJudgement(const std::string& value) {
     }
 }
 
+// The library reads a random command if the description allows it.
+void requireReadIfRight(const runner::RandomCase& random) {
+    const bool isRight = random.mistake.empty();
+    require(vexa::fuzz::isRight("A " + random.text) == isRight, "a random command is what it says", random.text);
+    const std::string& word = random.command->name;
+    const bool isRead = random.command->kind == runner::CommandKind_e::Processor
+                            ? areReadByProcessor(random.text)
+                            : areReadByClasses(random.text.substr(word.size()));
+    require(isRead == isRight, "the library reads a random command that is right", random.text);
+}
+
+void requireRandomCommands(std::uint64_t seed) {
+    runner::RandomCases cases(*described().find("A"), seed);
+    for (int i = 0; i != kRandomCommands; ++i) requireReadIfRight(cases.next());
+}
+
 void requirePlaces(const std::string& text) {
     std::size_t last = 1;
     for (const runner::Diagnostic& found : runner::checkText(text, described())) {
@@ -166,6 +186,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = textOf(data, size);
     requirePlaces(text);
     requirePlaces("A P " + text);
+    requireRandomCommands(std::hash<std::string>()(text));
     // The library reads lines, without the white space around them.
     const bool isValue = !text.empty() && text.find_first_of(std::string("\r\n\0", 3)) == std::string::npos &&
                          text.find_first_of(" \t\v\f") != 0 && text.find_last_of(" \t\v\f") != text.size() - 1;

@@ -48,12 +48,12 @@ ExitStatus_e runProgram(const std::vector<std::string>& arguments) {
     Command program{kProgramName, kAbout, kFooter};
     program.add(flag({"--version"}, "Display program version information and exit",
                      ShowVersion{std::string(kProgramName) + ' ' + VEXA_STANDIN_VERSION}));
-    program.commands = {newCommand(),           runCommand(),     resultsCommand(),      replCommand(),
-                        testCommand(),          checkCommand(),   lintCommand(),         lspCommand(),
-                        debugCommand(),         attachCommand(),  reportCommand(),       coverageCommand(),
-                        diffCommand(),          docsCommand(),    explainCommand(),      listCommand(),
-                        styleCommand(),         probeCommand(),   compareHostsCommand(), schemaCommand(),
-                        manualCommand(program), debuggedCommand()};
+    program.commands = {newCommand(),          runCommand(),      resultsCommand(),       replCommand(),
+                        testCommand(),         checkCommand(),    lintCommand(),          lspCommand(),
+                        debugCommand(),        attachCommand(),   reportCommand(),        coverageCommand(),
+                        diffCommand(),         describeCommand(), docsCommand(),          randomCommand(),
+                        explainCommand(),      listCommand(),     styleCommand(),         probeCommand(),
+                        compareHostsCommand(), schemaCommand(),   manualCommand(program), debuggedCommand()};
     addOptionsOfAll(program);
     try {
         return parse(program, arguments)();

@@ -20,6 +20,9 @@ Command debugCommand();
 /// `debugged` is the run in that gdb. The help does not list it.
 Command debuggedCommand();
 
+/// `describe` drafts the description of an add-on's commands, from macros.
+Command describeCommand();
+
 /// `diff` compares the calls in two traces.
 Command diffCommand();
 
@@ -47,6 +50,9 @@ Command newCommand();
 
 /// `probe` asks the stand-in host all questions of the probe, and writes the facts.
 Command probeCommand();
+
+/// `random` prints a macro of random commands, made from the description of an add-on.
+Command randomCommand();
 
 /// `repl` runs the commands that the user types.
 Command replCommand();

@@ -102,6 +102,7 @@ std::string resultLine(const MacroCommand& command, const standin::CommandResult
                  {"error", withoutTrailingBlanks(result.error)},
                  {"seconds", time.count()},
                  {"findings", listOf(details.findings)}};
+    if (!details.suggestion.empty()) line["suggestion"] = details.suggestion;
     addSource(line, "source", result.place.source);
     addDebug(line, details.debug);
     add(details.stacks, line);

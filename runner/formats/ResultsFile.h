@@ -27,6 +27,7 @@ struct ResultDetails {
     std::vector<ResultFinding> findings = {};  ///< since the previous line
     StackReport stacks = {};                   ///< of a crash or a hang; empty if there was none
     std::string debug = {};                    ///< the command that shows the failure in a debugger; may be empty
+    std::string suggestion = {};               ///< what the user may have meant by a refused command; may be empty
 };
 
 /// Returns the line of a command.

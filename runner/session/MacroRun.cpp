@@ -23,6 +23,7 @@
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
 #include "session/Stopper.h"
+#include "session/Suggestions.h"
 #include "session/watch/Death.h"
 #include "session/watch/WatchedStacks.h"
 #include "system/files/OutputTarget.h"
@@ -169,15 +170,23 @@ private:
         const auto time = std::chrono::steady_clock::now() - begin;
         m_view.conclude(result.accepted);
         m_view.printFindings();
-        const std::string debug = result.accepted ? "" : debugOfFailure();
-        addResult(command, result, time, {}, debug);
+        ResultDetails details;
+        if (!result.accepted) {
+            details.debug = debugOfFailure();
+            details.suggestion = m_suggestions.of(command);
+        }
+        addResult(command, result, time, details);
         tellFindings();
-        if (result.accepted) return;
+        if (!result.accepted) tellFailure(command, result, details);
+    }
+
+    void tellFailure(const MacroCommand& command, const standin::CommandResult& result, const ResultDetails& details) {
         ++m_failed;
-        tell(placeOf(command), failureWithSource(result));
-        tellLines("", debugLine(debug));
+        tell(placeOf(command), withSuggestion(failureWithSource(result), details.suggestion));
+        tellLines("", debugLine(details.debug));
         Problem problem = problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source);
-        problem.debug = debug;
+        problem.details = details.suggestion;
+        problem.debug = details.debug;
         tellProblem(std::move(problem));
     }
 
@@ -213,9 +222,10 @@ private:
     }
 
     void addResult(const MacroCommand& command, const standin::CommandResult& result,
-                   std::chrono::duration<double> time, const StackReport& stacks = {}, const std::string& debug = {}) {
+                   std::chrono::duration<double> time, ResultDetails details = {}) {
         if (!m_options.json) return;
-        m_notes.tell(kResultNote, resultLine(command, result, time, {newResultFindings(), stacks, debug}));
+        details.findings = newResultFindings();
+        m_notes.tell(kResultNote, resultLine(command, result, time, details));
     }
 
     // The findings since the last line of the results.
@@ -290,7 +300,7 @@ private:
         tellStacks(m_hang);
         m_host.report(*hang.finding);
         if (!m_isRunning) return;
-        addResult(hang.work, {false, "the command has not returned"}, hang.limit, m_hang, debugOfHang());
+        addResult(hang.work, {false, "the command has not returned"}, hang.limit, {{}, m_hang, debugOfHang()});
         writeOutputs();
     }
 
@@ -310,6 +320,7 @@ private:
     std::size_t m_run = 0;
     std::size_t m_failed = 0;
     bool m_isStopped = false;
+    Suggestions m_suggestions{m_options.addOns};
     StackReport m_hang;  // of a command that did not return
     std::string m_summary;
     StopButton m_stopButton{m_box.isStatusDrawn};

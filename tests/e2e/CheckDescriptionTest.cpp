@@ -1,3 +1,5 @@
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -7,36 +9,17 @@ namespace vexa::e2e {
 namespace {
 
 // The description of tests/e2e/check/Described.cpp.
-constexpr const char* kRight = R"({
-  "addon": "DESCRIBED",
-  "commands": [
-    {"name": "LOAD", "kind": "command", "purpose": "Loads a file.",
-     "options": [
-       {"name": "FILE", "type": "String", "required": true, "help": "the file"},
-       {"name": "COUNT", "type": "UInt64", "default": 10, "help": "how many rows"},
-       {"name": "HEADER", "type": "Boolean", "default": false, "help": "whether there is a header"},
-       {"name": "ZONES", "type": "Set", "help": "the zones"}],
-     "examples": ["LOAD FILE=\"a b\"", "LOAD ZONES=[1-3] FILE='a' COUNT=5"]},
-    {"name": "GREET", "kind": "processor", "purpose": "Greets.",
-     "options": [
-       {"name": "NAME", "type": "String", "required": true, "mayBeEmpty": false, "help": "who"},
-       {"name": "TIMES", "type": "Int64", "default": 1, "min": 1, "max": 100, "help": "how often"},
-       {"name": "STEP", "type": "Int32", "default": 1, "help": "the step"},
-       {"name": "SCALE", "type": "Double", "default": 1, "help": "a factor"},
-       {"name": "LOUD", "type": "Boolean", "default": false, "help": "in capitals"},
-       {"name": "ZONES", "type": "Set", "help": "the zones"},
-       {"name": "MODE", "type": "Choice", "values": ["fast", "slow"], "repeatable": true, "help": "how"}],
-     "before": ["LOAD FILE=\"a\""],
-     "examples": ["GREET NAME = 'you' TIMES = 2"]}
-  ]
-})";
+std::string rightDescription() {
+    std::ifstream file(VEXA_DOCS "/../tests/e2e/check/described.commands.json");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 class CheckDescription : public CheckRunnerTest {
 protected:
     /// Checks the add-on with the description in which \p from is \p to.
     ProgramResult checkChanged(const std::string& from, const std::string& to,
                                const std::vector<std::string>& more = {}) const {
-        std::string text = kRight;
+        std::string text = rightDescription();
         const std::size_t at = text.find(from);
         if (at == std::string::npos) return {-1, "the description does not have " + from, ""};
         text.replace(at, from.size(), to);
@@ -112,6 +95,13 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
          "has the example DESCRIBED LOAD ZONES=[1-3] FILE='a' COUNT=5: COUNT: expected TRUE or FALSE"},
         {"Boolean as UInt64", R"("HEADER", "type": "Boolean", "default": false)", R"("HEADER", "type": "UInt64")",
          "refuses LOAD FILE=\"a b\" HEADER=1 (HEADER with a value of its type)"},
+        {"another default", R"("TIMES", "type": "Int64", "default": 1)", R"("TIMES", "type": "Int64", "default": 2)",
+         "records GREET NAME = 'you' with TIMES = 1, but its default is described as 2"},
+        {"another default of a command", R"("default": 10)", R"("default": 11)",
+         "records LOAD FILE=\"a b\" COUNT=11 with COUNT=11, but omits defaults of other options: it has another "
+         "default"},
+        {"another default of a Boolean", R"("HEADER", "type": "Boolean", "default": false)",
+         R"("HEADER", "type": "Boolean", "default": true)", "but omits defaults of other options"},
         {"a larger range", R"("max": 100)", R"("max": 101)",
          "refuses GREET NAME = 'you' TIMES = 101 (TIMES at its maximum): Error: TIMES must be from 1 to 100"},
         {"a smaller range", R"("max": 100)", R"("max": 99)",
@@ -164,7 +154,7 @@ TEST_F(CheckDescription, IsNotTestedWithoutADescription) {
 
 TEST_F(CheckDescription, IsFoundBesideTheAddOn) {
     std::filesystem::copy_file(CHECK_ADDONS "/described.so", folder() / "described.so");
-    write("described.commands.json", kRight);
+    write("described.commands.json", rightDescription());
     const ProgramResult result = runProgram(runner({"check", "./described.so", "--only", "description-examples"}));
     EXPECT_EQ(result.status, 0) << result.out << result.err;
     EXPECT_TRUE(cameOut(result, "description-examples", "passed")) << result.out;
@@ -175,6 +165,23 @@ TEST_F(CheckDescription, RefusesAWrongDescription) {
     const ProgramResult result = check("described", {"--describe", "d.json"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "d.json: /: the member \"addon\" is missing (1:1)\n");
+}
+
+TEST_F(CheckDescription, RunsRandomCommandsOfTheDescription) {
+    const ProgramResult right = checkChanged("Greets.", "Greets.", {"--only", "description-random", "--seed", "3"});
+    EXPECT_EQ(right.status, 0) << right.out << right.err;
+    EXPECT_TRUE(has(right, "check passed: 6 passed\n")) << right.out;
+}
+
+TEST_F(CheckDescription, NoticesARandomCommandThatShouldFail) {
+    std::string text = rightDescription();
+    const std::string optional = R"("type": "Boolean", "default": false, "help": "in capitals")";
+    text.replace(text.find(optional), optional.size(), R"("type": "Boolean", "required": true, "help": "h")");
+    write("d.json", text);
+    const ProgramResult wrong =
+        check("described", {"--describe", "d.json", "--only", "description-random", "--seed", "1"});
+    EXPECT_EQ(wrong.status, 1) << wrong.out << wrong.err;
+    EXPECT_TRUE(has(wrong, "(without the required option LOUD)\n")) << wrong.out;
 }
 
 }  // namespace

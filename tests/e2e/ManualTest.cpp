@@ -107,7 +107,8 @@ TEST_F(Manual, CompletesWordByWord) {
     const Case cases[] = {
         {"commands", "vexa-standin re", "results repl report\n"},
         {"all commands", "vexa-standin ''",
-         "new run results repl test check lint lsp debug attach report coverage diff docs explain list style probe "
+         "new run results repl test check lint lsp debug attach report coverage diff describe docs random explain list "
+         "style probe "
          "compare-hosts "
          "schema\n"},
         {"options of the program", "vexa-standin --v", "--version\n"},
@@ -164,7 +165,8 @@ TEST_F(Manual, CompletesTheSameInFish) {
         {"commands", "vexa-standin re", "repl\nreport\nresults\n"},
         {"all commands", "vexa-standin ",
          "attach\ncheck\ncompare-"
-         "hosts\ncoverage\ndebug\ndiff\ndocs\nexplain\nlint\nlist\nlsp\nnew\nprobe\nrepl\nreport\nresults\nrun\nschema"
+         "hosts\ncoverage\ndebug\ndescribe\ndiff\ndocs\nexplain\nlint\nlist\nlsp\nnew\nprobe\nrandom\nrepl\nreport\n"
+         "results\nrun\nschema"
          "\nstyl"
          "e\ntest"
          "\n"},

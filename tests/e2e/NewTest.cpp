@@ -52,6 +52,13 @@ TEST_F(New, WritesAProjectAndTellsHowToBuildIt) {
                              ".gitlab-ci.yml",
                              ".clangd",
                              ".vscode/commands.schema.json",
+                             ".vscode/extensions/vexa-macros/client.js",
+                             ".vscode/extensions/vexa-macros/extension.js",
+                             ".vscode/extensions/vexa-macros/language-configuration.json",
+                             ".vscode/extensions/vexa-macros/macro.tmLanguage.json",
+                             ".vscode/extensions/vexa-macros/package.json",
+                             "editors/vim/ftdetect/vexamacro.vim",
+                             "editors/vim/syntax/vexamacro.vim",
                              ".vscode/launch.json",
                              ".vscode/settings.json",
                              ".vscode/tasks.json"}) {
@@ -223,6 +230,7 @@ TEST_F(New, LeavesOutTheFilesForEditors) {
     }
     EXPECT_FALSE(fs::exists(folder() / "without/.vscode"));
     EXPECT_FALSE(fs::exists(folder() / "without/.clangd"));
+    EXPECT_FALSE(fs::exists(folder() / "without/editors"));
     EXPECT_TRUE(fs::exists(folder() / "without/.gitlab-ci.yml"));
 }
 

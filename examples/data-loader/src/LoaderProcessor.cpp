@@ -182,6 +182,8 @@ void LoaderProcessor::readOption(const std::string& name, const std::vector<Opti
     if (*option->value) throw LoaderError("Option given twice: " + name);
     std::string value;
     if (!getStringValue(value, true) || value.empty()) throw LoaderError("Expected a quoted text for " + name);
+    // A line of a macro file could not hold the recorded command.
+    if (value.find('\n') != std::string::npos) throw LoaderError("Line break in the text for " + name);
     *option->value = value;
 }
 

@@ -92,6 +92,7 @@ TEST_F(Commands, RefuseWhatIsWrongWithThem) {
         {"no value", "LOAD FILE =", "Error: Expected a quoted text for FILE"},
         {"no quotes", "LOAD FILE = a", "Error: Expected a quoted text for FILE"},
         {"empty", "LOAD FILE = ''", "Error: Expected a quoted text for FILE"},
+        {"line break", "LOAD FILE = 'a\nb'", "Error: Line break in the text for FILE"},
         {"left open", "LOAD FILE = 'a", "Error: Missing closing quote of: LOAD FILE = 'a"},
         {"closed by an escaped quote", "LOAD FILE = 'a\\'", "Error: Missing closing quote of: LOAD FILE = 'a\\'"},
         {"closed by the other quote", "LOAD FILE = 'a\"", "Error: Missing closing quote of: LOAD FILE = 'a\""},

@@ -190,6 +190,8 @@ bool OptionsProcessor::read(const std::string& name, std::optional<std::string>&
     std::string value;
     if (!getStringValue(value, true)) return refuse("Expected a quoted text for command option: " + name);
     if (value.empty()) return refuse("Empty text for command option: " + name);
+    // A line of a macro file could not hold the recorded command.
+    if (value.find('\n') != std::string::npos) return refuse("Line break in the text for command option: " + name);
     target = value;
     return true;
 }

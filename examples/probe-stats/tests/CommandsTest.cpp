@@ -297,6 +297,7 @@ TEST_F(Summarize, RefusesWhatIsWrongWithItsOptions) {
         {"no Boolean", "SUMMARIZE Spectrum = ON", "Error: Invalid Boolean value for command option: Spectrum\n"},
         {"Boolean missing", "SUMMARIZE SPECTRUM =", "Error: Missing Boolean value for command option: SPECTRUM"},
         {"text without quotes", "SUMMARIZE FILE = out.txt", "Error: Expected a quoted text for command option: FILE"},
+        {"text with a line break", "SUMMARIZE FILE = 'a\nb'", "Error: Line break in the text for command option: FILE"},
         {"text missing", "SUMMARIZE FILE =", "Error: Expected a quoted text for command option: FILE"},
         {"empty text", "SUMMARIZE FILE = ''", "Error: Empty text for command option: FILE"},
         {"quote left open", "SUMMARIZE FILE = 'out.txt COLUMNS = [2]",

@@ -4,6 +4,7 @@
 
 #include "vexautilutil/AsciiFile.h"
 #include "vexautilutil/BooleanMacroOption.h"
+#include "vexautilutil/CommandRecorder.h"
 #include "vexautilutil/ExecuteCommand.h"
 #include "vexautilutil/Export.h"
 #include "vexautilutil/FileSystem.h"

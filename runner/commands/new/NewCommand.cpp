@@ -60,7 +60,7 @@ Command newCommand() {
     command.add(option({"--title"}, "TEXT", "The add-on's title for users; by default made from the folder's name",
                        &options->title)
                     .check(whyNoTitle));
-    command.add(flag({"--editor"}, "Write files for editors: VS Code and clangd (default)",
+    command.add(flag({"--editor"}, "Write files for editors: VS Code, clangd and Vim (default)",
                      [options] { options->editorFiles = EditorFiles_e::Written; }));
     command.add(flag({"--no-editor"}, "Do not write files for editors",
                      [options] { options->editorFiles = EditorFiles_e::LeftOut; }));

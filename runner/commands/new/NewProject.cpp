@@ -27,7 +27,7 @@ struct TemplateFile {
 #include "ProjectFiles.inc"
 
 // The start of the paths of files for editors.
-constexpr std::string_view kForEditors[] = {".clangd", ".vscode/"};
+constexpr std::string_view kForEditors[] = {".clangd", ".vscode/", "editors/"};
 
 constexpr std::string_view kScript = "#!";  // the start of a program that a shell runs
 constexpr mode_t kFile = 0666;

@@ -28,7 +28,7 @@ std::string whyNoTitle(const std::string& title);
 
 /// Whether a new project has files for editors.
 enum class EditorFiles_e {
-    Written,  ///< tasks, a debugger's launch and a problem matcher for VS Code; a setting for clangd
+    Written,  ///< of VS Code, clangd and Vim; they also colour macro files
     LeftOut
 };
 

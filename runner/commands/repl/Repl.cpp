@@ -15,6 +15,7 @@
 #include "options/Refusals.h"
 #include "session/RunOutputs.h"
 #include "session/SessionView.h"
+#include "session/Suggestions.h"
 #include "terminal/Console.h"
 #include "terminal/StopButton.h"
 #include "terminal/Terminal.h"
@@ -207,7 +208,9 @@ private:
         m_view.conclude(result.accepted);
         m_view.setPlace(kProgramName);
         m_view.printFindings();
-        if (!result.accepted) tell(command.addOnId, failureWithSource(result));
+        if (!result.accepted) {
+            tell(command.addOnId, withSuggestion(failureWithSource(result), m_suggestions.of(command)));
+        }
         m_seen.add(command.addOnId, command.text, result.accepted);
     }
 
@@ -291,6 +294,7 @@ private:
     NotesInterface& m_notes;
     std::set<std::string> m_ids;
     SeenCommands m_seen;
+    Suggestions m_suggestions{m_options.addOns};
     LastCalls m_calls;
     SessionView m_view;
     Session m_session;  // last: while it is destroyed, its add-ons may still show dialogs

@@ -1,19 +1,17 @@
 #include "commands/Commands.h"
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "commands/repl/LineReader.h"
 #include "commands/repl/Repl.h"
-#include "formats/DescriptionFile.h"
 #include "language/Descriptions.h"
 #include "options/CommonOptions.h"
 #include "options/PrintedOutput.h"
 #include "session/RunOutputs.h"
+#include "session/Suggestions.h"
 #include "session/watch/Death.h"
 #include "system/processes/Tracer.h"
 #include "terminal/Console.h"
@@ -54,7 +52,7 @@ public:
 
     // Each round has its own process, and ends when the user asks to load the add-ons again.
     ExitStatus_e execute() {
-        readDescriptions();
+        m_descriptions = descriptionsBeside(m_options.addOns);
         for (;;) {
             m_isReloading = false;
             m_options.inProcess || isTraced() ? runHere() : runWatched();
@@ -83,16 +81,6 @@ public:
     }
 
 private:
-    // Without a description, the tab key completes only ids and file names.
-    void readDescriptions() {
-        for (const std::string& addOn : m_options.addOns) {
-            const std::string file = descriptionBeside(addOn);
-            std::error_code ignored;
-            if (!std::filesystem::exists(file, ignored)) continue;
-            if (auto description = readDescription(file)) m_descriptions.add(std::move(*description));
-        }
-    }
-
     void runHere() {
         const SignalMask unblocked(m_signals.before());
         const auto box = std::make_unique<ProcessBox>();
@@ -128,7 +116,7 @@ private:
     const ReplOptions& m_options;
     RunOutputs m_outputs{[](std::string_view) {}};
     std::optional<LineReader> m_reader;
-    Descriptions m_descriptions;  // of the add-ons that have one beside them
+    Descriptions m_descriptions;  // for the tab key, which without one completes only ids and file names
     std::string m_findings;       // of the add-ons that were unloaded by :reload
     Load_e m_load = Load_e::First;
     bool m_isReloading = false;

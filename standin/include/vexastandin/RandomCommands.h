@@ -48,6 +48,9 @@ public:
     /// any order; sometimes an option is repeated or belongs to another command. One command in ten is damaged: it is
     /// cut off, or has a byte too few or too many.
     std::string command(const std::vector<CommandForm>& forms);
+    /// Returns \p text, which must not be empty, with one damage: it is cut off, or has a byte too few or too many. A
+    /// closing quote may then be missing: the command processor would wait for it forever.
+    std::string damaged(std::string text);
     /// Sets random modes of \p host: recording, batch mode, playback, and when the user presses stop.
     void setModes(Host& host);
 
@@ -64,7 +67,6 @@ private:
     const std::string& valueOf(const OptionForm& option);
     std::string assign(const CommandForm& command);
     std::string inAnyCase(std::string word);
-    std::string damaged(std::string text);
 
     std::mt19937_64 m_random;
 };

@@ -3,18 +3,23 @@
 #include <string>
 #include <vector>
 
+#include "commands/check/tests/DescribedDefaults.h"
 #include "commands/check/tests/Tests.h"
 #include "commands/check/tests/UndescribedOptions.h"
 #include "language/CommandCases.h"
 #include "language/LineCheck.h"
 #include "language/MacroLine.h"
+#include "language/RandomCases.h"
 #include "terminal/Console.h"
 #include "text/Lines.h"
+#include "vexastandin/RandomCommands.h"
 
 namespace vexa::runner {
 namespace {
 
 constexpr std::size_t kMostMistakes = 20;
+constexpr std::size_t kRandomSessions = 40;
+constexpr std::size_t kCommandsOfASession = 25;
 
 // What is wrong between a description and its add-on. All of it is reported, because one change of an add-on often
 // makes several parts of the description wrong.
@@ -79,6 +84,43 @@ public:
     std::vector<MacroCommand> stepsBefore(const CommandDescription& command) const {
         std::vector<MacroCommand> steps;
         for (const std::string& text : command.before) steps.push_back(stepOf(text));
+        return steps;
+    }
+
+    // Runs random commands in one session, after the commands that any of them needs, in random modes of the host. It
+    // must refuse those that the description forbids, whatever ran before.
+    void runRandom(std::uint64_t seed) {
+        RandomCases cases(m_addOn, seed);
+        standin::RandomCommands modes(seed);
+        CheckedSession session(m_trial);
+        requireId(session);
+        std::vector<MacroCommand> steps = stepsBeforeAll();
+        for (const MacroCommand& earlier : steps) session.runWell(earlier);
+        for (std::size_t i = 0; i != kCommandsOfASession; ++i) {
+            const RandomCase random = cases.next();
+            steps.push_back(stepOf(random.text));
+            m_trial.nowTrying("at random, by the description: " + nameOf(steps.back()), macroOf(steps));
+            modes.setModes(session.host());
+            const bool isAccepted = session.run(steps.back()).accepted;
+            ++m_count;
+            if (isAccepted && !random.mistake.empty()) {
+                m_mistakes.add("accepts " + random.text + " (" + random.mistake + ')');
+            }
+            session.expectContractKept();
+        }
+        for (const std::string& line : session.recorded()) checkText("records", line);
+        session.end();
+    }
+
+    std::vector<MacroCommand> stepsBeforeAll() const {
+        std::vector<std::string> texts;
+        for (const CommandDescription& command : m_addOn.commands) {
+            for (const std::string& text : command.before) {
+                if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
+            }
+        }
+        std::vector<MacroCommand> steps;
+        for (const std::string& text : texts) steps.push_back(stepOf(text));
         return steps;
     }
 
@@ -168,6 +210,10 @@ Verdict descriptionOptions(Trial& trial) {
         for (const CommandCase& accepted : acceptedCases(described.addOn(), command)) {
             requireAccepted(described, command, accepted);
         }
+        const RecordCommand record = [&](const std::string& text) { return described.run(command, text).recorded; };
+        for (const std::string& mistake : wrongDefaults(described.addOn(), command, record)) {
+            described.mistakes().add(mistake);
+        }
     }
     return described.conclude();
 }
@@ -184,6 +230,12 @@ Verdict descriptionRefusals(Trial& trial) {
             requireWholeInteger(described, command, large);
         }
     }
+    return described.conclude();
+}
+
+Verdict descriptionRandom(Trial& trial) {
+    DescriptionTrial described(trial);
+    for (std::size_t i = 0; i != kRandomSessions; ++i) described.runRandom(trial.random()());
     return described.conclude();
 }
 

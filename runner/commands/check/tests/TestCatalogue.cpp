@@ -65,6 +65,10 @@ const std::vector<CheckTest>& checkTests() {
          "Each command of the description fails without a required option, with an unknown option, with a value of "
          "another type, and with a value outside of its range.",
          "A mistake in a macro that is accepted silently gives a wrong result.", descriptionRefusals},
+        {"description-random", 3, Needs_e::Description,
+         "Random commands of the description keep the contract in every mode of the host. Those that the description "
+         "forbids fail, whatever ran before. What is recorded has only described options.",
+         "Options that work alone may fail together, and after other commands.", descriptionRandom},
         {"description-complete", 2, Needs_e::Description,
          "No word in capitals in the add-on's file is an option that the description lacks.",
          "Users cannot find an option that is not described.", descriptionComplete},

@@ -44,6 +44,7 @@ Verdict allocationFails(Trial& trial);
 Verdict descriptionExamples(Trial& trial);
 Verdict descriptionOptions(Trial& trial);
 Verdict descriptionRefusals(Trial& trial);
+Verdict descriptionRandom(Trial& trial);
 Verdict descriptionComplete(Trial& trial);
 
 // Damaged commands, systematically and then at random. They only have to keep the contract.
