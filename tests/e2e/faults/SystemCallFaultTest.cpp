@@ -272,7 +272,7 @@ TEST_P(SystemCallFault, IsReportedAndLeavesNothingBehind) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, SystemCallFault, testing::ValuesIn(kCommands),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace
 }  // namespace vexa::e2e

@@ -33,7 +33,7 @@ void (*volatile unwinderTestNothing)() = nullptr;
 
 [[gnu::noinline]] void unwinderTestRecursion() {
     if (++unwinderTestDepth == 200) raise(SIGABRT);
-    unwinderTestRecursion();
+    if (unwinderTestDepth != 0) unwinderTestRecursion();
     unwinderTestDepth = 0;
 }
 }

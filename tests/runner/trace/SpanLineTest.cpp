@@ -141,6 +141,7 @@ public:
         note("end", index, span, entry);
     }
     void findingMade(const TracedFinding& finding) override { m_text << "finding " << finding.facts << '\n'; }
+    void crashed(const TracedCrash& crash) override { m_text << "crash " << crash.facts << '\n'; }
     void percentChanged(std::int64_t time, std::int64_t percent) override { m_text << time << ' ' << percent << '\n'; }
     void runEnded(std::int64_t end, const std::optional<TracedOutcome>& outcome) override {
         m_text << "end " << end << ' ' << (outcome ? outcome->text : "none") << '\n';
