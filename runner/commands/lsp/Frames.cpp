@@ -54,7 +54,7 @@ ssize_t waitAndRead(int descriptor, char* bytes, std::size_t size) {
 
 }  // namespace
 
-Frame FrameReader::next() {
+InputFrame FrameReader::next() {
     std::optional<std::size_t> size;
     for (std::string line; readLine(line);) {
         if (!line.empty()) {
@@ -66,11 +66,11 @@ Frame FrameReader::next() {
             return refuse("the header has no Content-Length");
         }
     }
-    return {Frame::Kind_e::End, ""};
+    return {InputFrame::Kind_e::End, ""};
 }
 
 // Bytes that are skipped may stand before the field on the same line.
-std::optional<Frame> FrameReader::takeField(std::string_view line, std::optional<std::size_t>& size) {
+std::optional<InputFrame> FrameReader::takeField(std::string_view line, std::optional<std::size_t>& size) {
     const std::size_t at = findSizeField(line);
     const bool isField = m_isLost ? at != std::string_view::npos : at == 0;
     if (!isField) {
@@ -86,9 +86,9 @@ std::optional<Frame> FrameReader::takeField(std::string_view line, std::optional
                   shortText(printableLine(number)));
 }
 
-Frame FrameReader::refuse(std::string reason) {
+InputFrame FrameReader::refuse(std::string reason) {
     m_isLost = true;
-    return {Frame::Kind_e::Refused, std::move(reason)};
+    return {InputFrame::Kind_e::Refused, std::move(reason)};
 }
 
 // Reads more bytes after those that were not taken. Returns false at the end of the input.
@@ -118,11 +118,11 @@ bool FrameReader::readLine(std::string& line) {
     return true;
 }
 
-Frame FrameReader::readMessage(std::size_t size) {
+InputFrame FrameReader::readMessage(std::size_t size) {
     while (m_read.size() - m_at < size) {
-        if (!fill()) return {Frame::Kind_e::End, ""};
+        if (!fill()) return {InputFrame::Kind_e::End, ""};
     }
-    Frame frame{Frame::Kind_e::Message, m_read.substr(m_at, size)};
+    InputFrame frame{InputFrame::Kind_e::Message, m_read.substr(m_at, size)};
     m_at += size;
     return frame;
 }

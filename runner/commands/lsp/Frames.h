@@ -8,7 +8,7 @@
 namespace vexa::runner {
 
 /// What FrameReader::next() found.
-struct Frame {
+struct InputFrame {
     enum class Kind_e {
         Message,
         Refused,  ///< the header is wrong
@@ -37,14 +37,14 @@ public:
 
     /// Waits for the next message.
     /// \throws std::system_error if the input cannot be read
-    Frame next();
+    InputFrame next();
 
 private:
     bool fill();
     bool readLine(std::string& line);
-    Frame readMessage(std::size_t size);
-    std::optional<Frame> takeField(std::string_view line, std::optional<std::size_t>& size);
-    Frame refuse(std::string reason);
+    InputFrame readMessage(std::size_t size);
+    std::optional<InputFrame> takeField(std::string_view line, std::optional<std::size_t>& size);
+    InputFrame refuse(std::string reason);
 
     int m_descriptor;
     std::string m_read;     // bytes that were read

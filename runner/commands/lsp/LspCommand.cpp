@@ -58,10 +58,10 @@ ExitStatus_e serve(const LspOptions& options) {
     LanguageServer server(filesOf(options), send);
     FrameReader input(STDIN_FILENO);
     while (!server.hasEnded()) {
-        const Frame frame = input.next();
-        if (frame.kind == Frame::Kind_e::End) break;
-        if (frame.kind == Frame::Kind_e::Message) server.take(frame.text);
-        if (frame.kind == Frame::Kind_e::Refused) server.reportLost(frame.text);
+        const InputFrame frame = input.next();
+        if (frame.kind == InputFrame::Kind_e::End) break;
+        if (frame.kind == InputFrame::Kind_e::Message) server.take(frame.text);
+        if (frame.kind == InputFrame::Kind_e::Refused) server.reportLost(frame.text);
     }
     return server.wasShutDown() ? ExitStatus_e::AllWell : ExitStatus_e::CommandFailed;
 }

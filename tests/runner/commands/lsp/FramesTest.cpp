@@ -19,8 +19,8 @@ std::vector<std::string> framesIn(const std::string& input) {
     });
     std::vector<std::string> found;
     FrameReader reader(pipe.reader.get());
-    for (Frame frame = reader.next(); frame.kind != Frame::Kind_e::End; frame = reader.next()) {
-        found.push_back((frame.kind == Frame::Kind_e::Refused ? "!" : "") + frame.text);
+    for (InputFrame frame = reader.next(); frame.kind != InputFrame::Kind_e::End; frame = reader.next()) {
+        found.push_back((frame.kind == InputFrame::Kind_e::Refused ? "!" : "") + frame.text);
     }
     writer.join();
     return found;
