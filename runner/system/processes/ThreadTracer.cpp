@@ -156,11 +156,12 @@ void ThreadTracer::attendEnds() {
 }
 
 // The parent of a process learns that the process has ended when the tracer has waited for it. Here the owner of a
-// child process waits for it.
+// child process waits for it. If the system does not tell whose the process is, it may be ours.
 bool ThreadTracer::mayCollect(pid_t thread) {
     const pid_t process = processOf(thread);
-    const bool isTraced = m_processes.count(process) != 0;
-    return thread != process || (isTraced && static_cast<pid_t>(statusNumber(process, "PPid:", 10)) != getpid());
+    if (process == 0 || thread != process) return process != 0;
+    const auto parent = static_cast<pid_t>(statusNumber(process, "PPid:", 10));
+    return m_processes.count(process) != 0 && parent != 0 && parent != getpid();
 }
 
 bool ThreadTracer::collect(pid_t thread) {

@@ -64,10 +64,10 @@ public:
         return finish();
     }
 
-    static void sendByte(int descriptor) { [[maybe_unused]] const auto sent = write(descriptor, "b", 1); }
+    static void sendByte(int descriptor) { [[maybe_unused]] const auto sent = ::write(descriptor, "b", 1); }
     static void awaitByte(int descriptor) {
         char byte = 0;
-        while (read(descriptor, &byte, 1) < 0 && errno == EINTR) {}
+        while (::read(descriptor, &byte, 1) < 0 && errno == EINTR) {}
     }
 
 private:
