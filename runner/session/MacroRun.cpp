@@ -183,7 +183,6 @@ private:
     void tellFailure(const MacroCommand& command, const standin::CommandResult& result, const ResultDetails& details) {
         ++m_failed;
         tell(placeOf(command), withSuggestion(failureWithSource(result), details.suggestion));
-        tellLines("", debugLine(details.debug));
         Problem problem = problemOf(command, kCommandFailed, std::string(failureText(result)), result.place.source);
         problem.details = details.suggestion;
         problem.debug = details.debug;

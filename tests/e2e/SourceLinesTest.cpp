@@ -113,7 +113,7 @@ TEST_P(SourceLines, AreNamedInAnotherHost) {
 }
 
 TEST_P(SourceLines, AreNamedForAFailedCommand) {
-    const std::string err = withoutDebugLines(runWith("FAIL").err);
+    const std::string err = runWith("FAIL").err;
     const std::string message = "m.macro:1: MARKED: there is no such zone\n";
     if (hasLines()) {
         EXPECT_EQ(err, message + "    at " + placeOf("fail") + ", in " +
