@@ -178,7 +178,7 @@ public:
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vexa::fuzz;
     const std::string input = textOf(data, size);
-    const std::string text(input.c_str());  // commands are C strings, which end at a NUL
+    const std::string text = input.substr(0, input.find('\0'));  // commands are C strings, which end at a NUL
     static const QuietHost host;
     tryOption(text);
     const bool startsWithBlank = !text.empty() && std::strchr(" \t\n\v\f\r", text.front()) != nullptr;
