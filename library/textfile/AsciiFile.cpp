@@ -8,7 +8,6 @@
 #include <optional>
 #include <vector>
 
-#include "textfile/FreshMemory.h"
 #include "textfile/LineSplitter.h"
 #include "vexautilutil/FileSystem.h"
 
@@ -57,14 +56,12 @@ struct AsciiFile::Impl {
     // Reads the text of a file of `size` bytes. Returns false if it cannot read all of it.
     bool read(FILE* stream, std::size_t size) {
         buffer.reset(new char[size + 1]);
-        const ReadText text = readFreshText(stream, buffer.get(), size);
-        if (text.size != size) {
+        if (std::fread(buffer.get(), 1, size, stream) != size) {
             if (std::ferror(stream) == 0) errno = EIO;  // the file became shorter since sizeOf()
             buffer.reset();
             return false;
         }
         buffer[size] = '\0';
-        tablePages = text.hasLargePages ? Pages::Large : Pages::Usual;
         return true;
     }
 
@@ -73,7 +70,7 @@ struct AsciiFile::Impl {
         const std::size_t linesBefore = lineOffsets.size();
         bool complete = true;
         try {
-            splitLines(buffer.get(), size, lineOffsets, tablePages);
+            splitLines(buffer.get(), size, lineOffsets);
         } catch (const std::bad_alloc&) {
             complete = false;
             buffer.reset();
@@ -89,7 +86,6 @@ struct AsciiFile::Impl {
     uint64_t currentLine = 0;
     uint64_t lineCount = 0;
     std::vector<uint64_t> lineOffsets;  // offsets in the buffer; those of previous files come first
-    Pages tablePages = Pages::Usual;    // for the offsets of this file
 };
 
 AsciiFile::AsciiFile() : m_impl(std::make_unique<Impl>()) {}

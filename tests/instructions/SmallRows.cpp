@@ -103,7 +103,7 @@ bool readEight(MacroCommandProcessorAbstract& processor) {
 ROW row_split_lines() {
     std::string text = repeated("1 2654435 0.625\r\n");
     std::vector<uint64_t> offsets;
-    splitLines(text.data(), text.size(), offsets, Pages::Usual, Vectors::Sse2);  // the same on each processor
+    splitLines(text.data(), text.size(), offsets);
     require(offsets.size() == kTimes);
 }
 

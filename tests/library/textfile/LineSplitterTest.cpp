@@ -15,32 +15,22 @@
 namespace vexa::vexautilutil {
 namespace {
 
-// Splits a copy of a text by these vectors. Returns an empty text if the result is that of the byte loop.
-std::string difference(const std::string& text, std::size_t alignment, Vectors vectors, const std::string& split,
-                       const std::vector<uint64_t>& splitOffsets) {
+// Splits copies of a text with both functions. Returns an empty text if the results are equal.
+std::string difference(const std::string& text, std::size_t alignment = 0) {
+    std::string plain = text;
+    std::vector<uint64_t> plainOffsets;
+    splitByteByByte(plain.data(), plainOffsets);
+
     const std::size_t before = text.size() + alignment;  // filled with 'x', so that no NUL is before the text
     const std::unique_ptr<char[]> memory(new char[before + text.size() + 1]);  // the exact size, for a sanitizer
     std::memset(memory.get(), 'x', before);
     char* const fast = memory.get() + before;
     std::memcpy(fast, text.c_str(), text.size() + 1);
     std::vector<uint64_t> offsets;
-    splitLines(fast, text.size(), offsets, Pages::Large, vectors);
+    splitLines(fast, text.size(), offsets);
 
-    const std::string which = " by vectors " + std::to_string(static_cast<int>(vectors));
-    if (offsets != splitOffsets) return "the lines differ" + which;
-    return std::memcmp(fast, split.c_str(), text.size() + 1) == 0 ? "" : "the bytes differ" + which;
-}
-
-// Does this by all vectors that the processor has.
-std::string difference(const std::string& text, std::size_t alignment = 0) {
-    std::string plain = text;
-    std::vector<uint64_t> plainOffsets;
-    splitByteByByte(plain.data(), plainOffsets);
-    std::string found;
-    for (const Vectors vectors : {Vectors::None, Vectors::Sse2, Vectors::Avx2}) {
-        if (vectors <= widestVectors()) found += difference(text, alignment, vectors, plain, plainOffsets);
-    }
-    return found;
+    if (offsets != plainOffsets) return "the lines differ";
+    return std::memcmp(fast, plain.c_str(), text.size() + 1) == 0 ? "" : "the bytes differ";
 }
 
 std::string randomText(std::mt19937& random, const std::string& alphabet, std::size_t size) {
