@@ -19,14 +19,14 @@ set(vexa_c_warnings -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conver
     -Wformat=2 -Wundef)
 set(vexa_cxx_warnings ${vexa_c_warnings} -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wextra-semi)
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # It means types in headers, and takes the sources of a unity build for headers.
-    list(APPEND vexa_cxx_warnings -Wno-subobject-linkage)
+    # The warning means types in headers, and takes the sources of a unity build for headers.
+    set(unity_warnings -Wno-subobject-linkage)
 endif()
 
 add_library(vexa_build_settings INTERFACE)
 target_compile_options(vexa_build_settings INTERFACE
     "$<$<COMPILE_LANGUAGE:C>:${vexa_c_warnings}>"
-    "$<$<COMPILE_LANGUAGE:CXX>:${vexa_cxx_warnings}>"
+    "$<$<COMPILE_LANGUAGE:CXX>:${vexa_cxx_warnings};${unity_warnings}>"
     $<$<BOOL:${VEXA_WARNINGS_AS_ERRORS}>:-Werror>)
 
 # The headers of the standard library that take longest to compile and that most sources include. Each source includes
