@@ -4,11 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 
 #include "stacks/PackedStacks.h"
 #include "stacks/StackText.h"
 #include "text/Lines.h"
+#include "text/WholeNumber.h"
 
 namespace vexa::runner {
 namespace {
@@ -127,7 +127,7 @@ std::string packed(const StackReport& report) {
 
 StackReport unpackedReport(std::string_view text) {
     StackReport report;
-    report.signal = std::atoi(take(text).c_str());
+    report.signal = static_cast<int>(wholeNumberIn(take(text)).value_or(0));
     report.fault = take(text);
     report.problem = take(text);
     report.isWhole = !take(text).empty();

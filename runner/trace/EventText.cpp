@@ -44,9 +44,9 @@ void appendJsonString(TextBuffer& json, std::string_view text) {
 EventText& EventText::event(std::string_view phase, std::string_view name, std::string_view category, long track,
                             Time time) {
     beginEvent(name);
-    m_text.append(",\"cat\":\"");
+    m_text.append(R"(,"cat":")");
     m_text.append(category);
-    m_text.append("\",\"ph\":\"");
+    m_text.append(R"(","ph":")");
     m_text.append(phase);
     m_text.append('"');
     appendTrack(track);

@@ -103,7 +103,7 @@ void PageData::runEnded(std::int64_t end, const std::optional<TracedOutcome>& ou
     m_outcome = outcome;
 }
 
-bool PageData::isDrawn(const TracedSpan& span) const { return span.track < kMostTracks && span.depth < kMostDepth; }
+bool PageData::isDrawn(const TracedSpan& span) { return span.track < kMostTracks && span.depth < kMostDepth; }
 
 const std::string& PageData::trackNameOf(const TracedSpan& span) const {
     static const std::string kOther = "other threads";
@@ -139,7 +139,9 @@ void PageData::addCrash(Json& ending) const {
     ending["message"] = facts.at("message");
     if (facts.contains("source")) ending["seen"]["source"] = facts.at("source");
     for (const char* const name : {"fault", "stack", "problem"}) {
-        if (!facts.at(name).empty() && facts.at(name) != "") ending[name] = facts.at(name);
+        const Json& fact = facts.at(name);
+        const bool isEmptyText = fact.is_string() && fact.get_ref<const std::string&>().empty();
+        if (!fact.empty() && !isEmptyText) ending[name] = fact;
     }
 }
 

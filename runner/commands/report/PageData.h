@@ -48,7 +48,7 @@ private:
         std::vector<std::pair<std::size_t, std::vector<std::string>>> first;  // numbers of calls, and the texts
     };
 
-    bool isDrawn(const TracedSpan& span) const;
+    static bool isDrawn(const TracedSpan& span);
     void noteTime(std::int64_t time) { m_end = std::max(m_end, time); }
     void noteCall(const TracedSpan& call);
     static void notePassed(Passed& passed, const TracedSpan& call, std::size_t texts);

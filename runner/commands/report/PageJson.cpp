@@ -40,6 +40,7 @@ std::int64_t durationOf(const TracedSpan& span) { return span.end ? *span.end - 
 
 std::vector<std::int64_t> totalsOf(const std::vector<FlameTree::Node>& nodes) {
     std::vector<std::int64_t> totals;
+    totals.reserve(nodes.size());
     for (const FlameTree::Node& node : nodes) totals.push_back(node.self);
     for (std::size_t i = nodes.size(); i-- > 1;) totals[nodes[i].parent] += totals[i];
     return totals;

@@ -4,6 +4,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -245,6 +247,7 @@ void ThreadTracer::withAllStopped(pid_t process, const std::function<void(const 
         awaitStops(interrupted, end, stopped);
     }
     std::vector<pid_t> threads;
+    threads.reserve(stopped.size());
     for (const auto& [thread, report] : stopped) threads.push_back(thread);
     use(threads);
     for (const auto& [thread, report] : stopped) goOn(thread, report);
@@ -259,10 +262,8 @@ void ThreadTracer::forget(pid_t process) {
 pid_t processOfThread(pid_t thread) { return static_cast<pid_t>(statusNumber(thread, "Tgid:", 10)); }
 
 bool isFault(int signal) {
-    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS, SIGTRAP, SIGQUIT}) {
-        if (signal == fault) return true;
-    }
-    return false;
+    constexpr std::array<int, 8> kFaults = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS, SIGTRAP, SIGQUIT};
+    return std::find(kFaults.begin(), kFaults.end(), signal) != kFaults.end();
 }
 
 bool isEnd(const siginfo_t& info) {

@@ -120,6 +120,7 @@ public:
             }
         }
         std::vector<MacroCommand> steps;
+        steps.reserve(texts.size());
         for (const std::string& text : texts) steps.push_back(stepOf(text));
         return steps;
     }
@@ -131,10 +132,9 @@ public:
 
     void checkText(const std::string& does, const std::string& line) {
         if (line.compare(0, m_addOn.addOn.size() + 1, m_addOn.addOn + ' ') != 0) return;
+        const std::string start = does + ' ' + line + ": ";
         for (const Diagnostic& diagnostic : checkLine(line, Descriptions(m_addOn))) {
-            if (diagnostic.severity == standin::Severity_e::Error) {
-                m_mistakes.add(does + ' ' + line + ": " + diagnostic.message);
-            }
+            if (diagnostic.severity == standin::Severity_e::Error) m_mistakes.add(start + diagnostic.message);
         }
     }
 
