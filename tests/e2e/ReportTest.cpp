@@ -244,7 +244,8 @@ TEST_F(ReportInBrowser, ShowsACrashAsAFailedCommandAndTheFirstFinding) {
     const std::string page = elementsAfter("ONE SAY a\nONE KILL\n");
     EXPECT_TRUE(has(page, "Failed: the trace ends before the run"));
     EXPECT_TRUE(has(page, "<dt>Commands</dt><dd>2, 1 failed</dd>"));
-    EXPECT_TRUE(has(page, "<h4>error: \"ONE KILL\" ended the process: SIGKILL (Killed); it made no host call [crash]</h4>"));
+    EXPECT_TRUE(
+        has(page, "<h4>error: \"ONE KILL\" ended the process: SIGKILL (Killed); it made no host call [crash]</h4>"));
     EXPECT_TRUE(has(page, "<span class=\"bad\">did not end</span>"));
 }
 

@@ -62,7 +62,8 @@ std::size_t AllocationFaults::count() { return plan.count; }
 using vexa::runner::allocate;
 using vexa::runner::tryToAllocate;
 
-// Libraries must find all of them here. clang takes those with a size for functions like any other, and would hide them.
+// Libraries must find all of them here. clang takes those with a size for functions like any other, and would hide
+// them.
 #pragma GCC visibility push(default)
 // NOLINTBEGIN(cppcoreguidelines-no-malloc,hicpp-no-malloc)
 void* operator new(std::size_t size) { return allocate(size); }
