@@ -149,7 +149,7 @@ protected:
         Files files;
     };
 
-    SystemCallFault() {
+    void SetUp() override {
         write("m.macro", "ONE SAY hello\nONE JOURNAL b\n");
         write("m.expected", "> ONE SAY hello\n  hello\n+ ONE SAY hello\n> ONE JOURNAL b\n");
         write("two.macro", "ONE SAY two\n");
@@ -163,7 +163,12 @@ protected:
         m_inputs = files();
         m_program = runner(GetParam().arguments);
         m_program.input = GetParam().input;
-        m_old = run(std::nullopt).files;
+        try {
+            m_old = run(std::nullopt).files;
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::function_not_supported) throw;
+            GTEST_SKIP() << "the system does not let a process answer the system calls of others";
+        }
         m_untouched = run(std::nullopt);
     }
 
