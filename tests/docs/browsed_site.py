@@ -33,7 +33,7 @@ SEARCHES = {  # what is typed, and a heading among the first three; None when no
     "locking unbalanced": "unbalanced-lock",
     "style": "vexa-standin style",
     "VexaUtilLockStart": "VexaUtilLockStart()",
-    "--warnings-as-errors": "vexa-standin run",
+    "--resume": "vexa-standin run",
     "lock nosuchword": None,
 }
 RESULT = re.compile(r"<li><a [^>]*><strong>(.*?)</strong>", re.DOTALL)

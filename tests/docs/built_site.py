@@ -22,7 +22,7 @@ EXPORTED = re.compile(r"^(?:class VEXA\w*_API (?P<class>\w+)|VEXA\w*_API [^;{(]*
                       re.MULTILINE)
 EMPTY = {"br", "hr", "img", "input", "link", "meta"}
 VERBATIM = {"code", "pre", "script", "style"}
-MARK = re.compile(r"`|\\ilinebr|(?<!template)</?[a-z]+[ >]|@(?:sub)*section|@ref")  # a list of template parameters is no mark
+MARK = re.compile(r"`|\\ilinebr|(?<!template)</?(?!const )[a-z]+[ >]|@(?:sub)*section|@ref")  # lists of template arguments are no marks
 SECTION = re.compile(r'<h1><a class="anchor" id="(autotoc_md\d+)"')
 SECTION_LIST = re.compile(r'<div class="toc.*?</div>', re.DOTALL)
 FEWEST_SECTIONS = 3

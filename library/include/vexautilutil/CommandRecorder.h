@@ -258,27 +258,32 @@ public:
         if (isProcessed && !m_command.empty()) m_recorder.notes(m_command).example(commandString);
         return isProcessed;
     }
-    /// \name Call the operation of \p Processor, and note what it read.
-    /// @{
+    /// Calls the operation of \p Processor, and notes the command.
     bool getCommand(std::string& command) override {
         if (!Processor::getCommand(command)) return false;
         m_command = command;
         return true;
     }
+    /// Calls the operation of \p Processor, and remembers the name of the option.
     bool getNextName(std::string& name) override {
         const bool isRead = Processor::getNextName(name);
         m_option = isRead ? name : std::string();
         return isRead;
     }
+    /// Calls the operation of \p Processor, and notes the type of the option.
     bool getBooleanValue(char& value) override { return noted(Processor::getBooleanValue(value), "Boolean"); }
+    /// Calls the operation of \p Processor, and notes the type of the option.
     bool getDoubleValue(double& value) override { return noted(Processor::getDoubleValue(value), "Double"); }
+    /// Calls the operation of \p Processor, and notes the type of the option.
     bool getInt32Value(std::int32_t& value) override { return noted(Processor::getInt32Value(value), "Int32"); }
+    /// Calls the operation of \p Processor, and notes the type of the option.
     bool getInt64Value(std::int64_t& value) override { return noted(Processor::getInt64Value(value), "Int64"); }
+    /// Calls the operation of \p Processor, and notes the type of the option.
     bool getStringValue(std::string& value, bool processEscapes) override {
         return noted(Processor::getStringValue(value, processEscapes), "String", processEscapes);
     }
+    /// Calls the operation of \p Processor, and notes the type of the option.
     bool getSetValue(toolbox::Set& value) override { return noted(Processor::getSetValue(value), "Set"); }
-    /// @}
 
 private:
     // Only a value that was read counts: a refused one may belong to a name that the processor does not know.
