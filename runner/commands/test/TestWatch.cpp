@@ -62,7 +62,7 @@ public:
         while (waitForChange()) {
             const std::size_t before = m_verdicts.size();
             const ExitStatus_e status = runRound();
-            if (status == ExitStatus_e::Stopped) break;
+            if (status == ExitStatus_e::Stopped || m_signals.wasInterrupted()) break;
             const bool hasStarted = !m_isFirst || m_verdicts.size() != before;
             if (status == ExitStatus_e::BadUsageOrInput && !hasStarted) return status;
             m_isFirst = false;

@@ -24,6 +24,7 @@ AwaitedSignals::~AwaitedSignals() { sigprocmask(SIG_SETMASK, &m_before, nullptr)
 std::optional<int> AwaitedSignals::next() const {
     signalfd_siginfo info{};
     if (read(descriptor(), &info, sizeof info) != static_cast<ssize_t>(sizeof info)) return std::nullopt;
+    m_wasInterrupted |= info.ssi_signo == SIGINT;
     return static_cast<int>(info.ssi_signo);
 }
 

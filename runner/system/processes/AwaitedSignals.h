@@ -27,6 +27,8 @@ public:
     int descriptor() const { return m_descriptor.get(); }
     /// Returns the next signal that has arrived, if any.
     std::optional<int> next() const;
+    /// Returns true if next() has returned SIGINT.
+    bool wasInterrupted() const { return m_wasInterrupted; }
     /// Returns the signals that were blocked before this object existed, for code that must receive the awaited
     /// signals.
     const sigset_t& before() const { return m_before; }
@@ -34,6 +36,7 @@ public:
 private:
     sigset_t m_before{};
     Descriptor m_descriptor;
+    mutable bool m_wasInterrupted = false;
 };
 
 /// Returns true if \p signal ends the program at once. SIGINT does so only the second time.
