@@ -111,7 +111,7 @@ public:
         kind = kindOfNumber;
         char* message = nullptr;
         if (parseCommandString(command.c_str(), &message)) return "";
-        const std::string text = message;
+        std::string text = message;
         VexaUtilStringDealloc(&message);
         return text;
     }
