@@ -1,8 +1,8 @@
 #include "commands/Commands.h"
 
 #include <algorithm>
-#include <csignal>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,8 +11,7 @@
 #include "options/UsageError.h"
 #include "session/FindingPrinter.h"
 #include "session/Session.h"
-#include "session/watch/Death.h"
-#include "system/processes/Tracer.h"
+#include "session/WatchedWork.h"
 #include "terminal/Console.h"
 #include "terminal/TextWidth.h"
 #include "text/Printable.h"
@@ -65,42 +64,10 @@ ExitStatus_e listHere(const SessionOptions& options, ProcessBox& box) {
     return checkOutput(allLoaded ? ExitStatus_e::AllWell : ExitStatus_e::BadUsageOrInput);
 }
 
-// Loads the add-ons in another process, because an add-on may end its process.
-class WatchedList : public UserWork {
-public:
-    explicit WatchedList(const SessionOptions& options) : m_options(options) {}
-
-    ExitStatus_e list() {
-        const AwaitedSignals signals;
-        ProcessSetting setting;
-        setting.printed = Printed_e::Inherited;
-        runInProcesses(signals, 1, setting, *this);
-        return m_status;
-    }
-
-    int run(std::size_t, ProcessBox& box, NotesInterface&) override {
-        return static_cast<int>(listHere(m_options, box));
-    }
-    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return nullptr; }
-    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
-        if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
-        m_status = static_cast<ExitStatus_e>(outcome.status);
-        if (outcome.end == End_e::Left) return;
-        tellDeath(box, outcome);
-        m_status = ExitStatus_e::ProcessEnded;
-    }
-
-private:
-    const SessionOptions& m_options;
-    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
-};
-
 ExitStatus_e listAddOns(const std::vector<std::string>& files) {
     SessionOptions options;
     options.addOns = files;
-    if (!isTraced()) return WatchedList(options).list();
-    const auto box = std::make_unique<ProcessBox>();
-    return listHere(options, *box);
+    return doWatched(std::nullopt, [&options](ProcessBox& box) { return listHere(options, box); });
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,10 +14,9 @@
 #include "options/CommonOptions.h"
 #include "options/PrintedOutput.h"
 #include "session/Session.h"
-#include "session/watch/Death.h"
+#include "session/WatchedWork.h"
 #include "system/Descriptor.h"
 #include "system/files/RedirectedOutput.h"
-#include "system/processes/Tracer.h"
 #include "terminal/Console.h"
 #include "text/Seconds.h"
 
@@ -120,44 +118,11 @@ private:
     std::vector<std::string> m_commands;
 };
 
-// Runs the add-on in another process, because it may crash.
-class WatchedDraft : public UserWork {
-public:
-    explicit WatchedDraft(const DescribeOptions& options) : m_options(options) {}
-
-    ExitStatus_e print() {
-        const AwaitedSignals signals;
-        ProcessSetting setting;
-        setting.printed = Printed_e::Inherited;
-        setting.limitTime(m_options.contract.timeout);
-        runInProcesses(signals, 1, setting, *this);
-        return m_status;
-    }
-
-    int run(std::size_t, ProcessBox& box, NotesInterface&) override {
-        return static_cast<int>(Draft(m_options, box).print());
-    }
-    NotesInterface* notesOf(std::size_t, std::function<KeptText()>) override { return nullptr; }
-    void end(std::size_t, const ProcessBox& box, const ProcessOutcome& outcome) override {
-        if (wasInterrupted(outcome)) throw EndedBySignal{SIGINT};
-        m_status = static_cast<ExitStatus_e>(outcome.status);
-        if (outcome.end == End_e::Left) return;
-        tellDeath(box, outcome);
-        m_status = outcome.end == End_e::TimedOut ? ExitStatus_e::CommandHung : ExitStatus_e::ProcessEnded;
-    }
-
-private:
-    const DescribeOptions& m_options;
-    ExitStatus_e m_status = ExitStatus_e::ProcessEnded;
-};
-
 ExitStatus_e printDraft(DescribeOptions& options) {
     options.addOns = {options.addOn};
     options.addOns.insert(options.addOns.end(), options.others.begin(), options.others.end());
     if (!options.contract.timeout) options.contract.timeout = kUsualLimit;
-    if (!isTraced()) return WatchedDraft(options).print();
-    const auto box = std::make_unique<ProcessBox>();
-    return Draft(options, *box).print();
+    return doWatched(options.contract.timeout, [&options](ProcessBox& box) { return Draft(options, box).print(); });
 }
 
 }  // namespace
