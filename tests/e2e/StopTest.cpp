@@ -77,7 +77,7 @@ TEST_F(StopButton, WorksWithoutAStatusLine) {
     ASSERT_TRUE(program.waitFor("50 %\r\n"));
     program.type(kCtrlC);
     EXPECT_EQ(program.finish(), 130);
-    // The request is told by another process than the rest, so it may come anywhere between.
+    // Two processes print these lines, so the first may come after the others.
     for (const char* const line : {"m.macro:1: PROGRESS: stop requested; a second Ctrl-C ends the program\r\n",
                                    "m.macro:1: PROGRESS: Reading: stopped\r\n", "m.macro:1: PROGRESS: stopped\r\n"})
         EXPECT_NE(program.output().find(line), std::string::npos) << line << program.output();
