@@ -139,6 +139,16 @@ TEST_F(Watch, SeesAFolderThatIsMadeAgain) {
     EXPECT_EQ(finish(program), 0) << program.output();
 }
 
+TEST_F(Watch, WaitsForAnAddOnThatIsALinkToItself) {
+    fs::create_directory_symlink("a.so", folder() / "a.so");
+    PtyProgram program(runner({"test", "t", "--addon", "a.so", "--watch"}), kColumns, plainTerminal());
+    ASSERT_TRUE(program.waitFor("waiting for a.so\r\n")) << program.output();
+    fs::remove(folder() / "a.so");
+    fs::copy_file(ADDON_ONE, folder() / "a.so");
+    EXPECT_TRUE(program.waitFor("2 run; 2 of 2 macros pass\r\n")) << program.output();
+    EXPECT_EQ(finish(program), 0) << program.output();
+}
+
 TEST_F(Watch, EndsOnCtrlCInATest) {
     write("t/b.macro", "PROGRESS MAKE ready;WAITFOR never\n");
     PtyProgram program(runner({"test", "t/b.macro", "--addon", ADDON_PROGRESS, "--watch"}), kColumns, plainTerminal());

@@ -43,9 +43,11 @@ std::set<fs::path> WatchedFiles::folders() const {
         folders.insert(isFolder(path) ? absolute : absolute.parent_path());
     }
     for (const std::string& file : m_shared) {
+        const fs::path path = fs::absolute(file);
         std::error_code error;
-        folders.insert(fs::absolute(file).parent_path());
-        folders.insert(fs::absolute(fs::weakly_canonical(file, error)).parent_path());
+        const fs::path target = fs::weakly_canonical(path, error);  // empty if a folder of it vanishes meanwhile
+        folders.insert(path.parent_path());
+        if (!error) folders.insert(target.parent_path());
     }
     return folders;
 }
