@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "stacks/DwflSession.h"
+#include "stacks/MappedObjects.h"
 
 namespace vexa::runner {
 namespace {
@@ -48,7 +49,7 @@ class Unwinder::Session {
 public:
     Session(pid_t process, const Descriptor& memory) : m_memory(memory), m_session(dwfl_begin(&kCallbacks)) {
         elf_version(EV_CURRENT);
-        if (m_session == nullptr || dwfl_linux_proc_report(m_session.get(), process) != 0) return;
+        if (m_session == nullptr || !reportMappedObjects(m_session.get(), process)) return;
         dwfl_report_end(m_session.get(), nullptr, nullptr);
         dwfl_attach_state(m_session.get(), nullptr, process, &kThreads, this);
     }

@@ -1,8 +1,11 @@
 #include "stacks/Unwinder.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -26,6 +29,14 @@ void (*volatile unwinderTestNothing)() = nullptr;
     unwinderTestDepth = 0;
 }
 
+void (*unwinderTestCallBack)(void (*function)(), int* calls) = nullptr;
+
+[[gnu::noinline]] void unwinderTestThroughLibrary() {
+    int calls = 0;
+    unwinderTestCallBack(unwinderTestInner, &calls);
+    unwinderTestDepth = calls;
+}
+
 // Sanitizers would end the process before the call.
 __attribute__((noinline, no_sanitize("undefined"))) void unwinderTestWildCall() {
     unwinderTestNothing();
@@ -41,6 +52,8 @@ __attribute__((noinline, no_sanitize("undefined"))) void unwinderTestWildCall() 
 
 namespace vexa::runner {
 namespace {
+
+const char* const kLibraries[] = {MARKED_OBJECTS};
 
 // The places on the stack of a process when a signal is about to end it.
 CodePlaces placesAtTheEndOf(void (*work)()) {
@@ -76,6 +89,44 @@ TEST(Unwinder, FindsTheCallers) {
     EXPECT_EQ(indexOf(places, "unwinderTestOuter"), inner + 1);
     EXPECT_EQ(places.places[inner].object, std::filesystem::read_symlink("/proc/self/exe").string());
     EXPECT_EQ(places.leftOut, 0U);
+}
+
+// A library, and its file once more, directly below the library.
+class LibraryMappedTwice {
+public:
+    LibraryMappedTwice() : m_library(dlopen(kLibraries[0], RTLD_NOW)) {
+        Dl_info info{};
+        unwinderTestCallBack = reinterpret_cast<decltype(unwinderTestCallBack)>(dlsym(m_library, "callBack"));
+        dladdr(reinterpret_cast<void*>(unwinderTestCallBack), &info);
+        const Descriptor file(open(info.dli_fname, O_RDONLY));
+        m_size = (std::filesystem::file_size(info.dli_fname) + kPage - 1) / kPage * kPage;
+        void* const place = static_cast<char*>(info.dli_fbase) - m_size;
+        m_copy = mmap(place, m_size, PROT_READ, MAP_PRIVATE | MAP_FIXED_NOREPLACE, file.get(), 0);
+    }
+    LibraryMappedTwice(const LibraryMappedTwice&) = delete;
+    LibraryMappedTwice& operator=(const LibraryMappedTwice&) = delete;
+    ~LibraryMappedTwice() {
+        if (isMappedTwice()) munmap(m_copy, m_size);
+        dlclose(m_library);
+    }
+
+    bool isMappedTwice() const { return m_copy != MAP_FAILED; }
+
+private:
+    static constexpr std::size_t kPage = 4096;
+
+    void* m_library;
+    std::size_t m_size = 0;
+    void* m_copy = MAP_FAILED;
+};
+
+TEST(Unwinder, FindsTheCallersInALibraryWhoseFileIsMappedTwice) {
+    const LibraryMappedTwice library;
+    ASSERT_TRUE(library.isMappedTwice());
+    const CodePlaces places = placesAtTheEndOf(unwinderTestThroughLibrary);
+    const std::size_t inLibrary = indexOf(places, "callBack");
+    ASSERT_LT(inLibrary + 1, places.places.size());
+    EXPECT_EQ(indexOf(places, "unwinderTestThroughLibrary"), inLibrary + 1);
 }
 
 TEST(Unwinder, FindsTheCallerOfABadPointer) {

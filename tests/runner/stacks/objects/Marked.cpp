@@ -36,4 +36,9 @@ __attribute__((visibility("default"))) const void* outer(int* calls) {
     const void* const place = inlinedPlace(*calls);  // MARK outer
     return place;
 }
+
+__attribute__((visibility("default"))) void callBack(void (*function)(), int* calls) {
+    function();
+    ++*calls;
+}
 }
