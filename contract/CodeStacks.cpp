@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "contract/ThrowNotes.h"
+
 namespace vexa::standin {
 namespace {
 
@@ -71,6 +73,11 @@ private:
 
 std::shared_ptr<const CodeStack> CodeStacks::of(const void* function) {
     return function == nullptr ? nullptr : keep({reinterpret_cast<std::uintptr_t>(function)});
+}
+
+std::shared_ptr<const CodeStack> CodeStacks::ofThrow(const void* exception) {
+    const std::vector<std::uintptr_t> thrower = throwerOf(exception);
+    return thrower.empty() ? nullptr : keep(thrower);
 }
 
 void CodeStacks::forget() {

@@ -35,6 +35,9 @@ public:
     virtual void forget() = 0;
 };
 
+/// Returns the exception that the calling thread handles; null if it handles none.
+using HandledException = const void* (*)();
+
 /// Keeps each stack from which the host was called once, so that noting a stack again costs little.
 ///
 /// Walking a stack takes longer than most host calls, and loops make the same calls. So the object keeps where on the
@@ -43,12 +46,16 @@ public:
 /// Threads: one thread at a time may use the object.
 class CodeStacks {
 public:
-    explicit CodeStacks(CodeObjectsInterface& objects) : m_objects(objects) {}
+    CodeStacks(CodeObjectsInterface& objects, HandledException handled) : m_objects(objects), m_handled(handled) {}
 
     /// Returns the stack of the calling thread.
     std::shared_ptr<const CodeStack> capture();
     /// Returns a stack that has only \p function; null for null.
     std::shared_ptr<const CodeStack> of(const void* function);
+    /// Returns the stack that threw \p exception; null if there is no note of it.
+    std::shared_ptr<const CodeStack> ofThrow(const void* exception);
+    /// Returns the stack that threw the exception that the calling thread handles; null if there is no note of it.
+    std::shared_ptr<const CodeStack> ofHandledException() { return ofThrow(m_handled()); }
     /// An add-on is about to be loaded or unloaded: the same addresses may soon mean other code.
     void forget();
 
@@ -76,6 +83,7 @@ private:
     const Image* findImage(const void* frame) const;
 
     CodeObjectsInterface& m_objects;
+    const HandledException m_handled;
     std::map<std::vector<std::uintptr_t>, std::shared_ptr<const CodeStack>> m_stacks;  // by addresses
     // All stacks, also those from before an add-on was loaded again: it makes the same calls as before.
     std::set<std::shared_ptr<const CodeStack>, LessByPlaces> m_kept;

@@ -3,16 +3,19 @@
 #include <memory>
 #include <utility>
 
+#include "contract/ThrowNotes.h"
+
 namespace vexa::standin {
 
 Contract::Contract(ThreadNumbers& threads, const HostStringsInterface& strings, CodeObjectsInterface& objects,
-                   Show show)
-    : m_threads(threads), m_show(std::move(show)), m_stacks(objects), m_books(strings) {
+                   HandledException handled, Show show)
+    : m_threads(threads), m_show(std::move(show)), m_stacks(objects, handled), m_books(strings) {
     m_books.entries.push_back({std::make_shared<Entry>(), {}, {}});
 }
 
 void Contract::enter(Entry entry) {
     entry.thread = m_threads.mine();
+    forgetThrows();
     auto entered = std::make_shared<Entry>(std::move(entry));
     const std::lock_guard<std::mutex> lock(m_guard);
     if (entered->kind != Entry_e::Command) m_stacks.forget();
@@ -41,13 +44,20 @@ void Contract::judgeErrorMessage(bool accepted, const char* errMsg) {
 
 Place Contract::placeOfFailure(const char* errMsg) {
     const std::lock_guard<std::mutex> lock(m_guard);
-    const bool isKnown = errMsg != nullptr && m_books.stringLedger.isLiving(errMsg);
-    return placeOf(isKnown ? m_books.stringLedger.originOf(errMsg) : endOf(mine()));
+    if (errMsg == nullptr || !m_books.stringLedger.isLiving(errMsg)) return placeOf(endOf(mine()));
+    Moment made = m_books.stringLedger.originOf(errMsg);
+    if (const auto& cause = m_books.stringLedger.causeOf(errMsg)) made.stack = cause;
+    return placeOf(made);
 }
 
-void Contract::judgeEscape(const std::string& what) {
+Place Contract::placeOfEscape(const void* exception) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return placeOf(endBy(exception));
+}
+
+void Contract::judgeEscape(const std::string& what, const void* exception) {
     if (!isOn()) return;
-    update([&] { m_books.findings.add("escaped-exception", what, endOf(mine())); });
+    update([&] { m_books.findings.add("escaped-exception", what, endBy(exception)); });
 }
 
 void Contract::leave(bool isGone) { end(m_threads.mine(), isGone); }
@@ -130,6 +140,12 @@ EntryBooks& Contract::booksOf(std::size_t thread) {
 }
 
 Moment Contract::endOf(const EntryBooks& books) { return {books.entry, books.entry->thread, 0, std::nullopt}; }
+
+Moment Contract::endBy(const void* exception) {
+    Moment end = endOf(mine());
+    end.stack = m_stacks.ofThrow(exception);
+    return end;
+}
 
 void Contract::judgeEnd(EntryBooks& books, bool isGone) {
     const Moment now = endOf(books);

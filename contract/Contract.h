@@ -34,8 +34,10 @@ public:
     /// \param threads numbers the threads; must outlive this object.
     /// \param strings the host's strings, to check their contents; must outlive this object.
     /// \param objects the objects in memory, to name the code that calls the host; must outlive this object.
+    /// \param handled names the exception that the thread handles, to say where a message comes from.
     /// \param show    called with each finding, on the thread of the call. No mutex is locked during this call.
-    Contract(ThreadNumbers& threads, const HostStringsInterface& strings, CodeObjectsInterface& objects, Show show);
+    Contract(ThreadNumbers& threads, const HostStringsInterface& strings, CodeObjectsInterface& objects,
+             HandledException handled, Show show);
 
     bool isOn() const { return m_isOn.load(std::memory_order_relaxed); }
     void setOn(bool isOn) { m_isOn = isOn; }
@@ -56,11 +58,14 @@ public:
     void name(const std::string& addOnId);
     /// Checks the error message of the command; null if it has none.
     void judgeErrorMessage(bool accepted, const char* errMsg);
-    /// Returns where the add-on made the error message of a command; the end of the command if \p errMsg is no string
-    /// of the host. Call it before judgeErrorMessage().
+    /// Returns where a command failed: the code that threw the exception from which the add-on made the message, or
+    /// else the code that made the message. The end of the command if \p errMsg is no string of the host. Call it
+    /// before judgeErrorMessage().
     Place placeOfFailure(const char* errMsg);
-    /// Reports that an exception escaped from the add-on.
-    void judgeEscape(const std::string& what);
+    /// Returns where a command failed that \p exception escaped from.
+    Place placeOfEscape(const void* exception);
+    /// Reports that \p exception escaped from the add-on.
+    void judgeEscape(const std::string& what, const void* exception);
     /// Notes that the add-on that the calling thread entered last has returned.
     /// \param isGone false if the host has shut the add-on down, but unloads it later. Until then it may free mutexes
     ///               and sets.
@@ -113,6 +118,7 @@ private:
     EntryBooks& booksOf(std::size_t thread);
     EntryBooks& mine() { return booksOf(m_threads.mine()); }
     static Moment endOf(const EntryBooks& books);
+    Moment endBy(const void* exception);
     void end(std::size_t thread, bool isGone);
     void judgeEnd(EntryBooks& books, bool isGone);
 

@@ -16,12 +16,12 @@ std::string callText(const Moment& moment) {
 }  // namespace
 
 void HandleLedger::allocated(const void* handle, std::size_t number, const Moment& now) {
-    m_living.insert_or_assign(handle, Living{number, now.withStack()});
+    m_living.insert_or_assign(handle, Living{number, now.withStack(), now.causeNow()});
     m_freed.erase(handle);
 }
 
 void HandleLedger::lent(const void* handle, const Moment& now) {
-    m_living.insert_or_assign(handle, Living{++m_lent, now, true});
+    m_living.insert_or_assign(handle, Living{++m_lent, now, nullptr, true});
     m_freed.erase(handle);
 }
 

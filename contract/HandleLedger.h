@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -50,6 +51,8 @@ public:
     bool isFreed(const void* handle) const { return m_freed.count(handle) != 0; }
     /// Returns the moment in which the living \p handle was allocated.
     const Moment& originOf(const void* handle) const { return m_living.at(handle).since; }
+    /// Returns where the exception was thrown that the add-on handled in that moment; null if there is no note of one.
+    const std::shared_ptr<const CodeStack>& causeOf(const void* handle) const { return m_living.at(handle).cause; }
     /// Returns the name of the living \p handle in messages, for example "mutex#1".
     std::string labelOf(const void* handle) const;
     /// Returns the name of \p handle as calls show it, for example "mutex#1", or "style-set#1" for one that was lent;
@@ -64,6 +67,7 @@ private:
     struct Living {
         std::size_t number;
         Moment since;
+        std::shared_ptr<const CodeStack> cause = {};  // null if there is no note of one
         bool isHosts = false;
         bool isReported = false;
     };

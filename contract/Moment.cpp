@@ -30,7 +30,7 @@ Place placeOf(const Moment& moment) {
             commandOf(*moment.entry),
             moment.entry->macroLine,
             moment.thread,
-            moment.call == 0 ? moment.entry->stack : moment.stack};
+            moment.call == 0 && moment.stack == nullptr ? moment.entry->stack : moment.stack};
 }
 
 }  // namespace vexa::standin

@@ -33,13 +33,17 @@ struct Moment {
     std::size_t call = 0;  ///< 0 for the end of an entry
     std::optional<HostFunction> function;
     CodeStacks* stacks = nullptr;                 ///< for withStack(); null if there is no stack to note
-    std::shared_ptr<const CodeStack> stack = {};  ///< null if it was not noted
+    std::shared_ptr<const CodeStack> stack = {};  ///< null if it was not noted; of an end: the exception's
 
     /// Returns this moment, which is now, with the stack of the calling thread.
     Moment withStack() const {
         Moment moment = *this;
         if (stacks != nullptr && stack == nullptr) moment.stack = stacks->capture();
         return moment;
+    }
+    /// Returns where the exception was thrown that the calling thread handles; null if there is no note of one.
+    std::shared_ptr<const CodeStack> causeNow() const {
+        return stacks == nullptr ? nullptr : stacks->ofHandledException();
     }
 };
 

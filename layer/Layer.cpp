@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "layer/ForeignMemory.h"
+#include "layer/Throws.h"
 
 namespace vexa::layer {
 namespace {
@@ -40,7 +41,7 @@ Layer::Layer(const Settings& settings)
     : m_connection(settings.socket),
       m_entryName(settings.entryName),
       m_isTraced(settings.isTraced),
-      m_contract(m_threads, *this, m_codeObjects,
+      m_contract(m_threads, *this, m_codeObjects, handledException,
                  [this](const Finding& finding) { send(Message_e::FindingMade, finding); }) {}
 
 Layer* Layer::current() {

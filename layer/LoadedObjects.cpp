@@ -11,6 +11,7 @@
 #include "layer/HostCalls.h"
 #include "layer/Layer.h"
 #include "layer/Lookup.h"
+#include "layer/Throws.h"
 
 namespace vexa::layer {
 namespace {
@@ -48,6 +49,7 @@ void forgetHostFunctions(const ElfImage& image) {
 // Without the host's function, the loader is to report the import as it does without the layer.
 void* targetOf(const char* name) {
     if (name == kLookup && lookup() != nullptr) return checkedLookup();
+    if (void* const target = checkedThrowFunction(name)) return target;
     return checkedFunction(name);
 }
 
@@ -56,7 +58,9 @@ void* targetOf(const char* name) {
 LoadedObject* LoadedObjects::opened(const link_map& map) {
     auto* const object = new LoadedObject{&map};
     object->isOfAddOn = m_searcher != nullptr && m_searcher->isOfAddOn;
-    object->hasHostFunctions = takeHostFunctions(ElfImage(map));
+    const ElfImage image(map);
+    object->hasHostFunctions = takeHostFunctions(image);
+    takeThrowFunctions(image);
     m_new.push_back(object);
     return object;
 }

@@ -48,10 +48,11 @@ void SourceFinder::completeFailure(standin::Place& place) {
 
 void SourceFinder::complete(standin::Place& place) {
     if (place.stack == nullptr) return;
-    const Stack own = place.call == 0 ? functionOf(*place.stack) : ownFramesOf(*place.stack);
+    const bool isFunction = place.call == 0 && place.stack->size() == 1;  // of the add-on, which the host called
+    const Stack own = isFunction ? functionOf(*place.stack) : ownFramesOf(*place.stack);
     if (own.empty()) return;
     const Frame& frame = ownFrame(own);
-    const bool isWhole = m_shown == ShownStack_e::Whole && place.call != 0;
+    const bool isWhole = m_shown == ShownStack_e::Whole && !isFunction;
     place.source = {frame.function, frame.file, frame.line, "at " + textOf(frame)};
     if (isWhole) place.source.text = withoutLastLineFeed(textOf(framesOf(*place.stack)));
 }

@@ -11,6 +11,7 @@
 #include "HostState.h"
 #include "calls/CallSlots.h"
 #include "calls/Whereabouts.h"
+#include "contract/ThrowNotes.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexastandin/Finding.h"
 #include "vexastandin/Observer.h"
@@ -103,9 +104,13 @@ private:
 };
 
 // If an exception ended the command, a missing error message is not another finding.
-void judgeOutcome(HostState& state, const std::optional<std::string>& escaped, bool accepted, const char* errMsg) {
-    if (escaped) state.contract.judgeEscape(*escaped);
+void judgeOutcome(HostState& state, const std::optional<Escape>& escaped, bool accepted, const char* errMsg) {
+    if (escaped) state.contract.judgeEscape(escaped->text, escaped->exception);
     if (!escaped || errMsg != nullptr) state.contract.judgeErrorMessage(accepted, errMsg);
+}
+
+Place placeOfFailure(Contract& contract, const std::optional<Escape>& escaped, const char* errMsg) {
+    return escaped ? contract.placeOfEscape(escaped->exception) : contract.placeOfFailure(errMsg);
 }
 
 // The text of a command as the host passes it to the add-on.
@@ -221,6 +226,8 @@ Host* Host::current() {
 
 bool Host::isInAddOn() noexcept { return isThreadInAddOn; }
 
+void Host::noteThrow(const void* exception) noexcept { vexa::standin::noteThrow(exception); }
+
 void Host::setBatchMode(bool active) { m_state->isBatchMode = active; }
 
 void Host::setRecording(bool active) { m_state->isRecording = active; }
@@ -329,10 +336,10 @@ void Host::unloadAddOns() {
         const auto next = isFirstFirst ? loaded.begin() : std::prev(loaded.end());
         TimeInAddOn time(*m_state, {Entry_e::Unloading, (*next)->info().id, "", "", 0, (*next)->shutdownFunction()});
         const LockBalance balance(m_state->lock);
-        std::optional<std::string> escaped;
+        std::optional<Escape> escaped;
         if (answers.truth(Fact::ShutdownIsCalled)) escaped = (*next)->shutDown();
-        if (escaped) m_state->contract.judgeEscape(*escaped);
-        time.setOutcome(!escaped, escaped.value_or(""));
+        if (escaped) m_state->contract.judgeEscape(escaped->text, escaped->exception);
+        time.setOutcome(!escaped, escaped ? escaped->text : "");
         loaded.erase(next);
         m_state->addOns.set(loaded);
     }
@@ -350,13 +357,12 @@ CommandResult Host::run(const std::string& addOnId, const std::string& command, 
     TimeInAddOn time(*m_state, {Entry_e::Command, addOnId, command, macroLine, 0, addOn->executeFunction()});
     const LockBalance balance(m_state->lock);
     const bool statusWasUp = statusLine().active;
-    const std::optional<std::string> escaped =
-        addOn->execute(asPassed(m_state->answers, command), result.accepted, errMsg);
-    if (!result.accepted) result.place = m_state->contract.placeOfFailure(errMsg);
+    const std::optional<Escape> escaped = addOn->execute(asPassed(m_state->answers, command), result.accepted, errMsg);
+    if (!result.accepted) result.place = placeOfFailure(m_state->contract, escaped, errMsg);
     judgeOutcome(*m_state, escaped, result.accepted, errMsg);
     if (!statusWasUp) m_state->showChange(m_state->status.finish(m_state->calls.keeps()));
     const std::string error = takeErrorString(*m_state, errMsg);
-    if (!result.accepted) result.error = escaped ? *escaped : error;
+    if (!result.accepted) result.error = escaped ? escaped->text : error;
     time.setOutcome(result.accepted, result.error);
     return result;
 }

@@ -14,6 +14,7 @@
 #include "calls/CallLog.h"
 #include "calls/CodeObjects.h"
 #include "calls/FaultPlan.h"
+#include "calls/HandledException.h"
 #include "contract/Contract.h"
 #include "contract/ThreadNumbers.h"
 #include "objects/Handles.h"
@@ -131,7 +132,7 @@ struct HostState {
     Handles<Set_s> styleSets;  ///< sets of the host that add-ons may read
 
     CodeObjects codeObjects;
-    Contract contract{threads, strings, codeObjects, [this](const Finding& finding) {
+    Contract contract{threads, strings, codeObjects, handledException, [this](const Finding& finding) {
                           audience.tell([&](ObserverInterface& observer) { observer.findingMade(finding); });
                       }};
     CallProgress ownProgress;

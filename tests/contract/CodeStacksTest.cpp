@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "contract/ThrowNotes.h"
+
 namespace vexa::standin {
 namespace {
 
@@ -21,9 +23,11 @@ struct OneObject : CodeObjectsInterface {
     std::string path = "/add-ons/one.so";
 };
 
+const void* handlesNone() { return nullptr; }
+
 TEST(CodeStacks, StackOfTheSamePlacesIsKeptOnceThoughTheAddOnWasLoadedAgain) {
     OneObject objects;
-    CodeStacks stacks(objects);
+    CodeStacks stacks(objects, handlesNone);
     const std::shared_ptr<const CodeStack> first = stacks.of(&theFunction);
     stacks.forget();
     EXPECT_EQ(stacks.of(&theFunction), first);
@@ -31,12 +35,25 @@ TEST(CodeStacks, StackOfTheSamePlacesIsKeptOnceThoughTheAddOnWasLoadedAgain) {
 
 TEST(CodeStacks, SameAddressIsAnotherPlaceOnceAnotherAddOnIsThere) {
     OneObject objects;
-    CodeStacks stacks(objects);
+    CodeStacks stacks(objects, handlesNone);
     stacks.of(&theFunction);
     stacks.forget();
     objects.path = "/add-ons/two.so";
     ASSERT_EQ(stacks.of(&theFunction)->size(), 1U);
     EXPECT_EQ(stacks.of(&theFunction)->front().object, "/add-ons/two.so");
+}
+
+TEST(CodeStacks, StackOfAThrowIsThatOfTheHandledException) {
+    static int exception = 0;
+    OneObject objects;
+    CodeStacks stacks(objects, [] { return static_cast<const void*>(&exception); });
+    EXPECT_EQ(stacks.ofHandledException(), nullptr);
+    noteThrow(&exception);
+    const std::shared_ptr<const CodeStack> stack = stacks.ofHandledException();
+    ASSERT_NE(stack, nullptr);
+    EXPECT_EQ(stack->front().object, "/add-ons/one.so");
+    EXPECT_EQ(stacks.ofThrow(&exception), stack);
+    forgetThrows();
 }
 
 }  // namespace

@@ -28,6 +28,8 @@ namespace {
 using Lines = std::vector<std::string>;
 using F = HostFunction;
 
+const void* noException() { return nullptr; }
+
 class OtherHost : private HostStringsInterface {
 public:
     OtherHost() {
@@ -65,7 +67,7 @@ public:
 
     /// What \ref finish does when an exception left the command.
     void finishByException(const std::string& what) {
-        m_contract.judgeEscape(what);
+        m_contract.judgeEscape(what, nullptr);
         m_contract.leave();
     }
 
@@ -92,7 +94,8 @@ private:
 
     ThreadNumbers m_threads;
     NoCodeObjects m_objects;
-    Contract m_contract{m_threads, *this, m_objects, [this](const Finding& finding) { shown.push_back(finding.rule); }};
+    Contract m_contract{m_threads, *this, m_objects, noException,
+                        [this](const Finding& finding) { shown.push_back(finding.rule); }};
     std::size_t m_calls = 0;
 };
 

@@ -89,6 +89,18 @@ protected:
             EXPECT_TRUE(startsWith(line, at + placeOf("execute") + ", in ")) << line;
         }
     }
+    // Expects that `text` has the message of a command that failed in the `function` that has the mark.
+    static void expectFailure(const std::string& text, const std::string& place, const char* mark,
+                              const std::string& function = "fail") {
+        const std::string message = place + ": MARKED: there is no such zone\n";
+        const std::string at = message + "    at " + placeOf(mark) + ", in ";
+        const auto has = [&](const std::string& part) { return text.find(part) != std::string::npos; };
+        if (hasLines()) {
+            EXPECT_TRUE(has(at + function + '\n') || has(at + "(anonymous namespace)::" + function + '\n')) << text;
+        } else {
+            EXPECT_TRUE(has(message) && !has(message + "    at ")) << text;
+        }
+    }
     static void expectPlaces(const std::string& text, const Breach& breach) {
         SCOPED_TRACE(text);
         EXPECT_NE(text.find(std::string(" [") + breach.rule + "]\n"), std::string::npos);
@@ -112,15 +124,22 @@ TEST_P(SourceLines, AreNamedInAnotherHost) {
     for (const Breach& breach : kBreaches) expectPlaces(attachWith(breach.command).err, breach);
 }
 
-TEST_P(SourceLines, AreNamedForAFailedCommand) {
-    const std::string err = runWith("FAIL").err;
-    const std::string message = "m.macro:1: MARKED: there is no such zone\n";
-    if (hasLines()) {
-        EXPECT_EQ(err, message + "    at " + placeOf("fail") + ", in " +
-                           (err.find("in fail") == std::string::npos ? "(anonymous namespace)::fail\n" : "fail\n"));
-    } else {
-        EXPECT_EQ(err, message);
-    }
+TEST_P(SourceLines, AreNamedForAFailedCommand) { expectFailure(runWith("FAIL").err, "m.macro:1", "fail"); }
+
+TEST_P(SourceLines, AreThoseOfTheExceptionThatMadeACommandFail) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "a build with sanitizers does not note exceptions";
+    expectFailure(runWith("THROW").err, "m.macro:1", "throw", "search");
+}
+
+TEST_P(SourceLines, AreNotThoseOfAnExceptionThatTheAddOnHasHandled) {
+    expectFailure(runWith("RECOVER").err, "m.macro:1", "fail");
+}
+
+TEST_P(SourceLines, AreThoseOfAnExceptionThatEscapes) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "a build with sanitizers does not note exceptions";
+    const std::string err = runWith("ESCAPE").err;
+    expectPlace(lineAfter(err, "seen:"), "throw");
+    EXPECT_EQ(err.find("\n    at " + placeOf("throw") + ", in ") != std::string::npos, hasLines()) << err;
 }
 
 TEST_P(SourceLines, AreExplainedOnceWithoutDebugInformation) {

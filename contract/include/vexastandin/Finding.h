@@ -88,8 +88,8 @@ struct Place {
     std::string command;    ///< `ADDON-ID text`, `loading of FILE` or `unloading of ADDON-ID`; empty outside of add-ons
     std::string macroLine;  ///< `FILE:LINE` of the command, if it came from a macro file
     std::size_t thread = 0;  ///< the thread; the host numbers threads from 1 in the order of their first event
-    /// The calls that led to the event; of the start or the end of a command only the function of the add-on. Null if
-    /// unknown.
+    /// The calls that led to the event. Of the start or the end of a command only the function of the add-on, or the
+    /// calls that threw the exception that ended the command. Null if unknown.
     std::shared_ptr<const CodeStack> stack = nullptr;
     SourcePlace source = SourcePlace();  ///< what a function passed to Host::onFinding() found out; else empty
 };

@@ -88,6 +88,11 @@ public:
     /// inside a C function of the host, inside an observer, and inside a function such as the one passed to onDialog().
     static bool isInAddOn() noexcept;
 
+    /// Notes that the calling thread is about to throw \p exception, so that the host can tell where a command failed:
+    /// CommandResult::place then has the calls that threw the exception, not those that made the message from it. A
+    /// program may call this from a `__cxa_throw` of its own. The notes of a thread end with the command.
+    static void noteThrow(const void* exception) noexcept;
+
     /// \name The host's answers
     /// @{
     void setBatchMode(bool active);          ///< true: the host runs a macro in batch mode

@@ -10,6 +10,7 @@
 
 #include "addons/ObjectFile.h"
 #include "calls/CallSlots.h"
+#include "calls/HandledException.h"
 #include "calls/Whereabouts.h"
 #include "contract/MacroLine.h"
 
@@ -43,18 +44,18 @@ std::string whyNotLoaded(const std::string& path, std::string_view loaderText) {
     return "it cannot be loaded: " + std::string(loaderText);
 }
 
-// Runs code of an add-on, and returns the exception that escapes as text.
+// Runs code of an add-on, and returns the exception that escapes.
 template <class Action>
-std::optional<std::string> whatEscapes(const std::string& place, const Action& action) {
+std::optional<Escape> whatEscapes(const std::string& place, const Action& action) {
     try {
         const Whereabouts inAddOn(true);
         action();
         return std::nullopt;
     } catch (const std::exception& exception) {
-        return "an exception escaped from " + place + ": " +
-               (isNullOrEmpty(exception.what()) ? "no message" : exception.what());
+        const char* const message = isNullOrEmpty(exception.what()) ? "no message" : exception.what();
+        return Escape{"an exception escaped from " + place + ": " + message, handledException()};
     } catch (...) {
-        return "an exception of unknown type escaped from " + place;
+        return Escape{"an exception of unknown type escaped from " + place, handledException()};
     }
 }
 
@@ -93,20 +94,20 @@ AddOn::AddOn(AddOnEntry entry) : m_identity(std::make_unique<AddOnList_s>()), m_
 void AddOn::enter() {
     // Throw refusals outside of every handler, because an exception keeps the exception that is being handled, which
     // may belong to the add-on.
-    const std::optional<std::string> escaped =
+    const std::optional<Escape> escaped =
         whatEscapes("its entry vexaAddOn", [this] { m_description = m_entry(m_identity.get()); });
-    if (escaped) throw refusal(*escaped);
+    if (escaped) throw refusal(escaped->text);
     const std::string reason = whyNotTaken(m_description);
     if (!reason.empty()) throw refusal(reason);
     m_info.id = m_description->id;
     if (m_description->title != nullptr) m_info.title = m_description->title;
 }
 
-std::optional<std::string> AddOn::execute(const std::string& command, bool& accepted, char*& errMsg) const {
+std::optional<Escape> AddOn::execute(const std::string& command, bool& accepted, char*& errMsg) const {
     return whatEscapes("the add-on", [&] { accepted = m_description->execute(command.c_str(), &errMsg) == 1; });
 }
 
-std::optional<std::string> AddOn::shutDown() const {
+std::optional<Escape> AddOn::shutDown() const {
     if (m_description->shutdown == nullptr) return std::nullopt;
     return whatEscapes("its shutdown", m_description->shutdown);
 }

@@ -15,6 +15,12 @@ namespace vexa::standin {
 /// The file name of an add-on that is part of the program.
 constexpr char kLinkedIn[] = "(linked in)";
 
+/// An exception that escaped from an add-on.
+struct Escape {
+    std::string text;       ///< for the user
+    const void* exception;  ///< where it was; it may be gone
+};
+
 /// An add-on: a part of the program, or a shared object, which the destructor unloads. If another thread that has
 /// called the host still runs, the shared object stays loaded.
 ///
@@ -36,11 +42,11 @@ public:
     /// Runs one command. Call enter() before.
     /// \param accepted set to true if the add-on reported success, else to false.
     /// \param errMsg   set to the add-on's error string, if any.
-    /// \return the exception that escaped, as text; nothing if none escaped.
-    std::optional<std::string> execute(const std::string& command, bool& accepted, char*& errMsg) const;
+    /// \return the exception that escaped; nothing if none escaped.
+    std::optional<Escape> execute(const std::string& command, bool& accepted, char*& errMsg) const;
     /// Calls the add-on's shutdown, if it has one. Call enter() before.
-    /// \return the exception that escaped, as text; nothing if none escaped.
-    std::optional<std::string> shutDown() const;
+    /// \return the exception that escaped; nothing if none escaped.
+    std::optional<Escape> shutDown() const;
 
     /// The functions of the add-on that execute() and shutDown() call; null if there is none.
     const void* executeFunction() const { return reinterpret_cast<const void*>(m_description->execute); }

@@ -1,6 +1,7 @@
 // Breaks one rule in each command. The comment MARK names the line that a message must name.
 
 #include <cstring>
+#include <stdexcept>
 #include <string>
 
 #include "vexa/AddOn.h"
@@ -57,6 +58,32 @@ void fail(char** errMsg) {
     ++theCount;
 }
 
+void search() {
+    if (theCount >= 0) throw std::runtime_error("there is no such zone");  // MARK throw
+    ++theCount;
+}
+
+void failByException(char** errMsg) {
+    try {
+        search();
+    } catch (const std::exception& error) {
+        *errMsg = VexaUtilStringAlloc(32, "test");
+        std::strcpy(*errMsg, error.what());
+    }
+    ++theCount;
+}
+
+// Another exception, which the add-on has handled, is not why the command fails.
+void failAfterException(char** errMsg) {
+    try {
+        search();
+    } catch (const std::exception&) {
+        ++theCount;
+    }
+    fail(errMsg);
+    ++theCount;
+}
+
 VexaBoolean execute(const char* command, char** errMsg) {  // MARK execute
     const std::string name = command;
     if (name == "LOCK") keepLock();  // MARK call
@@ -65,9 +92,11 @@ VexaBoolean execute(const char* command, char** errMsg) {  // MARK execute
     if (name == "PERCENT") showPercent();
     if (name == "NULL") lockNothing();
     if (name == "FINISH") finishNothing();
-    if (name != "FAIL") return 1;
-    fail(errMsg);
-    return 0;
+    if (name == "FAIL") fail(errMsg);
+    if (name == "THROW") failByException(errMsg);
+    if (name == "RECOVER") failAfterException(errMsg);
+    if (name == "ESCAPE") search();
+    return *errMsg == nullptr;
 }
 
 const VexaAddOn_s kDescription = {VEXA_ADDON_API_VERSION, "MARKED", "Marked lines", execute, nullptr};
