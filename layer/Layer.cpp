@@ -99,7 +99,10 @@ void Layer::commandEnded(const void* frame, bool isAccepted, const char* errMsg)
     auto entry = returnedTo(frame);
     if (!entry) return;
     entry->succeeded = isAccepted;
-    if (!isAccepted) entry->error = textOfError(errMsg);
+    if (!isAccepted) {
+        entry->error = textOfError(errMsg);
+        entry->failure = m_contract.placeOfFailure(errMsg);
+    }
     m_contract.judgeErrorMessage(isAccepted, errMsg);
     endEntry(*entry);
 }

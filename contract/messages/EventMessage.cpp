@@ -102,18 +102,6 @@ void pass(Archive& archive, Text& text) {
     archive(text);
 }
 
-template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, EntryEvent>, int> = 0>
-void pass(Archive& archive, Event& entry) {
-    archive(entry.kind);
-    archive(entry.addOnId);
-    archive(entry.command);
-    archive(entry.macroLine);
-    archive(entry.succeeded);
-    archive(entry.error);
-    archive(entry.threadNumber);
-    passTime(archive, entry.time);
-}
-
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, CallEvent>, int> = 0>
 void pass(Archive& archive, Event& call) {
     archive(call.number);
@@ -156,6 +144,19 @@ void pass(Archive& archive, Event& place) {
     archive(place.macroLine);
     archive(place.thread);
     passStack(archive, place.stack);
+}
+
+template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, EntryEvent>, int> = 0>
+void pass(Archive& archive, Event& entry) {
+    archive(entry.kind);
+    archive(entry.addOnId);
+    archive(entry.command);
+    archive(entry.macroLine);
+    archive(entry.succeeded);
+    archive(entry.error);
+    archive(entry.threadNumber);
+    passTime(archive, entry.time);
+    pass(archive, entry.failure);
 }
 
 template <class Archive, class Event, std::enable_if_t<std::is_same_v<std::remove_const_t<Event>, Finding>, int> = 0>

@@ -19,7 +19,8 @@ EventMessage sent(const EventMessage& message) {
 }
 
 TEST(EventMessage, KeepsAnEntry) {
-    const EntryEvent entry{Entry_e::Unloading, "STATS", "MEAN", "command 3", true, "why", 7, {}, kTime};
+    const EntryEvent entry{Entry_e::Unloading,          "STATS", "MEAN", "command 3", true, "why", 7, {}, kTime,
+                           {3, "", "STATS MEAN", "", 7}};
     const EventMessage message = sent({Message_e::EntryEnded, 42, entry});
     const auto& read = std::get<EntryEvent>(message.content);
     EXPECT_EQ(message.kind, Message_e::EntryEnded);
@@ -32,6 +33,8 @@ TEST(EventMessage, KeepsAnEntry) {
     EXPECT_EQ(read.error, "why");
     EXPECT_EQ(read.threadNumber, 7U);
     EXPECT_EQ(read.time, kTime);
+    EXPECT_EQ(read.failure.call, 3U);
+    EXPECT_EQ(read.failure.command, "STATS MEAN");
 }
 
 TEST(EventMessage, KeepsACall) {

@@ -142,6 +142,13 @@ TEST_P(SourceLines, AreThoseOfAnExceptionThatEscapes) {
     EXPECT_EQ(err.find("\n    at " + placeOf("throw") + ", in ") != std::string::npos, hasLines()) << err;
 }
 
+TEST_P(SourceLines, AreNamedForAFailedCommandInAnotherHost) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "a build with sanitizers has no layer";
+    expectFailure(attachWith("FAIL").err, "command 1", "fail");
+    expectFailure(attachWith("THROW").err, "command 1", "throw", "search");
+    expectFailure(attachWith("RECOVER").err, "command 1", "fail");
+}
+
 TEST_P(SourceLines, AreExplainedOnceWithoutDebugInformation) {
     write("m.macro", "MARKED LOCK\nMARKED LIST\n");
     const std::string err = runProgram(runner({"run", "m.macro", "--addon", GetParam()})).err;

@@ -4,6 +4,7 @@
 #include <utility>
 #include <variant>
 
+#include "session/Session.h"
 #include "session/watch/Death.h"
 #include "terminal/Console.h"
 #include "trace/EventThread.h"
@@ -85,6 +86,14 @@ void LayerEvents::endEntry(long thread, const EntryEvent& entry) {
     }
     entries.pop_back();
     if (entries.empty()) m_entries.erase(thread);
+    const bool hasReturned = !entry.failure.command.empty();  // otherwise a finding tells what happened
+    if (hasReturned) tellFailure(entry);
+}
+
+void LayerEvents::tellFailure(const EntryEvent& entry) {
+    standin::CommandResult result{false, entry.error, entry.failure};
+    m_sources.completeFailure(result.place);
+    tell(entry.macroLine + ": " + entry.addOnId, failureWithSource(result));
 }
 
 // As long as an add-on is loaded, its findings have the name of its file in the place of the id.

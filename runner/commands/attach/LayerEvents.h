@@ -19,7 +19,8 @@
 
 namespace vexa::runner {
 
-/// Receives what happens in programs that the layer watches: prints the findings, and passes all events on to traces.
+/// Receives what happens in programs that the layer watches: prints the findings and failed commands, and passes all
+/// events on to traces.
 class LayerEvents {
 public:
     /// \param traces gets the events; may be null.
@@ -59,6 +60,7 @@ private:
     void takeEntry(const standin::EventMessage& message);
     void takeFinding(long thread, const standin::Finding& finding);
     void endEntry(long thread, const standin::EntryEvent& entry);
+    void tellFailure(const standin::EntryEvent& entry);
     void report(const standin::Finding& finding);
 
     const ContractOptions& m_options;

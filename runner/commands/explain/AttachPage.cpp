@@ -26,7 +26,8 @@ command 3: STATS: error: VexaUtilLockStart has no matching VexaUtilLockFinish in
 ```
 
 The findings are those of `vexa-standin run`. The runner knows no macro file here, so it names a command by its number,
-counted from 1, and its text.
+counted from 1, and its text. A failed command is shown with its message, and with
+[the line of your source](source-lines.md) where it failed.
 
 Write `--` before the program, so that the runner does not take the options of the program for its own. The program may
 be a script that starts the host. The runner then watches every host that the script starts.
