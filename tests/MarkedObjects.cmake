@@ -17,12 +17,18 @@ function(vexa_marked_objects name source)
         endif()
         foreach(variant IN ITEMS "O0" "O0-lines" "O2" "O2-lines")
             string(REPLACE "-lines" ";-g" flags "-${variant}")
+            # Compilers number a file in another way if its path is relative.
+            set(path ${source})
+            if(variant MATCHES "O0")
+                set(path ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+            endif()
             set(object ${CMAKE_CURRENT_BINARY_DIR}/${name}/${compiler}-${variant}.so)
             add_custom_command(OUTPUT ${object}
                 COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/${name}
                 COMMAND ${${program}} -std=c++17 -shared -fPIC -fvisibility=hidden ${flags}
-                    ${CMAKE_CURRENT_SOURCE_DIR}/${source} -o ${object} ${ARGN}
+                    ${path} -o ${object} ${ARGN}
                 DEPENDS ${source}
+                WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}
                 VERBATIM COMMAND_EXPAND_LISTS)
             list(APPEND objects ${object})
         endforeach()

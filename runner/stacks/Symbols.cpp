@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -72,16 +73,31 @@ Line lineAt(Dwarf_Die& unit, Dwarf_Addr address) {
     return file.empty() ? Line() : Line{std::move(file), static_cast<std::size_t>(number)};
 }
 
+// The file of the unit whose number an attribute has.
+std::string fileOf(Dwarf_Attribute* attribute, Dwarf_Die& unit) {
+    constexpr std::string_view kNoFile = "???";  // number 0 in old versions of the format
+    Dwarf_Word number = 0;
+    Dwarf_Files* files = nullptr;
+    if (dwarf_formudata(attribute, &number) != 0 || dwarf_getsrcfiles(&unit, &files, nullptr) != 0) return "";
+    const char* const file = dwarf_filesrc(files, number, nullptr, nullptr);
+    return file == nullptr || file == kNoFile ? "" : absolute(file, unit);
+}
+
 // The line in which the function around calls the inlined function.
 Line lineOfCall(Dwarf_Die& inlined, Dwarf_Die& unit) {
     Dwarf_Attribute attribute;
-    Dwarf_Word file = 0;
     Dwarf_Word line = 0;
-    Dwarf_Files* files = nullptr;
-    if (dwarf_formudata(dwarf_attr(&inlined, DW_AT_call_file, &attribute), &file) != 0) return {};
     if (dwarf_formudata(dwarf_attr(&inlined, DW_AT_call_line, &attribute), &line) != 0 || line == 0) return {};
-    if (dwarf_getsrcfiles(&unit, &files, nullptr) != 0) return {};
-    std::string path = absolute(dwarf_filesrc(files, file, nullptr, nullptr), unit);
+    std::string path = fileOf(dwarf_attr(&inlined, DW_AT_call_file, &attribute), unit);
+    return path.empty() ? Line() : Line{std::move(path), static_cast<std::size_t>(line)};
+}
+
+// dwarf_decl_file() does not know that number 0 is a file in version 5 of the format.
+Line lineOfDeclaration(Dwarf_Die& function, Dwarf_Die& unit) {
+    Dwarf_Attribute attribute;
+    int line = 0;
+    if (dwarf_decl_line(&function, &line) != 0 || line <= 0) return {};
+    std::string path = fileOf(dwarf_attr_integrate(&function, DW_AT_decl_file, &attribute), unit);
     return path.empty() ? Line() : Line{std::move(path), static_cast<std::size_t>(line)};
 }
 
@@ -133,10 +149,9 @@ public:
         addFunctionsAt(*unit, m_begin + offset - bias, functions);
         if (functions.empty()) return std::nullopt;
         Dwarf_Die& function = functions.back();
-        int line = 0;
-        std::string file = absolute(dwarf_decl_file(&function), *unit);
-        if (file.empty() || dwarf_decl_line(&function, &line) != 0 || line <= 0) return std::nullopt;
-        return Frame{nameOf(function), std::move(file), static_cast<std::size_t>(line), "", 0};
+        Line line = lineOfDeclaration(function, *unit);
+        if (line.number == 0) return std::nullopt;
+        return Frame{nameOf(function), std::move(line.file), line.number, "", 0};
     }
 
     // Returns the frame by the symbol table, without object; no function if no symbol covers the place.
