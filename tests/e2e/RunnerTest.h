@@ -7,36 +7,15 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "MessageText.h"
 #include "RunProgram.h"
 #include "support/TemporaryFolder.h"
 
 namespace vexa::e2e {
-
-/// Returns \p text without the lines about the stacks of a crash or a hang, which follow some messages.
-inline std::string withoutStack(const std::string& text) {
-    std::istringstream in(text);
-    std::string rest;
-    bool isStack = false;
-    for (std::string line; std::getline(in, line);) {
-        isStack =
-            line.rfind("    stack:", 0) == 0 || line.rfind("    at: ", 0) == 0 || line.rfind("    stack of ", 0) == 0 ||
-            line == "    hint:  Compile the add-on with -g to see the lines of its source." ||
-            line.find(" no code of an add-on") != std::string::npos || (isStack && line.rfind("           ", 0) == 0);
-        if (!isStack) rest += line + '\n';
-    }
-    return rest;
-}
-
-/// Returns \p text without the lines that name a command of `debug`.
-inline std::string withoutDebugLines(const std::string& text) {
-    return std::regex_replace(text, std::regex("    debug: [^\n]*\n"), "");
-}
 
 /// A test that runs the real vexa-standin in a temporary folder of its own.
 class RunnerTest : public ::testing::Test {
@@ -69,12 +48,6 @@ protected:
 
     /// The commands in \p recording, which is the text of a recording: all lines after the heading.
     static std::string commandsOf(const std::string& recording) { return recording.substr(recording.find('\n') + 1); }
-
-    /// \p err without what it says about the source of add-ons, which SourceLinesTest.cpp tests.
-    static std::string withoutSources(const std::string& err) {
-        static const std::regex sources("           at [^\n]*\n|vexa-standin: compile the add-on with -g [^\n]*\n");
-        return std::regex_replace(err, sources, "");
-    }
 
     /// The names of all files in the folder, in no order.
     std::vector<std::string> fileNames() const {
