@@ -111,9 +111,9 @@ runner shows the first ten findings and counts the others.
 | `--no-project-file`    |                               | Do not read the project file.                              |
 
 The project file is called `vexa-standin.toml`. The runner looks for it in the current folder and then in the folders
-above. Command line options override the project file; `--no-strict` and `--no-warnings-as-errors` switch its settings
-off. The suppressed rules of both places are combined. At the end of the run, the runner names the suppressed rules that
-had no finding.
+above. Options override the project file: `--no-strict` switches off `strict = true`, and `--no-warnings-as-errors`
+switches off `warnings-as-errors = true`. The suppressed rules of both places are combined. At the end of the run, the
+runner names the suppressed rules that had no finding.
 
 If a command exceeds the time limit, the runner names its last host call, writes everything that was recorded up to
 then, and ends.
