@@ -177,11 +177,12 @@ Command explainCommand() {
                     .suggest(ruleNames())
                     .exclude("--markdown"));
     command.add(flag({"--attach"}, "List what 'attach' cannot see, rule by rule", &options->attach));
-    command.add(flag({"--markdown"}, "Print a page of the documentation: all rules, or with --attach, 'attach'",
+    command.add(flag({"--markdown"},
+                     "Print a page of the documentation: the rules, or with --attach the page of 'attach'",
                      &options->markdown)
                     .exclude("RULE"));
     command.check = [options] {
-        if (options->attach && options->rule) throw UsageError("--attach excludes RULE");
+        if (options->attach && options->rule) throw UsageError("--attach cannot be used with RULE");
     };
     command.run = [options] { return explain(*options); };
     return command;
