@@ -22,7 +22,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kCompareFooter = R"(Prints a line for each fact that the two hosts answer differently. A fact without
+constexpr const char* kCompareFooter =
+    R"(Prints a line for each fact that the two hosts answer differently. A fact without
 an answer in one of the files is not a difference; the last lines name these facts.
 
 Example:

@@ -23,7 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kProbeFooter = R"(Hosts may differ where their interface permits more than one answer. A facts file
+constexpr const char* kProbeFooter =
+    R"(Hosts may differ where their interface permits more than one answer. A facts file
 lists the answers of one host. This command asks the stand-in host. The probe
 itself is an add-on, vexa-probe.so, so it can ask any host: the page "The real
 host" of the documentation shows how.
