@@ -88,7 +88,7 @@ explain_failure() {
             printf 'The end of %s:\n\n' "$root/$log"
             tail -n 30 -- "$log"
         else
-            printf 'The reason stands above. The lines that begin with $ can be run by hand, in %s.\n' "$root"
+            printf 'The reason is above. You can run the lines that start with $ by hand, in %s.\n' "$root"
         fi
     } >&2
 }
@@ -104,7 +104,8 @@ is_installed() {
 need() {
     local missing=() become_root=() package
     if ! command -v dpkg-query >/dev/null; then
-        printf 'This is no Debian system. Taken to be installed under their names here: %s\n' "$*"
+        printf 'This is not Debian, so nothing is installed. The script needs the software of these Debian packages: '
+        printf '%s\n' "$*"
         return 0
     fi
     for package in "$@"; do
@@ -118,9 +119,10 @@ need() {
         [[ -t 0 ]] || become_root+=(--non-interactive)
     fi
     if [[ ${#become_root[@]} -gt 0 ]] && ! command -v sudo >/dev/null; then
-        install_by_hand "This takes root, and there is no sudo." "${missing[@]}"
+        install_by_hand "Only root can install packages, and sudo is not installed." "${missing[@]}"
     fi
-    run "${become_root[@]}" apt-get update --quiet=2 || echo "The lists of packages stay as they are; they may do." >&2
+    run "${become_root[@]}" apt-get update --quiet=2 ||
+        echo "The package lists were not updated. The old ones may be good enough." >&2
     run "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet=2 \
         --no-install-recommends -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0 "${missing[@]}" </dev/null ||
         install_by_hand "apt-get install failed." "${missing[@]}"

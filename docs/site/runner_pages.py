@@ -8,7 +8,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-COMMANDS = re.compile(r"^(?:Subc|C)ommands:\n((?:  .*\n)+)", re.MULTILINE)
+COMMANDS = re.compile(r"^Commands:\n((?:  .*\n)+)", re.MULTILINE)
 NOT_NEEDED = re.compile(r'</?section[^>]*>\n?|<a class="permalink"[^>]*>|</a>')
 HEADING = re.compile(r"<h([12])[^>]*>([^<]*)</h\1>\n")
 

@@ -13,10 +13,10 @@ namespace vexa::runner {
 namespace {
 
 constexpr const char* kRandomFooter =
-    R"(The macro starts with the commands that others need first. One random command in four
-is wrong in one way; a comment before it says how, so a test may expect that the
-add-on refuses it. The add-on may also refuse some of the others. Texts are only
-those of the examples. The same seed gives the same commands on every machine.
+    R"(The macro starts with the commands that must run before others. One random command
+in four is wrong in one way, and a comment before it says how: the add-on must refuse
+it. The add-on may also refuse other commands. All texts come from the examples of the
+description. The same seed gives the same commands on every machine.
 
 Example:
   vexa-standin random stats.commands.json --count 1000 >random.macro

@@ -62,7 +62,7 @@ bool ResultsReader::readLine(std::string& line) {
 }
 
 void ResultsReader::refuseLine() const {
-    throw ResultsError(m_name + ':' + std::to_string(m_number) + ": this is not a line of results");
+    throw ResultsError(m_name + ':' + std::to_string(m_number) + ": this is not a line of 'run --json'");
 }
 
 }  // namespace vexa::runner

@@ -39,7 +39,7 @@ public:
     ResultsReader(InputLines& lines, std::string name) : m_lines(lines), m_name(std::move(name)) {}
 
     /// Returns the next result; nothing at the end.
-    /// \throws ResultsError "FILE:LINE: this is not a line of results", or "FILE: cannot be read: REASON".
+    /// \throws ResultsError "FILE:LINE: this is not a line of 'run --json'", or "FILE: cannot be read: REASON".
     std::optional<MacroResult> next();
 
 private:

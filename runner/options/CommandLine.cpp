@@ -11,6 +11,7 @@
 #include "options/UsageError.h"
 #include "terminal/Terminal.h"
 #include "text/Joined.h"
+#include "text/NearNames.h"
 
 namespace vexa::runner {
 namespace {
@@ -38,6 +39,18 @@ struct OptionAdder {
     }
 };
 
+// Refuses what \p test refuses, and says what is expected and what was found.
+CLI::Validator said(const CLI::Validator& test, const std::string& expected) {
+    const auto whyNot = [test, expected](const std::string& value) {
+        return test(value).empty() ? "" : "expected " + expected + ", but found " + value;
+    };
+    return {whyNot, ""};
+}
+
+std::string numbersIn(const Range& range) {
+    return "a number from " + std::to_string(range.least) + " to " + std::to_string(range.most);
+}
+
 void addOption(CLI::App& app, const Option& option) {
     const std::string names = option.isArgument() ? option.valueName : joined(option.names, ",");
     CLI::Option& parsed = *std::visit(OptionAdder{app, names}, option.destination);
@@ -46,8 +59,8 @@ void addOption(CLI::App& app, const Option& option) {
     // One value per option, so that the parser does not use a following argument as a second value.
     if (!option.isArgument()) parsed.allow_extra_args(false);
     if (option.whyNot) parsed.check(CLI::Validator(option.whyNot, ""));
-    if (option.range) parsed.check(CLI::Range(option.range->least, option.range->most).description(""));
-    if (option.areOthersRefused) parsed.check(CLI::IsMember(option.words).description(""));
+    if (option.range) parsed.check(said(CLI::Range(option.range->least, option.range->most), numbersIn(*option.range)));
+    if (option.areOthersRefused) parsed.check(said(CLI::IsMember(option.words), alternatives(option.words)));
 }
 
 void addOptions(CLI::App& app, const Command& command) {
@@ -89,7 +102,7 @@ public:
         } catch (const CLI::ParseError& error) {
             const std::vector<std::string> unexpected = m_app.remaining(true);
             const bool isUnexpected = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-            UsageError refusal(isUnexpected ? unexpectedWords(unexpected) : error.what());
+            UsageError refusal(isUnexpected ? unexpectedWords(unexpected, chosen()) : inPlainWords(error.what()));
             refusal.call = call();
             refusal.suggestions = corrections(unexpected, chosen());
             throw UsageError(refusal);

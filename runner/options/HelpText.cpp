@@ -81,9 +81,9 @@ std::string rowsOf(const char* title, const std::vector<const Option*>& options,
 std::string helpText(const Command& command, const std::string& call, std::size_t width) {
     std::string text = command.summary + "\nUsage: " + call + " [OPTIONS]";
     for (const Option* argument : argumentsOf(command)) text += ' ' + usageOf(*argument);
-    text += command.commands.empty() ? "\n" : " [SUBCOMMAND]\n";
+    text += command.commands.empty() ? "\n" : " [COMMAND]\n";
     text += rowsOf("Positionals", argumentsOf(command), width) + rowsOf("Options", namedOptionsOf(command), width);
-    if (!command.commands.empty()) text += "\nSubcommands:\n";
+    if (!command.commands.empty()) text += "\nCommands:\n";
     for (const Command* shown : shownCommands(command)) text += rowOf(shown->name, shown->summary, width);
     return text + '\n' + footerText(command.footer, width);
 }

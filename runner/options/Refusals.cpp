@@ -1,5 +1,8 @@
 #include "options/Refusals.h"
 
+#include <algorithm>
+#include <regex>
+
 #include "options/ContractOptions.h"
 #include "text/Joined.h"
 #include "text/NearNames.h"
@@ -9,14 +12,21 @@
 namespace vexa::runner {
 namespace {
 
-std::vector<std::string> longNames(const Command& command) {
-    std::vector<std::string> all;
+using Names = std::vector<std::string>;
+
+Names longNames(const Command& command) {
+    Names all;
     for (const Option& option : command.options) {
         for (const std::string& name : option.names) {
             if (startsWith(name, "--")) all.push_back(name);
         }
     }
     return all;
+}
+
+bool isOptionWithoutDashes(const std::string& word, const Command& command) {
+    const Names names = longNames(command);
+    return std::find(names.begin(), names.end(), "--" + word) != names.end();
 }
 
 }  // namespace
@@ -40,9 +50,17 @@ std::string noSuchAddOn(const std::string& id, const std::set<std::string>& load
     return near.empty() ? message : message + "; did you mean " + alternatives(near) + '?';
 }
 
-std::string unexpectedWords(const std::vector<std::string>& words) {
-    return std::string("The following argument") + (words.size() == 1 ? " was" : "s were") +
-           " not expected: " + joined(words, " ");
+std::string unexpectedWords(const std::vector<std::string>& words, const Command& command) {
+    const bool isCommand = !command.commands.empty() && !startsWith(words.front(), "-");
+    if (isCommand) return "there is no command '" + words.front() + "'";
+    return std::string("unexpected argument") + (words.size() == 1 ? "" : "s") + ": " + joined(words, " ");
+}
+
+std::string inPlainWords(const std::string& parserText) {
+    const std::regex missing("(.*): \\d+ required (.*) missing");
+    const std::regex excludes("(.*) excludes (.*)");
+    const std::string text = std::regex_replace(parserText, missing, "$1: the value $2 is missing");
+    return std::regex_replace(text, excludes, "$1 cannot be used with $2");
 }
 
 std::vector<std::string> corrections(const std::vector<std::string>& words, const Command& command) {
@@ -56,7 +74,7 @@ std::vector<std::string> corrections(const std::vector<std::string>& words, cons
         if (isOption) {
             correct(word.substr(0, word.find('=')), longNames(command));
         } else if (&word == &words.front()) {
-            correct(word, shownNames(command));
+            correct(word, isOptionWithoutDashes(word, command) ? Names{"--" + word} : shownNames(command));
         }
     }
     return messages;

@@ -25,8 +25,14 @@ std::string noSuchTest(const std::string& name);
 ///     STATZ    no add-on 'STATZ' is loaded (loaded: LOADER, STATS); did you mean STATS?
 std::string noSuchAddOn(const std::string& id, const std::set<std::string>& loaded);
 
-/// Returns the message for \p words that the parser did not expect.
-std::string unexpectedWords(const std::vector<std::string>& words);
+/// Returns the message for \p words that the parser did not expect after \p command.
+std::string unexpectedWords(const std::vector<std::string>& words, const Command& command);
+
+/// Returns a message of the parser in the words of this program.
+///
+///     --id: 1 required ID missing    --id: the value ID is missing
+///     RULE excludes --long           RULE cannot be used with --long
+std::string inPlainWords(const std::string& parserText);
 
 /// Returns suggestions for the unexpected \p words: similar options of \p command, and for the first word also similar
 /// commands. An example: "--recrod: did you mean --record?"

@@ -27,7 +27,7 @@ SECTION = re.compile(r'<h1><a class="anchor" id="(autotoc_md\d+)"')
 SECTION_LIST = re.compile(r'<div class="toc.*?</div>', re.DOTALL)
 FEWEST_SECTIONS = 3
 TITLE = re.compile(r'<div class="title">(.*?)\s*</div>')
-COMMANDS = re.compile(r"^(?:Subc|C)ommands:\n((?:  .*\n)+)", re.MULTILINE)
+COMMANDS = re.compile(r"^Commands:\n((?:  .*\n)+)", re.MULTILINE)
 RULES = re.compile(r"^  ([a-z-]+) ", re.MULTILINE)
 TYPED = ("style", "lock", "progress", "mutex", "exit status")
 TAGGED = re.compile(r"<name>(?:[^<]*::)?([^<:]+)</name>")

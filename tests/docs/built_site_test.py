@@ -65,7 +65,7 @@ class Site(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
         self.runner = self.folder / "runner"
-        self.runner.write_text("#!/bin/sh\nprintf 'Subcommands:\\n  run  Runs\\n       it\\n\\nExamples:\\n  x\\n'\n")
+        self.runner.write_text("#!/bin/sh\nprintf 'Commands:\\n  run  Runs\\n       it\\n\\nExamples:\\n  x\\n'\n")
         self.runner.chmod(0o755)
 
     def write_page(self, name, title, text=""):

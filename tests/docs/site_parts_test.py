@@ -67,7 +67,7 @@ class ShellSamples(unittest.TestCase):
 
 class RunnerPages(unittest.TestCase):
     def test_the_commands_are_those_of_the_help(self):
-        help_text = "Options:\n  --help  Help\n\nSubcommands:\n  new  Make\n  run  Run\n       on\n\nExamples:\n  x\n"
+        help_text = "Options:\n  --help  Help\n\nCommands:\n  new  Make\n  run  Run\n       on\n\nExamples:\n  x\n"
         self.assertEqual(runner_pages.commands_in(help_text), ["new", "run"])
 
 

@@ -92,6 +92,7 @@ TEST_F(Check, RefusesWrongUsageAndInput) {
     const Case cases[] = {
         {"no file", {}, "FILE.so is required"},
         {"a missing file", {"gone.so"}, "gone.so: no such file"},
+        {"a folder", {"."}, ".: it is a folder, not an add-on"},
         {"an unknown test", {addOn, "--only", "frob"}, "there is no test \"frob\""},
         {"an unknown rule", {addOn, "--suppress", "frob"}, "there is no rule \"frob\""},
         {"a level there is none of", {addOn, "--level", "4"}, "--level"},

@@ -142,20 +142,20 @@ TEST_F(CommandLine, TellsWhatMayBeMeant) {
 
 TEST_F(CommandLine, ShowsUnexpectedWordsInTheirOrder) {
     EXPECT_EQ(runProgram(runner({"rn", "a", "b", "c"})).err,
-              "vexa-standin: The following arguments were not expected: rn a b c\n"
+              "vexa-standin: there is no command 'rn'\n"
               "vexa-standin: rn: did you mean run?\n"
               "run 'vexa-standin --help' for the usage\n");
     EXPECT_EQ(runProgram(runner({"check", "a.so", "b", "c"})).err,
-              "vexa-standin: The following arguments were not expected: b c\n"
+              "vexa-standin: unexpected arguments: b c\n"
               "run 'vexa-standin check --help' for the usage\n");
     EXPECT_EQ(runProgram(runner({"check", "a.so", "b"})).err,
-              "vexa-standin: The following argument was not expected: b\n"
+              "vexa-standin: unexpected argument: b\n"
               "run 'vexa-standin check --help' for the usage\n");
 }
 
 TEST_F(CommandLine, HelpListsTheCommandsInTheOrderOfTheirUse) {
     const std::string help = runProgram(runner({"--help"})).out;
-    std::size_t last = help.find("Subcommands:");
+    std::size_t last = help.find("Commands:");
     for (const std::string& name : subcommands()) {
         const std::size_t at = help.find("\n  " + name + ' ');
         ASSERT_NE(at, std::string::npos) << name << " in " << help;

@@ -72,7 +72,7 @@ TEST_F(ProbeCommand, RefusesToReplaceItsInput) {
 TEST_F(ProbeCommand, SaysThatTheFileCannotBeWritten) {
     const ProgramResult result = runProgram(runner({"probe", "-o", "nowhere/facts.json"}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "nowhere/facts.json: cannot be written: No such file or directory\n");
+    EXPECT_EQ(result.err, "nowhere/facts.json: cannot be written: its folder does not exist\n");
 }
 
 TEST_F(ProbeCommand, NeedsAFile) {

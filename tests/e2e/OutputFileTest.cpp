@@ -146,8 +146,8 @@ TEST_F(OutputFile, InAMissingPlaceIsRefused) {
         const char* why;
     };
     const Case cases[] = {
-        {"gone/r.macro", "No such file or directory"},
-        {"gone/", "No such file or directory"},
+        {"gone/r.macro", "its folder does not exist"},
+        {"gone/", "its folder does not exist"},
         {"", "No such file or directory"},
         {"m.macro/r.macro", "Not a directory"},
         {"loop", "Too many levels of symbolic links"},

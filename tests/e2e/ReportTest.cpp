@@ -59,7 +59,7 @@ TEST_F(Report, ThatCannotBeWrittenIsAnError) {
     traceMacro("ONE SAY a\n");
     const ProgramResult result = runProgram(runner({"report", "t.json", "-o", "gone/r.html"}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "gone/r.html: cannot be written: No such file or directory\n");
+    EXPECT_EQ(result.err, "gone/r.html: cannot be written: its folder does not exist\n");
 }
 
 TEST_F(Report, NeedsTheNameOfThePage) { EXPECT_EQ(runProgram(runner({"report", "t.json"})).status, 2); }

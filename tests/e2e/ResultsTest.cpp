@@ -109,7 +109,7 @@ TEST_F(Results, OfForeignFilesAreRefusedAndNothingIsWritten) {
     const ProgramResult result = merge({"1.jsonl", "notes.txt", "--junit", "r.xml", "--json", "all.jsonl"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "notes.txt:1: this is not a line of results\n");
+    EXPECT_EQ(result.err, "notes.txt:1: this is not a line of 'run --json'\n");
     EXPECT_EQ(read("r.xml"), "old");
     EXPECT_EQ(read("all.jsonl"), "old");
 }

@@ -161,7 +161,7 @@ TEST_F(Streams, AreRefusedWhereTheyCannotBeUsed) {
         {{"check", ADDON_ONE, "--addon", "-"}, kNoStream},
         {{"check", ADDON_ONE, "-o", "-"}, kNoStream},
         {{"new", "-"}, kNoStream},
-        {{"test", "-", "--addon", ADDON_ONE}, "-: expected a folder, or a macro NAME.macro"},
+        {{"test", "-", "--addon", ADDON_ONE}, "-: no such file; expected a folder, or a macro NAME.macro"},
         {{"run", "-", "--addon", ADDON_ONE, "--style", "-"}, kOnce},
         {{"check", ADDON_ONE, "--macro", "-", "--style", "/dev/stdin"}, kOnce},
         {{"check", ADDON_ONE, "--macro", "-", "--macro", "-"}, kOnce},

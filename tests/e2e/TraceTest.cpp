@@ -156,7 +156,7 @@ TEST_F(Trace, ThatCannotBeWrittenIsRefusedBeforeAnythingRuns) {
     const Case cases[] = {
         {"folder", "it is not a regular file"},
         {"pipe", "no process reads it"},
-        {"gone/t", "No such file or directory"},
+        {"gone/t", "its folder does not exist"},
         {"", "No such file or directory"},
     };
     for (const char* option : kOptions) {

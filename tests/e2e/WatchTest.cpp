@@ -188,7 +188,7 @@ TEST_F(Watch, IsRefusedWithWhatHappensOnlyOnce) {
 TEST_F(Watch, EndsAtOnceWithoutMacros) {
     const ProgramResult result = runProgram(runner({"test", "none", "--addon", "a.so", "--watch"}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "none: expected a folder, or a macro NAME.macro\n");
+    EXPECT_EQ(result.err, "none: no such file; expected a folder, or a macro NAME.macro\n");
 }
 
 }  // namespace

@@ -136,7 +136,8 @@ private:
 
 }  // namespace detail
 
-/// Adds to a command what its code does not tell. Valid until CommandRecorder describes another command.
+/// Adds the texts that the code of a command does not contain, such as its purpose. Valid until CommandRecorder
+/// describes another command.
 class CommandNotes {
 public:
     /// CommandRecorder creates the notes.
@@ -203,11 +204,11 @@ public:
         return CommandNotes(recorded);
     }
 
-    /// Returns the notes of the command \p name, which describe() or a processor added. Of an unknown name, a new
-    /// command of a processor without options.
+    /// Returns the notes of the command \p name, which describe() or a processor added. If there is no such command,
+    /// adds one of the kind "processor", without options.
     CommandNotes notes(const std::string& name) { return CommandNotes(find(name, "processor")); }
 
-    /// Returns the description as JSON, with a line end. A purpose or a help that nobody gave is empty.
+    /// Returns the description as JSON, with a line end. A purpose or a help is empty if the program did not set it.
     std::string toJson() const {
         std::string json = "{\n  \"addon\": " + detail::jsonText(m_addOnId) + ",\n  \"commands\": [";
         const char* separator = "\n";
@@ -234,9 +235,9 @@ private:
     std::vector<detail::RecordedCommand> m_commands;
 };
 
-/// A processor that tells a CommandRecorder what its `processCommand` asks for: the command, each option, and the type
-/// of the getter that reads its value. It works as \p Processor does otherwise, so the commands run, and a host is
-/// needed. Commands that succeed become examples. Options that no parsed command has are not recorded.
+/// A processor that passes to a CommandRecorder what its `processCommand` reads: the command, each option, and the type
+/// of the getter that reads its value. The commands run as in \p Processor, so a host is needed. Commands that succeed
+/// become examples. Options that no command used are not in the description.
 /// \tparam Processor a class derived from MacroCommandProcessorAbstract, which gets its getters through virtual calls.
 template <class Processor>
 class RecordedProcessor : public Processor {

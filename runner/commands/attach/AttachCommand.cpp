@@ -20,8 +20,8 @@ namespace vexa::runner {
 namespace {
 
 constexpr const char* kAttachFooter = R"(The program may be the host itself, or a script that starts it. It is a program
-for x86-64 Linux that uses glibc 2.35 or later. What it reads and prints stays
-its own; findings go to the standard error output, or with --log to a file.
+for x86-64 Linux that uses glibc 2.35 or later. It keeps its standard input and
+output. Findings go to the standard error output, or with --log to a file.
 
 'vexa-standin explain --attach' lists what cannot be seen in such a host.
 
@@ -29,11 +29,11 @@ Example:
   vexa-standin attach --strict --log findings.txt -- ./host --batch sweep.macro
 
 Exit status:
-  that of the program; 128 and the number of the signal that ended it
-  4    a command exceeded its time limit
+  that of the program, or 128 and the number of the signal that ended it, but
   2    wrong usage; the program cannot be started, or the layer cannot be loaded
        into it; a file could not be read or written
-  3    with --strict: an add-on broke the host's contract)";
+  3    with --strict: an add-on broke the host's contract
+  4    with --timeout: a command did not return)";
 
 // Throws UsageError if an output is the program's own.
 void refuseStandardOutput(const AttachOptions& options) {
@@ -99,9 +99,9 @@ Command attachCommand() {
     addStacksOption(command, options->contract);
     addTimeoutOption(command, options->contract);
     addTraceOptions(command, options->trace);
-    command.add(option({"--log"}, "FILE", "Write findings to a file", &options->log));
-    command.add(
-        option({"--entry"}, "NAME", "The function that the host asks add-ons for, if not vexaAddOn", &options->entry));
+    command.add(option({"--log"}, "FILE", "Write findings and notes to a file", &options->log));
+    command.add(option({"--entry"}, "NAME", "The function of an add-on that the host calls first, if not vexaAddOn",
+                       &options->entry));
     command.check = [options] { refuseStandardOutput(*options); };
     command.run = [options] { return attach(*options); };
     return command;

@@ -88,8 +88,9 @@ private:
 
     bool isThere() const {
         std::error_code ignored;
-        if (std::filesystem::exists(m_options.addOn, ignored)) return true;
-        tell(m_options.addOn, "no such file");
+        const std::filesystem::file_status status = std::filesystem::status(m_options.addOn, ignored);
+        if (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) return true;
+        tell(m_options.addOn, std::filesystem::exists(status) ? "it is a folder, not an add-on" : "no such file");
         return false;
     }
 

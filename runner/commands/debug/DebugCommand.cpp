@@ -19,20 +19,20 @@
 namespace vexa::runner {
 namespace {
 
-constexpr const char* kDebugFooter = R"(The debugger stops in the source of the add-on, at the first place of these:
-  --rule RULE    the first finding about RULE. The debugger's command 'opened' goes to
+constexpr const char* kDebugFooter = R"(The debugger stops in the source of the add-on. These options choose the place:
+  --rule RULE    the first finding about RULE. In the debugger, 'opened' goes to
                  the call that started the problem; 'seen' goes back
   --call N       the N-th host call; findings and traces have the number
   --command N    the first line that runs for the N-th command of the macro
-  --failure      the first command that fails, where its error arose
+  --failure      the first command that fails, where its error message was made
   --hang         work that exceeds --timeout, which is 10 seconds if not given
   --crash        a crash, or an add-on that ends the process
-Without such an option, it stops at the first of: finding, failed command, crash.
-A finding without a place in the add-on, such as a lock that was left at the end
-of a command, stops where the problem started.
+Without such an option, the debugger stops at the first finding, failed command
+or crash. Some rules are checked only after the command has returned; then the
+debugger stops where the problem started.
 
-With --batch, it prints the stack and the variables of the place, and ends.
-Arguments after -- go to the debugger. Its commands run at the place.
+With --batch, it prints the stack and the variables where it stops, and exits.
+Arguments after -- go to the debugger, which runs your commands where it stops.
 
 The debugger is gdb, or lldb where gdb is not installed. Build the add-on with -g,
 or it shows no lines.
@@ -42,9 +42,9 @@ Examples:
   vexa-standin debug sweep.macro --addon ./libstats.so --batch -- -ex 'print zones'
 
 Exit status:
-  0  with --batch: the place was reached; otherwise that of the debugger
-  1  the place was not reached
-  2  wrong usage or input; no debugger is there, or it cannot trace the program)";
+  0  with --batch: it stopped at the place; otherwise the debugger's own status
+  1  the run did not reach the place
+  2  wrong usage or input; no debugger is installed, or it cannot trace a program)";
 
 constexpr std::chrono::seconds kHangLimit{10};
 
@@ -151,7 +151,7 @@ Command debugCommand() {
     command.add(flag({"--failure"}, "Stop at the first command that fails", &request->failure));
     command.add(flag({"--hang"}, "Stop when a command takes too long", &request->hang));
     command.add(flag({"--crash"}, "Stop only at a crash", &request->crash));
-    command.add(flag({"--batch"}, "Print the stack and the variables of the place, and end", &request->batch));
+    command.add(flag({"--batch"}, "Print the stack and the variables where it stops, and exit", &request->batch));
     command.check = [request] { checkPlaces(*request); };
     command.run = [request] { return debug(*request); };
     return command;

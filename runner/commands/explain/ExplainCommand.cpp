@@ -111,9 +111,9 @@ runner shows the first ten findings and counts the others.
 | `--no-project-file`    |                               | Do not read the project file.                              |
 
 The project file is called `vexa-standin.toml`. The runner looks for it in the current folder and then in the folders
-above. Command line options override the project file; `--no-strict` and `--no-warnings-as-errors` switch its settings
-off. The suppressed rules of both places are combined. At the end of the run, the runner names the suppressed rules that
-had no finding.
+above. Options override the project file: `--no-strict` switches off `strict = true`, and `--no-warnings-as-errors`
+switches off `warnings-as-errors = true`. The suppressed rules of both places are combined. At the end of the run, the
+runner names the suppressed rules that had no finding.
 
 If a command exceeds the time limit, the runner names its last host call, writes everything that was recorded up to
 then, and ends.
@@ -177,11 +177,12 @@ Command explainCommand() {
                     .suggest(ruleNames())
                     .exclude("--markdown"));
     command.add(flag({"--attach"}, "List what 'attach' cannot see, rule by rule", &options->attach));
-    command.add(flag({"--markdown"}, "Print a page of the documentation: all rules, or with --attach, 'attach'",
+    command.add(flag({"--markdown"},
+                     "Print a page of the documentation: the rules, or with --attach the page of 'attach'",
                      &options->markdown)
                     .exclude("RULE"));
     command.check = [options] {
-        if (options->attach && options->rule) throw UsageError("--attach excludes RULE");
+        if (options->attach && options->rule) throw UsageError("--attach cannot be used with RULE");
     };
     command.run = [options] { return explain(*options); };
     return command;

@@ -22,8 +22,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kCompareFooter = R"(Prints a line for each fact that the two hosts answer differently. A fact that
-one of the files has no answer to is no difference; the last lines name those.
+constexpr const char* kCompareFooter =
+    R"(Prints a line for each fact that the two hosts answer differently. A fact without
+an answer in one of the files is not a difference; the last lines name these facts.
 
 Example:
   vexa-standin compare-hosts standin.json real.json

@@ -23,9 +23,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kProbeFooter = R"(A facts file says how a host answers where its interface leaves that open. The
-probe is an add-on, vexa-probe.so, so it asks any host. The page "The real host"
-of the documentation shows how to run it there, and lists the facts.
+constexpr const char* kProbeFooter =
+    R"(Hosts may differ where their interface permits more than one answer. A facts file
+lists the answers of one host. This command asks the stand-in host. The probe
+itself is an add-on, vexa-probe.so, so it can ask any host: the page "The real
+host" of the documentation shows how.
 
 Example:
   vexa-standin probe -o standin.json

@@ -49,8 +49,7 @@ ExitStatus_e writeNewProject(const NewOptions& options) {
 Command newCommand() {
     const auto options = std::make_shared<NewOptions>();
     Command command{"new", "Write the project of a new add-on", kNewFooter};
-    command.add(argument("FOLDER",
-                         "The folder to write to; it must be missing or empty. Its name becomes the CMake target",
+    command.add(argument("FOLDER", "The folder to write to; it must be new or empty. Its name becomes the CMake target",
                          &options->folder)
                     .require()
                     .check(whyNoStream));

@@ -32,7 +32,7 @@ enum class EditorFiles_e {
     LeftOut
 };
 
-/// Writes the project of a new add-on to \p folder. The folder must be missing or empty.
+/// Writes the project of a new add-on to \p folder. The folder must be new or empty.
 /// \throws OutputError if the folder is not empty, or if a file cannot be written. The function then removes all files
 /// and folders that it created.
 void writeProject(const std::string& folder, const ProjectNames& names, EditorFiles_e editorFiles);

@@ -21,8 +21,9 @@ constexpr const char* kReportFooter =
     R"(The page needs no other file and no network. If the run was killed, the page
 shows the run up to that point, and the place where it ended as a finding.
 
-The page of a long run has its sums, its first, slowest and failed commands and
-calls, and those around findings. A timeline viewer shows the whole trace.
+The page of a long run has the sums of the whole run, but not all commands and
+calls: only the first, the slowest and the failed ones, and those around
+findings. A timeline viewer shows the whole trace.
 
 Examples:
   vexa-standin run sweep.macro --addon ./libstats.so --trace sweep.trace

@@ -24,7 +24,7 @@ std::vector<std::string> macrosIn(const fs::path& folder) {
         }
     }
     if (error) throw PathError(folder.string() + ": cannot be read: " + error.message());
-    if (macros.empty()) throw PathError(folder.string() + ": it has no macro NAME" + kMacro);
+    if (macros.empty()) throw PathError(folder.string() + ": it has no macros; a macro is a file NAME" + kMacro);
     std::sort(macros.begin(), macros.end());
     return macros;
 }
@@ -42,7 +42,8 @@ std::vector<std::string> macrosOf(const std::vector<std::string>& paths) {
             const std::vector<std::string> found = macrosIn(path);
             macros.insert(macros.end(), found.begin(), found.end());
         } else if (fs::path(path).extension() != kMacro) {
-            throw PathError(path + ": expected a folder, or a macro NAME" + kMacro);
+            const char* const missing = fs::exists(status) ? "" : "no such file; ";
+            throw PathError(path + ": " + missing + "expected a folder, or a macro NAME" + kMacro);
         } else {
             macros.push_back(path);
         }

@@ -21,13 +21,21 @@ std::string resolved(const std::string& path) {
     return fs::canonical(folder) / file.filename();
 }
 
+// An output need not exist, so "No such file or directory" would not say what is missing.
+std::string reasonOf(const std::string& path, const std::error_code& error) {
+    const bool isFolderMissing = error == std::errc::no_such_file_or_directory && !path.empty();
+    return isFolderMissing ? "its folder does not exist" : error.message();
+}
+
 }  // namespace
 
 void refuseOutput(const std::string& path, const std::string& why) {
     throw OutputError(path + ": cannot be written: " + why);
 }
 
-void refuseOutput(const std::string& path) { refuseOutput(path, std::generic_category().message(errno)); }
+void refuseOutput(const std::string& path) {
+    refuseOutput(path, reasonOf(path, std::error_code(errno, std::generic_category())));
+}
 
 std::string outputTarget(const std::string& path) {
     struct stat old {};
@@ -38,7 +46,7 @@ std::string outputTarget(const std::string& path) {
     try {
         return resolved(path);
     } catch (const fs::filesystem_error& error) {
-        refuseOutput(path, error.code().message());
+        refuseOutput(path, reasonOf(path, error.code()));
     }
 }
 

@@ -13,7 +13,7 @@ public:
 
 /// \throws OutputError, always.
 [[noreturn]] void refuseOutput(const std::string& path, const std::string& why);
-/// Throws an OutputError with the reason in errno.
+/// Throws an OutputError with the reason in errno. ENOENT becomes "its folder does not exist".
 [[noreturn]] void refuseOutput(const std::string& path);
 
 /// Returns the file that a write to \p path changes. Follows symbolic links, even a link to a missing file. Two paths

@@ -100,17 +100,17 @@ public:
     void setProcessingJournal(bool active);  ///< true: the host plays back a journal
     void setProcessingLayout(bool active);   ///< true: the host plays back a layout
 
-    /// From now on the host answers as another host does, of which \p facts are known:
+    /// From now on the host answers like another host, which is described by \p facts:
     ///
     ///     host.answerLike({{"list.append.most", "64"}, {"state.batch", "true"}});
     ///
-    /// Where \p facts has no answer, the host answers as usual, whatever an earlier call said. Facts about the four
-    /// states above set these states; without such a fact a state stays as it is. The rules of the contract stay the
-    /// same. Call this while the host is not in an add-on.
-    /// \return the facts that the host cannot imitate, as from unlikeFacts(). There the host answers as usual.
+    /// A new call replaces the facts of an earlier one. Where \p facts has no answer, the host answers as usual. Facts
+    /// about the four states above set these states; without such a fact a state stays as it is. The rules of the
+    /// contract stay the same. Call this while the host is not in an add-on.
+    /// \return the facts that the host cannot imitate, as from unlikeFacts(). For these, the host answers as usual.
     std::vector<UnlikeFact> answerLike(const HostFacts& facts);
-    /// Returns true if, by the facts passed to answerLike(), a macro goes on after a command that failed. It is for
-    /// programs that run macros: run() itself always runs the command.
+    /// Returns true if the facts passed to answerLike() say that a macro continues after a failed command. Programs
+    /// that run macros ask for this; run() does not use it.
     bool goesOnAfterFailure() const;
 
     /// Sets the value of a style setting, which VexaUtilStyleGetLowLevelX() returns for every pair of offsets. The host

@@ -28,7 +28,7 @@ VEXASTANDIN_API std::ostream& operator<<(std::ostream& out, const TestedCommand&
 /// Writes textOf(\p finding).
 VEXASTANDIN_API std::ostream& operator<<(std::ostream& out, const Finding& finding);
 
-/// Runs an add-on under test in its own stand-in host, which records. An example with GoogleTest:
+/// Runs an add-on under test in its own stand-in host, with recording on. An example with GoogleTest:
 ///
 ///     #include <gtest/gtest.h>
 ///     #include <vexastandin/Testing.h>

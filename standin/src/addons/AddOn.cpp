@@ -30,6 +30,7 @@ std::string whyNoFile(const std::string& path) {
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (status.type() == std::filesystem::file_type::not_found) return "no such file";
     if (error) return error.message();
+    if (std::filesystem::is_directory(status)) return "it is a folder, not an add-on";
     return std::filesystem::is_regular_file(status) ? whyNotLoadable(path) : "not a regular file";
 }
 

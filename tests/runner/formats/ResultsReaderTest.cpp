@@ -81,10 +81,11 @@ TEST_F(ResultsReaderTest, ReadsEachStartOfAFile) {
 }
 
 TEST_F(ResultsReaderTest, RefusesForeignLines) {
-    EXPECT_EQ(refusal(kGood + "hello\n" + kEnd), "r.jsonl:2: this is not a line of results");
-    EXPECT_EQ(refusal(kEnd + "\n"), "r.jsonl:2: this is not a line of results");
-    EXPECT_EQ(refusal(kGood.substr(0, 20) + '\n'), "r.jsonl:1: this is not a line of results");
-    EXPECT_EQ(refusal("hello"), "r.jsonl:1: this is not a line of results") << "no results were ever cut off there";
+    EXPECT_EQ(refusal(kGood + "hello\n" + kEnd), "r.jsonl:2: this is not a line of 'run --json'");
+    EXPECT_EQ(refusal(kEnd + "\n"), "r.jsonl:2: this is not a line of 'run --json'");
+    EXPECT_EQ(refusal(kGood.substr(0, 20) + '\n'), "r.jsonl:1: this is not a line of 'run --json'");
+    EXPECT_EQ(refusal("hello"), "r.jsonl:1: this is not a line of 'run --json'")
+        << "no results were ever cut off there";
 }
 
 TEST_F(ResultsReaderTest, KeepsTheFirstFailures) {

@@ -141,14 +141,14 @@ TEST_F(CommandLine, RefusesWhatTheDataDoesNotAllow) {
     };
     const Case cases[] = {
         {{"go"}, "FOLDER is required"},
-        {{"go", "a", "b", "--long"}, "RULE excludes --long"},
-        {{"go", "a", "--when", "soon"}, "--when: soon not in {now,never}"},
+        {{"go", "a", "b", "--long"}, "RULE cannot be used with --long"},
+        {{"go", "a", "--when", "soon"}, "--when: expected now or never, but found soon"},
         {{"go", "a", "--id", "bad"}, "--id: not this one"},
-        {{"go", "a", "--id"}, "--id: 1 required ID missing"},
-        {{"go", "a", "-j", "9"}, "--jobs: Value 9 not in range 1 to 8"},
-        {{"go", "a", "-j", "x"}, "--jobs: Value x not in range 1 to 8"},
-        {{"go", "a", "b", "c"}, "The following argument was not expected: c"},
-        {{"walk"}, "The following argument was not expected: walk"},
+        {{"go", "a", "--id"}, "--id: the value ID is missing"},
+        {{"go", "a", "-j", "9"}, "--jobs: expected a number from 1 to 8, but found 9"},
+        {{"go", "a", "-j", "x"}, "--jobs: expected a number from 1 to 8, but found x"},
+        {{"go", "a", "b", "c"}, "unexpected argument: c"},
+        {{"walk"}, "there is no command 'walk'"},
         {{"go", "a", "--id", "fine", "--when", "now", "-j", "8", "--long"}, "none"},
     };
     for (const Case& c : cases) EXPECT_EQ(refusalOf(c.words), c.refusal);
@@ -191,7 +191,7 @@ TEST_F(CommandLine, PrintsTheHelpOfTheCommandThatIsAsked) {
         EXPECT_EQ(parse(m_program, words)(), status);
         return ::testing::internal::GetCapturedStdout();
     };
-    EXPECT_EQ(printed({"--help"}, ExitStatus_e::AllWell).rfind("Does things\nUsage: prog [OPTIONS] [SUBCOMMAND]\n", 0),
+    EXPECT_EQ(printed({"--help"}, ExitStatus_e::AllWell).rfind("Does things\nUsage: prog [OPTIONS] [COMMAND]\n", 0),
               0U);
     EXPECT_EQ(printed({"go", "-h"}, ExitStatus_e::AllWell).rfind("Goes\nUsage: prog go [OPTIONS]\n", 0), 0U);
 }

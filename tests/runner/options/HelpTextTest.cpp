@@ -35,9 +35,9 @@ TEST(HelpText, ShowsCommandsThatAreNotHidden) {
     program.commands.back().isHidden = true;
     EXPECT_EQ(helpText(program, "prog", 80),
               "Does things\n"
-              "Usage: prog [OPTIONS] [SUBCOMMAND]\n"
+              "Usage: prog [OPTIONS] [COMMAND]\n"
               "\n"
-              "Subcommands:\n"
+              "Commands:\n"
               "  go                          Goes\n"
               "\n");
 }

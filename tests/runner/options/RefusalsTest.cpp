@@ -26,8 +26,30 @@ TEST(Refusals, NameTheLoadedAddOns) {
 }
 
 TEST(Corrections, ListUnexpectedWords) {
-    EXPECT_EQ(unexpectedWords({"a"}), "The following argument was not expected: a");
-    EXPECT_EQ(unexpectedWords({"a", "b"}), "The following arguments were not expected: a b");
+    const Command command{"run", "Runs"};
+    EXPECT_EQ(unexpectedWords({"a"}, command), "unexpected argument: a");
+    EXPECT_EQ(unexpectedWords({"a", "b"}, command), "unexpected arguments: a b");
+}
+
+TEST(Corrections, NameTheCommandThatDoesNotExist) {
+    Command program{"prog", "Does things"};
+    program.commands = {Command{"run", "Runs"}};
+    EXPECT_EQ(unexpectedWords({"rnu", "a"}, program), "there is no command 'rnu'");
+    EXPECT_EQ(unexpectedWords({"--fats"}, program), "unexpected argument: --fats");
+}
+
+TEST(Corrections, TakeTheNameOfAnOptionForThisOption) {
+    bool isShown = false;
+    Command program{"prog", "Does things"};
+    program.commands = {Command{"repl", "Reads"}};
+    program.add(flag({"--help"}, "", &isShown));
+    EXPECT_EQ(corrections({"help"}, program), Words({"help: did you mean --help?"}));
+}
+
+TEST(Refusals, SayInPlainWordsWhatTheParserRefuses) {
+    EXPECT_EQ(inPlainWords("--id: 1 required ID missing"), "--id: the value ID is missing");
+    EXPECT_EQ(inPlainWords("RULE excludes --long"), "RULE cannot be used with --long");
+    EXPECT_EQ(inPlainWords("FOLDER is required"), "FOLDER is required");
 }
 
 TEST(Corrections, AreOptionsAndForTheFirstWordCommands) {

@@ -91,7 +91,7 @@ TEST_F(Resume, RefusesTheResultsOfAnotherRunAndKeepsThem) {
 }
 
 TEST_F(Resume, RefusesAFileWithoutResultsAndKeepsIt) {
-    EXPECT_EQ(refusal("my notes\n", {"a"}), m_path + ":1: this is not a line of results");
+    EXPECT_EQ(refusal("my notes\n", {"a"}), m_path + ":1: this is not a line of 'run --json'");
     EXPECT_EQ(readWholeFile(m_path), "my notes\n");
 }
 
