@@ -135,6 +135,23 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
     }
 }
 
+TEST_F(CheckDescription, AcceptsTheEmptySetAsADefaultOfTheProcessor) {
+    const std::string zones = R"(       {"name": "ZONES", "type": "Set",)";
+    const ProgramResult result = checkChanged(zones + R"( "help": "the zones"},
+       {"name": "MODE")",
+                                              zones + R"( "default": "[]", "help": "the zones"},
+       {"name": "MODE")");
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+}
+
+TEST_F(CheckDescription, KeepsTheMacroOfTheFirstMistake) {
+    const ProgramResult result = checkChanged(R"("max": 100)", R"("max": 101)");
+    EXPECT_TRUE(has(result, "tried: of the description: DESCRIBED GREET NAME = 'you' TIMES = 101\n")) << result.out;
+    EXPECT_TRUE(has(result, "reproduce: ")) << result.out;
+    EXPECT_EQ(read("vexa-standin-check-description-options.macro"),
+              "DESCRIBED LOAD FILE=\"a\"\nDESCRIBED GREET NAME = 'you' TIMES = 101\n");
+}
+
 TEST_F(CheckDescription, ComparesTheMacrosWithTheDescription) {
     write("m.macro", "DESCRIBED LOAD FILE=\"a\"\nDESCRIBED GREET NAME = 'x' LOUD = T\n");
     const ProgramResult result = checkChanged(
