@@ -123,6 +123,8 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
          "the description d.json is of the add-on OTHER, but the id of this add-on is DESCRIBED"},
         {"an example that fails", "TIMES = 2", "TIMES = 200",
          "has the example DESCRIBED GREET NAME = 'you' TIMES = 200"},
+        {"a command of the processor is dropped", R"({"name": "GREET",)", R"({"name": "GREETS",)",
+         "the add-on has a command GREET, which is not described"},
         {"a command that is not there", R"({"name": "GREET",)",
          R"({"name": "WAVE", "kind": "processor", "purpose": "p"}, {"name": "GREET",)",
          "refuses WAVE (with only its required options): Error: Unknown command WAVE"},

@@ -269,6 +269,9 @@ Verdict descriptionRandom(Trial& trial) {
 
 Verdict descriptionComplete(Trial& trial) {
     DescriptionTrial described(trial);
+    for (const std::string& name : undescribedCommands(trial, described.addOn())) {
+        described.report("the add-on has a command " + name + ", which is not described");
+    }
     for (const CommandDescription& command : described.addOn().commands) {
         const std::string least = leastCommand(described.addOn(), command);
         for (const std::string& name :
