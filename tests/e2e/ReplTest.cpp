@@ -282,6 +282,19 @@ TEST_F(EditingRepl, CompletesWhatTheDescriptionBesideTheAddOnHas) {
     EXPECT_EQ(program.finish(), 0) << program.output();
 }
 
+TEST_F(EditingRepl, OffersRequiredOptionsFirstAndOthersInTheOrderOfTheDescription) {
+    std::filesystem::copy_file(ADDON_ONE, folder() / "one.so");
+    write("one.commands.json", R"({"addon": "ONE", "commands": [{"name": "ECHO", "kind": "command", "purpose": "p",
+        "options": [{"name": "MODE", "type": "String", "help": "h"}, {"name": "AREA", "type": "String", "help": "h"},
+                    {"name": "ZONE", "type": "String", "required": true, "help": "h"}]}]})");
+    PtyProgram program(repl({}, "./one.so"), kColumns, terminal());
+    ASSERT_TRUE(program.waitFor("> ")) << program.output();
+    program.type("ONE ECHO \t\t");
+    EXPECT_TRUE(program.waitFor("ZONE=  MODE=  AREA=")) << program.output();
+    program.type("\nquit\n");
+    EXPECT_EQ(program.finish(), 0) << program.output();
+}
+
 TEST_F(EditingRepl, CompletesItsCommandsAndTheirNamesInHelp) {
     PtyProgram program(repl(), kColumns, terminal());
     ASSERT_TRUE(program.waitFor("> ")) << program.output();

@@ -80,6 +80,7 @@ bool describeWords(std::string_view line, std::size_t start) {
     for (const std::string& text : completion.texts) {
         if (text.size() > start - completion.begin) theWords.push_back(text.substr(start - completion.begin));
     }
+    rl_sort_completion_matches = 0;  // the order of the description says what is typed first
     const bool endsOpen = !theWords.empty() && std::strchr("= ", theWords.front().back()) != nullptr;
     rl_completion_suppress_append = endsOpen ? 1 : 0;
     return !theWords.empty();
@@ -91,6 +92,7 @@ void takeHelpWords(std::string_view line, std::size_t start) {
 
 // Returns null to let readline complete file names.
 char** complete(const char* text, int start, int end) {
+    rl_sort_completion_matches = 1;
     const std::string_view line(rl_line_buffer, static_cast<std::size_t>(end));
     const std::size_t skipped = lengthOfHelp(line);
     const std::size_t begin = static_cast<std::size_t>(start) - skipped;
