@@ -7,7 +7,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 #   own folder, unless CMAKE_INSTALL_RPATH or its property INSTALL_RPATH is set.
 #
 #   DESCRIPTION is the description of the add-on's commands. It is copied to NAME.commands.json beside the add-on, where
-#   vexa-standin finds it.
+#   vexa-standin finds it. The check reads the original, so its messages name the file to edit.
 #
 #   Also adds the test NAME-keeps-the-contract, which checks the add-on, if BUILD_TESTING is on and the package's
 #   component standin was requested. CHECK OFF omits the test. The arguments after CHECK are those of vexa_add_check().
@@ -52,7 +52,7 @@ function(vexa_add_addon name)
         return()
     endif()
     set(check)
-    foreach(option IN ITEMS ${check_values} MACRO)
+    foreach(option IN ITEMS ${check_values} DESCRIPTION MACRO)
         if(DEFINED arg_${option})
             list(APPEND check ${option} ${arg_${option}})
         endif()

@@ -1,12 +1,13 @@
 include(${CMAKE_CURRENT_LIST_DIR}/VexaArguments.cmake)
 
-# vexa_add_check(NAME TARGET [MACRO file...] [LEVEL n] [TIME seconds] [HOST file] [WARNINGS_AS_ERRORS]
-#                [WORKING_DIRECTORY folder])
+# vexa_add_check(NAME TARGET [MACRO file...] [LEVEL n] [TIME seconds] [HOST file] [DESCRIPTION file]
+#                [WARNINGS_AS_ERRORS] [WORKING_DIRECTORY folder])
 #   Adds the test NAME, which checks the add-on TARGET with vexa-standin check. The commands run in WORKING_DIRECTORY,
 #   by default the current binary folder. The test also writes macros that show a failure there. TIME limits each test
 #   of the check that could otherwise run forever. HOST is the facts file of the host to answer like.
+#   DESCRIPTION is the description of the add-on's commands, by default NAME.commands.json beside the add-on.
 function(vexa_add_check name target)
-    cmake_parse_arguments(PARSE_ARGV 2 arg "WARNINGS_AS_ERRORS" "LEVEL;TIME;HOST;WORKING_DIRECTORY" "MACRO")
+    cmake_parse_arguments(PARSE_ARGV 2 arg "WARNINGS_AS_ERRORS" "LEVEL;TIME;HOST;DESCRIPTION;WORKING_DIRECTORY" "MACRO")
     vexa_refuse_wrong_arguments("vexa_add_check(${name})")
     if(NOT TARGET ${target})
         message(FATAL_ERROR "vexa_add_check(${name}): there is no target ${target}")
@@ -25,6 +26,10 @@ function(vexa_add_check name target)
     if(arg_HOST)
         get_filename_component(host ${arg_HOST} ABSOLUTE)
         list(APPEND options --host ${host})
+    endif()
+    if(arg_DESCRIPTION)
+        get_filename_component(description ${arg_DESCRIPTION} ABSOLUTE)
+        list(APPEND options --describe ${description})
     endif()
     if(arg_WARNINGS_AS_ERRORS)
         list(APPEND options --warnings-as-errors)

@@ -6,6 +6,7 @@
 
 #include "commands/Commands.h"
 #include "formats/DescriptionFile.h"
+#include "language/DescribedExamples.h"
 #include "language/RandomCases.h"
 #include "terminal/Console.h"
 
@@ -47,7 +48,7 @@ std::string stepsBeforeAll(const AddOnDescription& addOn) {
 
 ExitStatus_e printRandom(const RandomOptions& options) {
     const auto addOn = readDescription(options.file);
-    if (!addOn) return ExitStatus_e::BadUsageOrInput;
+    if (!addOn || !areExamplesRight(*addOn, options.file)) return ExitStatus_e::BadUsageOrInput;
     if (addOn->commands.empty()) {
         tell(options.file, "describes no command");
         return ExitStatus_e::BadUsageOrInput;

@@ -277,6 +277,14 @@ private:
         m_option.values =
             listOf<std::string>(values, [this](const Node& item) { return writable(filledLineOf(item), item); });
         if (m_option.values.empty()) values->refuse("expected at least one value");
+        requireDifferent(*values);
+    }
+
+    void requireDifferent(const Node& values) const {
+        std::set<std::string> different;
+        for (const std::string& value : m_option.values) {
+            if (!different.insert(value).second) values.refuse(quotedText(value) + " is given twice");
+        }
     }
 
     void readDefault() {

@@ -35,8 +35,8 @@ public:
     ValueLister(const OptionDescription& option, CommandKind_e kind) : m_option(option), m_kind(kind) {}
 
     std::vector<ValueCase> accepted(const std::string& sample) {
-        add("with a value of its type", sample);
         if (m_option.defaultValue) add("at its default", written(*m_option.defaultValue));
+        if (m_values.empty() || m_values.front().value != sample) add("with a value of its type", sample);
         if (m_option.type == OptionType_e::Boolean) {
             add("that is true", "TRUE");
             add("that is false", "FALSE");

@@ -156,6 +156,10 @@ Refusal whyNoSet(std::string_view written, const OptionDescription& option) {
     return std::nullopt;
 }
 
+bool isSetOfProcessor(const OptionDescription& option, CommandKind_e kind) {
+    return option.type == OptionType_e::Set && kind == CommandKind_e::Processor;
+}
+
 std::string escaped(const std::string& value) {
     std::string text;
     for (const char c : value) {
@@ -175,6 +179,7 @@ std::optional<WrongValue> whyWrong(std::string_view written, const OptionDescrip
 }
 
 std::string writtenValue(const std::string& value, const OptionDescription& option, CommandKind_e kind) {
+    if (value == "[]" && isSetOfProcessor(option, kind)) return "[ ]";  // the processor leaves the ] of [] unread
     if (!isQuoted(option.type)) return value;
     if (option.hasEscapes) return kSingleQuote + escaped(value) + kSingleQuote;
     const bool isCommand = kind == CommandKind_e::Command;

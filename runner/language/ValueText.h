@@ -22,6 +22,7 @@ std::optional<WrongValue> whyWrong(std::string_view written, const OptionDescrip
 ///
 ///     it's    'it\'s' for a processor with escapes, otherwise "it's"
 ///     12      12
+///     []      [ ] for a processor
 std::string writtenValue(const std::string& value, const OptionDescription& option, CommandKind_e kind);
 
 /// Returns `NAME=value` or `NAME = value` for a value as a command has it.

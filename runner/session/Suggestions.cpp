@@ -21,9 +21,13 @@ Descriptions descriptionsBeside(const std::vector<std::string>& addOns) {
 }
 
 std::string Suggestions::of(const MacroCommand& command) {
-    if (!m_descriptions) m_descriptions = descriptionsBeside(m_addOns);
-    const AddOnDescription* const addOn = m_descriptions->find(command.addOnId);
+    const AddOnDescription* const addOn = descriptions().find(command.addOnId);
     return addOn == nullptr ? "" : suggestionFor(command.text, *addOn);
+}
+
+const Descriptions& Suggestions::descriptions() {
+    if (!m_descriptions) m_descriptions = descriptionsBeside(m_addOns);
+    return *m_descriptions;
 }
 
 std::string withSuggestion(std::string failure, const std::string& suggestion) {

@@ -23,6 +23,9 @@ public:
     /// Returns suggestionFor() \p command; empty if its add-on has no description.
     std::string of(const MacroCommand& command);
 
+    /// Returns the descriptions of the add-ons.
+    const Descriptions& descriptions();
+
 private:
     const std::vector<std::string> m_addOns;
     std::optional<Descriptions> m_descriptions;

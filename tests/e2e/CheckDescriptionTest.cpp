@@ -123,6 +123,8 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
          "the description d.json is of the add-on OTHER, but the id of this add-on is DESCRIBED"},
         {"an example that fails", "TIMES = 2", "TIMES = 200",
          "has the example DESCRIBED GREET NAME = 'you' TIMES = 200"},
+        {"a command of the processor is dropped", R"({"name": "GREET",)", R"({"name": "GREETS",)",
+         "the add-on has a command GREET, which is not described"},
         {"a command that is not there", R"({"name": "GREET",)",
          R"({"name": "WAVE", "kind": "processor", "purpose": "p"}, {"name": "GREET",)",
          "refuses WAVE (with only its required options): Error: Unknown command WAVE"},
@@ -133,6 +135,23 @@ TEST_F(CheckDescription, NoticesEachWayToBeStale) {
         EXPECT_NE(result.status, 0);
         EXPECT_NE((result.out + result.err).find(c.mistake), std::string::npos) << result.out << result.err;
     }
+}
+
+TEST_F(CheckDescription, AcceptsTheEmptySetAsADefaultOfTheProcessor) {
+    const std::string zones = R"(       {"name": "ZONES", "type": "Set",)";
+    const ProgramResult result = checkChanged(zones + R"( "help": "the zones"},
+       {"name": "MODE")",
+                                              zones + R"( "default": "[]", "help": "the zones"},
+       {"name": "MODE")");
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+}
+
+TEST_F(CheckDescription, KeepsTheMacroOfTheFirstMistake) {
+    const ProgramResult result = checkChanged(R"("max": 100)", R"("max": 101)");
+    EXPECT_TRUE(has(result, "tried: of the description: DESCRIBED GREET NAME = 'you' TIMES = 101\n")) << result.out;
+    EXPECT_TRUE(has(result, "reproduce: ")) << result.out;
+    EXPECT_EQ(read("vexa-standin-check-description-options.macro"),
+              "DESCRIBED LOAD FILE=\"a\"\nDESCRIBED GREET NAME = 'you' TIMES = 101\n");
 }
 
 TEST_F(CheckDescription, ComparesTheMacrosWithTheDescription) {

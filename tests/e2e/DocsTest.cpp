@@ -25,6 +25,17 @@ TEST_F(Docs, RefusesAWrongDescription) {
     EXPECT_EQ(result.err, "a.commands.json: /: expected an object (1:1)\n");
 }
 
+TEST_F(Docs, RefusesAWrongExample) {
+    write("a.commands.json",
+          R"({"addon": "A", "commands": [{"name": "C", "kind": "command", "purpose": "p", "examples": ["C", "D"]}]})");
+    for (const char* const command : {"docs", "random"}) {
+        const ProgramResult result = runProgram(runner({command, "a.commands.json"}));
+        EXPECT_EQ(result.status, 2) << command;
+        EXPECT_EQ(result.out, "") << command;
+        EXPECT_EQ(result.err, "a.commands.json: /commands/0/examples/1: A has no command D; did you mean C?\n");
+    }
+}
+
 TEST_F(Docs, MakeTheTablesOfTheExamples) {
     for (const std::string name : {"hello-command", "data-loader", "probe-stats"}) {
         const std::string example = VEXA_DOCS "/../examples/" + name;

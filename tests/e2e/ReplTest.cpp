@@ -107,6 +107,23 @@ TEST_F(Repl, TellsWhichOfItsCommandsIsMeant) {
               "there is no command and no add-on 'frob'; ':help' lists them\n");
 }
 
+TEST_F(Repl, HelpsWithTheDescriptionBesideAnAddOn) {
+    std::filesystem::copy_file(ADDON_ONE, folder() / "one.so");
+    write("one.commands.json", R"({"addon": "ONE", "commands": [{"name": "ECHO", "kind": "processor",
+        "purpose": "Prints a text.", "options": [{"name": "MODE", "type": "String", "help": "how"}]}]})");
+    Program program = repl({}, "./one.so");
+    program.input = ":help ONE\nONE ECHO MODE = 1\n:help ONE ECHO\n:help echo\n:help ONE ECHOO\n";
+    const ProgramResult result = runProgram(program);
+    const std::string loadedFrom = "ONE  The first\n  loaded from ./one.so\n";
+    const std::string help =
+        "ONE ECHO [MODE = text]\n  Prints a text.\n  option  type  default  meaning\n  MODE    text           how\n";
+    EXPECT_EQ(result.out,
+              loadedFrom + "Commands; ':help ONE ECHO' shows the options of one:\n  ECHO  Prints a text.\nMODE = 1\n" +
+                  loadedFrom + help + "Commands since the add-on was loaded:\n  ECHO  run 1 time; options: MODE\n" +
+                  help + loadedFrom + "  the description has no command ECHOO; did you mean ECHO?\n");
+    EXPECT_EQ(result.err, "");
+}
+
 TEST_F(Repl, ShowsTheCallsOfTheLastCommand) {
     EXPECT_EQ(typed(":calls\nONE DIALOG a\nONE BATCH\n:calls\n").out,
               "no command has run since the add-ons were loaded\ninteractive\n"
@@ -265,6 +282,19 @@ TEST_F(EditingRepl, CompletesWhatTheDescriptionBesideTheAddOnHas) {
     EXPECT_EQ(program.finish(), 0) << program.output();
 }
 
+TEST_F(EditingRepl, OffersRequiredOptionsFirstAndOthersInTheOrderOfTheDescription) {
+    std::filesystem::copy_file(ADDON_ONE, folder() / "one.so");
+    write("one.commands.json", R"({"addon": "ONE", "commands": [{"name": "ECHO", "kind": "command", "purpose": "p",
+        "options": [{"name": "MODE", "type": "String", "help": "h"}, {"name": "AREA", "type": "String", "help": "h"},
+                    {"name": "ZONE", "type": "String", "required": true, "help": "h"}]}]})");
+    PtyProgram program(repl({}, "./one.so"), kColumns, terminal());
+    ASSERT_TRUE(program.waitFor("> ")) << program.output();
+    program.type("ONE ECHO \t\t");
+    EXPECT_TRUE(program.waitFor("ZONE=  MODE=  AREA=")) << program.output();
+    program.type("\nquit\n");
+    EXPECT_EQ(program.finish(), 0) << program.output();
+}
+
 TEST_F(EditingRepl, CompletesItsCommandsAndTheirNamesInHelp) {
     PtyProgram program(repl(), kColumns, terminal());
     ASSERT_TRUE(program.waitFor("> ")) << program.output();
@@ -272,6 +302,33 @@ TEST_F(EditingRepl, CompletesItsCommandsAndTheirNamesInHelp) {
     EXPECT_TRUE(program.waitFor("no findings")) << program.output();
     program.type(":help :ca\t\n");
     EXPECT_TRUE(program.waitFor("Shows the lines")) << program.output();
+    program.type("quit\n");
+    EXPECT_EQ(program.finish(), 0) << program.output();
+}
+
+TEST_F(EditingRepl, CompletesDescribedCommandsInHelp) {
+    std::filesystem::copy_file(ADDON_ONE, folder() / "one.so");
+    write("one.commands.json", R"({"addon": "ONE", "commands": [{"name": "ECHO", "kind": "processor",
+        "purpose": "Prints a text.", "options": [{"name": "MODE", "type": "String", "help": "how"}]}]})");
+    PtyProgram program(repl({}, "./one.so"), kColumns, terminal());
+    ASSERT_TRUE(program.waitFor("> ")) << program.output();
+    program.type(":help O\tE\tM\t\n");
+    EXPECT_TRUE(program.waitFor("Prints a text.")) << program.output();
+    program.type("quit\n");
+    EXPECT_EQ(program.finish(), 0) << program.output();
+    EXPECT_EQ(countOf(program.output(), "MODE = "), 1U) << program.output();  // in the help, not completed
+}
+
+TEST_F(EditingRepl, CompletesFromTheNewDescriptionAfterAReload) {
+    std::filesystem::copy_file(ADDON_ONE, folder() / "one.so");
+    PtyProgram program(repl({}, "./one.so"), kColumns, terminal());
+    ASSERT_TRUE(program.waitFor("> ")) << program.output();
+    write("one.commands.json",
+          R"({"addon": "ONE", "commands": [{"name": "ECHO", "kind": "processor", "purpose": "p"}]})");
+    program.type(":reload\n");
+    ASSERT_TRUE(program.waitFor("loaded ONE from ")) << program.output();
+    program.type("ONE E\tnew\n");
+    EXPECT_TRUE(program.waitFor("\r\nnew\r\n")) << program.output();
     program.type("quit\n");
     EXPECT_EQ(program.finish(), 0) << program.output();
 }

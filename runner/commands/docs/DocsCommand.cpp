@@ -4,6 +4,7 @@
 #include "commands/Commands.h"
 #include "commands/docs/DescriptionPage.h"
 #include "formats/DescriptionFile.h"
+#include "language/DescribedExamples.h"
 #include "terminal/Console.h"
 
 namespace vexa::runner {
@@ -28,7 +29,7 @@ struct DocsOptions {
 
 ExitStatus_e printPage(const DocsOptions& options) {
     const auto description = readDescription(options.file);
-    if (!description) return ExitStatus_e::BadUsageOrInput;
+    if (!description || !areExamplesRight(*description, options.file)) return ExitStatus_e::BadUsageOrInput;
     print(options.isHtml    ? htmlPage(*description)
           : options.isTable ? markdownTable(*description)
                             : markdownPage(*description));

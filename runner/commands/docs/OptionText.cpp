@@ -1,5 +1,6 @@
 #include "commands/docs/OptionText.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "language/ValueText.h"
@@ -33,6 +34,11 @@ std::string limitsText(const OptionDescription& option) {
 }
 
 }  // namespace
+
+std::string withoutMarks(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '`'), text.end());
+    return text;
+}
 
 std::string typeText(const OptionDescription& option) {
     std::string text = option.type == OptionType_e::Choice ? choiceText(option) : plainType(option.type);

@@ -8,6 +8,9 @@ namespace vexa::runner {
 
 // Texts about commands and options. Names and values in them are between backticks, as in Markdown.
 
+/// Returns \p text without the backticks, for a place that shows no Markdown.
+std::string withoutMarks(std::string text);
+
 /// Returns the type of an option with its limits: "Int64, 1 to 100", "text, not empty", "`fast` or `slow`".
 std::string typeText(const OptionDescription& option);
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "commands/docs/OptionText.h"
 #include "commands/lsp/JsonRpc.h"
 #include "commands/lsp/LineHelp.h"
 #include "language/Completion.h"
@@ -42,8 +43,8 @@ std::size_t countIn(const json& position, const char* member) {
 }
 
 json markup(const LineHelp& help, bool asMarkdown) {
-    const std::string title = asMarkdown ? "```\n" + help.title + "\n```\n" : help.title + "\n\n";
-    return {{"kind", asMarkdown ? "markdown" : "plaintext"}, {"value", title + help.detail}};
+    if (asMarkdown) return {{"kind", "markdown"}, {"value", "```\n" + help.title + "\n```\n" + help.detail}};
+    return {{"kind", "plaintext"}, {"value", help.title + "\n\n" + withoutMarks(help.detail)}};
 }
 
 }  // namespace

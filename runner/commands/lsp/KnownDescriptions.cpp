@@ -38,6 +38,10 @@ void KnownDescriptions::addWorkspace(std::string folder) {
     if (isNew && !folder.empty()) m_workspace.push_back(std::move(folder));
 }
 
+void KnownDescriptions::removeWorkspace(const std::string& folder) {
+    m_workspace.erase(std::remove(m_workspace.begin(), m_workspace.end(), folder), m_workspace.end());
+}
+
 // A later description replaces an earlier one of the same add-on.
 std::vector<std::string> KnownDescriptions::filesFor(const std::string& folder) const {
     std::vector<std::string> files;

@@ -23,7 +23,9 @@ public:
     /// \param files  the descriptions of the command line
     explicit KnownDescriptions(std::vector<std::string> files) : m_files(std::move(files)) {}
 
+    /// Add and remove an open folder. forFolder() follows.
     void addWorkspace(std::string folder);
+    void removeWorkspace(const std::string& folder);
 
     /// Returns the descriptions for macros in \p folder, an absolute path or empty. Reads them again if a file came,
     /// changed or is gone. Callers keep the result while they use it.

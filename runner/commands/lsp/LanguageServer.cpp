@@ -36,12 +36,18 @@ bool isTrue(const json& value) { return value.is_boolean() && value.get<bool>();
 
 std::string folderOf(const std::string& path) { return std::filesystem::path(path).parent_path().string(); }
 
+std::vector<std::string> foldersIn(const json& many) {
+    std::vector<std::string> folders;
+    for (const json& folder : many) folders.push_back(pathOfUri(folder.at("uri").get_ref<const std::string&>()));
+    return folders;
+}
+
 // The folders that the editor has open.
 std::vector<std::string> workspaceIn(const json& params) {
     std::vector<std::string> folders;
     const json many = params.value("workspaceFolders", json());
     if (many.is_array()) {
-        for (const json& folder : many) folders.push_back(pathOfUri(folder.at("uri").get_ref<const std::string&>()));
+        folders = foldersIn(many);
     } else if (const json root = params.value("rootUri", json()); root.is_string()) {
         folders.push_back(pathOfUri(root.get_ref<const std::string&>()));
     }
@@ -51,6 +57,7 @@ std::vector<std::string> workspaceIn(const json& params) {
 json capabilities(ColumnUnit_e unit) {
     return {{"positionEncoding", unit == ColumnUnit_e::Utf8 ? "utf-8" : "utf-16"},
             {"textDocumentSync", {{"openClose", true}, {"change", kIncrementalSync}, {"save", true}}},
+            {"workspace", {{"workspaceFolders", {{"supported", true}, {"changeNotifications", true}}}}},
             {"completionProvider", {{"triggerCharacters", {" ", "="}}}},
             {"hoverProvider", true},
             {"documentSymbolProvider", true},
@@ -95,6 +102,7 @@ const std::map<std::string_view, LanguageServer::Notice>& LanguageServer::notice
         {"textDocument/didSave", &LanguageServer::didSave},
         {"textDocument/didClose", &LanguageServer::didClose},
         {"workspace/didChangeWatchedFiles", &LanguageServer::readDescriptionsAgain},
+        {"workspace/didChangeWorkspaceFolders", &LanguageServer::didChangeWorkspace},
     };
     return all;
 }
@@ -243,6 +251,14 @@ void LanguageServer::didClose(const json& params) {
     const std::string& uri = uriIn(params);
     if (m_macros.erase(uri) != 0) publishNone(uri);
     m_known.freeUnused();
+}
+
+void LanguageServer::didChangeWorkspace(const json& params) {
+    const json& event = params.at("event");
+    const std::vector<std::string> removed = foldersIn(event.at("removed"));
+    for (std::string& folder : foldersIn(event.at("added"))) m_known.addWorkspace(std::move(folder));
+    for (const std::string& folder : removed) m_known.removeWorkspace(folder);
+    readDescriptionsAgain(params);
 }
 
 void LanguageServer::readDescriptionsAgain(const json&) {

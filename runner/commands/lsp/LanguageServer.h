@@ -84,6 +84,7 @@ private:
     void didChange(const json& params);
     void didSave(const json& params);
     void didClose(const json& params);
+    void didChangeWorkspace(const json& params);
     void readDescriptionsAgain(const json& params);
 
     OpenMacro* find(const json& params);

@@ -56,11 +56,23 @@ void takeFirstWords(std::string_view start) {
                  [&](const std::string& word) { return startsWith(word, start); });
 }
 
-bool isAfterHelp(const char* line) { return startsWith(line, ":help ") || startsWith(line, "help "); }
+// Returns the number of characters before the command that a help is about; 0 if the line asks for no help.
+std::size_t lengthOfHelp(std::string_view line) {
+    for (const std::string_view help : {":help ", "help "}) {
+        if (startsWith(line, help)) return help.size();
+    }
+    return 0;
+}
 
-// Replaces the words by those that complete the line up to the cursor. Returns false if there are none.
-bool describeWords(std::size_t start, std::size_t end) {
-    const std::string_view line(rl_line_buffer, end);
+// A help is about an id, or an id and a word.
+bool hasThirdWord(std::string_view line) {
+    const std::size_t second = line.find_first_not_of(' ', line.find(' '));
+    return second != std::string_view::npos && line.find(' ', second) != std::string_view::npos;
+}
+
+// Replaces the words by those that complete \p line up to its end; \p start is the begin of its last part. Returns
+// false if there are none.
+bool describeWords(std::string_view line, std::size_t start) {
     const Completion completion = completionAt(line, *theDescriptions);
     if (completion.begin > start) return false;
     theWords.clear();
@@ -68,16 +80,29 @@ bool describeWords(std::size_t start, std::size_t end) {
     for (const std::string& text : completion.texts) {
         if (text.size() > start - completion.begin) theWords.push_back(text.substr(start - completion.begin));
     }
+    rl_sort_completion_matches = 0;  // the order of the description says what is typed first
     const bool endsOpen = !theWords.empty() && std::strchr("= ", theWords.front().back()) != nullptr;
     rl_completion_suppress_append = endsOpen ? 1 : 0;
     return !theWords.empty();
 }
 
+void takeHelpWords(std::string_view line, std::size_t start) {
+    if (hasThirdWord(line) || !describeWords(line, start)) theWords.clear();
+}
+
 // Returns null to let readline complete file names.
 char** complete(const char* text, int start, int end) {
-    const bool isFirst = start == 0 || isAfterHelp(rl_line_buffer);
-    if (isFirst) takeFirstWords(text);
-    if (!isFirst && !describeWords(static_cast<std::size_t>(start), static_cast<std::size_t>(end))) return nullptr;
+    rl_sort_completion_matches = 1;
+    const std::string_view line(rl_line_buffer, static_cast<std::size_t>(end));
+    const std::size_t skipped = lengthOfHelp(line);
+    const std::size_t begin = static_cast<std::size_t>(start) - skipped;
+    if (begin == 0) {
+        takeFirstWords(text);
+    } else if (skipped != 0) {
+        takeHelpWords(line.substr(skipped), begin);
+    } else if (!describeWords(line, begin)) {
+        return nullptr;
+    }
     rl_attempted_completion_over = 1;
     return rl_completion_matches(text, nextWord);
 }

@@ -8,6 +8,7 @@
 #include <set>
 #include <vector>
 
+#include "commands/repl/DescribedHelp.h"
 #include "commands/repl/LastCalls.h"
 #include "commands/repl/SeenCommands.h"
 #include "formats/MacroText.h"
@@ -239,9 +240,21 @@ private:
             helpAddOn(*addOn, asked.second);
         } else if (own != nullptr) {
             print(usageOf(*own) + "\n  " + own->details + '\n');
+        } else if (const std::string text = helpOfCommandsNamed(asked.first); !text.empty()) {
+            print(text);
         } else {
             tell("there is no command and no add-on '" + asked.first + "'; ':help' lists them");
         }
+    }
+
+    std::string helpOfCommandsNamed(const std::string& word) {
+        std::string text;
+        for (const std::string& id : m_ids) {
+            const AddOnDescription* const described = m_suggestions.descriptions().find(id);
+            const CommandDescription* const command = described == nullptr ? nullptr : findCommand(*described, word);
+            if (command != nullptr) text += helpOfCommand(*described, *command);
+        }
+        return text;
     }
 
     // What the user asks about: `:findings`, `STATS`, `STATS MEAN`.
@@ -277,9 +290,25 @@ private:
         return printableLine(addOn.id + (addOn.title.empty() ? "" : "  ") + addOn.title);
     }
 
-    void helpAddOn(const standin::AddOnInfo& addOn, const std::string& word) const {
-        const std::string seen = m_seen.describe(addOn.id, word);
+    void helpAddOn(const standin::AddOnInfo& addOn, const std::string& word) {
         print(nameOf(addOn) + "\n  loaded from " + printableLine(addOn.path) + '\n');
+        const AddOnDescription* const described = m_suggestions.descriptions().find(addOn.id);
+        if (described == nullptr) return helpUndescribed(addOn, word);
+        const std::string seen = m_seen.describe(addOn.id, word);
+        print(word.empty() ? helpOfAddOn(*described) : helpOfWord(*described, word));
+        if (!seen.empty()) print("Commands since the add-on was loaded:\n" + seen);
+    }
+
+    static std::string helpOfWord(const AddOnDescription& described, const std::string& word) {
+        const CommandDescription* const command = findCommand(described, word);
+        if (command != nullptr) return helpOfCommand(described, *command);
+        const std::vector<std::string> near = nearNames(word, commandNames(described));
+        const std::string hint = near.empty() ? "" : "; did you mean " + alternatives(near) + '?';
+        return "  " + printableLine("the description has no command " + word + hint) + '\n';
+    }
+
+    void helpUndescribed(const standin::AddOnInfo& addOn, const std::string& word) const {
+        const std::string seen = m_seen.describe(addOn.id, word);
         if (seen.empty()) {
             print("  " + printableLine(word.empty() ? "no command" : "no command " + word) +
                   " has run since the add-on was loaded\n");
@@ -319,7 +348,8 @@ const std::vector<Repl::Own>& Repl::all() {
          "  A long list is cut.",
          Next_e::Line, &Repl::showCalls},
         {":help", "[COMMAND]", "show this list, or more about a command or an add-on",
-         "':help ID' shows what is known of an add-on, and ':help ID WORD' what is known of one of its commands.",
+         "':help ID' shows what is known of an add-on, and ':help ID WORD' what is known of one of its commands. If a\n"
+         "  description is beside the add-on, ':help WORD' does the same.",
          Next_e::Line, &Repl::help},
         {"help", "[COMMAND]", "the same as :help", "The same as :help.", Next_e::Line, &Repl::help},
         {"quit", "", "end the program", "Ends the program, as Ctrl-D does. The recording is written.", Next_e::End},

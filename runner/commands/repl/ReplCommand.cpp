@@ -52,8 +52,8 @@ public:
 
     // Each round has its own process, and ends when the user asks to load the add-ons again.
     ExitStatus_e execute() {
-        m_descriptions = descriptionsBeside(m_options.addOns);
         for (;;) {
+            m_descriptions = descriptionsBeside(m_options.addOns);
             m_isReloading = false;
             m_options.inProcess || isTraced() ? runHere() : runWatched();
             if (!m_isReloading) return m_status;

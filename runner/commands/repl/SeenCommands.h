@@ -8,7 +8,7 @@
 namespace vexa::runner {
 
 /// Remembers the commands of add-ons that have run. A host does not know which commands an add-on has, so these are all
-/// that a help text can name.
+/// that a help text can name without a description.
 class SeenCommands {
 public:
     void add(const std::string& addOnId, const std::string& text, bool isAccepted);

@@ -49,6 +49,7 @@ class Protocol(LspTest):
         self.assertEqual(result['serverInfo']['name'], 'vexa-standin')
         self.assertEqual(result['capabilities'], {
             'positionEncoding': 'utf-16', 'textDocumentSync': {'openClose': True, 'change': 2, 'save': True},
+            'workspace': {'workspaceFolders': {'supported': True, 'changeNotifications': True}},
             'completionProvider': {'triggerCharacters': [' ', '=']}, 'hoverProvider': True,
             'documentSymbolProvider': True, 'documentFormattingProvider': True})
 
@@ -243,6 +244,16 @@ class FindsDescriptions(LspTest):
             server.request('initialize', {'capabilities': {}, 'rootUri': None, 'workspaceFolders': folders})
             self.assertEqual(server.open(MACRO, 'OTHER MEAN\nSTATS MEAN'), [])
 
+    def test_in_folders_that_the_editor_opens_and_closes(self):
+        with tempfile.TemporaryDirectory() as elsewhere:
+            describe(elsewhere, 'other', addon='OTHER')
+            folder = {'uri': pathlib.Path(elsewhere).resolve().as_uri(), 'name': 'a'}
+            server = self.serve()
+            self.assertEqual(short(server.open(MACRO, 'OTHER MEAN')), self.UNKNOWN)
+            for added, removed, found in (([folder], [], []), ([], [folder], self.UNKNOWN)):
+                server.notify('workspace/didChangeWorkspaceFolders', {'event': {'added': added, 'removed': removed}})
+                self.assertEqual(short(server.diagnostics(MACRO)), found)
+
     def test_of_the_command_line_first(self):
         (self.folder / 'build').mkdir()
         commands = [{**DESCRIPTION['commands'][0], 'name': 'NEW'}]
@@ -325,7 +336,7 @@ class Features(LspTest):
             'textEdit': {'range': {'start': {'line': 1, 'character': 24}, 'end': {'line': 1, 'character': 26}},
                          'newText': 'TIMES = '},
             'documentation': {'kind': 'plaintext', 'value': 'TIMES\n\nhow often\n\nType: Int64, 1 to 9\n\n'
-                                                            'Without the option: `1`\n'}})
+                                                            'Without the option: 1\n'}})
 
     def test_completes_before_the_end_of_the_line(self):
         items = self.completion('STATS M TIMES = 1', 7)
@@ -345,6 +356,13 @@ class Features(LspTest):
             self.assertIn('Loads a file.', hover['contents']['value'])
             self.assertEqual(hover['range'], {'start': {'line': 0, 'character': 7}, 'end': {'line': 0, 'character': 11}})
             self.assertIsNone(server.ask('hover', MACRO, 0, 0))
+
+    def test_marks_code_only_in_markdown(self):
+        for formats, value in ((['plaintext'], '1'), (['markdown'], '`1`')):
+            server = self.serve(capabilities={'textDocument': {'hover': {'contentFormat': formats}}})
+            server.open(MACRO, 'STATS MEAN TIMES = 2')
+            help = server.ask('hover', MACRO, 0, 12)['contents']['value']
+            self.assertIn(f'Without the option: {value}\n', help)
 
     def test_lists_the_commands_of_a_macro(self):
         server = self.serve(capabilities={'textDocument': {'documentSymbol': {'hierarchicalDocumentSymbolSupport': True}}})

@@ -143,6 +143,7 @@ TEST(DescriptionFile, SaysWhatIsWrongWithAnOption) {
         {R"({"name": "N", "type": "Choice", "help": "h"})", ": the member \"values\" is missing"},
         {R"({"name": "N", "type": "Choice", "help": "h", "values": []})", "/values: expected at least one value"},
         {R"({"name": "N", "type": "Choice", "help": "h", "values": ["a", 1]})", "/values/1: expected a text"},
+        {R"({"name": "N", "type": "Choice", "help": "h", "values": ["a", "b", "a"]})", "/values: \"a\" is given twice"},
         {R"({"name": "N", "type": "Choice", "help": "h", "values": ["slow"], "default": "slwo"})",
          "/default: \"slwo\" is not one of the values; is slow meant?"},
         {R"({"name": "N", "type": "Set", "help": "h", "default": "[3-1]"})",

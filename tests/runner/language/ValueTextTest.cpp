@@ -33,6 +33,15 @@ TEST(ValueText, AcceptsEveryTextThatItWrote) {
     }
 }
 
+TEST(ValueText, WritesAnEmptySetAsItsCommandReadsIt) {
+    const OptionDescription zones = optionOf(OptionType_e::Set, true);
+    const OptionDescription title = optionOf(OptionType_e::String, false);
+    EXPECT_EQ(writtenValue("[]", zones, CommandKind_e::Command), "[]");
+    EXPECT_EQ(writtenValue("[]", zones, CommandKind_e::Processor), "[ ]");
+    EXPECT_EQ(writtenValue("[1]", zones, CommandKind_e::Processor), "[1]");
+    EXPECT_EQ(writtenValue("[]", title, CommandKind_e::Processor), "'[]'");
+}
+
 TEST(ValueText, AssignsAsTheKindOfCommandDoes) {
     EXPECT_EQ(assignment("A", "1", CommandKind_e::Command), "A=1");
     EXPECT_EQ(assignment("A", "1", CommandKind_e::Processor), "A = 1");

@@ -31,9 +31,11 @@ public:
         ++m_count;
     }
 
+    bool isEmpty() const { return m_count == 0; }
+
     /// \throws CaseFailed if there are mistakes.
     void conclude(const Subject& subject) const {
-        if (m_count == 0) return;
+        if (isEmpty()) return;
         std::string reason = "the description " + subject.descriptionFile + " does not fit the add-on:";
         for (const std::string& mistake : m_all) addLine(reason, mistake);
         if (m_count > m_all.size()) addLine(reason, "and " + std::to_string(m_count - m_all.size()) + " more");
@@ -52,13 +54,28 @@ struct Outcome {
     std::vector<std::string> recorded;  // lines with the add-on's id
 };
 
+// Commands that ran, and how the report names them.
+struct Tried {
+    std::string what;
+    std::string macro;
+};
+
 class DescriptionTrial {
 public:
     explicit DescriptionTrial(Trial& trial) : m_trial(trial), m_addOn(*trial.subject().description) {}
 
     const AddOnDescription& addOn() const { return m_addOn; }
-    Mistakes& mistakes() { return m_mistakes; }
+    // Returns what ran last.
+    const Tried& tried() const { return m_tried; }
+
+    // Adds a mistake, which \p tried shows. The report of the test then has the macro of the first mistake.
+    void report(const std::string& mistake, const Tried& tried = {}) {
+        if (m_mistakes.isEmpty()) m_firstWrong = tried;
+        m_mistakes.add(mistake);
+    }
+
     Verdict conclude() {
+        if (!m_mistakes.isEmpty()) m_trial.nowTrying(m_firstWrong.what, m_firstWrong.macro);
         m_mistakes.conclude(m_trial.subject());
         return {Outcome_e::Passed, std::to_string(m_count) + " commands"};
     }
@@ -69,7 +86,7 @@ public:
         std::vector<MacroCommand> steps = stepsBefore(command);
         const MacroCommand step = stepOf(text);
         steps.push_back(step);
-        m_trial.nowTrying("of the description: " + nameOf(step), macroOf(steps));
+        nowTrying("of the description: " + nameOf(step), steps);
         CheckedSession session(m_trial);
         requireId(session);
         steps.pop_back();
@@ -99,12 +116,12 @@ public:
         for (std::size_t i = 0; i != kCommandsOfASession; ++i) {
             const RandomCase random = cases.next();
             steps.push_back(stepOf(random.text));
-            m_trial.nowTrying("at random, by the description: " + nameOf(steps.back()), macroOf(steps));
+            nowTrying("at random, by the description: " + nameOf(steps.back()), steps);
             modes.setModes(session.host());
             const bool isAccepted = session.run(steps.back()).accepted;
             ++m_count;
             if (isAccepted && !random.mistake.empty()) {
-                m_mistakes.add("accepts " + random.text + " (" + random.mistake + ')');
+                report("accepts " + random.text + " (" + random.mistake + ')', m_tried);
             }
             session.expectContractKept();
         }
@@ -127,20 +144,25 @@ public:
 
     // Reports what the description does not have.
     void checkRecorded(const Outcome& outcome) {
-        for (const std::string& line : outcome.recorded) checkText("records", line);
+        for (const std::string& line : outcome.recorded) checkText("records", line, m_tried);
     }
 
-    void checkText(const std::string& does, const std::string& line) {
+    void checkText(const std::string& does, const std::string& line, const Tried& tried = {}) {
         if (line.compare(0, m_addOn.addOn.size() + 1, m_addOn.addOn + ' ') != 0) return;
         const std::string start = does + ' ' + line + ": ";
         for (const Diagnostic& diagnostic : checkLine(line, Descriptions(m_addOn))) {
-            if (diagnostic.severity == standin::Severity_e::Error) m_mistakes.add(start + diagnostic.message);
+            if (diagnostic.severity == standin::Severity_e::Error) report(start + diagnostic.message, tried);
         }
     }
 
     Trial& trial() { return m_trial; }
 
 private:
+    void nowTrying(const std::string& what, const std::vector<MacroCommand>& steps) {
+        m_tried = {what, macroOf(steps)};
+        m_trial.nowTrying(m_tried.what, m_tried.macro);
+    }
+
     MacroCommand stepOf(const std::string& text) const { return {"", m_addOn.addOn, text}; }
 
     void requireId(CheckedSession& session) const {
@@ -152,7 +174,9 @@ private:
 
     Trial& m_trial;
     const AddOnDescription& m_addOn;
+    Tried m_tried;
     Mistakes m_mistakes;
+    Tried m_firstWrong;
     std::size_t m_count = 0;
 };
 
@@ -164,13 +188,16 @@ std::string refusalText(const std::string& text, const std::string& what, const 
 // One of the texts of a case has to be accepted.
 void requireAccepted(DescriptionTrial& described, const CommandDescription& command, const CommandCase& accepted) {
     std::optional<std::string> refusal;
+    Tried refused;
     for (const std::string& text : accepted.texts) {
         const Outcome outcome = described.run(command, text);
         described.checkRecorded(outcome);
         if (outcome.isAccepted) return;
-        if (!refusal) refusal = refusalText(text, accepted.what, outcome.error);
+        if (refusal) continue;
+        refusal = refusalText(text, accepted.what, outcome.error);
+        refused = described.tried();
     }
-    described.mistakes().add(*refusal);
+    described.report(*refusal, refused);
 }
 
 // Reports an option that the add-on reads as an Int32: the recorded value is then another one.
@@ -182,8 +209,9 @@ void requireWholeInteger(DescriptionTrial& described, const CommandDescription& 
             const std::string value(textOf(option.value, line));
             if (option.description == nullptr || option.description->name != large.option) continue;
             if (value == large.value) continue;
-            described.mistakes().add("records " + large.text + " with " + large.option + " = " + value +
-                                     ": it reads an Int32, not an Int64");
+            described.report(
+                "records " + large.text + " with " + large.option + " = " + value + ": it reads an Int32, not an Int64",
+                described.tried());
         }
     }
 }
@@ -212,7 +240,7 @@ Verdict descriptionOptions(Trial& trial) {
         }
         const RecordCommand record = [&](const std::string& text) { return described.run(command, text).recorded; };
         for (const std::string& mistake : wrongDefaults(described.addOn(), command, record)) {
-            described.mistakes().add(mistake);
+            described.report(mistake);
         }
     }
     return described.conclude();
@@ -224,7 +252,7 @@ Verdict descriptionRefusals(Trial& trial) {
         for (const CommandCase& refused : refusedCases(described.addOn(), command)) {
             const std::string& text = refused.texts.front();
             if (!described.run(command, text).isAccepted) continue;
-            described.mistakes().add("accepts " + text + " (" + refused.what + ')');
+            described.report("accepts " + text + " (" + refused.what + ')', described.tried());
         }
         for (const LargeInteger& large : largeIntegers(described.addOn(), command)) {
             requireWholeInteger(described, command, large);
@@ -241,14 +269,17 @@ Verdict descriptionRandom(Trial& trial) {
 
 Verdict descriptionComplete(Trial& trial) {
     DescriptionTrial described(trial);
+    for (const std::string& name : undescribedCommands(trial, described.addOn())) {
+        described.report("the add-on has a command " + name + ", which is not described");
+    }
     for (const CommandDescription& command : described.addOn().commands) {
         const std::string least = leastCommand(described.addOn(), command);
         for (const std::string& name :
              undescribedOptions(trial, described.addOn(), command, described.stepsBefore(command), least)) {
-            described.mistakes().add(command.name + " has an option " + name + ", which is not described");
+            described.report(command.name + " has an option " + name + ", which is not described");
         }
     }
-    described.mistakes().conclude(trial.subject());
+    described.conclude();
     return {};
 }
 

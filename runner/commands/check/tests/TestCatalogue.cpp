@@ -70,8 +70,8 @@ const std::vector<CheckTest>& checkTests() {
          "forbids fail, whatever ran before. What is recorded has only described options.",
          "Options that work alone may fail together, and after other commands.", descriptionRandom},
         {"description-complete", 2, Needs_e::Description,
-         "No word in capitals in the add-on's file is an option that the description lacks.",
-         "Users cannot find an option that is not described.", descriptionComplete},
+         "No word in capitals in the add-on's file is a command or an option that the description lacks.",
+         "Users cannot find a command or an option that is not described.", descriptionComplete},
 
         // ---- What goes wrong around commands
         {"host-call-fails", 2, Needs_e::Loading,

@@ -20,4 +20,8 @@ std::vector<std::string> undescribedOptions(Trial& trial, const AddOnDescription
                                             const CommandDescription& command, const std::vector<MacroCommand>& before,
                                             const std::string& least);
 
+/// Returns the commands that the description of \p addOn lacks, as far as they can be found in the same way: the
+/// function tries the words as commands with several texts after them.
+std::vector<std::string> undescribedCommands(Trial& trial, const AddOnDescription& addOn);
+
 }  // namespace vexa::runner
