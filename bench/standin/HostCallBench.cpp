@@ -70,26 +70,28 @@ public:
         if (++m_rounds % 4096 == 0) m_host.clearCalls();
     }
 
+    ThreadMutex_s* mutex() const { return m_mutex; }
+
 private:
     Counter m_counter;
     TemporaryFile m_file;
     std::optional<runner::EventTrace> m_events;
     std::optional<runner::TextTrace> m_text;
     Host m_host;
+    ThreadMutex_s* const m_mutex = VexaUtilThreadMutexAlloc();
     std::size_t m_rounds = 0;
 };
 
-using Calls = void (*)();
+using Calls = void (*)(const WatchingHost& host);
 
-void ask() { benchmark::DoNotOptimize(VexaUtilMacroIsBatchModeActive()); }
+void ask(const WatchingHost& /*host*/) { benchmark::DoNotOptimize(VexaUtilMacroIsBatchModeActive()); }
 
-void lockAndUnlock() {
-    static ThreadMutex_s* const mutex = VexaUtilThreadMutexAlloc();
-    VexaUtilThreadMutexLock(mutex);
-    VexaUtilThreadMutexUnlock(mutex);
+void lockAndUnlock(const WatchingHost& host) {
+    VexaUtilThreadMutexLock(host.mutex());
+    VexaUtilThreadMutexUnlock(host.mutex());
 }
 
-void queryStyle() {
+void queryStyle(const WatchingHost& /*host*/) {
     double thickness = 0;
     ArgList_s* argList = VexaUtilArgListAlloc();
     VexaUtilArgListAppendString(argList, "P1", "FIELDMAP");
@@ -103,7 +105,7 @@ void watch(benchmark::State& state, Calls calls, Watch_e watch) {
     WatchingHost host(watch);
     Host::current()->setStyle({"FIELDMAP", "LINETHICKNESS"}, 0.4);
     bench::repeat(state, [&] {
-        calls();
+        calls(host);
         host.tick();
     });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <numeric>
@@ -30,35 +31,45 @@ constexpr int64_t kMostSteppedMembers = int64_t{1} << 24;
 constexpr std::size_t kMostQuoted = 60;
 constexpr std::size_t kUsualRanges = 4;
 constexpr std::size_t kFewRanges = 256;
-constexpr int kRadixBits = 9;  // a seventh of a member's bits, so that the table of a digit fits into the cache
-constexpr std::size_t kRadix = std::size_t{1} << kRadixBits;
+constexpr int kMostRadixBits = 11;  // the table of a digit fits into the cache
 
 // Returns true if a range that starts at `first` overlaps or adjoins `run`. It must not start before `run`.
 // (`first - 1` cannot overflow, because no member is negative. `run.last + 1` could.)
 bool continues(const Range& run, int64_t first) { return first - 1 <= run.last; }
 
-// One pass of a radix sort: copies `ranges` to `sorted`, ordered by the digit at `shift`.
-void sortByDigit(const Ranges& ranges, int shift, Ranges& sorted) {
-    const auto digitOf = [shift](const Range& range) {
-        return static_cast<std::size_t>(range.first >> shift) % kRadix;
-    };
-    std::array<std::size_t, kRadix + 1> begins{};
+// One pass of a radix sort: copies `ranges` to `sorted`, ordered by the digit of `bits` bits at `shift`.
+void sortByDigit(const Ranges& ranges, int shift, int bits, Ranges& sorted) {
+    const std::size_t radix = std::size_t{1} << bits;
+    const auto digitOf = [=](const Range& range) { return static_cast<std::size_t>(range.first >> shift) % radix; };
+    std::vector<std::size_t> begins(radix + 1);
     for (const Range& range : ranges) ++begins[digitOf(range) + 1];
     std::partial_sum(begins.begin(), begins.end(), begins.begin());
     for (const Range& range : ranges) sorted[begins[digitOf(range)]++] = range;
 }
 
-// Uses a radix sort for many ranges, because a sort by comparison would take longer than reading the text.
+// Returns the number of bits that the largest first member of a range has.
+int bitsOfFirst(const Ranges& ranges) {
+    int64_t ofAny = 0;
+    for (const Range& range : ranges) ofAny |= range.first;
+    int bits = 0;
+    while (ofAny >> bits != 0) ++bits;
+    return bits;
+}
+
+// Uses a radix sort for many ranges, because a sort by comparison would take longer than reading the text. The digits
+// have equal widths, so that neither their number nor their tables are larger than necessary.
 void sortByFirst(Ranges& ranges) {
     if (ranges.size() < kFewRanges) {
         std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.first < b.first; });
         return;
     }
-    int64_t bits = 0;
-    for (const Range& range : ranges) bits |= range.first;
+    const int bits = bitsOfFirst(ranges);
+    const int digits = (bits + kMostRadixBits - 1) / kMostRadixBits;
     Ranges sorted(ranges.size());
-    for (int shift = 0; bits >> shift != 0; shift += kRadixBits) {
-        sortByDigit(ranges, shift, sorted);
+    for (int i = 0; i < digits; ++i) {
+        const int shift = bits * i / digits;
+        const int end = bits * (i + 1) / digits;
+        sortByDigit(ranges, shift, end - shift, sorted);
         ranges.swap(sorted);
     }
 }
@@ -226,14 +237,22 @@ private:
     int64_t m_steppedMembers = 0;
 };
 
+// The numbers from 0 to 99, two characters each.
+constexpr auto kPairs = [] {
+    std::array<std::array<char, 2>, 100> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        pairs[i] = {static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)};
+    }
+    return pairs;
+}();
+
 // Builds a text. It collects characters in a buffer, because appending a few at a time to a string is slower.
 class Writer {
 public:
     void put(char c) { *m_at++ = c; }
-    void put(int64_t number) { m_at = std::to_chars(m_at, end(), number).ptr; }
 
     void put(const Range& run) {
-        if (end() - m_at < kLongestRun) flush();
+        if (m_chunk.data() + m_chunk.size() - m_at < kLongestRun) flush();
         put(run.first);
         if (run.last != run.first) {
             put(kDash);
@@ -249,8 +268,45 @@ public:
 private:
     // Two numbers of 19 digits, a dash, and the comma or bracket that follows.
     static constexpr std::ptrdiff_t kLongestRun = 2 * 19 + 2;
+    static constexpr int64_t kTails = 10'000;
 
-    char* end() { return m_chunk.data() + m_chunk.size(); }
+    void put(int64_t number) {
+        if (number < kTails) return putShort(static_cast<std::size_t>(number));
+        putHead(number / kTails);
+        const auto tail = static_cast<std::size_t>(number % kTails);
+        putPair(tail / 100);
+        putPair(tail % 100);
+    }
+
+    // Writes a number below 10 000.
+    void putShort(std::size_t number) {
+        if (number < 100) return putUpTo99(number);
+        putUpTo99(number / 100);
+        putPair(number % 100);
+    }
+
+    void putUpTo99(std::size_t number) {
+        if (number >= 10) return putPair(number);
+        put(static_cast<char>('0' + number));
+    }
+
+    void putPair(std::size_t number) {
+        std::memcpy(m_at, kPairs[number].data(), 2);
+        m_at += 2;
+    }
+
+    // Writes all but the last four digits of a number. The numbers of a set ascend, so most have the same head as the
+    // number before. The copy has a fixed size, which is faster; the next digits overwrite what is too much.
+    void putHead(int64_t head) {
+        if (head != m_head) keepHead(head);
+        std::memcpy(m_at, m_headText.data(), m_headText.size());
+        m_at += m_headSize;
+    }
+
+    void keepHead(int64_t head) {
+        m_head = head;
+        m_headSize = std::to_chars(m_headText.begin(), m_headText.end(), head).ptr - m_headText.begin();
+    }
 
     void flush() {
         m_text.append(m_chunk.data(), m_at);
@@ -260,6 +316,9 @@ private:
     std::array<char, 4096> m_chunk;
     char* m_at = m_chunk.data();
     std::string m_text;
+    int64_t m_head = 0;
+    std::array<char, 16> m_headText{};
+    std::ptrdiff_t m_headSize = 0;
 };
 
 void requireMember(int64_t member) {

@@ -4,7 +4,7 @@
 #include <locale>
 #include <string_view>
 
-#include "text/Assignment.h"
+#include "text/Joined.h"
 #include "vexautilutil/MacroCommandError.h"
 #include "vexautilutil/MacroOptionPerformer.h"
 
@@ -56,12 +56,7 @@ std::string BooleanMacroOption::name() const { return m_name; }
 
 bool BooleanMacroOption::isDefaultValue() const { return m_hasDefault && m_value == m_defaultValue; }
 
-std::string BooleanMacroOption::toString() const {
-    const std::string_view value = m_value ? TRUE_token : FALSE_token;
-    std::string text = beginAssignment(m_name, "=", value.size());
-    text += value;
-    return text;
-}
+std::string BooleanMacroOption::toString() const { return joined(m_name, "=", m_value ? TRUE_token : FALSE_token); }
 
 BooleanMacroOption::~BooleanMacroOption() = default;
 

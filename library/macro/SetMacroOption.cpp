@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "text/Joined.h"
 #include "vexa/InvalidArgumentException.h"
 #include "vexa/OutOfMemoryException.h"
 #include "vexautilutil/MacroCommandError.h"
@@ -35,11 +36,11 @@ std::string takeBracketedText(MacroTokenIterator& current, const MacroTokenItera
     return text;
 }
 
-Set parseSet(MacroTokenIterator& current, const MacroTokenIterator& end) {
-    Set set;
+std::shared_ptr<Set> parseSet(MacroTokenIterator& current, const MacroTokenIterator& end) {
+    auto set = std::make_shared<Set>();
     std::string text = takeBracketedText(current, end);
     try {
-        set.assign(std::move(text));
+        set->assign(std::move(text));
     } catch (const InvalidArgumentException& refusal) {
         throw MacroCommandError(refusal.what());
     } catch (const OutOfMemoryException&) {
@@ -62,8 +63,7 @@ SetMacroOption::SetMacroOption(MacroTokenIterator& current, const MacroTokenIter
     parseAssignmentOperator(current, end);
     if (current == end) throw MacroCommandError("Expected set operator missing");
     if (*current != OPENING_token) throw MacroCommandError("Expected opening set character, [");
-    const Set value = parseSet(current, end);
-    m_value = copyOf(&value);  // copied, because the host maker's own Set may have no move operations
+    m_value = parseSet(current, end);
     m_defaultValue = defaultOf(hasDefault, defaultValue);
 }
 
@@ -73,7 +73,7 @@ std::string SetMacroOption::name() const { return m_name; }
 
 bool SetMacroOption::isDefaultValue() const { return m_hasDefault && m_value == m_defaultValue; }
 
-std::string SetMacroOption::toString() const { return m_name + '=' + m_value->toString(); }
+std::string SetMacroOption::toString() const { return joined(m_name, "=", m_value->toString()); }
 
 SetMacroOption::~SetMacroOption() = default;
 

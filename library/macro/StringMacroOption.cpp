@@ -1,6 +1,6 @@
 #include "vexautilutil/StringMacroOption.h"
 
-#include "text/Assignment.h"
+#include "text/Joined.h"
 #include "vexautilutil/MacroCommandError.h"
 #include "vexautilutil/MacroOptionPerformer.h"
 
@@ -61,13 +61,7 @@ std::string StringMacroOption::name() const { return m_name; }
 
 bool StringMacroOption::isDefaultValue() const { return m_hasDefault && m_value == m_defaultValue; }
 
-std::string StringMacroOption::toString() const {
-    std::string text = beginAssignment(m_name, "=", m_quote.size() + m_value.size() + m_quote.size());
-    text += m_quote;
-    text += m_value;
-    text += m_quote;
-    return text;
-}
+std::string StringMacroOption::toString() const { return joined(m_name, "=", m_quote, m_value, m_quote); }
 
 StringMacroOption::~StringMacroOption() = default;
 

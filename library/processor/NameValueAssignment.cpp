@@ -1,6 +1,7 @@
 #include <string_view>
 
 #include "text/Assignment.h"
+#include "text/Joined.h"
 #include "text/NumberText.h"
 #include "vexautilutil/MacroCommandProcessorAbstract.h"
 
@@ -8,7 +9,6 @@ namespace vexa::vexautilutil {
 namespace {
 
 constexpr std::string_view kEquals = " = ";
-constexpr char kQuote = '\'';
 constexpr char kBlank = ' ';
 
 template <class Number>
@@ -22,19 +22,11 @@ std::string assignNumber(const std::string& name, Number value) {
 }  // namespace
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, char value) {
-    std::string text = beginAssignment(name, kEquals, 2);
-    text += value != 0 ? 'T' : 'F';
-    text += kBlank;
-    return text;
+    return joined(name, kEquals, value != 0 ? "T " : "F ");
 }
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, std::string value) {
-    std::string text = beginAssignment(name, kEquals, value.size() + 3);
-    text += kQuote;
-    text += value;
-    text += kQuote;
-    text += kBlank;
-    return text;
+    return joined(name, kEquals, "'", value, "' ");
 }
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, double value) {
@@ -50,10 +42,7 @@ std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::stri
 }
 
 std::string MacroCommandProcessorAbstract::toNameValueAssignment(const std::string& name, toolbox::Set value) {
-    const std::string members = value.toString();
-    std::string text = beginAssignment(name, kEquals, members.size());
-    text += members;
-    return text;
+    return joined(name, kEquals, value.toString());
 }
 
 }  // namespace vexa::vexautilutil

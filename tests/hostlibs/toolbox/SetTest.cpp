@@ -295,6 +295,21 @@ TEST(SetAssign, SortsManyRangesOfAnySize) {
     EXPECT_EQ(setOf(text + "]"), inserted);
 }
 
+TEST(SetAssign, SortsManyMembersOfAnyNumberOfBits) {
+    std::mt19937_64 random(2);
+    for (int bits = 0; bits <= 63; ++bits) {
+        Set inserted;
+        std::string text = "[0";
+        inserted.insert(0);
+        for (int i = 0; i < 300; ++i) {
+            const auto member = static_cast<int64_t>(bits == 0 ? 0 : random() >> (64 - bits));
+            text += "," + std::to_string(member);
+            inserted.insert(member);
+        }
+        EXPECT_EQ(setOf(text + "]"), inserted) << bits;
+    }
+}
+
 TEST(SetAssign, IgnoresTheLocale) {
     const tests::GlobalLocale locale(new tests::GroupedNumbers);
     EXPECT_EQ(setOf("[1234567-7654321]").toString(), "[1234567-7654321]");
@@ -383,6 +398,24 @@ TEST(SetToString, WritesTheLongestRunsWhereverTheyFall) {
         text += "]";
         EXPECT_EQ(setOf(text).toString(), text) << before;
     }
+}
+
+TEST(SetToString, WritesEveryNumberOfDigits) {
+    Set set;
+    std::string text = "[0";
+    set.insert(0);
+    const auto insert = [&](int64_t member) {
+        set.insert(member);
+        text += "," + std::to_string(member);
+    };
+    for (int64_t power = 10; power < kHighest / 10; power *= 10) {
+        insert(power / 2);
+        insert(power - 2);
+        insert(power);
+    }
+    insert(kHighest - 20000);
+    insert(kHighest);
+    EXPECT_EQ(set.toString(), text + "]");
 }
 
 TEST(Set, KeepsRunsNotMembers) {
