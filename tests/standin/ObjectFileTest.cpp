@@ -73,6 +73,7 @@ std::string nameOfThisMachine() {
     switch (headerOf(bytesOfAddOn()).e_machine) {
         case EM_X86_64: return "x86-64";
         case EM_AARCH64: return "AArch64";
+        case EM_S390: return "S/390";
         default: return "";
     }
 }
@@ -107,8 +108,9 @@ TEST(ObjectFile, OfAnotherKindOfTheSameMachineSaysWhatIsDifferent) {
     bytes[EI_CLASS] = is64 ? ELFCLASS32 : ELFCLASS64;
     const std::string here = nameOfThisMachine();
     if (here.empty() || !is64) GTEST_SKIP() << "this machine has no name here";
+    const std::string order = bytes[EI_DATA] == ELFDATA2MSB ? "big-endian" : "little-endian";
     EXPECT_EQ(refusalOfBytes(bytes),
-              "it is for " + here + ", 32-bit, little-endian, but this is " + here + ", 64-bit, little-endian");
+              "it is for " + here + ", 32-bit, " + order + ", but this is " + here + ", 64-bit, " + order);
 }
 
 TEST(ObjectFile, IsRefusedWhereverItIsTruncated) {
