@@ -1,7 +1,10 @@
 // Tests the limits of the rules. Each test gives a linked-in add-on the calls to make.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <condition_variable>
+#include <csignal>
+#include <cstddef>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -117,6 +120,66 @@ TEST_F(ContractEdges, AnArgumentWithNeitherNameNorValueIsNoDuplicateOfAnother) {
     });
     EXPECT_FALSE(m_host.violations().empty());
     for (const Finding& finding : m_host.violations()) EXPECT_NE(finding.rule, "duplicate-argument");
+}
+
+void freeTwice(Set_s* set) {
+    Set_s* again = set;
+    VexaUtilSetDealloc(&set);
+    VexaUtilSetDealloc(&again);
+}
+
+// Locks and unlocks `mutex` at the end of 2 to the power of `depth` ways through this function.
+[[gnu::noinline]] void lockOnEachWay(ThreadMutex_s* mutex, int depth) {
+    if (depth == 0) {
+        VexaUtilThreadMutexLock(mutex);
+        VexaUtilThreadMutexUnlock(mutex);
+        return;
+    }
+    lockOnEachWay(mutex, depth - 1);
+    lockOnEachWay(mutex, depth - 1);
+    asm volatile("");  // so that the second call is no jump
+}
+
+TEST_F(ContractEdges, AStackIsTheSameAfterThousandsOfOthers) {
+    findingsOf([](char**) {
+        ThreadMutex_s* mutex = VexaUtilThreadMutexAlloc();
+        const volatile int times = 2;  // the compiler must keep the loop, so that both calls are at the same place
+        for (int i = 0; i != times; ++i) {
+            freeTwice(VexaUtilSetAlloc());
+            lockOnEachWay(mutex, i == 0 ? 13 : 0);
+        }
+        VexaUtilThreadMutexDealloc(&mutex);
+        return kTrue;
+    });
+    const std::vector<Finding> findings = m_host.violations();
+    ASSERT_EQ(findings.size(), 2U);
+    const auto stackOf = [](const Finding& finding) { return finding.opened.value().stack; };
+    ASSERT_TRUE(stackOf(findings[0]));
+    ASSERT_GT(stackOf(findings[0])->size(), 1U);
+    ASSERT_EQ(stackOf(findings[0])->size(), stackOf(findings[1])->size());
+    for (std::size_t i = 0; i != stackOf(findings[0])->size(); ++i) {
+        EXPECT_EQ(stackOf(findings[0])->at(i).offset, stackOf(findings[1])->at(i).offset) << i;
+    }
+}
+
+// The add-on's function that the signal interrupts has called nothing.
+TEST_F(ContractEdges, ACallInASignalHandlerHasTheStackOfWhatTheSignalInterrupted) {
+    static Set_s* lost = nullptr;
+    findingsOf([](char**) {
+        const auto before = std::signal(SIGUSR1, [](int) { lost = VexaUtilSetAlloc(); });
+        std::raise(SIGUSR1);
+        std::signal(SIGUSR1, before);
+        freeTwice(lost);
+        return kTrue;
+    });
+    const std::vector<Finding> findings = m_host.violations();
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].rule, "double-free");
+    const CodeStack& stack = *findings[0].opened.value().stack;
+    const auto isInLibrary = [&](const CodePlace& place) { return place.object.find("libc.so") != std::string::npos; };
+    const auto interrupted = std::find_if(stack.begin(), stack.end(), isInLibrary);
+    ASSERT_NE(interrupted, stack.end());
+    EXPECT_NE(std::find_if_not(interrupted, stack.end(), isInLibrary), stack.end());
 }
 
 TEST_F(ContractEdges, AMutexThatAnotherThreadHoldsIsNotLeftLockedByTheCommand) {
