@@ -30,6 +30,10 @@ namespace {
 class CallSlots : public testing::Test {
 protected:
     CallSlots() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+    void SetUp() override {
+        if (VEXA_IS_EMULATED) GTEST_SKIP() << "an emulator cannot start this program again";
+    }
 };
 
 // Makes the system answer as one that has no such call.
