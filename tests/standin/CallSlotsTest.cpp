@@ -31,6 +31,11 @@ class CallSlots : public testing::Test {
 protected:
     CallSlots() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
+    // Expects that a new process which does this ends with success.
+    static void expectSuccessOf(void (*work)()) {  // NOLINT(readability-function-cognitive-complexity): of the macro
+        EXPECT_EXIT(work(), testing::ExitedWithCode(EXIT_SUCCESS), "");
+    }
+
     void SetUp() override {
         if (VEXA_IS_EMULATED) GTEST_SKIP() << "an emulator cannot start this program again";
     }
@@ -85,23 +90,21 @@ void useUpThreadKeys() {
 }
 
 TEST_F(CallSlots, KeepAHostForACallOnASystemThatCannotFenceThreads) {
-    const auto work = [] {
+    expectSuccessOf([] {
         refuseFences();
         exitAfterACallInProgress();
-    };
-    EXPECT_EXIT(work(), testing::ExitedWithCode(EXIT_SUCCESS), "");
+    });
 }
 
 TEST_F(CallSlots, ServeCallsOfAProgramThatHasUsedUpTheKeysOfThreads) {
-    const auto work = [] {
+    expectSuccessOf([] {
         useUpThreadKeys();
         exitAfterCalls();
-    };
-    EXPECT_EXIT(work(), testing::ExitedWithCode(EXIT_SUCCESS), "");
+    });
 }
 
 TEST_F(CallSlots, MissACallOfANewThreadWithoutMemory) {
-    const auto work = [] {
+    expectSuccessOf([] {
         const Host host;
         std::thread([] {
             {
@@ -114,8 +117,7 @@ TEST_F(CallSlots, MissACallOfANewThreadWithoutMemory) {
         std::exit(calls.size() == 1 && calls.front().function == std::string("VexaUtilAuxDataBeginAssign")
                       ? EXIT_SUCCESS
                       : EXIT_FAILURE);
-    };
-    EXPECT_EXIT(work(), testing::ExitedWithCode(EXIT_SUCCESS), "");
+    });
 }
 
 }  // namespace
