@@ -1,7 +1,10 @@
 // Tests the limits of the rules. Each test gives a linked-in add-on the calls to make.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <condition_variable>
+#include <csignal>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -117,6 +120,68 @@ TEST_F(ContractEdges, AnArgumentWithNeitherNameNorValueIsNoDuplicateOfAnother) {
     });
     EXPECT_FALSE(m_host.violations().empty());
     for (const Finding& finding : m_host.violations()) EXPECT_NE(finding.rule, "duplicate-argument");
+}
+
+void freeTwice(Set_s* set) {
+    Set_s* again = set;
+    VexaUtilSetDealloc(&set);
+    VexaUtilSetDealloc(&again);
+}
+
+// Locks and unlocks `mutex` at the end of 2 to the power of `depth` ways through this function.
+[[gnu::noinline]] void lockOnEachWay(ThreadMutex_s* mutex, int depth) {
+    if (depth == 0) {
+        VexaUtilThreadMutexLock(mutex);
+        VexaUtilThreadMutexUnlock(mutex);
+        return;
+    }
+    lockOnEachWay(mutex, depth - 1);
+    lockOnEachWay(mutex, depth - 1);
+    asm volatile("");  // so that the second call is no jump
+}
+
+// Where the code is that led to the start of the problem.
+std::vector<std::uintptr_t> offsetsOf(const Finding& finding) {
+    std::vector<std::uintptr_t> offsets;
+    for (const CodePlace& place : *finding.opened.value().stack) offsets.push_back(place.offset);
+    return offsets;
+}
+
+TEST_F(ContractEdges, AStackIsTheSameAfterThousandsOfOthers) {
+    findingsOf([](char**) {
+        ThreadMutex_s* mutex = VexaUtilThreadMutexAlloc();
+        const volatile int times = 2;  // the compiler must keep the loop, so that both calls are at the same place
+        for (int i = 0; i != times; ++i) {
+            freeTwice(VexaUtilSetAlloc());
+            lockOnEachWay(mutex, i == 0 ? 13 : 0);
+        }
+        VexaUtilThreadMutexDealloc(&mutex);
+        return kTrue;
+    });
+    const std::vector<Finding> findings = m_host.violations();
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_GT(offsetsOf(findings[0]).size(), 1U);
+    EXPECT_EQ(offsetsOf(findings[0]), offsetsOf(findings[1]));
+}
+
+// The add-on's function that the signal interrupts has called nothing.
+TEST_F(ContractEdges, ACallInASignalHandlerHasTheStackOfWhatTheSignalInterrupted) {
+    static Set_s* lost = nullptr;
+    findingsOf([](char**) {
+        const auto before = std::signal(SIGUSR1, [](int) { lost = VexaUtilSetAlloc(); });
+        std::raise(SIGUSR1);
+        std::signal(SIGUSR1, before);
+        freeTwice(lost);
+        return kTrue;
+    });
+    const std::vector<Finding> findings = m_host.violations();
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].rule, "double-free");
+    const CodeStack& stack = *findings[0].opened.value().stack;
+    const auto isInLibrary = [&](const CodePlace& place) { return place.object.find("libc.so") != std::string::npos; };
+    const auto interrupted = std::find_if(stack.begin(), stack.end(), isInLibrary);
+    ASSERT_NE(interrupted, stack.end());
+    EXPECT_NE(std::find_if_not(interrupted, stack.end(), isInLibrary), stack.end());
 }
 
 TEST_F(ContractEdges, AMutexThatAnotherThreadHoldsIsNotLeftLockedByTheCommand) {

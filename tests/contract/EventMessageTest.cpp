@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace vexa::standin {
 namespace {
@@ -37,6 +41,14 @@ TEST(EventMessage, KeepsAnEntry) {
     EXPECT_EQ(read.failure.command, "STATS MEAN");
 }
 
+TEST(EventMessage, KeepsTheStartOfAnEntry) {
+    EntryEvent entry;
+    entry.addOnId = "stats.so";
+    const EventMessage message = sent({Message_e::EntryBegan, 42, entry});
+    EXPECT_EQ(message.kind, Message_e::EntryBegan);
+    EXPECT_EQ(std::get<EntryEvent>(message.content).addOnId, "stats.so");
+}
+
 TEST(EventMessage, KeepsACall) {
     const CallEvent call{9, "VexaUtilStringAlloc", "14, \"error\"", "string#1", true, 2, {}, kTime};
     const EventMessage message = sent({Message_e::CallEnded, 1, call});
@@ -68,6 +80,46 @@ TEST(EventMessage, KeepsAFinding) {
     finding.opened.reset();
     const EventMessage other = sent({Message_e::FindingMade, 1, finding});
     EXPECT_FALSE(std::get<Finding>(other.content).opened);
+}
+
+Finding findingWithStack(CodeStack stack) {
+    Finding finding;
+    finding.rule = "unbalanced-lock";
+    finding.seen.stack = std::make_shared<const CodeStack>(std::move(stack));
+    return finding;
+}
+
+TEST(EventMessage, KeepsTheStackOfAFinding) {
+    const EventMessage message =
+        sent({Message_e::FindingMade, 1, findingWithStack({{"stats.so", 16, "01ab", true}, {"host", 8, "", false}})});
+    const auto& stack = std::get<Finding>(message.content).seen.stack;
+    ASSERT_TRUE(stack);
+    ASSERT_EQ(stack->size(), 2U);
+    EXPECT_EQ(stack->front().object, "stats.so");
+    EXPECT_EQ(stack->front().offset, 16U);
+    EXPECT_EQ(stack->front().buildId, "01ab");
+    EXPECT_TRUE(stack->front().isAddOn);
+    EXPECT_EQ(stack->back().object, "host");
+    EXPECT_FALSE(stack->back().isAddOn);
+}
+
+TEST(EventMessage, CutsALongStack) {
+    const EventMessage message = sent({Message_e::FindingMade, 1, findingWithStack(CodeStack(49))});
+    EXPECT_EQ(std::get<Finding>(message.content).seen.stack->size(), 48U);
+}
+
+// A process that writes over its messages must not make the reader allocate gigabytes.
+TEST(EventMessage, IsRefusedIfItsStackIsLongerThanAny) {
+    const auto bytesWithStack = [](std::uint32_t size) {
+        return bytesOf({Message_e::FindingMade, 1, findingWithStack(CodeStack(size, {"stats.so", 0, "", false}))});
+    };
+    std::string bytes = bytesWithStack(48);
+    const std::size_t sizeOfOne = bytes.size() - bytesWithStack(47).size();
+    const std::size_t first = bytes.find("stats.so") - sizeof(std::uint32_t);
+    bytes.insert(first, bytes.substr(first, sizeOfOne));
+    const std::uint32_t tooMany = 49;
+    std::memcpy(&bytes[first - sizeof tooMany], &tooMany, sizeof tooMany);
+    EXPECT_FALSE(readMessage(bytes));
 }
 
 TEST(EventMessage, KeepsANote) {

@@ -228,6 +228,13 @@ TEST(OtherHost, MayLearnLaterThatACommandWasAbandoned) {
     EXPECT_EQ(host.first().seen.command, "OTHER GO");
 }
 
+TEST(OtherHost, GivesNoFindingForAnAbandonedCommandWhileChecksAreOff) {
+    OtherHost host;
+    host.contract().setOn(false);
+    host.contract().abandon(1, "left by a jump");
+    EXPECT_EQ(host.findings(), Lines{});
+}
+
 TEST(OtherHost, MayUnloadAnAddOnAfterItsShutdown) {
     OtherHost host;
     host.callReturning<F::VexaUtilThreadMutexAlloc>(&host.mutex);
@@ -269,6 +276,26 @@ TEST(OtherHost, TakesNoNumberForASet) {
     host.callReturning<F::VexaUtilArgListAppendArbParamPtr>(1, &host.argList, "IValue", &value);
     host.contract().lendResultOf(&host.argList);
     EXPECT_EQ(host.contract().nameOf(reinterpret_cast<const Set_s*>(12)), "unknown");
+}
+
+TEST(OtherHost, LendsASetOnceThoughTwoQueriesReturnIt) {
+    OtherHost host;
+    char set = 0;
+    auto* const handle = reinterpret_cast<Set_s*>(&set);
+    auto value = reinterpret_cast<VexaArbParam>(handle);
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.callReturning<F::VexaUtilArgListAppendArbParamPtr>(1, &host.argList, "IValue", &value);
+    host.contract().lendResultOf(&host.argList);
+    host.contract().lendResultOf(&host.argList);
+    EXPECT_EQ(host.contract().nameOf(handle), "style-set#1");
+}
+
+TEST(OtherHost, LendsNothingToAQueryWithoutAPlaceForIt) {
+    OtherHost host;
+    host.callReturning<F::VexaUtilArgListAlloc>(&host.argList);
+    host.contract().lendResultOf(&host.argList);
+    host.finish();
+    EXPECT_EQ(host.findings(), Lines{"leaked-arglist: the command did not free an argument list: arglist#1 (call 1)"});
 }
 
 TEST(OtherHost, MayRefuseANameThatTheListHas) {

@@ -1,7 +1,10 @@
 // Tests that the host's C functions refuse a call if memory runs out, and throw no exception.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <limits>
+#include <memory>
 #include <string>
 
 #include "support/FailingAllocator.h"
@@ -36,6 +39,30 @@ TEST(WithoutMemory, NothingIsAllocated) {
     EXPECT_GT(refusals([] { return VexaUtilArgListAlloc() != nullptr; }), 0);
     EXPECT_GT(refusals([] { return VexaUtilSetAlloc() != nullptr; }), 0);
     EXPECT_GT(refusals([] { return VexaUtilStringAlloc(5, "text") != nullptr; }), 0);
+}
+
+TEST(WithoutMemory, NoStringIsAllocatedThatIsLongerThanWhatIsLeft) {
+    if (VEXA_IS_SANITIZED) GTEST_SKIP() << "a sanitizer needs more addresses than the limit";
+    if (VEXA_IS_EMULATED) GTEST_SKIP() << "an emulator sets no limit";
+    const Host host;
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit little{rlim_t{1} << 30, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &little), 0);
+    const char* const string = VexaUtilStringAlloc(std::numeric_limits<int>::max(), "text");
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &before), 0);
+    EXPECT_EQ(string, nullptr);
+}
+
+TEST(WithoutMemory, AHostEndsThoughItCannotReportWhatItsAddOnLeaves) {
+    auto host = std::make_unique<Host>();
+    host->loadAddOn(VEXA_TEST_ADDONS "/probe.so");
+    {
+        const FailingAllocator allocator(0, Failing::EverAfter);
+        host.reset();
+    }
+    EXPECT_TRUE(FailingAllocator::hasFailed());
+    EXPECT_EQ(Host::current(), nullptr);
 }
 
 TEST(WithoutMemory, NothingIsAppended) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -138,6 +139,66 @@ TEST(HostFacts, LetAHostRefuseNamesThatDifferInCaseOnly) {
     EXPECT_EQ(VexaUtilArgListAppendInt(list, "Va_2z", 1), 1);
     EXPECT_EQ(VexaUtilArgListAppendInt(list, "Va_1z", 1), 1);
     VexaUtilArgListDealloc(&list);
+}
+
+// The members of a set as ranges, for example "1-3,5-5,".
+std::string rangesOf(const Set_s* set) {
+    std::string text;
+    int64_t first = 0;
+    int64_t last = -1;
+    while (VexaUtilSetNextRange(set, last + 1, &first, &last) == 1) {
+        text += std::to_string(first) + '-' + std::to_string(last) + ',';
+    }
+    return text;
+}
+
+TEST(HostFacts, LetAHostClipNegativeMembers) {
+    Host host;
+    host.answerLike({{"set.insert.negative", "clipped"}});
+    Set_s* set = VexaUtilSetAlloc();
+    int64_t first = 0;
+    int64_t last = 0;
+    EXPECT_EQ(VexaUtilSetInsert(set, -5, -2), 1);
+    EXPECT_EQ(VexaUtilSetNextRange(set, -5, &first, &last), 0) << first << " to " << last;
+    EXPECT_EQ(VexaUtilSetInsert(set, -5, 2), 1);
+    EXPECT_EQ(rangesOf(set), "0-2,");
+    VexaUtilSetDealloc(&set);
+}
+
+TEST(HostFacts, LetAHostRefuseMembersThatASetHas) {
+    Host host;
+    host.answerLike({{"set.insert.twice", "false"}});
+    Set_s* set = VexaUtilSetAlloc();
+    EXPECT_EQ(VexaUtilSetInsert(set, 1, 5), 1);
+    EXPECT_EQ(VexaUtilSetInsert(set, 2, 3), 0);
+    EXPECT_EQ(VexaUtilSetInsert(set, 4, 7), 1) << "6 and 7 are new";
+    EXPECT_EQ(rangesOf(set), "1-7,");
+    VexaUtilSetDealloc(&set);
+}
+
+TEST(HostFacts, LetAHostRecordOnlyForAddOnsThatAreLoaded) {
+    Host host;
+    host.answerLike({{"record.unknownAddOn", "false"}, {"state.recording", "true"}});
+    host.loadAddOn(VEXA_TEST_ADDONS "/probe.so");
+    EXPECT_EQ(VexaUtilMacroRecordExtCommand("PROBE", "go"), 1);
+    EXPECT_EQ(VexaUtilMacroRecordExtCommand("OTHER", "go"), 0);
+}
+
+TEST(HostFacts, LetAHostClearTheResultOfAnUnknownPath) {
+    Host host;
+    host.answerLike({{"style.unknownPath.keepsValue", "false"}});
+    double number = 7;
+    VexaArbParam param = 7;
+    for (const bool isNumber : {true, false}) {
+        ArgList_s* list = VexaUtilArgListAlloc();
+        VexaUtilArgListAppendString(list, "P1", "NOWHERE");
+        if (isNumber) VexaUtilArgListAppendDoublePtr(list, "DValue", &number);
+        if (!isNumber) VexaUtilArgListAppendArbParamPtr(list, "IValue", &param);
+        EXPECT_EQ(VexaUtilStyleGetLowLevelX(list), GetValueReturnCode_UnknownPath);
+        VexaUtilArgListDealloc(&list);
+    }
+    EXPECT_EQ(number, 0.0);
+    EXPECT_EQ(param, 0);
 }
 
 }  // namespace

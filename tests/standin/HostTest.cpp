@@ -60,6 +60,18 @@ TEST(Host, MayDieBeforeAnInnerOne) {
     EXPECT_EQ(Host::current(), outermost.get());
 }
 
+TEST(Host, MayDieBeforeTwoInnerOnes) {
+    const Host outermost;
+    auto second = std::make_unique<Host>();
+    auto third = std::make_unique<Host>();
+    auto inner = std::make_unique<Host>();
+    second.reset();
+    inner.reset();
+    EXPECT_EQ(Host::current(), third.get());
+    third.reset();
+    EXPECT_EQ(Host::current(), &outermost);
+}
+
 TEST(Host, TakesHandlesOfAnOuterOneForForeign) {
     const Host outer;
     Set_s* set = VexaUtilSetAlloc();

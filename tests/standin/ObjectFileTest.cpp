@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 
 #include "support/TemporaryFolder.h"
 #include "vexastandin/Host.h"
@@ -73,6 +74,7 @@ std::string nameOfThisMachine() {
     switch (headerOf(bytesOfAddOn()).e_machine) {
         case EM_X86_64: return "x86-64";
         case EM_AARCH64: return "AArch64";
+        case EM_S390: return "S/390";
         default: return "";
     }
 }
@@ -107,8 +109,22 @@ TEST(ObjectFile, OfAnotherKindOfTheSameMachineSaysWhatIsDifferent) {
     bytes[EI_CLASS] = is64 ? ELFCLASS32 : ELFCLASS64;
     const std::string here = nameOfThisMachine();
     if (here.empty() || !is64) GTEST_SKIP() << "this machine has no name here";
+    const std::string order = bytes[EI_DATA] == ELFDATA2MSB ? "big-endian" : "little-endian";
     EXPECT_EQ(refusalOfBytes(bytes),
-              "it is for " + here + ", 32-bit, little-endian, but this is " + here + ", 64-bit, little-endian");
+              "it is for " + here + ", 32-bit, " + order + ", but this is " + here + ", 64-bit, " + order);
+}
+
+TEST(ObjectFile, OfThisMachineInTheOtherByteOrderSaysTheByteOrder) {
+    std::string bytes = bytesOfAddOn();
+    const std::string here = nameOfThisMachine();
+    ASSERT_FALSE(here.empty()) << "this machine has no name here";
+    const bool isBigEndian = bytes[EI_DATA] == ELFDATA2MSB;
+    bytes[EI_DATA] = isBigEndian ? ELFDATA2LSB : ELFDATA2MSB;
+    constexpr std::size_t kMachine = offsetof(ElfW(Ehdr), e_machine);
+    std::swap(bytes[kMachine], bytes[kMachine + 1]);
+    EXPECT_EQ(refusalOfBytes(bytes), "it is for " + here + ", 64-bit, " + (isBigEndian ? "little" : "big") +
+                                         "-endian, but this is " + here + ", 64-bit, " +
+                                         (isBigEndian ? "big" : "little") + "-endian");
 }
 
 TEST(ObjectFile, IsRefusedWhereverItIsTruncated) {
@@ -150,6 +166,20 @@ TEST(ObjectFile, ThatMayNotBeReadIsRefused) {
     const std::string refusal = refusalOf(path);
     ASSERT_EQ(seteuid(user), 0);
     EXPECT_EQ(refusal, "it cannot be opened: permission denied");
+}
+
+// No process has memory at the address 0, so its memory cannot be read from there.
+TEST(ObjectFile, ThatFailsWhenItIsReadIsRefusedWithTheReason) {
+    EXPECT_EQ(refusalOf("/proc/self/mem"), "it cannot be read: input/output error");
+}
+
+TEST(ObjectFile, ThatNeedsAMissingLibraryIsRefusedWithTheTextOfTheLoader) {
+    std::string bytes = bytesOfAddOn();
+    const std::string library = "libc.so.6";
+    for (auto at = bytes.find(library); at != std::string::npos; at = bytes.find(library, at)) {
+        bytes.replace(at, library.size(), "nosuch.so");
+    }
+    EXPECT_EQ(refusalOfBytes(bytes).find("it cannot be loaded: nosuch.so: "), 0U) << refusalOfBytes(bytes);
 }
 
 TEST(ObjectFile, IsRefusedWhileTooManyFilesAreOpen) {

@@ -155,6 +155,16 @@ TEST(Style, TakesPathsInAnyOrderOfTheirKeywords) {
     EXPECT_EQ(value, 0.5);
 }
 
+// Only names of keywords must be in order.
+TEST(Style, IsFoundByAHostThatMindsTheOrderIfAnotherArgumentIsBetweenTheKeywords) {
+    Host host;
+    host.answerLike({{"style.setting.anyOrder", "UnknownPath"}});
+    host.setStyle({"A", "B"}, 0.5);
+    double value = kNothing;
+    EXPECT_EQ(List().number(value).text("P1", "A").text("A9", "X").text("P2", "B").query(), GetValueReturnCode_Ok);
+    EXPECT_EQ(List().number(value).text("P2", "B").text("P1", "A").query(), GetValueReturnCode_UnknownPath);
+}
+
 TEST(Style, StaysWhereItIsUntilItsPathIsSetAgain) {
     Host host;
     host.setStyle({"TITLE"}, "one");

@@ -53,8 +53,8 @@ private:
 
 // The system's text, in lower case for the middle of a sentence.
 std::string textOf(int error) {
-    std::string text = std::generic_category().message(error);
-    if (!text.empty()) text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
+    std::string text = std::generic_category().message(error);  // never empty
+    text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
     return text;
 }
 
@@ -151,8 +151,7 @@ std::string whyNotLoadable(const std::string& path) {
     try {
         return whyNotLoadable(file);
     } catch (const std::system_error& error) {
-        const bool isFolder = error.code() == std::errc::is_a_directory;
-        return isFolder ? kNoObject : "it cannot be read: " + textOf(error.code().value());
+        return "it cannot be read: " + textOf(error.code().value());
     }
 }
 
