@@ -36,11 +36,11 @@ std::string takeBracketedText(MacroTokenIterator& current, const MacroTokenItera
     return text;
 }
 
-std::shared_ptr<Set> parseSet(MacroTokenIterator& current, const MacroTokenIterator& end) {
-    auto set = std::make_shared<Set>();
+Set parseSet(MacroTokenIterator& current, const MacroTokenIterator& end) {
+    Set set;
     std::string text = takeBracketedText(current, end);
     try {
-        set->assign(std::move(text));
+        set.assign(std::move(text));
     } catch (const InvalidArgumentException& refusal) {
         throw MacroCommandError(refusal.what());
     } catch (const OutOfMemoryException&) {
@@ -63,7 +63,8 @@ SetMacroOption::SetMacroOption(MacroTokenIterator& current, const MacroTokenIter
     parseAssignmentOperator(current, end);
     if (current == end) throw MacroCommandError("Expected set operator missing");
     if (*current != OPENING_token) throw MacroCommandError("Expected opening set character, [");
-    m_value = parseSet(current, end);
+    const Set value = parseSet(current, end);
+    m_value = copyOf(&value);  // copied, because the host maker's own Set may have no move operations
     m_defaultValue = defaultOf(hasDefault, defaultValue);
 }
 
