@@ -45,7 +45,7 @@ void requireReadAgain(std::vector<MacroResult> results) {
 void requireReason(const std::string& reason, const std::string& text) {
     const auto lines = std::count(text.begin(), text.end(), '\n') + 1;
     for (long line = 1; line <= lines; ++line) {
-        if (reason == kName + (':' + std::to_string(line)) + ": this is not a line of results") return;
+        if (reason == kName + (':' + std::to_string(line)) + ": this is not a line of 'run --json'") return;
     }
     require(false, "a refusal names a line", reason);
 }
