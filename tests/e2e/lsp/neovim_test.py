@@ -75,6 +75,14 @@ class Neovim(unittest.TestCase):
             time.sleep(0.05)
             found = self.ask(expression)
 
+    def wait_for_screen(self, lines):
+        deadline = time.monotonic() + SECONDS
+        shown = []
+        while shown != lines:
+            self.assertLess(time.monotonic(), deadline, '\n'.join(shown))
+            time.sleep(0.05)
+            shown = [line.rstrip() for line in self.ask(SCREEN).split('\n')]
+
     def test_marks_a_mistake_and_loses_the_mark_when_it_is_corrected(self):
         self.type(':2s/TIMS/TIMES/<CR>')
         self.wait_for('luaeval("#vim.diagnostic.get(0)")', '0')
@@ -92,7 +100,7 @@ class Neovim(unittest.TestCase):
         self.wait_for('pumvisible()', '1')
         self.type('<C-y>3<Esc>')
         self.wait_for('[execute("redraw!"), screenstring(2, 1)][1]', 'E')
-        self.assertEqual([line.rstrip() for line in self.ask(SCREEN).split('\n')], EXPECTED.read_text().splitlines())
+        self.wait_for_screen(EXPECTED.read_text().splitlines())
 
     def test_formats_the_macro(self):
         self.type(':2s/TIMS/TIMES/<CR>')
