@@ -433,13 +433,6 @@ private:
     }
 };
 
-std::string sizedInput(const std::string& file) {
-    std::error_code ignored;
-    const auto size = std::filesystem::file_size(file, ignored);
-    if (ignored || size <= kMostBytes) return readInput(file);
-    throw std::system_error(std::make_error_code(std::errc::file_too_large));
-}
-
 }  // namespace
 
 ReadDescription parseDescription(const std::string& text, const std::string& file) {
@@ -460,7 +453,7 @@ ReadDescription parseDescription(const std::string& text, const std::string& fil
 
 std::optional<AddOnDescription> readDescription(const std::string& file) {
     try {
-        ReadDescription result = parseDescription(sizedInput(file), file);
+        ReadDescription result = parseDescription(readInput(file, kMostBytes), file);
         for (const std::string& problem : result.problems) tell(problem);
         if (result.problems.empty()) return std::move(result.description);
     } catch (const std::system_error& error) {

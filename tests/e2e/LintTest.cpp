@@ -67,6 +67,13 @@ TEST_F(Lint, NeedsADescription) {
     EXPECT_NE(result.err.find("--describe or --addon is required"), std::string::npos) << result.err;
 }
 
+TEST_F(Lint, RefusesAnEndlessDescription) {
+    write("m.macro", "STATS MEAN\n");
+    const ProgramResult result = runProgram(runner({"lint", "m.macro", "--describe", "/dev/zero"}));
+    EXPECT_EQ(result.err, "/dev/zero: cannot be read: File too large\n");
+    EXPECT_EQ(result.status, 2);
+}
+
 TEST_F(Lint, RefusesAWrongDescriptionWithPointerAndPlace) {
     write("stats.commands.json",
           "{\"addon\": \"STATS\",\n"

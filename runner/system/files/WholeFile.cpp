@@ -29,14 +29,16 @@ bool isNamedPipe(int descriptor) {
            system.f_type != PIPEFS_MAGIC;
 }
 
-std::string readToEnd(int descriptor) {
+std::string readToEnd(int descriptor, std::size_t most = kNoLimit) {
     std::string text;
     std::array<char, 65536> chunk;
     for (;;) {
         const ssize_t count = read(descriptor, chunk.data(), chunk.size());
         if (count == 0) return text;
         if (count < 0 && errno != EINTR) throwLastError();
-        if (count > 0) text.append(chunk.data(), static_cast<std::size_t>(count));
+        if (count < 0) continue;
+        text.append(chunk.data(), static_cast<std::size_t>(count));
+        if (text.size() > most) throw std::system_error(std::make_error_code(std::errc::file_too_large));
     }
 }
 
@@ -59,7 +61,7 @@ Descriptor openInput(const std::string& path) {
     return file;
 }
 
-std::string readInput(const std::string& path) { return readToEnd(openInput(path).get()); }
+std::string readInput(const std::string& path, std::size_t most) { return readToEnd(openInput(path).get(), most); }
 
 std::string readStandardInput() { return readToEnd(STDIN_FILENO); }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <string>
 
 #include "system/Descriptor.h"
@@ -15,9 +17,11 @@ std::string readWholeFile(const std::string& path);
 /// \throws std::system_error if it cannot be opened.
 Descriptor openInput(const std::string& path);
 
-/// Reads all bytes of an input that openInput() opens.
-/// \throws std::system_error if it cannot be read.
-std::string readInput(const std::string& path);
+constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+
+/// Reads all bytes of an input that openInput() opens, which may be endless.
+/// \throws std::system_error if it cannot be read, or has more than \p most bytes.
+std::string readInput(const std::string& path, std::size_t most = kNoLimit);
 
 /// Reads all bytes of the standard input, as readInput() does.
 std::string readStandardInput();
