@@ -1,8 +1,7 @@
 #include "stacks/MappedObjects.h"
 
-#include <array>
-#include <cstdio>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -19,15 +18,18 @@ struct Mapping {
 };
 
 Mapping mappingOf(const std::string& line) {
-    std::array<char, 5> access{};
-    unsigned long begin = 0;
-    unsigned long end = 0;
-    unsigned long offset = 0;
-    int name = 0;
-    const int count =
-        std::sscanf(line.c_str(), "%lx-%lx %4s %lx %*s %*u %n", &begin, &end, access.data(), &offset, &name);
-    if (count != 4 || name == 0) return {};
-    return {begin, end, access[2] == 'x', offset == 0, line.substr(static_cast<std::size_t>(name))};
+    Mapping mapping;
+    std::istringstream in(line);
+    std::string access;
+    std::string device;
+    std::string number;  // of the file
+    GElf_Addr offset = 0;
+    char dash = '-';
+    in >> std::hex >> mapping.begin >> dash >> mapping.end >> access >> offset >> device >> number;
+    mapping.isCode = access.find('x') != std::string::npos;
+    mapping.isStart = offset == 0;
+    std::getline(in >> std::ws, mapping.name);
+    return mapping;
 }
 
 // Mappings of a file in a row. The loader begins with the start of the file, and maps code.

@@ -10,7 +10,7 @@ inline const void* handledException() {
     const std::exception_ptr exception = std::current_exception();
     const void* address = nullptr;
     static_assert(sizeof exception == sizeof address, "the pointer has the address only");
-    std::memcpy(&address, &exception, sizeof address);
+    std::memcpy(&address, reinterpret_cast<const unsigned char*>(&exception), sizeof address);
     return address;
 }
 
