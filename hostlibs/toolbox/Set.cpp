@@ -237,14 +237,18 @@ private:
     int64_t m_steppedMembers = 0;
 };
 
-// The numbers from 0 to 99, two characters each.
-constexpr auto kPairs = [] {
-    std::array<std::array<char, 2>, 100> pairs{};
+using DigitPairs = std::array<std::array<char, 2>, 100>;
+
+// Returns the numbers from 0 to 99, two characters each.
+constexpr DigitPairs digitPairs() {
+    DigitPairs pairs{};
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         pairs[i] = {static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)};
     }
     return pairs;
-}();
+}
+
+constexpr DigitPairs kPairs = digitPairs();
 
 // Builds a text. It collects characters in a buffer, because appending a few at a time to a string is slower.
 class Writer {
