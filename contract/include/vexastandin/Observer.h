@@ -41,8 +41,8 @@ struct EntryEvent {
     std::size_t threadNumber = 0;     ///< the thread, numbered as in Place
     std::thread::id thread;           ///< the thread
     std::chrono::steady_clock::time_point time;  ///< the time of this event
-    Place failure =
-        {};  ///< at the end of a command that failed, in a host that is not the stand-in: as CommandResult::place
+    /// At the end of a command that failed, in a host that is not the stand-in: as CommandResult::place.
+    Place failure = {};
     const void* function = nullptr;  ///< the add-on's function that runs the command; null for other entries, and in a
                                      ///< host that is not the stand-in
 };
