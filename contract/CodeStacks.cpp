@@ -1,7 +1,5 @@
 #include "contract/CodeStacks.h"
 
-#include <unwind.h>
-
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -38,20 +36,17 @@ struct CodeStacks::Walk {
 
     // Called by the unwinder, whose stack pointer of a frame is the one after the return to this frame.
     static _Unwind_Reason_Code add(_Unwind_Context* context, void* walk) {
-        int isBefore = 0;
-        const std::uintptr_t address = _Unwind_GetIPInfo(context, &isBefore);
         const auto* const slot = reinterpret_cast<const std::uintptr_t*>(_Unwind_GetCFA(context)) - 1;
-        return static_cast<Walk*>(walk)->add(address, slot, isBefore != 0);
+        return static_cast<Walk*>(walk)->add(frameOf(context), slot);
     }
 
 private:
-    // `isBefore` is true for the code that a signal interrupted, which has called nothing.
-    _Unwind_Reason_Code add(std::uintptr_t address, const std::uintptr_t* slot, bool isBefore) {
-        if (address == 0) return _URC_END_OF_STACK;
-        addresses.push_back(isBefore ? address : address - 1);
-        isInMemory = isInMemory && !isBefore && *slot == address;
-        image.slots[image.count++] = {slot, address};
-        return image.count == kMostPlaces ? _URC_END_OF_STACK : _URC_NO_REASON;
+    _Unwind_Reason_Code add(const UnwoundFrame& frame, const std::uintptr_t* slot) {
+        if (frame.address == 0) return _URC_END_OF_STACK;
+        addresses.push_back(frame.place());
+        isInMemory = isInMemory && !frame.isInterrupted && *slot == frame.address;
+        image.slots[image.count++] = {slot, frame.address};
+        return image.count == kMostCalls ? _URC_END_OF_STACK : _URC_NO_REASON;
     }
 };
 
@@ -60,7 +55,7 @@ private:
     const void* const frame = __builtin_frame_address(0);
     if (const Image* const image = findImage(frame)) return image->stack;
     Walk walk;
-    walk.addresses.reserve(kMostPlaces);
+    walk.addresses.reserve(kMostCalls);
     _Unwind_Backtrace(&Walk::add, &walk);
     std::shared_ptr<const CodeStack> stack = keep(walk.addresses);
     if (walk.isInMemory && walk.image.count > 1) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "contract/UnwoundFrame.h"
 #include "vexastandin/Finding.h"
 
 namespace vexa::standin {
@@ -60,8 +61,6 @@ public:
     void forget();
 
 private:
-    static constexpr std::size_t kMostPlaces = 48;
-
     struct Slot {
         const std::uintptr_t* at;  // where on the stack the return address is
         std::uintptr_t value;
@@ -70,7 +69,7 @@ private:
     struct Image {
         const void* frame = nullptr;  // of capture()
         std::size_t count = 0;
-        std::array<Slot, kMostPlaces> slots{};
+        std::array<Slot, kMostCalls> slots{};
         std::shared_ptr<const CodeStack> stack;
     };
     struct Walk;

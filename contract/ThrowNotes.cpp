@@ -1,12 +1,12 @@
 #include "contract/ThrowNotes.h"
 
-#include <unwind.h>
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <mutex>
 #include <thread>
+
+#include "contract/UnwoundFrame.h"
 
 namespace vexa::standin {
 namespace {
@@ -15,7 +15,7 @@ struct Note {
     const void* exception = nullptr;  // null if there is no note
     std::thread::id thread;
     std::size_t count = 0;
-    std::array<std::uintptr_t, 48> addresses{};
+    std::array<std::uintptr_t, kMostCalls> addresses{};
 };
 
 // Not one for each thread: a library that is loaded early has little memory of that kind.
@@ -25,10 +25,9 @@ std::size_t theNext = 0;
 
 _Unwind_Reason_Code add(_Unwind_Context* context, void* into) {
     Note& note = *static_cast<Note*>(into);
-    int isBefore = 0;
-    const std::uintptr_t address = _Unwind_GetIPInfo(context, &isBefore);
-    if (address == 0) return _URC_END_OF_STACK;
-    note.addresses[note.count++] = isBefore != 0 ? address : address - 1;
+    const UnwoundFrame frame = frameOf(context);
+    if (frame.address == 0) return _URC_END_OF_STACK;
+    note.addresses[note.count++] = frame.place();
     return note.count == note.addresses.size() ? _URC_END_OF_STACK : _URC_NO_REASON;
 }
 
